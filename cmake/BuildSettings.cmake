@@ -1,0 +1,40 @@
+# What every target of ours is built with: warnings as errors, hardening, sanitizers, ccache.
+
+set(CORVANE_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, \"address,undefined\" or \"thread\"")
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+endif()
+
+# Linked by every target of ours; never by generated or foreign code.
+add_library(corvane_settings INTERFACE)
+target_compile_options(corvane_settings INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Werror)
+target_compile_definitions(corvane_settings INTERFACE
+  QT_NO_CAST_FROM_ASCII QT_NO_FOREACH)
+
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES CXX)
+
+if(CORVANE_SANITIZE)
+  add_compile_options(-fsanitize=${CORVANE_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${CORVANE_SANITIZE})
+else()
+  add_compile_options(-fstack-protector-strong)
+  add_compile_options($<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
+endif()
+add_link_options(-Wl,-z,relro -Wl,-z,now)
+
+# corvane_room(<target> [QT] SOURCES ... [USES ...] [PRIVATELY_USES ...])
+# A room of the house: a static library whose folder is its only include directory, so that
+# including a header of a room that is not named under USES does not compile.
+function(corvane_room target)
+  cmake_parse_arguments(ROOM "QT" "" "SOURCES;USES;PRIVATELY_USES" ${ARGN})
+  add_library(${target} STATIC ${ROOM_SOURCES})
+  target_include_directories(${target} PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}")
+  target_link_libraries(${target} PUBLIC ${ROOM_USES} PRIVATE ${ROOM_PRIVATELY_USES} corvane_settings)
+  if(ROOM_QT)
+    set_target_properties(${target} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
+  endif()
+endfunction()

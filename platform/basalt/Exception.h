@@ -1,0 +1,41 @@
+#pragma once
+
+#include <exception>
+#include <string>
+
+namespace Ve {
+
+/// The one exception type of the program outside the converters: a status, a message and where it was made.
+/// It is a plain value: it is copied into queued signals and crosses threads. Status 1 means success, so that a
+/// value made from the status alone serves as the result of work that went well.
+class Exception : public std::exception {
+  public:
+    /// Success.
+    Exception() = default;
+
+    /// A result without a message.
+    explicit Exception(int status);
+
+    /// @param line,file,function where the failure is reported from
+    /// @param status a value that bStatus_Name can name
+    /// @param format printf-like; text that comes from outside (a path, an address, a server's words) is always an
+    ///        argument of it and never the format itself
+    Exception(int line, const char* file, int status, const char* function, const char* format, ...)
+        __attribute__((format(printf, 6, 7)));
+
+    [[nodiscard]] int Status() const noexcept { return status; }
+    [[nodiscard]] int Line() const noexcept { return line; }
+    [[nodiscard]] const std::string& File() const noexcept { return file; }
+    [[nodiscard]] const std::string& Function() const noexcept { return function; }
+    /// The message alone; empty for a result without one.
+    [[nodiscard]] const char* what() const noexcept override { return message.c_str(); }
+
+  private:
+    int status = 1;
+    int line = 0;
+    std::string file;
+    std::string function;
+    std::string message;
+};
+
+} // namespace Ve

@@ -1,0 +1,120 @@
+#include "WholeFile.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::size_t kBufferSize = 64U * 1024U;
+constexpr mode_t kPermissionBits = 0777;
+
+/// The file that a name stands for: the far end of a chain of links, whether or not it exists yet.
+std::string LinksFollowed(const std::string& path) {
+    std::error_code failure;
+    std::filesystem::path place(path);
+    constexpr int kLongestChain = 40;
+    for (int step = 0; step < kLongestChain && std::filesystem::is_symlink(place, failure); ++step) {
+        const std::filesystem::path next = std::filesystem::read_symlink(place, failure);
+        place = next.is_absolute() ? next : place.parent_path() / next;
+    }
+    return place.string();
+}
+
+std::string FolderOf(const std::string& path) {
+    const std::string folder = std::filesystem::path(path).parent_path().string();
+    return folder.empty() ? "." : folder;
+}
+
+/// The permissions that the new file gets: the old file's, or those of any new file of this user.
+mode_t PermissionsFor(const struct stat* old) {
+    if (old != nullptr)
+        return old->st_mode & kPermissionBits;
+    const mode_t mask = umask(0);
+    umask(mask);
+    return 0666 & ~mask;
+}
+
+bool SyncFolder(const std::string& path) {
+    const int folder = open(FolderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder < 0)
+        return false;
+    const bool synced = fsync(folder) == 0;
+    return close(folder) == 0 && synced;
+}
+
+} // namespace
+
+WholeFile::WholeFile(const std::string& path) : target(LinksFollowed(path)) {
+    struct stat old {};
+    const bool exists = stat(target.c_str(), &old) == 0;
+    if (exists && (!S_ISREG(old.st_mode) || access(target.c_str(), W_OK) != 0))
+        return;
+    beside = FolderOf(target) + "/.corvane-XXXXXX";
+    descriptor = mkostemp(beside.data(), O_CLOEXEC);
+    if (descriptor < 0)
+        return;
+    if (fchmod(descriptor, PermissionsFor(exists ? &old : nullptr)) != 0)
+        failed = true;
+    buffer.reserve(kBufferSize);
+}
+
+WholeFile::~WholeFile() {
+    Discard();
+}
+
+void WholeFile::Write(const void* data, std::size_t size) {
+    if (buffer.size() + size > kBufferSize && !FlushBuffer())
+        return;
+    if (size >= kBufferSize)
+        WriteThrough(static_cast<const char*>(data), size);
+    else
+        buffer.append(static_cast<const char*>(data), size);
+}
+
+bool WholeFile::Commit() {
+    if (!IsOpen())
+        return false;
+    const bool written = FlushBuffer() && fsync(descriptor) == 0;
+    const bool closed = close(descriptor) == 0;
+    descriptor = -1;
+    if (!written || !closed || rename(beside.c_str(), target.c_str()) != 0) {
+        unlink(beside.c_str());
+        return false;
+    }
+    return SyncFolder(target);
+}
+
+void WholeFile::WriteThrough(const char* data, std::size_t size) {
+    while (size > 0 && !failed) {
+        const ssize_t written = write(descriptor, data, size);
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0) {
+            failed = true;
+            return;
+        }
+        data += written;
+        size -= static_cast<std::size_t>(written);
+    }
+}
+
+bool WholeFile::FlushBuffer() {
+    if (!IsOpen())
+        failed = true;
+    WriteThrough(buffer.data(), failed ? 0 : buffer.size());
+    buffer.clear();
+    return !failed;
+}
+
+void WholeFile::Discard() {
+    if (!IsOpen())
+        return;
+    close(descriptor);
+    descriptor = -1;
+    unlink(beside.c_str());
+}

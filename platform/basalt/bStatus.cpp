@@ -1,0 +1,24 @@
+#include "bStatus.h"
+
+#include <string>
+
+const char* bStatus_Name(bStatus status) {
+    switch (status) {
+    case bOK:
+        return "OK";
+    case bERROR_TRACK:
+        return "ERROR_TRACK";
+    case bERROR_NOT_CONNECTED:
+        return "ERROR_NOT_CONNECTED";
+    case bERROR_FILE:
+        return "ERROR_FILE";
+    case bERROR_REQUEST:
+        return "ERROR_REQUEST";
+    case bERROR_NOT_FOUND:
+        return "ERROR_NOT_FOUND";
+    default:
+        thread_local std::string unnamed;
+        unnamed = "STATUS " + std::to_string(status);
+        return unnamed.c_str();
+    }
+}

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "bStatus.h"
+
+/// The running API library, from its start until the process ends.
+struct VeApiLib;
+
+/// Starts the API library and fills in its handle.
+/// @return 1; bERROR_FILE when `handle` is null.
+bStatus VeApiLib_Construct(const VeApiLib** handle);

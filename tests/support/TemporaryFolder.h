@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+
+/// A fresh folder, with a blank and letters beyond ASCII in its name, that is the working directory while the object
+/// lives and is removed with it.
+class TemporaryFolder {
+  public:
+    TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder();
+
+    /// The full path of a name in the folder.
+    [[nodiscard]] std::string Path(const std::string& name) const { return folder + "/" + name; }
+
+  private:
+    std::string folder;
+    std::string before;
+};
+
+/// The whole content of a file; empty when it cannot be read.
+std::string FileContent(const std::string& path);
+
+/// Creates or replaces a file.
+void WriteFile(const std::string& path, const std::string& content);
+
+/// The path of a file in tests/data.
+std::string TestData(const std::string& name);
