@@ -22,7 +22,8 @@ std::string Formatted(const char* format, va_list arguments) {
 
 } // namespace
 
-Exception::Exception(int status) : status(status) {}
+Exception::Exception(int status) : status(status) {
+}
 
 Exception::Exception(int line, const char* file, int status, const char* function, const char* format, ...)
     : status(status), line(line), file(file), function(function) {

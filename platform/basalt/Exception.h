@@ -6,8 +6,8 @@
 namespace Ve {
 
 /// The one exception type of the program outside the converters: a status, a message and where it was made.
-/// It is a plain value: it is copied into queued signals and crosses threads. Status 1 means success, so that a
-/// value made from the status alone serves as the result of work that went well.
+/// It is a plain value: it is copied into queued signals and crosses threads. Status 1 means success, so that
+/// a value made from the status alone serves as the result of work that went well.
 class Exception : public std::exception {
   public:
     /// Success.
@@ -18,7 +18,8 @@ class Exception : public std::exception {
 
     /// @param line,file,function where the failure is reported from
     /// @param status a value that bStatus_Name can name
-    /// @param format printf-like; text that comes from outside (a path, an address, a server's words) is always an
+    /// @param format printf-like; text that comes from outside (a path, an address, a server's words) is
+    /// always an
     ///        argument of it and never the format itself
     Exception(int line, const char* file, int status, const char* function, const char* format, ...)
         __attribute__((format(printf, 6, 7)));

@@ -6,14 +6,14 @@
 
 /// A file that appears under its name whole or not at all.
 ///
-/// The bytes go to a hidden file beside the target (".corvane-" and six letters); Commit checks that every one of
-/// them has reached the disk and puts the file in place by renaming. Until then, and after any failure, whatever
-/// stood under the name is untouched. An existing target keeps its permissions; a symbolic link is followed, so
-/// that the link stays a link. Not safe for use from two threads at once.
+/// The bytes go to a hidden file beside the target (".corvane-" and six letters); Commit checks that every
+/// one of them has reached the disk and puts the file in place by renaming. Until then, and after any
+/// failure, whatever stood under the name is untouched. An existing target keeps its permissions; a symbolic
+/// link is followed, so that the link stays a link. Not safe for use from two threads at once.
 class WholeFile {
   public:
-    /// Starts writing beside `path`; IsOpen tells whether that was possible. A target that exists and is not a
-    /// regular file, or that this user may not write, is not opened.
+    /// Starts writing beside `path`; IsOpen tells whether that was possible. A target that exists and is not
+    /// a regular file, or that this user may not write, is not opened.
     explicit WholeFile(const std::string& path);
     WholeFile(const WholeFile&) = delete;
     WholeFile& operator=(const WholeFile&) = delete;
@@ -27,7 +27,8 @@ class WholeFile {
     void Write(std::string_view text) { Write(text.data(), text.size()); }
 
     /// Flushes, syncs, renames and syncs the folder; the object is closed afterwards.
-    /// @return false when any byte could not be written safely; the old file then still stands, but for a failed
+    /// @return false when any byte could not be written safely; the old file then still stands, but for a
+    /// failed
     ///         sync of the folder, where the new one does.
     [[nodiscard]] bool Commit();
 

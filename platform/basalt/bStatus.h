@@ -6,9 +6,9 @@ using bStatus = int;
 constexpr bStatus bOK = 1;
 constexpr bStatus bERROR_TRACK = -984;         ///< a track file that cannot be read
 constexpr bStatus bERROR_NOT_CONNECTED = -988; ///< no server is connected
-constexpr bStatus bERROR_FILE = -997;          ///< cannot be opened, is empty, missing as a source, or no directory
-constexpr bStatus bERROR_REQUEST = -998;       ///< a server request failed
-constexpr bStatus bERROR_NOT_FOUND = -999;     ///< a file that does not exist
+constexpr bStatus bERROR_FILE = -997;    ///< cannot be opened, is empty, missing as a source, or no directory
+constexpr bStatus bERROR_REQUEST = -998; ///< a server request failed
+constexpr bStatus bERROR_NOT_FOUND = -999; ///< a file that does not exist
 
 /// The readable name of a status; any number gets one. The text lives until the thread's next call.
 const char* bStatus_Name(bStatus status);

@@ -18,5 +18,6 @@ QSize ShownImageSize(const QSize& image, double xResolution, double yResolution,
     if (yResolution > xResolution)
         return {WholePixels(image.width() * scale),
                 WholePixels(image.height() * scale * yResolution / xResolution)};
-    return {WholePixels(image.width() * scale * xResolution / yResolution), WholePixels(image.height() * scale)};
+    return {WholePixels(image.width() * scale * xResolution / yResolution),
+            WholePixels(image.height() * scale)};
 }

@@ -12,14 +12,19 @@ void QMaskWidget::clearAll() {
     resetPaths();
     update();
 }
-void QMaskWidget::resetPaths() {}
-void QMaskWidget::deleteLast() {}
+void QMaskWidget::resetPaths() {
+}
+void QMaskWidget::deleteLast() {
+}
 bool QMaskWidget::segmentExists(int, int) const {
     return mainWindow == nullptr;
 }
-void QMaskWidget::clearRulerMarks() {}
-void QMaskWidget::computeRulerMarks(int, int) {}
+void QMaskWidget::clearRulerMarks() {
+}
+void QMaskWidget::computeRulerMarks(int, int) {
+}
 int QMaskWidget::loadPaths(const QString&) {
     return 1;
 }
-void QMaskWidget::SavePath(const QString&, const QString&, double, double, double, double, double) {}
+void QMaskWidget::SavePath(const QString&, const QString&, double, double, double, double, double) {
+}

@@ -9,8 +9,8 @@
 class RulerOwner;
 
 /// The canvas: shows the height map and lets the operator draw, reshape and measure paths with the mouse.
-/// All of it runs on the window's thread. Mouse positions are widget pixels; everything stored is normalised to the
-/// canvas (x = pixel / width, y = pixel / height).
+/// All of it runs on the window's thread. Mouse positions are widget pixels; everything stored is normalised
+/// to the canvas (x = pixel / width, y = pixel / height).
 class QMaskWidget : public QLabel {
     Q_OBJECT
 
@@ -34,8 +34,8 @@ class QMaskWidget : public QLabel {
     int loadPaths(const QString& fileName);
     /// Writes the paths, with the rest of `original`, into the binary track file `target`.
     /// @throws Ve::Exception with status bERROR_TRACK
-    void SavePath(const QString& original, const QString& target, double widthScale, double xOffset, double yOffset,
-                  double xScale, double yScale);
+    void SavePath(const QString& original, const QString& target, double widthScale, double xOffset,
+                  double yOffset, double xScale, double yScale);
 
   private:
     RulerOwner* mainWindow;

@@ -13,10 +13,10 @@ int ConvertBIN::ReadPath(const std::string&, std::vector<TrackPath>&) {
     return 1;
 }
 int ConvertBIN::WriteTrack(const std::string&, const TrackInfo&, const HeightMap&, std::int64_t,
-                   const std::vector<TrackPath>&, double, double, double, double, double) {
+                           const std::vector<TrackPath>&, double, double, double, double, double) {
     return -1;
 }
-int ConvertBIN::UpdatePath(const std::string&, const std::string&, const std::vector<TrackPath>&, double, double, double,
-                   double, double) {
+int ConvertBIN::UpdatePath(const std::string&, const std::string&, const std::vector<TrackPath>&, double,
+                           double, double, double, double) {
     return 1;
 }

@@ -13,10 +13,10 @@ int ConvertCSV::ReadPath(const std::string&, std::vector<TrackPath>&) {
     return 1;
 }
 int ConvertCSV::WriteTrack(const std::string&, const TrackInfo&, const HeightMap&, std::int64_t,
-                   const std::vector<TrackPath>&, double, double, double, double, double) {
+                           const std::vector<TrackPath>&, double, double, double, double, double) {
     return -1;
 }
-int ConvertCSV::UpdatePath(const std::string&, const std::string&, const std::vector<TrackPath>&, double, double, double,
-                   double, double) {
+int ConvertCSV::UpdatePath(const std::string&, const std::string&, const std::vector<TrackPath>&, double,
+                           double, double, double, double) {
     return 1;
 }

@@ -8,11 +8,13 @@ class ConvertCSV final : public Converter {
     int ReadInfo(const std::string& path, TrackInfo& info) override;
     int ReadImage(const std::string& path, TrackInfo info, double lowHeight, double highHeight,
                   QImage& image) override;
-    int ReadHeightMap(const std::string& path, TrackInfo info, HeightMap& heights, std::int64_t& size) override;
+    int ReadHeightMap(const std::string& path, TrackInfo info, HeightMap& heights,
+                      std::int64_t& size) override;
     int ReadPath(const std::string& path, std::vector<TrackPath>& paths) override;
-    int WriteTrack(const std::string& target, const TrackInfo& info, const HeightMap& heights, std::int64_t size,
+    int WriteTrack(const std::string& target, const TrackInfo& info, const HeightMap& heights,
+                   std::int64_t size, const std::vector<TrackPath>& paths, double widthScale, double xOffset,
+                   double yOffset, double xScale, double yScale) override;
+    int UpdatePath(const std::string& original, const std::string& target,
                    const std::vector<TrackPath>& paths, double widthScale, double xOffset, double yOffset,
                    double xScale, double yScale) override;
-    int UpdatePath(const std::string& original, const std::string& target, const std::vector<TrackPath>& paths,
-                   double widthScale, double xOffset, double yOffset, double xScale, double yScale) override;
 };

@@ -10,8 +10,8 @@
 
 namespace {
 
-/// Whether the first line holds the word that binary files begin with. The line is searched as it is read, in pieces
-/// that overlap by the word's length, since a file without a line feed may be one endless line.
+/// Whether the first line holds the word that binary files begin with. The line is searched as it is read, in
+/// pieces that overlap by the word's length, since a file without a line feed may be one endless line.
 bool FirstLineIsBinary(std::istream& file) {
     constexpr std::string_view kWord = "Trac";
     constexpr std::size_t kPiece = 4096;

@@ -40,7 +40,8 @@ Table ComputedTable() {
 
 } // namespace
 
-HeightRamp::HeightRamp(double lowHeight, double highHeight) : low(lowHeight), range(highHeight - lowHeight) {}
+HeightRamp::HeightRamp(double lowHeight, double highHeight) : low(lowHeight), range(highHeight - lowHeight) {
+}
 
 const HeightRamp::Colour& HeightRamp::ColourOf(double height) const {
     return ColourOfStep(std::floor((height - low) * kLastStep / range + 0.5));

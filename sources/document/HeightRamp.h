@@ -3,8 +3,8 @@
 #include <array>
 #include <cstdint>
 
-/// Turns heights into colours: black, blue, cyan, green, yellow, red, magenta and white, seven bands of 256 steps
-/// from the lowest height to the highest.
+/// Turns heights into colours: black, blue, cyan, green, yellow, red, magenta and white, seven bands of 256
+/// steps from the lowest height to the highest.
 class HeightRamp {
   public:
     /// Red, green, blue.

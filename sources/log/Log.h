@@ -19,7 +19,7 @@ const char* LogLevelName(LogLevel level);
 
 /// One line of the log: made for one statement, written as a whole when the statement ends.
 /// `OutputPolicy` needs `static void Write(const std::string&)`.
-template <typename OutputPolicy>
+template<typename OutputPolicy>
 class Log {
   public:
     Log() = default;
@@ -30,8 +30,8 @@ class Log {
         OutputPolicy::Write(line.str());
     }
 
-    /// Writes the line's head (time, level, a tab for each level beyond DEBUG) and hands out the stream for the
-    /// message.
+    /// Writes the line's head (time, level, a tab for each level beyond DEBUG) and hands out the stream for
+    /// the message.
     std::ostringstream& Line(LogLevel level) {
         line << NowTime() << ' ' << LogLevelName(level) << ": ";
         if (level > DEBUG)
@@ -51,8 +51,9 @@ class Log {
 
 using FILELog = Log<Output2FILE>;
 
-/// LOG_LINE(ERROR) << "text"; evaluates and writes nothing when the level is not reported or there is no target.
-#define LOG_LINE(level)                                                                                       \
-    if ((level) > FILELog::ReportingLevel() || Output2FILE::Target() == nullptr) {                            \
-    } else                                                                                                    \
+/// LOG_LINE(ERROR) << "text"; evaluates and writes nothing when the level is not reported or there is no
+/// target.
+#define LOG_LINE(level)                                                                                      \
+    if ((level) > FILELog::ReportingLevel() || Output2FILE::Target() == nullptr) {                           \
+    } else                                                                                                   \
         FILELog().Line(level)

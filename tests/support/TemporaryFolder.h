@@ -2,8 +2,8 @@
 
 #include <string>
 
-/// A fresh folder, with a blank and letters beyond ASCII in its name, that is the working directory while the object
-/// lives and is removed with it.
+/// A fresh folder, with a blank and letters beyond ASCII in its name, that is the working directory while the
+/// object lives and is removed with it.
 class TemporaryFolder {
   public:
     TemporaryFolder();
