@@ -6,6 +6,18 @@ const char* bStatus_Name(bStatus status) {
     switch (status) {
     case bOK:
         return "OK";
+    case bERROR_MEMORY:
+        return "ERROR_MEMORY";
+    case bERROR_PARAMETER:
+        return "ERROR_PARAMETER";
+    case bERROR_FORMAT:
+        return "ERROR_FORMAT";
+    case bERROR_END:
+        return "ERROR_END";
+    case bERROR_TOO_LONG:
+        return "ERROR_TOO_LONG";
+    case bERROR_LIMIT:
+        return "ERROR_LIMIT";
     case bERROR_TRACK:
         return "ERROR_TRACK";
     case bERROR_NOT_CONNECTED:

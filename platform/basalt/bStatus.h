@@ -4,6 +4,12 @@
 using bStatus = int;
 
 constexpr bStatus bOK = 1;
+constexpr bStatus bERROR_MEMORY = -1;          ///< memory could not be had
+constexpr bStatus bERROR_PARAMETER = -2;       ///< an argument that the call cannot work with
+constexpr bStatus bERROR_FORMAT = -3;          ///< data that breaks the rules of its format, or is cut short
+constexpr bStatus bERROR_END = -4;             ///< nothing more to read: the regular end, not damage
+constexpr bStatus bERROR_TOO_LONG = -5;        ///< a name longer than the room for it
+constexpr bStatus bERROR_LIMIT = -6;           ///< more than a bound allows
 constexpr bStatus bERROR_TRACK = -984;         ///< a track file that cannot be read
 constexpr bStatus bERROR_NOT_CONNECTED = -988; ///< no server is connected
 constexpr bStatus bERROR_FILE = -997;    ///< cannot be opened, is empty, missing as a source, or no directory

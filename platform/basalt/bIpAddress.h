@@ -1,0 +1,27 @@
+#pragma once
+
+#include "bStatus.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+/// An IPv4 address: its four numbers in the order in which they are written.
+struct bIpAddress {
+    std::array<std::uint8_t, 4> octets{};
+
+    bool operator==(const bIpAddress&) const = default;
+};
+
+/// The characters that the longest address text takes, the terminating zero included.
+constexpr std::size_t bIpAddress_TEXT_SIZE = 16;
+
+/// Reads a dotted IPv4 address: four decimal numbers from 0 to 255 without leading zeros (which some systems
+/// read as octal), and nothing else around them.
+/// @return 1; bERROR_PARAMETER when the text is no such address or a pointer is null, `*address` is then
+///         unchanged.
+bStatus bIpAddress_Parse(bIpAddress* address, const char* text);
+
+/// Writes the address in dotted form with a terminating zero.
+/// @return 1; bERROR_PARAMETER when `text` is null or `capacity` characters do not hold it.
+bStatus bIpAddress_Format(bIpAddress address, char* text, std::size_t capacity);
