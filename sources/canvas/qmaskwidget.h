@@ -1,6 +1,7 @@
 #pragma once
 
-#include "TrackPath.h"
+#include "EditingState.h"
+#include "SegmentParameter.h"
 
 #include <QLabel>
 
@@ -9,34 +10,76 @@
 class RulerOwner;
 
 /// The canvas: shows the height map and lets the operator draw, reshape and measure paths with the mouse.
+///
 /// All of it runs on the window's thread. Mouse positions are widget pixels; everything stored is normalised
-/// to the canvas (x = pixel / width, y = pixel / height).
+/// to the canvas (x = pixel / width, y = pixel / height), so that a resize leaves the paths as they are.
+///
+/// The height map is the label's pixmap, stretched to the canvas: `setPixmap` shows one, `clear` takes it
+/// away. Without a pixmap every mouse event is ignored and nothing is painted; the operations below work all
+/// the same.
+///
+/// Loading a track: `resetPaths`, then `loadPaths`, which leaves `finishedCount` at 0 on purpose.
 class QMaskWidget : public QLabel {
     Q_OBJECT
 
   public:
-    /// The parent's parent is asked for the ruler when it is a RulerOwner.
+    /// The parent's parent is asked for the ruler when it is a RulerOwner. It is looked up here and never
+    /// again: the widget may be moved to another parent later. It must outlive the canvas.
     explicit QMaskWidget(QWidget* parent = nullptr);
+    ~QMaskWidget() override;
 
     /// Removes every path and resets the editing state, then repaints.
     void clearAll();
     /// The same without the repaint.
     void resetPaths();
-    /// Removes the last point, or the last path when it has fewer than 3 points.
+    /// Removes the last point, or the last path when it has fewer than 3 points; nothing without paths. The
+    /// ruler marks are left to the caller's refresh.
     void deleteLast();
     /// Whether path `path` has a segment `segment` (both from 0, not checked for being negative).
     [[nodiscard]] bool segmentExists(int path, int segment) const;
     /// Empties the marks of every path, then repaints.
     void clearRulerMarks();
-    /// Rebuilds the marks of every path for the aspect-corrected image size, then repaints.
+    /// Brings the marks of every path up to date for the aspect-corrected image size and repaints what
+    /// changed. The result is that of computing them all.
     void computeRulerMarks(int imageWidth, int imageHeight);
-    /// Has the file's converter read its paths. @return 0, or the converter's failure code.
+    /// Has the file's converter read its paths in place of those held. @return 0, or the converter's failure
+    /// code; what was read before the failure is then kept.
     int loadPaths(const QString& fileName);
-    /// Writes the paths, with the rest of `original`, into the binary track file `target`.
-    /// @throws Ve::Exception with status bERROR_TRACK
+    /// Writes the paths, with the rest of `original`, into the binary track file `target`. A target that
+    /// cannot be written whole is left as it was.
+    /// @throws Ve::Exception with status bERROR_TRACK: "Failed to read the original file." or "Failed to read
+    /// the target file."
     void SavePath(const QString& original, const QString& target, double widthScale, double xOffset,
                   double yOffset, double xScale, double yScale);
 
+    /// The paths, in creation and file order. The reference is good until the next change.
+    [[nodiscard]] const std::vector<TrackPath>& paths() const;
+    /// The path and segment (from 0) chosen for parameter edits; they need not exist.
+    [[nodiscard]] int currentPath() const;
+    [[nodiscard]] int currentSegment() const;
+    /// Choose the highlighted segment, which is repainted. Any number from 0 is taken.
+    void setCurrentPath(int path);
+    void setCurrentSegment(int segment);
+
+    /// A parameter of the chosen segment, which must exist (`segmentExists`).
+    [[nodiscard]] int segmentParameter(SegmentParameter parameter) const;
+    /// Sets a parameter of the chosen segment; nothing when there is no such segment. Ruler marks are left to
+    /// the caller's refresh, here and below.
+    void setSegmentParameter(SegmentParameter parameter, int value);
+    /// Sets a parameter of every point of every path, those without a segment included.
+    void setParameterEverywhere(SegmentParameter parameter, int value);
+
+    /// For tests and tools: the whole editing state.
+    [[nodiscard]] const EditingState& editingState() const { return state; }
+
+  protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
   private:
     RulerOwner* mainWindow;
+    EditingState state;
 };
