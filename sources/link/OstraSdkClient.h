@@ -1,0 +1,61 @@
+#pragma once
+
+#include "OstraServerInfo.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace OstraSdk {
+class VeSystem;
+}
+
+/// The program's only gateway to a sensor server: finds servers, connects to one, fetches its workspace as a
+/// backup file, restores it from one and handles the replay mode.
+///
+/// Every operation blocks the calling thread, for no longer than its time-out, and fails with a Ve::Exception
+/// whose status and message are for the operator. There is no lock: one thread at a time.
+class OstraSdkClient {
+  public:
+    /// Bound to 127.0.0.1, port 3600, and not connected.
+    OstraSdkClient();
+    OstraSdkClient(const OstraSdkClient&) = delete;
+    OstraSdkClient& operator=(const OstraSdkClient&) = delete;
+    /// Does not disconnect: there is nothing on the server to be undone.
+    ~OstraSdkClient();
+
+    /// Replaces the content of `list` by the servers that answer, in the order in which they were found.
+    /// Takes a quarter of a second up to one second; none found is no error.
+    static void DiscoverOstraServers(std::vector<OstraServerInfo>& list);
+
+    /// Disconnects when connected, then connects to the server at a dotted IPv4 address. After a failure the
+    /// client is bound to that server and not connected.
+    void Connect(const std::string& address, const unsigned int& controlPort);
+
+    /// Does nothing when not connected.
+    void Disconnect();
+
+    /// Whether the last Connect succeeded and no Disconnect followed. A server that has died since is noticed
+    /// by the next request, not here.
+    [[nodiscard]] bool IsConnected() const;
+
+    /// Writes the server's whole workspace archive to a file: whole, or not at all. Up to 180 s.
+    void Backup(const std::string& backupFileName);
+
+    /// Has the server restore its workspace from an archive file. Up to 180 s.
+    void Restore(const std::string& fileName);
+
+    /// Whether replay is enabled on the server. Up to 3 s.
+    [[nodiscard]] bool GetReplayMode();
+
+    /// Up to 3 s.
+    void SetReplayMode(bool enabled);
+
+    /// Replaces the content of `buffer` by that of a file, which must not be empty.
+    static void ReadFileBuffer(const std::string& fileName, std::vector<std::uint8_t>& buffer);
+
+  private:
+    /// Never empty; replaced whole by each Connect.
+    std::shared_ptr<OstraSdk::VeSystem> system;
+};
