@@ -1,0 +1,100 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+/// One request as a ScriptedServer received it.
+struct ScriptedRequest {
+    static constexpr std::size_t kKeptBody = 16U * 1024U * 1024U;
+
+    std::string verb;
+    std::string path;
+    std::string head;           ///< request line and header fields
+    std::string body;           ///< no more of it than kKeptBody bytes
+    std::uint64_t bodySize = 0; ///< bytes of the body that arrived
+
+    /// The value of a header field, named as it was sent; empty when it was not.
+    [[nodiscard]] std::string Field(const std::string& name) const;
+};
+
+/// What a ScriptedServer sends to one connection, and how.
+struct ScriptedReply {
+    static constexpr std::uint64_t kNever = std::numeric_limits<std::uint64_t>::max();
+
+    std::string bytes;                  ///< the whole reply, its head included
+    std::uint64_t filler = 0;           ///< so many letters "x" follow
+    std::size_t pieceSize = 256 * 1024; ///< what is sent at once
+    std::chrono::milliseconds pause{0}; ///< before each piece
+    std::uint64_t cutAfter = kNever;    ///< ends the reply after so many bytes
+    bool closes = true; ///< ends the connection after the reply; otherwise keeps it open and silent
+};
+
+/// A reply with status line, Content-Type, Content-Length and the body.
+ScriptedReply HttpReply(int status, const std::string& contentType, const std::string& body);
+/// A reply with status 200 and a JSON text.
+ScriptedReply JsonReply(const std::string& text);
+/// A reply with status 200 and the CBOR map {"data": <bytes>}.
+ScriptedReply DataReply(const std::string& data);
+/// The CBOR map {"data": <bytes>} up to where the bytes start, for a byte string of `size` bytes.
+std::string CborDataHead(std::uint64_t size);
+/// A reply that accepts the request and then says nothing.
+ScriptedReply SilentReply();
+
+/// A server of the tests: listens on 127.0.0.1 at a port that the system picks, reads one request from each
+/// connection, records it and sends what its script says. Connections are served side by side; everything
+/// ends with the object.
+class ScriptedServer {
+  public:
+    using Script = std::function<ScriptedReply(const ScriptedRequest&)>;
+
+    /// @param script is called for each request, by one thread at a time
+    explicit ScriptedServer(Script script);
+    /// The same reply to every request.
+    explicit ScriptedServer(const ScriptedReply& reply);
+    /// One reply for each path, and status 404 for any other.
+    explicit ScriptedServer(std::map<std::string, ScriptedReply> replies);
+    ScriptedServer(const ScriptedServer&) = delete;
+    ScriptedServer& operator=(const ScriptedServer&) = delete;
+    ~ScriptedServer();
+
+    [[nodiscard]] unsigned int Port() const { return port; }
+
+    /// From now on only the head of a request is read before it is answered.
+    void LeaveBodiesUnread() { readsBodies = false; }
+
+    /// What arrived so far, in the order in which the requests were whole.
+    [[nodiscard]] std::vector<ScriptedRequest> Requests() const;
+    /// Verb and path of each, as in "GET /replay/playback".
+    [[nodiscard]] std::vector<std::string> RequestLines() const;
+
+  private:
+    void Listen();
+    void Accept();
+    void Serve(int connection);
+    bool Receive(int connection, ScriptedRequest& request) const;
+    void Send(int connection, const ScriptedReply& reply) const;
+    /// False when the server ends before `descriptor` is ready for `events`.
+    bool Wait(int descriptor, short events) const;
+    /// False when the server ends meanwhile.
+    bool Pause(std::chrono::milliseconds time) const;
+    ScriptedReply Answer(const ScriptedRequest& request);
+
+    Script script;
+    int listener = -1;
+    int stopReader = -1; ///< readable once the server is to end
+    int stopWriter = -1;
+    unsigned int port = 0;
+    std::atomic<bool> readsBodies{true};
+    mutable std::mutex guard; ///< of the requests and the script
+    std::vector<ScriptedRequest> requests;
+    std::vector<std::thread> connections; ///< touched by the accepting thread only, until that is joined
+    std::thread acceptor;
+};
