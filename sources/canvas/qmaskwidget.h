@@ -1,9 +1,9 @@
 #pragma once
 
-#include "EditingState.h"
-#include "SegmentParameter.h"
+#include "PathEditor.h"
 
 #include <QLabel>
+#include <QPixmap>
 
 #include <vector>
 
@@ -70,7 +70,7 @@ class QMaskWidget : public QLabel {
     void setParameterEverywhere(SegmentParameter parameter, int value);
 
     /// For tests and tools: the whole editing state.
-    [[nodiscard]] const EditingState& editingState() const { return state; }
+    [[nodiscard]] const EditingState& editingState() const { return editor.State(); }
 
   protected:
     void mousePressEvent(QMouseEvent* event) override;
@@ -80,6 +80,12 @@ class QMaskWidget : public QLabel {
     void paintEvent(QPaintEvent* event) override;
 
   private:
+    [[nodiscard]] QPixmap Image() const;
+    [[nodiscard]] bool HasImage() const { return !Image().isNull(); }
+    [[nodiscard]] CanvasScale Scale() const { return CanvasScale(size()); }
+    [[nodiscard]] bool RulerShown() const;
+    void RefreshRulerIfShown();
+
     RulerOwner* mainWindow;
-    EditingState state;
+    PathEditor editor;
 };

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "RulerMarks.h"
+#include "TrackPath.h"
+
+#include <QSize>
+
+/// Computes the ruler marks of a path, segment by segment: ticks across the segment at even steps, which
+/// continue round the corners, and a band round each tick.
+class RulerMarksBuilder {
+  public:
+    /// A segment gets no more ticks than this, whatever its length and step.
+    static constexpr int kMostTicks = 100'000;
+
+    /// @param image the aspect-corrected image size, in whose pixels Length, Width and Space are measured
+    explicit RulerMarksBuilder(const QSize& image) : image(image) {}
+
+    /// The marks of segment `segment` of `path`, whose first tick stands `offset` pixels after the segment's
+    /// start.
+    /// @param offset in: the running offset along the path; out: that of the next segment
+    /// A segment without a length, or with an end that is not finite, has no ticks.
+    [[nodiscard]] RulerMarks MarksOfSegment(const TrackPath& path, std::size_t segment, double& offset) const;
+
+    /// The marks of every segment of a path.
+    [[nodiscard]] std::vector<RulerMarks> MarksOfPath(const TrackPath& path) const;
+
+    /// The whole pixel that a running offset starts its segment at: segments with the same one have the same
+    /// marks.
+    [[nodiscard]] static double FirstTick(double offset);
+
+  private:
+    QSize image;
+};
