@@ -1,8 +1,8 @@
 #include "WholeFile.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <filesystem>
+#include <random>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -30,13 +30,21 @@ std::string FolderOf(const std::string& path) {
     return folder.empty() ? "." : folder;
 }
 
-/// The permissions that the new file gets: the old file's, or those of any new file of this user.
-mode_t PermissionsFor(const struct stat* old) {
-    if (old != nullptr)
-        return old->st_mode & kPermissionBits;
-    const mode_t mask = umask(0);
-    umask(mask);
-    return 0666 & ~mask;
+/// Creates a file of a new name in `folder` and says which in `path`. The permissions are given at creation,
+/// because asking for the process's mask means changing it for a moment, under the feet of other threads.
+int CreateBeside(const std::string& folder, mode_t permissions, std::string& path) {
+    constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
+    constexpr int kTries = 100;
+    std::random_device random;
+    for (int i = 0; i < kTries; ++i) {
+        path = folder + "/.corvane-";
+        for (int letter = 0; letter < 6; ++letter)
+            path += kLetters[random() % kLetters.size()];
+        const int file = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, permissions);
+        if (file >= 0 || errno != EEXIST)
+            return file;
+    }
+    return -1;
 }
 
 bool SyncFolder(const std::string& path) {
@@ -54,11 +62,11 @@ WholeFile::WholeFile(const std::string& path) : target(LinksFollowed(path)) {
     const bool exists = stat(target.c_str(), &old) == 0;
     if (exists && (!S_ISREG(old.st_mode) || access(target.c_str(), W_OK) != 0))
         return;
-    beside = FolderOf(target) + "/.corvane-XXXXXX";
-    descriptor = mkostemp(beside.data(), O_CLOEXEC);
+    // A file that replaces another is private until it has the other's permissions.
+    descriptor = CreateBeside(FolderOf(target), exists ? 0600 : 0666, beside);
     if (descriptor < 0)
         return;
-    if (fchmod(descriptor, PermissionsFor(exists ? &old : nullptr)) != 0)
+    if (exists && fchmod(descriptor, old.st_mode & kPermissionBits) != 0)
         failed = true;
     buffer.reserve(kBufferSize);
 }

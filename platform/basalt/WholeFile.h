@@ -22,6 +22,9 @@ class WholeFile {
 
     [[nodiscard]] bool IsOpen() const { return descriptor >= 0; }
 
+    /// Whether a write has failed already, so that a long job can stop early.
+    [[nodiscard]] bool HasFailed() const { return failed; }
+
     /// Appends bytes. A failure (a full disk) is remembered: later writes do nothing and Commit fails.
     void Write(const void* data, std::size_t size);
     void Write(std::string_view text) { Write(text.data(), text.size()); }

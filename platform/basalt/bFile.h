@@ -1,6 +1,62 @@
 #pragma once
 
+#include "WholeFile.h"
+#include "bObject.h"
 #include "bStatus.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+constexpr int bFile_READ = 1;  ///< mode of a file, and of an archive in it, that is read
+constexpr int bFile_WRITE = 2; ///< mode of a file, and of an archive in it, that is written
+
+/// A regular file that is open for reading from its start, or for writing. What is written appears under the
+/// name when bFile_Commit says so, whole; destroyed without it, the old file stands untouched.
+class bFile final : public bObject {
+  public:
+    /// What the system knows of an open file.
+    struct Facts {
+        std::int64_t size = 0;             ///< bytes
+        std::int64_t modified = 0;         ///< seconds since 1970
+        std::int64_t modifiedFraction = 0; ///< and nanoseconds
+        unsigned permissions = 0;          ///< within 0777
+        bool operator==(const Facts&) const = default;
+    };
+
+    explicit bFile(bAlloc allocator);
+    ~bFile() override;
+
+    /// @return 1; bERROR_NOT_FOUND; bERROR_FILE when it cannot be opened or is not a regular file.
+    [[nodiscard]] bStatus OpenToRead(const char* path);
+    /// @return 1; bERROR_FILE; bERROR_MEMORY.
+    [[nodiscard]] bStatus OpenToWrite(const char* path);
+
+    /// Reads up to `capacity` bytes; fewer only at the end of the file.
+    /// @return 1 and the number of bytes in `*count`; bERROR_FILE.
+    [[nodiscard]] bStatus Read(void* data, std::size_t capacity, std::size_t* count);
+    /// Moves the place of reading on by `size` bytes, not beyond the end.
+    /// @return the bytes really passed over; -1 on failure
+    [[nodiscard]] std::int64_t Skip(std::int64_t size);
+    /// Facts of a file that is read. @return 1; bERROR_FILE.
+    [[nodiscard]] bStatus Ask(Facts* facts) const;
+
+    /// Appends bytes. A failure of the disk is found by bFile_Commit at the latest.
+    /// @return 1; bERROR_FILE when the file is not open for writing or a write has failed already.
+    [[nodiscard]] bStatus Write(const void* data, std::size_t size);
+    [[nodiscard]] bStatus SetWriteBuffer(std::size_t size);
+    [[nodiscard]] bStatus Commit();
+
+  private:
+    void FlushBuffer();
+
+    int descriptor = -1;
+    std::optional<WholeFile> output;
+    std::pmr::vector<char> buffer;
+    std::size_t bufferSize = 0;
+};
 
 /// Nonzero when `path` names an existing regular file.
 int bFile_Exists(const char* path);
@@ -8,3 +64,19 @@ int bFile_Exists(const char* path);
 /// Removes the file `path`.
 /// @return 1; bERROR_NOT_FOUND when there is none; bERROR_FILE when it cannot be removed.
 bStatus bFile_Delete(const char* path);
+
+/// The size of a regular file in bytes; -1 when there is none.
+std::int64_t bFile_Size(const char* path);
+
+/// Opens a file; `mode` is bFile_READ or bFile_WRITE.
+/// @return 1; bERROR_NOT_FOUND; bERROR_FILE; bERROR_MEMORY; bERROR_PARAMETER. `*file` is null unless 1.
+bStatus bFile_Construct(bFile** file, const char* path, int mode, bAlloc allocator);
+
+/// Gives a file opened for writing a buffer of `size` bytes.
+/// @return 1; bERROR_MEMORY; bERROR_PARAMETER for a file that is read.
+bStatus bFile_SetWriteBuffer(bFile* file, std::size_t size);
+
+/// Puts what was written in place of the old file, once all of it is safe on the disk; the file is closed
+/// then.
+/// @return 1; bERROR_FILE, the old file then stands as it was.
+bStatus bFile_Commit(bFile* file);

@@ -1,0 +1,5 @@
+#include "bAlloc.h"
+
+bAlloc bAlloc_Application() {
+    return std::pmr::new_delete_resource();
+}
