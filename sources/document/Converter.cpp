@@ -5,8 +5,10 @@
 #include "Log.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <string_view>
+#include <system_error>
 
 namespace {
 
@@ -33,8 +35,11 @@ bool FirstLineIsBinary(std::istream& file) {
 } // namespace
 
 std::shared_ptr<Converter> CreateConverter(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) {
+    std::error_code error;
+    std::ifstream file;
+    if (std::filesystem::is_regular_file(path, error)) // a folder opens too, and a pipe would keep us waiting
+        file.open(path, std::ios::binary);
+    if (!file.is_open()) {
         LOG_LINE(ERROR) << "Could not find file (" << path << ")";
         return std::make_shared<ConvertCSV>();
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 /// Turns heights into colours: black, blue, cyan, green, yellow, red, magenta and white, seven bands of 256
@@ -13,18 +14,68 @@ class HeightRamp {
     /// The step of the highest height; steps above it are white, steps below 0 black.
     static constexpr int kLastStep = 1792;
 
+    /// What a cell without a measurement is painted with.
+    static constexpr Colour kBlack = {0, 0, 0};
+
     /// The range must be greater than 0: ask IsValid before the first height.
-    HeightRamp(double lowHeight, double highHeight);
+    HeightRamp(double lowHeight, double highHeight) : low(lowHeight), range(highHeight - lowHeight) {}
 
     [[nodiscard]] bool IsValid() const { return range > 0.0; }
 
     /// The colour of a finite height: that of step floor((height - low) x 1792 / range + 0.5).
-    [[nodiscard]] const Colour& ColourOf(double height) const;
+    [[nodiscard]] const Colour& ColourOf(double height) const {
+        return ColourOfStep((height - low) * kLastStep / range + 0.5);
+    }
 
-    /// The colour of a step; any value is taken.
-    static const Colour& ColourOfStep(double step);
+    /// The colour of the step floor(step). Any value is taken: below 0, and for what is no number, black.
+    static const Colour& ColourOfStep(double step) {
+        // Written so that what is no number fails both comparisons as a value below 0 does the first; from 0
+        // up, dropping the fraction is rounding down.
+        const double notBelow = step > 0.0 ? step : 0.0;
+        const double inside = notBelow < kLastStep ? notBelow : double{kLastStep};
+        return kTable[static_cast<std::size_t>(static_cast<int>(inside))];
+    }
 
   private:
+    using Table = std::array<Colour, kLastStep + 1>;
+
+    static constexpr Colour ComputedColour(int step);
+    static constexpr Table ComputedTable();
+
+    static const Table kTable;
+
     double low;
     double range;
 };
+
+constexpr HeightRamp::Colour HeightRamp::ComputedColour(int step) {
+    const auto rising = static_cast<std::uint8_t>(step % 256);
+    const auto falling = static_cast<std::uint8_t>(255 - rising);
+    switch (step / 256) {
+    case 0:
+        return {0, 0, rising};
+    case 1:
+        return {0, rising, 255};
+    case 2:
+        return {0, 255, falling};
+    case 3:
+        return {rising, 255, 0};
+    case 4:
+        return {255, falling, 0};
+    case 5:
+        return {255, 0, rising};
+    case 6:
+        return {255, rising, 255};
+    default:
+        return {255, 255, 255};
+    }
+}
+
+constexpr HeightRamp::Table HeightRamp::ComputedTable() {
+    Table table{};
+    for (int step = 0; step <= kLastStep; ++step)
+        table[static_cast<std::size_t>(step)] = ComputedColour(step);
+    return table;
+}
+
+inline constexpr HeightRamp::Table HeightRamp::kTable = HeightRamp::ComputedTable();

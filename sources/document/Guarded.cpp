@@ -1,0 +1,10 @@
+#include "Guarded.h"
+
+#include "Log.h"
+
+void LogException(const char* tag, const char* text) noexcept {
+    try {
+        LOG_LINE(ERROR) << tag << text;
+    } catch (...) { // NOLINT(bugprone-empty-catch): see the header
+    }
+}
