@@ -1,11 +1,83 @@
 #include "mainwindow.h"
 
+#include "Exception.h"
 #include "Log.h"
+#include "bStatus.h"
 #include "ui_mainwindow.h"
+
+#include <QIntValidator>
+#include <QMessageBox>
+
+namespace {
+
+constexpr int kLargestNumber = 10000;
+constexpr int kShortestLength = 2;
+
+/// Whole numbers in the C locale, whatever the desktop's: the same text means the same number everywhere.
+QIntValidator* WholeNumbers(int lowest, int highest, QObject* parent) {
+    QLocale plain = QLocale::c();
+    plain.setNumberOptions(QLocale::RejectGroupSeparator);
+    auto* validator = new QIntValidator(lowest, highest, parent);
+    validator->setLocale(plain);
+    return validator;
+}
+
+} // namespace
 
 MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(std::make_unique<Ui::MainWindow>()) {
     ui->setupUi(this);
     LOG_LINE(INFO) << "Starting Corvane.";
+    RunSlot([this] { FillSourceList(); });
+    ui->pushButton_sensor->setEnabled(ui->comboBox_sensor->count() > 0);
+    ShowSource();
+    RefreshTrackList();
+    SetUpCanvas();
+    SetUpSegmentControls();
+    ShowHeights(0.0, 0.0);
 }
 
 MainWindow::~MainWindow() = default;
+
+void MainWindow::SetUpCanvas() {
+    ui->label_mask->setScaledContents(true);
+    ui->label_mask->setMouseTracking(true);
+    ui->scrollArea->setWidgetResizable(false);
+    ui->scrollArea->setWidget(ui->label_mask);
+    ui->scrollAreaWidgetContents = nullptr; // the scroll area has deleted it
+    ui->label_fileName->setTextFormat(Qt::PlainText);
+}
+
+void MainWindow::SetUpSegmentControls() {
+    ui->spinBox_pathId->setRange(1, kLargestNumber);
+    ui->spinBox_segmentId->setRange(1, kLargestNumber);
+    ui->comboBox_lineType->addItem(tr("Method 1 - Isolated track"));
+    ui->comboBox_lineType->hide();
+    ui->label_method->hide();
+    ui->lineEdit_lineLength->setValidator(WholeNumbers(kShortestLength, kLargestNumber, this));
+    ui->lineEdit_lineWidth->setValidator(WholeNumbers(0, kLargestNumber, this));
+    ui->lineEdit_lineSpace->setValidator(WholeNumbers(0, kLargestNumber, this));
+    resetSegmentControls();
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event) {
+    ui->scrollArea->resize(ui->scrollArea->width(), ui->scrollArea->height());
+    QMainWindow::resizeEvent(event);
+}
+
+void MainWindow::RunSlot(const std::function<void()>& body, const std::function<void()>& onFailure) {
+    try {
+        body();
+    } catch (const Ve::Exception& failure) {
+        if (onFailure)
+            onFailure();
+        const std::string name = bStatus_Name(failure.Status());
+        LOG_LINE(ERROR) << "(" << name << ") " << failure.what();
+        ShowError(QString::fromStdString(name + " - " + failure.what()));
+    }
+}
+
+void MainWindow::ShowError(const QString& text) {
+    QMessageBox box(QMessageBox::Critical, tr("Error"), text, QMessageBox::Ok, this);
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+}

@@ -1,21 +1,115 @@
 #pragma once
 
-#include <QMainWindow>
+#include "RulerOwner.h"
+#include "SegmentParameter.h"
+#include "TrackInfo.h"
 
+#include <QImage>
+#include <QMainWindow>
+#include <QStringList>
+
+#include <functional>
 #include <memory>
+#include <string>
 
 namespace Ui {
 class MainWindow;
 }
 
-/// The program's only window.
-class MainWindow : public QMainWindow {
+/// The program's only window: chooses where tracks come from, opens and saves them, and sets the parameters
+/// of the paths drawn on its canvas. Its slots are where failures end: each is logged and shown in a box.
+class MainWindow final : public QMainWindow, public RulerOwner {
     Q_OBJECT
 
   public:
     explicit MainWindow(QWidget* parent = nullptr);
+    /// Leaves nothing of the working folders and files behind.
     ~MainWindow() override;
 
+    [[nodiscard]] bool rulerShown() const override { return showsRuler; }
+    void refreshRuler() override;
+
+  signals:
+    /// Has the worker restore the server from a backup file.
+    void SignalRestore(const QString& fileName);
+    /// Has the worker download the server's backup into a file.
+    void SignalBackup(const QString& fileName);
+
+    // The order of signals and slots is their order in the meta-object, which is kept.
+  private slots:
+    void on_horizontalSlider_resizeImage_valueChanged(int value);
+    void on_pushButton_deleteLast_clicked();
+    void on_pushButton_deleteAll_clicked();
+    void on_pushButton_getRuler_clicked();
+    void on_checkBox_batchSetting_clicked(bool checked);
+    void on_spinBox_pathId_valueChanged(int number);
+    void on_spinBox_segmentId_valueChanged(int number);
+    void on_comboBox_lineType_currentIndexChanged(int index);
+    void on_lineEdit_lineLength_textChanged(const QString& text);
+    void on_lineEdit_lineWidth_textChanged(const QString& text);
+    void on_lineEdit_lineSpace_textChanged(const QString& text);
+    void on_comboBox_file_currentIndexChanged(const QString& text);
+    void on_comboBox_operation_currentIndexChanged(const QString& text);
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+
   private:
-    std::unique_ptr<Ui::MainWindow> ui;
+    void SetUpCanvas();
+    void SetUpSegmentControls();
+
+    /// Runs a slot's body. A Ve::Exception from it is logged and shown, after `onFailure` has put things
+    /// right; any other passes through.
+    void RunSlot(const std::function<void()>& body, const std::function<void()>& onFailure = {});
+    /// The "Error" box; the text is shown as it stands.
+    void ShowError(const QString& text);
+
+    void FillSourceList();
+    /// Makes the tool tip and the button agree with the chosen source.
+    void ShowSource();
+    [[nodiscard]] bool SourceIsOpen() const;
+
+    void RefreshTrackList();
+    /// @throws Ve::Exception; the track shown before stays as it was while the new one's head and height map
+    /// cannot be read
+    void LoadTrack(const QString& path);
+    void LoadPaths(const QString& path);
+    /// Writes the canvas's paths, with the rest of `source`, to `target`.
+    void SaveTrack(const QString& source, const QString& target);
+    void SaveInPlace(const QString& track);
+    void WriteTrack(const QString& source, const QString& target);
+    void ShowHeights(double lowest, double highest);
+    void FitToView();
+
+    // Each returns whether it came to its end, which the status bar then tells.
+    bool RunOperation(const QString& operation);
+    bool LoadChosenTrack();
+    bool SaveOpenTrack();
+    bool SaveOpenTrackAs();
+    bool DeleteChosenTrack();
+    [[nodiscard]] bool HasTrackToSave();
+    void SaveExternalTrack(const QString& path);
+    void ReturnToNormal();
+
+    void resetSegmentControls();
+    void ShowSegment();
+    void SetParameter(SegmentParameter parameter, int value);
+    void SetParameterAndRefresh(SegmentParameter parameter, const QString& text);
+    [[nodiscard]] int PathCount() const;
+    /// Points of a path (from 0); none of a path that does not exist.
+    [[nodiscard]] int PointCount(int path) const;
+
+    const std::unique_ptr<Ui::MainWindow> ui;
+
+    TrackInfo info;   ///< of the open track
+    QImage heightMap; ///< of the open track; null while there is none
+    bool showsRuler = true;
+    bool showingSegment = false; ///< the controls are being filled, nobody sets a parameter
+
+    std::string currentTrackPath; ///< of the open track, as it was opened
+    bool trackLoaded = false;
+    bool externalTrack = false; ///< the open track is not one of the workspace
+    QStringList trackFiles;     ///< names in the workspace's track folder, as last listed
+
+    bool backupFileOpen = false; ///< the source is a backup file that is open
 };

@@ -1,0 +1,38 @@
+#include "FileReplacement.h"
+
+#include "WholeFile.h"
+
+#include <array>
+#include <filesystem>
+#include <fstream>
+
+#include <unistd.h>
+
+namespace {
+
+bool CopyWhole(const std::string& from, const std::string& target) {
+    constexpr std::size_t kPiece = 64U * 1024U;
+    std::ifstream source(from, std::ios::binary);
+    WholeFile copy(target);
+    if (!source.is_open() || !copy.IsOpen())
+        return false;
+    std::array<char, kPiece> piece{};
+    while (source.read(piece.data(), piece.size()) || source.gcount() > 0)
+        copy.Write(piece.data(), static_cast<std::size_t>(source.gcount()));
+    return source.eof() && copy.Commit();
+}
+
+} // namespace
+
+bool ReplaceFile(const std::string& from, const std::string& target) {
+    std::error_code failure;
+    const std::filesystem::path place = std::filesystem::canonical(target, failure);
+    if (failure || !std::filesystem::is_regular_file(place) || access(place.c_str(), W_OK) != 0)
+        return false;
+    std::filesystem::permissions(from, std::filesystem::status(place).permissions(), failure);
+    if (!failure)
+        std::filesystem::rename(from, place, failure);
+    if (!failure)
+        return true;
+    return CopyWhole(from, place.string());
+}
