@@ -1,6 +1,7 @@
 #include "CsvPaths.h"
 
 #include "CsvLine.h"
+#include "PathPoint.h"
 
 #include <array>
 #include <stdexcept>
@@ -29,16 +30,12 @@ Fields PathFields(const CsvLine& line) {
 
 void AppendPathPoint(const CsvLine& line, std::vector<TrackPath>& paths) {
     const Fields fields = PathFields(line);
-    const std::int32_t number = ToInt32(fields[Track]);
-    if (number == static_cast<std::int64_t>(paths.size()))
-        paths.emplace_back();
-    else if (paths.empty())
-        throw std::runtime_error("A point of path " + std::to_string(number) +
-                                 " comes before the first path");
-    TrackPath& path = paths.back();
-    path.points.emplace_back(ToDouble(fields[RelativeX]), ToDouble(fields[RelativeY]));
-    path.methods.push_back(ToInt32(fields[Method]));
-    path.lengths.push_back(ToInt32(fields[Length]));
-    path.widths.push_back(ToInt32(fields[Width]));
-    path.spaces.push_back(ToInt32(fields[Space]));
+    PathPoint point;
+    point.track = ToInt32(fields[Track]);
+    point.relative = {ToDouble(fields[RelativeX]), ToDouble(fields[RelativeY])};
+    point.method = ToInt32(fields[Method]);
+    point.length = ToInt32(fields[Length]);
+    point.width = ToInt32(fields[Width]);
+    point.space = ToInt32(fields[Space]);
+    AppendPoint(point, paths);
 }

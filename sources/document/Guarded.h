@@ -6,10 +6,10 @@
 /// the line, the result of the operation has to do.
 void LogException(const char* tag, const char* text) noexcept;
 
-/// Does the work of an operation that must not throw. @return the work's result; 1 when it threw, with the
-/// exception's text logged behind the tag
+/// Does the work of an operation that must not throw. @return the work's result; `failure` when it threw,
+/// with the exception's text logged behind the tag
 template<typename Work>
-int Guarded(const char* tag, Work&& work) noexcept {
+int Guarded(const char* tag, Work&& work, int failure = 1) noexcept {
     try {
         return work();
     } catch (const std::exception& exception) {
@@ -17,5 +17,5 @@ int Guarded(const char* tag, Work&& work) noexcept {
     } catch (...) {
         LogException(tag, "unknown exception");
     }
-    return 1;
+    return failure;
 }

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+/// The fixed figures of the binary encoding.
+namespace BinaryTrackLayout {
+
+constexpr std::size_t kMagicSize = 8;
+/// What the writer puts first: the word, two blanks and the end of a C string.
+constexpr std::string_view kMagic("Track  \0", kMagicSize);
+/// What a reader looks for in those bytes.
+constexpr std::string_view kMagicWord = "Tra";
+
+constexpr std::int32_t kVersion = 1;
+
+/// The heads of the blocks behind the height map.
+constexpr std::int32_t kAnchorTag = 'A';
+constexpr std::int32_t kRulerTag = 'R';
+constexpr std::int32_t kSegmentTag = 'S';
+
+constexpr std::int64_t kAnchorSize = 24;
+/// Of a ruler record and of a segment record.
+constexpr std::int64_t kRecordSize = 56;
+
+} // namespace BinaryTrackLayout

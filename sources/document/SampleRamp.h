@@ -1,0 +1,28 @@
+#pragma once
+
+#include "HeightRamp.h"
+#include "SampleScale.h"
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+/// The colours of all 65,536 raw samples, looked up instead of computed for each cell.
+class SampleRamp {
+  public:
+    /// The ramp must be valid. Samples without a measurement, and those whose height is not finite, are
+    /// black.
+    SampleRamp(const HeightRamp& ramp, const SampleScale& scale);
+
+    /// Writes one pixel, three bytes in the order red, green, blue, for each sample; nothing beyond them.
+    void Paint(std::span<const std::int16_t> samples, std::uint8_t* pixels) const;
+
+  private:
+    /// Four bytes each, so that a pixel is moved as one number.
+    struct Entry {
+        HeightRamp::Colour colour{};
+        std::uint8_t unused = 0;
+    };
+
+    std::vector<Entry> entries; ///< indexed by the sample's bits, taken as an unsigned number
+};
