@@ -1,11 +1,14 @@
 #include "ConvertCSV.h"
 
+#include "CsvPathWriter.h"
 #include "CsvPaths.h"
 #include "CsvScan.h"
 #include "CsvSteps.h"
 #include "Guarded.h"
 #include "HeightRamp.h"
 #include "Log.h"
+#include "TargetFile.h"
+#include "WorldTransform.h"
 
 #include <QImage>
 
@@ -175,7 +178,12 @@ int ConvertCSV::WriteTrack(const std::string&, const TrackInfo&, const HeightMap
                            const std::vector<TrackPath>&, double, double, double, double, double) {
     return -1;
 }
-int ConvertCSV::UpdatePath(const std::string&, const std::string&, const std::vector<TrackPath>&, double,
-                           double, double, double, double) {
-    return 1;
+
+int ConvertCSV::UpdatePath(const std::string& original, const std::string& target,
+                           const std::vector<TrackPath>& paths, double widthScale, double xOffset,
+                           double yOffset, double xScale, double yScale) {
+    const WorldTransform transform{widthScale, xOffset, yOffset, xScale, yScale};
+    return Guarded(
+        "[UpdatePathInCsv] (EXCEPTION) ", [&] { return WriteCsvPaths(original, target, paths, transform); },
+        kOriginalNotReadable);
 }
