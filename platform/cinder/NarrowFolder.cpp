@@ -1,0 +1,71 @@
+#include "NarrowFolder.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int kFolderFlags = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+
+/// Closes a descriptor at the end of a scope.
+class Descriptor {
+  public:
+    explicit Descriptor(int number) : number(number) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() {
+        if (number >= 0)
+            close(number);
+    }
+    [[nodiscard]] int Number() const { return number; }
+
+  private:
+    int number;
+};
+
+} // namespace
+
+NarrowFolder::NarrowFolder(const std::string& path) : root(open(path.c_str(), kFolderFlags)) {
+}
+
+NarrowFolder::~NarrowFolder() {
+    if (IsOpen())
+        close(root);
+}
+
+bool NarrowFolder::MakeFolder(const std::vector<std::string>& parts, unsigned permissions) const {
+    if (parts.empty())
+        return IsOpen();
+    const Descriptor parent(OpenParent(parts));
+    if (parent.Number() < 0)
+        return false;
+    if (mkdirat(parent.Number(), parts.back().c_str(), permissions | 0700U) == 0)
+        return true;
+    return Descriptor(openat(parent.Number(), parts.back().c_str(), kFolderFlags)).Number() >= 0;
+}
+
+int NarrowFolder::OpenFile(const std::vector<std::string>& parts, unsigned permissions) const {
+    if (parts.empty())
+        return -1;
+    const Descriptor parent(OpenParent(parts));
+    if (parent.Number() < 0)
+        return -1;
+    return openat(parent.Number(), parts.back().c_str(),
+                  O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, permissions | 0600U);
+}
+
+void NarrowFolder::RemoveFile(const std::vector<std::string>& parts) const {
+    const Descriptor parent(parts.empty() ? -1 : OpenParent(parts));
+    if (parent.Number() >= 0)
+        unlinkat(parent.Number(), parts.back().c_str(), 0);
+}
+
+int NarrowFolder::OpenParent(const std::vector<std::string>& parts) const {
+    int folder = fcntl(root, F_DUPFD_CLOEXEC, 0);
+    for (std::size_t i = 0; i + 1 < parts.size() && folder >= 0; ++i) {
+        const Descriptor above(folder);
+        folder = openat(above.Number(), parts[i].c_str(), kFolderFlags);
+    }
+    return folder;
+}

@@ -1,0 +1,165 @@
+#include "TarReader.h"
+
+#include "ArchiveLocale.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+
+namespace {
+
+constexpr std::size_t kReadSize = 256U * 1024U;
+constexpr std::array<char, 16U * 1024U> kZeros{};
+constexpr std::int64_t kEndMarkSize = 1024; ///< two blocks of zeros
+
+/// Old writers mark a directory only by the "/" at the end of its name.
+bool IsDirectory(archive_entry* entry, std::string_view name) {
+    return archive_entry_filetype(entry) == AE_IFDIR ||
+           (archive_entry_filetype(entry) == AE_IFREG && archive_entry_size(entry) == 0 &&
+            name.ends_with('/'));
+}
+
+bool IsPassedOver(archive_entry* entry) {
+    const auto type = archive_entry_filetype(entry);
+    return (type != AE_IFREG && type != AE_IFDIR) || archive_entry_hardlink(entry) != nullptr ||
+           archive_entry_symlink(entry) != nullptr;
+}
+
+bStatus CopyName(std::string_view name, char* room, std::size_t capacity) {
+    const std::size_t length = std::min(name.size(), capacity - 1);
+    name.copy(room, length);
+    room[length] = '\0';
+    return length == name.size() ? bOK : bERROR_TOO_LONG;
+}
+
+} // namespace
+
+TarReader::TarReader(bAlloc allocator, bFile* file)
+    : bTar(allocator),
+      file(file),
+      handle(archive_read_new(), &archive_read_free),
+      buffer(kReadSize, allocator) {
+}
+
+bStatus TarReader::Open() {
+    if (!handle)
+        return bERROR_MEMORY;
+    bFile::Facts facts;
+    if (file->Ask(&facts) != bOK)
+        return bERROR_FILE;
+    archiveSize = facts.size;
+    const auto locale = ArchiveLocale::Bytes();
+    archive_read_set_read_callback(handle.get(), &TarReader::Fill);
+    archive_read_set_skip_callback(handle.get(), &TarReader::Skip);
+    archive_read_set_callback_data(handle.get(), this);
+    if (archive_read_support_format_tar(handle.get()) != ARCHIVE_OK ||
+        archive_read_open1(handle.get()) != ARCHIVE_OK)
+        return bERROR_FILE;
+    return bOK;
+}
+
+bStatus TarReader::BeginRead(char* name, std::size_t capacity, int* kind, std::int64_t* size) {
+    if (name == nullptr || capacity == 0 || kind == nullptr || size == nullptr)
+        return bERROR_PARAMETER;
+    const auto locale = ArchiveLocale::Bytes();
+    archive_entry* entry = nullptr;
+    if (const bStatus status = NextHeader(&entry); status != bOK)
+        return status;
+    const char* const path = archive_entry_pathname(entry);
+    std::string_view whole = path == nullptr ? "" : path;
+    *kind = IsDirectory(entry, whole) ? bTar_DIRECTORY : bTar_FILE;
+    while (*kind == bTar_DIRECTORY && whole.size() > 1 && whole.ends_with('/'))
+        whole.remove_suffix(1);
+    *size = *kind == bTar_DIRECTORY ? 0 : archive_entry_size(entry);
+    permissions = archive_entry_perm(entry) & 0777U;
+    Promise(*size);
+    return CopyName(whole, name, capacity);
+}
+
+bStatus TarReader::ReadBlock(std::string_view* block) {
+    if (!holds)
+        return bERROR_FORMAT;
+    if (delivered == entrySize)
+        return bERROR_END;
+    if (piece.empty() && pieceOffset <= delivered) {
+        if (const bStatus status = FetchPiece(); status != bOK)
+            return status;
+    }
+    if (delivered < pieceOffset) {
+        const auto hole = static_cast<std::size_t>(pieceOffset - delivered);
+        *block = std::string_view(kZeros.data(), std::min(hole, kZeros.size()));
+    } else {
+        *block = std::exchange(piece, {});
+    }
+    delivered += static_cast<std::int64_t>(block->size());
+    return bOK;
+}
+
+la_ssize_t TarReader::Fill(archive* handle, void* reader, const void** data) {
+    auto* const self = static_cast<TarReader*>(reader);
+    std::size_t count = 0;
+    *data = self->buffer.data();
+    if (self->file->Read(self->buffer.data(), self->buffer.size(), &count) == bOK)
+        return static_cast<la_ssize_t>(count);
+    self->fileFailed = true;
+    archive_set_error(handle, EIO, "the archive file cannot be read");
+    return -1;
+}
+
+la_int64_t TarReader::Skip(archive* /*handle*/, void* reader, la_int64_t size) {
+    return std::max<la_int64_t>(0, static_cast<TarReader*>(reader)->file->Skip(size));
+}
+
+bStatus TarReader::NextHeader(archive_entry** entry) {
+    do {
+        if (entries >= bTar_MOST_ENTRIES)
+            return bERROR_LIMIT;
+        ++entries;
+        const int result = archive_read_next_header(handle.get(), entry);
+        if (result == ARCHIVE_EOF)
+            return StatusOfTheEnd();
+        if (result < ARCHIVE_WARN)
+            return Damage();
+    } while (IsPassedOver(*entry));
+    return bOK;
+}
+
+/// An archive that just stops, cut between two entries, looks finished but for the missing end mark.
+bStatus TarReader::StatusOfTheEnd() const {
+    const std::int64_t endMark =
+        archive_filter_bytes(handle.get(), -1) - archive_read_header_position(handle.get());
+    return endMark >= kEndMarkSize ? bERROR_END : Damage();
+}
+
+/// Starts the data of an entry that says it has `size` bytes. Neither one entry nor all together may promise
+/// more than the archive file can hold: a sparse file of terabytes fits into a few blocks.
+void TarReader::Promise(std::int64_t size) {
+    const std::int64_t left = archiveSize - archive_filter_bytes(handle.get(), -1);
+    holds = size >= 0 && size <= left && promised <= archiveSize - size;
+    promised += holds ? size : 0;
+    entrySize = size;
+    delivered = 0;
+    piece = {};
+    pieceOffset = 0;
+}
+
+/// Reads the next piece of data; at the end of the data, what is left of the entry is a hole.
+bStatus TarReader::FetchPiece() {
+    const auto locale = ArchiveLocale::Bytes();
+    const void* data = nullptr;
+    std::size_t count = 0;
+    la_int64_t offset = 0;
+    int result = ARCHIVE_OK;
+    do {
+        result = archive_read_data_block(handle.get(), &data, &count, &offset);
+    } while (count == 0 && result >= ARCHIVE_WARN && result < ARCHIVE_EOF);
+    if (result < ARCHIVE_WARN)
+        return Damage();
+    pieceOffset = result == ARCHIVE_EOF ? entrySize : offset;
+    if (result != ARCHIVE_EOF)
+        piece = std::string_view(static_cast<const char*>(data), count);
+    const bool inOrder = pieceOffset >= delivered && pieceOffset <= entrySize &&
+                         static_cast<std::int64_t>(piece.size()) <= entrySize - pieceOffset;
+    return inOrder ? bOK : bERROR_FORMAT;
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "bTar.h"
+
+#include <memory>
+#include <vector>
+
+#include <archive.h>
+#include <archive_entry.h>
+
+/// The archive that is read: bTar_Construct makes it, the bTar calls lead here.
+class TarReader final : public bTar {
+  public:
+    TarReader(bAlloc allocator, bFile* file);
+
+    [[nodiscard]] bStatus Open();
+    [[nodiscard]] bStatus BeginRead(char* name, std::size_t capacity, int* kind, std::int64_t* size);
+    [[nodiscard]] bStatus ReadBlock(std::string_view* block);
+    [[nodiscard]] unsigned Permissions() const { return permissions; }
+
+  private:
+    static la_ssize_t Fill(archive* handle, void* reader, const void** data);
+    static la_int64_t Skip(archive* handle, void* reader, la_int64_t size);
+
+    [[nodiscard]] bStatus NextHeader(archive_entry** entry);
+    [[nodiscard]] bStatus StatusOfTheEnd() const;
+    [[nodiscard]] bStatus Damage() const { return fileFailed ? bERROR_FILE : bERROR_FORMAT; }
+    void Promise(std::int64_t size);
+    [[nodiscard]] bStatus FetchPiece();
+
+    bFile* file;
+    std::unique_ptr<archive, decltype(&archive_read_free)> handle;
+    std::pmr::vector<char> buffer;
+    std::int64_t archiveSize = 0;
+    std::int64_t entries = 0;
+    bool fileFailed = false;
+
+    // The current entry.
+    unsigned permissions = 0;
+    std::int64_t entrySize = 0;
+    std::int64_t promised = 0; ///< the sizes of all entries so far
+    bool holds = false;        ///< the archive is long enough for what the entry says
+    std::int64_t delivered = 0;
+    std::string_view piece; ///< data that is read and not yet delivered, and where it belongs
+    std::int64_t pieceOffset = 0;
+};

@@ -1,0 +1,111 @@
+#include "TarWriter.h"
+
+#include "ArchiveLocale.h"
+#include "TarName.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+namespace {
+
+constexpr std::size_t kCopySize = 256U * 1024U;
+constexpr unsigned kDirectoryPermissions = 0755;
+
+la_ssize_t AppendToFile(archive* handle, void* file, const void* data, std::size_t size) {
+    if (static_cast<bFile*>(file)->Write(data, size) == bOK)
+        return static_cast<la_ssize_t>(size);
+    archive_set_error(handle, EIO, "the archive file cannot be written");
+    return -1;
+}
+
+/// Whether every reader takes an entry of this name.
+bStatus NameStatus(const char* name) {
+    if (name == nullptr || !IsNarrowTarName(name))
+        return bERROR_PARAMETER;
+    return std::strlen(name) < bTar_NAME_SIZE ? bOK : bERROR_TOO_LONG;
+}
+
+} // namespace
+
+TarWriter::TarWriter(bAlloc allocator, bFile* file)
+    : bTar(allocator),
+      file(file),
+      handle(archive_write_new(), &archive_write_free),
+      entry(archive_entry_new(), &archive_entry_free),
+      buffer(kCopySize, allocator) {
+}
+
+TarWriter::~TarWriter() {
+    // Without this, an entry that was given up half-way would be filled up with zeros to its full size.
+    if (handle)
+        archive_write_fail(handle.get());
+}
+
+bStatus TarWriter::Open() {
+    if (!handle || !entry)
+        return bERROR_MEMORY;
+    if (archive_write_set_format_pax_restricted(handle.get()) != ARCHIVE_OK ||
+        archive_write_set_bytes_per_block(handle.get(), 0) != ARCHIVE_OK ||
+        archive_write_open(handle.get(), file, nullptr, &AppendToFile, nullptr) != ARCHIVE_OK)
+        return bERROR_FILE;
+    return bOK;
+}
+
+bStatus TarWriter::BeginWrite(const char* name, int kind, std::int64_t size) {
+    if (size != 0 || (kind != bTar_FILE && kind != bTar_DIRECTORY))
+        return bERROR_PARAMETER;
+    bFile::Facts facts;
+    facts.permissions = kind == bTar_DIRECTORY ? kDirectoryPermissions : 0644;
+    return WriteHeader(name, kind, facts);
+}
+
+bStatus TarWriter::WriteFile(const char* name, bFile* source, std::int64_t size) {
+    bFile::Facts before;
+    if (source == nullptr || source->Ask(&before) != bOK || before.size != size)
+        return bERROR_FILE;
+    if (const bStatus status = WriteHeader(name, bTar_FILE, before); status != bOK)
+        return status;
+    bFile::Facts after;
+    const bool whole = CopyData(source, size) == bOK && source->Ask(&after) == bOK && after == before;
+    broken = broken || !whole;
+    return whole ? bOK : bERROR_FILE;
+}
+
+bStatus TarWriter::Close() {
+    const auto locale = ArchiveLocale::Utf8();
+    return !broken && archive_write_close(handle.get()) == ARCHIVE_OK ? bOK : bERROR_FILE;
+}
+
+bStatus TarWriter::WriteHeader(const char* name, int kind, const bFile::Facts& facts) {
+    if (broken)
+        return bERROR_FILE;
+    if (const bStatus status = NameStatus(name); status != bOK)
+        return status;
+    if (entries >= bTar_MOST_ENTRIES)
+        return bERROR_LIMIT;
+    ++entries;
+    const auto locale = ArchiveLocale::Utf8();
+    archive_entry_clear(entry.get());
+    archive_entry_set_pathname(entry.get(), name);
+    archive_entry_set_filetype(entry.get(), kind == bTar_DIRECTORY ? AE_IFDIR : AE_IFREG);
+    archive_entry_set_perm(entry.get(), facts.permissions);
+    archive_entry_set_size(entry.get(), facts.size);
+    archive_entry_set_mtime(entry.get(), facts.modified, 0);
+    // A warning is about a name that is not UTF-8; its bytes are kept.
+    broken = archive_write_header(handle.get(), entry.get()) < ARCHIVE_WARN;
+    return broken ? bERROR_FILE : bOK;
+}
+
+bStatus TarWriter::CopyData(bFile* source, std::int64_t size) {
+    while (size > 0) {
+        const auto wanted = static_cast<std::size_t>(std::min<std::int64_t>(size, kCopySize));
+        std::size_t count = 0;
+        if (source->Read(buffer.data(), wanted, &count) != bOK || count < wanted)
+            return bERROR_FILE;
+        if (archive_write_data(handle.get(), buffer.data(), count) != static_cast<la_ssize_t>(count))
+            return bERROR_FILE;
+        size -= static_cast<std::int64_t>(count);
+    }
+    return archive_write_finish_entry(handle.get()) == ARCHIVE_OK ? bOK : bERROR_FILE;
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "bTar.h"
+
+#include <memory>
+#include <vector>
+
+#include <archive.h>
+#include <archive_entry.h>
+
+/// The archive that is written: bTar_Construct makes it, the bTar calls lead here.
+class TarWriter final : public bTar {
+  public:
+    TarWriter(bAlloc allocator, bFile* file);
+    ~TarWriter() override;
+
+    [[nodiscard]] bStatus Open();
+    [[nodiscard]] bStatus BeginWrite(const char* name, int kind, std::int64_t size);
+    [[nodiscard]] bStatus WriteFile(const char* name, bFile* source, std::int64_t size);
+    /// Writes the end mark; fails without it when any entry is not whole.
+    [[nodiscard]] bStatus Close() override;
+
+  private:
+    [[nodiscard]] bStatus WriteHeader(const char* name, int kind, const bFile::Facts& facts);
+    [[nodiscard]] bStatus CopyData(bFile* source, std::int64_t size);
+
+    bFile* file;
+    std::unique_ptr<archive, decltype(&archive_write_free)> handle;
+    std::unique_ptr<archive_entry, decltype(&archive_entry_free)> entry;
+    std::pmr::vector<char> buffer;
+    std::int64_t entries = 0;
+    bool broken = false;
+};

@@ -1,0 +1,178 @@
+#include "UnpackFolder.h"
+
+#include "Exception.h"
+#include "NarrowFolder.h"
+#include "TarName.h"
+#include "bDirectory.h"
+#include "bFile.h"
+#include "bTar.h"
+
+#include <array>
+#include <cerrno>
+#include <utility>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr unsigned kDirectoryPermissions = 0777;
+
+[[noreturn]] void Fail(int line, bStatus status, const std::string& message) {
+    throw Ve::Exception(line, __FILE__, status, "UnpackFolder", "%s", message.c_str());
+}
+
+/// A file that is removed again unless all of it could be written.
+class PartialFile {
+  public:
+    PartialFile(const NarrowFolder& folder, const std::vector<std::string>& parts, unsigned permissions)
+        : folder(folder), parts(parts), descriptor(folder.OpenFile(parts, permissions)) {}
+    PartialFile(const PartialFile&) = delete;
+    PartialFile& operator=(const PartialFile&) = delete;
+    ~PartialFile() {
+        if (!IsOpen())
+            return;
+        close(descriptor);
+        folder.RemoveFile(parts);
+    }
+
+    [[nodiscard]] bool IsOpen() const { return descriptor >= 0; }
+
+    [[nodiscard]] bool Write(std::string_view data) const {
+        while (!data.empty()) {
+            const ssize_t written = write(descriptor, data.data(), data.size());
+            if (written <= 0 && errno != EINTR)
+                return false;
+            if (written > 0)
+                data.remove_prefix(static_cast<std::size_t>(written));
+        }
+        return true;
+    }
+
+    /// Closes the file and lets it stay, unless the system reports late that it is not whole.
+    [[nodiscard]] bool Keep() {
+        const bool closed = close(std::exchange(descriptor, -1)) == 0;
+        if (!closed)
+            folder.RemoveFile(parts);
+        return closed;
+    }
+
+  private:
+    const NarrowFolder& folder;
+    const std::vector<std::string>& parts;
+    int descriptor;
+};
+
+/// One archive on its way into one fresh folder.
+class Unpacker {
+  public:
+    Unpacker(bTar* tar, const std::string& targetDirectory)
+        : tar(tar),
+          folder(targetDirectory),
+          prefix(targetDirectory.ends_with('/') ? targetDirectory : targetDirectory + "/") {}
+
+    /// @return the status that ended the archive
+    bStatus UnpackEntries() {
+        std::array<char, bTar_NAME_SIZE> name{};
+        int kind = 0;
+        std::int64_t size = 0;
+        bStatus status = bOK;
+        while ((status = bTar_BeginRead(tar, name.data(), name.size(), &kind, &size)) == bOK) {
+            if (kind == bTar_FILE)
+                UnpackFile(name.data());
+            else
+                UnpackDirectory(name.data());
+        }
+        // What comes after the name is lost with it, so this end is not a quiet one.
+        if (status == bERROR_TOO_LONG)
+            Fail(__LINE__, status, "Failed to read item - " + PrintableTarName(name.data()));
+        return status;
+    }
+
+  private:
+    [[nodiscard]] std::string PathOf(const std::string& name) const {
+        return prefix + PrintableTarName(name);
+    }
+
+    void UnpackFile(const std::string& name) {
+        std::string_view block;
+        // The first read comes before anything is made: it fails when the archive cannot hold the data.
+        bStatus status = ReadBlock(name, &block);
+        const std::vector<std::string> parts = TarNameParts(name);
+        if (!IsNarrowTarName(name) || parts.empty() || !name.ends_with(parts.back()))
+            Fail(__LINE__, bERROR_FILE, "Failed to open file - " + PathOf(name));
+        MakeParent(name, parts);
+        PartialFile file(folder, parts, bTar_Permissions(tar));
+        if (!file.IsOpen())
+            Fail(__LINE__, bERROR_FILE, "Failed to open file - " + PathOf(name));
+        for (; status == bOK; status = ReadBlock(name, &block))
+            if (!file.Write(block))
+                Fail(__LINE__, bERROR_FILE, "Failed to write " + PathOf(name));
+        if (!file.Keep())
+            Fail(__LINE__, bERROR_FILE, "Failed to write " + PathOf(name));
+    }
+
+    /// @return 1 or bERROR_END
+    bStatus ReadBlock(const std::string& name, std::string_view* block) {
+        const bStatus status = bTar_ReadBlock(tar, block);
+        if (status != bOK && status != bERROR_END)
+            Fail(__LINE__, status, "Failed to read item - " + PrintableTarName(name));
+        return status;
+    }
+
+    /// One level only: the directories above have entries of their own before.
+    void MakeParent(const std::string& name, const std::vector<std::string>& parts) const {
+        const std::vector<std::string> parent(parts.begin(), parts.end() - 1);
+        if (!folder.MakeFolder(parent, kDirectoryPermissions))
+            Fail(__LINE__, bERROR_FILE, "Failed to create the directory - " + PathOf(name));
+    }
+
+    void UnpackDirectory(const std::string& name) const {
+        if (!IsNarrowTarName(name) || !folder.MakeFolder(TarNameParts(name), bTar_Permissions(tar)))
+            Fail(__LINE__, bERROR_FILE, "Failed to create the directory - " + PathOf(name));
+    }
+
+    bTar* tar;
+    NarrowFolder folder;
+    std::string prefix;
+};
+
+bOwned<bFile> OpenArchiveFile(const std::string& tarFileName, bAlloc allocator) {
+    if (bFile_Exists(tarFileName.c_str()) == 0)
+        Fail(__LINE__, bERROR_NOT_FOUND, tarFileName + " doesn't exist.");
+    bFile* file = nullptr;
+    if (const bStatus status = bFile_Construct(&file, tarFileName.c_str(), bFile_READ, allocator);
+        status != bOK)
+        Fail(__LINE__, status, "Failed to construct a bFile object.");
+    return bOwned<bFile>(file);
+}
+
+bOwned<bTar> OpenArchive(bFile* file, bAlloc allocator) {
+    bTar* tar = nullptr;
+    if (const bStatus status = bTar_Construct(&tar, file, bFile_READ, allocator); status != bOK)
+        Fail(__LINE__, status, "Failed to construct a bTar object.");
+    return bOwned<bTar>(tar);
+}
+
+void MakeFresh(const std::string& directory) {
+    bStatus status = bOK;
+    if (bDirectory_Exists(directory.c_str()) != 0 && (status = bDirectory_Delete(directory.c_str())) != bOK)
+        Fail(__LINE__, status, "Failed to delete the existing directory - " + directory);
+    if ((status = bDirectory_Create(directory.c_str())) != bOK)
+        Fail(__LINE__, status, "Failed to create the directory - " + directory);
+}
+
+} // namespace
+
+bStatus UnpackFolder(const std::string& tarFileName, const std::string& targetDirectory, bAlloc allocator) {
+    const bOwned<bFile> file = OpenArchiveFile(tarFileName, allocator);
+    const bOwned<bTar> tar = OpenArchive(file.get(), allocator);
+    MakeFresh(targetDirectory);
+    return Unpacker(tar.get(), targetDirectory).UnpackEntries();
+}
+
+void UnpackFolderStrictly(const std::string& tarFileName, const std::string& targetDirectory,
+                          bAlloc allocator) {
+    const bStatus end = UnpackFolder(tarFileName, targetDirectory, allocator);
+    if (end != bERROR_END)
+        Fail(__LINE__, end, "The archive is damaged - " + tarFileName);
+}

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "bFile.h"
+#include "bObject.h"
+#include "bStatus.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+/// A tar archive in an open file. Written as ustar, with pax headers where a name or a size needs them; read
+/// as ustar, pax or GNU tar, and as nothing else. The file is borrowed and must outlive the archive.
+class bTar : public bObject {
+  public:
+    using bObject::bObject;
+};
+
+constexpr int bTar_FILE = 0;      ///< kind of an entry that has data
+constexpr int bTar_DIRECTORY = 1; ///< kind of an entry that is a directory
+
+/// The room for an entry's name, the terminating zero included.
+constexpr std::size_t bTar_NAME_SIZE = 512;
+
+/// More entries than this are neither written nor read.
+constexpr std::int64_t bTar_MOST_ENTRIES = 1'000'000;
+
+/// Opens an archive on `file`, in the mode in which the file was opened (bFile_READ or bFile_WRITE).
+/// Destroying an archive that is written finishes it with the end mark, and the status of that is the result
+/// of xbObject_DestroyImpl; after a failed write nothing is added.
+/// @return 1; bERROR_PARAMETER; bERROR_FILE; bERROR_MEMORY.
+bStatus bTar_Construct(bTar** tar, bFile* file, int mode, bAlloc allocator);
+
+/// Writes the header of an entry that has no data to follow: a directory, or an empty file.
+/// @param name relative, "/" as the separator, none at either end
+/// @return 1; bERROR_TOO_LONG for a name that readers have no room for; bERROR_PARAMETER for a name that
+///         readers refuse, another kind, or a size other than 0; bERROR_LIMIT; bERROR_FILE.
+bStatus bTar_BeginWrite(bTar* tar, const char* name, int kind, std::int64_t size);
+
+/// Writes one file: the header, with the file's permissions and time, and all `size` bytes of `file`.
+/// @return as bTar_BeginWrite; also bERROR_FILE when the file has another size, or is changed meanwhile.
+/// After
+///         a failure the archive is no longer whole and cannot be finished.
+bStatus xbTar_WriteFile(bTar* tar, const char* name, bFile* file, std::int64_t size);
+
+/// Goes to the next entry that is a file or a directory; links, devices and the like are passed over. What
+/// was not read of the entry before is passed over as well.
+/// @param name gets the entry's name as the archive has it, a directory's without "/" at the end
+/// @param size gets what the archive says; whether it can hold that much is told by bTar_ReadBlock
+/// @return 1; bERROR_END at a regular end; bERROR_FORMAT where the archive is damaged, is no tar, or stops
+///         without its end mark; bERROR_TOO_LONG for a name that has no room, `name` then holds its beginning
+///         for a message; bERROR_LIMIT; bERROR_FILE; bERROR_MEMORY.
+bStatus bTar_BeginRead(bTar* tar, char* name, std::size_t capacity, int* kind, std::int64_t* size);
+
+/// Reads on in the data of the current entry. Holes of a sparse file come as zeros.
+/// @param block gets the next bytes; they live until the next call for this archive
+/// @return 1 with at least one byte; bERROR_END after the last one; bERROR_FORMAT when the archive cannot
+/// hold,
+///         or does not hold, as much as it says.
+bStatus bTar_ReadBlock(bTar* tar, std::string_view* block);
+
+/// The permissions of the current entry, within 0777.
+unsigned bTar_Permissions(const bTar* tar);

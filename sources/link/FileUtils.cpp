@@ -1,0 +1,31 @@
+#include "FileUtils.h"
+
+#include "Exception.h"
+#include "Log.h"
+#include "PackFolder.h"
+#include "UnpackFolder.h"
+
+#include <new>
+
+void TarCompress(const std::string& sourceDirectory, const std::string& tarFileName, bAlloc allocator) {
+    try {
+        PackFolder(sourceDirectory, tarFileName, allocator);
+    } catch (const Ve::Exception& failure) {
+        throw Ve::Exception(__LINE__, __FILE__, failure.Status(), "TarCompress", "%s", failure.what());
+    } catch (const std::bad_alloc&) {
+        throw Ve::Exception(__LINE__, __FILE__, bERROR_MEMORY, "TarCompress", "Failed to allocate memory.");
+    }
+}
+
+void TarUncompress(const std::string& tarFileName, const std::string& targetDirectory, bAlloc allocator) {
+    try {
+        const bStatus end = UnpackFolder(tarFileName, targetDirectory, allocator);
+        if (end != bERROR_END) {
+            LOG_LINE(ERROR) << '(' << bStatus_Name(end) << ") The archive is damaged - " << tarFileName;
+        }
+    } catch (const Ve::Exception& failure) {
+        throw Ve::Exception(__LINE__, __FILE__, failure.Status(), "TarUncompress", "%s", failure.what());
+    } catch (const std::bad_alloc&) {
+        throw Ve::Exception(__LINE__, __FILE__, bERROR_MEMORY, "TarUncompress", "Failed to allocate memory.");
+    }
+}

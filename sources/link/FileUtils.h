@@ -1,0 +1,17 @@
+#pragma once
+
+#include "bAlloc.h"
+
+#include <string>
+
+/// Packs everything below `sourceDirectory` into the tar archive `tarFileName`. The archive appears under its
+/// name whole or not at all: after a failure, or a kill at any moment, an old one stands as it was.
+/// @param sourceDirectory without "/" at its end
+/// @throws Ve::Exception with the function "TarCompress"
+void TarCompress(const std::string& sourceDirectory, const std::string& tarFileName, bAlloc allocator);
+
+/// Unpacks the tar archive `tarFileName` into `targetDirectory`, which is emptied first. Entries that are
+/// neither file nor directory are passed over; one that would land outside ends the work with a failure. A
+/// damaged archive gives what stands before the damage, without a failure but with a line in the log.
+/// @throws Ve::Exception with the function "TarUncompress"; what was unpacked before stays
+void TarUncompress(const std::string& tarFileName, const std::string& targetDirectory, bAlloc allocator);
