@@ -22,6 +22,12 @@ const char* bStatus_Name(bStatus status) {
         return "ERROR_TRACK";
     case bERROR_NOT_CONNECTED:
         return "ERROR_NOT_CONNECTED";
+    case bERROR_TIMEOUT:
+        return "ERROR_TIMEOUT";
+    case bERROR_CONNECTION:
+        return "ERROR_CONNECTION";
+    case bERROR_REFUSED:
+        return "ERROR_REFUSED";
     case bERROR_FILE:
         return "ERROR_FILE";
     case bERROR_REQUEST:

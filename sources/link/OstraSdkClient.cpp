@@ -1,28 +1,196 @@
 #include "OstraSdkClient.h"
 
 #include "Exception.h"
+#include "OstraSdk.h"
+#include "WholeFile.h"
 #include "bFile.h"
 #include "bStatus.h"
 
+#include <array>
 #include <fstream>
+#include <utility>
+
+namespace {
+
+// Time-outs in microseconds.
+constexpr std::int64_t kDiscoveryTimeout = 10000;
+constexpr std::int64_t kArchiveTimeout = 180000000;
+constexpr std::int64_t kReplayTimeout = 3000000;
+
+constexpr const char* kAllWorkspaces = "{\"contents\" : [\"allWorkspaces\"]}";
+
+bIpAddress ParsedAddress(int line, const char* function, const char* text) {
+    bIpAddress address;
+    const bStatus status = bIpAddress_Parse(&address, text);
+    if (status != bOK)
+        throw Ve::Exception(line, __FILE__, status, function, "Failed to parse the ip address.");
+    return address;
+}
+
+std::string FormattedAddress(int line, const char* function, const bIpAddress& address) {
+    std::array<char, 16> text{};
+    const bStatus status = bIpAddress_Format(address, text.data(), text.size());
+    if (status != bOK)
+        throw Ve::Exception(line, __FILE__, status, function, "Failed to format the ip address.");
+    return text.data();
+}
+
+void RequireConnection(int line, const char* function, const OstraSdkClient& client) {
+    if (!client.IsConnected())
+        throw Ve::Exception(line, __FILE__, bERROR_NOT_CONNECTED, function,
+                            "The client hasn't connected to any Ostra Server.");
+}
+
+/// The answer to the backup request; bytes are not copied.
+OstraSdk::VeJson FetchArchive(OstraSdk::VeRestClient& client) {
+    const OstraSdk::VeJson body = OstraSdk::VeJson::ParseString(kAllWorkspaces);
+    OstraSdk::VeTransaction transaction = client.Call("/system/commands/archive", body, OstraSdk::VeJson());
+    OstraSdk::VeJson payload = transaction.GetResponse(kArchiveTimeout).Payload();
+    static_cast<void>(payload.At("data").GetBinary());
+    return payload;
+}
+
+void SendArchive(OstraSdk::VeRestClient& client, std::vector<std::uint8_t>&& archive) {
+    OstraSdk::VeJson body = OstraSdk::VeJson::ParseString(kAllWorkspaces);
+    body.Set("data", std::move(archive));
+    client.Call("/system/commands/restore", body, OstraSdk::VeJson()).CheckResponse(kArchiveTimeout);
+}
+
+/// False when the file cannot be read whole, or is not the size that it was found to have.
+bool ReadWhole(std::ifstream& file, std::streamoff size, std::vector<std::uint8_t>& buffer) {
+    try {
+        buffer.resize(static_cast<std::size_t>(size));
+    } catch (const std::exception&) {
+        return false; // no memory holds it
+    }
+    file.seekg(0);
+    file.read(reinterpret_cast<char*>(buffer.data()), size);
+    return file.good() && file.peek() == std::ifstream::traits_type::eof();
+}
+
+} // namespace
+
+OstraSdkClient::OstraSdkClient()
+    : system(std::make_shared<OstraSdk::VeSystem>(
+          ParsedAddress(__LINE__, "OstraSdkClient::OstraSdkClient", "127.0.0.1"), 3600)) {
+}
+
+OstraSdkClient::~OstraSdkClient() = default;
+
+void OstraSdkClient::DiscoverOstraServers(std::vector<OstraServerInfo>& list) {
+    list.clear();
+    OstraSdk::VeDiscoveryClient discovery;
+    discovery.BlockingDiscover(kDiscoveryTimeout);
+    const std::vector<OstraSdk::VeInstance> found = discovery.InstanceList();
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        const OstraSdk::VeInstance& instance = discovery.InstanceList().at(i);
+        list.push_back(
+            {FormattedAddress(__LINE__, "OstraSdkClient::DiscoverOstraServers", instance.GetIpAddress()),
+             instance.GetControlPort()});
+    }
+}
+
+void OstraSdkClient::Connect(const std::string& address, const unsigned int& controlPort) {
+    constexpr const char* kFunction = "OstraSdkClient::Connect";
+    if (system->IsConnected())
+        Disconnect();
+    const bIpAddress parsed = ParsedAddress(__LINE__, kFunction, address.c_str());
+    system = std::make_shared<OstraSdk::VeSystem>(parsed, controlPort);
+    try {
+        system->Connect();
+    } catch (const Ve::Exception& e) {
+        throw Ve::Exception(__LINE__, __FILE__, e.Status(), kFunction,
+                            "Failed to connect the OstraServer (%s).", address.c_str());
+    }
+}
+
+void OstraSdkClient::Disconnect() {
+    constexpr const char* kFunction = "OstraSdkClient::Disconnect";
+    if (!system->IsConnected())
+        return;
+    try {
+        system->Disconnect();
+    } catch (const Ve::Exception& e) {
+        const std::string address = FormattedAddress(__LINE__, kFunction, system->Address());
+        throw Ve::Exception(__LINE__, __FILE__, e.Status(), kFunction,
+                            "Failed to disconnect the OstraServer (%s)", address.c_str());
+    }
+}
+
+bool OstraSdkClient::IsConnected() const {
+    return system->IsConnected();
+}
+
+void OstraSdkClient::Backup(const std::string& backupFileName) {
+    constexpr const char* kFunction = "OstraSdkClient::Backup";
+    RequireConnection(__LINE__, kFunction, *this);
+    OstraSdk::VeJson payload;
+    try {
+        payload = FetchArchive(system->Client());
+    } catch (const std::exception&) {
+        throw Ve::Exception(__LINE__, __FILE__, bERROR_REQUEST, kFunction,
+                            "Failed to call the Backup request.");
+    }
+    const std::vector<std::uint8_t>& archive = payload.At("data").GetBinary();
+    WholeFile file(backupFileName);
+    file.Write(archive.data(), archive.size());
+    if (!file.Commit())
+        throw Ve::Exception(__LINE__, __FILE__, bERROR_FILE, kFunction, "Failed to open the file - %s",
+                            backupFileName.c_str());
+}
+
+void OstraSdkClient::Restore(const std::string& fileName) {
+    constexpr const char* kFunction = "OstraSdkClient::Restore";
+    RequireConnection(__LINE__, kFunction, *this);
+    if (bFile_Exists(fileName.c_str()) == 0)
+        throw Ve::Exception(__LINE__, __FILE__, bERROR_NOT_FOUND, kFunction, "%s doesn't exist.",
+                            fileName.c_str());
+    std::vector<std::uint8_t> archive;
+    ReadFileBuffer(fileName, archive);
+    try {
+        SendArchive(system->Client(), std::move(archive));
+    } catch (const std::exception&) {
+        throw Ve::Exception(__LINE__, __FILE__, bERROR_REQUEST, kFunction,
+                            "Failed to call the Restore request.");
+    }
+}
+
+bool OstraSdkClient::GetReplayMode() {
+    constexpr const char* kFunction = "OstraSdkClient::GetReplayMode";
+    RequireConnection(__LINE__, kFunction, *this);
+    try {
+        const OstraSdk::VeJson empty;
+        OstraSdk::VeTransaction transaction = system->Client().Read("/replay/playback", empty, empty);
+        return transaction.GetResponse(kReplayTimeout).Payload().At("enabled").Get<bool>();
+    } catch (const std::exception&) {
+        throw Ve::Exception(__LINE__, __FILE__, bERROR_REQUEST, kFunction,
+                            "Failed to get the status of the replay mode.");
+    }
+}
+
+void OstraSdkClient::SetReplayMode(bool enabled) {
+    constexpr const char* kFunction = "OstraSdkClient::SetReplayMode";
+    RequireConnection(__LINE__, kFunction, *this);
+    try {
+        const OstraSdk::VeJson body =
+            OstraSdk::VeJson::ParseString(enabled ? "{\"enabled\": true}" : "{\"enabled\": false}");
+        system->Client().Update("/replay/playback", body, OstraSdk::VeJson()).CheckResponse(kReplayTimeout);
+    } catch (const std::exception&) {
+        throw Ve::Exception(__LINE__, __FILE__, bERROR_REQUEST, kFunction, "Failed to set the replay mode.");
+    }
+}
 
 void OstraSdkClient::ReadFileBuffer(const std::string& fileName, std::vector<std::uint8_t>& buffer) {
     constexpr const char* kFunction = "ReadFileBuffer";
     std::ifstream file;
+    // A folder can be opened as a file can, and has no size.
     if (bFile_Exists(fileName.c_str()) != 0)
         file.open(fileName, std::ios::binary);
-    if (!file.is_open())
-        throw Ve::Exception(__LINE__, __FILE__, bERROR_FILE, kFunction, "Failed to open %s.",
-                            fileName.c_str());
     file.seekg(0, std::ios::end);
-    const std::streamoff size = file.tellg();
+    const std::streamoff size = file.is_open() ? static_cast<std::streamoff>(file.tellg()) : -1;
     if (size == 0)
         throw Ve::Exception(__LINE__, __FILE__, bERROR_FILE, kFunction, "%s is empty.", fileName.c_str());
-    file.seekg(0);
-    buffer.resize(size > 0 ? static_cast<std::size_t>(size) : 0);
-    file.read(reinterpret_cast<char*>(buffer.data()), size);
-    const bool whole = file.good() && file.peek() == std::ifstream::traits_type::eof();
-    if (!whole)
+    if (size < 0 || !ReadWhole(file, size, buffer))
         throw Ve::Exception(__LINE__, __FILE__, bERROR_FILE, kFunction, "Failed to open %s.",
                             fileName.c_str());
 }

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "VeJson.h"
+#include "bIpAddress.h"
+
+#include <string>
+
+namespace OstraSdk {
+
+enum class HttpVerb { Get, Post, Put };
+
+/// Everything that one request needs, independent of the object that it was asked of.
+struct HttpRequest {
+    bIpAddress address;
+    unsigned int port = 0;
+    HttpVerb verb = HttpVerb::Get;
+    std::string path; ///< begins with "/"; no blanks or control characters
+    VeJson body;      ///< empty for none
+};
+
+} // namespace OstraSdk

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "VeJson.h"
+
+#include <string>
+#include <string_view>
+
+namespace OstraSdk {
+
+/// The longest JSON text, or body without its byte strings, that is read: a bound on the memory of its
+/// values.
+constexpr std::size_t kLongestText = 1024U * 1024U;
+
+/// Reads a JSON text (UTF-8) whose outermost value is an object or an array; an integer up to 2^53 is an
+/// integer however it is written. Throws Ve::Exception: bERROR_FORMAT, or bERROR_LIMIT for a text that is too
+/// long or too deep.
+VeJson FromJsonText(std::string_view text);
+
+/// Writes an object or an array in the shortest form. Byte strings have no place in a text: they throw
+/// Ve::Exception with status bERROR_PARAMETER.
+std::string ToJsonText(const VeJson& json);
+
+} // namespace OstraSdk

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "VeJson.h"
+#include "bIpAddress.h"
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace OstraSdk {
+
+/// One server as its answer to a discovery tells.
+class VeInstance {
+  public:
+    /// Nothing when the answer is not well-formed: no JSON object, without serial number, control port or
+    /// address, or with a known key whose value is of the wrong type or out of range.
+    static std::optional<VeInstance> FromAnswer(std::string_view answer);
+
+    [[nodiscard]] std::int64_t GetSerialNumber() const { return serialNumber; }
+    [[nodiscard]] const bIpAddress& GetIpAddress() const { return address; }
+    [[nodiscard]] const unsigned int& GetControlPort() const { return controlPort; }
+    /// The whole answer, whose members are named in DiscoveryKeys.h; those that need not be there may be
+    /// missing.
+    [[nodiscard]] const VeJson& GetRecord() const { return record; }
+
+  private:
+    explicit VeInstance(VeJson answer);
+
+    VeJson record;
+    std::int64_t serialNumber = 0;
+    bIpAddress address;
+    unsigned int controlPort = 0;
+};
+
+} // namespace OstraSdk

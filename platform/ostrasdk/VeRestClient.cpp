@@ -1,0 +1,28 @@
+#include "VeRestClient.h"
+
+#include "Exception.h"
+#include "bStatus.h"
+
+namespace OstraSdk {
+
+VeTransaction VeRestClient::Call(const std::string& path, const VeJson& body, const VeJson& extra) const {
+    return Request(HttpVerb::Post, path, body, extra);
+}
+
+VeTransaction VeRestClient::Read(const std::string& path, const VeJson& body, const VeJson& extra) const {
+    return Request(HttpVerb::Get, path, body, extra);
+}
+
+VeTransaction VeRestClient::Update(const std::string& path, const VeJson& body, const VeJson& extra) const {
+    return Request(HttpVerb::Put, path, body, extra);
+}
+
+VeTransaction VeRestClient::Request(HttpVerb verb, const std::string& path, const VeJson& body,
+                                    const VeJson& extra) const {
+    if (!extra.IsEmpty())
+        throw Ve::Exception(__LINE__, __FILE__, bERROR_PARAMETER, "VeRestClient::Request",
+                            "A request takes nothing beside its body.");
+    return VeTransaction(HttpRequest{address, port, verb, path, body});
+}
+
+} // namespace OstraSdk

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "HttpRequest.h"
+#include "VeTransaction.h"
+#include "bIpAddress.h"
+
+#include <string>
+
+namespace OstraSdk {
+
+/// Makes requests to one server. Each has a connection of its own, so that a server that was restarted, or a
+/// connection that died between two requests, is no matter.
+class VeRestClient {
+  public:
+    VeRestClient(const bIpAddress& address, unsigned int port) : address(address), port(port) {}
+
+    /// A command (POST).
+    /// @param path begins with "/"
+    /// @param body empty for none
+    /// @param extra has no use yet and must be empty; anything else throws Ve::Exception (bERROR_PARAMETER)
+    [[nodiscard]] VeTransaction Call(const std::string& path, const VeJson& body, const VeJson& extra) const;
+    /// Reads a value (GET).
+    [[nodiscard]] VeTransaction Read(const std::string& path, const VeJson& body, const VeJson& extra) const;
+    /// Writes a value (PUT).
+    [[nodiscard]] VeTransaction Update(const std::string& path, const VeJson& body,
+                                       const VeJson& extra) const;
+
+  private:
+    [[nodiscard]] VeTransaction Request(HttpVerb verb, const std::string& path, const VeJson& body,
+                                        const VeJson& extra) const;
+
+    bIpAddress address;
+    unsigned int port;
+};
+
+} // namespace OstraSdk

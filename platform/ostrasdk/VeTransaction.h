@@ -1,0 +1,36 @@
+#pragma once
+
+#include "HttpRequest.h"
+#include "VeResponse.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace OstraSdk {
+
+/// One request and the wait for its response.
+///
+/// Everything happens on the calling thread, within the first GetResponse or CheckResponse: the request is
+/// sent there, and it is sent once. It does not need the system that it came from to live on.
+class VeTransaction {
+  public:
+    explicit VeTransaction(HttpRequest request);
+
+    /// Waits until the response is whole.
+    /// @param timeout microseconds for the whole exchange, the connecting included (which may take 5 s of it
+    ///        at most); the call takes no longer, whatever the server does
+    /// Throws Ve::Exception when the request fails: bERROR_TIMEOUT, bERROR_CONNECTION, bERROR_REFUSED,
+    /// bERROR_FORMAT, bERROR_LIMIT or bERROR_MEMORY; and bERROR_PARAMETER for a request that cannot be sent,
+    /// or when it has failed before.
+    [[nodiscard]] VeRequestResponse GetResponse(std::int64_t timeout);
+
+    /// Waits in the same way and throws unless the request succeeded.
+    void CheckResponse(std::int64_t timeout);
+
+  private:
+    HttpRequest request;
+    std::optional<VeRequestResponse> response;
+    bool sent = false;
+};
+
+} // namespace OstraSdk
