@@ -7,6 +7,10 @@
 
 namespace {
 
+bool IsFinite(const QPointF& point) {
+    return std::isfinite(point.x()) && std::isfinite(point.y());
+}
+
 /// One segment in image pixels and the marks that grow along it.
 class SegmentRuler {
   public:
@@ -28,14 +32,16 @@ class SegmentRuler {
     [[nodiscard]] double Length() const { return length; }
 
     [[nodiscard]] bool CanHoldTicks() const {
-        return std::isfinite(length) && length > 0.0 && std::isfinite(halfTick.x()) &&
-               std::isfinite(halfTick.y());
+        return std::isfinite(length) && length > 0.0 && IsFinite(halfTick);
     }
 
+    /// Appends nothing where the numbers overflow: such marks could be neither painted nor stored.
     void AppendTick(double at, RulerMarks& marks) const {
         const QPointF centre = PointAt(at);
         const QPointF before = PointAt(at - halfBand);
         const QPointF after = PointAt(at + halfBand);
+        if (!IsFinite(centre) || !IsFinite(before) || !IsFinite(after))
+            return;
         marks.tickStarts.push_back(FirstEnd(centre));
         marks.tickEnds.push_back(SecondEnd(centre));
         marks.bands.push_back({FirstEnd(before), SecondEnd(before), SecondEnd(after), FirstEnd(after)});

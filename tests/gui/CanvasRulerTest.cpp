@@ -1,0 +1,193 @@
+#include "CanvasFixture.h"
+#include "RulerMarksBuilder.h"
+
+#include <cstring>
+#include <random>
+
+namespace {
+
+using CanvasRuler = CanvasTest;
+
+bool SameBits(const QPointF& one, const QPointF& other) {
+    return std::memcmp(&one, &other, sizeof one) == 0;
+}
+
+void ExpectSameMarks(const RulerMarks& one, const RulerMarks& other) {
+    ASSERT_EQ(one.tickStarts.size(), other.tickStarts.size());
+    ASSERT_EQ(one.tickEnds.size(), other.tickEnds.size());
+    ASSERT_EQ(one.bands.size(), other.bands.size());
+    for (std::size_t i = 0; i < one.bands.size(); ++i) {
+        ASSERT_TRUE(SameBits(one.tickStarts[i], other.tickStarts[i]));
+        ASSERT_TRUE(SameBits(one.tickEnds[i], other.tickEnds[i]));
+        for (std::size_t corner = 0; corner < 4; ++corner)
+            ASSERT_TRUE(SameBits(one.bands[i][corner], other.bands[i][corner]));
+    }
+}
+
+/// The marks held are those of computing them all.
+void ExpectMarksUpToDate(const std::vector<TrackPath>& paths, const QSize& image) {
+    for (const TrackPath& path : paths) {
+        const auto expected = RulerMarksBuilder(image).MarksOfPath(path);
+        ASSERT_EQ(path.rulerMarks.size(), expected.size());
+        for (std::size_t j = 0; j < expected.size(); ++j)
+            ASSERT_NO_FATAL_FAILURE(ExpectSameMarks(path.rulerMarks[j], expected[j])) << j;
+    }
+}
+
+TEST_F(CanvasRuler, ComputesTheMarksOfEveryPath) {
+    mouse.Draw({{50, 50}, {150, 50}, {150, 150}});
+    mouse.Move({250, 250});
+    mouse.Draw({{50, 200}, {350, 200}});
+    window.canvas->computeRulerMarks(400, 300);
+    ASSERT_EQ(Paths().at(0).rulerMarks.size(), 2U);
+    ASSERT_EQ(Paths().at(1).rulerMarks.size(), 1U);
+    EXPECT_EQ(Paths()[1].rulerMarks[0].bands.size(), 3U);
+    ExpectMarksUpToDate(Paths(), {400, 300});
+}
+
+TEST_F(CanvasRuler, ClearEmptiesTheMarksOfEveryPathAndComputingBringsThemBack) {
+    mouse.Draw({{50, 50}, {150, 50}});
+    window.canvas->computeRulerMarks(400, 300);
+    window.canvas->clearRulerMarks();
+    EXPECT_TRUE(Paths().at(0).rulerMarks.empty());
+    window.canvas->computeRulerMarks(400, 300);
+    ExpectMarksUpToDate(Paths(), {400, 300});
+}
+
+TEST_F(CanvasRuler, AnotherImageSizeChangesEveryMark) {
+    mouse.Draw({{50, 50}, {150, 50}, {150, 150}});
+    window.canvas->computeRulerMarks(400, 300);
+    window.canvas->computeRulerMarks(800, 900);
+    ExpectMarksUpToDate(Paths(), {800, 900});
+}
+
+TEST_F(CanvasRuler, AParameterChangesTheMarksOnTheNextRefresh) {
+    mouse.Draw({{50, 50}, {350, 50}, {350, 250}});
+    window.canvas->computeRulerMarks(400, 300);
+    window.canvas->setSegmentParameter(SegmentParameter::Space, 20);
+    window.canvas->computeRulerMarks(400, 300);
+    EXPECT_EQ(Paths().at(0).rulerMarks.at(0).bands.size(), 15U); // 300 / 21, rounded up
+    ExpectMarksUpToDate(Paths(), {400, 300});
+    window.canvas->setParameterEverywhere(SegmentParameter::Length, 7);
+    window.canvas->computeRulerMarks(400, 300);
+    ExpectMarksUpToDate(Paths(), {400, 300});
+}
+
+TEST_F(CanvasRuler, DeleteLastLeavesTheMarksToTheNextRefresh) {
+    mouse.Draw({{50, 50}, {150, 50}, {150, 150}});
+    window.canvas->computeRulerMarks(400, 300);
+    window.canvas->deleteLast();
+    EXPECT_EQ(Paths().at(0).rulerMarks.size(), 2U);
+    window.canvas->computeRulerMarks(400, 300);
+    ExpectMarksUpToDate(Paths(), {400, 300});
+}
+
+TEST_F(CanvasRuler, WithoutPathsOrAnImageSizeNothingHappens) {
+    window.canvas->computeRulerMarks(400, 300);
+    mouse.Draw({{50, 50}, {150, 50}});
+    window.canvas->computeRulerMarks(0, 0);
+    for (const RulerMarks& marks : Paths().at(0).rulerMarks)
+        EXPECT_TRUE(marks.bands.empty());
+}
+
+/// A seeded operator: draws, drags, deletes, sets parameters, hides and shows the ruler, zooms.
+class RandomOperator {
+  public:
+    RandomOperator(CanvasWindow& window, unsigned seed)
+        : window(window), mouse(window.canvas), random(seed) {}
+
+    void Act() {
+        switch (Pick(12)) {
+        case 0:
+        case 1:
+            return mouse.Draw(Places(2 + Pick(5)));
+        case 2:
+        case 3:
+        case 4:
+        case 5:
+            return DragSomePoint();
+        case 6:
+            return mouse.Release(Place());
+        case 7:
+            return DeleteLast();
+        case 8:
+            return SetSomeParameter();
+        case 9:
+            return ToggleRuler();
+        case 10:
+            return window.Resize(QSize(150 + Pick(400), 150 + Pick(300)));
+        default:
+            mouse.Press(Place());
+            mouse.Move(Place());
+        }
+    }
+
+  private:
+    int Pick(int count) { return std::uniform_int_distribution<int>(0, count - 1)(random); }
+    QPointF Place() { return {double(Pick(window.canvas->width())), double(Pick(window.canvas->height()))}; }
+    std::vector<QPointF> Places(int count) {
+        std::vector<QPointF> places;
+        for (int i = 0; i < count; ++i)
+            places.push_back(Place());
+        return places;
+    }
+    void DragSomePoint() {
+        const auto& paths = window.canvas->paths();
+        if (paths.empty())
+            return;
+        const auto& points = paths[std::size_t(Pick(int(paths.size())))].points;
+        const QPointF point = points[std::size_t(Pick(int(points.size())))];
+        const QPointF at(point.x() * window.canvas->width(), point.y() * window.canvas->height());
+        mouse.Release(at);
+        mouse.Move(at);
+        mouse.Press(at);
+        mouse.Move(Place());
+        mouse.Release(Place());
+    }
+    void DeleteLast() {
+        window.canvas->deleteLast();
+        if (window.shown)
+            window.refreshRuler();
+    }
+    void SetSomeParameter() {
+        window.canvas->setCurrentPath(Pick(4));
+        window.canvas->setCurrentSegment(Pick(4));
+        const auto parameter = static_cast<SegmentParameter>(Pick(4));
+        if (Pick(4) == 0)
+            window.canvas->setParameterEverywhere(parameter, Pick(120));
+        else
+            window.canvas->setSegmentParameter(parameter, Pick(120));
+        if (window.shown && parameter != SegmentParameter::Method)
+            window.refreshRuler();
+    }
+    void ToggleRuler() {
+        window.shown = !window.shown;
+        if (window.shown)
+            window.refreshRuler();
+        else
+            window.canvas->clearRulerMarks();
+    }
+
+    CanvasWindow& window;
+    Mouse mouse;
+    std::mt19937 random;
+};
+
+TEST_F(CanvasRuler, RandomEditsGiveTheMarksOfComputingThemAll) {
+    RandomOperator robot(window, 3);
+    for (int step = 0; step < 2000; ++step) {
+        robot.Act();
+        window.refreshRuler();
+        ASSERT_NO_FATAL_FAILURE(ExpectMarksUpToDate(Paths(), window.imageSize)) << step;
+        for (const TrackPath& path : Paths()) {
+            ASSERT_EQ(path.methods.size(), path.points.size());
+            ASSERT_EQ(path.lengths.size(), path.points.size());
+            ASSERT_EQ(path.widths.size(), path.points.size());
+            ASSERT_EQ(path.spaces.size(), path.points.size());
+        }
+        if (Paths().size() > 12)
+            window.canvas->clearAll();
+    }
+}
+
+} // namespace

@@ -1,0 +1,47 @@
+#include "PointFinder.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const CanvasScale kScale{QSize(1000, 1000)};
+
+TrackPath PathOf(std::vector<QPointF> pixels) {
+    TrackPath path;
+    for (const QPointF& pixel : pixels)
+        path.points.push_back(kScale.ToNormalized(pixel));
+    return path;
+}
+
+TEST(PointFinder, FindsNothingWithoutPaths) {
+    EXPECT_FALSE(FindPoint({}, kScale, {0.0, 0.0}));
+}
+
+TEST(PointFinder, APointExactlyFivePixelsAwayIsNotFound) {
+    EXPECT_FALSE(FindPoint({PathOf({{100.0, 100.0}})}, kScale, {105.0, 100.0}));
+    EXPECT_FALSE(FindPoint({PathOf({{100.0, 100.0}})}, kScale, {103.0, 104.0}));
+}
+
+TEST(PointFinder, APointJustNearerThanFivePixelsIsFound) {
+    EXPECT_EQ(FindPoint({PathOf({{100.0, 100.0}})}, kScale, {104.99, 100.0}), PointIndex(0, 0));
+    EXPECT_EQ(FindPoint({PathOf({{100.0, 100.0}})}, kScale, {100.0, 95.01}), PointIndex(0, 0));
+}
+
+TEST(PointFinder, DistancesAreFromThePointsWholePixel) {
+    // The point lies at 100.4 and counts as 100.
+    EXPECT_EQ(FindPoint({PathOf({{100.4, 100.0}})}, kScale, {95.3, 100.0}), PointIndex(0, 0));
+    EXPECT_FALSE(FindPoint({PathOf({{100.4, 100.0}})}, kScale, {105.2, 100.0}));
+}
+
+TEST(PointFinder, TheFirstPointFoundWinsOverANearerOne) {
+    EXPECT_EQ(FindPoint({PathOf({{300.0, 300.0}, {103.0, 100.0}, {100.0, 100.0}})}, kScale, {100.0, 100.0}),
+              PointIndex(0, 1));
+}
+
+TEST(PointFinder, APointOfAnEarlierPathHidesOneOfALaterPath) {
+    const std::vector<TrackPath> paths{PathOf({{10.0, 10.0}}), PathOf({{50.0, 50.0}}),
+                                       PathOf({{50.0, 50.0}})};
+    EXPECT_EQ(FindPoint(paths, kScale, {50.0, 50.0}), PointIndex(1, 0));
+}
+
+} // namespace
