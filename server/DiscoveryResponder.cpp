@@ -1,0 +1,65 @@
+#include "DiscoveryResponder.h"
+
+#include <boost/asio/buffer.hpp>
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+using boost::asio::ip::address_v4;
+using boost::asio::ip::udp;
+
+DiscoveryResponder::DiscoveryResponder(boost::asio::io_context& io, const address_v4& address,
+                                       std::uint16_t port, const ServerIdentity& identity)
+    : socket(io, udp::v4()), identity(identity) {
+    const bool everywhere = !address.is_loopback();
+    if (everywhere)
+        socket.set_option(udp::socket::reuse_address(true));
+    socket.bind(udp::endpoint(everywhere ? address_v4::any() : address, port));
+    Receive();
+}
+
+void DiscoveryResponder::Close() {
+    boost::system::error_code ignored;
+    socket.close(ignored);
+}
+
+bool DiscoveryResponder::IsQuestion(const char* bytes, std::size_t size) {
+    const auto document = QJsonDocument::fromJson(QByteArray(bytes, static_cast<int>(size)));
+    return document.object().value(QLatin1String("ostra")) == QLatin1String("discover") &&
+           document.object().value(QLatin1String("version")).toInt() == 1;
+}
+
+void DiscoveryResponder::Receive() {
+    socket.async_receive_from(boost::asio::buffer(datagram), sender,
+                              [this](const boost::system::error_code& error, std::size_t size) {
+                                  if (error == boost::asio::error::operation_aborted || !socket.is_open())
+                                      return;
+                                  if (!error)
+                                      Answer(size);
+                                  Receive();
+                              });
+}
+
+void DiscoveryResponder::Answer(std::size_t size) {
+    // A datagram that fills the buffer may have been cut; no question is that long.
+    if (size == datagram.size() || !IsQuestion(datagram.data(), size))
+        return;
+    const QByteArray answer =
+        QJsonDocument(identity.Members(AddressTowards(sender))).toJson(QJsonDocument::Compact);
+    boost::system::error_code lost; // as any datagram may be; the client asks again
+    socket.send_to(boost::asio::buffer(answer.constData(), static_cast<std::size_t>(answer.size())), sender,
+                   0, lost);
+}
+
+std::string DiscoveryResponder::AddressTowards(const udp::endpoint& client) const {
+    const address_v4 bound = socket.local_endpoint().address().to_v4();
+    if (!bound.is_unspecified())
+        return bound.to_string();
+    // A connected datagram socket sends nothing, but the system picks its own address for it.
+    boost::asio::io_context own;
+    udp::socket probe(own, udp::v4());
+    boost::system::error_code error;
+    probe.connect(client, error);
+    const udp::endpoint here = error ? socket.local_endpoint() : probe.local_endpoint(error);
+    return here.address().to_string();
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "ServerIdentity.h"
+
+#include <array>
+#include <string>
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/udp.hpp>
+
+/// Answers the discovery datagrams of clients; anything else that arrives is ignored.
+class DiscoveryResponder final {
+  public:
+    /// Starts listening. Bound to loopback, it hears loopback only; bound to any other address, it listens on
+    /// all, since a socket of one address hears no broadcasts.
+    /// @throws boost::system::system_error when the port cannot be had
+    DiscoveryResponder(boost::asio::io_context& io, const boost::asio::ip::address_v4& address,
+                       std::uint16_t port, const ServerIdentity& identity);
+
+    [[nodiscard]] boost::asio::ip::udp::endpoint Endpoint() const { return socket.local_endpoint(); }
+    void Close();
+
+    /// Whether a datagram asks servers to show themselves.
+    [[nodiscard]] static bool IsQuestion(const char* bytes, std::size_t size);
+
+  private:
+    void Receive();
+    void Answer(std::size_t size);
+    [[nodiscard]] std::string AddressTowards(const boost::asio::ip::udp::endpoint& client) const;
+
+    boost::asio::ip::udp::socket socket;
+    const ServerIdentity& identity;
+    boost::asio::ip::udp::endpoint sender;
+    std::array<char, 2048> datagram{};
+};

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "FaultPlan.h"
+#include "RequestMembers.h"
+#include "RequestReader.h"
+#include "Sensor.h"
+#include "TimedStream.h"
+
+#include <cstdint>
+#include <string>
+
+#include <boost/beast/core/flat_buffer.hpp>
+
+/// Serves one connection, request by request, in the thread that calls Run.
+class HttpSession final {
+  public:
+    explicit HttpSession(const Sensor& sensor) : sensor(sensor) {}
+
+    /// The connection; accepted into before Run is called.
+    TimedStream& Stream() { return stream; }
+
+    /// Serves until the client leaves, a deadline passes or the stream is stopped; never throws.
+    void Run() noexcept;
+
+  private:
+    enum class Action { Archive, Restore, ReadReplay, SetReplay, Info };
+
+    [[nodiscard]] bool ServeOne();
+    [[nodiscard]] bool Serve(RequestReader& request);
+    [[nodiscard]] static Action ActionFor(const std::string& verb, const std::string& path);
+    [[nodiscard]] std::uint64_t BodyLimit(Action action, const RequestReader& request) const;
+    [[nodiscard]] bool Answer(Action action, const RequestReader& request, const BodySpool& body);
+    [[nodiscard]] bool AnswerArchive(const RequestMembers& members, const RequestReader& request);
+    [[nodiscard]] std::string Carry(Action action, const RequestMembers& members,
+                                    const BodySpool& body) const;
+    [[nodiscard]] bool Refuse(const RequestReader& request, unsigned status, const std::string& text);
+    template<typename Write>
+    [[nodiscard]] bool Reply(const RequestReader& request, unsigned status, const Write& write);
+
+    const Sensor& sensor;
+    TimedStream stream;
+    boost::beast::flat_buffer buffer;
+    Fault fault;                ///< of the request being served
+    std::uint64_t bodySize = 0; ///< of the request being served, as far as it was read
+};

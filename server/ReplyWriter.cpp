@@ -1,0 +1,71 @@
+#include "ReplyWriter.h"
+
+#include "PlainText.h"
+
+#include <algorithm>
+#include <sstream>
+
+#include <boost/asio/buffer.hpp>
+#include <boost/asio/write.hpp>
+#include <boost/beast/http/message.hpp>
+#include <boost/beast/http/write.hpp>
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace http = boost::beast::http;
+
+ReplyWriter::ReplyWriter(TimedStream& stream, const Fault& fault, bool keepAlive)
+    : stream(stream), fault(fault), keepAlive(keepAlive) {
+}
+
+void ReplyWriter::Head(unsigned status, std::string_view contentType, std::uint64_t bodySize) {
+    http::response_header<> head;
+    head.version(11);
+    head.result(status);
+    if (http::int_to_status(status) == http::status::unknown)
+        head.reason("Unknown");
+    head.set(http::field::server, "ostra-server/" CORVANE_VERSION);
+    head.set(http::field::content_type, boost::beast::string_view(contentType.data(), contentType.size()));
+    head.set(http::field::content_length, std::to_string(bodySize));
+    head.set(http::field::connection, keepAlive ? "keep-alive" : "close");
+    std::ostringstream text;
+    text << head;
+    Write(text.str().data(), text.str().size());
+}
+
+bool ReplyWriter::Body(const char* bytes, std::size_t size) {
+    constexpr std::uint64_t kBetweenDamages = 1000;
+    if (fault.damage) {
+        damaged.assign(bytes, size);
+        for (std::uint64_t i = (kBetweenDamages - bodyWritten % kBetweenDamages) % kBetweenDamages; i < size;
+             i += kBetweenDamages)
+            damaged[static_cast<std::size_t>(i)] = static_cast<char>(~damaged[static_cast<std::size_t>(i)]);
+        bytes = damaged.data();
+    }
+    bodyWritten += size;
+    Write(bytes, size);
+    return !failed;
+}
+
+void ReplyWriter::Error(unsigned status, std::string_view text) {
+    const QJsonObject body{{QStringLiteral("error"), QString::fromStdString(PlainText(text))}};
+    Json(status, QJsonDocument(body).toJson(QJsonDocument::Compact).toStdString());
+}
+
+void ReplyWriter::Json(unsigned status, std::string_view body) {
+    Head(status, "application/json", body.size());
+    Body(body.data(), body.size());
+}
+
+void ReplyWriter::Write(const char* bytes, std::size_t size) {
+    if (failed)
+        return;
+    const bool cut = fault.cutAfter && size > *fault.cutAfter - written;
+    if (cut)
+        size = static_cast<std::size_t>(*fault.cutAfter - written);
+    boost::beast::error_code error;
+    boost::asio::write(stream, boost::asio::buffer(bytes, size), error);
+    written += size;
+    failed = cut || error;
+}

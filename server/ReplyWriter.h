@@ -1,0 +1,42 @@
+#pragma once
+
+#include "FaultPlan.h"
+#include "TimedStream.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// Writes one reply, with the fault that was asked for.
+class ReplyWriter final {
+  public:
+    /// @param keepAlive whether the connection is to serve further requests
+    ReplyWriter(TimedStream& stream, const Fault& fault, bool keepAlive);
+
+    /// Writes the head. @param bodySize bytes that Body will be given in all
+    void Head(unsigned status, std::string_view contentType, std::uint64_t bodySize);
+    /// Writes bytes of the body. @return false when the connection is no longer of use
+    bool Body(const char* bytes, std::size_t size);
+
+    /// A reply with an error text for people, made fit for them.
+    void Error(unsigned status, std::string_view text);
+    /// A reply with a JSON body.
+    void Json(unsigned status, std::string_view body);
+
+    /// The body did not become what the head promised: the connection cannot go on.
+    void Fail() { failed = true; }
+    /// Whether every byte went out.
+    [[nodiscard]] bool Complete() const { return !failed; }
+    [[nodiscard]] bool KeepsAlive() const { return keepAlive && !failed; }
+
+  private:
+    void Write(const char* bytes, std::size_t size);
+
+    TimedStream& stream;
+    Fault fault;
+    bool keepAlive;
+    bool failed = false;
+    std::uint64_t written = 0;
+    std::uint64_t bodyWritten = 0;
+    std::string damaged;
+};

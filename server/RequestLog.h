@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <mutex>
+#include <string>
+#include <string_view>
+
+/// Notes each request in one line, "verb path body-size status", flushed at once: written when the outcome is
+/// decided and before the reply goes out, so that whoever has the reply finds the line. Safe to use from
+/// several threads.
+class RequestLog final {
+  public:
+    /// @param path the file to append to; empty for standard output
+    /// @throws std::runtime_error when the file cannot be opened
+    explicit RequestLog(const std::string& path);
+    RequestLog(const RequestLog&) = delete;
+    RequestLog& operator=(const RequestLog&) = delete;
+    ~RequestLog();
+
+    /// @param verb,path as the client sent them, "-" where they never came; unprintable bytes are shown as
+    /// "?"
+    /// @param bodySize bytes of the body that were read
+    void Note(std::string_view verb, std::string_view path, std::uint64_t bodySize, unsigned status);
+
+  private:
+    std::mutex mutex;
+    std::FILE* file;
+};

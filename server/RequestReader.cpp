@@ -1,0 +1,93 @@
+#include "RequestReader.h"
+
+#include "RequestError.h"
+
+#include <limits>
+#include <vector>
+
+#include <boost/asio/buffer.hpp>
+#include <boost/asio/write.hpp>
+#include <boost/beast/http/error.hpp>
+#include <boost/beast/http/read.hpp>
+
+namespace http = boost::beast::http;
+using boost::beast::error_code;
+
+RequestReader::RequestReader(TimedStream& stream, boost::beast::flat_buffer& buffer, const Patience& patience)
+    : stream(stream), buffer(buffer), patience(patience) {
+    constexpr std::uint32_t kLongestHead = 8U * 1024U;
+    parser.header_limit(kLongestHead);
+    parser.body_limit(std::numeric_limits<std::uint64_t>::max()); // until the path tells the true one
+}
+
+bool RequestReader::ReadHead() {
+    stream.ExpireAfter(patience.head);
+    error_code error;
+    http::read_header(stream, buffer, parser, error);
+    if (!error)
+        return true;
+    if (!parser.got_some())
+        return false;
+    Fail(error);
+}
+
+std::string RequestReader::Verb() const {
+    const std::string verb = parser.get().method_string().to_string();
+    return verb.empty() ? "-" : verb;
+}
+
+std::string RequestReader::Path() const {
+    const std::string path = parser.get().target().to_string();
+    return path.empty() ? "-" : path;
+}
+
+std::string RequestReader::ContentType() const {
+    return parser.get()[http::field::content_type].to_string();
+}
+
+void RequestReader::ReadBody(BodySpool& spool, std::uint64_t limit) {
+    const auto declared = parser.content_length();
+    if (declared && *declared > limit)
+        throw RequestError(413, "The request is too large.");
+    parser.body_limit(limit);
+    if (parser.is_done())
+        return;
+    stream.ExpireAfter(patience.body);
+    Continue();
+    ReadChunks(spool);
+}
+
+void RequestReader::Continue() {
+    if (!boost::beast::iequals(parser.get()[http::field::expect], "100-continue"))
+        return;
+    constexpr const char* kContinue = "HTTP/1.1 100 Continue\r\n\r\n";
+    error_code error;
+    boost::asio::write(stream, boost::asio::buffer(kContinue, std::char_traits<char>::length(kContinue)),
+                       error);
+    if (error)
+        Fail(error);
+}
+
+void RequestReader::ReadChunks(BodySpool& spool) {
+    constexpr std::size_t kChunk = 256U * 1024U;
+    std::vector<char> chunk(kChunk);
+    while (!parser.is_done()) {
+        parser.get().body().data = chunk.data();
+        parser.get().body().size = chunk.size();
+        error_code error;
+        http::read(stream, buffer, parser, error);
+        if (error && error != http::error::need_buffer)
+            Fail(error);
+        spool.Append(chunk.data(), chunk.size() - parser.get().body().size);
+    }
+}
+
+void RequestReader::Fail(const error_code& error) const {
+    if (error == boost::beast::error::timeout)
+        throw RequestError(408, "The request did not arrive in time.");
+    if (error == http::error::body_limit)
+        throw RequestError(413, "The request is too large.");
+    if (error == http::error::partial_message || error == http::error::end_of_stream)
+        throw RequestError(400, "The request ended early.");
+    throw RequestError(400, "The request is malformed: " + error.message() + ".");
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include <QByteArray>
+#include <QJsonObject>
+
+/// Who this server is: the members of a discovery answer, which a client also reads when it connects.
+class ServerIdentity final {
+  public:
+    ServerIdentity(std::uint32_t serialNumber, std::string model, std::uint16_t controlPort);
+
+    [[nodiscard]] std::uint32_t SerialNumber() const { return serialNumber; }
+
+    /// @param address the dotted IPv4 address under which the asking client reaches this server
+    [[nodiscard]] QJsonObject Members(const std::string& address) const;
+
+  private:
+    std::uint32_t serialNumber;
+    std::string model;
+    std::uint16_t controlPort;
+};

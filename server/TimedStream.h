@@ -1,0 +1,90 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <optional>
+#include <string>
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <boost/beast/core/tcp_stream.hpp>
+
+/// A client's connection, read and written in plain sequence by one thread, with a deadline that no call
+/// outlives. Serves as Beast's synchronous stream.
+class TimedStream final {
+  public:
+    using Error = boost::beast::error_code;
+
+    /// The context that the connection's socket is made on; run by this object alone.
+    boost::asio::io_context& Context() { return io; }
+    void Accept(boost::asio::ip::tcp::socket socket);
+
+    /// From now on calls fail with beast::error::timeout once this time is over.
+    void ExpireAfter(std::chrono::milliseconds time);
+
+    template<typename Buffers>
+    std::size_t read_some(const Buffers& buffers, Error& error) {
+        return Await(error, [&](auto done) { stream->async_read_some(buffers, std::move(done)); });
+    }
+    template<typename Buffers>
+    std::size_t write_some(const Buffers& buffers, Error& error) {
+        return Await(error, [&](auto done) { stream->async_write_some(buffers, std::move(done)); });
+    }
+    template<typename Buffers>
+    std::size_t read_some(const Buffers& buffers) {
+        return Thrown([&](Error& error) { return read_some(buffers, error); });
+    }
+    template<typename Buffers>
+    std::size_t write_some(const Buffers& buffers) {
+        return Thrown([&](Error& error) { return write_some(buffers, error); });
+    }
+
+    /// Does nothing for a while. @return false when Stop ended it early
+    bool Pause(std::chrono::milliseconds time);
+
+    /// Closes so that the peer still gets what was sent: says that no more comes, then reads away what the
+    /// peer was still sending, for at most a second.
+    void CloseGently();
+    /// Closes at once.
+    void Close();
+
+    /// Makes the running call and every later one fail. The only operation for other threads.
+    void Stop();
+    [[nodiscard]] bool Stopped() const { return stopped; }
+
+    [[nodiscard]] std::string LocalAddress() const;
+
+  private:
+    template<typename Start>
+    std::size_t Await(Error& error, const Start& start) {
+        std::size_t count = 0;
+        bool complete = false;
+        error = boost::asio::error::operation_aborted;
+        io.restart();
+        if (stopped)
+            return 0;
+        start([&](const Error& outcome, std::size_t size) {
+            error = outcome;
+            count = size;
+            complete = true;
+        });
+        io.run();
+        if (!complete)
+            Abandon();
+        return count;
+    }
+    template<typename Call>
+    static std::size_t Thrown(const Call& call) {
+        Error error;
+        const std::size_t count = call(error);
+        if (error)
+            throw boost::system::system_error(error);
+        return count;
+    }
+    void Abandon();
+
+    boost::asio::io_context io{1};
+    boost::asio::steady_timer pause{io};
+    std::optional<boost::beast::tcp_stream> stream;
+    std::atomic<bool> stopped = false;
+};

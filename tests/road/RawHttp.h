@@ -1,0 +1,46 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+/// A connection on which a test writes requests byte by byte as it likes, and reads what comes back.
+class RawHttp {
+  public:
+    struct Reply {
+        unsigned status = 0;      ///< 0 when no whole head came
+        std::string head;         ///< status line and fields, with the empty line
+        std::string body;         ///< as far as it came
+        std::uint64_t length = 0; ///< what Content-Length says
+        [[nodiscard]] bool Whole() const { return status != 0 && body.size() == length; }
+    };
+
+    explicit RawHttp(std::uint16_t port);
+    RawHttp(const RawHttp&) = delete;
+    RawHttp& operator=(const RawHttp&) = delete;
+    ~RawHttp();
+
+    /// @return false when the server no longer takes bytes
+    bool Send(const std::string& bytes);
+    /// Says that no more comes from this side.
+    void EndSending();
+    /// Reads one reply; ends early when the server closes or stays silent for 30 s.
+    Reply Read();
+    /// Whether the server has closed the connection (waits up to 30 s for it).
+    bool Closed();
+
+    /// One request on a connection of its own.
+    static Reply Request(std::uint16_t port, const std::string& verb, const std::string& path,
+                         const std::string& body = {}, const std::string& type = "application/json");
+
+    /// The text of a request with a Content-Length that fits.
+    static std::string Text(const std::string& verb, const std::string& path, const std::string& body = {},
+                            const std::string& type = "application/json");
+
+  private:
+    /// @return false at the end of what comes
+    bool ReadMore();
+
+    int connection = -1;
+    std::string received;
+};

@@ -1,0 +1,156 @@
+#include "ServerTest.h"
+
+#include <regex>
+
+#include <gmock/gmock.h>
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace {
+
+QJsonObject JsonOf(const RawHttp::Reply& reply) {
+    EXPECT_THAT(reply.head, testing::HasSubstr("Content-Type: application/json\r\n"));
+    return QJsonDocument::fromJson(QByteArray::fromStdString(reply.body)).object();
+}
+
+bool ReplayOf(const OstraServerProcess& server) {
+    const RawHttp::Reply reply = RawHttp::Request(server.ControlPort(), "GET", kReplayPath);
+    EXPECT_EQ(reply.status, 200U);
+    const QJsonValue enabled = JsonOf(reply).value(QLatin1String("enabled"));
+    EXPECT_TRUE(enabled.isBool());
+    return enabled.toBool();
+}
+
+using ServerAnswers = ServerTest;
+
+TEST_F(ServerAnswers, InfoHasEveryKeyWithItsType) {
+    const OstraServerProcess server(Served(), {"--serial", "4294967295", "--model", "Line \"5\""});
+    const RawHttp::Reply reply = RawHttp::Request(server.ControlPort(), "GET", "/system/info");
+    EXPECT_EQ(reply.status, 200U);
+    const QJsonObject info = JsonOf(reply);
+    EXPECT_EQ(info.size(), 14);
+    EXPECT_EQ(info.value(QLatin1String("SerialNumber")).toDouble(), 4294967295.0);
+    EXPECT_EQ(info.value(QLatin1String("DeviceModel")).toString(), QLatin1String("Line \"5\""));
+    EXPECT_EQ(info.value(QLatin1String("ControlPort")).toInt(), server.ControlPort());
+    EXPECT_EQ(info.value(QLatin1String("Address")).toString(), QLatin1String("127.0.0.1"));
+    EXPECT_EQ(info.value(QLatin1String("Mask")).toString(), QLatin1String("255.0.0.0"));
+}
+
+TEST_F(ServerAnswers, ArchiveHoldsTheWorkspaceOnBothLevels) {
+    const OstraServerProcess server(Served(), {"--serial", "77"});
+    EXPECT_EQ(ServedTree(server), original);
+    EXPECT_THAT(FileContent(folder.Path("got/info.json")), testing::HasSubstr("\"serial\":\"77\""));
+    EXPECT_TRUE(Shell("tar -tf got.tar > names"));
+    EXPECT_EQ(FileContent(folder.Path("names")), "info.json\nworkspaces/\nworkspaces/Workspace.osws\n");
+}
+
+TEST_F(ServerAnswers, BsdTarReadsTheArchiveToo) {
+    const OstraServerProcess server(Served());
+    ServedTree(server);
+    EXPECT_TRUE(Shell("mkdir bsd && bsdtar -xf got/workspaces/Workspace.osws -C bsd"));
+    EXPECT_EQ(TreeOf(folder.Path("bsd")), original);
+}
+
+TEST_F(ServerAnswers, ArchiveKeepsLongNamesAndModificationTimes) {
+    const std::string longName = "vdk/ContourPath/" + std::string(200, 'n') + ".trk";
+    const std::string exactlyHundred = "vdk/" + std::string(96, 'h');
+    original[longName] = "long";
+    original[exactlyHundred] = "hundred";
+    original[exactlyHundred + "1"] = "more";
+    MakeTree(Served(), original);
+    EXPECT_TRUE(Shell("touch -d @1700000000 'station one/vdk/settings.json'"));
+    const OstraServerProcess server(Served());
+    EXPECT_EQ(ServedTree(server), original);
+    EXPECT_TRUE(Shell("test $(stat -c %Y got/in/vdk/settings.json) = 1700000000"));
+}
+
+TEST_F(ServerAnswers, ArchiveLeavesOutLinksAndOtherThings) {
+    EXPECT_TRUE(
+        Shell("ln -s /etc/passwd 'station one/vdk/ContourPath/link.trk'; ln -s /etc 'station one/etc'; "
+              "mkfifo 'station one/vdk/pipe'"));
+    const OstraServerProcess server(Served());
+    EXPECT_EQ(ServedTree(server), original);
+}
+
+TEST_F(ServerAnswers, ArchiveOfAnEmptyWorkspaceIsAnArchive) {
+    MakeTree(Served(), {});
+    const OstraServerProcess server(Served());
+    EXPECT_TRUE(ServedTree(server).empty());
+}
+
+TEST_F(ServerAnswers, ArchiveSeesWhatWasChangedOnTheDisk) {
+    const OstraServerProcess server(Served());
+    ServedTree(server);
+    MakeTree(Served(), changed);
+    EXPECT_EQ(ServedTree(server), changed);
+}
+
+TEST_F(ServerAnswers, ReplayModeIsReadAndSet) {
+    const OstraServerProcess server(Served());
+    EXPECT_FALSE(ReplayOf(server));
+    const RawHttp::Reply on =
+        RawHttp::Request(server.ControlPort(), "PUT", kReplayPath, "{\"enabled\": true}");
+    EXPECT_EQ(on.status, 200U);
+    EXPECT_EQ(on.body, "{}");
+    EXPECT_TRUE(ReplayOf(server));
+    EXPECT_EQ(RawHttp::Request(server.ControlPort(), "PUT", kReplayPath,
+                               "\xa1\x67"
+                               "enabled\xf4",
+                               "application/cbor")
+                  .status,
+              200U);
+    EXPECT_FALSE(ReplayOf(server));
+}
+
+TEST_F(ServerAnswers, ReplayModeStartsAsAsked) {
+    const OstraServerProcess server(Served(), {"--replay", "on"});
+    EXPECT_TRUE(ReplayOf(server));
+}
+
+TEST_F(ServerAnswers, OneConnectionServesManyRequests) {
+    const OstraServerProcess server(Served());
+    RawHttp http(server.ControlPort());
+    for (int round = 0; round < 3; ++round) {
+        http.Send(RawHttp::Text("GET", "/system/info"));
+        EXPECT_EQ(http.Read().status, 200U);
+        http.Send(RawHttp::Text("POST", kArchivePath, kArchiveBody));
+        EXPECT_TRUE(http.Read().Whole());
+    }
+    http.Send(RawHttp::Text("GET", kReplayPath) + RawHttp::Text("GET", kReplayPath));
+    EXPECT_EQ(http.Read().status, 200U);
+    EXPECT_EQ(http.Read().status, 200U);
+}
+
+TEST_F(ServerAnswers, ConnectionClosesWhenAskedTo) {
+    const OstraServerProcess server(Served());
+    RawHttp http(server.ControlPort());
+    http.Send("GET /system/info HTTP/1.1\r\nConnection: close\r\n\r\n");
+    EXPECT_EQ(http.Read().status, 200U);
+    EXPECT_TRUE(http.Closed());
+    RawHttp old(server.ControlPort());
+    old.Send("GET /system/info HTTP/1.0\r\n\r\n");
+    EXPECT_EQ(old.Read().status, 200U);
+    EXPECT_TRUE(old.Closed());
+}
+
+TEST_F(ServerAnswers, RequestsAreLoggedInTheirOrder) {
+    OstraServerProcess server(Served());
+    RawHttp::Request(server.ControlPort(), "GET", "/system/info");
+    RawHttp::Request(server.ControlPort(), "PUT", kReplayPath, "{\"enabled\": true}");
+    RawHttp::Request(server.ControlPort(), "GET", "/no%20such\x1b[31m");
+    Archive(server);
+    EXPECT_THAT(server.Requests(),
+                testing::ElementsAre("GET /system/info 0 200", "PUT /replay/playback 17 200", "- - 0 400",
+                                     "POST /system/commands/archive 32 200"));
+    EXPECT_EQ(server.Calls().back(), "POST /system/commands/archive");
+}
+
+TEST_F(ServerAnswers, LogGoesToTheNamedFile) {
+    const OstraServerProcess server(Served(), {"--log", folder.Path("requests.log")});
+    RawHttp::Request(server.ControlPort(), "GET", "/system/info");
+    EXPECT_EQ(FileContent(folder.Path("requests.log")), "GET /system/info 0 200\n");
+    EXPECT_TRUE(server.Requests().empty());
+}
+
+} // namespace
