@@ -1,12 +1,63 @@
 #include "Log.h"
+#include "VeApiLib.h"
+#include "bCdLib.h"
 #include "mainwindow.h"
 
 #include <QApplication>
 
-int main(int argc, char** argv) {
-    QApplication application(argc, argv);
+#include <cstdio>
+
+#include <windows.h>
+
+// Held until the process ends, and by nobody before.
+static HANDLE instanceMutex = nullptr;
+static std::FILE* logFile = nullptr;
+static const VeApiLib* apiLibrary = nullptr;
+static const bCdLib* deviceLibrary = nullptr;
+
+static bool AnotherCopyRuns() {
+    instanceMutex = CreateMutexW(nullptr, FALSE, L"corvane");
+    if (GetLastError() != ERROR_ALREADY_EXISTS)
+        return false;
+    CloseHandle(instanceMutex);
+    return true;
+}
+
+/// Empties the log: it tells of the current run only.
+static bool OpenLog() {
+    if (fopen_s(&logFile, "Corvane.log", "w+") != 0) {
+        LOG_LINE(ERROR) << "Failed to open the log file.";
+        return false;
+    }
+    Output2FILE::Target() = logFile;
+    return true;
+}
+
+/// A failure of the first library is not logged: an empty log tells it from one of the second.
+static bool StartLibraries() {
+    if (VeApiLib_Construct(&apiLibrary) != bOK)
+        return false;
+    const bStatus status = bCdLib_Construct(&deviceLibrary);
+    if (status == bOK)
+        return true;
+    LOG_LINE(ERROR) << "(" << status << ") Failed to construct the bCdLib.";
+    return false;
+}
+
+static int RunWindow() {
     MainWindow window;
     window.setWindowTitle(QStringLiteral("Corvane"));
     window.show();
     return QApplication::exec();
+}
+
+int main(int argc, char** argv) {
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, true); // icons are crisp on finer screens
+    const QApplication application(argc, argv);
+    if (AnotherCopyRuns())
+        return 0;
+    if (!OpenLog() || !StartLibraries())
+        return -1;
+    return RunWindow();
 }

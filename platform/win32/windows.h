@@ -11,9 +11,50 @@ using LCID = DWORD;
 using LPCSTR = const char*;
 using LPSTR = char*;
 
+using LPCWSTR = const wchar_t*;
+using BOOL = int;
+using HANDLE = void*;
+using errno_t = int;
+
+constexpr BOOL FALSE = 0;
+constexpr BOOL TRUE = 1;
+
+constexpr DWORD ERROR_SUCCESS = 0;
+constexpr DWORD ERROR_ACCESS_DENIED = 5;
+constexpr DWORD ERROR_INVALID_HANDLE = 6;
+constexpr DWORD ERROR_INVALID_PARAMETER = 87;
+constexpr DWORD ERROR_INVALID_NAME = 123;
+constexpr DWORD ERROR_ALREADY_EXISTS = 183;
+
 constexpr LCID LOCALE_USER_DEFAULT = 0x400;
 
 struct SYSTEMTIME;
+struct SECURITY_ATTRIBUTES;
+
+/// What the calling thread's last CreateMutexW or CloseHandle ended with.
+DWORD GetLastError();
+
+/// Makes the named mutex of this user, which exists from then on until its handle is closed or the process
+/// ends, however it ends: the kernel holds it. Of any number of callers at once, exactly one makes it; each
+/// of the others gets a handle, and ERROR_ALREADY_EXISTS from GetLastError.
+///
+/// It is a lock on the file NAME.lock in the user's runtime directory: XDG_RUNTIME_DIR, or else
+/// /run/user/UID, or else /tmp/corvane-UID, the first that is a directory of this user that nobody else may
+/// enter. The file is never removed, for a copy that starts meanwhile would lock another one.
+///
+/// Only null `security`, FALSE for `owned` and a name of up to 100 letters, digits, "-", "_" and "." that
+/// does not begin with a point are known here.
+/// @return null on failure: ERROR_INVALID_PARAMETER or ERROR_INVALID_NAME for other arguments;
+///         ERROR_ACCESS_DENIED when the system gives no such file or lock
+HANDLE CreateMutexW(const SECURITY_ATTRIBUTES* security, BOOL owned, LPCWSTR name);
+
+/// Gives the handle of a mutex back; the mutex ends with the handle that made it.
+/// @return FALSE, with ERROR_INVALID_HANDLE, for a null handle
+BOOL CloseHandle(HANDLE handle);
+
+/// Opens a file as std::fopen does; programs started from this one do not inherit it.
+/// @return 0; the value of errno on failure, when `*file` is null
+errno_t fopen_s(std::FILE** file, const char* name, const char* mode);
 
 /// Milliseconds since the system started, modulo 2^32. Never fails.
 DWORD GetTickCount();
