@@ -14,10 +14,11 @@ TrackByteReader::TrackByteReader(const std::string& path) {
     const std::uintmax_t found = std::filesystem::file_size(path, failure);
     if (failure)
         return;
-    size = static_cast<std::int64_t>(found);
     buffer.resize(kBufferSize);
     file.rdbuf()->pubsetbuf(buffer.data(), kBufferSize);
     file.open(path, std::ios::binary);
+    if (file.is_open())
+        size = static_cast<std::int64_t>(found);
 }
 
 void TrackByteReader::Read(void* bytes, std::size_t count) {

@@ -16,7 +16,7 @@ static_assert(std::endian::native == std::endian::little, "binary track files ar
 /// bytes that the file holds.
 class TrackByteReader {
   public:
-    /// Only regular files are opened; ask IsOpen.
+    /// Only regular files are opened; ask IsOpen. One that is not open has no bytes.
     explicit TrackByteReader(const std::string& path);
 
     [[nodiscard]] bool IsOpen() const { return file.is_open(); }

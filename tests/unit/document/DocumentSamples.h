@@ -1,0 +1,61 @@
+#pragma once
+
+#include "IndependentTrack.h"
+#include "TrackInfo.h"
+#include "TrackPath.h"
+#include "WorldTransform.h"
+
+#include <string>
+#include <vector>
+
+/// A small track of 5 x 3 cells, two of them without measurement, with its text side filled in as well; no
+/// paths.
+independent::Track SampleTrack();
+
+/// Two paths of three and one points, the first with ruler marks on both its segments. All numbers are exact
+/// with 6 significant digits.
+std::vector<TrackPath> SamplePaths();
+
+/// Factors that are all different, so that none can stand in for another.
+WorldTransform SampleTransform();
+
+/// The information that a converter is given for a track.
+TrackInfo InfoOf(const independent::Track& track);
+
+/// Puts the records of paths into a track, by the rule: one ruler a tick, one segment record a point.
+void SetRecords(independent::Track& track, const std::vector<TrackPath>& paths,
+                const WorldTransform& transform);
+
+/// The paths without what a file does not keep.
+std::vector<TrackPath> WithoutMarks(std::vector<TrackPath> paths);
+
+/// Whether points and parameters are equal and both are without ruler marks.
+void ExpectSamePaths(const std::vector<TrackPath>& actual, const std::vector<TrackPath>& expected);
+
+/// The names in the working folder, sorted.
+std::vector<std::string> NamesHere();
+
+/// Lets no file grow beyond a size while the object lives, as a full disk would: writes beyond it fail.
+class FileSizeLimit {
+  public:
+    explicit FileSizeLimit(unsigned long bytes);
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+    ~FileSizeLimit();
+
+  private:
+    unsigned long before = 0;
+};
+
+/// Makes the process an ordinary user while the object lives, when it runs as the one that may read and write
+/// every file. The working folder stays reachable, but is not this user's.
+class OrdinaryUser {
+  public:
+    OrdinaryUser();
+    OrdinaryUser(const OrdinaryUser&) = delete;
+    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+    ~OrdinaryUser();
+
+  private:
+    bool changed = false;
+};
