@@ -50,7 +50,7 @@ QImage BlackImage(const TrackInfo& info) {
     QImage image(info.width, info.height, QImage::Format_RGB888);
     if (image.isNull())
         throw std::bad_alloc();
-    image.fill(Qt::black);
+    std::fill_n(image.bits(), image.sizeInBytes(), std::uint8_t{0});
     return image;
 }
 

@@ -12,6 +12,13 @@
 /// value, and of that the low 32 bits.
 [[nodiscard]] std::int32_t ToInt32(std::string_view text);
 
+/// The most digits that a double holds exactly, whatever they are.
+constexpr int kExactDigits = 15;
+
+/// The powers of ten that scale so many digits, all of them exact.
+constexpr std::array<double, kExactDigits + 1> kPowersOfTen = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                               1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+
 /// A number as most fields hold one: an optional minus, digits, an optional point with digits.
 struct ShortDecimal {
     double value = 0.0;
@@ -23,9 +30,6 @@ struct ShortDecimal {
 /// exact as doubles, so one division rounds once and gives the nearest double, just as the general conversion
 /// does.
 inline ShortDecimal ReadShortDecimal(const char* begin, const char* end) {
-    constexpr int kExactDigits = 15;
-    constexpr std::array<double, kExactDigits + 1> kPowersOfTen = {
-        1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
     const char* at = begin;
     std::uint64_t digits = 0; // wraps around when there are too many, and is not used then
     const auto takeDigits = [&] {
