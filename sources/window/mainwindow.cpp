@@ -2,6 +2,8 @@
 
 #include "Exception.h"
 #include "Log.h"
+#include "WorkerThread.h"
+#include "WorkingFiles.h"
 #include "bStatus.h"
 #include "ui_mainwindow.h"
 
@@ -29,14 +31,20 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(std::make_uniq
     LOG_LINE(INFO) << "Starting Corvane.";
     RunSlot([this] { FillSourceList(); });
     ui->pushButton_sensor->setEnabled(ui->comboBox_sensor->count() > 0);
-    ShowSource();
+    ShowUploadTarget();
+    ShowConnection();
     RefreshTrackList();
     SetUpCanvas();
     SetUpSegmentControls();
     ShowHeights(0.0, 0.0);
+    SetUpWorker();
 }
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow() {
+    worker->finish();
+    LeaveServer();
+    RemoveWorkingFiles();
+}
 
 void MainWindow::SetUpCanvas() {
     ui->label_mask->setScaledContents(true);
@@ -70,10 +78,14 @@ void MainWindow::RunSlot(const std::function<void()>& body, const std::function<
     } catch (const Ve::Exception& failure) {
         if (onFailure)
             onFailure();
-        const std::string name = bStatus_Name(failure.Status());
-        LOG_LINE(ERROR) << "(" << name << ") " << failure.what();
-        ShowError(QString::fromStdString(name + " - " + failure.what()));
+        LogFailure(failure);
+        ShowError(
+            QString::fromStdString(std::string(bStatus_Name(failure.Status())) + " - " + failure.what()));
     }
+}
+
+void MainWindow::LogFailure(const Ve::Exception& failure) {
+    LOG_LINE(ERROR) << "(" << bStatus_Name(failure.Status()) << ") " << failure.what();
 }
 
 void MainWindow::ShowError(const QString& text) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Exception.h"
+#include "OstraSdkClient.h"
 #include "RulerOwner.h"
 #include "SegmentParameter.h"
 #include "TrackInfo.h"
@@ -11,6 +13,10 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
+
+class WaitingSpinnerWidget;
+class WorkerThread;
 
 namespace Ui {
 class MainWindow;
@@ -48,26 +54,47 @@ class MainWindow final : public QMainWindow, public RulerOwner {
     void on_lineEdit_lineLength_textChanged(const QString& text);
     void on_lineEdit_lineWidth_textChanged(const QString& text);
     void on_lineEdit_lineSpace_textChanged(const QString& text);
+    void on_pushButton_sensor_clicked();
     void on_comboBox_file_currentIndexChanged(const QString& text);
     void on_comboBox_operation_currentIndexChanged(const QString& text);
+    void on_toolButton_upload_clicked();
+    void on_toolButton_reset_clicked();
+    void slot_comboBox_sensor_currentIndexChanged(const QString& text);
+    void SlotProcessRestore(const Ve::Exception& result);
+    void SlotProcessBackup(const Ve::Exception& result);
 
   protected:
+    void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
   private:
     void SetUpCanvas();
     void SetUpSegmentControls();
+    void SetUpWorker();
 
     /// Runs a slot's body. A Ve::Exception from it is logged and shown, after `onFailure` has put things
     /// right; any other passes through.
     void RunSlot(const std::function<void()>& body, const std::function<void()>& onFailure = {});
+    static void LogFailure(const Ve::Exception& failure);
     /// The "Error" box; the text is shown as it stands.
     void ShowError(const QString& text);
 
+    /// Looks for servers, which takes up to a second.
     void FillSourceList();
-    /// Makes the tool tip and the button agree with the chosen source.
-    void ShowSource();
+    [[nodiscard]] bool SourceIsBackupFile() const;
     [[nodiscard]] bool SourceIsOpen() const;
+    /// Connected to a server whose workspace is in the working folders.
+    [[nodiscard]] bool ServerIsOpen() const;
+    void ShowUploadTarget();
+    void ShowConnection();
+    void ConnectServer();
+    void DisconnectServer();
+    void LoadBackup();
+    void SaveToBackupFile();
+    void SyncToServer();
+    void LeaveServer();
+    void CloseTrack();
+    void ShowStatusNow(const QString& text);
 
     void RefreshTrackList();
     /// @throws Ve::Exception; the track shown before stays as it was while the new one's head and height map
@@ -111,5 +138,10 @@ class MainWindow final : public QMainWindow, public RulerOwner {
     bool externalTrack = false; ///< the open track is not one of the workspace
     QStringList trackFiles;     ///< names in the workspace's track folder, as last listed
 
-    bool backupFileOpen = false; ///< the source is a backup file that is open
+    std::vector<OstraServerInfo> servers; ///< in the order of the source list
+    std::string backupFilePath;           ///< the backup in use
+    bool backupFileOpen = false;          ///< the source is a backup file that is open
+    OstraSdkClient client;                ///< not to be used while the spinner spins: the worker uses it then
+    std::unique_ptr<WorkerThread> worker;
+    WaitingSpinnerWidget* spinner = nullptr; ///< a child of the window
 };
