@@ -1,0 +1,135 @@
+#include "WindowTest.h"
+
+#include <QAbstractItemView>
+#include <QStatusBar>
+
+#include <stdexcept>
+
+namespace {
+
+constexpr int kSmallWidth = 40;
+constexpr int kSmallHeight = 20;
+
+} // namespace
+
+WindowTest::WindowTest() = default;
+
+WindowTest::~WindowTest() = default;
+
+void WindowTest::openWindow() {
+    window = std::make_unique<MainWindow>();
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+}
+
+void WindowTest::choose(const char* name, const std::string& text) {
+    auto& combo = find<QComboBox>(name);
+    const QString item = QString::fromStdString(text);
+    QTest::keyClick(&combo, Qt::Key_Space);
+    QAbstractItemView* const list = combo.view();
+    ASSERT_TRUE(QTest::qWaitFor([list] { return list->isVisible(); }));
+    QTest::keyClick(list, Qt::Key_Home);
+    for (int step = 0; step < combo.count() && list->currentIndex().data().toString() != item; ++step)
+        QTest::keyClick(list, Qt::Key_Down);
+    const bool reached = list->currentIndex().data().toString() == item;
+    QTest::keyClick(list, reached ? Qt::Key_Return : Qt::Key_Escape);
+}
+
+std::vector<std::string> WindowTest::items(const char* combo) {
+    const auto& box = find<QComboBox>(combo);
+    std::vector<std::string> found;
+    for (int index = 0; index < box.count(); ++index)
+        found.push_back(box.itemText(index).toStdString());
+    return found;
+}
+
+void WindowTest::click(const char* button) {
+    auto& widget = find<QWidget>(button);
+    QTest::mouseClick(&widget, Qt::LeftButton, Qt::NoModifier, QPoint(10, widget.height() / 2));
+}
+
+void WindowTest::type(const char* lineEdit, const std::string& text) {
+    auto& field = find<QLineEdit>(lineEdit);
+    QTest::mouseClick(&field, Qt::LeftButton);
+    QTest::keyClick(&field, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(&field, Qt::Key_Delete);
+    QTest::keyClicks(&field, QString::fromStdString(text));
+}
+
+void WindowTest::typeNumber(const char* spinBox, const std::string& digits) {
+    auto& box = find<QSpinBox>(spinBox);
+    box.setFocus();
+    box.selectAll();
+    QTest::keyClicks(&box, QString::fromStdString(digits));
+}
+
+void WindowTest::clickCanvas(double x, double y) {
+    QMaskWidget& target = canvas();
+    const QPoint place(qRound(x * target.width()), qRound(y * target.height()));
+    QTest::mouseMove(&target, place);
+    QTest::mouseClick(&target, Qt::LeftButton, Qt::NoModifier, place);
+}
+
+void WindowTest::drawPath(const std::vector<QPointF>& points) {
+    for (const QPointF& point : points)
+        clickCanvas(point.x(), point.y());
+    QMaskWidget& target = canvas();
+    const QPointF last = points.back();
+    QTest::mouseDClick(&target, Qt::LeftButton, Qt::NoModifier,
+                       QPoint(qRound(last.x() * target.width()), qRound(last.y() * target.height())));
+}
+
+std::string WindowTest::status() {
+    return find<QStatusBar>("statusBar").currentMessage().toStdString();
+}
+
+void WindowTest::loadExternal(const std::string& path) {
+    choose("comboBox_file", "External");
+    answers.typeFileName(QString::fromStdString(path));
+    operate("Load");
+}
+
+void WindowTest::operate(const std::string& operation) {
+    find<QComboBox>("comboBox_operation").setEnabled(true);
+    choose("comboBox_operation", operation);
+}
+
+void WindowTest::expectErrorBox(const std::string& text) {
+    const std::vector<SeenBox> boxes = answers.takeBoxes();
+    ASSERT_EQ(boxes.size(), 1U);
+    EXPECT_EQ(boxes[0].title.toStdString(), "Error");
+    EXPECT_EQ(boxes[0].shownText.toStdString(), text);
+    EXPECT_EQ(boxes[0].icon, QMessageBox::Critical);
+    EXPECT_EQ(boxes[0].buttons, QMessageBox::Ok);
+}
+
+independent::Track SmallTrack(const std::vector<independent::Segment>& segments) {
+    independent::Track track;
+    track.xResolution = 0.5;
+    track.yResolution = 0.25;
+    track.zResolution = 0.25;
+    track.xOffset = 10;
+    track.yOffset = 20;
+    track.width = kSmallWidth;
+    track.height = kSmallHeight;
+    for (int column = 0; column < kSmallWidth; ++column)
+        track.columnPositions.push_back(track.xOffset + column * track.xResolution);
+    for (int row = 0; row < kSmallHeight; ++row) {
+        track.rowPositions.push_back(track.yOffset + row * track.yResolution);
+        for (int column = 0; column < kSmallWidth; ++column) {
+            track.heights.emplace_back(column + row * track.zResolution);
+            track.cells.push_back(static_cast<std::int16_t>(4 * column + row));
+        }
+    }
+    track.segments = segments;
+    return track;
+}
+
+std::vector<independent::Segment> PathAcross(int path, int points, double y, int base) {
+    std::vector<independent::Segment> segments;
+    for (int point = 0; point < points; ++point) {
+        const double x = (point + 1.0) / (points + 1.0);
+        segments.push_back({path, point, 0, 0, x, y, 1, base + point, base + 10 + point, base + 20 + point});
+    }
+    return segments;
+}

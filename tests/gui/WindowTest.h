@@ -1,0 +1,80 @@
+#pragma once
+
+#include "DialogAnswers.h"
+#include "IndependentTrack.h"
+#include "LogCapture.h"
+#include "TemporaryFolder.h"
+#include "mainwindow.h"
+#include "qmaskwidget.h"
+
+#include <gmock/gmock.h>
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QSpinBox>
+#include <QTest>
+
+#include <memory>
+
+/// The real window in a working folder of its own, driven by mouse and keys.
+class WindowTest : public ::testing::Test {
+  protected:
+    WindowTest();
+    ~WindowTest() override;
+
+    /// Makes and shows the window; the size leaves the scroll area room.
+    void openWindow();
+    void closeWindow() { window.reset(); }
+
+    template<typename Widget>
+    Widget& find(const char* name) {
+        auto* const found = window->findChild<Widget*>(QString::fromLatin1(name));
+        if (found == nullptr)
+            throw std::runtime_error(std::string("no such widget: ") + name);
+        return *found;
+    }
+
+    QMaskWidget& canvas() { return find<QMaskWidget>("label_mask"); }
+    /// The canvas's state, open to the test.
+    const std::vector<TrackPath>& paths() { return canvas().paths(); }
+
+    /// Picks an item with the keyboard, as far as it can be picked.
+    void choose(const char* combo, const std::string& item);
+    std::vector<std::string> items(const char* combo);
+    void click(const char* button);
+    /// Replaces the text of a line edit, key by key.
+    void type(const char* lineEdit, const std::string& text);
+    /// Types a number into a spin box in place of the one it shows.
+    void typeNumber(const char* spinBox, const std::string& digits);
+    /// A left click on the canvas at a point normalised to it.
+    void clickCanvas(double x, double y);
+    /// Draws a path through points normalised to the canvas and closes it by a double click.
+    void drawPath(const std::vector<QPointF>& points);
+
+    std::string status();
+    std::string text(const char* widget) {
+        return find<QWidget>(widget).property("text").toString().toStdString();
+    }
+
+    /// Loads a track by "External" and the file dialog.
+    void loadExternal(const std::string& path);
+    /// Chooses an operation whatever the state of the source.
+    void operate(const std::string& operation);
+
+    /// That exactly one critical "Error" box with an Ok button showed this text, and clears the record.
+    void expectErrorBox(const std::string& text);
+    void expectNoBox() { EXPECT_TRUE(answers.takeBoxes().empty()); }
+
+    TemporaryFolder folder;
+    LogCapture log;
+    DialogAnswers answers;
+    std::unique_ptr<MainWindow> window;
+};
+
+/// A small track, 40 x 20 cells, whose heights rise to the right and downwards from 0, with these points of
+/// paths.
+independent::Track SmallTrack(const std::vector<independent::Segment>& segments = {});
+
+/// Points in a row across the canvas at height y, with parameters that tell them apart: length base + point,
+/// width base + 10 + point, space base + 20 + point.
+std::vector<independent::Segment> PathAcross(int path, int points, double y, int base);
