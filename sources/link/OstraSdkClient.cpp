@@ -17,6 +17,8 @@ constexpr std::int64_t kDiscoveryTimeout = 10000;
 constexpr std::int64_t kArchiveTimeout = 180000000;
 constexpr std::int64_t kReplayTimeout = 3000000;
 
+constexpr std::streamoff kLargestArchive = 4LL * 1024 * 1024 * 1024;
+
 constexpr const char* kAllWorkspaces = "{\"contents\" : [\"allWorkspaces\"]}";
 
 bIpAddress ParsedAddress(int line, const char* function, const char* text) {
@@ -56,12 +58,15 @@ void SendArchive(OstraSdk::VeRestClient& client, std::vector<std::uint8_t>&& arc
     client.Call("/system/commands/restore", body, OstraSdk::VeJson()).CheckResponse(kArchiveTimeout);
 }
 
-/// False when the file cannot be read whole, or is not the size that it was found to have.
+/// False when the file cannot be read whole, or is not the size that it was found to have. No archive is
+/// larger than what a request can carry.
 bool ReadWhole(std::ifstream& file, std::streamoff size, std::vector<std::uint8_t>& buffer) {
+    if (size > kLargestArchive)
+        return false;
     try {
         buffer.resize(static_cast<std::size_t>(size));
-    } catch (const std::exception&) {
-        return false; // no memory holds it
+    } catch (const std::bad_alloc&) {
+        return false;
     }
     file.seekg(0);
     file.read(reinterpret_cast<char*>(buffer.data()), size);
