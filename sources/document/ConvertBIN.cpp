@@ -103,18 +103,20 @@ std::int64_t MapSizeInFile(const TrackByteReader& bytes, const TrackInfo& info) 
     return size;
 }
 
-/// Hands the samples of the next `size` bytes to `take`, piece by piece.
+/// Large enough that the pieces go past the stream's own buffer, small enough to stay in the cache.
+constexpr std::int64_t kSamplesAtOnce = 64 * 1024;
+
+/// Hands the samples of the next `size` bytes to `take`, so many at a time.
 template<typename Take>
-void ReadInPieces(TrackByteReader& bytes, std::int64_t size, Take take) {
-    constexpr std::int64_t kSamplesAtOnce = 128 * 1024;
+void ReadInPieces(TrackByteReader& bytes, std::int64_t size, std::int64_t samplesAtOnce, Take take) {
     constexpr auto kSampleSize = static_cast<std::int64_t>(sizeof(std::int16_t));
-    std::vector<std::int16_t> piece(static_cast<std::size_t>(std::min(size / kSampleSize, kSamplesAtOnce)));
-    while (size > 0) {
-        const std::int64_t count = std::min(size / kSampleSize, kSamplesAtOnce);
-        const auto samples = std::span(piece).first(static_cast<std::size_t>(count));
+    std::int64_t left = size / kSampleSize;
+    std::vector<std::int16_t> piece(static_cast<std::size_t>(std::min(left, samplesAtOnce)));
+    while (left > 0) {
+        const auto samples = std::span(piece).first(static_cast<std::size_t>(std::min(left, samplesAtOnce)));
         bytes.Read(samples.data(), samples.size_bytes());
-        take(samples);
-        size -= count * kSampleSize;
+        take(std::span<const std::int16_t>(samples));
+        left -= static_cast<std::int64_t>(samples.size());
     }
 }
 
@@ -126,7 +128,7 @@ void ReadRange(TrackByteReader& bytes, TrackInfo& info) {
     const std::int64_t rowSize = RowSize(info);
     const std::int64_t mapSize = MapSize(info);
     const std::int64_t wholeRows = rowSize > 0 ? std::min(mapSize, bytes.Remaining()) / rowSize : 0;
-    ReadInPieces(bytes, wholeRows * rowSize,
+    ReadInPieces(bytes, wholeRows * rowSize, kSamplesAtOnce,
                  [&range](std::span<const std::int16_t> samples) { range.Add(samples); });
     info.minHeight = range.Lowest();
     info.maxHeight = range.Highest();
@@ -197,12 +199,15 @@ QImage ImageFor(const TrackInfo& info) {
     return image;
 }
 
-void PaintRows(TrackByteReader& bytes, const SampleRamp& ramp, QImage& image) {
-    std::vector<std::int16_t> row(static_cast<std::size_t>(image.width()));
-    for (int y = 0; y < image.height(); ++y) {
-        bytes.Read(row.data(), row.size() * sizeof(std::int16_t));
-        ramp.Paint(row, image.scanLine(y));
-    }
+/// Paints the whole map, reading as many rows at a time as make up a piece.
+void PaintRows(TrackByteReader& bytes, std::int64_t mapSize, const SampleRamp& ramp, QImage& image) {
+    const auto width = static_cast<std::size_t>(image.width());
+    const std::int64_t rowsAtOnce = std::max<std::int64_t>(1, kSamplesAtOnce / image.width());
+    int y = 0;
+    ReadInPieces(bytes, mapSize, rowsAtOnce * image.width(), [&](std::span<const std::int16_t> samples) {
+        for (; !samples.empty(); samples = samples.subspan(width))
+            ramp.Paint(samples.first(width), image.scanLine(y++));
+    });
 }
 
 int ReadInfoFrom(const std::string& path, TrackInfo& info) {
@@ -230,10 +235,11 @@ int ReadImageFrom(const std::string& path, const TrackInfo& info, const HeightRa
         LOG_LINE(ERROR) << "Invalid depth range for pixel retrieval from CSV";
         return 1;
     }
-    if (MapSizeInFile(bytes, info) == 0)
+    const std::int64_t mapSize = MapSizeInFile(bytes, info);
+    if (mapSize == 0)
         throw std::runtime_error("Height map without cells");
     QImage painted = ImageFor(info);
-    PaintRows(bytes, SampleRamp(ramp, {info.zResolution, info.zOffset}), painted);
+    PaintRows(bytes, mapSize, SampleRamp(ramp, {info.zResolution, info.zOffset}), painted);
     image = std::move(painted);
     return 0;
 }
@@ -304,9 +310,9 @@ int UpdatePathTo(const std::string& original, const std::string& target, const s
     ReadHeader(bytes, header);
     TrackByteWriter out(file);
     WriteHeader(out, {magic.data(), magic.size()}, header);
-    ReadInPieces(bytes, MapSizeInFile(bytes, header), [&out](std::span<const std::int16_t> samples) {
-        out.Write(samples.data(), samples.size_bytes());
-    });
+    ReadInPieces(
+        bytes, MapSizeInFile(bytes, header), kSamplesAtOnce,
+        [&out](std::span<const std::int16_t> samples) { out.Write(samples.data(), samples.size_bytes()); });
     CopyAnchor(bytes, out);
     WriteBinaryPathBlocks(out, paths, transform);
     return CommitTarget(file, target);

@@ -15,14 +15,14 @@ class SampleRamp {
     SampleRamp(const HeightRamp& ramp, const SampleScale& scale);
 
     /// Writes one pixel, three bytes in the order red, green, blue, for each sample; nothing beyond them.
-    void Paint(std::span<const std::int16_t> samples, std::uint8_t* pixels) const;
+    void Paint(std::span<const std::int16_t> samples, std::uint8_t* target) const;
 
   private:
-    /// Four bytes each, so that a pixel is moved as one number.
-    struct Entry {
-        HeightRamp::Colour colour{};
-        std::uint8_t unused = 0;
-    };
+    [[nodiscard]] std::uint32_t PixelOf(std::int16_t sample) const {
+        return pixels[static_cast<std::uint16_t>(sample)];
+    }
 
-    std::vector<Entry> entries; ///< indexed by the sample's bits, taken as an unsigned number
+    /// Red in the lowest byte, then green and blue; indexed by the sample's bits, taken as an unsigned
+    /// number.
+    std::vector<std::uint32_t> pixels;
 };

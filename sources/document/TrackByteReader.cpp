@@ -3,19 +3,11 @@
 #include <filesystem>
 #include <stdexcept>
 
-namespace {
-
-constexpr std::size_t kBufferSize = 256U * 1024U;
-
-} // namespace
-
 TrackByteReader::TrackByteReader(const std::string& path) {
     std::error_code failure;
     const std::uintmax_t found = std::filesystem::file_size(path, failure);
     if (failure)
         return;
-    buffer.resize(kBufferSize);
-    file.rdbuf()->pubsetbuf(buffer.data(), kBufferSize);
     file.open(path, std::ios::binary);
     if (file.is_open())
         size = static_cast<std::int64_t>(found);

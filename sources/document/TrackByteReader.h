@@ -8,7 +8,6 @@
 #include <fstream>
 #include <string>
 #include <type_traits>
-#include <vector>
 
 static_assert(std::endian::native == std::endian::little, "binary track files are little-endian");
 
@@ -42,7 +41,6 @@ class TrackByteReader {
   private:
     void RequireRemaining(std::int64_t count) const;
 
-    std::vector<char> buffer;
     std::ifstream file;
     std::int64_t size = 0;
     std::int64_t place = 0;
