@@ -1,0 +1,34 @@
+#include "SampleWorkspace.h"
+
+#include "TrackFileWriter.h"
+
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+namespace {
+
+void WriteText(const std::filesystem::path& path, const std::string& text) {
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    file << text;
+    file.close();
+    if (!file.good())
+        throw std::runtime_error("cannot write " + path.string());
+}
+
+} // namespace
+
+void WriteSampleWorkspace(const std::string& folder, std::uint32_t seed) {
+    const std::filesystem::path root = std::filesystem::path(folder) / "vdk";
+    const std::filesystem::path tracks = root / "ContourPath";
+    std::filesystem::create_directories(tracks);
+    std::filesystem::create_directories(root / "empty");
+    WriteText(root / "settings.json", "{\"version\": 1}\n");
+    WriteText(tracks / "notes.txt", "groove: housing, seam: cover\n");
+
+    const MachinedPart housing(MachinedPart::Kind::Groove, 300, 200, seed);
+    const MachinedPart cover(MachinedPart::Kind::Seam, 400, 300, seed + 1);
+    WriteTrackFile((tracks / "housing.trk").string(), housing, {TrackFormat::Text, true});
+    WriteTrackFile((tracks / "housing-blank.trk").string(), housing, {TrackFormat::Text, false});
+    WriteTrackFile((tracks / "cover.trk").string(), cover, {TrackFormat::Binary, true});
+}

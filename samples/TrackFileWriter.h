@@ -1,0 +1,19 @@
+#pragma once
+
+#include "MachinedPart.h"
+
+#include <string>
+#include <vector>
+
+enum class TrackFormat { Text, Binary };
+
+/// What a sample holds besides the part.
+struct SampleOptions {
+    TrackFormat format = TrackFormat::Text;
+    bool paths = true;
+};
+
+/// Writes the part as a track file, row by row. Both encodings of a part read back as the same raw height
+/// map. This writer is independent of the editor's own: it is made from the description of the format alone.
+/// @throw std::runtime_error when the file cannot be written whole; what was written is removed
+void WriteTrackFile(const std::string& path, const MachinedPart& part, const SampleOptions& options);
