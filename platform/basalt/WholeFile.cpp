@@ -60,7 +60,7 @@ bool SyncFolder(const std::string& path) {
 WholeFile::WholeFile(const std::string& path) : target(LinksFollowed(path)) {
     struct stat old {};
     const bool exists = stat(target.c_str(), &old) == 0;
-    if (exists && (!S_ISREG(old.st_mode) || access(target.c_str(), W_OK) != 0))
+    if (exists && (!S_ISREG(old.st_mode) || faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0))
         return;
     // A file that replaces another is private until it has the other's permissions.
     descriptor = CreateBeside(FolderOf(target), exists ? 0600 : 0666, beside);

@@ -53,10 +53,11 @@ bStatus TarReader::Open() {
     archive_read_set_read_callback(handle.get(), &TarReader::Fill);
     archive_read_set_skip_callback(handle.get(), &TarReader::Skip);
     archive_read_set_callback_data(handle.get(), this);
-    if (archive_read_support_format_tar(handle.get()) != ARCHIVE_OK ||
-        archive_read_open1(handle.get()) != ARCHIVE_OK)
-        return bERROR_FILE;
-    return bOK;
+    if (archive_read_support_format_tar(handle.get()) != ARCHIVE_OK)
+        return bERROR_MEMORY;
+    // This looks for the first header already. One that is no tar header is met again by BeginRead.
+    opened = archive_read_open1(handle.get()) == ARCHIVE_OK;
+    return fileFailed ? bERROR_FILE : bOK;
 }
 
 bStatus TarReader::BeginRead(char* name, std::size_t capacity, int* kind, std::int64_t* size) {
@@ -112,6 +113,8 @@ la_int64_t TarReader::Skip(archive* /*handle*/, void* reader, la_int64_t size) {
 }
 
 bStatus TarReader::NextHeader(archive_entry** entry) {
+    if (!opened)
+        return Damage();
     do {
         if (entries >= bTar_MOST_ENTRIES)
             return bERROR_LIMIT;
@@ -119,10 +122,16 @@ bStatus TarReader::NextHeader(archive_entry** entry) {
         const int result = archive_read_next_header(handle.get(), entry);
         if (result == ARCHIVE_EOF)
             return StatusOfTheEnd();
-        if (result < ARCHIVE_WARN)
+        if (result != ARCHIVE_OK && !OnlyTheNamesCharactersAreOdd(result))
             return Damage();
     } while (IsPassedOver(*entry));
     return bOK;
+}
+
+/// The warning that names beyond ASCII bring when they are read as bytes. Any other warning means that
+/// something in a header was ignored, perhaps the very record that has the entry's full name.
+bool TarReader::OnlyTheNamesCharactersAreOdd(int result) const {
+    return result == ARCHIVE_WARN && archive_errno(handle.get()) == EILSEQ;
 }
 
 /// An archive that just stops, cut between two entries, looks finished but for the missing end mark.

@@ -23,6 +23,7 @@ class TarReader final : public bTar {
     static la_int64_t Skip(archive* handle, void* reader, la_int64_t size);
 
     [[nodiscard]] bStatus NextHeader(archive_entry** entry);
+    [[nodiscard]] bool OnlyTheNamesCharactersAreOdd(int result) const;
     [[nodiscard]] bStatus StatusOfTheEnd() const;
     [[nodiscard]] bStatus Damage() const { return fileFailed ? bERROR_FILE : bERROR_FORMAT; }
     void Promise(std::int64_t size);
@@ -33,6 +34,7 @@ class TarReader final : public bTar {
     std::pmr::vector<char> buffer;
     std::int64_t archiveSize = 0;
     std::int64_t entries = 0;
+    bool opened = false;
     bool fileFailed = false;
 
     // The current entry.

@@ -1,0 +1,44 @@
+#include "TarName.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(TarName, isNarrowWhenItStaysInside) {
+    for (const char* const name : {"a", "a/b/c.trk", "./a", ".", "a/", "a//b", "...", "..a/b..", "a b",
+                                   "größe", "ab:c", "line\nfeed", "a\\b", ".hidden"})
+        EXPECT_TRUE(IsNarrowTarName(name)) << name;
+}
+
+TEST(TarName, isNotNarrowWhenItCouldLeaveTheFolderOnAnySystem) {
+    for (const char* const name : {"",      "/",        "/a",        "//a",  "..",    "../a",
+                                   "a/..",  "a/../b",   "a/../../b", "./..", "\\a",   "\\\\server\\share",
+                                   "..\\a", "a\\..\\b", "a/..\\b",   "C:",   "C:\\a", "C:a",
+                                   "c:/a",  "a\\.."})
+        EXPECT_FALSE(IsNarrowTarName(name)) << name;
+}
+
+TEST(TarName, isNarrowDownToADepth) {
+    std::string name;
+    for (std::size_t i = 0; i < kTarDeepest; ++i)
+        name += "a/";
+    EXPECT_TRUE(IsNarrowTarName(name));
+    EXPECT_FALSE(IsNarrowTarName(name + "b"));
+}
+
+TEST(TarName, hasTheirPartsWithoutEmptyOnesAndDots) {
+    EXPECT_THAT(TarNameParts("a/b.c/d"), ElementsAre("a", "b.c", "d"));
+    EXPECT_THAT(TarNameParts("./a//b/./"), ElementsAre("a", "b"));
+    EXPECT_THAT(TarNameParts("a\\b"), ElementsAre("a\\b"));
+    EXPECT_THAT(TarNameParts("./"), IsEmpty());
+    EXPECT_THAT(TarNameParts(""), IsEmpty());
+}
+
+TEST(TarName, showsControlCharactersInMessagesAsQuestionMarks) {
+    EXPECT_EQ(PrintableTarName("a\nb\x1b[2J\x7f\tö"), "a?b?[2J??ö");
+}
+
+} // namespace

@@ -1,0 +1,192 @@
+#include "bFile.h"
+
+#include "FailingAllocator.h"
+#include "OrdinaryUser.h"
+#include "TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <csignal>
+#include <filesystem>
+#include <set>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+namespace {
+
+bOwned<bFile> Open(const char* path, int mode, bStatus expected = bOK) {
+    bFile* file = nullptr;
+    EXPECT_EQ(bFile_Construct(&file, path, mode, bAlloc_Application()), expected) << path;
+    EXPECT_EQ(file != nullptr, expected == bOK);
+    return bOwned<bFile>(file);
+}
+
+TEST(File, existsOnlyWhenItIsARegularFile) {
+    const TemporaryFolder folder;
+    WriteFile("file", "abc");
+    std::filesystem::create_directory("folder");
+    EXPECT_NE(bFile_Exists("file"), 0);
+    EXPECT_EQ(bFile_Exists("folder"), 0);
+    EXPECT_EQ(bFile_Exists("missing"), 0);
+    EXPECT_EQ(bFile_Size("file"), 3);
+    EXPECT_EQ(bFile_Size("folder"), -1);
+    EXPECT_EQ(bFile_Size("missing"), -1);
+}
+
+TEST(File, isDeleted) {
+    const TemporaryFolder folder;
+    WriteFile("file", "abc");
+    std::filesystem::create_directory("folder");
+    EXPECT_EQ(bFile_Delete("file"), bOK);
+    EXPECT_FALSE(std::filesystem::exists("file"));
+    EXPECT_EQ(bFile_Delete("file"), bERROR_NOT_FOUND);
+    EXPECT_EQ(bFile_Delete("folder"), bERROR_NOT_FOUND);
+    EXPECT_TRUE(std::filesystem::exists("folder"));
+}
+
+TEST(File, isReadToItsEnd) {
+    const TemporaryFolder folder;
+    WriteFile("file", "abcdefgh");
+    const auto file = Open("file", bFile_READ);
+    std::array<char, 5> data{};
+    std::size_t count = 0;
+    EXPECT_EQ(file->Read(data.data(), data.size(), &count), bOK);
+    EXPECT_EQ(std::string(data.data(), count), "abcde");
+    EXPECT_EQ(file->Skip(1), 1);
+    EXPECT_EQ(file->Read(data.data(), data.size(), &count), bOK);
+    EXPECT_EQ(std::string(data.data(), count), "gh");
+    EXPECT_EQ(file->Read(data.data(), data.size(), &count), bOK);
+    EXPECT_EQ(count, 0U);
+}
+
+TEST(File, isNotSkippedBeyondItsEnd) {
+    const TemporaryFolder folder;
+    WriteFile("file", "abcdefgh");
+    const auto file = Open("file", bFile_READ);
+    EXPECT_EQ(file->Skip(3), 3);
+    EXPECT_EQ(file->Skip(1'000'000'000'000), 5);
+    EXPECT_EQ(file->Skip(1), 0);
+    EXPECT_EQ(file->Skip(-1), -1);
+}
+
+TEST(File, isOpenedForReadingOnlyWhenItIsRegular) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directory("folder");
+    ASSERT_EQ(mkfifo("fifo", 0600), 0);
+    Open("missing", bFile_READ, bERROR_NOT_FOUND);
+    Open("folder", bFile_READ, bERROR_FILE);
+    Open("fifo", bFile_READ, bERROR_FILE);
+    Open("/dev/zero", bFile_READ, bERROR_FILE);
+    Open("file", 3, bERROR_PARAMETER);
+}
+
+TEST(File, isNotOpenedAgainstItsPermissions) {
+    const TemporaryFolder folder;
+    const OrdinaryUser user(".");
+    ASSERT_TRUE(user.IsReady());
+    WriteFile("file", "abc");
+    ASSERT_EQ(chmod("file", 0), 0);
+    Open("file", bFile_READ, bERROR_FILE);
+    Open("file", bFile_WRITE, bERROR_FILE);
+}
+
+TEST(File, keepsItsOldContentUntilItIsCommitted) {
+    const TemporaryFolder folder;
+    WriteFile("file", "old");
+    {
+        const auto file = Open("file", bFile_WRITE);
+        EXPECT_EQ(bFile_SetWriteBuffer(file.get(), 65536), bOK);
+        EXPECT_EQ(file->Write("new", 3), bOK);
+        EXPECT_EQ(FileContent("file"), "old");
+    }
+    EXPECT_EQ(FileContent("file"), "old");
+    const auto file = Open("file", bFile_WRITE);
+    EXPECT_EQ(file->Write("new", 3), bOK);
+    EXPECT_EQ(bFile_Commit(file.get()), bOK);
+    EXPECT_EQ(FileContent("file"), "new");
+    EXPECT_EQ(file->Write("more", 4), bERROR_FILE);
+    EXPECT_EQ(bFile_Commit(file.get()), bERROR_FILE);
+}
+
+TEST(File, keepsTheOrderOfSmallAndLargeWritesThroughItsBuffer) {
+    const TemporaryFolder folder;
+    std::string expected;
+    const auto file = Open("file", bFile_WRITE);
+    ASSERT_EQ(bFile_SetWriteBuffer(file.get(), 1000), bOK);
+    for (const std::size_t size : {1U, 999U, 1U, 1000U, 500U, 501U, 5000U, 0U, 7U}) {
+        const std::string piece(size, static_cast<char>('a' + expected.size() % 26));
+        EXPECT_EQ(file->Write(piece.data(), piece.size()), bOK);
+        expected += piece;
+    }
+    ASSERT_EQ(bFile_Commit(file.get()), bOK);
+    EXPECT_EQ(FileContent("file"), expected);
+}
+
+TEST(File, doesNotReplaceTheOldContentWhenTheDiskIsFull) {
+    const TemporaryFolder folder;
+    WriteFile("file", "old");
+    std::signal(SIGXFSZ, SIG_IGN);
+    constexpr rlimit kRoom{100'000, 100'000};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &kRoom), 0);
+    const auto file = Open("file", bFile_WRITE);
+    ASSERT_EQ(bFile_SetWriteBuffer(file.get(), 65536), bOK);
+    const std::string data(60'000, 'x');
+    EXPECT_EQ(file->Write(data.data(), data.size()), bOK);
+    EXPECT_EQ(file->Write(data.data(), data.size()), bOK);
+    EXPECT_EQ(bFile_Commit(file.get()), bERROR_FILE);
+    EXPECT_EQ(FileContent("file"), "old");
+}
+
+TEST(File, reportsAFullDiskWhileItIsWritten) {
+    const TemporaryFolder folder;
+    std::signal(SIGXFSZ, SIG_IGN);
+    constexpr rlimit kRoom{100'000, 100'000};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &kRoom), 0);
+    const auto file = Open("file", bFile_WRITE);
+    const std::string data(200'000, 'x');
+    EXPECT_EQ(file->Write(data.data(), data.size()), bERROR_FILE);
+    EXPECT_EQ(file->Write("x", 1), bERROR_FILE);
+}
+
+TEST(File, saysWhenMemoryIsOut) {
+    const TemporaryFolder folder;
+    FailingAllocator none(1);
+    bFile* file = nullptr;
+    EXPECT_EQ(bFile_Construct(&file, "file", bFile_WRITE, &none), bERROR_MEMORY);
+    EXPECT_EQ(file, nullptr);
+    FailingAllocator one(2);
+    ASSERT_EQ(bFile_Construct(&file, "file", bFile_WRITE, &one), bOK);
+    EXPECT_EQ(bFile_SetWriteBuffer(file, 65536), bERROR_MEMORY);
+    EXPECT_EQ(bFile_SetWriteBuffer(file, SIZE_MAX), bERROR_MEMORY);
+    EXPECT_EQ(xbObject_DestroyImpl(file), bOK);
+    EXPECT_EQ(one.Living(), 0);
+    EXPECT_TRUE(std::filesystem::is_empty("."));
+}
+
+TEST(File, thatIsReadTakesNoWriteBuffer) {
+    const TemporaryFolder folder;
+    WriteFile("file", "abc");
+    const auto file = Open("file", bFile_READ);
+    EXPECT_EQ(bFile_SetWriteBuffer(file.get(), 10), bERROR_PARAMETER);
+    EXPECT_EQ(file->Write("x", 1), bERROR_FILE);
+    EXPECT_EQ(bFile_Commit(file.get()), bERROR_FILE);
+    EXPECT_EQ(FileContent("file"), "abc");
+}
+
+TEST(Status, everyStatusHasANameOfItsOwn) {
+    std::set<std::string> names;
+    const bStatus statuses[] = {
+        bOK,          bERROR_MEMORY, bERROR_PARAMETER,     bERROR_FORMAT, bERROR_END,     bERROR_TOO_LONG,
+        bERROR_LIMIT, bERROR_TRACK,  bERROR_NOT_CONNECTED, bERROR_FILE,   bERROR_REQUEST, bERROR_NOT_FOUND};
+    for (const bStatus status : statuses) {
+        names.insert(bStatus_Name(status));
+        EXPECT_EQ(std::string(bStatus_Name(status)).find("STATUS"), std::string::npos) << status;
+    }
+    EXPECT_EQ(names.size(), std::size(statuses));
+    EXPECT_STREQ(bStatus_Name(12345), "STATUS 12345");
+    EXPECT_STREQ(bStatus_Name(0), "STATUS 0");
+}
+
+} // namespace

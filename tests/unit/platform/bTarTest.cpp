@@ -1,0 +1,432 @@
+#include "bTar.h"
+
+#include "FailingAllocator.h"
+#include "FolderTree.h"
+#include "TarBlocks.h"
+#include "TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <array>
+#include <filesystem>
+#include <functional>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+bOwned<bFile> Open(const char* path, int mode) {
+    bFile* file = nullptr;
+    EXPECT_EQ(bFile_Construct(&file, path, mode, bAlloc_Application()), bOK) << path;
+    return bOwned<bFile>(file);
+}
+
+bOwned<bTar> OpenTar(const bOwned<bFile>& file, int mode) {
+    bTar* tar = nullptr;
+    EXPECT_EQ(bTar_Construct(&tar, file.get(), mode, bAlloc_Application()), bOK);
+    return bOwned<bTar>(tar);
+}
+
+/// What a reader says of an archive: an entry a line, its data after "=", and the status that ends it.
+std::vector<std::string> Read(const std::string& archive) {
+    WriteFile("read.tar", archive);
+    const auto file = Open("read.tar", bFile_READ);
+    const auto tar = OpenTar(file, bFile_READ);
+    std::vector<std::string> lines;
+    std::array<char, bTar_NAME_SIZE> name{};
+    int kind = 0;
+    std::int64_t size = 0;
+    bStatus status = bOK;
+    while ((status = bTar_BeginRead(tar.get(), name.data(), name.size(), &kind, &size)) == bOK) {
+        std::string line = std::string(name.data()) + (kind == bTar_DIRECTORY ? "/" : "=");
+        std::string_view block;
+        bStatus read = bOK;
+        while ((read = bTar_ReadBlock(tar.get(), &block)) == bOK)
+            line += block;
+        lines.push_back(read == bERROR_END ? line : line + "!" + std::to_string(read));
+    }
+    lines.push_back(std::to_string(status));
+    return lines;
+}
+
+const std::string kRegularEnd = std::to_string(bERROR_END);
+const std::string kDamaged = std::to_string(bERROR_FORMAT);
+
+/// Writes an archive by `fill` and gives its bytes; the status of its end must be `expected`.
+std::string Written(const std::function<void(bTar*)>& fill, bStatus expected = bOK) {
+    {
+        const auto file = Open("written.tar", bFile_WRITE);
+        auto tar = OpenTar(file, bFile_WRITE);
+        fill(tar.get());
+        EXPECT_EQ(xbObject_DestroyImpl(tar.release()), expected);
+        EXPECT_EQ(bFile_Commit(file.get()), bOK);
+    }
+    return FileContent("written.tar");
+}
+
+bStatus Add(bTar* tar, const std::string& name, const std::string& content) {
+    WriteFile("content", content);
+    const auto file = Open("content", bFile_READ);
+    return xbTar_WriteFile(tar, name.c_str(), file.get(), static_cast<std::int64_t>(content.size()));
+}
+
+TEST(Tar, withoutEntriesIsItsEndMarkAlone) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(Written([](bTar*) {}), TarEnd());
+}
+
+TEST(Tar, isWrittenAsUstarWithOwnerZero) {
+    const TemporaryFolder folder;
+    const std::string archive = Written([](bTar* tar) {
+        EXPECT_EQ(bTar_BeginWrite(tar, "a", bTar_DIRECTORY, 0), bOK);
+        EXPECT_EQ(Add(tar, "a/b.trk", "content"), bOK);
+    });
+    ASSERT_EQ(archive.size(), 512U * 5);
+    EXPECT_EQ(archive.substr(257, 8), std::string("ustar\0"
+                                                  "00",
+                                                  8));
+    EXPECT_EQ(archive[156], '5');
+    EXPECT_EQ(archive.substr(0, 3), std::string("a/\0", 3));
+    const std::string header = archive.substr(512, 512);
+    EXPECT_EQ(header.substr(0, 8), std::string("a/b.trk\0", 8));
+    EXPECT_EQ(header[156], '0');
+    EXPECT_EQ(std::stoul(header.substr(108, 8), nullptr, 8), 0U);
+    EXPECT_EQ(std::stoul(header.substr(116, 8), nullptr, 8), 0U);
+    EXPECT_EQ(header[265], '\0');
+    EXPECT_EQ(header[297], '\0');
+    EXPECT_EQ(std::stoul(header.substr(124, 12), nullptr, 8), 7U);
+    EXPECT_EQ(archive.substr(1024, 8), std::string("content\0", 8));
+    EXPECT_EQ(archive.substr(1536), TarEnd());
+}
+
+TEST(Tar, keepsAFilesTimeAndItsPermissionsWithin0777) {
+    const TemporaryFolder folder;
+    const std::string archive = Written([](bTar* tar) {
+        WriteFile("content", "x");
+        EXPECT_EQ(chmod("content", 04750), 0);
+        const timespec times[2] = {{1'600'000'000, 0}, {1'600'000'000, 123'456'789}};
+        EXPECT_EQ(utimensat(AT_FDCWD, "content", times, 0), 0);
+        const auto file = Open("content", bFile_READ);
+        EXPECT_EQ(xbTar_WriteFile(tar, "a", file.get(), 1), bOK);
+    });
+    EXPECT_EQ(std::stoul(archive.substr(100, 8), nullptr, 8), 0750U);
+    EXPECT_EQ(std::stoul(archive.substr(136, 12), nullptr, 8), 1'600'000'000U);
+}
+
+TEST(Tar, givesTheSameBytesForTheSameContent) {
+    const TemporaryFolder folder;
+    const auto fill = [](bTar* tar) {
+        EXPECT_EQ(bTar_BeginWrite(tar, "größe", bTar_DIRECTORY, 0), bOK);
+        EXPECT_EQ(bTar_BeginWrite(tar, std::string(150, 'n').c_str(), bTar_FILE, 0), bOK);
+    };
+    const std::string first = Written(fill);
+    EXPECT_EQ(Written(fill), first);
+}
+
+TEST(Tar, writesPaxHeadersOnlyWhereTheyAreNeeded) {
+    const TemporaryFolder folder;
+    const std::string plain =
+        Written([](bTar* tar) { EXPECT_EQ(bTar_BeginWrite(tar, "plain", bTar_FILE, 0), bOK); });
+    EXPECT_EQ(plain[156], '0');
+    for (const std::string& name : {std::string(300, 'n'), std::string("größe")}) {
+        const std::string archive =
+            Written([&](bTar* tar) { EXPECT_EQ(bTar_BeginWrite(tar, name.c_str(), bTar_FILE, 0), bOK); });
+        EXPECT_EQ(archive[156], 'x');
+        EXPECT_THAT(archive, HasSubstr(PaxRecord("path", name)));
+        EXPECT_THAT(Read(archive), ElementsAre(name + "=", kRegularEnd));
+    }
+}
+
+TEST(Tar, givesASizeBeyondUstarAPaxHeader) {
+    const TemporaryFolder folder;
+    WriteFile("large", "");
+    static constexpr std::int64_t kSize = 9LL << 30;
+    std::filesystem::resize_file("large", kSize);
+    const std::string archive = Written(
+        [](bTar* tar) {
+            const auto file = Open("large", bFile_READ);
+            EXPECT_EQ(file->Skip(kSize), kSize); // its data is of no interest, and nine gigabytes long
+            EXPECT_EQ(xbTar_WriteFile(tar, "large", file.get(), kSize), bERROR_FILE);
+        },
+        bERROR_FILE);
+    EXPECT_THAT(archive, HasSubstr(PaxRecord("size", "9663676416")));
+}
+
+TEST(Tar, refusesAFileOfAnotherSizeThanTold) {
+    const TemporaryFolder folder;
+    for (const std::int64_t told : {0, 6, 8, -1}) {
+        const std::string archive = Written([&](bTar* tar) {
+            WriteFile("content", "1234567");
+            const auto file = Open("content", bFile_READ);
+            EXPECT_EQ(xbTar_WriteFile(tar, "a", file.get(), told), bERROR_FILE) << told;
+        });
+        EXPECT_EQ(archive, TarEnd());
+    }
+}
+
+TEST(Tar, refusesAFileThatGrewAfterItWasOpened) {
+    const TemporaryFolder folder;
+    Written([](bTar* tar) {
+        WriteFile("content", "1234567");
+        const auto file = Open("content", bFile_READ);
+        WriteFile("content", "12345678");
+        EXPECT_EQ(xbTar_WriteFile(tar, "a", file.get(), 7), bERROR_FILE);
+    });
+}
+
+TEST(Tar, cannotBeFinishedAfterAnEntryThatIsNotWhole) {
+    const TemporaryFolder folder;
+    const std::string archive = Written(
+        [](bTar* tar) {
+            WriteFile("content", std::string(2000, 'x'));
+            const auto file = Open("content", bFile_READ);
+            EXPECT_EQ(file->Skip(1000), 1000); // so that the data ends before the size does
+            EXPECT_EQ(xbTar_WriteFile(tar, "a", file.get(), 2000), bERROR_FILE);
+            EXPECT_EQ(bTar_BeginWrite(tar, "b", bTar_DIRECTORY, 0), bERROR_FILE);
+        },
+        bERROR_FILE);
+    EXPECT_THAT(Read(archive), testing::Contains(testing::StartsWith("a=")));
+    EXPECT_LE(archive.size(), 512U + 2000U);
+}
+
+TEST(Tar, writesNoNameThatItsReadersRefuse) {
+    const TemporaryFolder folder;
+    const std::string archive = Written([](bTar* tar) {
+        for (const char* const name : {"", "/a", "../a", "a/..", "C:a", "a\\..\\b"}) {
+            EXPECT_EQ(bTar_BeginWrite(tar, name, bTar_DIRECTORY, 0), bERROR_PARAMETER) << name;
+            EXPECT_EQ(Add(tar, name, "x"), bERROR_PARAMETER) << name;
+        }
+        EXPECT_EQ(bTar_BeginWrite(tar, nullptr, bTar_DIRECTORY, 0), bERROR_PARAMETER);
+        EXPECT_EQ(bTar_BeginWrite(tar, "a", 2, 0), bERROR_PARAMETER);
+        EXPECT_EQ(bTar_BeginWrite(tar, "a", bTar_FILE, 1), bERROR_PARAMETER);
+        EXPECT_EQ(bTar_BeginWrite(tar, std::string(512, 'n').c_str(), bTar_DIRECTORY, 0), bERROR_TOO_LONG);
+    });
+    EXPECT_EQ(archive, TarEnd());
+}
+
+TEST(Tar, holdsNamesOfUpTo511Characters) {
+    const TemporaryFolder folder;
+    const std::string name(511, 'n');
+    const std::string archive =
+        Written([&](bTar* tar) { EXPECT_EQ(bTar_BeginWrite(tar, name.c_str(), bTar_FILE, 0), bOK); });
+    EXPECT_THAT(Read(archive), ElementsAre(name + "=", kRegularEnd));
+}
+
+TEST(Tar, saysWhenANameHasNoRoomAndHandsOutNoOtherName) {
+    const TemporaryFolder folder;
+    for (const std::string& before :
+         {TarGnuLongName(std::string(512, 'n')), TarPax(PaxRecord("path", std::string(512, 'n')))})
+        EXPECT_THAT(Read(before + TarFile("short", "x") + TarEnd()),
+                    ElementsAre(std::to_string(bERROR_TOO_LONG)));
+}
+
+TEST(Tar, readsUstarPaxAndGnuNames) {
+    const TemporaryFolder folder;
+    TarBlockEntry prefixed;
+    prefixed.name = "name";
+    prefixed.prefix = "pre/fix";
+    const std::string archive = TarFolder("folder/") + TarFile("folder/file", "data") + TarBlocks(prefixed) +
+                                TarPax(PaxRecord("path", "größe/ünd")) + TarFile("short", "pax") +
+                                TarGnuLongName(std::string(200, 'g')) + TarFile("short", "gnu") + TarEnd();
+    EXPECT_THAT(Read(archive), ElementsAre("folder/", "folder/file=data", "pre/fix/name=", "größe/ünd=pax",
+                                           std::string(200, 'g') + "=gnu", kRegularEnd));
+}
+
+TEST(Tar, keepsTheBytesOfNames) {
+    const TemporaryFolder folder;
+    const std::string decomposed = "u\xcc\x88.trk";
+    const std::string latin = "gr\xf6\xdf"
+                              "e";
+    EXPECT_THAT(Read(TarFile(decomposed, "1") + TarFile(latin, "2") + TarPax(PaxRecord("path", decomposed)) +
+                     TarFile("short", "3") + TarPax(PaxRecord("path", latin)) + TarFile("short", "4") +
+                     TarEnd()),
+                ElementsAre(decomposed + "=1", latin + "=2", decomposed + "=3", latin + "=4", kRegularEnd));
+    for (const std::string& name : {decomposed, latin})
+        EXPECT_THAT(Read(Written([&](bTar* tar) { EXPECT_EQ(Add(tar, name, "x"), bOK); })),
+                    ElementsAre(name + "=x", kRegularEnd));
+}
+
+TEST(Tar, passesOverWhatIsNeitherFileNorDirectory) {
+    const TemporaryFolder folder;
+    std::string archive = TarFile("first", "1");
+    archive += TarLink("symbolic", '2', "/etc/passwd") + TarLink("hard", '1', "first");
+    for (const char type : {'3', '4', '6'})
+        archive += TarLink("device", type, "");
+    archive += TarPax(PaxRecord("linkpath", "/etc/passwd")) + TarLink("pax link", '2', "short");
+    archive += TarFile("last", "2") + TarEnd();
+    EXPECT_THAT(Read(archive), ElementsAre("first=1", "last=2", kRegularEnd));
+}
+
+TEST(Tar, takesAnOldDirectoryMarkedOnlyByItsName) {
+    const TemporaryFolder folder;
+    EXPECT_THAT(Read(TarFile("folder/", "") + TarEnd()), ElementsAre("folder/", kRegularEnd));
+    EXPECT_THAT(Read(TarFile("file/", "x") + TarEnd()), ElementsAre("file/", kDamaged));
+}
+
+TEST(Tar, endsRegularlyOnlyWithItsEndMark) {
+    const TemporaryFolder folder;
+    const std::string entry = TarFile("a", "x");
+    EXPECT_THAT(Read(entry + TarEnd()), ElementsAre("a=x", kRegularEnd));
+    EXPECT_THAT(Read(entry + TarEnd() + std::string(8192, '\0')), ElementsAre("a=x", kRegularEnd));
+    EXPECT_THAT(Read(TarEnd()), ElementsAre(kRegularEnd));
+    EXPECT_THAT(Read(entry), ElementsAre("a=x", kDamaged));
+    EXPECT_THAT(Read(entry + TarEnd().substr(512)), ElementsAre("a=x", kDamaged));
+    EXPECT_THAT(Read(TarEnd().substr(512)), ElementsAre(kDamaged));
+    EXPECT_THAT(Read(""), ElementsAre(kDamaged));
+}
+
+TEST(Tar, endsAtDamage) {
+    const TemporaryFolder folder;
+    TarBlockEntry spoilt;
+    spoilt.name = "b";
+    spoilt.spoiltChecksum = true;
+    EXPECT_THAT(Read(TarFile("a", "x") + TarBlocks(spoilt) + TarFile("c", "x") + TarEnd()),
+                ElementsAre("a=x", kDamaged));
+    EXPECT_THAT(Read(TarFile("a", "x") + std::string(512, '#') + TarEnd()), ElementsAre("a=x", kDamaged));
+    EXPECT_THAT(Read(TarFile("a", "x") + std::string(100, '\0')), ElementsAre("a=x", kDamaged));
+    EXPECT_THAT(Read(std::string(5000, '#')), ElementsAre(kDamaged));
+}
+
+TEST(Tar, endsAtALyingPaxRecordInsteadOfTakingTheShortName) {
+    const TemporaryFolder folder;
+    for (const std::string& records : {PaxRecord("path", "long.trk", 90), PaxRecord("path", "long.trk", -5),
+                                       std::string("path=long.trk\n"), std::string("0 path=long.trk\n"),
+                                       std::string("99999999999999999999999 path=x\n"),
+                                       PaxRecord("size", "-9"), std::string("16 path=long.trk")})
+        EXPECT_THAT(Read(TarPax(records) + TarFile("short.trk", "x") + TarEnd()), ElementsAre(kDamaged))
+            << records;
+}
+
+TEST(Tar, refusesASizeThatItCannotHold) {
+    const TemporaryFolder folder;
+    for (const long long size : {2000LL, 10LL << 30, 0x7FFFFFFFFFFFFFFELL}) {
+        TarBlockEntry entry;
+        entry.name = "a";
+        entry.content = "x";
+        entry.size = size;
+        EXPECT_EQ(Read(TarBlocks(entry) + TarEnd()).front(), "a=!" + kDamaged) << size;
+    }
+}
+
+TEST(Tar, refusesMoreBytesInAllThanItCanHold) {
+    const TemporaryFolder folder;
+    // Sparse files of a hole each: every one alone would fit, all together would not.
+    std::string archive;
+    for (int i = 0; i < 10; ++i)
+        archive += TarPax(PaxRecord("GNU.sparse.name", "hole" + std::to_string(i)) +
+                          PaxRecord("GNU.sparse.size", "4000") + PaxRecord("GNU.sparse.map", "4000,0")) +
+                   TarFile("short", "");
+    archive += TarEnd();
+    const std::vector<std::string> lines = Read(archive);
+    ASSERT_EQ(lines.size(), 11U);
+    EXPECT_EQ(lines[0], "hole0=" + std::string(4000, '\0'));
+    EXPECT_EQ(lines[8], "hole8=!" + kDamaged);
+    EXPECT_EQ(lines[10], kRegularEnd);
+}
+
+TEST(Tar, refusesAHoleOfTerabytes) {
+    const TemporaryFolder folder;
+    EXPECT_THAT(
+        Read(TarPax(PaxRecord("GNU.sparse.name", "hole") + PaxRecord("GNU.sparse.size", "4398046511104") +
+                    PaxRecord("GNU.sparse.map", "4398046511103,1")) +
+             TarFile("short", "x") + TarEnd()),
+        ElementsAre("hole=!" + kDamaged, kRegularEnd));
+}
+
+TEST(Tar, cutAtEveryBlockNeverEndsRegularlyAndNeverGivesHalfAFile) {
+    const TemporaryFolder folder;
+    const std::string archive = TarFolder("a") + TarFile("a/one", std::string(1500, '1')) +
+                                TarPax(PaxRecord("path", "a/zwö")) + TarFile("s", std::string(512, '\0')) +
+                                TarFile("a/three", "") + TarEnd();
+    const std::vector<std::string> whole = Read(archive);
+    ASSERT_EQ(whole.back(), kRegularEnd);
+    for (std::size_t length = 0; length < archive.size(); length += 256) {
+        std::vector<std::string> lines = Read(archive.substr(0, length));
+        EXPECT_NE(lines.back(), kRegularEnd) << length;
+        lines.pop_back();
+        for (std::size_t i = 0; i < lines.size(); ++i)
+            EXPECT_TRUE(lines[i] == whole.at(i) || lines[i].ends_with("!" + kDamaged)) << length;
+    }
+}
+
+TEST(Tar, isNoOtherFormatAndNotCompressed) {
+    const TemporaryFolder folder;
+    WriteFile("content", "x");
+    for (const char* const tool :
+         {"bsdtar --format=zip -cf other content", "bsdtar --format=cpio -cf other content",
+          "bsdtar --format=mtree -cf other content", "bsdtar --format=7zip -cf other content",
+          "tar -czf other content", "bsdtar -cJf other content"}) {
+        ASSERT_EQ(RunTool(tool), "");
+        EXPECT_THAT(Read(FileContent("other")), ElementsAre(kDamaged)) << tool;
+    }
+}
+
+TEST(Tar, hidesNoPermissionsBeyond0777) {
+    const TemporaryFolder folder;
+    TarBlockEntry entry;
+    entry.name = "a";
+    entry.mode = 07755;
+    WriteFile("read.tar", TarBlocks(entry) + TarEnd());
+    const auto file = Open("read.tar", bFile_READ);
+    const auto tar = OpenTar(file, bFile_READ);
+    char name[bTar_NAME_SIZE];
+    int kind = 0;
+    std::int64_t size = 0;
+    ASSERT_EQ(bTar_BeginRead(tar.get(), name, sizeof name, &kind, &size), bOK);
+    EXPECT_EQ(bTar_Permissions(tar.get()), 0755U);
+}
+
+TEST(Tar, passesOverDataThatIsNotRead) {
+    const TemporaryFolder folder;
+    WriteFile("read.tar", TarFile("a", std::string(700'000, 'a')) + TarFile("b", "b") + TarEnd());
+    const auto file = Open("read.tar", bFile_READ);
+    const auto tar = OpenTar(file, bFile_READ);
+    char name[bTar_NAME_SIZE];
+    int kind = 0;
+    std::int64_t size = 0;
+    ASSERT_EQ(bTar_BeginRead(tar.get(), name, sizeof name, &kind, &size), bOK);
+    EXPECT_EQ(size, 700'000);
+    ASSERT_EQ(bTar_BeginRead(tar.get(), name, sizeof name, &kind, &size), bOK);
+    EXPECT_STREQ(name, "b");
+    EXPECT_EQ(bTar_BeginRead(tar.get(), name, sizeof name, &kind, &size), bERROR_END);
+}
+
+TEST(Tar, isNotConstructedWithoutFileModeOrMemory) {
+    const TemporaryFolder folder;
+    WriteFile("read.tar", TarEnd());
+    const auto file = Open("read.tar", bFile_READ);
+    bTar* tar = nullptr;
+    EXPECT_EQ(bTar_Construct(&tar, nullptr, bFile_READ, bAlloc_Application()), bERROR_PARAMETER);
+    EXPECT_EQ(bTar_Construct(&tar, file.get(), 3, bAlloc_Application()), bERROR_PARAMETER);
+    EXPECT_EQ(bTar_Construct(nullptr, file.get(), bFile_READ, bAlloc_Application()), bERROR_PARAMETER);
+    for (const int failing : {1, 2}) {
+        FailingAllocator allocator(failing);
+        EXPECT_EQ(bTar_Construct(&tar, file.get(), bFile_READ, &allocator), bERROR_MEMORY);
+        EXPECT_EQ(tar, nullptr);
+        EXPECT_EQ(allocator.Living(), 0);
+    }
+}
+
+TEST(Tar, isOnlyReadOrOnlyWritten) {
+    const TemporaryFolder folder;
+    WriteFile("read.tar", TarEnd());
+    const auto file = Open("read.tar", bFile_READ);
+    const auto reader = OpenTar(file, bFile_READ);
+    EXPECT_EQ(bTar_BeginWrite(reader.get(), "a", bTar_DIRECTORY, 0), bERROR_PARAMETER);
+    EXPECT_EQ(xbTar_WriteFile(reader.get(), "a", file.get(), 0), bERROR_PARAMETER);
+    Written([](bTar* writer) {
+        char name[bTar_NAME_SIZE];
+        int kind = 0;
+        std::int64_t size = 0;
+        std::string_view block;
+        EXPECT_EQ(bTar_BeginRead(writer, name, sizeof name, &kind, &size), bERROR_PARAMETER);
+        EXPECT_EQ(bTar_ReadBlock(writer, &block), bERROR_PARAMETER);
+    });
+}
+
+} // namespace
