@@ -1,17 +1,16 @@
 #include "bFile.h"
 
 #include "FailingAllocator.h"
+#include "FileSizeLimit.h"
 #include "OrdinaryUser.h"
 #include "TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
-#include <csignal>
 #include <filesystem>
 #include <set>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 namespace {
@@ -127,9 +126,7 @@ TEST(File, keepsTheOrderOfSmallAndLargeWritesThroughItsBuffer) {
 TEST(File, doesNotReplaceTheOldContentWhenTheDiskIsFull) {
     const TemporaryFolder folder;
     WriteFile("file", "old");
-    std::signal(SIGXFSZ, SIG_IGN);
-    constexpr rlimit kRoom{100'000, 100'000};
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &kRoom), 0);
+    const FileSizeLimit limit(100'000);
     const auto file = Open("file", bFile_WRITE);
     ASSERT_EQ(bFile_SetWriteBuffer(file.get(), 65536), bOK);
     const std::string data(60'000, 'x');
@@ -141,9 +138,7 @@ TEST(File, doesNotReplaceTheOldContentWhenTheDiskIsFull) {
 
 TEST(File, reportsAFullDiskWhileItIsWritten) {
     const TemporaryFolder folder;
-    std::signal(SIGXFSZ, SIG_IGN);
-    constexpr rlimit kRoom{100'000, 100'000};
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &kRoom), 0);
+    const FileSizeLimit limit(100'000);
     const auto file = Open("file", bFile_WRITE);
     const std::string data(200'000, 'x');
     EXPECT_EQ(file->Write(data.data(), data.size()), bERROR_FILE);

@@ -1,0 +1,450 @@
+#include "FileUtils.h"
+
+#include "Exception.h"
+#include "FailingAllocator.h"
+#include "FileSizeLimit.h"
+#include "FolderTree.h"
+#include "LogCapture.h"
+#include "OrdinaryUser.h"
+#include "TarBlocks.h"
+#include "TemporaryFolder.h"
+#include "UnpackFolder.h"
+#include "bStatus.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <set>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::IsSupersetOf;
+using Tree = std::map<std::string, std::string>;
+
+/// How unpacking ends: status, message and function of its failure, or "unpacked".
+std::string Unpacking(const std::string& archive, const std::string& target,
+                      bAlloc allocator = bAlloc_Application()) {
+    try {
+        TarUncompress(archive, target, allocator);
+        return "unpacked";
+    } catch (const Ve::Exception& failure) {
+        EXPECT_NE(failure.Line(), 0);
+        EXPECT_THAT(failure.File(), testing::HasSubstr("FileUtils.cpp"));
+        return std::to_string(failure.Status()) + " " + failure.what() + " in " + failure.Function();
+    }
+}
+
+/// Unpacks these bytes into "out".
+std::string UnpackingOf(const std::string& archive) {
+    WriteFile("in.tar", archive);
+    return Unpacking("in.tar", "out");
+}
+
+std::string Failure(bStatus status, const std::string& message) {
+    return std::to_string(status) + " " + message + " in TarUncompress";
+}
+
+/// How unpacking strictly ends.
+std::string StrictStatus(const std::string& archive) {
+    WriteFile("strict.tar", archive);
+    try {
+        UnpackFolderStrictly("strict.tar", "strict", bAlloc_Application());
+        return "unpacked";
+    } catch (const Ve::Exception& failure) {
+        return std::to_string(failure.Status()) + " " + failure.what();
+    }
+}
+
+TEST(TarUncompress, bringsBackATree) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(UnpackingOf(TarFile("top", "t") + TarFolder("a") +
+                          TarFile("a/file", std::string(100'000, 'f')) + TarFolder("a/empty") +
+                          TarFile("zero", "") + TarEnd()),
+              "unpacked");
+    EXPECT_EQ(FolderTree("out"), (Tree{{"top", "t"},
+                                       {"a/", ""},
+                                       {"a/file", std::string(100'000, 'f')},
+                                       {"a/empty/", ""},
+                                       {"zero", ""}}));
+}
+
+TEST(TarUncompress, removesWhatStoodInTheTargetDirectory) {
+    const TemporaryFolder folder;
+    fs::create_directories("out/old");
+    WriteFile("out/old/file", "x");
+    EXPECT_EQ(UnpackingOf(TarFile("new", "n") + TarEnd()), "unpacked");
+    EXPECT_EQ(FolderTree("out"), (Tree{{"new", "n"}}));
+}
+
+TEST(TarUncompress, takesATargetThatEndsInASlash) {
+    const TemporaryFolder folder;
+    WriteFile("in.tar", TarFile("../evil", "x") + TarEnd());
+    EXPECT_EQ(Unpacking("in.tar", "out/"), Failure(bERROR_FILE, "Failed to open file - out/../evil"));
+}
+
+TEST(TarUncompress, createsOneMissingLevelForAFileAndNoMore) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(UnpackingOf(TarFile("a/file", "x") + TarEnd()), "unpacked");
+    EXPECT_EQ(FileContent("out/a/file"), "x");
+    EXPECT_EQ(UnpackingOf(TarFile("a/b/file", "x") + TarEnd()),
+              Failure(bERROR_FILE, "Failed to create the directory - out/a/b/file"));
+    EXPECT_EQ(UnpackingOf(TarFolder("a/b") + TarEnd()),
+              Failure(bERROR_FILE, "Failed to create the directory - out/a/b"));
+}
+
+TEST(TarUncompress, letsTheLastOfTwoEntriesOfOneNameStand) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(UnpackingOf(TarFolder("a") + TarFile("a/f", "longer") + TarFolder("a") + TarFile("a/f", "x") +
+                          TarEnd()),
+              "unpacked");
+    EXPECT_EQ(FolderTree("out"), (Tree{{"a/", ""}, {"a/f", "x"}}));
+}
+
+TEST(TarUncompress, readsTheArchivesOfGnuTarAndBsdtar) {
+    const TemporaryFolder folder;
+    const std::string longPart(90, 'l');
+    fs::create_directories("tree/" + longPart + "/" + longPart);
+    fs::create_directory("tree/empty");
+    WriteFile("tree/" + longPart + "/" + longPart + "/deep.trk", "deep");
+    WriteFile("tree/größe.trk", std::string(70'000, 'g'));
+    for (const char* const tool :
+         {"tar --format=gnu -cf in.tar -C tree .", "tar --format=pax -cf in.tar -C tree .",
+          "tar --format=ustar -cf in.tar -C tree .",
+          "LC_ALL=C.UTF-8 bsdtar --format=pax -cf in.tar -C tree .",
+          "bsdtar --format=gnutar -cf in.tar -C tree .", "bsdtar --format=ustar -cf in.tar -C tree ."}) {
+        ASSERT_EQ(RunTool(tool), "") << tool;
+        EXPECT_EQ(Unpacking("in.tar", "out"), "unpacked") << tool;
+        EXPECT_EQ(FolderTree("out"), FolderTree("tree")) << tool;
+        EXPECT_EQ(StrictStatus(FileContent("in.tar")), "unpacked") << tool;
+    }
+}
+
+TEST(TarUncompress, bringsBackWhatTarCompressPacked) {
+    const TemporaryFolder folder;
+    fs::create_directories("tree/a/b/c");
+    WriteFile("tree/a/u\xcc\x88.trk", "decomposed");
+    WriteFile("tree/a/b/gr\xf6\xdf"
+              "e",
+              "no UTF-8");
+    WriteFile("tree/a/line\nfeed", "x");
+    WriteFile("tree/" + std::string(255, 'n'), "n");
+    WriteFile("tree/large", std::string(3'000'001, 'l'));
+    TarCompress("tree", "in.tar", bAlloc_Application());
+    EXPECT_EQ(Unpacking("in.tar", "out"), "unpacked");
+    EXPECT_EQ(FolderTree("out"), FolderTree("tree"));
+    EXPECT_EQ(StrictStatus(FileContent("in.tar")), "unpacked");
+}
+
+TEST(TarUncompress, takesARealBackupOnBothLevelsAndItPacksAgain) {
+    const TemporaryFolder folder;
+    const std::string workspace = "backup/workspaces/Workspace.osws";
+    ASSERT_EQ(Unpacking(TestData("station.osbak"), "backup"), "unpacked");
+    ASSERT_EQ(Unpacking(workspace, "osws"), "unpacked");
+    const Tree tree = FolderTree("osws");
+    EXPECT_EQ(tree.at("vdk/ContourPath/fault.trk"), FileContent(TestData("fault.trk")));
+    const Tree before = FolderTree("backup");
+    fs::create_directory("gnu");
+    ASSERT_EQ(RunTool("tar -xf '" + TestData("station.osbak") + "' -C gnu"), "");
+    EXPECT_EQ(before, FolderTree("gnu"));
+    TarCompress("osws", workspace, bAlloc_Application());
+    TarCompress("backup", "again.osbak", bAlloc_Application());
+    ASSERT_EQ(Unpacking("again.osbak", "backup"), "unpacked");
+    EXPECT_EQ(FolderTree("backup").size(), before.size());
+    ASSERT_EQ(Unpacking(workspace, "osws"), "unpacked");
+    EXPECT_EQ(FolderTree("osws"), tree);
+}
+
+TEST(TarUncompress, passesOverLinksAndSpecialFiles) {
+    const TemporaryFolder folder;
+    std::string archive = TarLink("symbolic", '2', "/etc") + TarLink("hard", '1', "/etc/passwd");
+    for (const char type : {'3', '4', '6'})
+        archive += TarLink("device", type, "");
+    EXPECT_EQ(UnpackingOf(archive + TarFile("last", "x") + TarEnd()), "unpacked");
+    EXPECT_EQ(FolderTree("out"), (Tree{{"last", "x"}}));
+}
+
+TEST(TarUncompress, writesNothingThroughALinkOfTheArchive) {
+    const TemporaryFolder folder;
+    fs::create_directory("outside");
+    EXPECT_EQ(UnpackingOf(TarLink("door", '2', "../outside") + TarFile("door/evil", "x") + TarEnd()),
+              "unpacked");
+    EXPECT_TRUE(fs::is_empty("outside"));
+    EXPECT_EQ(FileContent("out/door/evil"), "x");
+}
+
+TEST(TarUncompress, refusesNamesThatWouldLandOutside) {
+    const TemporaryFolder folder;
+    fs::create_directory("inside");
+    fs::current_path("inside");
+    for (const char* const name :
+         {"../evil", "a/../../evil", "/evil", "//evil", "..\\evil", "a\\..\\..\\evil", "\\evil", "C:evil",
+          "C:\\evil", "c:/evil", "./../evil", "a/.."}) {
+        const std::string path = std::string("out/") + name;
+        EXPECT_EQ(UnpackingOf(TarFolder("a") + TarFile(name, "x") + TarEnd()),
+                  Failure(bERROR_FILE, "Failed to open file - " + path));
+        EXPECT_EQ(FolderTree("out"), (Tree{{"a/", ""}})) << name;
+        EXPECT_EQ(UnpackingOf(TarFolder("a") + TarFolder(name) + TarEnd()),
+                  Failure(bERROR_FILE, "Failed to create the directory - " + path));
+        EXPECT_EQ(FolderTree("out"), (Tree{{"a/", ""}})) << name;
+        EXPECT_EQ(StrictStatus(TarFile(name, "x") + TarEnd()),
+                  "-997 Failed to open file - strict/" + std::string(name));
+    }
+    fs::remove_all("out");
+    fs::remove_all("strict");
+    fs::current_path("..");
+    EXPECT_EQ(FolderTree("."), (Tree{{"inside/", ""},
+                                     {"inside/in.tar", FileContent("inside/in.tar")},
+                                     {"inside/strict.tar", FileContent("inside/strict.tar")}}));
+    EXPECT_FALSE(fs::exists("/evil"));
+}
+
+TEST(TarUncompress, refusesNamesThatNoFileCanHave) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(UnpackingOf(TarFile("", "x") + TarEnd()), Failure(bERROR_FILE, "Failed to open file - out/"));
+    EXPECT_EQ(UnpackingOf(TarFile(".", "x") + TarEnd()), Failure(bERROR_FILE, "Failed to open file - out/."));
+    EXPECT_EQ(UnpackingOf(TarFile("a/.", "x") + TarEnd()),
+              Failure(bERROR_FILE, "Failed to open file - out/a/."));
+    const std::string name(256, 'n');
+    EXPECT_EQ(UnpackingOf(TarGnuLongName(name) + TarFile("short", "x") + TarEnd()),
+              Failure(bERROR_FILE, "Failed to open file - out/" + name));
+}
+
+TEST(TarUncompress, refusesADepthThatNoTreeHas) {
+    const TemporaryFolder folder;
+    std::string archive;
+    std::string name;
+    for (int i = 0; i < 65; ++i) {
+        name += i == 0 ? "d" : "/d";
+        archive += TarGnuLongName(name) + TarFolder("d");
+    }
+    EXPECT_EQ(UnpackingOf(archive + TarEnd()),
+              Failure(bERROR_FILE, "Failed to create the directory - out/" + name));
+}
+
+TEST(TarUncompress, showsNoControlCharactersInItsMessages) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(UnpackingOf(TarFile("../a\nb\x1b", "x") + TarEnd()),
+              Failure(bERROR_FILE, "Failed to open file - out/../a?b?"));
+}
+
+TEST(TarUncompress, failsOnANameTooLongInsteadOfDroppingWhatFollows) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(UnpackingOf(TarFile("first", "1") + TarPax(PaxRecord("path", std::string(600, 'n'))) +
+                          TarFile("short", "x") + TarFile("last", "2") + TarEnd()),
+              Failure(bERROR_TOO_LONG, "Failed to read item - " + std::string(511, 'n')));
+    EXPECT_EQ(FolderTree("out"), (Tree{{"first", "1"}}));
+}
+
+TEST(TarUncompress, failsBeforeItWritesWhenTheArchiveCannotHoldAnEntry) {
+    const TemporaryFolder folder;
+    TarBlockEntry entry;
+    entry.name = "huge";
+    entry.content = std::string(2000, 'x');
+    for (const long long size : {3600LL, 10LL << 30, 1LL << 62}) {
+        entry.size = size;
+        EXPECT_EQ(UnpackingOf(TarFile("first", "1") + TarBlocks(entry) + TarEnd()),
+                  Failure(bERROR_FORMAT, "Failed to read item - huge"));
+        EXPECT_EQ(FolderTree("out"), (Tree{{"first", "1"}}));
+    }
+    EXPECT_EQ(UnpackingOf(TarPax(PaxRecord("GNU.sparse.name", "hole") +
+                                 PaxRecord("GNU.sparse.size", "4398046511104") +
+                                 PaxRecord("GNU.sparse.map", "4398046511103,1")) +
+                          TarFile("short", "x") + TarEnd()),
+              Failure(bERROR_FORMAT, "Failed to read item - hole"));
+}
+
+TEST(TarUncompress, bringsBackASmallSparseFile) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(UnpackingOf(TarPax(PaxRecord("GNU.sparse.name", "hole") + PaxRecord("GNU.sparse.size", "1200") +
+                                 PaxRecord("GNU.sparse.map", "500,3,900,2")) +
+                          TarFile("short", "abcde") + TarEnd()),
+              "unpacked");
+    EXPECT_EQ(FileContent("out/hole"),
+              std::string(500, '\0') + "abc" + std::string(397, '\0') + "de" + std::string(298, '\0'));
+}
+
+TEST(TarUncompress, ofADamagedArchiveGivesWhatStandsBeforeAndALineInTheLog) {
+    const TemporaryFolder folder;
+    LogCapture log;
+    TarBlockEntry spoilt;
+    spoilt.name = "b";
+    spoilt.spoiltChecksum = true;
+    EXPECT_EQ(UnpackingOf(TarFile("a", "x") + TarBlocks(spoilt) + TarFile("c", "x") + TarEnd()), "unpacked");
+    EXPECT_EQ(FolderTree("out"), (Tree{{"a", "x"}}));
+    EXPECT_THAT(log.Lines(), ElementsAre("ERROR: (ERROR_FORMAT) The archive is damaged - in.tar"));
+    EXPECT_EQ(UnpackingOf(TarFile("a", "x") + TarEnd()), "unpacked");
+    EXPECT_THAT(log.Lines(), IsEmpty());
+    EXPECT_EQ(UnpackingOf(""), "unpacked");
+    EXPECT_THAT(FolderTree("out"), IsEmpty());
+    EXPECT_EQ(UnpackingOf(std::string(5000, '#')), "unpacked");
+    EXPECT_THAT(FolderTree("out"), IsEmpty());
+}
+
+TEST(TarUncompress, strictlyTakesNothingThatIsCutOrDamaged) {
+    const TemporaryFolder folder;
+    TarBlockEntry spoilt;
+    spoilt.name = "b";
+    spoilt.spoiltChecksum = true;
+    const std::string damaged = "-3 The archive is damaged - strict.tar";
+    EXPECT_EQ(StrictStatus(TarFile("a", "x") + TarBlocks(spoilt) + TarEnd()), damaged);
+    EXPECT_EQ(StrictStatus(TarFile("a", "x")), damaged);
+    EXPECT_EQ(StrictStatus(""), damaged);
+    EXPECT_EQ(StrictStatus(std::string(5000, '#')), damaged);
+    EXPECT_EQ(StrictStatus(TarFile("a", "x") + TarEnd()), "unpacked");
+    EXPECT_EQ(StrictStatus(TarEnd()), "unpacked");
+}
+
+TEST(TarUncompress, ofAnArchiveCutAtEveryBlockLeavesNoHalfFile) {
+    const TemporaryFolder folder;
+    const std::string large(5000, 'l');
+    const std::string archive = TarFolder("a") + TarFile("a/large", large) +
+                                TarGnuLongName(std::string(150, 'g')) + TarFile("short", "gnu") +
+                                TarFile("last", "x") + TarEnd();
+    ASSERT_EQ(UnpackingOf(archive), "unpacked");
+    const Tree whole = FolderTree("out");
+    int failures = 0;
+    for (std::size_t length = 0; length < archive.size(); length += 512) {
+        const std::string result = UnpackingOf(archive.substr(0, length));
+        if (result != "unpacked") {
+            EXPECT_THAT(result, testing::StartsWith("-3 Failed to read item - ")) << length;
+            ++failures;
+        }
+        for (const auto& [name, content] : FolderTree("out"))
+            EXPECT_EQ(content, whole.at(name)) << length;
+        EXPECT_NE(StrictStatus(archive.substr(0, length)), "unpacked") << length;
+    }
+    EXPECT_EQ(failures, 10 + 1 + 1); // within the data of the three files, their last block missing included
+}
+
+TEST(TarUncompress, givesPermissionsWithin0777AndTheOwnerTheFile) {
+    const TemporaryFolder folder;
+    umask(022);
+    TarBlockEntry entry;
+    entry.name = "suid";
+    entry.mode = 07777;
+    TarBlockEntry closed;
+    closed.name = "closed";
+    closed.type = '5';
+    closed.mode = 0;
+    TarBlockEntry secret;
+    secret.name = "secret";
+    secret.mode = 0400;
+    ASSERT_EQ(UnpackingOf(TarBlocks(entry) + TarBlocks(closed) + TarBlocks(secret) +
+                          TarFile("closed/a", "x") + TarEnd()),
+              "unpacked");
+    const auto mode = [](const char* path) {
+        struct stat state {};
+        EXPECT_EQ(stat(path, &state), 0);
+        return state.st_mode & 07777U;
+    };
+    EXPECT_EQ(mode("out/suid"), 0755U);
+    EXPECT_EQ(mode("out/closed"), 0700U);
+    EXPECT_EQ(mode("out/secret"), 0600U);
+}
+
+TEST(TarUncompress, needsAnArchiveThatExists) {
+    const TemporaryFolder folder;
+    fs::create_directories("out");
+    WriteFile("out/kept", "x");
+    EXPECT_EQ(Unpacking("missing.tar", "out"), Failure(bERROR_NOT_FOUND, "missing.tar doesn't exist."));
+    EXPECT_EQ(Unpacking("out", "out"), Failure(bERROR_NOT_FOUND, "out doesn't exist."));
+    EXPECT_EQ(FileContent("out/kept"), "x");
+}
+
+TEST(TarUncompress, needsAnArchiveThatMayBeRead) {
+    const TemporaryFolder folder;
+    const OrdinaryUser user(".");
+    ASSERT_TRUE(user.IsReady());
+    WriteFile("in.tar", TarEnd());
+    ASSERT_EQ(chmod("in.tar", 0), 0);
+    EXPECT_EQ(Unpacking("in.tar", "out"), Failure(bERROR_FILE, "Failed to construct a bFile object."));
+    EXPECT_FALSE(fs::exists("out"));
+}
+
+TEST(TarUncompress, namesTheStepAtWhichMemoryRanOut) {
+    const TemporaryFolder folder;
+    WriteFile("in.tar", TarFile("a", "x") + TarEnd());
+    std::set<std::string> failures;
+    std::string result;
+    for (int failing = 1; result != "unpacked"; ++failing) {
+        ASSERT_LT(failing, 100);
+        FailingAllocator allocator(failing);
+        result = Unpacking("in.tar", "out", &allocator);
+        EXPECT_EQ(allocator.Living(), 0);
+        failures.insert(result);
+    }
+    EXPECT_THAT(failures, IsSupersetOf({Failure(bERROR_MEMORY, "Failed to construct a bFile object."),
+                                        Failure(bERROR_MEMORY, "Failed to construct a bTar object.")}));
+}
+
+TEST(TarUncompress, saysWhenTheTargetCannotBeDeleted) {
+    const TemporaryFolder folder;
+    const OrdinaryUser user(".");
+    ASSERT_TRUE(user.IsReady());
+    fs::create_directories("out/locked");
+    WriteFile("out/locked/file", "x");
+    ASSERT_EQ(chmod("out/locked", 0500), 0);
+    EXPECT_EQ(UnpackingOf(TarEnd()), Failure(bERROR_FILE, "Failed to delete the existing directory - out"));
+    ASSERT_EQ(chmod("out/locked", 0700), 0);
+}
+
+TEST(TarUncompress, saysWhenTheTargetCannotBeCreated) {
+    const TemporaryFolder folder;
+    WriteFile("in.tar", TarEnd());
+    EXPECT_EQ(Unpacking("in.tar", "missing/out"),
+              Failure(bERROR_FILE, "Failed to create the directory - missing/out"));
+    WriteFile("out", "a file");
+    EXPECT_EQ(Unpacking("in.tar", "out"), Failure(bERROR_FILE, "Failed to create the directory - out"));
+    EXPECT_EQ(FileContent("out"), "a file");
+}
+
+TEST(TarUncompress, replacesATargetThatIsALinkAndNotWhatItLeadsTo) {
+    const TemporaryFolder folder;
+    fs::create_directory("elsewhere");
+    WriteFile("elsewhere/kept", "x");
+    fs::create_directory_symlink("elsewhere", "out");
+    EXPECT_EQ(UnpackingOf(TarFile("a", "x") + TarEnd()), "unpacked");
+    EXPECT_FALSE(fs::is_symlink("out"));
+    EXPECT_EQ(FolderTree("elsewhere"), (Tree{{"kept", "x"}}));
+}
+
+TEST(TarUncompress, saysWhenAFileStandsWhereADirectoryShouldAndTheOtherWayRound) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(UnpackingOf(TarFolder("a") + TarFile("a", "x") + TarEnd()),
+              Failure(bERROR_FILE, "Failed to open file - out/a"));
+    EXPECT_EQ(UnpackingOf(TarFile("a", "x") + TarFolder("a") + TarEnd()),
+              Failure(bERROR_FILE, "Failed to create the directory - out/a"));
+    EXPECT_EQ(UnpackingOf(TarFile("a", "x") + TarFile("a/b", "x") + TarEnd()),
+              Failure(bERROR_FILE, "Failed to create the directory - out/a/b"));
+}
+
+TEST(TarUncompress, leavesNoHalfFileWhenTheDiskIsFull) {
+    const TemporaryFolder folder;
+    WriteFile("in.tar", TarFile("a", "x") + TarFile("large", std::string(300'000, 'l')) + TarEnd());
+    const FileSizeLimit limit(200'000);
+    EXPECT_EQ(Unpacking("in.tar", "out"), Failure(bERROR_FILE, "Failed to write out/large"));
+    EXPECT_EQ(FolderTree("out"), (Tree{{"a", "x"}}));
+}
+
+TEST(TarUncompress, takesALittleMemoryForALargeFile) {
+    const TemporaryFolder folder;
+    fs::create_directory("tree");
+    WriteFile("tree/large", "");
+    fs::resize_file("tree/large", 64U << 20);
+    ASSERT_EQ(RunTool("tar -cf in.tar -C tree large"), "");
+    rusage before{};
+    rusage after{};
+    getrusage(RUSAGE_SELF, &before);
+    EXPECT_EQ(Unpacking("in.tar", "out"), "unpacked");
+    getrusage(RUSAGE_SELF, &after);
+    EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 16 * 1024) << "kilobytes";
+    EXPECT_EQ(fs::file_size("out/large"), 64U << 20);
+}
+
+} // namespace
