@@ -104,7 +104,7 @@ std::int64_t MapSizeInFile(const TrackByteReader& bytes, const TrackInfo& info) 
 }
 
 /// Large enough that the pieces go past the stream's own buffer, small enough to stay in the cache.
-constexpr std::int64_t kSamplesAtOnce = 64 * 1024;
+constexpr std::int64_t kSamplesAtOnce = std::int64_t{64} * 1024;
 
 /// Hands the samples of the next `size` bytes to `take`, so many at a time.
 template<typename Take>

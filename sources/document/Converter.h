@@ -15,8 +15,9 @@ class QImage;
 /// catches what its work throws, logs it at ERROR and returns a code. Paths are narrow strings in UTF-8.
 class Converter {
   public:
-    /// Fills the information block. `minHeight` and `maxHeight` are the caller's starting values, which the
-    /// heights found widen. @return 0, or 1 on failure with what was read so far left in `info`.
+    /// Fills the information block. In the text encoding `minHeight` and `maxHeight` are the caller's
+    /// starting values, which the heights found widen; the binary encoding starts them itself. @return 0, or
+    /// 1 on failure with what was read so far left in `info`.
     virtual int ReadInfo(const std::string& path, TrackInfo& info) = 0;
 
     /// Paints the height map, `info.height` rows of `info.width` pixels, by HeightRamp between the two
@@ -31,8 +32,8 @@ class Converter {
     virtual int ReadHeightMap(const std::string& path, TrackInfo info, HeightMap& heights,
                               std::int64_t& size) = 0;
 
-    /// Replaces `paths` with the file's. Ruler marks come back empty. @return 0, or 1 on failure or without
-    /// paths.
+    /// Replaces `paths` with the file's. Ruler marks come back empty. @return 0, or 1 on failure; a text
+    /// file without a path section is a failure, a binary one has no paths.
     virtual int ReadPath(const std::string& path, std::vector<TrackPath>& paths) = 0;
 
     /// Writes a whole track file; a normalised point (x, y) is stored at x * xScale + xOffset, y * yScale +
