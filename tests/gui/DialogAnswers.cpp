@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <QTest>
 #include <QTextDocument>
+#include <QTimer>
 
 #include <utility>
 
@@ -28,8 +29,13 @@ QString Shown(const QMessageBox& box) {
 } // namespace
 
 DialogAnswers::DialogAnswers() {
-    connect(&timer, &QTimer::timeout, this, &DialogAnswers::look);
-    timer.start(kLookInterval);
+    lookLater();
+}
+
+// A timer of its own each time: an answer may open the next dialog, whose event loop stands within the
+// answer, and a timer does not fire again while it is being served.
+void DialogAnswers::lookLater() {
+    QTimer::singleShot(kLookInterval, this, &DialogAnswers::look);
 }
 
 std::vector<SeenBox> DialogAnswers::takeBoxes() {
@@ -41,7 +47,11 @@ std::vector<SeenFileDialog> DialogAnswers::takeFileDialogs() {
 }
 
 void DialogAnswers::look() {
+    lookLater();
     QWidget* const modal = QApplication::activeModalWidget();
+    if (modal == answered)
+        return;
+    answered = modal;
     if (auto* box = qobject_cast<QMessageBox*>(modal))
         answer(*box);
     else if (auto* dialog = qobject_cast<QFileDialog*>(modal))

@@ -2,9 +2,10 @@
 
 #include <QMessageBox>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 #include <QStringList>
-#include <QTimer>
+#include <QWidget>
 
 #include <deque>
 #include <functional>
@@ -47,11 +48,12 @@ class DialogAnswers final : public QObject {
     std::vector<SeenFileDialog> takeFileDialogs();
 
   private:
+    void lookLater();
     void look();
     void answer(QMessageBox& box);
     void answer(class QFileDialog& dialog);
 
-    QTimer timer;
+    QPointer<QWidget> answered; ///< the dialog at hand has its answer
     std::deque<QString> names;
     std::vector<SeenBox> boxes;
     std::vector<SeenFileDialog> fileDialogs;

@@ -1,8 +1,11 @@
 #include "WindowTest.h"
 
+#include "FileUtils.h"
+
 #include <QAbstractItemView>
 #include <QStatusBar>
 
+#include <filesystem>
 #include <stdexcept>
 
 namespace {
@@ -89,9 +92,28 @@ void WindowTest::loadExternal(const std::string& path) {
     operate("Load");
 }
 
+// Operations are open to the operator once a source is; the tests that need none have it their way.
 void WindowTest::operate(const std::string& operation) {
     find<QComboBox>("comboBox_operation").setEnabled(true);
     choose("comboBox_operation", operation);
+}
+
+void WindowTest::makeBackup(const std::string& backup, const std::map<std::string, std::string>& tracks) {
+    const std::filesystem::path made = folder.Path("being made");
+    const std::filesystem::path trackFolder = made / "workspace/vdk/ContourPath";
+    std::filesystem::create_directories(trackFolder);
+    std::filesystem::create_directories(made / "backup/workspaces");
+    WriteFile(made / "backup/info.json", "{}");
+    for (const auto& [name, content] : tracks)
+        WriteFile(trackFolder / name, content);
+    TarCompress(made / "workspace", made / "backup/workspaces/Workspace.osws", bAlloc_Application());
+    TarCompress(made / "backup", backup, bAlloc_Application());
+    std::filesystem::remove_all(made);
+}
+
+void WindowTest::loadBackup(const std::string& backup) {
+    answers.typeFileName(QString::fromStdString(backup));
+    click("pushButton_sensor");
 }
 
 void WindowTest::expectErrorBox(const std::string& text) {

@@ -14,6 +14,7 @@
 #include <QSpinBox>
 #include <QTest>
 
+#include <map>
 #include <memory>
 
 /// The real window in a working folder of its own, driven by mouse and keys.
@@ -61,6 +62,11 @@ class WindowTest : public ::testing::Test {
     /// Chooses an operation whatever the state of the source.
     void operate(const std::string& operation);
 
+    /// Makes a backup whose workspace holds these files (name below "vdk/ContourPath", content).
+    void makeBackup(const std::string& backup, const std::map<std::string, std::string>& tracks);
+    /// Opens it with "Load Backup" and the file dialog.
+    void loadBackup(const std::string& backup);
+
     /// That exactly one critical "Error" box with an Ok button showed this text, and clears the record.
     void expectErrorBox(const std::string& text);
     void expectNoBox() { EXPECT_TRUE(answers.takeBoxes().empty()); }
@@ -74,6 +80,9 @@ class WindowTest : public ::testing::Test {
 /// A small track, 40 x 20 cells, whose heights rise to the right and downwards from 0, with these points of
 /// paths.
 independent::Track SmallTrack(const std::vector<independent::Segment>& segments = {});
+
+/// The folder that the open workspace's tracks lie in.
+inline const std::string kTracks = "./TmpDirOsws/vdk/ContourPath/";
 
 /// Points in a row across the canvas at height y, with parameters that tell them apart: length base + point,
 /// width base + 10 + point, space base + 20 + point.
