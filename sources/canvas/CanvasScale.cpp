@@ -11,7 +11,9 @@ constexpr double kFarthestPixel = 1 << 26;
 int NearestPixel(double position) {
     if (std::isnan(position))
         return 0;
-    return static_cast<int>(std::floor(std::clamp(position, -kFarthestPixel, kFarthestPixel) + 0.5));
+    const double rounded = std::clamp(position, -kFarthestPixel, kFarthestPixel) + 0.5;
+    const int whole = static_cast<int>(rounded);
+    return whole - (rounded < whole ? 1 : 0);
 }
 
 double ClampToMargin(double position, int side) {

@@ -2,66 +2,88 @@
 
 #include <QPainter>
 
+#include <algorithm>
+
 namespace {
 
-QPen SolidPen(Qt::GlobalColor colour, qreal width) {
-    return {QBrush(colour), width, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin};
-}
+constexpr QRgb kBlue = 0xff0000ffU;
+constexpr QRgb kRed = 0xffff0000U;
+constexpr QRgb kGreen = 0xff00ff00U;
+constexpr QRgb kWhite = 0xffffffffU;
 
-QPen PathPen() {
-    return SolidPen(Qt::blue, 2.0);
-}
-QPen HighlightPen() {
-    return SolidPen(Qt::red, 2.0);
-}
-QPen PointPen() {
-    return SolidPen(Qt::green, 5.0);
-}
-QPen GripPen() {
-    return SolidPen(Qt::green, 10.0);
-}
-QPen LabelPen() {
-    return SolidPen(Qt::red, 5.0);
-}
-QPen BandPen() {
-    return SolidPen(Qt::white, 2.0);
-}
+/// Widths in widget pixels.
+constexpr double kLineWidth = 2.0;
+constexpr double kPointSide = 5.0;
+constexpr double kGripSide = 10.0;
 
-/// A label that would start nearer to the right edge than this starts further left.
-constexpr int kLabelRoom = 41;
-constexpr int kLabelShift = 40;
+/// What a part of the canvas shows in normalised coordinates, with room for what reaches into it.
+Extent ShownExtent(const QRect& place, double ratio, const CanvasScale& scale) {
+    const double room = PathPainter::kReach;
+    Extent extent;
+    extent.Add(scale.ToNormalized({place.left() / ratio - room, place.top() / ratio - room}));
+    extent.Add(scale.ToNormalized({place.right() / ratio + room, place.bottom() / ratio + room}));
+    return extent;
+}
 
 } // namespace
 
-PathPainter::PathPainter(QPainter& painter, const EditingState& state, const CanvasScale& scale)
-    : painter(painter), state(state), scale(scale) {
+PointLabel::PointLabel(const QPoint& point, int canvasWidth)
+    : start(canvasWidth - point.x() < kRoom ? point - QPoint(kShift, 0) : point),
+      text(QString::number(point.x()) + QLatin1Char(',') + QString::number(point.y())) {
 }
 
-void PathPainter::Paint(bool rulerShown) {
+PathPainter::PathPainter(QImage& part, const QRect& place, double ratio, const EditingState& state,
+                         PathExtents& extents, const CanvasScale& scale)
+    : part(part),
+      place(place),
+      ratio(ratio),
+      state(state),
+      extents(extents),
+      scale(scale),
+      shown(ShownExtent(place, ratio, scale)),
+      board(part, place.topLeft()) {
+}
+
+void PathPainter::Paint(bool rulerShown, const QFont& font) {
     PaintSegments();
     PaintRubberBand();
     PaintCurrentSegment();
     PaintPoints();
-    PaintDragPoint();
+    PaintDragPoint(font);
     if (rulerShown) {
         PaintBands();
         PaintBandCorners();
     }
 }
 
+QPointF PathPainter::Device(const QPointF& normalized) const {
+    return QPointF(scale.ToWidgetPixels(normalized)) * ratio;
+}
+
+void PathPainter::Line(const QPointF& from, const QPointF& to, QRgb colour) {
+    if (!shown.Misses(from, to))
+        board.Line(Device(from), Device(to), kLineWidth * ratio, colour);
+}
+
+void PathPainter::Dot(const QPointF& point, double side, QRgb colour) {
+    if (!shown.Misses(point, point))
+        board.Square(Device(point), side * ratio, colour);
+}
+
 void PathPainter::PaintSegments() {
-    painter.setPen(PathPen());
-    for (const TrackPath& path : state.paths)
-        for (std::size_t j = 0; j + 1 < path.points.size(); ++j)
-            painter.drawLine(scale.ToWidgetPixels(path.points[j]), scale.ToWidgetPixels(path.points[j + 1]));
+    for (std::size_t index = 0; index < state.paths.size(); ++index) {
+        if (!extents.Of(state.paths, index).points.Meets(shown))
+            continue;
+        const auto& points = state.paths[index].points;
+        for (std::size_t j = 0; j + 1 < points.size(); ++j)
+            Line(points[j], points[j + 1], kBlue);
+    }
 }
 
 void PathPainter::PaintRubberBand() {
     if (state.paths.empty() || state.paths.back().points.empty() || state.rubberPoint.isNull())
         return;
-    painter.setPen(HighlightPen());
-    painter.drawLine(scale.ToWidgetPixels(state.paths.back().points.back()),
-                     scale.ToWidgetPixels(state.rubberPoint));
+    Line(state.paths.back().points.back(), state.rubberPoint, kRed);
 }
 
 void PathPainter::PaintCurrentSegment() {
@@ -71,46 +93,51 @@ void PathPainter::PaintCurrentSegment() {
     if (state.currentSegment < 0 || state.currentSegment >= static_cast<int>(points.size()) - 1)
         return;
     const auto segment = static_cast<std::size_t>(state.currentSegment);
-    painter.setPen(HighlightPen());
-    painter.drawLine(scale.ToWidgetPixels(points[segment + 1]), scale.ToWidgetPixels(points[segment]));
+    Line(points[segment + 1], points[segment], kRed);
 }
 
 void PathPainter::PaintPoints() {
-    painter.setPen(PointPen());
-    for (const TrackPath& path : state.paths)
-        for (const QPointF& point : path.points)
-            painter.drawPoint(scale.ToWidgetPixels(point));
+    for (std::size_t index = 0; index < state.paths.size(); ++index)
+        if (extents.Of(state.paths, index).points.Meets(shown))
+            for (const QPointF& point : state.paths[index].points)
+                Dot(point, kPointSide, kGreen);
 }
 
-void PathPainter::PaintDragPoint() {
+void PathPainter::PaintDragPoint(const QFont& font) {
     if (state.dragPoint.isNull())
         return;
-    const QPoint point = scale.ToWidgetPixels(state.dragPoint);
-    painter.setPen(GripPen());
-    painter.drawPoint(point);
-    painter.setPen(LabelPen());
-    const bool fits = scale.Canvas().width() - point.x() >= kLabelRoom;
-    painter.drawText(fits ? point : point - QPoint(kLabelShift, 0),
-                     QString::number(point.x()) + QLatin1Char(',') + QString::number(point.y()));
+    Dot(state.dragPoint, kGripSide, kGreen);
+    PaintLabel(scale.ToWidgetPixels(state.dragPoint), font);
+}
+
+void PathPainter::PaintLabel(const QPoint& point, const QFont& font) {
+    const PointLabel label(point, scale.Canvas().width());
+    part.setDevicePixelRatio(ratio);
+    QPainter painter(&part);
+    painter.translate(-QPointF(place.topLeft()) / ratio);
+    painter.setFont(font);
+    painter.setPen(QPen(QBrush(Qt::red), 5.0));
+    painter.drawText(label.start, label.text);
 }
 
 void PathPainter::PaintBands() {
-    painter.setPen(BandPen());
-    for (const TrackPath& path : state.paths)
-        for (const RulerMarks& marks : path.rulerMarks)
-            for (const RulerMarks::Band& band : marks.bands) {
-                const std::array<QPoint, 4> corners{
-                    scale.ToWidgetPixels(band[0]), scale.ToWidgetPixels(band[1]),
-                    scale.ToWidgetPixels(band[2]), scale.ToWidgetPixels(band[3])};
-                painter.drawPolygon(corners.data(), static_cast<int>(corners.size()), Qt::OddEvenFill);
-            }
+    for (std::size_t index = 0; index < state.paths.size(); ++index) {
+        if (!extents.Of(state.paths, index).marks.Meets(shown))
+            continue;
+        for (const RulerMarks& marks : state.paths[index].rulerMarks)
+            for (const RulerMarks::Band& band : marks.bands)
+                for (std::size_t corner = 0; corner < band.size(); ++corner)
+                    Line(band[corner], band[(corner + 1) % band.size()], kWhite);
+    }
 }
 
 void PathPainter::PaintBandCorners() {
-    painter.setPen(PointPen());
-    for (const TrackPath& path : state.paths)
-        for (const RulerMarks& marks : path.rulerMarks)
+    for (std::size_t index = 0; index < state.paths.size(); ++index) {
+        if (!extents.Of(state.paths, index).marks.Meets(shown))
+            continue;
+        for (const RulerMarks& marks : state.paths[index].rulerMarks)
             for (const RulerMarks::Band& band : marks.bands)
                 for (const QPointF& corner : band)
-                    painter.drawPoint(scale.ToWidgetPixels(corner));
+                    Dot(corner, kPointSide, kGreen);
+    }
 }

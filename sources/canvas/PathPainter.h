@@ -2,28 +2,58 @@
 
 #include "CanvasScale.h"
 #include "EditingState.h"
+#include "PathExtents.h"
+#include "PixelBoard.h"
 
-class QPainter;
+#include <QFont>
+#include <QImage>
+#include <QRect>
 
-/// Paints what is edited over the height map: paths, rubber band, chosen segment, points, the point under the
-/// cursor with its label, and the ruler's bands.
+/// Where the label of a point starts, and what it says: the point's widget pixel.
+struct PointLabel {
+    /// A label that would start nearer than this to the right edge starts further left.
+    static constexpr int kRoom = 41;
+    static constexpr int kShift = 40;
+
+    PointLabel(const QPoint& point, int canvasWidth);
+
+    QPoint start;
+    QString text;
+};
+
+/// Paints what is edited over a part of the height map: paths, rubber band, chosen segment, points, the point
+/// under the cursor with its label, and the ruler's bands. A pixel is painted the same whatever the part.
 class PathPainter {
   public:
-    /// Paints into `painter`, whose coordinates are widget pixels.
-    PathPainter(QPainter& painter, const EditingState& state, const CanvasScale& scale);
+    /// No line, dot or grip reaches further than this from the points it belongs to, in widget pixels.
+    static constexpr int kReach = 8;
 
-    void Paint(bool rulerShown);
+    /// @param part the image to paint on, in Format_RGB32, `ratio` device pixels a widget pixel
+    /// @param place the part's place on the canvas, in device pixels
+    PathPainter(QImage& part, const QRect& place, double ratio, const EditingState& state,
+                PathExtents& extents, const CanvasScale& scale);
+
+    void Paint(bool rulerShown, const QFont& font);
 
   private:
+    [[nodiscard]] QPointF Device(const QPointF& normalized) const;
+    void Line(const QPointF& from, const QPointF& to, QRgb colour);
+    void Dot(const QPointF& point, double side, QRgb colour);
     void PaintSegments();
     void PaintRubberBand();
     void PaintCurrentSegment();
     void PaintPoints();
-    void PaintDragPoint();
+    void PaintDragPoint(const QFont& font);
+    void PaintLabel(const QPoint& point, const QFont& font);
     void PaintBands();
     void PaintBandCorners();
 
-    QPainter& painter;
+    QImage& part;
+    QRect place;
+    double ratio;
     const EditingState& state;
+    PathExtents& extents;
     CanvasScale scale;
+    Extent shown;
+    PixelBoard board;
 };

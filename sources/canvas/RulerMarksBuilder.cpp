@@ -83,6 +83,8 @@ double RulerMarksBuilder::FirstTick(double offset) {
 RulerMarks RulerMarksBuilder::MarksOfSegment(const TrackPath& path, std::size_t segment,
                                              double& offset) const {
     RulerMarks marks;
+    if (image.isEmpty())
+        return marks;
     const SegmentRuler ruler(image, path, segment);
     const double step = std::max(1.0, path.spaces[segment] + 1.0);
     double at = FirstTick(offset);

@@ -18,7 +18,8 @@ class RulerMarksBuilder {
     /// The marks of segment `segment` of `path`, whose first tick stands `offset` pixels after the segment's
     /// start.
     /// @param offset in: the running offset along the path; out: that of the next segment
-    /// A segment without a length, or with an end that is not finite, has no ticks.
+    /// A segment without a length, or with an end that is not finite, has no ticks;
+    /// neither has any in an image without an area.
     [[nodiscard]] RulerMarks MarksOfSegment(const TrackPath& path, std::size_t segment, double& offset) const;
 
     /// The marks of every segment of a path.

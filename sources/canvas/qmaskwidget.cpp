@@ -4,19 +4,34 @@
 #include "Exception.h"
 #include "PathFiles.h"
 #include "PathPainter.h"
-#include "RulerMarksBuilder.h"
 #include "RulerOwner.h"
 #include "bStatus.h"
 
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QPainter>
+#include <QStyle>
+#include <QStyleOption>
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace {
 
 [[noreturn]] void ThrowTrackError(int line, const char* message) {
     throw Ve::Exception(line, "qmaskwidget", bERROR_TRACK, "QMaskWidget::SavePath", "%s", message);
+}
+
+/// Pixels that are painted at once; a larger place is painted in strips.
+constexpr int kMostPainted = 4 * 1024 * 1024 / 4;
+
+/// All device pixels that a rectangle of widget pixels touches.
+QRect DeviceRect(const QRect& rect, double ratio) {
+    const QPointF topLeft = QPointF(rect.topLeft()) * ratio;
+    const QPointF end = QPointF(rect.topLeft() + QPoint(rect.width(), rect.height())) * ratio;
+    return {QPoint(static_cast<int>(std::floor(topLeft.x())), static_cast<int>(std::floor(topLeft.y()))),
+            QPoint(static_cast<int>(std::ceil(end.x())) - 1, static_cast<int>(std::ceil(end.y())) - 1)};
 }
 
 } // namespace
@@ -37,12 +52,15 @@ void QMaskWidget::clearAll() {
 
 void QMaskWidget::resetPaths() {
     editor.Reset();
+    AllChanged();
 }
 
 void QMaskWidget::deleteLast() {
     if (paths().empty())
         return;
     editor.DeleteLast();
+    marks.PathsRemoved(paths().size());
+    extents.AllChanged();
     update();
 }
 
@@ -53,14 +71,21 @@ bool QMaskWidget::segmentExists(int path, int segment) const {
 void QMaskWidget::clearRulerMarks() {
     for (TrackPath& path : editor.PathsForMarks())
         path.rulerMarks.clear();
+    AllChanged();
     update();
 }
 
 void QMaskWidget::computeRulerMarks(int imageWidth, int imageHeight) {
-    const RulerMarksBuilder builder(QSize(imageWidth, imageHeight));
-    for (TrackPath& path : editor.PathsForMarks())
-        path.rulerMarks = builder.MarksOfPath(path);
-    update();
+    Extent changed;
+    marks.Update(editor.PathsForMarks(), QSize(imageWidth, imageHeight),
+                 [&](std::size_t path, const RulerMarks& touched) {
+                     changed.Add(touched);
+                     extents.PathChanged(path);
+                 });
+    if (RulerShown() != bandsPainted)
+        update(); // marks that were computed while the ruler was hidden are seen only now
+    else if (!changed.IsEmpty())
+        update(PlaceOf(changed));
 }
 
 int QMaskWidget::loadPaths(const QString& fileName) {
@@ -68,6 +93,8 @@ int QMaskWidget::loadPaths(const QString& fileName) {
     std::vector<TrackPath> read;
     const int status = CreateConverter(file)->ReadPath(file, read);
     editor.TakePaths(std::move(read));
+    AllChanged();
+    update();
     return status;
 }
 
@@ -111,24 +138,41 @@ int QMaskWidget::segmentParameter(SegmentParameter parameter) const {
 }
 
 void QMaskWidget::setSegmentParameter(SegmentParameter parameter, int value) {
-    editor.SetParameter(parameter, value);
+    if (editor.SetParameter(parameter, value))
+        marks.SegmentChanged(static_cast<std::size_t>(currentPath()),
+                             static_cast<std::size_t>(currentSegment()));
 }
 
 void QMaskWidget::setParameterEverywhere(SegmentParameter parameter, int value) {
     editor.SetParameterEverywhere(parameter, value);
+    marks.AllChanged();
 }
 
 void QMaskWidget::mousePressEvent(QMouseEvent* event) {
-    if (HasImage() && event->button() == Qt::LeftButton)
-        editor.Press(Scale(), event->localPos());
+    if (!HasImage() || event->button() != Qt::LeftButton)
+        return;
+    const std::size_t before = paths().size();
+    editor.Press(Scale(), event->localPos());
+    if (paths().size() > before)
+        PointChanged(static_cast<int>(before), 0);
 }
 
 void QMaskWidget::mouseReleaseEvent(QMouseEvent* event) {
     if (!HasImage() || event->button() != Qt::LeftButton)
         return;
-    if (editor.Release(Scale(), event->localPos()))
+    const bool drags = !editor.State().dragPoint.isNull();
+    const int path = drags ? editor.State().hoverPath : static_cast<int>(paths().size()) - 1;
+    update(PlaceOfCursor());
+    if (drags)
+        update(PlaceOfPoint(path, editor.State().hoverPoint));
+    const bool added = editor.Release(Scale(), event->localPos());
+    if (added)
+        PointChanged(path, static_cast<int>(paths().back().points.size()) - 1);
+    else if (drags)
+        PointChanged(path, editor.State().hoverPoint);
+    if (added)
         RefreshRulerIfShown();
-    update();
+    update(PlaceOfCursor());
 }
 
 void QMaskWidget::mouseDoubleClickEvent(QMouseEvent* event) {
@@ -139,19 +183,113 @@ void QMaskWidget::mouseDoubleClickEvent(QMouseEvent* event) {
 void QMaskWidget::mouseMoveEvent(QMouseEvent* event) {
     if (!HasImage())
         return;
-    if (!(event->buttons() & Qt::LeftButton))
+    update(PlaceOfCursor());
+    if (!(event->buttons() & Qt::LeftButton)) {
         editor.Hover(Scale(), event->localPos());
-    else if (editor.Drag(Scale(), event->localPos()))
-        RefreshRulerIfShown();
-    update();
+    } else {
+        const int path = editor.State().hoverPath;
+        const int point = editor.State().hoverPoint;
+        const QRect before = PlaceOfPoint(path, point);
+        if (editor.Drag(Scale(), event->localPos())) {
+            update(before);
+            PointChanged(path, point);
+            RefreshRulerIfShown();
+        }
+    }
+    update(PlaceOfCursor());
 }
 
 void QMaskWidget::paintEvent(QPaintEvent* event) {
-    if (!HasImage())
+    const QPixmap image = Image();
+    if (image.isNull()) {
+        view.Clear();
         return;
-    QLabel::paintEvent(event);
+    }
     QPainter painter(this);
-    PathPainter(painter, editor.State(), Scale()).Paint(RulerShown());
+    const double ratio = painter.deviceTransform().m11(); // nothing but the device's pixel ratio scales here
+    const QRect canvas = DeviceRect(rect(), ratio);
+    bandsPainted = RulerShown();
+    painter.scale(1.0 / ratio, 1.0 / ratio); // from here on in device pixels, so that none is resampled
+    view.Show(image, canvas.size());
+    for (const QRect& exposed : event->region()) {
+        const QRect place = DeviceRect(exposed, ratio).intersected(canvas);
+        const int rows = std::max(1, kMostPainted / std::max(1, place.width()));
+        for (int top = place.top(); top <= place.bottom(); top += rows)
+            PaintPart(painter, QRect(place.left(), top, place.width(), rows).intersected(place), ratio);
+    }
+    view.ReleaseImage();
+}
+
+void QMaskWidget::PaintPart(QPainter& painter, const QRect& place, double ratio) {
+    QImage part(place.size(), QImage::Format_RGB32);
+    if (part.isNull())
+        return;
+    view.Copy(place, DeviceRect(visibleRegion().boundingRect(), ratio).intersected(DeviceRect(rect(), ratio)),
+              part);
+    if (!isEnabled())
+        PaintDisabled(part);
+    PathPainter(part, place, ratio, editor.State(), extents, Scale()).Paint(RulerShown(), font());
+    part.setDevicePixelRatio(1.0);
+    painter.drawImage(place.topLeft(), part);
+}
+
+void QMaskWidget::PaintDisabled(QImage& part) const {
+    QStyleOption option;
+    option.initFrom(this);
+    part = style()
+               ->generatedIconPixmap(QIcon::Disabled, QPixmap::fromImage(part), &option)
+               .toImage()
+               .convertToFormat(QImage::Format_RGB32);
+}
+
+QRect QMaskWidget::PlaceOfPoint(int path, int point) const {
+    if (path < 0 || path >= static_cast<int>(paths().size()))
+        return {};
+    const auto& points = paths()[static_cast<std::size_t>(path)].points;
+    Extent extent;
+    for (int index = std::max(0, point - 1); index <= point + 1 && index < static_cast<int>(points.size());
+         ++index)
+        extent.Add(points[static_cast<std::size_t>(index)]);
+    return PlaceOf(extent);
+}
+
+QRegion QMaskWidget::PlaceOfCursor() const {
+    const EditingState& state = editor.State();
+    QRegion place;
+    if (!state.rubberPoint.isNull() && !state.paths.empty() && !state.paths.back().points.empty()) {
+        Extent band;
+        band.Add(state.paths.back().points.back());
+        band.Add(state.rubberPoint);
+        place += PlaceOf(band);
+    }
+    if (!state.dragPoint.isNull()) {
+        Extent grip;
+        grip.Add(state.dragPoint);
+        const PointLabel label(Scale().ToWidgetPixels(state.dragPoint), width());
+        const QRect text = fontMetrics().boundingRect(label.text).translated(label.start);
+        place += PlaceOf(grip).united(text.adjusted(-PathPainter::kReach, -PathPainter::kReach,
+                                                    PathPainter::kReach, PathPainter::kReach));
+    }
+    return place;
+}
+
+QRect QMaskWidget::PlaceOf(const Extent& extent) const {
+    if (extent.IsEmpty())
+        return {};
+    const int reach = PathPainter::kReach;
+    return QRect(Scale().ToWidgetPixels(extent.TopLeft()), Scale().ToWidgetPixels(extent.BottomRight()))
+        .adjusted(-reach, -reach, reach, reach);
+}
+
+void QMaskWidget::PointChanged(int path, int point) {
+    marks.PointChanged(static_cast<std::size_t>(path), static_cast<std::size_t>(point));
+    extents.PathChanged(static_cast<std::size_t>(path));
+    update(PlaceOfPoint(path, point));
+}
+
+void QMaskWidget::AllChanged() {
+    marks.AllChanged();
+    extents.AllChanged();
 }
 
 QPixmap QMaskWidget::Image() const {

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "HeightMapView.h"
 #include "PathEditor.h"
+#include "PathExtents.h"
+#include "RulerMarksKeeper.h"
 
 #include <QLabel>
 #include <QPixmap>
@@ -86,6 +89,20 @@ class QMaskWidget : public QLabel {
     [[nodiscard]] bool RulerShown() const;
     void RefreshRulerIfShown();
 
+    /// Where a point of a path and the segments that meet in it are painted.
+    [[nodiscard]] QRect PlaceOfPoint(int path, int point) const;
+    /// Where the rubber band and the point under the cursor with its label are painted.
+    [[nodiscard]] QRegion PlaceOfCursor() const;
+    [[nodiscard]] QRect PlaceOf(const Extent& extent) const;
+    void PointChanged(int path, int point);
+    void AllChanged();
+    void PaintPart(QPainter& painter, const QRect& place, double ratio);
+    void PaintDisabled(QImage& part) const;
+
     RulerOwner* mainWindow;
     PathEditor editor;
+    RulerMarksKeeper marks;
+    PathExtents extents;
+    HeightMapView view;
+    bool bandsPainted = false; ///< whether the last paint showed the ruler
 };

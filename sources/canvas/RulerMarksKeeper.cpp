@@ -1,0 +1,74 @@
+#include "RulerMarksKeeper.h"
+
+#include <algorithm>
+
+void RulerMarksKeeper::Entry::Changed(std::size_t first, std::size_t last) {
+    const bool nothing = IsUpToDate();
+    firstChanged = nothing ? first : std::min(firstChanged, first);
+    lastChanged = nothing ? last : std::max(lastChanged, last);
+}
+
+void RulerMarksKeeper::Entry::NothingChanged() {
+    firstChanged = 1;
+    lastChanged = 0;
+}
+
+void RulerMarksKeeper::PointChanged(std::size_t path, std::size_t point) {
+    if (path < entries.size())
+        entries[path].Changed(point > 0 ? point - 1 : 0, point);
+}
+
+void RulerMarksKeeper::SegmentChanged(std::size_t path, std::size_t segment) {
+    if (path < entries.size())
+        entries[path].Changed(segment, segment);
+}
+
+void RulerMarksKeeper::Update(std::vector<TrackPath>& paths, const QSize& image, const Touched& touched) {
+    if (image != size)
+        AllChanged();
+    size = image;
+    entries.resize(paths.size());
+    for (std::size_t index = 0; index < paths.size(); ++index)
+        UpdatePath(paths[index], index, touched);
+}
+
+void RulerMarksKeeper::PathsRemoved(std::size_t count) {
+    if (count < entries.size())
+        entries.resize(count);
+}
+
+void RulerMarksKeeper::MatchSegmentCount(TrackPath& path, std::size_t index, Entry& entry,
+                                         const Touched& touched) {
+    const std::size_t segments = path.points.empty() ? 0 : path.points.size() - 1;
+    const std::size_t known = std::min({path.rulerMarks.size(), entry.offsets.size() - 1, segments});
+    for (std::size_t gone = segments; gone < path.rulerMarks.size(); ++gone)
+        touched(index, path.rulerMarks[gone]);
+    path.rulerMarks.resize(segments);
+    entry.offsets.resize(known + 1);
+    entry.offsets.resize(segments + 1);
+    if (known < segments)
+        entry.Changed(known, segments - 1);
+}
+
+void RulerMarksKeeper::UpdatePath(TrackPath& path, std::size_t index, const Touched& touched) {
+    Entry& entry = entries[index];
+    MatchSegmentCount(path, index, entry, touched);
+    if (entry.IsUpToDate())
+        return;
+    const RulerMarksBuilder builder(size);
+    const std::size_t segments = path.rulerMarks.size();
+    std::size_t segment = std::min(entry.firstChanged, segments);
+    double offset = entry.offsets[segment];
+    for (; segment < segments; ++segment) {
+        // From a segment that starts as before on, everything stays as it is.
+        if (segment > entry.lastChanged &&
+            RulerMarksBuilder::FirstTick(offset) == RulerMarksBuilder::FirstTick(entry.offsets[segment]))
+            break;
+        entry.offsets[segment] = offset;
+        touched(index, path.rulerMarks[segment]);
+        path.rulerMarks[segment] = builder.MarksOfSegment(path, segment, offset);
+        touched(index, path.rulerMarks[segment]);
+    }
+    entry.offsets[segment] = offset;
+    entry.NothingChanged();
+}

@@ -1,0 +1,210 @@
+#include "CanvasFixture.h"
+#include "RandomOperator.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+#include <QTest>
+
+#include <algorithm>
+#include <random>
+
+namespace {
+
+QImage Noise(const QSize& size, unsigned seed) {
+    std::mt19937 random(seed);
+    QImage image(size, QImage::Format_RGB888);
+    for (int y = 0; y < size.height(); ++y)
+        for (int x = 0; x < size.width(); ++x)
+            image.setPixel(x, y, 0xff000000U | (random() & 0xffffffU));
+    return image;
+}
+
+/// Collects what a widget is asked to repaint.
+class PaintedRegion : public QObject {
+  public:
+    explicit PaintedRegion(QWidget* widget) { widget->installEventFilter(this); }
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Paint)
+            region += static_cast<QPaintEvent*>(event)->region();
+        return false;
+    }
+    QRegion Take() {
+        QApplication::processEvents();
+        const QRegion taken = region;
+        region = {};
+        return taken;
+    }
+
+  private:
+    QRegion region;
+};
+
+/// The picture of a plain label with the same pixmap and size.
+QImage PlainLabel(const QPixmap& pixmap, const QSize& size) {
+    QLabel label;
+    label.setScaledContents(true);
+    label.setPixmap(pixmap);
+    label.resize(size);
+    return label.grab().toImage().convertToFormat(QImage::Format_RGB32);
+}
+
+/// What `part` of a widget paints when asked for it alone.
+QImage Part(QWidget* widget, const QRect& part) {
+    return widget->grab(part).toImage().convertToFormat(QImage::Format_RGB32);
+}
+
+using CanvasRepaint = CanvasTest;
+
+TEST_F(CanvasRepaint, OnlyWhatIsRepaintedChanges) {
+    window.resize(600, 500); // larger than any canvas the operator makes
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    window.canvas->setPixmap(QPixmap::fromImage(Noise({400, 300}, 1)));
+    PaintedRegion painted(window.canvas);
+    painted.Take();
+    QImage screen = window.Picture();
+    painted.Take();
+    RandomOperator robot(window, 5);
+    int partial = 0;
+    for (int step = 0; step < 600; ++step) {
+        robot.Act();
+        if (Paths().size() > 6)
+            window.canvas->clearAll();
+        const QRegion region = painted.Take();
+        const QImage full = window.Picture();
+        painted.Take();
+        if (screen.size() != full.size())
+            screen = QImage(full.size(), full.format());
+        for (const QRect& rect : region.intersected(window.canvas->rect())) {
+            QPainter painter(&screen);
+            painter.drawImage(rect.topLeft(), full, rect);
+        }
+        ASSERT_EQ(screen, full) << step;
+        partial += region.boundingRect().size() != full.size() ? 1 : 0;
+    }
+    EXPECT_GT(partial, 200); // it would be no test if everything were repainted each time
+}
+
+TEST_F(CanvasRepaint, APartIsPaintedAsTheWholeIs) {
+    window.canvas->setPixmap(QPixmap::fromImage(Noise({400, 300}, 2)));
+    window.shown = true;
+    RandomOperator robot(window, 6);
+    std::mt19937 random(7);
+    for (int step = 0; step < 200; ++step) {
+        robot.Act();
+        if (Paths().size() > 6)
+            window.canvas->clearAll();
+        const QImage full = window.Picture();
+        const QRect part(int(random() % unsigned(full.width())), int(random() % unsigned(full.height())),
+                         int(1 + random() % 80), int(1 + random() % 80));
+        const QRect inside = part.intersected(full.rect());
+        ASSERT_EQ(Part(window.canvas, inside), full.copy(inside)) << step;
+    }
+}
+
+TEST_F(CanvasRepaint, ARulerShownAfterItsMarksWereComputedIsPainted) {
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    mouse.Draw({{50, 100}, {250, 100}});
+    window.refreshRuler(); // as before a save, with the ruler hidden
+    QApplication::processEvents();
+    PaintedRegion painted(window.canvas);
+    painted.Take();
+    window.shown = true;
+    window.refreshRuler();
+    EXPECT_TRUE(painted.Take().contains(QPoint(126, 100)));
+}
+
+TEST_F(CanvasRepaint, ADragWithTheRulerShownRepaintsOnlyItsNeighbourhood) {
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    window.shown = true;
+    mouse.Draw({{50, 50}, {60, 60}});
+    mouse.Move({380, 280});
+    mouse.Draw({{340, 240}, {350, 250}});
+    window.canvas->setParameterEverywhere(SegmentParameter::Length, 10);
+    window.canvas->setParameterEverywhere(SegmentParameter::Width, 10);
+    window.refreshRuler();
+    mouse.Move({350, 250});
+    mouse.Press({350, 250});
+    PaintedRegion painted(window.canvas);
+    painted.Take();
+    mouse.Move({352, 252});
+    const QRegion region = painted.Take();
+    EXPECT_FALSE(region.isEmpty());
+    EXPECT_FALSE(region.intersects(QRect(0, 0, 200, 150)));
+}
+
+TEST_F(CanvasRepaint, TheImageIsThatOfAPlainLabelAtEveryViewScale) {
+    const QPixmap pixmap = QPixmap::fromImage(Noise({203, 149}, 3));
+    window.canvas->setPixmap(pixmap);
+    for (int step = 1; step <= 80; ++step) {
+        const QSize size = (QSizeF(pixmap.size()) * (step * 0.05)).toSize();
+        window.Resize(size);
+        ASSERT_EQ(window.Picture(), PlainLabel(pixmap, size)) << step * 5 << " %";
+    }
+}
+
+TEST_F(CanvasRepaint, TheImageIsThatOfAPlainLabelWhenOneAxisIsStretched) {
+    const QPixmap pixmap = QPixmap::fromImage(Noise({203, 149}, 4));
+    window.canvas->setPixmap(pixmap);
+    for (const QSize size : {QSize(300, 100), QSize(120, 380)}) {
+        window.Resize(size);
+        ASSERT_EQ(window.Picture(), PlainLabel(pixmap, size));
+    }
+}
+
+TEST_F(CanvasRepaint, ANewImageIsShownAtOnce) {
+    ASSERT_EQ(window.Picture().pixel(100, 100), qRgb(90, 90, 90));
+    window.ShowImage({400, 300}, QColor(200, 10, 20));
+    EXPECT_EQ(window.Picture().pixel(100, 100), qRgb(200, 10, 20));
+}
+
+TEST_F(CanvasRepaint, ScrollingShowsTheSamePixels) {
+    const QPixmap pixmap = QPixmap::fromImage(Noise({203, 149}, 5));
+    window.canvas->setPixmap(pixmap);
+    QScrollArea area;
+    area.setWidget(window.canvas);
+    window.canvas->resize(800, 600);
+    area.resize(200, 150);
+    area.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&area));
+    const QImage whole = PlainLabel(pixmap, {800, 600});
+    std::mt19937 random(8);
+    for (int step = 0; step < 60; ++step) {
+        window.canvas->move(-int(random() % 600), -int(random() % 450));
+        QApplication::processEvents();
+        const QRect seen = window.canvas->visibleRegion().boundingRect();
+        ASSERT_EQ(Part(window.canvas, seen), whole.copy(seen)) << step;
+    }
+    area.takeWidget()->setParent(window.central);
+}
+
+TEST_F(CanvasRepaint, TwoDevicePixelsAPixelGiveTheFullResolution) {
+    const QPixmap pixmap = QPixmap::fromImage(Noise({400, 300}, 9));
+    window.canvas->setPixmap(pixmap);
+    mouse.Draw({{50, 100}, {250, 100}});
+    window.canvas->setCurrentPath(9);
+    mouse.Move({390, 290});
+    QImage picture(800, 600, QImage::Format_RGB32);
+    picture.setDevicePixelRatio(2.0);
+    window.canvas->render(&picture);
+    picture.setDevicePixelRatio(1.0);
+    EXPECT_EQ(picture.copy(400, 400, 300, 150), PlainLabel(pixmap, {800, 600}).copy(400, 400, 300, 150));
+    EXPECT_EQ(picture.pixel(300, 198), qRgb(0, 0, 255)); // a line of 2 is 4 device pixels wide
+    EXPECT_EQ(picture.pixel(300, 201), qRgb(0, 0, 255));
+    EXPECT_NE(picture.pixel(300, 197), qRgb(0, 0, 255));
+    EXPECT_NE(picture.pixel(300, 202), qRgb(0, 0, 255));
+    EXPECT_EQ(picture.pixel(100, 200), qRgb(0, 255, 0));
+    EXPECT_EQ(picture.pixel(95, 195), qRgb(0, 255, 0)); // a dot of 5 is 10 wide
+    EXPECT_EQ(picture.pixel(104, 204), qRgb(0, 255, 0));
+}
+
+TEST_F(CanvasRepaint, ACanvasOfAnySizePaintsInPieces) {
+    window.Resize({3000, 2500});
+    mouse.Draw({{50, 2400}, {2900, 2400}});
+    const QImage picture = window.Picture();
+    EXPECT_EQ(picture.size(), QSize(3000, 2500));
+    EXPECT_EQ(picture.pixel(1000, 2400), qRgb(255, 0, 0));
+    EXPECT_EQ(picture.pixel(1000, 100), qRgb(90, 90, 90));
+    EXPECT_EQ(picture.pixel(2999, 2499), qRgb(90, 90, 90));
+}
+
+} // namespace
