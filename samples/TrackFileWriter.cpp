@@ -3,7 +3,7 @@
 #include "Decimal.h"
 
 #include <bit>
-#include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <stdexcept>
 
@@ -172,6 +172,7 @@ void WriteTrackFile(const std::string& path, const MachinedPart& part, const Sam
     file.close();
     if (file.good())
         return;
-    std::remove(path.c_str());
+    if (std::filesystem::is_regular_file(path))
+        std::filesystem::remove(path);
     throw std::runtime_error("cannot write all of " + path);
 }

@@ -15,5 +15,5 @@ struct SampleOptions {
 
 /// Writes the part as a track file, row by row. Both encodings of a part read back as the same raw height
 /// map. This writer is independent of the editor's own: it is made from the description of the format alone.
-/// @throw std::runtime_error when the file cannot be written whole; what was written is removed
+/// @throw std::runtime_error when the file cannot be written whole; what was written of it is removed
 void WriteTrackFile(const std::string& path, const MachinedPart& part, const SampleOptions& options);

@@ -1,0 +1,276 @@
+#include "TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <ctime>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+#include <windows.h>
+
+namespace {
+
+class MutexTest : public ::testing::Test {
+  protected:
+    MutexTest() : runtime(folder.Path("runtime")) {
+        ::mkdir(runtime.c_str(), 0700);
+        ::setenv("XDG_RUNTIME_DIR", runtime.c_str(), 1);
+    }
+
+    /// Runs `work` in a process of its own, which then holds what it has until it is killed.
+    template<typename Work>
+    static pid_t holdInChild(Work work) {
+        int ready[2];
+        if (::pipe(ready) != 0)
+            return -1;
+        const pid_t child = ::fork();
+        if (child == 0) {
+            work();
+            const char byte = 'r';
+            if (::write(ready[1], &byte, 1) != 1)
+                ::_exit(1);
+            for (;;)
+                ::pause();
+        }
+        ::close(ready[1]);
+        char byte = 0;
+        EXPECT_EQ(::read(ready[0], &byte, 1), 1);
+        ::close(ready[0]);
+        return child;
+    }
+
+    static void kill(pid_t child) {
+        ::kill(child, SIGKILL);
+        ::waitpid(child, nullptr, 0);
+    }
+
+    TemporaryFolder folder;
+    std::string runtime;
+};
+
+TEST_F(MutexTest, FirstMakesItAndSecondFindsIt) {
+    const HANDLE first = CreateMutexW(nullptr, FALSE, L"corvane");
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
+    const HANDLE second = CreateMutexW(nullptr, FALSE, L"corvane");
+    EXPECT_NE(second, nullptr);
+    EXPECT_EQ(GetLastError(), 183U);
+    EXPECT_EQ(CloseHandle(second), TRUE);
+    EXPECT_EQ(CloseHandle(first), TRUE);
+}
+
+TEST_F(MutexTest, SecondHandleClosedLeavesTheMutexToTheFirst) {
+    const HANDLE first = CreateMutexW(nullptr, FALSE, L"corvane");
+    CloseHandle(CreateMutexW(nullptr, FALSE, L"corvane"));
+    const HANDLE third = CreateMutexW(nullptr, FALSE, L"corvane");
+    EXPECT_EQ(GetLastError(), ERROR_ALREADY_EXISTS);
+    CloseHandle(third);
+    CloseHandle(first);
+}
+
+TEST_F(MutexTest, ClosedOneCanBeMadeAgain) {
+    CloseHandle(CreateMutexW(nullptr, FALSE, L"corvane"));
+    const HANDLE again = CreateMutexW(nullptr, FALSE, L"corvane");
+    EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
+    CloseHandle(again);
+}
+
+TEST_F(MutexTest, OtherNamesAreOtherMutexes) {
+    const HANDLE one = CreateMutexW(nullptr, FALSE, L"corvane");
+    const HANDLE other = CreateMutexW(nullptr, FALSE, L"corvane-2");
+    EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
+    CloseHandle(other);
+    CloseHandle(one);
+}
+
+TEST_F(MutexTest, OtherArgumentsAreRefused) {
+    EXPECT_EQ(CreateMutexW(nullptr, FALSE, nullptr), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(CreateMutexW(nullptr, TRUE, L"corvane"), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+}
+
+TEST_F(MutexTest, NamesThatCouldLeaveTheFolderAreRefused) {
+    const std::wstring tooLong(101, L'x');
+    for (const wchar_t* const name : {L"", L"a/b", L"..", L".hidden", L"a\\b", L"ä", tooLong.c_str()}) {
+        EXPECT_EQ(CreateMutexW(nullptr, FALSE, name), nullptr);
+        EXPECT_EQ(GetLastError(), ERROR_INVALID_NAME);
+    }
+    EXPECT_TRUE(::rmdir(runtime.c_str()) == 0); // nothing was made in it
+}
+
+TEST_F(MutexTest, NullHandleCannotBeClosed) {
+    EXPECT_EQ(CloseHandle(nullptr), FALSE);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+}
+
+TEST_F(MutexTest, HolderThatIsKilledGivesItUpAtOnce) {
+    const pid_t child = holdInChild([] { CreateMutexW(nullptr, FALSE, L"corvane"); });
+    const HANDLE whileHeld = CreateMutexW(nullptr, FALSE, L"corvane");
+    EXPECT_EQ(GetLastError(), ERROR_ALREADY_EXISTS);
+    CloseHandle(whileHeld);
+    kill(child);
+    const HANDLE after = CreateMutexW(nullptr, FALSE, L"corvane");
+    EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
+    CloseHandle(after);
+}
+
+TEST_F(MutexTest, ExactlyOneOfFiftyAtOnceMakesIt) {
+    int start[2];
+    int results[2];
+    ASSERT_EQ(::pipe(start), 0);
+    ASSERT_EQ(::pipe(results), 0);
+    std::vector<pid_t> children;
+    for (int i = 0; i < 50; ++i) {
+        children.push_back(::fork());
+        if (children.back() != 0)
+            continue;
+        ::close(start[1]);
+        char byte = 0;
+        if (::read(start[0], &byte, 1) != 0) // until all are there
+            ::_exit(1);
+        const HANDLE mutex = CreateMutexW(nullptr, FALSE, L"corvane");
+        byte = mutex == nullptr ? 'f' : GetLastError() == ERROR_ALREADY_EXISTS ? 'e' : 'm';
+        if (::write(results[1], &byte, 1) != 1)
+            ::_exit(1);
+        for (;;)
+            ::pause();
+    }
+    ::close(start[1]);
+    std::string answers(50, '?');
+    for (char& answer : answers)
+        ASSERT_EQ(::read(results[0], &answer, 1), 1);
+    for (const pid_t child : children)
+        kill(child);
+    EXPECT_EQ(std::count(answers.begin(), answers.end(), 'm'), 1) << answers;
+    EXPECT_EQ(std::count(answers.begin(), answers.end(), 'e'), 49) << answers;
+}
+
+TEST_F(MutexTest, ProgramsStartedMeanwhileDoNotHoldIt) {
+    const HANDLE mutex = CreateMutexW(nullptr, FALSE, L"corvane");
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::execl("/bin/sleep", "sleep", "60", nullptr);
+        ::_exit(1);
+    }
+    // The child lets go of it by becoming another program; that it has is seen from its command line.
+    const std::string commandLine = "/proc/" + std::to_string(child) + "/comm";
+    while (FileContent(commandLine) != "sleep\n")
+        ::usleep(1000);
+    CloseHandle(mutex);
+    const HANDLE again = CreateMutexW(nullptr, FALSE, L"corvane");
+    EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
+    CloseHandle(again);
+    kill(child);
+}
+
+TEST_F(MutexTest, LockFileIsPrivateAndStays) {
+    CloseHandle(CreateMutexW(nullptr, FALSE, L"corvane"));
+    struct stat state {};
+    ASSERT_EQ(::stat((runtime + "/corvane.lock").c_str(), &state), 0);
+    EXPECT_EQ(state.st_mode, static_cast<mode_t>(S_IFREG | S_ISVTX | 0600));
+}
+
+TEST_F(MutexTest, LinkInPlaceOfTheLockFileIsNotFollowed) {
+    WriteFile(folder.Path("precious"), "keep");
+    ASSERT_EQ(::symlink(folder.Path("precious").c_str(), (runtime + "/corvane.lock").c_str()), 0);
+    EXPECT_EQ(CreateMutexW(nullptr, FALSE, L"corvane"), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+    struct stat state {};
+    ::stat(folder.Path("precious").c_str(), &state);
+    EXPECT_EQ(state.st_mode & S_ISVTX, 0U);
+    EXPECT_EQ(FileContent(folder.Path("precious")), "keep");
+}
+
+TEST_F(MutexTest, FolderInPlaceOfTheLockFileIsRefused) {
+    ::mkdir((runtime + "/corvane.lock").c_str(), 0700);
+    EXPECT_EQ(CreateMutexW(nullptr, FALSE, L"corvane"), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+}
+
+/// A runtime directory that is not this user's alone, or none at all, is left alone for another one, where
+/// the mutex is as good.
+TEST_F(MutexTest, UnusableRuntimeDirectoriesArePassedOver) {
+    ASSERT_EQ(::symlink(runtime.c_str(), folder.Path("link").c_str()), 0);
+    ::mkdir(folder.Path("open").c_str(), 0700);
+    ::chmod(folder.Path("open").c_str(), 0755);
+    const std::string name = "corvane-test-" + std::to_string(::getpid());
+    const std::wstring wide(name.begin(), name.end());
+    for (const std::string& directory : {folder.Path("absent"), folder.Path("link"), folder.Path("open"),
+                                         std::string("relative"), std::string()}) {
+        ::setenv("XDG_RUNTIME_DIR", directory.c_str(), 1);
+        const HANDLE first = CreateMutexW(nullptr, FALSE, wide.c_str());
+        EXPECT_NE(first, nullptr) << directory;
+        EXPECT_EQ(GetLastError(), ERROR_SUCCESS) << directory;
+        ::unsetenv("XDG_RUNTIME_DIR");
+        const HANDLE second = CreateMutexW(nullptr, FALSE, wide.c_str());
+        EXPECT_EQ(GetLastError(), ERROR_ALREADY_EXISTS) << directory;
+        CloseHandle(second);
+        CloseHandle(first);
+        EXPECT_EQ(FileContent(directory + "/" + name + ".lock"), "");
+        EXPECT_NE(::access((directory + "/" + name + ".lock").c_str(), F_OK), 0) << directory;
+    }
+    const std::string user = std::to_string(::geteuid());
+    ::unlink(("/run/user/" + user + "/" + name + ".lock").c_str());
+    ::unlink(("/tmp/corvane-" + user + "/" + name + ".lock").c_str());
+}
+
+TEST(FopenSTest, OpensEmptiesAndReportsFailures) {
+    const TemporaryFolder folder;
+    WriteFile("log", "old");
+    std::FILE* file = nullptr;
+    ASSERT_EQ(fopen_s(&file, "log", "w+"), 0);
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(FileContent("log"), "");
+    std::fclose(file);
+    EXPECT_EQ(fopen_s(&file, ".", "w+"), EISDIR);
+    EXPECT_EQ(file, nullptr);
+    EXPECT_EQ(fopen_s(&file, "no/log", "w+"), ENOENT);
+    EXPECT_EQ(fopen_s(nullptr, "log", "w+"), EINVAL);
+    EXPECT_EQ(fopen_s(&file, nullptr, "w+"), EINVAL);
+}
+
+TEST(TickCountTest, CountsMilliseconds) {
+    const auto before = std::chrono::steady_clock::now();
+    const DWORD first = GetTickCount();
+    DWORD passed = 0;
+    do {
+        passed = GetTickCount() - first;
+    } while (passed < 20);
+    const auto elapsed = std::chrono::steady_clock::now() - before;
+    EXPECT_GE(elapsed, std::chrono::milliseconds(19));
+}
+
+TEST(TimeFormatTest, WritesTheLocalTimeOfNow) {
+    char text[200];
+    const std::time_t before = std::time(nullptr);
+    ASSERT_EQ(GetTimeFormatA(LOCALE_USER_DEFAULT, 0, nullptr, "HH':'mm':'ss", text, sizeof text), 9);
+    const std::time_t after = std::time(nullptr);
+    bool found = false;
+    for (std::time_t time = before; time <= after && !found; ++time) {
+        char expected[16];
+        std::tm local{};
+        localtime_r(&time, &local);
+        std::snprintf(expected, sizeof expected, "%02u:%02u:%02u", static_cast<unsigned>(local.tm_hour) % 24,
+                      static_cast<unsigned>(local.tm_min) % 60, static_cast<unsigned>(local.tm_sec) % 61);
+        found = std::string(text) == expected;
+    }
+    EXPECT_TRUE(found) << text;
+}
+
+TEST(TimeFormatTest, RefusesWhatItDoesNotKnow) {
+    char text[200];
+    EXPECT_EQ(GetTimeFormatA(LOCALE_USER_DEFAULT, 0, nullptr, "HH':'mm':'ss", text, 8), 0);
+    EXPECT_EQ(GetTimeFormatA(LOCALE_USER_DEFAULT, 0, nullptr, "HH':'mm':'ss", text, 0), 0);
+    EXPECT_EQ(GetTimeFormatA(LOCALE_USER_DEFAULT, 1, nullptr, "HH':'mm':'ss", text, sizeof text), 0);
+    EXPECT_EQ(GetTimeFormatA(LOCALE_USER_DEFAULT, 0, nullptr, "hh", text, sizeof text), 0);
+}
+
+} // namespace
