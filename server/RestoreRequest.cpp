@@ -1,9 +1,15 @@
 #include "RestoreRequest.h"
 
-#include "RequestError.h"
+#include "ReplayMode.h"
+#include "RestoredBackup.h"
+#include "Workspace.h"
+
+#include <utility>
 
 void RestoreRequest::Run(const BodySpool& body, const ByteRange& archive) const {
-    (void)body;
-    (void)archive;
-    throw RequestError(501, "Restoring is not served yet.");
+    StagedFolder staged = sensor.workspace.Stage();
+    RestoredBackup backup(body, archive);
+    backup.Unpack(staged.Tree());
+    sensor.workspace.Replace(std::move(staged));
+    sensor.replay.Restored(backup.Replay());
 }

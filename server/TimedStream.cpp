@@ -4,20 +4,20 @@
 
 #include <boost/asio/buffer.hpp>
 
-void TimedStream::Accept(boost::asio::ip::tcp::socket socket) {
-    stream.emplace(std::move(socket));
+void TimedStream::Accept(boost::asio::ip::tcp::socket accepted) {
+    socket.emplace(std::move(accepted));
     Error ignored; // only costs time when it fails
-    stream->socket().set_option(boost::asio::ip::tcp::no_delay(true), ignored);
+    socket->set_option(boost::asio::ip::tcp::no_delay(true), ignored);
 }
 
 void TimedStream::ExpireAfter(std::chrono::milliseconds time) {
-    stream->expires_after(time);
+    deadline = Clock::now() + time;
 }
 
 bool TimedStream::Pause(std::chrono::milliseconds time) {
     Error error;
     pause.expires_after(time);
-    Await(error,
+    Await(error, Clock::time_point::max(),
           [&](auto done) { pause.async_wait([done](const Error& outcome) mutable { done(outcome, 0); }); });
     return !stopped;
 }
@@ -26,7 +26,7 @@ void TimedStream::CloseGently() {
     constexpr std::chrono::seconds kPatience{1};
     constexpr std::size_t kChunk = 16U * 1024U;
     Error error;
-    stream->socket().shutdown(boost::asio::ip::tcp::socket::shutdown_send, error);
+    socket->shutdown(boost::asio::ip::tcp::socket::shutdown_send, error);
     ExpireAfter(kPatience);
     std::array<char, kChunk> unread{};
     while (!error)
@@ -35,7 +35,8 @@ void TimedStream::CloseGently() {
 }
 
 void TimedStream::Close() {
-    stream->close();
+    Error ignored; // the connection is gone either way
+    socket->close(ignored);
 }
 
 void TimedStream::Stop() {
@@ -45,13 +46,14 @@ void TimedStream::Stop() {
 
 std::string TimedStream::LocalAddress() const {
     Error error;
-    const auto here = stream->socket().local_endpoint(error);
+    const auto here = socket->local_endpoint(error);
     return error ? std::string() : here.address().to_string();
 }
 
 void TimedStream::Abandon() {
-    // The call that Stop interrupted still refers to the caller's buffers: it has to end first.
-    stream->close();
+    // The call still refers to the caller's buffers: it has to end first.
+    Error ignored;
+    socket->cancel(ignored);
     pause.cancel();
     io.restart();
     io.run();

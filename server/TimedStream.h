@@ -6,8 +6,9 @@
 #include <string>
 
 #include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
-#include <boost/beast/core/tcp_stream.hpp>
+#include <boost/beast/core/error.hpp>
 
 /// A client's connection, read and written in plain sequence by one thread, with a deadline that no call
 /// outlives. Serves as Beast's synchronous stream.
@@ -17,18 +18,18 @@ class TimedStream final {
 
     /// The context that the connection's socket is made on; run by this object alone.
     boost::asio::io_context& Context() { return io; }
-    void Accept(boost::asio::ip::tcp::socket socket);
+    void Accept(boost::asio::ip::tcp::socket accepted);
 
-    /// From now on calls fail with beast::error::timeout once this time is over.
+    /// From now on calls fail with beast::error::timeout once this time is over; the connection stays open.
     void ExpireAfter(std::chrono::milliseconds time);
 
     template<typename Buffers>
     std::size_t read_some(const Buffers& buffers, Error& error) {
-        return Await(error, [&](auto done) { stream->async_read_some(buffers, std::move(done)); });
+        return Await(error, deadline, [&](auto done) { socket->async_read_some(buffers, std::move(done)); });
     }
     template<typename Buffers>
     std::size_t write_some(const Buffers& buffers, Error& error) {
-        return Await(error, [&](auto done) { stream->async_write_some(buffers, std::move(done)); });
+        return Await(error, deadline, [&](auto done) { socket->async_write_some(buffers, std::move(done)); });
     }
     template<typename Buffers>
     std::size_t read_some(const Buffers& buffers) {
@@ -55,10 +56,15 @@ class TimedStream final {
     [[nodiscard]] std::string LocalAddress() const;
 
   private:
+    using Clock = std::chrono::steady_clock;
+
     template<typename Start>
-    std::size_t Await(Error& error, const Start& start) {
+    std::size_t Await(Error& error, Clock::time_point end, const Start& start) {
         std::size_t count = 0;
         bool complete = false;
+        error = boost::beast::error::timeout;
+        if (Clock::now() >= end)
+            return 0; // or a peer that always has a byte ready would never be late
         error = boost::asio::error::operation_aborted;
         io.restart();
         if (stopped)
@@ -68,9 +74,12 @@ class TimedStream final {
             count = size;
             complete = true;
         });
-        io.run();
-        if (!complete)
-            Abandon();
+        io.run_until(end);
+        if (complete)
+            return count;
+        Abandon();
+        if (error && !stopped)
+            error = boost::beast::error::timeout;
         return count;
     }
     template<typename Call>
@@ -85,6 +94,7 @@ class TimedStream final {
 
     boost::asio::io_context io{1};
     boost::asio::steady_timer pause{io};
-    std::optional<boost::beast::tcp_stream> stream;
+    std::optional<boost::asio::ip::tcp::socket> socket;
+    Clock::time_point deadline = Clock::time_point::max();
     std::atomic<bool> stopped = false;
 };

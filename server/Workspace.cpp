@@ -122,23 +122,22 @@ Workspace::Snapshot Workspace::Open() const {
 }
 
 StagedFolder Workspace::Stage() const {
-    constexpr mode_t kPermissionBits = 0777;
     std::string path = Beside("new-XXXXXX");
     if (mkdtemp(path.data()) == nullptr)
         throw std::runtime_error("No folder can be made beside the workspace.");
-    StagedFolder staged(path);
-    struct stat served {};
-    if (stat(target.c_str(), &served) != 0 || chmod(path.c_str(), served.st_mode & kPermissionBits) != 0)
-        throw std::runtime_error("The folder beside the workspace cannot be prepared.");
-    return staged;
+    return StagedFolder(path);
 }
 
 void Workspace::Replace(StagedFolder staged) {
+    constexpr mode_t kPermissionBits = 0777;
+    const std::string tree = staged.Tree();
     // Removing the old content may take a while: it happens after the lock is gone.
     std::shared_ptr<Generation> before;
     const std::lock_guard lock(mutex);
-    const bool replaced =
-        Exchange(staged.Path(), target) || ExchangeBySteps(staged.Path(), target, Beside("old"));
+    struct stat served {};
+    const bool replaced = stat(target.c_str(), &served) == 0 &&
+                          chmod(tree.c_str(), served.st_mode & kPermissionBits) == 0 &&
+                          (Exchange(tree, target) || ExchangeBySteps(tree, target, Beside("old")));
     if (!replaced)
         throw std::runtime_error("The workspace cannot be replaced.");
     before = std::exchange(current, std::make_shared<Generation>());

@@ -14,7 +14,8 @@ class StagedFolder final {
     StagedFolder& operator=(StagedFolder&&) = delete;
     ~StagedFolder();
 
-    [[nodiscard]] const std::string& Path() const { return path; }
+    /// The folder to fill; it is yet to be made.
+    [[nodiscard]] std::string Tree() const { return path + "/workspace"; }
     /// Leaves the folder to the caller.
     std::string Release() { return std::exchange(path, {}); }
 
@@ -49,11 +50,12 @@ class Workspace final {
     /// The folder that holds the workspace, on the same file system.
     [[nodiscard]] const std::string& Parent() const { return parent; }
 
-    /// An empty folder beside the workspace, with the workspace's permissions.
+    /// A place beside the workspace to unpack a new one in.
     /// @throws std::runtime_error when it cannot be made
     [[nodiscard]] StagedFolder Stage() const;
 
-    /// Puts a filled folder in the workspace's place; the old one is removed when its last snapshot is gone.
+    /// Puts a filled folder in the workspace's place, with the workspace's permissions; the old one is
+    /// removed when its last snapshot is gone.
     /// @throws std::runtime_error when that fails; the old workspace then stands as before
     void Replace(StagedFolder staged);
 

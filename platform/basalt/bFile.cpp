@@ -26,6 +26,11 @@ bStatus bFile::OpenToRead(const char* path) {
     return regular ? bOK : bERROR_FILE;
 }
 
+void bFile::OpenToRead(Source from, std::int64_t size) {
+    source = std::move(from);
+    sourceSize = size;
+}
+
 bStatus bFile::OpenToWrite(const char* path) try {
     output.emplace(path);
     return output->IsOpen() ? bOK : bERROR_FILE;
@@ -35,6 +40,8 @@ bStatus bFile::OpenToWrite(const char* path) try {
 
 bStatus bFile::Read(void* data, std::size_t capacity, std::size_t* count) {
     *count = 0;
+    if (source)
+        return source(data, capacity, count);
     while (*count < capacity) {
         const ssize_t got = read(descriptor, static_cast<char*>(data) + *count, capacity - *count);
         if (got == 0)
@@ -48,6 +55,8 @@ bStatus bFile::Read(void* data, std::size_t capacity, std::size_t* count) {
 }
 
 std::int64_t bFile::Skip(std::int64_t size) {
+    if (source)
+        return 0; // which makes the reader read over what it does not want
     const off_t here = lseek(descriptor, 0, SEEK_CUR);
     Facts facts;
     if (here < 0 || size < 0 || Ask(&facts) != bOK)
@@ -57,6 +66,10 @@ std::int64_t bFile::Skip(std::int64_t size) {
 }
 
 bStatus bFile::Ask(Facts* facts) const {
+    if (source) {
+        *facts = {.size = sourceSize};
+        return bOK;
+    }
     struct stat state {};
     if (descriptor < 0 || fstat(descriptor, &state) != 0)
         return bERROR_FILE;
@@ -130,6 +143,15 @@ bStatus bFile_Construct(bFile** file, const char* path, int mode, bAlloc allocat
         *file = nullptr;
     }
     return opened;
+}
+
+bStatus bFile_ConstructOver(bFile** file, bFile::Source source, std::int64_t size, bAlloc allocator) {
+    if (!source || size < 0)
+        return bERROR_PARAMETER;
+    const bStatus status = bObject_New(file, allocator);
+    if (status == bOK)
+        (*file)->OpenToRead(std::move(source), size);
+    return status;
 }
 
 bStatus bFile_SetWriteBuffer(bFile* file, std::size_t size) {

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,11 +27,18 @@ class bFile final : public bObject {
         bool operator==(const Facts&) const = default;
     };
 
+    /// Reads on from where the last call ended: up to `capacity` bytes, fewer only at the end.
+    /// @return 1 and the number of bytes in `*count`; another status on failure.
+    using Source = std::function<bStatus(void* data, std::size_t capacity, std::size_t* count)>;
+
     explicit bFile(bAlloc allocator);
     ~bFile() override;
 
     /// @return 1; bERROR_NOT_FOUND; bERROR_FILE when it cannot be opened or is not a regular file.
     [[nodiscard]] bStatus OpenToRead(const char* path);
+    /// Opens what is no file of its own, such as a part of another one, to be read from its start.
+    /// @param size how many bytes the source has
+    void OpenToRead(Source from, std::int64_t size);
     /// @return 1; bERROR_FILE; bERROR_MEMORY.
     [[nodiscard]] bStatus OpenToWrite(const char* path);
 
@@ -53,6 +61,8 @@ class bFile final : public bObject {
     void FlushBuffer();
 
     int descriptor = -1;
+    Source source; ///< instead of the descriptor
+    std::int64_t sourceSize = 0;
     std::optional<WholeFile> output;
     std::pmr::vector<char> buffer;
     std::size_t bufferSize = 0;
@@ -71,6 +81,10 @@ std::int64_t bFile_Size(const char* path);
 /// Opens a file; `mode` is bFile_READ or bFile_WRITE.
 /// @return 1; bERROR_NOT_FOUND; bERROR_FILE; bERROR_MEMORY; bERROR_PARAMETER. `*file` is null unless 1.
 bStatus bFile_Construct(bFile** file, const char* path, int mode, bAlloc allocator);
+
+/// Opens a source of `size` bytes as a file that is read.
+/// @return 1; bERROR_MEMORY; bERROR_PARAMETER. `*file` is null unless 1.
+bStatus bFile_ConstructOver(bFile** file, bFile::Source source, std::int64_t size, bAlloc allocator);
 
 /// Gives a file opened for writing a buffer of `size` bytes.
 /// @return 1; bERROR_MEMORY; bERROR_PARAMETER for a file that is read.

@@ -115,7 +115,7 @@ la_int64_t TarReader::Skip(archive* /*handle*/, void* reader, la_int64_t size) {
 bStatus TarReader::NextHeader(archive_entry** entry) {
     if (!opened)
         return Damage();
-    do {
+    for (;; ++passedOver) {
         if (entries >= bTar_MOST_ENTRIES)
             return bERROR_LIMIT;
         ++entries;
@@ -124,8 +124,9 @@ bStatus TarReader::NextHeader(archive_entry** entry) {
             return StatusOfTheEnd();
         if (result != ARCHIVE_OK && !OnlyTheNamesCharactersAreOdd(result))
             return Damage();
-    } while (IsPassedOver(*entry));
-    return bOK;
+        if (!IsPassedOver(*entry))
+            return bOK;
+    }
 }
 
 /// The warning that names beyond ASCII bring when they are read as bytes. Any other warning means that

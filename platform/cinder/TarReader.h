@@ -17,6 +17,7 @@ class TarReader final : public bTar {
     [[nodiscard]] bStatus BeginRead(char* name, std::size_t capacity, int* kind, std::int64_t* size);
     [[nodiscard]] bStatus ReadBlock(std::string_view* block);
     [[nodiscard]] unsigned Permissions() const { return permissions; }
+    [[nodiscard]] std::int64_t PassedOver() const { return passedOver; }
 
   private:
     static la_ssize_t Fill(archive* handle, void* reader, const void** data);
@@ -35,6 +36,7 @@ class TarReader final : public bTar {
     std::int64_t archiveSize = 0;
     std::int64_t entries = 0;
     bool opened = false;
+    std::int64_t passedOver = 0; ///< entries that are neither files nor directories
     bool fileFailed = false;
 
     // The current entry.

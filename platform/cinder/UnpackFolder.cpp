@@ -176,3 +176,13 @@ void UnpackFolderStrictly(const std::string& tarFileName, const std::string& tar
     if (end != bERROR_END)
         Fail(__LINE__, end, "The archive is damaged - " + tarFileName);
 }
+
+void UnpackFolderStrictly(bFile* archive, const std::string& targetDirectory, bAlloc allocator) {
+    const bOwned<bTar> tar = OpenArchive(archive, allocator);
+    MakeFresh(targetDirectory);
+    const bStatus end = Unpacker(tar.get(), targetDirectory).UnpackEntries();
+    if (end != bERROR_END)
+        Fail(__LINE__, end, "The archive is damaged.");
+    if (bTar_PassedOver(tar.get()) != 0)
+        Fail(__LINE__, bERROR_FORMAT, "The archive holds links or special files.");
+}

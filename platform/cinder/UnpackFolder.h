@@ -1,6 +1,7 @@
 #pragma once
 
 #include "bAlloc.h"
+#include "bFile.h"
 #include "bStatus.h"
 
 #include <string>
@@ -20,3 +21,10 @@ bStatus UnpackFolder(const std::string& tarFileName, const std::string& targetDi
 /// @throws Ve::Exception as above; "The archive is damaged - " and its name with the status
 void UnpackFolderStrictly(const std::string& tarFileName, const std::string& targetDirectory,
                           bAlloc allocator);
+
+/// The strict form for an archive that is open for reading. Links and special files are a failure here: who
+/// replaces a whole tree must not lose a part of it unnoticed.
+/// @throws Ve::Exception as above; "The archive is damaged." with the status, "The archive holds links or
+/// special
+///         files." with bERROR_FORMAT
+void UnpackFolderStrictly(bFile* archive, const std::string& targetDirectory, bAlloc allocator);

@@ -56,3 +56,8 @@ unsigned bTar_Permissions(const bTar* tar) {
     const auto* const reader = dynamic_cast<const TarReader*>(tar);
     return reader == nullptr ? 0 : reader->Permissions();
 }
+
+std::int64_t bTar_PassedOver(const bTar* tar) {
+    const auto* const reader = dynamic_cast<const TarReader*>(tar);
+    return reader == nullptr ? 0 : reader->PassedOver();
+}

@@ -60,3 +60,6 @@ bStatus bTar_ReadBlock(bTar* tar, std::string_view* block);
 
 /// The permissions of the current entry, within 0777.
 unsigned bTar_Permissions(const bTar* tar);
+
+/// How many entries were passed over so far, being neither files nor directories.
+std::int64_t bTar_PassedOver(const bTar* tar);

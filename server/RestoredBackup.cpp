@@ -1,0 +1,152 @@
+#include "RestoredBackup.h"
+
+#include "Exception.h"
+#include "RequestError.h"
+#include "TarName.h"
+#include "UnpackFolder.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <vector>
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace {
+
+constexpr std::size_t kLargestInfo = 64U * 1024U;
+
+[[noreturn]] void Refuse(const std::string& text) {
+    throw RequestError(422, text);
+}
+
+bOwned<bFile> OpenOver(bFile::Source source, std::int64_t size) {
+    bFile* file = nullptr;
+    if (bFile_ConstructOver(&file, std::move(source), size, bAlloc_Application()) != bOK)
+        throw std::bad_alloc();
+    return bOwned<bFile>(file);
+}
+
+/// The name without empty parts and ".".
+std::string PlainName(const std::string& name) {
+    std::string plain;
+    for (const std::string& part : TarNameParts(name))
+        plain += (plain.empty() ? "" : "/") + part;
+    return plain;
+}
+
+/// What went wrong with the inner archive, without the path of the folder it was to be unpacked into.
+RequestError Reported(const Ve::Exception& failure, const std::string& target) {
+    std::string text = failure.what();
+    for (std::size_t at = 0; (at = text.find(target, at)) != std::string::npos;)
+        text.erase(at, target.size());
+    const bool diskFailed = text.rfind("Failed to write ", 0) == 0;
+    return {diskFailed ? 500U : 422U, "workspaces/Workspace.osws: " + text};
+}
+
+} // namespace
+
+RestoredBackup::RestoredBackup(const BodySpool& body, const ByteRange& range) : body(body), left(range) {
+}
+
+void RestoredBackup::Unpack(const std::string& target) {
+    const bOwned<bFile> file =
+        OpenOver([this](void* data, std::size_t capacity,
+                        std::size_t* count) { return ReadBody(data, capacity, count); },
+                 static_cast<std::int64_t>(left.size));
+    bTar* tar = nullptr;
+    if (bTar_Construct(&tar, file.get(), bFile_READ, bAlloc_Application()) != bOK)
+        Refuse("The archive is no tar archive.");
+    outer.reset(tar);
+    try {
+        ReadEntries(target);
+    } catch (const Ve::Exception& failure) {
+        throw Reported(failure, target);
+    }
+    outer.reset();
+    if (!workspaceSeen)
+        Refuse("The archive holds no workspaces/Workspace.osws.");
+    if (!std::filesystem::is_directory(target + "/vdk/ContourPath"))
+        Refuse("The workspace has no vdk/ContourPath.");
+}
+
+void RestoredBackup::ReadEntries(const std::string& target) {
+    std::array<char, bTar_NAME_SIZE> name{};
+    int kind = 0;
+    std::int64_t size = 0;
+    bStatus status = bOK;
+    while ((status = bTar_BeginRead(outer.get(), name.data(), name.size(), &kind, &size)) == bOK) {
+        if (!IsNarrowTarName(name.data()))
+            Refuse("The archive has an unsafe name.");
+        if (kind == bTar_FILE)
+            ReadEntry(PlainName(name.data()), size, target);
+    }
+    if (status != bERROR_END)
+        Refuse("The archive is damaged.");
+    if (bTar_PassedOver(outer.get()) != 0)
+        Refuse("The archive holds links or special files.");
+}
+
+void RestoredBackup::ReadEntry(const std::string& name, std::int64_t size, const std::string& target) {
+    if (name == "info.json")
+        ReadInfo(size);
+    else if (name == "workspaces/Workspace.osws")
+        UnpackInner(size, target);
+}
+
+void RestoredBackup::ReadInfo(std::int64_t size) {
+    if (infoSeen || size > static_cast<std::int64_t>(kLargestInfo))
+        Refuse("info.json is there twice or too large.");
+    infoSeen = true;
+    QByteArray text(static_cast<int>(size), '\0');
+    std::size_t count = 0;
+    if (ReadOuter(text.data(), static_cast<std::size_t>(text.size()), &count) != bOK)
+        Refuse("info.json is damaged.");
+    const auto document = QJsonDocument::fromJson(text);
+    if (!document.isObject())
+        Refuse("info.json is not a JSON object.");
+    if (const QJsonValue mode = document.object().value(QLatin1String("replay")); mode.isBool())
+        replay = mode.toBool();
+}
+
+void RestoredBackup::UnpackInner(std::int64_t size, const std::string& target) {
+    if (workspaceSeen)
+        Refuse("workspaces/Workspace.osws is there twice.");
+    workspaceSeen = true;
+    const bOwned<bFile> inner =
+        OpenOver([this](void* data, std::size_t capacity,
+                        std::size_t* count) { return ReadOuter(data, capacity, count); },
+                 size);
+    UnpackFolderStrictly(inner.get(), target, bAlloc_Application());
+    block = {};
+}
+
+bStatus RestoredBackup::ReadBody(void* data, std::size_t capacity, std::size_t* count) {
+    try {
+        *count = body.Read(left.offset, static_cast<char*>(data),
+                           static_cast<std::size_t>(std::min<std::uint64_t>(capacity, left.size)));
+    } catch (const RequestError&) {
+        return bERROR_FILE; // no exception may pass through the archive library
+    }
+    left.offset += *count;
+    left.size -= *count;
+    return bOK;
+}
+
+bStatus RestoredBackup::ReadOuter(void* data, std::size_t capacity, std::size_t* count) {
+    *count = 0;
+    while (*count < capacity) {
+        if (block.empty()) {
+            const bStatus status = bTar_ReadBlock(outer.get(), &block);
+            if (status == bERROR_END)
+                return bOK;
+            if (status != bOK)
+                return status;
+        }
+        const std::size_t copied = block.copy(static_cast<char*>(data) + *count, capacity - *count);
+        block.remove_prefix(copied);
+        *count += copied;
+    }
+    return bOK;
+}
