@@ -114,7 +114,7 @@ void CborReader::AppendToFrame(const void* data, std::size_t size) {
 /// The room grows with what has really arrived, never by the declared length alone; and it grows in steps
 /// that leave the last copying to where little is in it, so that the peak is the size of the whole.
 void CborReader::MakeRoom(std::size_t size) {
-    constexpr std::uint64_t kFirstRoom = 1024 * 1024;
+    constexpr std::uint64_t kFirstRoom = std::uint64_t{1024} * 1024;
     constexpr std::uint64_t kGrowth = 16;
     VeJson::Bytes& bytes = byteStrings.back();
     if (bytes.capacity() - bytes.size() >= size)

@@ -22,7 +22,7 @@ namespace {
 
 constexpr std::chrono::seconds kConnectTimeout(5);
 constexpr std::uint64_t kLargestReply = 4ULL * 1024 * 1024 * 1024;
-constexpr std::size_t kSentAtOnce = 1024U * 1024U;
+constexpr std::size_t kSentAtOnce = std::size_t{1024} * 1024;
 
 http::verb BeastVerb(HttpVerb verb) {
     switch (verb) {

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr std::size_t kReadSize = 256U * 1024U;
+constexpr std::size_t kReadSize = std::size_t{256} * 1024;
 
 void SplitRequestLine(ScriptedRequest& request) {
     const std::size_t afterVerb = request.head.find(' ');

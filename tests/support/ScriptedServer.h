@@ -13,7 +13,7 @@
 
 /// One request as a ScriptedServer received it.
 struct ScriptedRequest {
-    static constexpr std::size_t kKeptBody = 16U * 1024U * 1024U;
+    static constexpr std::size_t kKeptBody = std::size_t{16} * 1024 * 1024;
 
     std::string verb;
     std::string path;
@@ -29,11 +29,11 @@ struct ScriptedRequest {
 struct ScriptedReply {
     static constexpr std::uint64_t kNever = std::numeric_limits<std::uint64_t>::max();
 
-    std::string bytes;                  ///< the whole reply, its head included
-    std::uint64_t filler = 0;           ///< so many letters "x" follow
-    std::size_t pieceSize = 256 * 1024; ///< what is sent at once
-    std::chrono::milliseconds pause{0}; ///< before each piece
-    std::uint64_t cutAfter = kNever;    ///< ends the reply after so many bytes
+    std::string bytes;                               ///< the whole reply, its head included
+    std::uint64_t filler = 0;                        ///< so many letters "x" follow
+    std::size_t pieceSize = std::size_t{256} * 1024; ///< what is sent at once
+    std::chrono::milliseconds pause{0};              ///< before each piece
+    std::uint64_t cutAfter = kNever;                 ///< ends the reply after so many bytes
     bool closes = true; ///< ends the connection after the reply; otherwise keeps it open and silent
 };
 
