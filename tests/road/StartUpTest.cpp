@@ -1,0 +1,159 @@
+#include "FakeLibraries.h"
+#include "TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <QApplication>
+#include <QMainWindow>
+#include <QTimer>
+
+#include <cstdlib>
+#include <functional>
+#include <sys/stat.h>
+
+#include <windows.h>
+
+/// The program's entry, built under this name.
+int CorvaneMain(int argc, char** argv);
+
+namespace {
+
+/// What is done once the event loop of the program runs.
+std::function<void(QMainWindow&)> whenShown;
+bool highDpiAtConstruction = false;
+
+QMainWindow* ShownWindow() {
+    for (QWidget* const widget : QApplication::topLevelWidgets())
+        if (auto* const window = qobject_cast<QMainWindow*>(widget); window != nullptr && window->isVisible())
+            return window;
+    return nullptr;
+}
+
+void Plan() {
+    highDpiAtConstruction = QCoreApplication::testAttribute(Qt::AA_EnableHighDpiScaling);
+    QTimer::singleShot(0, [] {
+        QMainWindow* const window = ShownWindow();
+        if (window == nullptr)
+            QCoreApplication::exit(99);
+        else
+            whenShown(*window);
+    });
+}
+Q_COREAPP_STARTUP_FUNCTION(Plan)
+
+/// One start of the program in this process: a process starts it once.
+class StartUpTest : public ::testing::Test {
+  protected:
+    StartUpTest() {
+        ::mkdir("runtime", 0700);
+        ::setenv("XDG_RUNTIME_DIR", folder.Path("runtime").c_str(), 1);
+        whenShown = [](QMainWindow& window) { window.close(); };
+    }
+
+    static int start() {
+        char name[] = "corvane";
+        char* arguments[] = {name, nullptr};
+        return CorvaneMain(1, arguments);
+    }
+
+    [[nodiscard]] std::string log() const { return FileContent(folder.Path("Corvane.log")); }
+
+    TemporaryFolder folder;
+};
+
+TEST_F(StartUpTest, ShowsTheTitledWindowAndEndsWithTheLoopsResult) {
+    std::string title;
+    whenShown = [&](QMainWindow& window) {
+        title = window.windowTitle().toStdString();
+        QCoreApplication::exit(7);
+    };
+    EXPECT_EQ(start(), 7);
+    EXPECT_EQ(title, "Corvane");
+    EXPECT_TRUE(highDpiAtConstruction);
+    EXPECT_EQ(fakeLibraries::apiStarts, 1);
+    EXPECT_EQ(fakeLibraries::deviceStarts, 1);
+    EXPECT_NE(log(), "");
+}
+
+TEST_F(StartUpTest, ClosingTheWindowEndsWithZero) {
+    EXPECT_EQ(start(), 0);
+}
+
+TEST_F(StartUpTest, WindowIsDestroyedBeforeTheApplication) {
+    bool destroyed = false;
+    bool applicationLived = false;
+    whenShown = [&](QMainWindow& window) {
+        QObject::connect(&window, &QObject::destroyed, [&] {
+            destroyed = true;
+            applicationLived = QCoreApplication::instance() != nullptr;
+        });
+        window.close();
+    };
+    start();
+    EXPECT_TRUE(destroyed);
+    EXPECT_TRUE(applicationLived);
+    EXPECT_EQ(QCoreApplication::instance(), nullptr);
+}
+
+TEST_F(StartUpTest, LogIsEmptiedByTheStart) {
+    WriteFile("Corvane.log", "an older run\n");
+    start();
+    EXPECT_THAT(log(), ::testing::Not(::testing::HasSubstr("older")));
+    EXPECT_NE(log(), "");
+}
+
+TEST_F(StartUpTest, MutexThatIsTakenEndsTheStartWithZero) {
+    WriteFile("Corvane.log", "the other copy's\n");
+    const HANDLE other = CreateMutexW(nullptr, FALSE, L"corvane");
+    EXPECT_EQ(start(), 0);
+    CloseHandle(other);
+    EXPECT_EQ(log(), "the other copy's\n");
+    EXPECT_EQ(fakeLibraries::apiStarts, 0);
+    EXPECT_EQ(QCoreApplication::instance(), nullptr);
+}
+
+TEST_F(StartUpTest, MutexIsHeldWhileTheWindowIsOpen) {
+    DWORD found = 0;
+    whenShown = [&](QMainWindow& window) {
+        CloseHandle(CreateMutexW(nullptr, FALSE, L"corvane"));
+        found = GetLastError();
+        window.close();
+    };
+    start();
+    EXPECT_EQ(found, ERROR_ALREADY_EXISTS);
+}
+
+TEST_F(StartUpTest, LogThatCannotBeOpenedIsToldOnStandardError) {
+    ::mkdir("Corvane.log", 0700);
+    ::testing::internal::CaptureStderr();
+    const int result = start();
+    const std::string told = ::testing::internal::GetCapturedStderr();
+    EXPECT_EQ(result, -1);
+    EXPECT_THAT(told,
+                ::testing::ContainsRegex(
+                    "[0-9][0-9]:[0-9][0-9]:[0-9][0-9].0[0-9][0-9] ERROR: Failed to open the log file.\n"));
+    EXPECT_EQ(fakeLibraries::apiStarts, 0);
+}
+
+TEST_F(StartUpTest, FirstLibraryThatFailsLeavesTheLogEmpty) {
+    WriteFile("Corvane.log", "an older run\n");
+    fakeLibraries::apiStatus = -997;
+    EXPECT_EQ(start(), -1);
+    EXPECT_EQ(log(), "");
+    EXPECT_EQ(fakeLibraries::deviceStarts, 0);
+}
+
+TEST_F(StartUpTest, AnyStatusButOneIsAFailure) {
+    fakeLibraries::apiStatus = 0;
+    EXPECT_EQ(start(), -1);
+    EXPECT_EQ(log(), "");
+}
+
+TEST_F(StartUpTest, SecondLibraryThatFailsWritesOneLine) {
+    fakeLibraries::deviceStatus = -993;
+    EXPECT_EQ(start(), -1);
+    EXPECT_THAT(log(), ::testing::MatchesRegex("[0-9][0-9]:[0-9][0-9]:[0-9][0-9].0[0-9][0-9] ERROR: "
+                                               "\\(-993\\) Failed to construct the bCdLib.\n"));
+}
+
+} // namespace
