@@ -1,0 +1,118 @@
+#include "Hand.h"
+
+#include <chrono>
+#include <stdexcept>
+#include <thread>
+
+#include <X11/XKBlib.h>
+#include <X11/Xlib.h>
+#include <X11/extensions/XTest.h>
+#include <X11/keysym.h>
+
+struct Hand::Connection {
+    Display* display = XOpenDisplay(nullptr);
+    Connection() = default;
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+    ~Connection() {
+        if (display != nullptr)
+            XCloseDisplay(display);
+    }
+};
+
+namespace {
+
+/// A hand is slower than a program: events come one after the other, so that the window can answer between
+/// them.
+void Pause() {
+    std::this_thread::sleep_for(std::chrono::milliseconds(15));
+}
+
+} // namespace
+
+Hand::Hand() : connection(std::make_unique<Connection>()) {
+    int ignored = 0;
+    if (connection->display == nullptr ||
+        XTestQueryExtension(connection->display, &ignored, &ignored, &ignored, &ignored) == False)
+        throw std::runtime_error("The display cannot imitate a mouse.");
+}
+
+Hand::~Hand() = default;
+
+void Hand::MoveTo(const QPoint& place) {
+    // A hand comes from somewhere: a pointer that is there already would not be seen to arrive.
+    for (const QPoint& stop : {place + QPoint(2, 2), place}) {
+        XTestFakeMotionEvent(connection->display, -1, stop.x(), stop.y(), CurrentTime);
+        XSync(connection->display, False);
+        Pause();
+    }
+}
+
+void Hand::Press() {
+    XTestFakeButtonEvent(connection->display, 1, True, CurrentTime);
+    XSync(connection->display, False);
+    Pause();
+}
+
+void Hand::Release() {
+    XTestFakeButtonEvent(connection->display, 1, False, CurrentTime);
+    XSync(connection->display, False);
+    Pause();
+}
+
+void Hand::Click(const QPoint& place) {
+    MoveTo(place);
+    Press();
+    Release();
+}
+
+void Hand::DoubleClick(const QPoint& place) {
+    Click(place);
+    Press();
+    Release();
+}
+
+void Hand::Drag(const QPoint& from, const QPoint& to) {
+    constexpr int kSteps = 8;
+    MoveTo(from);
+    Press();
+    for (int step = 1; step <= kSteps; ++step)
+        MoveTo(from + (to - from) * step / kSteps);
+    Release();
+}
+
+void Hand::Key(const std::string& name) {
+    Stroke(XStringToKeysym(name.c_str()));
+}
+
+void Hand::ControlKey(const std::string& name) {
+    const unsigned int control = XKeysymToKeycode(connection->display, XK_Control_L);
+    Send(control, true);
+    Key(name);
+    Send(control, false);
+}
+
+void Hand::Type(const std::string& text) {
+    for (const char letter : text)
+        Stroke(static_cast<unsigned char>(letter));
+}
+
+void Hand::Stroke(unsigned long symbol) {
+    const KeyCode code = XKeysymToKeycode(connection->display, symbol);
+    if (code == 0)
+        throw std::runtime_error("The keyboard has no such key.");
+    const bool shifted = XkbKeycodeToKeysym(connection->display, code, 0, 0) != symbol;
+    const unsigned int shift = XKeysymToKeycode(connection->display, XK_Shift_L);
+    if (shifted)
+        Send(shift, true);
+    Send(code, true);
+    Send(code, false);
+    if (shifted)
+        Send(shift, false);
+}
+
+void Hand::Send(unsigned int keyCode, bool down) {
+    XTestFakeKeyEvent(connection->display, keyCode, down ? True : False, CurrentTime);
+    XSync(connection->display, False);
+    Pause();
+}

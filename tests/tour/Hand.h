@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QPoint>
+
+#include <memory>
+#include <string>
+
+/// The operator's hand: moves the pointer and presses buttons and keys through the display server, as a mouse
+/// and a keyboard would. It has a connection of its own to the display and is used from the tour's thread
+/// only.
+class Hand {
+  public:
+    /// @throws std::runtime_error when the display cannot be reached or cannot imitate input
+    Hand();
+    ~Hand();
+
+    /// Positions are pixels of the screen.
+    void MoveTo(const QPoint& place);
+    void Press();
+    void Release();
+    void Click(const QPoint& place);
+    void DoubleClick(const QPoint& place);
+    /// Presses at one place, moves in steps and releases at the other.
+    void Drag(const QPoint& from, const QPoint& to);
+
+    /// Presses a key by its name in the X tables ("Return", "Down", "Tab").
+    void Key(const std::string& name);
+    /// The same while Control is held.
+    void ControlKey(const std::string& name);
+    /// Types printable ASCII.
+    void Type(const std::string& text);
+
+  private:
+    struct Connection;
+    void Stroke(unsigned long symbol);
+    void Send(unsigned int keyCode, bool down);
+
+    std::unique_ptr<Connection> connection;
+};

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "Hand.h"
+#include "TrackPath.h"
+
+#include <QPoint>
+#include <QString>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+class MainWindow;
+
+/// What the operator sees and does: finds widgets of the window by their names, looks at them on the window's
+/// thread and works them with the hand. Everything here is called from the tour's thread.
+class Stage {
+  public:
+    /// @param pictures the folder that pictures go to
+    Stage(MainWindow& window, std::string pictures);
+
+    /// Shows the window and gives it the keyboard: there may be no window manager to do that.
+    void Open() const;
+
+    /// Runs a look at the window on the window's thread, also while a dialog is open, and waits for it.
+    void Look(const std::function<void()>& look) const;
+
+    /// @throws std::runtime_error with `what` when the condition has not come true within ten seconds
+    void WaitUntil(const std::function<bool()>& condition, const std::string& what) const;
+
+    /// @throws std::runtime_error with `what`
+    static void Expect(bool condition, const std::string& what);
+
+    /// Saves the whole screen as build/tour/NN-name.png.
+    void Picture(const std::string& name);
+
+    void ClickOn(const char* widget);
+    /// Opens a combo box and clicks an item of its list.
+    void Choose(const char* comboBox, const QString& item);
+    /// Replaces a line edit's or spin box's text by typing.
+    void Enter(const char* widget, const std::string& text);
+    /// Types a path into the open file dialog and accepts it.
+    void AnswerFileDialog(const std::string& path);
+
+    [[nodiscard]] QString StatusText() const;
+    [[nodiscard]] QString TextOf(const char* widget) const;
+    [[nodiscard]] bool IsEnabled(const char* widget) const;
+    /// Whether the busy sign turns.
+    [[nodiscard]] bool IsBusy() const;
+    [[nodiscard]] std::vector<TrackPath> PathsOnCanvas() const;
+    /// A point of a path, in screen pixels.
+    [[nodiscard]] QPoint PlaceOf(const QPointF& point) const;
+    /// A place on the canvas, given in shares of its visible part, in screen pixels.
+    [[nodiscard]] QPoint OnCanvas(double across, double down) const;
+
+    Hand hand;
+
+  private:
+    [[nodiscard]] QPoint CentreOf(const char* widget) const;
+    template<typename Widget>
+    [[nodiscard]] Widget* Find(const char* name) const;
+
+    MainWindow& window;
+    std::string pictures;
+    int pictureCount = 0;
+};

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Stage.h"
+#include "TrackPath.h"
+
+#include <string>
+#include <vector>
+
+/// The main job from end to end, as an operator does it. Each road prints its steps and throws when one does
+/// not do what it says. The working directory holds "station.osbak" and "fault.trk", which are edited.
+class Tour {
+  public:
+    /// @param workspace the folder that the sensor server on loopback serves
+    Tour(Stage& stage, std::string workspace);
+
+    /// Goes every road; called from a thread of its own.
+    void Run();
+
+  private:
+    void EditABackupFile();
+    void EditAnExternalTrack();
+    void EditAServersWorkspace();
+
+    void Load(const QString& name);
+    void DrawAPath();
+    void DragItsLastPoint();
+    void SetParameters();
+    void HideAndShowTheRuler();
+    /// Saves, and compares the file with the canvas, then the canvas with the file loaded again.
+    void SaveAndReload(const QString& name);
+    void WaitForStatus(const QString& text) const;
+
+    Stage& stage;
+    std::string workspace;
+};

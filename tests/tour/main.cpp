@@ -1,0 +1,65 @@
+// The tour: the editor's own window, worked through the display by a mouse and a keyboard.
+// Usage: corvane-tour PICTURES, in a folder of its own that holds "station.osbak", "fault.trk" and the folder
+// "served", the workspace of the sensor server that it starts.
+
+#include "OstraServerProcess.h"
+#include "Tour.h"
+#include "mainwindow.h"
+
+#include <QApplication>
+
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <thread>
+
+namespace {
+
+int Failed(const char* reason) {
+    std::printf("FAILED: %s\n", reason);
+    return 1;
+}
+
+/// Goes the tour and ends the application with its result.
+void GoTour(Stage& stage, Tour& tour) {
+    int result = 0;
+    try {
+        tour.Run();
+        std::printf("The tour is over; every step did what it says.\n");
+    } catch (const std::exception& failure) {
+        result = Failed(failure.what());
+        try {
+            stage.Picture("failed");
+        } catch (const std::exception& noPicture) {
+            std::printf("and %s\n", noPicture.what());
+        }
+    }
+    std::fflush(stdout);
+    QMetaObject::invokeMethod(
+        qApp, [result] { QApplication::exit(result); }, Qt::QueuedConnection);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2)
+        return Failed("usage: corvane-tour PICTURES");
+    try {
+        // A slow archive, so that the busy sign is seen.
+        const OstraServerProcess server(
+            "served", {"--fault-delay", "1500", "--fault-path", "/system/commands/archive"});
+        qputenv("OSTRA_DISCOVERY", QByteArray::fromStdString(server.DiscoveryAddress()));
+
+        const QApplication application(argc, argv);
+        MainWindow window;
+        window.setWindowTitle(QStringLiteral("Corvane"));
+        Stage stage(window, std::filesystem::absolute(argv[1]).string());
+        Tour tour(stage, std::filesystem::absolute("served").string());
+        std::thread operatorsThread(GoTour, std::ref(stage), std::ref(tour));
+        const int result = QApplication::exec();
+        operatorsThread.join();
+        return result;
+    } catch (const std::exception& failure) {
+        return Failed(failure.what());
+    }
+}
