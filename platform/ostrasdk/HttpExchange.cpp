@@ -86,8 +86,8 @@ VeJson HttpExchange::Run(std::chrono::microseconds timeout) {
 }
 
 void HttpExchange::ArmDeadline(asio::steady_timer& timer, std::chrono::microseconds timeout) {
-    constexpr std::chrono::hours kLongest(24);
-    timer.expires_after(std::min<std::chrono::microseconds>(timeout, kLongest));
+    constexpr std::chrono::microseconds kLongest = std::chrono::hours(24);
+    timer.expires_after(std::clamp(timeout, std::chrono::microseconds(0), kLongest));
     timer.async_wait([this](const Error& error) {
         if (error == asio::error::operation_aborted)
             return;
