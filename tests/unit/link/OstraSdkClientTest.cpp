@@ -13,6 +13,7 @@
 
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -227,7 +228,8 @@ TEST(OstraSdkClient, tellsTheBackupFileThatItCannotWrite) {
     OstraSdkClient client;
     client.Connect("127.0.0.1", server.Port());
     std::filesystem::create_directory("folder");
-    for (const std::string name : {"missing/%s.osbak", "folder", "/dev/full"})
+    ASSERT_EQ(mkfifo("pipe", 0600), 0);
+    for (const std::string name : {"missing/%s.osbak", "folder", "pipe"})
         ExpectThrown([&] { client.Backup(name); }, -997, "OstraSdkClient::Backup",
                      "Failed to open the file - " + name);
 }
