@@ -25,29 +25,28 @@ SensorServer::~SensorServer() {
 
 void SensorServer::Accept() {
     JoinEnded();
-    Running& next = sessions.emplace_back(sensor);
-    acceptor.async_accept(next.session.Stream().Context(),
-                          [this](const boost::system::error_code& error, tcp::socket socket) {
-                              if (error == boost::asio::error::operation_aborted || !acceptor.is_open())
-                                  return;
-                              if (!error && sessions.size() > sensor.options.connectionLimit)
-                                  TurnAway(socket);
-                              else if (!error)
-                                  return Start(std::move(socket));
-                              sessions.pop_back();
-                              Accept();
-                          });
+    acceptor.async_accept([this](const boost::system::error_code& error, tcp::socket socket) {
+        if (error == boost::asio::error::operation_aborted || !acceptor.is_open())
+            return;
+        if (!error && sessions.size() >= sensor.options.connectionLimit)
+            TurnAway(socket);
+        else if (!error)
+            Start(std::move(socket));
+        Accept();
+    });
 }
 
 void SensorServer::Start(tcp::socket socket) {
-    Running& running = sessions.back();
-    running.session.Stream().Accept(std::move(socket));
+    Running& running = sessions.emplace_back(sensor);
+    // A socket lives in the context that it was accepted in; the session's own one may go before that.
+    tcp::socket own(running.session.Stream().Context());
+    own.assign(tcp::v4(), socket.release());
+    running.session.Stream().Accept(std::move(own));
     running.thread = std::thread([this, &running] {
         running.session.Run();
         running.ended = true;
         boost::asio::post(io, [this] { JoinEnded(); });
     });
-    Accept();
 }
 
 void SensorServer::JoinEnded() {

@@ -38,5 +38,5 @@ class SensorServer final {
     boost::asio::io_context& io;
     boost::asio::ip::tcp::acceptor& acceptor;
     const Sensor& sensor;
-    std::list<Running> sessions; ///< the last one waits for its connection
+    std::list<Running> sessions;
 };
