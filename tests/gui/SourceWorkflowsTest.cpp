@@ -1,0 +1,564 @@
+#include "FileUtils.h"
+#include "OstraServerProcess.h"
+#include "WaitingSpinnerWidget.h"
+#include "WindowTest.h"
+
+#include <QElapsedTimer>
+#include <QPushButton>
+#include <QStatusBar>
+#include <QTimer>
+#include <QToolButton>
+#include <QWindow>
+
+#include <filesystem>
+#include <optional>
+
+#include <sys/resource.h>
+
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+namespace fs = std::filesystem;
+
+constexpr int kPatience = 20000; // milliseconds
+
+/// While it lives, no file or socket can be opened.
+class NoDescriptors {
+  public:
+    NoDescriptors() {
+        getrlimit(RLIMIT_NOFILE, &before);
+        const rlimit none{0, before.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &none);
+    }
+    NoDescriptors(const NoDescriptors&) = delete;
+    NoDescriptors& operator=(const NoDescriptors&) = delete;
+    ~NoDescriptors() { setrlimit(RLIMIT_NOFILE, &before); }
+
+  private:
+    rlimit before{};
+};
+
+class SourceWorkflows : public WindowTest {
+  protected:
+    SourceWorkflows() {
+        fs::create_directories(folder.Path("station/vdk/ContourPath"));
+        WriteFile(folder.Path("station/vdk/ContourPath/b.trk"), independent::BinaryFile(track));
+        WriteFile(folder.Path("station/vdk/settings.json"), "{}");
+    }
+
+    void startServer(std::vector<std::string> options = {}) {
+        server.emplace(folder.Path("station"), std::move(options));
+        qputenv("OSTRA_DISCOVERY", server->DiscoveryAddress().c_str());
+    }
+
+    void openWindowAndListen() {
+        openWindow();
+        QObject::connect(&find<QStatusBar>("statusBar"), &QStatusBar::messageChanged, window.get(),
+                         [this](const QString& message) { messages.push_back(message.toStdString()); });
+    }
+
+    /// Waits until the worker has done its work.
+    void awaitWorker() {
+        ASSERT_TRUE(QTest::qWaitFor([this] { return window->isEnabled(); }, kPatience));
+    }
+
+    void connectToServer() {
+        click("pushButton_sensor");
+        awaitWorker();
+        ASSERT_EQ(text("pushButton_sensor"), "Disconnect Sensor");
+    }
+
+    /// With a server that runs, and the window connected to it.
+    void openConnected() {
+        startServer();
+        openWindowAndListen();
+        connectToServer();
+    }
+
+    void loadAndEdit(const std::string& name) {
+        choose("comboBox_file", name);
+        choose("comboBox_operation", "Load");
+        ASSERT_EQ(status(), "Load successfully.");
+        type("lineEdit_lineLength", "33");
+        choose("comboBox_operation", "Save");
+        ASSERT_EQ(status(), "Save successfully.");
+    }
+
+    std::string title() { return window->windowTitle().toStdString(); }
+    bool enabled(const char* widget) { return find<QWidget>(widget).isEnabled(); }
+    std::string uploadTip() { return find<QToolButton>("toolButton_upload").toolTip().toStdString(); }
+
+    /// The length of the first point in a track file.
+    static int firstLength(const std::string& path) {
+        return independent::ReadBinary(FileContent(path)).segments.at(0).length;
+    }
+
+    void expectTrackClosed() {
+        EXPECT_EQ(text("label_fileName"), "");
+        EXPECT_EQ(text("lineEdit_heightMin"), "0");
+        EXPECT_EQ(text("lineEdit_heightMax"), "0");
+        EXPECT_TRUE(canvas().pixmap(Qt::ReturnByValue).isNull());
+    }
+
+    const independent::Track track = SmallTrack(PathAcross(0, 3, 0.5, 100));
+    std::optional<OstraServerProcess> server;
+    std::vector<std::string> messages; ///< all that the status bar showed
+};
+
+TEST_F(SourceWorkflows, ServersAreListedBeforeTheBackupFileAndTheControlsAgreeFromTheStart) {
+    startServer();
+    openWindow();
+    EXPECT_THAT(items("comboBox_sensor"), ElementsAre("127.0.0.1", "Backup File"));
+    EXPECT_EQ(text("pushButton_sensor"), "Connect Sensor");
+    EXPECT_EQ(uploadTip(), "Sync to server");
+    EXPECT_TRUE(enabled("pushButton_sensor"));
+    EXPECT_FALSE(enabled("comboBox_operation"));
+    EXPECT_EQ(status(), "");
+}
+
+TEST_F(SourceWorkflows, ADiscoveryThatFailsIsReportedAndLeavesAnEmptyList) {
+    auto none = std::make_optional<NoDescriptors>();
+    answers.note = [&none] {
+        none.reset(); // what follows needs files again
+        return QString();
+    };
+    openWindow();
+    const std::vector<SeenBox> boxes = answers.takeBoxes();
+    ASSERT_THAT(boxes, SizeIs(1));
+    EXPECT_EQ(boxes[0].title, QStringLiteral("Error"));
+    EXPECT_THAT(boxes[0].text.toStdString(), HasSubstr("ERROR_CONNECTION - "));
+    const std::vector<std::string> lines = log.Lines();
+    ASSERT_THAT(lines, SizeIs(2));
+    EXPECT_EQ(lines[0], "INFO: Starting Corvane.");
+    EXPECT_THAT(lines[1], HasSubstr("ERROR: (ERROR_CONNECTION) "));
+    EXPECT_THAT(items("comboBox_sensor"), IsEmpty());
+    EXPECT_FALSE(enabled("pushButton_sensor"));
+    EXPECT_THAT(items("comboBox_file"), ElementsAre("External"));
+}
+
+TEST_F(SourceWorkflows, ConnectingFetchesAndUnpacksTheWorkspace) {
+    startServer();
+    openWindowAndListen();
+    click("pushButton_sensor");
+    EXPECT_FALSE(window->isEnabled());
+    EXPECT_EQ(status(), "Connecting to the sensor ...");
+    const auto* spinner = window->findChild<WaitingSpinnerWidget*>();
+    EXPECT_TRUE(spinner->isVisible());
+    EXPECT_EQ(spinner->size(), QSize(80, 80));
+    EXPECT_EQ(spinner->windowModality(), Qt::WindowModal);
+    awaitWorker();
+    EXPECT_THAT(messages, ElementsAre("Connecting to the sensor ...", "Connect successfully."));
+    EXPECT_EQ(text("pushButton_sensor"), "Disconnect Sensor");
+    EXPECT_FALSE(enabled("comboBox_sensor"));
+    EXPECT_TRUE(enabled("comboBox_operation"));
+    EXPECT_EQ(title(), "Corvane - Sensor - 127.0.0.1");
+    EXPECT_THAT(items("comboBox_file"), ElementsAre("b.trk", "External"));
+    EXPECT_TRUE(fs::exists("Ostra.osbak"));
+    EXPECT_TRUE(fs::exists("TmpDirBackup/workspaces/Workspace.osws"));
+    EXPECT_THAT(server->Calls(), Contains("POST /system/commands/archive"));
+    EXPECT_FALSE(spinner->isVisible());
+    expectNoBox();
+}
+
+TEST_F(SourceWorkflows, TheWholeRoadBringsAnEditedTrackBackToTheServer) {
+    openConnected();
+    loadAndEdit("b.trk");
+    EXPECT_EQ(firstLength(folder.Path("station/vdk/ContourPath/b.trk")), 100);
+    messages.clear();
+    click("toolButton_upload");
+    EXPECT_FALSE(window->isEnabled());
+    awaitWorker();
+    EXPECT_THAT(messages, ElementsAre("Restoring the sensor ...", "Restoring successfully."));
+    EXPECT_EQ(firstLength(folder.Path("station/vdk/ContourPath/b.trk")), 33);
+    EXPECT_EQ(FileContent(folder.Path("station/vdk/settings.json")), "{}");
+    EXPECT_EQ(text("pushButton_sensor"), "Disconnect Sensor");
+    expectNoBox();
+}
+
+TEST_F(SourceWorkflows, ARestoreLeavesTheReplayModeAsItWas) {
+    startServer({"--replay", "on", "--restore-sets-replay", "off"});
+    openWindowAndListen();
+    connectToServer();
+    click("toolButton_upload");
+    awaitWorker();
+    EXPECT_EQ(status(), "Restoring successfully.");
+    std::vector<std::string> calls = server->Calls();
+    ASSERT_GE(calls.size(), 4U);
+    EXPECT_THAT(std::vector<std::string>(calls.end() - 4, calls.end()),
+                ElementsAre("GET /replay/playback", "POST /system/commands/restore", "GET /replay/playback",
+                            "PUT /replay/playback"));
+}
+
+TEST_F(SourceWorkflows, DisconnectingClosesATrackOfTheWorkspace) {
+    openConnected();
+    loadAndEdit("b.trk");
+    click("pushButton_sensor");
+    EXPECT_EQ(status(), "Disconnect successfully.");
+    EXPECT_EQ(text("pushButton_sensor"), "Connect Sensor");
+    EXPECT_TRUE(enabled("comboBox_sensor"));
+    EXPECT_FALSE(enabled("comboBox_operation"));
+    EXPECT_EQ(title(), "Corvane");
+    EXPECT_THAT(items("comboBox_file"), ElementsAre("External"));
+    expectTrackClosed();
+    operate("Save");
+    expectErrorBox("Please load a track file firstly.");
+}
+
+TEST_F(SourceWorkflows, DisconnectingKeepsAnExternalTrackOpen) {
+    openConnected();
+    WriteFile(folder.Path("mine.trk"), independent::TextFile(track));
+    loadExternal(folder.Path("mine.trk"));
+    click("pushButton_sensor");
+    EXPECT_EQ(status(), "Disconnect successfully.");
+    EXPECT_EQ(text("label_fileName"), "External - mine.trk");
+    EXPECT_FALSE(canvas().pixmap(Qt::ReturnByValue).isNull());
+    EXPECT_THAT(paths(), SizeIs(1));
+}
+
+TEST_F(SourceWorkflows, SwitchingToTheBackupFileWhileConnectedDisconnectsAndClears) {
+    openConnected();
+    loadAndEdit("b.trk");
+    find<QComboBox>("comboBox_sensor").setEnabled(true);
+    choose("comboBox_sensor", "Backup File");
+    EXPECT_EQ(text("pushButton_sensor"), "Load Backup");
+    EXPECT_EQ(uploadTip(), "Save to Backup File");
+    EXPECT_EQ(title(), "Corvane");
+    EXPECT_FALSE(enabled("comboBox_operation"));
+    EXPECT_THAT(items("comboBox_file"), ElementsAre("External"));
+    EXPECT_THAT(paths(), IsEmpty());
+    expectTrackClosed();
+    choose("comboBox_sensor", "127.0.0.1");
+    EXPECT_EQ(text("pushButton_sensor"), "Connect Sensor");
+    EXPECT_EQ(uploadTip(), "Sync to server");
+    connectToServer();
+}
+
+TEST_F(SourceWorkflows, AFailedBackupLeavesConnectSensorAndTheNextClickConnectsAgain) {
+    startServer({"--fault-status", "500", "--fault-path", "/system/commands/archive", "--fault-count", "1"});
+    openWindowAndListen();
+    click("pushButton_sensor");
+    awaitWorker();
+    expectErrorBox("ERROR_REQUEST - Failed to call the Backup request.");
+    EXPECT_THAT(log.Lines(), Contains("ERROR: (ERROR_REQUEST) Failed to call the Backup request."));
+    EXPECT_EQ(text("pushButton_sensor"), "Connect Sensor");
+    EXPECT_TRUE(enabled("comboBox_sensor"));
+    EXPECT_FALSE(fs::exists("TmpDirOsws"));
+    click("toolButton_upload"); // nothing of this server is here to be sent
+    expectErrorBox("ERROR_FILE - Please connect to Ostra server or load a backup file firstly.");
+    connectToServer();
+    EXPECT_EQ(status(), "Connect successfully.");
+    expectNoBox();
+}
+
+TEST_F(SourceWorkflows, AnotherSourcesWorkspaceNeverReachesAServerWhoseBackupFailed) {
+    startServer({"--fault-status", "500", "--fault-path", "/system/commands/archive"});
+    openWindowAndListen();
+    makeBackup(folder.Path("other.osbak"), {{"other.trk", "x"}});
+    choose("comboBox_sensor", "Backup File");
+    loadBackup(folder.Path("other.osbak"));
+    ASSERT_EQ(status(), "Load backup file successfully.");
+    const std::string before = FileContent(folder.Path("other.osbak"));
+    choose("comboBox_sensor", "127.0.0.1");
+    click("pushButton_sensor");
+    awaitWorker();
+    expectErrorBox("ERROR_REQUEST - Failed to call the Backup request.");
+    click("toolButton_upload");
+    expectErrorBox("ERROR_FILE - Please connect to Ostra server or load a backup file firstly.");
+    EXPECT_TRUE(fs::exists(folder.Path("station/vdk/ContourPath/b.trk")));
+    EXPECT_EQ(FileContent(folder.Path("other.osbak")), before);
+}
+
+TEST_F(SourceWorkflows, AServerThatIsGoneCannotBeConnected) {
+    startServer();
+    openWindowAndListen();
+    server->Kill();
+    click("pushButton_sensor");
+    const std::vector<SeenBox> boxes = answers.takeBoxes();
+    ASSERT_THAT(boxes, SizeIs(1));
+    EXPECT_THAT(boxes[0].text.toStdString(), HasSubstr(" - Failed to connect the OstraServer (127.0.0.1)."));
+    EXPECT_EQ(text("pushButton_sensor"), "Connect Sensor");
+    EXPECT_EQ(status(), "");
+    EXPECT_TRUE(window->isEnabled());
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+}
+
+TEST_F(SourceWorkflows, AServerKilledBeforeTheRestoreIsReportedAndTheConnectionStaysAsItIs) {
+    openConnected();
+    server->Kill();
+    click("toolButton_upload");
+    awaitWorker();
+    expectErrorBox("ERROR_REQUEST - Failed to get the status of the replay mode.");
+    EXPECT_EQ(text("pushButton_sensor"), "Disconnect Sensor");
+    EXPECT_THAT(items("comboBox_file"), ElementsAre("b.trk", "External"));
+    click("pushButton_sensor"); // whatever it says, the window goes on
+    (void)answers.takeBoxes();
+    click("toolButton_reset");
+    EXPECT_EQ(status(), "Reset successfully.");
+    EXPECT_THAT(items("comboBox_sensor"), ElementsAre("Backup File"));
+}
+
+TEST_F(SourceWorkflows, AServerWithoutTheTrackFolderGivesAnEmptyList) {
+    fs::remove_all(folder.Path("station/vdk/ContourPath"));
+    openConnected();
+    EXPECT_THAT(items("comboBox_file"), ElementsAre("External"));
+    EXPECT_TRUE(enabled("comboBox_operation"));
+}
+
+TEST_F(SourceWorkflows, UploadsNeedASource) {
+    openWindowAndListen();
+    click("toolButton_upload");
+    expectErrorBox("ERROR_FILE - Please open a backup file firstly.");
+    EXPECT_THAT(log.Lines(), Contains("ERROR: (ERROR_FILE) Please open a backup file firstly."));
+    closeWindow();
+    startServer();
+    openWindowAndListen();
+    click("toolButton_upload");
+    expectErrorBox("ERROR_FILE - Please connect to Ostra server or load a backup file firstly.");
+    EXPECT_EQ(status(), "");
+}
+
+TEST_F(SourceWorkflows, ABackupFileIsOpenedEditedAndSavedInPlace) {
+    makeBackup(folder.Path("my station.osbak"), {{"b.trk", independent::BinaryFile(track)}});
+    openWindowAndListen();
+    loadBackup(folder.Path("my station.osbak"));
+    EXPECT_EQ(status(), "Load backup file successfully.");
+    EXPECT_EQ(title(), "Corvane - Backup File - " + folder.Path("my station.osbak"));
+    EXPECT_EQ(text("pushButton_sensor"), "Load Backup");
+    EXPECT_TRUE(enabled("comboBox_sensor"));
+    EXPECT_TRUE(enabled("comboBox_operation"));
+    const std::vector<SeenFileDialog> dialogs = answers.takeFileDialogs();
+    ASSERT_THAT(dialogs, SizeIs(1));
+    EXPECT_EQ(dialogs[0].caption, QStringLiteral("Please select a Ostra backup file"));
+    EXPECT_EQ(dialogs[0].filters, QStringList(QStringLiteral("Ostra (*.osbak)")));
+    EXPECT_EQ(dialogs[0].folder.toStdString(), fs::current_path().string());
+    loadAndEdit("b.trk");
+    messages.clear();
+    click("toolButton_upload");
+    EXPECT_THAT(messages, ElementsAre("Saving the backup file...", "Saved the backup file successfully."));
+    TarUncompress(folder.Path("my station.osbak"), folder.Path("out"), bAlloc_Application());
+    TarUncompress(folder.Path("out/workspaces/Workspace.osws"), folder.Path("ws"), bAlloc_Application());
+    EXPECT_EQ(firstLength(folder.Path("ws/vdk/ContourPath/b.trk")), 33);
+    EXPECT_EQ(FileContent(folder.Path("out/info.json")), "{}");
+    expectNoBox();
+}
+
+TEST_F(SourceWorkflows, ARealStationsBackupGoesTheWholeRoad) {
+    fs::copy(TestData("station.osbak"), folder.Path("station.osbak"));
+    openWindowAndListen();
+    loadBackup(folder.Path("station.osbak"));
+    EXPECT_THAT(items("comboBox_file"), ElementsAre("Fault-binary.trk", "fault.trk", "External"));
+    loadAndEdit("fault.trk");
+    click("toolButton_upload");
+    EXPECT_EQ(status(), "Saved the backup file successfully.");
+    click("toolButton_reset");
+    loadBackup(folder.Path("station.osbak"));
+    choose("comboBox_file", "fault.trk");
+    choose("comboBox_operation", "Load");
+    ASSERT_THAT(paths(), SizeIs(2));
+    EXPECT_THAT(paths()[0].lengths, ElementsAre(33, 60, 80, 100));
+    EXPECT_THAT(paths()[1].spaces, ElementsAre(25, 25, 25));
+    expectNoBox();
+}
+
+TEST_F(SourceWorkflows, TheTitleShowsAnOddPathAsItStands) {
+    const std::string odd = folder.Path("a [*] %1 <b>.osbak");
+    makeBackup(odd, {});
+    openWindow();
+    loadBackup(odd);
+    EXPECT_EQ(window->windowHandle()->title().toStdString(), "Corvane - Backup File - " + odd);
+}
+
+TEST_F(SourceWorkflows, ACancelledLoadBackupChangesNothingShown) {
+    makeBackup(folder.Path("x.osbak"), {{"b.trk", ""}});
+    openWindowAndListen();
+    loadBackup("");
+    EXPECT_EQ(status(), "");
+    EXPECT_FALSE(enabled("comboBox_operation"));
+    loadBackup(folder.Path("x.osbak"));
+    loadBackup("");
+    EXPECT_EQ(status(), "Load backup file successfully.");
+    EXPECT_THAT(items("comboBox_file"), ElementsAre("b.trk", "External"));
+    EXPECT_EQ(title(), "Corvane - Backup File - " + folder.Path("x.osbak"));
+    click("toolButton_upload"); // the path is lost
+    expectErrorBox("ERROR_FILE - Please open a backup file firstly.");
+}
+
+TEST_F(SourceWorkflows, ABackupWithoutAWorkspaceIsReportedAfterItsFirstUnpack) {
+    fs::create_directories(folder.Path("made/workspaces"));
+    WriteFile(folder.Path("made/info.json"), "{}");
+    TarCompress(folder.Path("made"), folder.Path("bare.osbak"), bAlloc_Application());
+    openWindowAndListen();
+    loadBackup(folder.Path("bare.osbak"));
+    expectErrorBox("ERROR_NOT_FOUND - ./TmpDirBackup/workspaces/Workspace.osws doesn't exist.");
+    EXPECT_TRUE(fs::exists("TmpDirBackup/info.json"));
+    EXPECT_FALSE(enabled("comboBox_operation"));
+    EXPECT_EQ(status(), "");
+    EXPECT_EQ(title(), "MainWindow");
+    WriteFile(folder.Path("empty.osbak"), "");
+    loadBackup(folder.Path("empty.osbak"));
+    EXPECT_THAT(answers.takeBoxes(), SizeIs(1));
+    makeBackup(folder.Path("good.osbak"), {{"b.trk", ""}});
+    loadBackup(folder.Path("good.osbak"));
+    EXPECT_EQ(status(), "Load backup file successfully.");
+}
+
+TEST_F(SourceWorkflows, AWorkspaceWithoutTracksGivesAnEmptyList) {
+    fs::create_directories(folder.Path("made/workspaces"));
+    fs::create_directories(folder.Path("ws/other"));
+    TarCompress(folder.Path("ws"), folder.Path("made/workspaces/Workspace.osws"), bAlloc_Application());
+    TarCompress(folder.Path("made"), folder.Path("bare.osbak"), bAlloc_Application());
+    openWindowAndListen();
+    loadBackup(folder.Path("bare.osbak"));
+    EXPECT_EQ(status(), "Load backup file successfully.");
+    EXPECT_THAT(items("comboBox_file"), ElementsAre("External"));
+}
+
+TEST_F(SourceWorkflows, ABackupThatCannotBePackedStaysAsItWas) {
+    makeBackup(folder.Path("x.osbak"), {{"b.trk", ""}});
+    openWindowAndListen();
+    loadBackup(folder.Path("x.osbak"));
+    const std::string before = FileContent(folder.Path("x.osbak"));
+    fs::remove_all("TmpDirOsws");
+    click("toolButton_upload");
+    expectErrorBox("ERROR_FILE - ./TmpDirOsws is not a directory.");
+    EXPECT_EQ(FileContent(folder.Path("x.osbak")), before);
+    EXPECT_EQ(status(), "Saving the backup file...");
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+}
+
+TEST_F(SourceWorkflows, AnIndexThatIsNoServerIsReported) {
+    openWindowAndListen();
+    find<QComboBox>("comboBox_sensor").addItem(QStringLiteral("10.0.0.9"));
+    choose("comboBox_sensor", "10.0.0.9");
+    click("pushButton_sensor");
+    expectErrorBox("ERROR_NOT_CONNECTED - Please select a sensor server.");
+    EXPECT_EQ(status(), "");
+}
+
+TEST_F(SourceWorkflows, ResetLooksForServersAgain) {
+    openWindowAndListen();
+    EXPECT_THAT(items("comboBox_sensor"), ElementsAre("Backup File"));
+    startServer();
+    click("toolButton_reset");
+    EXPECT_EQ(status(), "Reset successfully.");
+    EXPECT_THAT(items("comboBox_sensor"), ElementsAre("127.0.0.1", "Backup File"));
+    EXPECT_EQ(text("pushButton_sensor"), "Connect Sensor");
+    EXPECT_EQ(uploadTip(), "Sync to server");
+    EXPECT_EQ(title(), "Corvane");
+}
+
+TEST_F(SourceWorkflows, ResetWhileConnectedDisconnectsAndClosesEverything) {
+    openConnected();
+    WriteFile(folder.Path("mine.trk"), independent::TextFile(track));
+    loadExternal(folder.Path("mine.trk"));
+    click("toolButton_reset");
+    EXPECT_EQ(status(), "Reset successfully.");
+    EXPECT_TRUE(enabled("comboBox_sensor"));
+    EXPECT_EQ(text("pushButton_sensor"), "Connect Sensor");
+    EXPECT_FALSE(enabled("comboBox_operation"));
+    EXPECT_EQ(title(), "Corvane");
+    EXPECT_THAT(items("comboBox_file"), ElementsAre("External"));
+    EXPECT_THAT(paths(), IsEmpty());
+    expectTrackClosed();
+}
+
+TEST_F(SourceWorkflows, AResetThatFailsDisablesTheButtonUntilOneSucceeds) {
+    openWindowAndListen();
+    auto none = std::make_optional<NoDescriptors>();
+    answers.note = [this, &none] {
+        none.reset();
+        return enabled("pushButton_sensor") ? QStringLiteral("enabled") : QStringLiteral("disabled");
+    };
+    click("toolButton_reset");
+    const std::vector<SeenBox> boxes = answers.takeBoxes();
+    ASSERT_THAT(boxes, SizeIs(1));
+    EXPECT_THAT(boxes[0].text.toStdString(), HasSubstr("ERROR_CONNECTION - "));
+    EXPECT_EQ(boxes[0].underneath, QStringLiteral("disabled"));
+    EXPECT_FALSE(enabled("pushButton_sensor"));
+    EXPECT_EQ(status(), "");
+    click("toolButton_reset");
+    EXPECT_EQ(status(), "Reset successfully.");
+    EXPECT_TRUE(enabled("pushButton_sensor"));
+    EXPECT_EQ(text("pushButton_sensor"), "Load Backup");
+}
+
+TEST_F(SourceWorkflows, ClosingWhileConnectedRemovesTheWorkingFiles) {
+    openConnected();
+    ASSERT_TRUE(fs::exists("TmpDirBackup"));
+    ASSERT_TRUE(fs::exists("TmpDirOsws"));
+    ASSERT_TRUE(fs::exists("Ostra.osbak"));
+    EXPECT_TRUE(window->close());
+    closeWindow();
+    EXPECT_FALSE(fs::exists("TmpDirBackup"));
+    EXPECT_FALSE(fs::exists("TmpDirOsws"));
+    EXPECT_FALSE(fs::exists("Ostra.osbak"));
+    expectNoBox();
+}
+
+TEST_F(SourceWorkflows, ClosingAfterTheServerHasGoneThrowsNothing) {
+    openConnected();
+    server->Kill();
+    closeWindow();
+    EXPECT_FALSE(fs::exists("TmpDirBackup"));
+    expectNoBox();
+}
+
+TEST_F(SourceWorkflows, ClosingABackupFileLeavesTheFile) {
+    makeBackup(folder.Path("x.osbak"), {{"b.trk", ""}});
+    const std::string before = FileContent(folder.Path("x.osbak"));
+    openWindow();
+    loadBackup(folder.Path("x.osbak"));
+    closeWindow();
+    EXPECT_EQ(FileContent(folder.Path("x.osbak")), before);
+    EXPECT_FALSE(fs::exists("TmpDirOsws"));
+}
+
+TEST_F(SourceWorkflows, NothingIsCleanedAtTheStart) {
+    fs::create_directories("TmpDirOsws/vdk/ContourPath");
+    WriteFile("TmpDirOsws/vdk/ContourPath/left.trk", "");
+    openWindow();
+    EXPECT_TRUE(fs::exists("TmpDirOsws/vdk/ContourPath/left.trk"));
+    EXPECT_THAT(items("comboBox_file"), ElementsAre("External"));
+}
+
+TEST_F(SourceWorkflows, TheWindowStaysWhileTheWorkerUsesTheClient) {
+    startServer({"--fault-delay", "400", "--fault-path", "/system/commands/archive"});
+    openWindowAndListen();
+    click("pushButton_sensor");
+    ASSERT_FALSE(window->isEnabled());
+    EXPECT_FALSE(window->close());
+    EXPECT_TRUE(window->isVisible());
+    int beats = 0; // the interface lives on meanwhile
+    QTimer heart;
+    QObject::connect(&heart, &QTimer::timeout, window.get(), [&beats] { ++beats; });
+    heart.start(20);
+    awaitWorker();
+    EXPECT_GE(beats, 5);
+    EXPECT_EQ(status(), "Connect successfully.");
+    EXPECT_TRUE(window->close());
+}
+
+TEST_F(SourceWorkflows, DestroyingTheWindowWaitsForTheWorker) {
+    startServer({"--fault-delay", "300", "--fault-path", "/system/commands/archive"});
+    openWindowAndListen();
+    click("pushButton_sensor");
+    QElapsedTimer time;
+    time.start();
+    closeWindow();
+    EXPECT_LT(time.elapsed(), 10000);
+    EXPECT_FALSE(fs::exists("Ostra.osbak"));
+}
+
+TEST_F(SourceWorkflows, TheWindowIsBuiltWithinASecond) {
+    QElapsedTimer time;
+    time.start();
+    const MainWindow fresh;
+    EXPECT_LT(time.elapsed(), 1000);
+}
+
+} // namespace
