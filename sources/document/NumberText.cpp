@@ -6,10 +6,6 @@
 #include <string>
 #include <system_error>
 
-#ifndef _WIN32
-#include <locale.h>
-#endif
-
 namespace {
 
 #ifdef _WIN32
