@@ -4,6 +4,7 @@
 
 #include "LogCapture.h"
 #include "TemporaryFolder.h"
+#include "TextTrack.h"
 
 #include <gmock/gmock.h>
 
@@ -71,7 +72,7 @@ TEST_F(CreateConverterTest, looksAtRawBytes) {
 TEST_F(CreateConverterTest, findsTheWordAnywhereInALongLine) {
     for (const std::size_t before : {4093U, 4094U, 4095U, 4096U, 4097U, 1'000'000U})
         EXPECT_TRUE(IsBinary(CreatedFor(std::string(before, 'x') + "Trac"))) << before;
-    EXPECT_TRUE(IsText(CreatedFor(std::string(10'000'000, 'x'))));
+    EXPECT_TRUE(IsText(CreatedFor(TenMegabytes('x'))));
 }
 
 TEST_F(CreateConverterTest, takesTextAndSaysSoForAFileThatIsNotThere) {

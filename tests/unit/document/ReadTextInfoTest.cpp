@@ -284,9 +284,9 @@ TEST_F(ReadTextInfo, refusesRowsWhenItsHeightIsZero) {
 }
 
 TEST_F(ReadTextInfo, readsALineOfTenMegabytes) {
-    EXPECT_EQ(Read(std::string(10'000'000, 'x')), 1);
+    EXPECT_EQ(Read(TenMegabytes('x')), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: No height map data"));
-    EXPECT_EQ(Read("Info\nhead\n" + std::string(10'000'000, ',')), 1);
+    EXPECT_EQ(Read("Info\nhead\n" + TenMegabytes(',')), 1);
     EXPECT_THAT(log.Lines(),
                 ElementsAre("ERROR: Invalid item count=10000001 for height map info extraction"));
 }

@@ -44,3 +44,9 @@ TrackInfo InfoOfSize(std::int32_t width, std::int32_t height) {
     info.height = height;
     return info;
 }
+
+std::string TenMegabytes(char character) {
+    std::string text;
+    text.resize(10'000'000, character);
+    return text;
+}

@@ -15,3 +15,6 @@ TrackInfo StartInfo();
 
 /// The dimensions alone.
 TrackInfo InfoOfSize(std::int32_t width, std::int32_t height);
+
+/// Ten million times the character.
+std::string TenMegabytes(char character);
