@@ -2,6 +2,8 @@
 
 set(CORVANE_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, \"address,undefined\" or \"thread\"")
 
+option(CORVANE_FUZZ "Build what fuzz/ needs; for clang" OFF)
+
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
@@ -23,6 +25,9 @@ if(CORVANE_SANITIZE)
 else()
   add_compile_options(-fstack-protector-strong)
   add_compile_options($<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
+endif()
+if(CORVANE_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 add_link_options(-Wl,-z,relro -Wl,-z,now)
 

@@ -84,6 +84,15 @@ int ReadAnchor(CsvScan& scan, TrackInfo& info) {
     return 0;
 }
 
+/// An info section behind the map may tell other dimensions than those that the map was read with.
+int CheckDimensions(const TrackInfo& info) {
+    const auto columns = static_cast<std::int64_t>(info.columnPositions.size());
+    if (columns == info.width && static_cast<std::int64_t>(info.rowPositions.size()) == info.height)
+        return 0;
+    LOG_LINE(ERROR) << "Invalid item count=" << columns + 1 << " for column world positions";
+    return 1;
+}
+
 int ReadInfoSections(CsvScan& scan, TrackInfo& info) {
     info.anchorX = info.anchorY = info.anchorAngle = 0.0;
     bool hasHeightMap = false;
@@ -101,7 +110,7 @@ int ReadInfoSections(CsvScan& scan, TrackInfo& info) {
         if (result != 0)
             return result;
     }
-    return hasHeightMap ? 0 : NoHeightMap();
+    return hasHeightMap ? CheckDimensions(info) : NoHeightMap();
 }
 
 int PaintHeightMap(CsvScan& scan, const HeightRamp& ramp, QImage& image) {

@@ -198,6 +198,16 @@ TEST_F(ReadTextInfo, refusesAHeightMapBeforeItsDimensions) {
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Invalid item count=3 for column world positions"));
 }
 
+TEST_F(ReadTextInfo, refusesOtherDimensionsBehindTheHeightMap) {
+    const std::string map = "Info\nhead\n1,1,1,0,0,0,2,1\nYX,0,1\n0,1,2\nEnd\nInfo\nhead\n";
+    EXPECT_EQ(Read(map + "1,1,1,0,0,0,2,1\n"), 0);
+    for (const char* const other : {"1,1,1,0,0,0,3,1\n", "1,1,1,0,0,0,2,2\n"}) {
+        static_cast<void>(log.Lines());
+        EXPECT_EQ(Read(map + other), 1);
+        EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Invalid item count=3 for column world positions"));
+    }
+}
+
 TEST_F(ReadTextInfo, saysWhenThereIsNoHeightMap) {
     EXPECT_EQ(Read("Info\nhead\n1,1,1,0,0,0,2,1\n"), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: No height map data"));

@@ -1,0 +1,65 @@
+#include "Check.h"
+#include "ConvertBIN.h"
+#include "FuzzFolder.h"
+#include "FuzzPaths.h"
+#include "TrackChecks.h"
+
+#include <cstring>
+#include <stdexcept>
+
+namespace {
+
+constexpr std::size_t kHeaderSize = 68;
+
+/// The header and the map of the original, as the target must begin.
+std::string HeadOf(const std::string& original) {
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+    std::memcpy(&width, original.data() + 60, sizeof width);
+    std::memcpy(&height, original.data() + 64, sizeof height);
+    return original.substr(0, kHeaderSize +
+                                  2 * static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+}
+
+void CheckTarget(const std::string& original, const std::vector<TrackPath>& paths) {
+    const std::string target = ContentOf("target.trk");
+    Check(original.size() >= kHeaderSize && target.starts_with(HeadOf(original)),
+          "header and map are copied byte for byte");
+    std::vector<TrackPath> read;
+    Check(ConvertBIN().ReadPath("target.trk", read) == 0, "the paths can be read back");
+    CheckSamePaths(read, paths);
+    // The independent reader takes whole files only: with the usual first bytes and an anchor.
+    if (!target.starts_with("Track  ") || target[7] != '\0' || target[HeadOf(original).size()] != 'A')
+        return;
+    try {
+        CheckSameRecords(independent::ReadBinary(target).segments, paths);
+    } catch (const std::runtime_error& failure) {
+        Broken(std::string("what was written is well-formed: ") + failure.what());
+    }
+}
+
+} // namespace
+
+// New paths into any bytes that are taken for a binary track. The paths come from the input's end.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const FuzzFolder folder;
+    const int freeDescriptor = FreeDescriptor();
+    FuzzedDataProvider input(data, size);
+    const std::vector<TrackPath> paths = TakePaths(input);
+    const WorldTransform t = TakeTransform(input);
+    const std::string original = input.ConsumeRemainingBytesAsString();
+    Store("original.trk", original);
+    Store("target.trk", "old");
+
+    const int result = ConvertBIN().UpdatePath("original.trk", "target.trk", paths, t.widthScale, t.xOffset,
+                                               t.yOffset, t.xScale, t.yScale);
+    Check(result == 0 || result == 1, "a target that can be written is never the failure");
+    if (result == 0)
+        CheckTarget(original, paths);
+    else
+        Check(ContentOf("target.trk") == "old", "a failure leaves the target as it was");
+    Check(ContentOf("original.trk") == original, "the original is left alone");
+    Check(TreeOf(".").size() == 2, "nothing else is left behind");
+    Check(FreeDescriptor() <= freeDescriptor, "every file is closed");
+    return 0;
+}

@@ -1,0 +1,44 @@
+#include "Check.h"
+#include "DiscoveryKeys.h"
+#include "DiscoveryResponder.h"
+#include "JsonText.h"
+#include "VeInstance.h"
+#include "bStatus.h"
+
+#include <array>
+
+namespace {
+
+using OstraSdk::VeInstance;
+
+void CheckInstance(const VeInstance& instance) {
+    constexpr unsigned kLargestPort = 65535;
+    constexpr std::size_t kLongestAddress = 16;
+    Check(instance.GetSerialNumber() >= 0, "a serial number is not negative");
+    Check(instance.GetControlPort() >= 1 && instance.GetControlPort() <= kLargestPort, "a port is in range");
+    std::array<char, kLongestAddress> address{};
+    Check(bIpAddress_Format(instance.GetIpAddress(), address.data(), address.size()) == bOK,
+          "an address can be shown");
+    bIpAddress again;
+    Check(bIpAddress_Parse(&again, address.data()) == bOK && again.octets == instance.GetIpAddress().octets,
+          "an address is read as it is shown");
+}
+
+} // namespace
+
+// Any bytes as the datagram that answers a discovery, and as the one that asks.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const auto* const text = reinterpret_cast<const char*>(data);
+    static_cast<void>(DiscoveryResponder::IsQuestion(text, size));
+    const auto instance = VeInstance::FromAnswer({text, size});
+    if (!instance)
+        return 0;
+    CheckInstance(*instance);
+    const auto again = VeInstance::FromAnswer(OstraSdk::ToJsonText(instance->GetRecord()));
+    Check(again.has_value(), "what was understood can be told on");
+    Check(again->GetSerialNumber() == instance->GetSerialNumber() &&
+              again->GetControlPort() == instance->GetControlPort() &&
+              again->GetIpAddress().octets == instance->GetIpAddress().octets,
+          "and means the same then");
+    return 0;
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+
+/// A folder in memory in which one fuzzer works, from its start to the end of the process: it is the working
+/// directory, nothing else is in it at first, and the log of the editor goes nowhere.
+class FuzzFolder {
+  public:
+    FuzzFolder();
+    FuzzFolder(const FuzzFolder&) = delete;
+    FuzzFolder& operator=(const FuzzFolder&) = delete;
+    ~FuzzFolder();
+
+    /// The full path of the folder.
+    [[nodiscard]] const std::string& Path() const { return path; }
+
+  private:
+    std::string path;
+};
+
+/// What one name in a folder stands for: "file PERMISSIONS CONTENT", "folder PERMISSIONS", "link TARGET" or
+/// "other".
+using Tree = std::map<std::string, std::string>;
+
+/// Everything below a folder by its relative name, links not followed.
+Tree TreeOf(const std::string& folder);
+
+/// Makes or replaces a file.
+void Store(const std::string& path, const void* bytes, std::size_t size);
+void Store(const std::string& path, const std::string& content);
+
+/// The whole content of a file; empty when it cannot be read.
+std::string ContentOf(const std::string& path);
+
+/// The lowest descriptor number that is free: an input must not raise it.
+int FreeDescriptor();

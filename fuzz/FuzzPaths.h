@@ -1,0 +1,15 @@
+#pragma once
+
+#include "TrackPath.h"
+#include "WorldTransform.h"
+
+#include <vector>
+
+#include <fuzzer/FuzzedDataProvider.h>
+
+/// A few paths with any coordinates and parameters, with ruler marks on some segments; the lists are parallel
+/// as those of the canvas always are.
+std::vector<TrackPath> TakePaths(FuzzedDataProvider& input);
+
+/// Any factors.
+WorldTransform TakeTransform(FuzzedDataProvider& input);

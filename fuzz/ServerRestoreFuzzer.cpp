@@ -1,0 +1,95 @@
+#include "Check.h"
+#include "Exception.h"
+#include "FuzzedServer.h"
+#include "TarHeader.h"
+#include "UnpackFolder.h"
+#include "bAlloc.h"
+
+#include <filesystem>
+
+namespace {
+
+constexpr const char* kContents = "\x68"
+                                  "contents\x81\x6d"
+                                  "allWorkspaces";
+
+std::string Big(std::uint64_t number) {
+    std::string bytes;
+    for (int shift = 56; shift >= 0; shift -= 8)
+        bytes += static_cast<char>(number >> static_cast<unsigned>(shift) & 0xffU);
+    return bytes;
+}
+
+std::string Request(const std::string& path, const std::string& body) {
+    return "POST " + path + " HTTP/1.1\r\nHost: x\r\nContent-Type: application/cbor\r\nContent-Length: " +
+           std::to_string(body.size()) + "\r\n\r\n" + body;
+}
+
+std::string RestoreRequest(const std::string& archive) {
+    return Request("/system/commands/restore", "\xa2" + std::string(kContents) +
+                                                   "\x64"
+                                                   "data\x5b" +
+                                                   Big(archive.size()) + archive);
+}
+
+std::string Entry(const std::string& name, const std::string& content) {
+    return TarHeader(name, TarKind::File, content.size(), 0) + content +
+           std::string(static_cast<std::size_t>(TarPadding(content.size())), '\0');
+}
+
+/// A backup around a workspace archive.
+std::string Backup(const std::string& workspace) {
+    return Entry("info.json", R"({"replay":true})") + TarHeader("workspaces", TarKind::Folder, 0, 0) +
+           Entry("workspaces/Workspace.osws", workspace) +
+           std::string(static_cast<std::size_t>(kTarEnd), '\0');
+}
+
+/// What the server gives back is what it serves.
+void CheckBackup(FuzzedServer& server, const Tree& served) {
+    constexpr std::size_t kDataHead = 15;
+    const auto replies = server.Talk(Request("/system/commands/archive", "\xa1" + std::string(kContents)));
+    Check(replies.size() == 1 && replies[0].status == 200, "a restored workspace can be backed up");
+    Store("check.osbak", replies[0].body.substr(kDataHead));
+    try {
+        UnpackFolderStrictly(std::string("check.osbak"), "check", bAlloc_Application());
+        UnpackFolderStrictly(std::string("check/workspaces/Workspace.osws"), "check.osws",
+                             bAlloc_Application());
+    } catch (const Ve::Exception& failure) {
+        Broken(std::string("a backup can be unpacked: ") + failure.what());
+    }
+    const Tree given = TreeOf("check.osws");
+    Check(given.size() == served.size(), "a backup holds what was restored");
+    for (const auto& [name, what] : served) {
+        const auto found = given.find(name);
+        // The backup has permissions of its own.
+        Check(found != given.end() && found->second[1] == what[1] &&
+                  (!what.starts_with("file") ||
+                   found->second.substr(found->second.find(' ', 5)) == what.substr(what.find(' ', 5))),
+              "a backup holds what was restored");
+    }
+}
+
+} // namespace
+
+// Any bytes as an archive to restore: as the backup itself, or as the workspace inside one.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static FuzzedServer server;
+    std::string archive(reinterpret_cast<const char*>(data), size);
+    const bool isWorkspace = !archive.starts_with("info.json");
+    if (isWorkspace)
+        archive = Backup(archive);
+    const auto replies = server.Talk(RestoreRequest(archive));
+    Check(replies.size() == 1, "a request has one reply");
+    if (replies[0].status != 200) {
+        Check(server.IsAsAtFirst(), "a workspace that was not restored is as it was");
+        return 0;
+    }
+    const Tree served = FuzzedServer::Served();
+    Check(served.count("vdk/ContourPath") == 1, "a restored workspace has its tracks' folder");
+    for (const auto& [name, what] : served)
+        Check(what.starts_with("file ") || what.starts_with("folder "),
+              "only files and folders are restored");
+    CheckBackup(server, served);
+    server.Reset();
+    return 0;
+}
