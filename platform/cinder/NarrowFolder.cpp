@@ -45,22 +45,6 @@ bool NarrowFolder::MakeFolder(const std::vector<std::string>& parts, unsigned pe
     return Descriptor(openat(parent.Number(), parts.back().c_str(), kFolderFlags)).Number() >= 0;
 }
 
-int NarrowFolder::OpenFile(const std::vector<std::string>& parts, unsigned permissions) const {
-    if (parts.empty())
-        return -1;
-    const Descriptor parent(OpenParent(parts));
-    if (parent.Number() < 0)
-        return -1;
-    return openat(parent.Number(), parts.back().c_str(),
-                  O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, permissions | 0600U);
-}
-
-void NarrowFolder::RemoveFile(const std::vector<std::string>& parts) const {
-    const Descriptor parent(parts.empty() ? -1 : OpenParent(parts));
-    if (parent.Number() >= 0)
-        unlinkat(parent.Number(), parts.back().c_str(), 0);
-}
-
 int NarrowFolder::OpenParent(const std::vector<std::string>& parts) const {
     int folder = fcntl(root, F_DUPFD_CLOEXEC, 0);
     for (std::size_t i = 0; i + 1 < parts.size() && folder >= 0; ++i) {

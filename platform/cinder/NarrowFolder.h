@@ -18,14 +18,10 @@ class NarrowFolder {
     /// Makes a folder unless it is there; the one it lies in must be. The owner may always use it.
     /// @param parts the name, none of them ".", ".." or with "/"
     [[nodiscard]] bool MakeFolder(const std::vector<std::string>& parts, unsigned permissions) const;
-    /// Opens a file for writing, created or emptied; the owner may always read and write it.
-    /// @return its descriptor, which the caller closes; -1 on failure
-    [[nodiscard]] int OpenFile(const std::vector<std::string>& parts, unsigned permissions) const;
-    /// Removes a file, if it is there.
-    void RemoveFile(const std::vector<std::string>& parts) const;
-
-  private:
+    /// Opens the folder that a name lies in. @param parts at least one
+    /// @return its descriptor, which the caller closes; -1 when it is not there
     [[nodiscard]] int OpenParent(const std::vector<std::string>& parts) const;
 
+  private:
     int root;
 };

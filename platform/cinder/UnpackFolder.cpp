@@ -2,16 +2,13 @@
 
 #include "Exception.h"
 #include "NarrowFolder.h"
+#include "PartialFile.h"
 #include "TarName.h"
 #include "bDirectory.h"
 #include "bFile.h"
 #include "bTar.h"
 
 #include <array>
-#include <cerrno>
-#include <utility>
-
-#include <unistd.h>
 
 namespace {
 
@@ -20,47 +17,6 @@ constexpr unsigned kDirectoryPermissions = 0777;
 [[noreturn]] void Fail(int line, bStatus status, const std::string& message) {
     throw Ve::Exception(line, __FILE__, status, "UnpackFolder", "%s", message.c_str());
 }
-
-/// A file that is removed again unless all of it could be written.
-class PartialFile {
-  public:
-    PartialFile(const NarrowFolder& folder, const std::vector<std::string>& parts, unsigned permissions)
-        : folder(folder), parts(parts), descriptor(folder.OpenFile(parts, permissions)) {}
-    PartialFile(const PartialFile&) = delete;
-    PartialFile& operator=(const PartialFile&) = delete;
-    ~PartialFile() {
-        if (!IsOpen())
-            return;
-        close(descriptor);
-        folder.RemoveFile(parts);
-    }
-
-    [[nodiscard]] bool IsOpen() const { return descriptor >= 0; }
-
-    [[nodiscard]] bool Write(std::string_view data) const {
-        while (!data.empty()) {
-            const ssize_t written = write(descriptor, data.data(), data.size());
-            if (written <= 0 && errno != EINTR)
-                return false;
-            if (written > 0)
-                data.remove_prefix(static_cast<std::size_t>(written));
-        }
-        return true;
-    }
-
-    /// Closes the file and lets it stay, unless the system reports late that it is not whole.
-    [[nodiscard]] bool Keep() {
-        const bool closed = close(std::exchange(descriptor, -1)) == 0;
-        if (!closed)
-            folder.RemoveFile(parts);
-        return closed;
-    }
-
-  private:
-    const NarrowFolder& folder;
-    const std::vector<std::string>& parts;
-    int descriptor;
-};
 
 /// One archive on its way into one fresh folder.
 class Unpacker {
@@ -101,7 +57,7 @@ class Unpacker {
         if (!IsNarrowTarName(name) || parts.empty() || !name.ends_with(parts.back()))
             Fail(__LINE__, bERROR_FILE, "Failed to open file - " + PathOf(name));
         MakeParent(name, parts);
-        PartialFile file(folder, parts, bTar_Permissions(tar));
+        PartialFile file(folder.OpenParent(parts), parts.back(), bTar_Permissions(tar));
         if (!file.IsOpen())
             Fail(__LINE__, bERROR_FILE, "Failed to open file - " + PathOf(name));
         for (; status == bOK; status = ReadBlock(name, &block))

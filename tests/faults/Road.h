@@ -1,0 +1,63 @@
+#pragma once
+
+#include "OperatorFiles.h"
+#include "WindowOperator.h"
+
+#include <memory>
+
+/// One operation on the operator's files, from the first file to the last check. The working folder is the
+/// editor's; "../desk/" beside it holds files that the operator has put there.
+class Road {
+  public:
+    Road() = default;
+    Road(const Road&) = delete;
+    Road& operator=(const Road&) = delete;
+    virtual ~Road() = default;
+
+    /// The files that stand there before the editor starts.
+    [[nodiscard]] virtual FileTree Before() const = 0;
+    /// What the operator does to get there.
+    virtual void LeadUp(WindowOperator& window) const = 0;
+    /// The operation on which the faults fall. It may be asked for again.
+    virtual void Operate(WindowOperator& window) const = 0;
+    /// What the status bar says when it has succeeded.
+    [[nodiscard]] virtual std::string Success() const = 0;
+    /// What is wrong with what the operator owns.
+    /// @param finished the operation has succeeded: the new content has to stand
+    [[nodiscard]] virtual Problems Check(bool finished) const = 0;
+
+  protected:
+    /// Compares a folder with what has to be in it: the target holds the old or the new content (`isNew`),
+    /// the new one when finished; all else is as it was; nothing stands there that would be taken for
+    /// content.
+    /// @param target a name in the folder; empty when nothing may have changed
+    template<typename IsNew>
+    static void CheckFolder(Problems& problems, const std::string& folder, FileTree before,
+                            const std::string& target, bool finished, IsNew isNew) {
+        FileTree now = FilesIn(folder);
+        const auto had = before.find(target);
+        const auto has = now.find(target);
+        const bool untouched =
+            had == before.end() ? has == now.end() : has != now.end() && had->second == has->second;
+        const bool renewed = has != now.end() && isNew(has->second);
+        if (!target.empty() && !renewed && (finished || !untouched))
+            problems.push_back(folder + target +
+                               (has == now.end() ? " is missing" : " is not what it should be"));
+        before.erase(target);
+        now.erase(target);
+        CheckOthers(problems, folder, before, now);
+    }
+
+    static void CheckOthers(Problems& problems, const std::string& folder, const FileTree& before,
+                            const FileTree& now);
+};
+
+/// The roads through the window by their names in the order of the documentation.
+std::vector<std::pair<std::string, std::unique_ptr<Road>>> TrackRoads();
+std::vector<std::pair<std::string, std::unique_ptr<Road>>> BackupRoads();
+
+/// What the server that the backup is fetched from holds.
+FileTree ServedTracks();
+
+inline const std::string kDesk = "../desk/";
+inline const std::string kTracks = "./TmpDirOsws/vdk/ContourPath/";

@@ -1,0 +1,130 @@
+#include "ServerTrial.h"
+
+#include "OstraServerProcess.h"
+#include "RawHttp.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <stdexcept>
+
+#include <signal.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const std::string kFolder = "counts";
+const std::string kWorkspace = "counts/workspace";
+const std::string kTracks = kWorkspace + "/vdk/ContourPath/";
+
+FileTree Old() {
+    return {{"a.trk", std::string(70'000, 'o')}, {"b.trk", "old"}};
+}
+
+FileTree New() {
+    return {{"a.trk", std::string(90'000, 'n')}, {"c.trk", "new"}, {"d.trk", ""}};
+}
+
+/// What the operator keeps beside the workspace.
+FileTree Neighbours() {
+    return {{"station.osbak", "mine"}, {"mine.trk", "mine too"}};
+}
+
+void WriteFolder(const std::string& folder, const FileTree& files) {
+    FileTree placed;
+    for (const auto& [name, content] : files)
+        placed[folder + name] = content;
+    WriteTree(placed);
+}
+
+std::string BigEndian(std::uint32_t value) {
+    std::string bytes;
+    for (unsigned shift = 32; shift > 0; shift -= 8)
+        bytes += static_cast<char>(value >> (shift - 8) & 0xFFU);
+    return bytes;
+}
+
+/// @return the reply's status; 0 when the server has gone
+unsigned Restore(const OstraServerProcess& server, std::string& text) {
+    const std::string archive = BackupArchive(New());
+    const std::string body = "\xa2\x68"
+                             "contents\x81\x6d"
+                             "allWorkspaces\x64"
+                             "data\x5a" +
+                             BigEndian(static_cast<std::uint32_t>(archive.size())) + archive;
+    const RawHttp::Reply reply =
+        RawHttp::Request(server.ControlPort(), "POST", "/system/commands/restore", body, "application/cbor");
+    text = reply.body;
+    return reply.Whole() ? reply.status : 0;
+}
+
+void Check(Problems& problems, const std::string& when, bool finished) {
+    const FileTree tracks = FilesIn(kTracks);
+    if (tracks != New() && (finished || tracks != Old()))
+        problems.push_back(when + "the workspace is neither the old nor the new one");
+    FileTree beside = FilesIn(kFolder);
+    if (beside != Neighbours())
+        problems.push_back(when + "something beside the workspace has changed");
+}
+
+bool HasHidden(const std::string& folder) {
+    for (const auto& entry : fs::directory_iterator(folder))
+        if (entry.path().filename().string().front() == '.')
+            return true;
+    return false;
+}
+
+void RestoreWell(Problems& problems, const OstraServerProcess& server, const std::string& when) {
+    std::string text;
+    if (Restore(server, text) != 200)
+        problems.push_back(when + "the restore fails: " + text);
+    Check(problems, when, true);
+}
+
+} // namespace
+
+Problems ServerTrial::Run(const Trial& trial, FileCallReport& report) const {
+    const std::string here = fs::current_path();
+    const TrialDisk disk(here + "/" + kFolder, trial);
+    WriteFolder(kTracks, Old());
+    WriteFolder(kFolder + "/", Neighbours());
+    setenv("LD_PRELOAD", preload.c_str(), 1);
+    setenv("CORVANE_FAULT_ROOT", (here + "/" + kFolder).c_str(), 1);
+    setenv("CORVANE_FAULT_REPORT", (here + "/report").c_str(), 1);
+    OstraServerProcess server(kWorkspace);
+
+    disk.Fill();
+    report.armed = true;
+    std::string text;
+    const unsigned status = Restore(server, text);
+    report.armed = false;
+    disk.Widen();
+
+    Problems problems;
+    if (trial.fault == Fault::Kill || trial.fault == Fault::TornKill) {
+        server.Kill(); // the fault may fall on what follows the reply
+        Check(problems, "", status == 200);
+        if (problems.empty())
+            raise(SIGKILL); // what the server has left is looked at after this process
+        return problems;
+    }
+    const std::vector<std::string> requests = server.Requests();
+    const bool logged = requests.size() == 1 && requests[0].ends_with(std::to_string(status));
+    JudgeAnswer(problems, report, status == 200, logged && text.find("\"error\":\"") != std::string::npos);
+    Check(problems, "", status == 200);
+    RestoreWell(problems, server, "next time: ");
+    return problems;
+}
+
+Problems ServerTrial::RunAfterKill() const {
+    Problems problems;
+    // Between the two renamings of a file system that cannot exchange folders there may be no workspace:
+    // starting puts it back.
+    const OstraServerProcess server(kWorkspace);
+    Check(problems, "", false);
+    if (HasHidden(kFolder))
+        problems.emplace_back("something of the killed server is left");
+    RestoreWell(problems, server, "next start: ");
+    return problems;
+}

@@ -1,0 +1,147 @@
+#include "Road.h"
+
+namespace {
+
+// More than one buffer of the writer, and no whole number of them.
+constexpr int kWidth = 240;
+constexpr int kHeight = 160;
+
+const independent::Track& Original() {
+    static const independent::Track track = OperatorTrack(kWidth, kHeight);
+    return track;
+}
+
+const std::string& Binary() {
+    static const std::string file = independent::BinaryFile(Original());
+    return file;
+}
+
+const std::string& Text() {
+    static const std::string file = independent::TextFile(Original());
+    return file;
+}
+
+bool IsNew(const std::string& file) {
+    return IsEdited(file, Original());
+}
+
+FileTree InFolder(const std::string& folder, const FileTree& files) {
+    FileTree placed;
+    for (const auto& [name, content] : files)
+        placed[folder + name] = content;
+    return placed;
+}
+
+/// The tracks of the workspace on which the operator works.
+FileTree Workspace() {
+    return {{"binary.trk", Binary()}, {"text.trk", Text()}, {"other.trk", "another's"}};
+}
+
+/// "Save": by way of a temporary track, in place of a track of the workspace.
+class SaveInPlace final : public Road {
+  public:
+    explicit SaveInPlace(std::string track) : track(std::move(track)) {}
+
+    [[nodiscard]] FileTree Before() const override { return InFolder(kDesk, Desk()); }
+    void LeadUp(WindowOperator& window) const override {
+        window.LoadBackup(kDesk + "station.osbak");
+        window.Expect("Load backup file successfully.");
+        window.LoadTrack(track);
+        window.Edit();
+    }
+    void Operate(WindowOperator& window) const override { window.Choose("comboBox_operation", "Save"); }
+    [[nodiscard]] std::string Success() const override { return "Save successfully."; }
+    [[nodiscard]] Problems Check(bool finished) const override {
+        Problems problems;
+        CheckFolder(problems, kTracks, Workspace(), track, finished, IsNew);
+        CheckFolder(problems, kDesk, Desk(), "", finished, IsNew);
+        return problems;
+    }
+
+  private:
+    static FileTree Desk() { return {{"station.osbak", BackupArchive(Workspace())}, {"mine.trk", "mine"}}; }
+
+    std::string track;
+};
+
+/// "Save As", from one file of the desk to another.
+class SaveAs final : public Road {
+  public:
+    SaveAs(std::string original, std::string target)
+        : original(std::move(original)), target(std::move(target)) {}
+
+    [[nodiscard]] FileTree Before() const override { return InFolder(kDesk, Desk()); }
+    void LeadUp(WindowOperator& window) const override {
+        window.LoadBackup(kDesk + "station.osbak"); // operations are open when a source is
+        window.LoadExternal(kDesk + original);
+        window.Edit();
+    }
+    void Operate(WindowOperator& window) const override {
+        window.NameFile(kDesk + target);
+        window.Choose("comboBox_operation", "Save As");
+    }
+    [[nodiscard]] std::string Success() const override { return "Save As successfully."; }
+    [[nodiscard]] Problems Check(bool finished) const override {
+        Problems problems;
+        CheckFolder(problems, kDesk, Desk(), target, finished, IsNew);
+        CheckFolder(problems, kTracks, Workspace(), "", finished, IsNew);
+        return problems;
+    }
+
+  private:
+    static FileTree Desk() {
+        return {{"station.osbak", BackupArchive(Workspace())},
+                {"binary.trk", Binary()},
+                {"text.trk", Text()},
+                {"old.trk", Binary()}};
+    }
+
+    std::string original;
+    std::string target;
+};
+
+/// "Save" of an external track, which joins the workspace.
+class SaveExternal final : public Road {
+  public:
+    [[nodiscard]] FileTree Before() const override { return InFolder(kDesk, Desk()); }
+    void LeadUp(WindowOperator& window) const override {
+        window.LoadBackup(kDesk + "station.osbak");
+        window.LoadExternal(kDesk + "new.trk");
+        window.Edit();
+    }
+    void Operate(WindowOperator& window) const override { window.Choose("comboBox_operation", "Save"); }
+    [[nodiscard]] std::string Success() const override { return "Save successfully."; }
+    [[nodiscard]] Problems Check(bool finished) const override {
+        Problems problems;
+        CheckFolder(problems, kTracks, Workspace(), "new.trk", finished, IsNew);
+        CheckFolder(problems, kDesk, Desk(), "", finished, IsNew);
+        return problems;
+    }
+
+  private:
+    static FileTree Desk() { return {{"station.osbak", BackupArchive(Workspace())}, {"new.trk", Text()}}; }
+};
+
+} // namespace
+
+void Road::CheckOthers(Problems& problems, const std::string& folder, const FileTree& before,
+                       const FileTree& now) {
+    for (const auto& [name, content] : before) {
+        const auto found = now.find(name);
+        if (found == now.end() || found->second != content)
+            problems.push_back(folder + name + " has changed");
+    }
+    for (const auto& [name, content] : now)
+        if (before.count(name) == 0 && LooksLikeContent(name))
+            problems.push_back(folder + name + " would be taken for content");
+}
+
+std::vector<std::pair<std::string, std::unique_ptr<Road>>> TrackRoads() {
+    std::vector<std::pair<std::string, std::unique_ptr<Road>>> roads;
+    roads.emplace_back("save-text", std::make_unique<SaveInPlace>("text.trk"));
+    roads.emplace_back("save-binary", std::make_unique<SaveInPlace>("binary.trk"));
+    roads.emplace_back("save-as-new", std::make_unique<SaveAs>("text.trk", "fresh.trk"));
+    roads.emplace_back("save-as-existing", std::make_unique<SaveAs>("binary.trk", "old.trk"));
+    roads.emplace_back("save-external", std::make_unique<SaveExternal>());
+    return roads;
+}

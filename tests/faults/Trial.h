@@ -1,0 +1,60 @@
+#pragma once
+
+#include "FileCalls.h"
+#include "OperatorFiles.h"
+
+#include <string>
+
+/// One run of one road with one fault.
+struct Trial {
+    Fault fault = Fault::None;
+    long at = 0;        ///< the call that it falls on, from 1
+    int freePages = -1; ///< in place of a fault: a file system of its own with this much room; -1 for none
+};
+
+/// What a road has to do with a trial. Everything here runs in a process of its own, whose working folder is
+/// an empty one.
+class TrialRoad {
+  public:
+    TrialRoad() = default;
+    TrialRoad(const TrialRoad&) = delete;
+    TrialRoad& operator=(const TrialRoad&) = delete;
+    virtual ~TrialRoad() = default;
+
+    /// The road from its beginning, the fault on the way, and the same operation once more without one.
+    virtual Problems Run(const Trial& trial, FileCallReport& report) const = 0;
+    /// What a killed run has left, and the road from its beginning, without a fault.
+    virtual Problems RunAfterKill() const = 0;
+};
+
+/// Says what the fault was.
+std::string Describe(const Trial& trial, const FileCallReport& report);
+
+/// Whether an operation may succeed although this call of it failed: what is removed may stay until the next
+/// time; for renaming, changing permissions and opening a file without a name there is another way, whose
+/// outcome is looked at; and a folder that was made before is there.
+bool MayBeSurvived(const FileCallReport& report);
+
+/// What an operation has shown after a fault, judged by the fault: a short write is no failure; any other is
+/// shown, unless it may be survived.
+/// @param succeeded the operation says so
+/// @param shown a failure was shown in every place that it has to be shown in
+void JudgeAnswer(Problems& problems, const FileCallReport& report, bool succeeded, bool shown);
+
+/// The folder that counts for trials: it becomes a file system of its own when the trial wants one.
+class TrialDisk {
+  public:
+    /// Makes `folder`. @throws std::runtime_error when the system allows no file system of its own
+    TrialDisk(const std::string& folder, const Trial& trial);
+    /// Leaves as much free room as the trial wants; does nothing when it wants none.
+    void Fill() const;
+    /// Makes room again.
+    void Widen() const;
+
+    /// Whether this system allows small file systems.
+    static bool IsPossible();
+
+  private:
+    std::string folder;
+    int freePages;
+};

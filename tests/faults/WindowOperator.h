@@ -1,0 +1,65 @@
+#pragma once
+
+#include "DialogAnswers.h"
+#include "mainwindow.h"
+
+#include <QTest>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+/// Works the real window by mouse and keys, as the operator does. What cannot be done throws.
+class WindowOperator {
+  public:
+    WindowOperator();
+
+    /// Picks an item of a combo box with the keyboard.
+    void Choose(const char* combo, const std::string& item);
+    void Click(const char* button);
+    /// Replaces the text of a line edit, key by key.
+    void Type(const char* lineEdit, const std::string& text);
+    /// Lets the event loop run until the condition holds. @return false after half a minute
+    template<typename Condition>
+    bool Await(Condition condition) {
+        return QTest::qWaitFor(condition, kPatience);
+    }
+
+    /// The next file dialog gets this name.
+    void NameFile(const std::string& name) { answers.typeFileName(QString::fromStdString(name)); }
+
+    void LoadBackup(const std::string& backup);
+    /// Loads a track of the open workspace.
+    void LoadTrack(const std::string& name);
+    void LoadExternal(const std::string& path);
+    /// Gives the open track's first segment another length.
+    void Edit();
+
+    std::string Status();
+    void ClearStatus();
+    std::string Text(const char* widget);
+    /// The texts of the "Error" boxes seen since the last call; a box of another title is not one.
+    std::vector<std::string> TakeErrors();
+
+    /// Whether a box has been seen that was not taken yet.
+    bool HasErrors();
+
+    /// That the last step succeeded. @throws std::runtime_error with what was shown instead
+    void Expect(const std::string& status);
+
+    template<typename Widget>
+    Widget& Find(const char* name) {
+        auto* const found = window.findChild<Widget*>(QString::fromLatin1(name));
+        if (found == nullptr)
+            throw std::runtime_error(std::string("no such widget: ") + name);
+        return *found;
+    }
+
+  private:
+    static constexpr int kPatience = 30'000; // milliseconds
+
+    DialogAnswers answers;
+    std::vector<std::string> errors;
+    MainWindow window;
+};

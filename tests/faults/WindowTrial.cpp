@@ -1,0 +1,82 @@
+#include "WindowTrial.h"
+
+#include "Log.h"
+#include "LogCapture.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const std::string kFolder = "counts"; // below it lies all that the operator owns
+
+void Enter(const std::string& folder) {
+    fs::create_directories(folder);
+    fs::current_path(folder);
+}
+
+void Add(Problems& problems, const Problems& more, const std::string& when) {
+    for (const std::string& problem : more)
+        problems.push_back(when + problem);
+}
+
+/// The error lines written since the last call.
+bool LogHasErrors(LogCapture& log) {
+    const std::vector<std::string> lines = log.Lines();
+    return std::any_of(lines.begin(), lines.end(),
+                       [](const std::string& line) { return line.rfind("ERROR", 0) == 0; });
+}
+
+} // namespace
+
+Problems WindowTrial::Run(const Trial& trial, FileCallReport& report) const {
+    const std::string root = fs::current_path() / kFolder;
+    const TrialDisk disk(root, trial);
+    Enter(root + "/work");
+    WriteTree(road->Before());
+    if (!WatchFileCalls(root.c_str(), &report))
+        return {"the calls cannot be watched"};
+    LogCapture log;
+    WindowOperator window;
+    road->LeadUp(window);
+    window.ClearStatus();
+    window.TakeErrors();
+    LogHasErrors(log);
+
+    disk.Fill();
+    report.armed = true;
+    road->Operate(window);
+    report.armed = false;
+    disk.Widen();
+
+    Problems problems;
+    const bool boxed = window.HasErrors();
+    const bool succeeded = !boxed && window.Status() == road->Success();
+    JudgeAnswer(problems, report, succeeded, boxed && LogHasErrors(log));
+    Add(problems, road->Check(succeeded), "");
+
+    window.TakeErrors();
+    window.ClearStatus();
+    road->Operate(window);
+    window.Expect(road->Success());
+    Add(problems, road->Check(true), "next time: ");
+    return problems;
+}
+
+Problems WindowTrial::RunAfterKill() const {
+    Enter(kFolder + "/work");
+    Problems problems;
+    Add(problems, road->Check(false), "");
+    const LogCapture log;
+    WindowOperator window;
+    road->LeadUp(window);
+    window.ClearStatus();
+    road->Operate(window);
+    window.Expect(road->Success());
+    Add(problems, road->Check(true), "next start: ");
+    return problems;
+}

@@ -1,0 +1,157 @@
+#include "Harness.h"
+#include "OstraServerProcess.h"
+#include "Road.h"
+#include "ServerTrial.h"
+#include "TemporaryFolder.h"
+#include "WindowTrial.h"
+
+#include <QApplication>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+
+#include <unistd.h>
+
+// faults_driver [--short] [--calls] [ROAD...]
+// Runs each road once to count the calls that change files, then once for every call and every fault. Exit
+// code 0 when every run has ended as it must.
+namespace {
+
+constexpr int kMostFreePages = 16; // 64 KiB
+constexpr int kJobs = 4;
+
+struct Options {
+    bool brief = false;     ///< two faults and a kill for each call, every third size of disk
+    bool listCalls = false; ///< tell what the road calls
+    std::vector<std::string> roads;
+};
+
+struct Sum {
+    long calls = 0;
+    int injected = 0;
+    int problematic = 0;
+};
+
+Options ParseOptions(int count, char** words) {
+    Options options;
+    for (int i = 1; i < count; ++i) {
+        const std::string word = words[i];
+        if (word == "--short")
+            options.brief = true;
+        else if (word == "--calls")
+            options.listCalls = true;
+        else
+            options.roads.push_back(word);
+    }
+    return options;
+}
+
+/// The faults for one call. The short form takes two of the failures in turn, so that each falls on every
+/// kind of call sooner or later, and always the kill.
+std::vector<Fault> FaultsAt(long call, bool brief) {
+    std::vector<Fault> faults{Fault::NoSpace, Fault::Quota,     Fault::InputOutput, Fault::DiskFull,
+                              Fault::Short,   Fault::ShortFull, Fault::TornKill};
+    if (brief) {
+        constexpr int kTaken = 2;
+        std::rotate(faults.begin(), faults.begin() + call * kTaken % static_cast<long>(faults.size()),
+                    faults.end());
+        faults.resize(kTaken);
+    }
+    faults.push_back(Fault::Kill);
+    return faults;
+}
+
+bool IsOfWritesOnly(Fault fault) {
+    return fault == Fault::Short || fault == Fault::ShortFull || fault == Fault::TornKill;
+}
+
+/// A file that a call writes to, and none of the others.
+bool IsWrite(const std::string& call) {
+    return call.rfind("write", 0) == 0 || call.rfind("pwrite", 0) == 0;
+}
+
+Sum RunRoad(const std::string& name, const TrialRoad& road, const Options& options, const std::string& folder,
+            bool smallDisks) {
+    const std::string place = folder + "/" + name;
+    std::filesystem::create_directory(place);
+    Harness harness(road, place, kJobs);
+    const long calls = harness.CountCalls();
+    for (long call = 1; call <= calls; ++call)
+        for (const Fault fault : FaultsAt(call, options.brief))
+            if (!IsOfWritesOnly(fault) || IsWrite(harness.Calls()[static_cast<std::size_t>(call) - 1]))
+                harness.Start({fault, call});
+    for (int pages = 0; smallDisks && calls > 0 && pages <= kMostFreePages; pages += options.brief ? 3 : 1)
+        harness.Start({Fault::None, 0, pages});
+    harness.Finish();
+    std::printf("%-18s %4ld calls, %4d faults, %d problems\n", name.c_str(), calls, harness.Injected(),
+                harness.Problematic());
+    if (options.listCalls)
+        for (const std::string& call : harness.Calls())
+            std::printf("    %s\n", call.c_str());
+    return {calls, harness.Injected(), harness.Problematic() + (calls == 0 ? 1 : 0)};
+}
+
+using NamedRoads = std::vector<std::pair<std::string, std::unique_ptr<TrialRoad>>>;
+
+NamedRoads AllRoads() {
+    NamedRoads roads;
+    for (auto& [name, road] : TrackRoads())
+        roads.emplace_back(name, std::make_unique<WindowTrial>(std::move(road)));
+    for (auto& [name, road] : BackupRoads())
+        roads.emplace_back(name, std::make_unique<WindowTrial>(std::move(road)));
+    roads.emplace_back("server-restore", std::make_unique<ServerTrial>(CORVANE_FAULTS_PRELOAD));
+    return roads;
+}
+
+/// Runs the roads that were asked for. @return what came out of them all
+Sum RunRoads(const Options& options, const std::string& folder) {
+    const bool smallDisks = TrialDisk::IsPossible();
+    if (!smallDisks)
+        std::printf("This user may not make file systems: the full disks are left out.\n");
+    Sum sum;
+    for (const auto& [name, road] : AllRoads()) {
+        const auto& wanted = options.roads;
+        if (!wanted.empty() && std::find(wanted.begin(), wanted.end(), name) == wanted.end())
+            continue;
+        const Sum one = RunRoad(name, *road, options, folder, smallDisks);
+        sum.calls += one.calls;
+        sum.injected += one.injected;
+        sum.problematic += one.problematic;
+    }
+    return sum;
+}
+
+/// Trials fork: another thread's locks would stay locked for ever in them.
+bool IsOneThread() {
+    const std::filesystem::directory_iterator tasks("/proc/self/task");
+    return std::distance(begin(tasks), end(tasks)) == 1;
+}
+
+} // namespace
+
+int main(int count, char** words) {
+    const Options options = ParseOptions(count, words);
+    const TemporaryFolder folder;
+    setenv("XDG_CONFIG_HOME", folder.Path("config").c_str(), 1);
+    setenv("XDG_RUNTIME_DIR", folder.Path("").c_str(), 1);
+    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    setenv("QT_LOGGING_RULES", "qt.qpa.*=false;*.debug=false;*.warning=false", 1);
+    FileTree served;
+    for (const auto& [name, content] : ServedTracks())
+        served["served/vdk/ContourPath/" + name] = content;
+    WriteTree(served);
+    const OstraServerProcess server(folder.Path("served"));
+    setenv("OSTRA_DISCOVERY", server.DiscoveryAddress().c_str(), 1);
+    const QApplication application(count, words);
+    if (!IsOneThread()) {
+        std::fputs("more than one thread before the first trial\n", stderr);
+        return 2;
+    }
+    const Sum sum = RunRoads(options, folder.Path(""));
+    std::printf("%ld calls, %d faults injected, %d runs with problems\n", sum.calls, sum.injected,
+                sum.problematic);
+    return sum.problematic == 0 && sum.injected > 0 ? 0 : 1;
+}
