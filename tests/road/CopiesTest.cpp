@@ -21,6 +21,7 @@ class CopiesTest : public ::testing::Test {
     CopiesTest() {
         ::mkdir("runtime", 0700);
         ::setenv("XDG_RUNTIME_DIR", folder.Path("runtime").c_str(), 1);
+        ::setenv("OSTRA_DISCOVERY", "127.0.0.1:9", 1); // also when this is not started by ctest
     }
 
     ~CopiesTest() override {
