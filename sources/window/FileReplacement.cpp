@@ -11,7 +11,7 @@
 namespace {
 
 bool CopyWhole(const std::string& from, const std::string& target) {
-    constexpr std::size_t kPiece = 64U * 1024U;
+    constexpr std::size_t kPiece = 65536;
     std::ifstream source(from, std::ios::binary);
     WholeFile copy(target);
     if (!source.is_open() || !copy.IsOpen())

@@ -10,10 +10,13 @@
 #include <QToolButton>
 #include <QWindow>
 
+#include <cerrno>
 #include <filesystem>
 #include <optional>
 
-#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace {
 
@@ -27,20 +30,15 @@ namespace fs = std::filesystem;
 
 constexpr int kPatience = 20000; // milliseconds
 
-/// While it lives, no file or socket can be opened.
-class NoDescriptors {
-  public:
-    NoDescriptors() {
-        getrlimit(RLIMIT_NOFILE, &before);
-        const rlimit none{0, before.rlim_max};
-        setrlimit(RLIMIT_NOFILE, &none);
-    }
-    NoDescriptors(const NoDescriptors&) = delete;
-    NoDescriptors& operator=(const NoDescriptors&) = delete;
-    ~NoDescriptors() { setrlimit(RLIMIT_NOFILE, &before); }
+bool socketsFail = false;
 
-  private:
-    rlimit before{};
+/// While it lives, no socket can be had.
+class NoSockets {
+  public:
+    NoSockets() { socketsFail = true; }
+    NoSockets(const NoSockets&) = delete;
+    NoSockets& operator=(const NoSockets&) = delete;
+    ~NoSockets() { socketsFail = false; }
 };
 
 class SourceWorkflows : public WindowTest {
@@ -122,9 +120,9 @@ TEST_F(SourceWorkflows, ServersAreListedBeforeTheBackupFileAndTheControlsAgreeFr
 }
 
 TEST_F(SourceWorkflows, ADiscoveryThatFailsIsReportedAndLeavesAnEmptyList) {
-    auto none = std::make_optional<NoDescriptors>();
+    auto none = std::make_optional<NoSockets>();
     answers.note = [&none] {
-        none.reset(); // what follows needs files again
+        none.reset();
         return QString();
     };
     openWindow();
@@ -469,7 +467,7 @@ TEST_F(SourceWorkflows, ResetWhileConnectedDisconnectsAndClosesEverything) {
 
 TEST_F(SourceWorkflows, AResetThatFailsDisablesTheButtonUntilOneSucceeds) {
     openWindowAndListen();
-    auto none = std::make_optional<NoDescriptors>();
+    auto none = std::make_optional<NoSockets>();
     answers.note = [this, &none] {
         none.reset();
         return enabled("pushButton_sensor") ? QStringLiteral("enabled") : QStringLiteral("disabled");
@@ -562,3 +560,12 @@ TEST_F(SourceWorkflows, TheWindowIsBuiltWithinASecond) {
 }
 
 } // namespace
+
+// Takes the place of the system library's for this program.
+extern "C" int socket(int domain, int type, int protocol) noexcept {
+    if (socketsFail) {
+        errno = EMFILE;
+        return -1;
+    }
+    return static_cast<int>(syscall(SYS_socket, domain, type, protocol));
+}

@@ -19,6 +19,11 @@ WindowTest::WindowTest() = default;
 
 WindowTest::~WindowTest() = default;
 
+void WindowTest::TearDown() {
+    closeWindow();
+    answers.note = {};
+}
+
 void WindowTest::openWindow() {
     window = std::make_unique<MainWindow>();
     window->show();

@@ -22,6 +22,8 @@ class WindowTest : public ::testing::Test {
   protected:
     WindowTest();
     ~WindowTest() override;
+    /// The window goes before anything that a test gave it to call.
+    void TearDown() override;
 
     /// Makes and shows the window; the size leaves the scroll area room.
     void openWindow();
