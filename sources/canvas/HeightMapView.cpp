@@ -19,22 +19,22 @@ void CopyPixels(const QImage& from, const QPoint& fromStart, QImage& to, const Q
 
 } // namespace
 
-void HeightMapView::Show(const QPixmap& pixmap, const QSize& newSize) {
+void HeightMapView::Show(const QPixmap& pixmap, const QSize& newSize, const QRect& visible) {
     // The pixmap's own pixels, shared, where it has 32 bits a pixel, as those made from images do.
     source = pixmap.toImage().convertToFormat(QImage::Format_RGB32);
-    if (pixmap.cacheKey() == key && newSize == size)
-        return;
-    key = pixmap.cacheKey();
-    size = newSize;
-    valid = {};
+    if (pixmap.cacheKey() != key || newSize != size) {
+        key = pixmap.cacheKey();
+        size = newSize;
+        valid = {};
+    }
+    KeepVisible(visible);
 }
 
 void HeightMapView::Clear() {
     *this = {};
 }
 
-void HeightMapView::Copy(const QRect& part, const QRect& visible, QImage& out) {
-    KeepVisible(visible);
+void HeightMapView::Copy(const QRect& part, QImage& out) {
     if (!keptPlace.contains(part)) {
         SmoothScaler(source, size).Render(part, out, {0, 0});
         return;
@@ -48,8 +48,13 @@ void HeightMapView::KeepVisible(const QRect& visible) {
     const QRect place = fits ? visible : QRect();
     if (place == keptPlace)
         return;
-    QImage moved(place.size(), QImage::Format_RGB32);
     const QRegion still = valid.intersected(place);
+    if (still.isEmpty() && place.size() == keptPlace.size()) {
+        keptPlace = place; // the memory serves again
+        valid = {};
+        return;
+    }
+    QImage moved(place.size(), QImage::Format_RGB32);
     for (const QRect& rect : still)
         CopyPixels(kept, keptPlace.topLeft(), moved, place.topLeft(), rect);
     kept = moved;

@@ -18,7 +18,8 @@ class HeightMapView {
     static constexpr int kMostKept = 10 * 1024 * 1024 / 4;
 
     /// Stretches `pixmap` to `size`. What is kept is forgotten when either is another than before.
-    void Show(const QPixmap& pixmap, const QSize& size);
+    /// @param visible what the operator can see of the canvas now
+    void Show(const QPixmap& pixmap, const QSize& size, const QRect& visible);
 
     /// Lets go of the image, so that it does not outlive the label's pixmap; Show takes it up again.
     void ReleaseImage() { source = {}; }
@@ -27,8 +28,7 @@ class HeightMapView {
     void Clear();
 
     /// Copies a part, which must lie inside the size shown, to the top left of `out` (Format_RGB32).
-    /// @param visible what the operator can see of the canvas now
-    void Copy(const QRect& part, const QRect& visible, QImage& out);
+    void Copy(const QRect& part, QImage& out);
 
   private:
     void KeepVisible(const QRect& visible);

@@ -1,63 +1,24 @@
 #include "SmoothScaler.h"
 
+#include "ScalingTaps.h"
+
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 namespace {
 
-/// Weights of an averaging axis add up to this.
-constexpr std::uint32_t kWhole = 1U << 14;
-/// Weights of a blending axis add up to this.
-constexpr std::uint32_t kBlend = 256;
+using ScalingTaps::Averaging;
+using ScalingTaps::Blending;
+using ScalingTaps::Covered;
+using ScalingTaps::kBlend;
 
-/// Where one target pixel comes from along one axis.
-struct Tap {
-    int first = 0;                ///< the first source pixel
-    std::uint32_t weight = 0;     ///< blending: of the second pixel; averaging: of the first
-    std::uint32_t inner = kWhole; ///< averaging: of each pixel wholly covered
-    int next = 0;                 ///< blending: steps to the second pixel, 0 at the last one
-};
-
-bool Grows(int source, int target) {
-    return target >= source;
-}
-
-/// Positions are fixed-point numbers with 16 bits behind the point.
-Tap BlendingTap(int source, int target, int pixel) {
-    const std::int64_t half = 0x8000;
-    const std::int64_t step = (std::int64_t{source} << 16) / target;
-    const std::int64_t position = half * source / target - half + pixel * step;
-    const auto first = static_cast<int>(position >> 16);
-    if (first < 0)
-        return {0, 0, kWhole, 0};
-    if (first >= source - 1)
-        return {source - 1, 0, kWhole, 0};
-    return {first, static_cast<std::uint32_t>((position >> 8) & 0xff), kWhole, 1};
-}
-
-Tap AveragingTap(int source, int target, int pixel) {
-    const std::int64_t step = (std::int64_t{source} << 16) / target;
-    const std::int64_t position = pixel * step;
-    const auto inner = static_cast<std::uint32_t>(((std::int64_t{target} << 14) + source - 1) / source);
-    const auto part = static_cast<std::uint32_t>(0x10000 - (position & 0xffff));
-    return {static_cast<int>(position >> 16), static_cast<std::uint32_t>((std::uint64_t{part} * inner) >> 16),
-            inner, 0};
-}
-
-std::vector<Tap> TapsOf(int source, int target, int first, int count) {
-    std::vector<Tap> taps;
-    taps.reserve(static_cast<std::size_t>(count));
-    for (int pixel = first; pixel < first + count; ++pixel)
-        taps.push_back(Grows(source, target) ? BlendingTap(source, target, pixel)
-                                             : AveragingTap(source, target, pixel));
-    return taps;
-}
-
-/// The channels of a pixel in lanes of 16 bits, so that one operation serves all four.
+/// Channels side by side in lanes of 16 bits, so that one operation serves four.
 using Lanes = std::uint64_t;
-constexpr Lanes kLaneMask = 0x00ff00ff00ff00ffULL;
+constexpr Lanes kLowBytes = 0x00ff00ff00ff00ffULL;
 
+/// The channels of one pixel: blue, red, green, alpha from the lowest lane up.
 Lanes Spread(QRgb pixel) {
     return (pixel & 0x00ff00ffU) | (Lanes{pixel & 0xff00ff00U} << 24);
 }
@@ -66,53 +27,96 @@ QRgb Gather(Lanes lanes) {
     return static_cast<QRgb>(lanes) | static_cast<QRgb>(lanes >> 24);
 }
 
-Lanes Blend(Lanes one, Lanes other, std::uint32_t weight) {
-    return ((one * (kBlend - weight) + other * weight) >> 8) & kLaneMask;
+Lanes Blend(Lanes one, Lanes other, unsigned weight) {
+    return ((one * (kBlend - weight) + other * weight) >> 8) & kLowBytes;
 }
 
-/// Sums of channels times weights.
+/// What averaging adds up, in lanes of 32 bits: blue and red share a number, green has one of its own.
 struct Sum {
-    std::uint32_t red = 0;
-    std::uint32_t green = 0;
-    std::uint32_t blue = 0;
+    std::uint64_t blueAndRed = 0;
+    std::uint64_t green = 0;
 
-    void Add(QRgb pixel, std::uint32_t weight) {
-        red += (pixel >> 16 & 0xff) * weight;
-        green += (pixel >> 8 & 0xff) * weight;
-        blue += (pixel & 0xff) * weight;
+    /// @param blueAndRed, green numbers of 16 bits, red above blue
+    static Sum Of(std::uint32_t blueAndRed, std::uint32_t green) {
+        return {(blueAndRed & 0xffffU) | std::uint64_t{blueAndRed >> 16U} << 32U, green};
     }
-    /// Adds an average of one direction as a term of the other.
-    void Add(const Sum& average, std::uint32_t weight) {
-        red += (average.red >> 4) * weight;
-        green += (average.green >> 4) * weight;
-        blue += (average.blue >> 4) * weight;
+    static Sum Of(QRgb pixel) { return Of(pixel & 0x00ff00ffU, pixel >> 8U & 0xffU); }
+
+    void Add(const Sum& other, unsigned weight) {
+        blueAndRed += other.blueAndRed * weight;
+        green += other.green * weight;
     }
-    void BlendWith(const Sum& other, std::uint32_t weight) {
-        red = (red * (kBlend - weight) + other.red * weight) >> 8;
-        green = (green * (kBlend - weight) + other.green * weight) >> 8;
-        blue = (blue * (kBlend - weight) + other.blue * weight) >> 8;
+    /// All lanes without their lowest bits.
+    [[nodiscard]] Sum Without(unsigned bits) const {
+        const std::uint64_t lane = 0xffffffffU >> bits;
+        return {(blueAndRed >> bits) & (lane << 32U | lane), green >> bits};
     }
-    [[nodiscard]] QRgb Pixel(int bits) const {
-        return 0xff000000U | (red >> bits) << 16 | (green >> bits) << 8 | blue >> bits;
+    [[nodiscard]] QRgb Pixel(unsigned bits) const {
+        const Sum channels = Without(bits);
+        return 0xff000000U | static_cast<QRgb>(channels.blueAndRed >> 16U) |
+               static_cast<QRgb>(channels.blueAndRed) | static_cast<QRgb>(channels.green << 8U);
     }
 };
 
-/// Calls `add(step, weight)` for every source pixel that an averaging tap covers.
-template<typename Add>
-void ForEachCovered(const Tap& tap, const Add& add) {
-    int step = 0;
-    add(step, tap.weight);
-    std::uint32_t left = kWhole - tap.weight;
-    for (; left > tap.inner; left -= tap.inner)
-        add(++step, tap.inner);
-    if (left > 0)
-        add(++step, left);
+Sum Blend(const Sum& one, const Sum& other, unsigned weight) {
+    Sum blended;
+    blended.Add(one, kBlend - weight);
+    blended.Add(other, weight);
+    return blended.Without(8);
 }
 
-Sum Average(const QRgb* pixels, const Tap& tap, std::ptrdiff_t stride) {
+/// Pixels that can be added up before a lane of 16 bits is full.
+constexpr int kMostInLanes = 256;
+
+/// The channels of up to kMostInLanes pixels, added up two pixels at a time.
+Sum SumOfFew(const QRgb* pixels, int count) {
+    Lanes blueAndRed = 0;
+    Lanes green = 0;
+    for (; count >= 2; count -= 2, pixels += 2) {
+        std::uint64_t two = 0;
+        std::memcpy(&two, pixels, sizeof two);
+        blueAndRed += two & kLowBytes;
+        green += two >> 8U & kLowBytes;
+    }
+    if (count > 0) {
+        blueAndRed += *pixels & 0x00ff00ffU;
+        green += *pixels >> 8U & 0x00ff00ffU;
+    }
+    return Sum::Of(static_cast<std::uint32_t>(blueAndRed + (blueAndRed >> 32U)),
+                   static_cast<std::uint32_t>(green + (green >> 32U)) & 0xffffU);
+}
+
+Sum SumOfMany(const QRgb* pixels, int count) {
     Sum sum;
-    ForEachCovered(tap, [&](int step, std::uint32_t weight) { sum.Add(pixels[step * stride], weight); });
+    for (; count > 0; count -= kMostInLanes, pixels += kMostInLanes)
+        sum.Add(SumOfFew(pixels, std::min(count, kMostInLanes)), 1);
     return sum;
+}
+
+/// The weighted sum of the pixels that a tap covers; the weights add up to kWhole. Nothing in it depends on
+/// where the tap stands, so that the processor foresees every jump.
+Sum Average(const QRgb* line, const Averaging& tap, const Covered& covered) {
+    const QRgb* const first = line + tap.first;
+    Sum sum;
+    sum.Add(Sum::Of(*first), tap.firstWeight);
+    sum.Add(covered.count <= kMostInLanes ? SumOfFew(first + 1, covered.count)
+                                          : SumOfMany(first + 1, covered.count),
+            covered.weight);
+    sum.Add(Sum::Of(first[tap.secondLast]), tap.secondLastWeight);
+    sum.Add(Sum::Of(first[tap.last]), tap.lastWeight);
+    return sum;
+}
+
+/// Calls `add(pixel, weight)` for every source pixel along an axis that a tap covers.
+template<typename Add>
+void ForEachCovered(const Averaging& tap, const Covered& covered, const Add& add) {
+    add(tap.first, tap.firstWeight);
+    for (int pixel = 1; pixel <= covered.count; ++pixel)
+        add(tap.first + pixel, covered.weight);
+    if (tap.secondLastWeight > 0)
+        add(tap.first + tap.secondLast, tap.secondLastWeight);
+    if (tap.lastWeight > 0)
+        add(tap.first + tap.last, tap.lastWeight);
 }
 
 /// Scales row by row for one choice of growing and shrinking axes.
@@ -121,74 +125,104 @@ class PartRenderer {
     PartRenderer(const QImage& source, const QSize& target, const QRect& part)
         : pixels(reinterpret_cast<const QRgb*>(source.constBits())),
           stride(source.bytesPerLine() / static_cast<int>(sizeof(QRgb))),
-          growsAcross(Grows(source.width(), target.width())),
-          growsDown(Grows(source.height(), target.height())),
-          across(TapsOf(source.width(), target.width(), part.left(), part.width())),
-          down(TapsOf(source.height(), target.height(), part.top(), part.height())) {}
+          growsAcross(ScalingTaps::Grows(source.width(), target.width())),
+          growsDown(ScalingTaps::Grows(source.height(), target.height())),
+          coveredAcross(ScalingTaps::CoveredByAll(source.width(), target.width())),
+          coveredDown(ScalingTaps::CoveredByAll(source.height(), target.height())) {
+        if (growsAcross)
+            blendAcross =
+                ScalingTaps::BlendingTaps(source.width(), target.width(), part.left(), part.width());
+        else
+            averageAcross =
+                ScalingTaps::AveragingTaps(source.width(), target.width(), part.left(), part.width());
+        if (growsDown)
+            blendDown =
+                ScalingTaps::BlendingTaps(source.height(), target.height(), part.top(), part.height());
+        else
+            averageDown =
+                ScalingTaps::AveragingTaps(source.height(), target.height(), part.top(), part.height());
+    }
 
     void RenderRow(std::size_t row, QRgb* out) {
-        const Tap& tap = down[row];
-        const QRgb* line = pixels + tap.first * stride;
         if (growsAcross && growsDown)
-            BlendBoth(line, tap, out);
+            BlendBoth(blendDown[row], out);
         else if (growsAcross)
-            AverageDown(line, tap, out);
+            AverageDown(averageDown[row], out);
         else if (growsDown)
-            AverageAcross(line, tap, out);
+            AverageAcross(blendDown[row], out);
         else
-            AverageBoth(line, tap, out);
+            AverageBoth(averageDown[row], out);
     }
 
   private:
-    void BlendBoth(const QRgb* line, const Tap& tap, QRgb* out) {
-        const int first = across.front().first;
-        const int last = across.back().first + across.back().next;
-        blended.resize(static_cast<std::size_t>(last - first) + 1);
-        const QRgb* below = line + tap.next * stride;
-        for (int column = first; column <= last; ++column)
-            blended[static_cast<std::size_t>(column - first)] =
-                Blend(Spread(line[column]), Spread(below[column]), tap.weight);
-        for (const Tap& x : across) {
-            const Lanes* at = blended.data() + (x.first - first);
+    [[nodiscard]] const QRgb* Line(int row) const { return pixels + row * stride; }
+
+    /// The source columns that a row of a growing axis needs.
+    [[nodiscard]] int FirstColumn() const { return blendAcross.front().first; }
+    [[nodiscard]] int ColumnCount() const {
+        return blendAcross.back().first + blendAcross.back().next + 1 - FirstColumn();
+    }
+
+    void BlendBoth(const Blending& tap, QRgb* out) {
+        const int firstColumn = FirstColumn();
+        const QRgb* const line = Line(tap.first) + firstColumn;
+        const QRgb* const below = Line(tap.first + tap.next) + firstColumn;
+        blended.resize(static_cast<std::size_t>(ColumnCount()));
+        Lanes* const between = blended.data();
+        for (std::size_t column = 0; column < blended.size(); ++column)
+            between[column] = Blend(Spread(line[column]), Spread(below[column]), tap.weight);
+        for (const Blending& x : blendAcross) {
+            const Lanes* const at = between + (x.first - firstColumn);
             *out++ = Gather(Blend(at[0], at[x.next], x.weight));
         }
     }
 
-    void AverageDown(const QRgb* line, const Tap& tap, QRgb* out) const {
-        for (const Tap& x : across) {
-            Sum sum = Average(line + x.first, tap, stride);
-            if (x.weight > 0)
-                sum.BlendWith(Average(line + x.first + x.next, tap, stride), x.weight);
-            *out++ = sum.Pixel(14);
+    void AverageDown(const Averaging& tap, QRgb* out) {
+        const int firstColumn = FirstColumn();
+        total.assign(static_cast<std::size_t>(ColumnCount()), Sum{});
+        ForEachCovered(tap, coveredDown, [&](int row, unsigned weight) {
+            const QRgb* const line = Line(row) + firstColumn;
+            for (std::size_t column = 0; column < total.size(); ++column)
+                total[column].Add(Sum::Of(line[column]), weight);
+        });
+        for (const Blending& x : blendAcross) {
+            const Sum* const at = total.data() + (x.first - firstColumn);
+            *out++ = Blend(at[0], at[x.next], x.weight).Pixel(14);
         }
     }
 
-    void AverageAcross(const QRgb* line, const Tap& tap, QRgb* out) const {
-        for (const Tap& x : across) {
-            Sum sum = Average(line + x.first, x, 1);
-            if (tap.weight > 0)
-                sum.BlendWith(Average(line + tap.next * stride + x.first, x, 1), tap.weight);
-            *out++ = sum.Pixel(14);
+    void AverageAcross(const Blending& tap, QRgb* out) const {
+        for (const Averaging& x : averageAcross) {
+            const Sum one = Average(Line(tap.first), x, coveredAcross);
+            const Sum other = Average(Line(tap.first + tap.next), x, coveredAcross);
+            *out++ = Blend(one, other, tap.weight).Pixel(14);
         }
     }
 
-    void AverageBoth(const QRgb* line, const Tap& tap, QRgb* out) const {
-        for (const Tap& x : across) {
-            Sum sum;
-            ForEachCovered(tap, [&](int step, std::uint32_t weight) {
-                sum.Add(Average(line + step * stride + x.first, x, 1), weight);
-            });
+    /// Rows are averaged across one after the other, as they lie in memory, and added up.
+    void AverageBoth(const Averaging& tap, QRgb* out) {
+        total.assign(averageAcross.size(), Sum{});
+        ForEachCovered(tap, coveredDown, [&](int row, unsigned weight) {
+            const QRgb* const line = Line(row);
+            for (std::size_t column = 0; column < total.size(); ++column)
+                total[column].Add(Average(line, averageAcross[column], coveredAcross).Without(4), weight);
+        });
+        for (const Sum& sum : total)
             *out++ = sum.Pixel(24);
-        }
     }
 
     const QRgb* pixels;
     std::ptrdiff_t stride;
     bool growsAcross;
     bool growsDown;
-    std::vector<Tap> across;
-    std::vector<Tap> down;
+    std::vector<Blending> blendAcross;
+    std::vector<Blending> blendDown;
+    Covered coveredAcross;
+    Covered coveredDown;
+    std::vector<Averaging> averageAcross;
+    std::vector<Averaging> averageDown;
     std::vector<Lanes> blended;
+    std::vector<Sum> total;
 };
 
 } // namespace

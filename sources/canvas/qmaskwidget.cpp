@@ -23,8 +23,8 @@ namespace {
     throw Ve::Exception(line, "qmaskwidget", bERROR_TRACK, "QMaskWidget::SavePath", "%s", message);
 }
 
-/// Pixels that are painted at once; a larger place is painted in strips.
-constexpr int kMostPainted = 4 * 1024 * 1024 / 4;
+/// Pixels that are painted at once; a larger place is painted in strips that stay in the processor's cache.
+constexpr int kMostPainted = 256 * 1024 / 4;
 
 /// All device pixels that a rectangle of widget pixels touches.
 QRect DeviceRect(const QRect& rect, double ratio) {
@@ -210,7 +210,7 @@ void QMaskWidget::paintEvent(QPaintEvent* event) {
     const QRect canvas = DeviceRect(rect(), ratio);
     bandsPainted = RulerShown();
     painter.scale(1.0 / ratio, 1.0 / ratio); // from here on in device pixels, so that none is resampled
-    view.Show(image, canvas.size());
+    view.Show(image, canvas.size(), DeviceRect(visibleRegion().boundingRect(), ratio).intersected(canvas));
     for (const QRect& exposed : event->region()) {
         const QRect place = DeviceRect(exposed, ratio).intersected(canvas);
         const int rows = std::max(1, kMostPainted / std::max(1, place.width()));
@@ -221,11 +221,11 @@ void QMaskWidget::paintEvent(QPaintEvent* event) {
 }
 
 void QMaskWidget::PaintPart(QPainter& painter, const QRect& place, double ratio) {
-    QImage part(place.size(), QImage::Format_RGB32);
-    if (part.isNull())
-        return;
-    view.Copy(place, DeviceRect(visibleRegion().boundingRect(), ratio).intersected(DeviceRect(rect(), ratio)),
-              part);
+    // The same memory for every part: to have new memory cleared by the system takes longer than to paint.
+    strip.resize(std::max(strip.size(), static_cast<std::size_t>(place.width()) * place.height()));
+    QImage part(reinterpret_cast<uchar*>(strip.data()), place.width(), place.height(),
+                place.width() * static_cast<int>(sizeof(QRgb)), QImage::Format_RGB32);
+    view.Copy(place, part);
     if (!isEnabled())
         PaintDisabled(part);
     PathPainter(part, place, ratio, editor.State(), extents, Scale()).Paint(RulerShown(), font());

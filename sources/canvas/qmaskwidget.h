@@ -104,5 +104,6 @@ class QMaskWidget : public QLabel {
     RulerMarksKeeper marks;
     PathExtents extents;
     HeightMapView view;
+    std::vector<QRgb> strip;   ///< what a part of the canvas is painted on
     bool bandsPainted = false; ///< whether the last paint showed the ruler
 };

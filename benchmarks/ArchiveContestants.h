@@ -1,0 +1,7 @@
+#pragma once
+
+#include "Figures.h"
+
+/// pack FOLDER FILE, unpack FILE FOLDER: as before a restore and after a backup. "bytes" is the memory it
+/// took. make-tree FOLDER SMALL LARGE: writes SMALL files of 100 KB and LARGE ones of 20 MB, of seeded bytes.
+[[nodiscard]] Contestants ArchiveContestants();

@@ -1,0 +1,174 @@
+#include "CanvasContestants.h"
+
+#include "CanvasStage.h"
+#include "PathLayouts.h"
+#include "qmaskwidget.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace {
+
+constexpr int kTimes = 41;
+constexpr int kRuledMap = 4000;
+const QPointF kMiddleOfView(600, 400);
+
+CanvasStage::Kind KindAt(const Arguments& arguments) {
+    return arguments.at(0) == "canvas" ? CanvasStage::Kind::Canvas : CanvasStage::Kind::PlainLabel;
+}
+
+/// A stage with a surface of the side and at the scale that the arguments name.
+std::unique_ptr<CanvasStage> StageAt(const Arguments& arguments) {
+    const int side = NumberAt(arguments, 1);
+    auto stage = std::make_unique<CanvasStage>(KindAt(arguments), SurfaceImage(side, side));
+    stage->Zoom(NumberAt(arguments, 2));
+    return stage;
+}
+
+/// The usual time of work that is quick enough to be done often.
+double UsualSecondsOf(const std::function<void(int)>& work) {
+    std::vector<double> seconds;
+    for (int time = 0; time < kTimes; ++time)
+        seconds.push_back(SecondsOf([&] { work(time); }));
+    return Median(seconds);
+}
+
+Figures FirstPaint(const Arguments& arguments) {
+    const int side = NumberAt(arguments, 1);
+    const int percent = NumberAt(arguments, 2);
+    CanvasStage stage(KindAt(arguments), SurfaceImage(side, side));
+    const MemoryWatch memory;
+    stage.Zoom(percent - 5); // one step of the slider before
+    const double seconds = SecondsOf([&] { stage.Zoom(percent); });
+    return {{"seconds", seconds}, {"bytes", memory.PeakBytes()}};
+}
+
+Figures Repaint(const Arguments& arguments) {
+    const auto stage = StageAt(arguments);
+    return {{"seconds", UsualSecondsOf([&](int) { stage->RepaintAll(); })}};
+}
+
+Figures RepaintSmall(const Arguments& arguments) {
+    const auto stage = StageAt(arguments);
+    return {{"seconds", UsualSecondsOf([&](int) { stage->Repaint({600, 400, 64, 64}); })}};
+}
+
+Figures MoveMouse(const Arguments& arguments) {
+    const auto stage = StageAt(arguments);
+    return {{"seconds", UsualSecondsOf([&](int time) {
+                 stage->MoveMouse(kMiddleOfView + QPointF(time, time), Qt::NoButton);
+             })}};
+}
+
+int LargestDifference(const QImage& one, const QImage& other) {
+    int largest = one.size() == other.size() ? 0 : 255;
+    for (int row = 0; largest < 255 && row < one.height(); ++row)
+        for (int byte = 0; byte < one.width() * 4; ++byte)
+            largest =
+                std::max(largest, std::abs(one.constScanLine(row)[byte] - other.constScanLine(row)[byte]));
+    return largest;
+}
+
+QImage PictureOf(QWidget& widget) {
+    return widget.grab().toImage().convertToFormat(QImage::Format_RGB32);
+}
+
+Figures ComparePixels(const Arguments& /*arguments*/) {
+    const QImage noise = NoiseImage(403, 297);
+    CanvasStage canvas(CanvasStage::Kind::Canvas, noise);
+    CanvasStage label(CanvasStage::Kind::PlainLabel, noise);
+    double whole = 0;
+    double upper = 0;
+    double lower = 0;
+    for (int percent = 5; percent <= 400; percent += 5) {
+        canvas.Zoom(percent);
+        label.Zoom(percent);
+        const int difference = LargestDifference(PictureOf(canvas.Widget()), PictureOf(label.Widget()));
+        const bool isWhole = percent == 50 || percent == 100 || percent == 200 || percent == 400;
+        double& group = isWhole ? whole : percent >= 35 ? upper : lower;
+        group = std::max<double>(group, difference);
+    }
+    return {{"whole", whole}, {"upper", upper}, {"lower", lower}};
+}
+
+/// Loads seeded paths over the part of the canvas that is seen.
+void LayPaths(CanvasStage& stage, const std::string& file, int paths, int points, double step) {
+    const QSizeF canvas = stage.Widget().size();
+    const QSizeF seen = canvas.boundedTo(QSizeF(stage.View().size()));
+    WritePathFile(file, paths, points, {0, 0, seen.width() / canvas.width(), seen.height() / canvas.height()},
+                  step);
+    if (stage.Canvas().loadPaths(QString::fromStdString(file)) != 0)
+        throw std::runtime_error("cannot load " + file);
+}
+
+Figures PaintPoints(const Arguments& arguments) {
+    constexpr int kPointsPerPath = 100;
+    CanvasStage stage(CanvasStage::Kind::Canvas, SurfaceImage(kRuledMap, kRuledMap));
+    stage.Zoom(NumberAt(arguments, 2));
+    LayPaths(stage, arguments.at(0), NumberAt(arguments, 1) / kPointsPerPath, kPointsPerPath, 0.01);
+    stage.Canvas().setCurrentPath(-1);
+    stage.RepaintAll();
+    return {{"seconds", UsualSecondsOf([&](int) { stage.RepaintAll(); })}};
+}
+
+/// The place on the canvas of the middle point of a path that starts near the middle of what is seen.
+QPointF DraggedPlace(const CanvasStage& stage) {
+    const auto& paths = stage.Canvas().paths();
+    const auto& points = paths.at(paths.size() / 2).points;
+    const QPointF point = points.at(points.size() / 2);
+    return {point.x() * stage.Widget().width(), point.y() * stage.Widget().height()};
+}
+
+Figures Drag(const Arguments& arguments) {
+    CanvasStage stage(CanvasStage::Kind::Canvas, SurfaceImage(kRuledMap, kRuledMap));
+    stage.Zoom(20); // all of the map is seen, and so every path
+    LayPaths(stage, arguments.at(0), NumberAt(arguments, 1), NumberAt(arguments, 2), 0.01);
+    stage.ShowRuler(true);
+    const QPointF start = DraggedPlace(stage);
+    stage.MoveMouse(start, Qt::NoButton);
+    stage.PressMouse(start);
+    std::size_t marks = 0;
+    for (const TrackPath& path : stage.Canvas().paths())
+        for (const RulerMarks& segment : path.rulerMarks)
+            marks += segment.bands.size();
+    const double seconds = UsualSecondsOf(
+        [&](int time) { stage.MoveMouse(start + QPointF(time % 7, time % 5), Qt::LeftButton); });
+    return {{"seconds", seconds}, {"bands", static_cast<double>(marks)}};
+}
+
+Figures LongestOperation(const Arguments& arguments) {
+    const int side = NumberAt(arguments, 0);
+    CanvasStage stage(CanvasStage::Kind::Canvas, SurfaceImage(side, side));
+    Figures longest;
+    const auto take = [&longest](const char* name, const std::function<void()>& work) {
+        double& known = longest[name];
+        known = std::max(known, SecondsOf(work));
+        longest["seconds"] = std::max(longest["seconds"], known);
+    };
+    for (int percent = 5; percent <= 400; percent += 5) {
+        take("zoom", [&] { stage.Zoom(percent); });
+        take("repaint", [&] { stage.RepaintAll(); });
+        take("move", [&] { stage.MoveMouse(kMiddleOfView, Qt::NoButton); });
+        take("rubber band", [&] { stage.MoveMouse(kMiddleOfView + QPointF(50, 50), Qt::LeftButton); });
+        take("scroll", [&] {
+            stage.View().ensureVisible(stage.Widget().width(), stage.Widget().height());
+            QApplication::processEvents();
+        });
+        stage.View().ensureVisible(0, 0);
+        QApplication::processEvents();
+    }
+    return longest;
+}
+
+} // namespace
+
+Contestants CanvasContestants() {
+    return {{"zoom", FirstPaint},
+            {"repaint", Repaint},
+            {"repaint-small", RepaintSmall},
+            {"mouse-move", MoveMouse},
+            {"pixels", ComparePixels},
+            {"points", PaintPoints},
+            {"drag", Drag},
+            {"blocking", LongestOperation}};
+}

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "TrackInfo.h"
+#include "TrackPath.h"
+
+#include <QImage>
+
+#include <string>
+#include <vector>
+
+/// Loads a text track in the plainest way that gives the right result: getline, the tokenizer, atof,
+/// setPixel. Each operation goes through the file by itself. For well-formed files only.
+void PlainTextLoad(const std::string& path, TrackInfo& info, QImage& image, std::vector<TrackPath>& paths);
