@@ -4,6 +4,9 @@
 #include <QPointF>
 #include <QSize>
 
+#include <algorithm>
+#include <cmath>
+
 /// Converts between widget pixels and normalised points for one size of the canvas.
 class CanvasScale {
   public:
@@ -18,7 +21,9 @@ class CanvasScale {
 
     /// (x, y) to the nearest whole pixel (width * x, height * y), halves upwards. What lies beyond any
     /// possible widget is brought back to its border, and what is not a number to 0.
-    [[nodiscard]] QPoint ToWidgetPixels(const QPointF& point) const;
+    [[nodiscard]] QPoint ToWidgetPixels(const QPointF& point) const {
+        return {NearestPixel(canvas.width() * point.x()), NearestPixel(canvas.height() * point.y())};
+    }
 
     /// The position kept inside the margin: first to the right or lower bound, then to the left or upper one,
     /// which so wins on a canvas too small for both.
@@ -29,6 +34,16 @@ class CanvasScale {
     friend bool operator==(const CanvasScale&, const CanvasScale&) = default;
 
   private:
+    static int NearestPixel(double position) {
+        /// Beyond the largest widget, and near enough to 0 for sums and differences to stay whole numbers.
+        constexpr double kFarthestPixel = 1 << 26;
+        if (std::isnan(position))
+            return 0;
+        const double rounded = std::min(std::max(position, -kFarthestPixel), kFarthestPixel) + 0.5;
+        const int whole = static_cast<int>(rounded);
+        return whole - (rounded < whole ? 1 : 0);
+    }
+
     QSize canvas;
 };
 

@@ -20,6 +20,11 @@ class Extent {
         return (one.x() < left && other.x() < left) || (one.x() > right && other.x() > right) ||
                (one.y() < top && other.y() < top) || (one.y() > bottom && other.y() > bottom);
     }
+    /// The same for the outline of a band.
+    [[nodiscard]] bool Misses(const RulerMarks::Band& band) const {
+        return Misses(band[0], band[1]) && Misses(band[1], band[2]) && Misses(band[2], band[3]) &&
+               Misses(band[3], band[0]);
+    }
     [[nodiscard]] QPointF TopLeft() const { return {left, top}; }
     [[nodiscard]] QPointF BottomRight() const { return {right, bottom}; }
 

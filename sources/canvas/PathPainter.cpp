@@ -3,6 +3,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
@@ -126,9 +127,18 @@ void PathPainter::PaintBands() {
             continue;
         for (const RulerMarks& marks : state.paths[index].rulerMarks)
             for (const RulerMarks::Band& band : marks.bands)
-                for (std::size_t corner = 0; corner < band.size(); ++corner)
-                    Line(band[corner], band[(corner + 1) % band.size()], kWhite);
+                PaintBand(band);
     }
+}
+
+void PathPainter::PaintBand(const RulerMarks::Band& band) {
+    if (shown.Misses(band))
+        return;
+    std::array<QPointF, 4> corners;
+    std::transform(band.begin(), band.end(), corners.begin(),
+                   [this](const QPointF& corner) { return Device(corner); });
+    for (std::size_t corner = 0; corner < corners.size(); ++corner)
+        board.Line(corners[corner], corners[(corner + 1) % corners.size()], kLineWidth * ratio, kWhite);
 }
 
 void PathPainter::PaintBandCorners() {
@@ -137,7 +147,8 @@ void PathPainter::PaintBandCorners() {
             continue;
         for (const RulerMarks& marks : state.paths[index].rulerMarks)
             for (const RulerMarks::Band& band : marks.bands)
-                for (const QPointF& corner : band)
-                    Dot(corner, kPointSide, kGreen);
+                if (!shown.Misses(band))
+                    for (const QPointF& corner : band)
+                        Dot(corner, kPointSide, kGreen);
     }
 }

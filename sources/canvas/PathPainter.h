@@ -46,6 +46,7 @@ class PathPainter {
     void PaintDragPoint(const QFont& font);
     void PaintLabel(const QPoint& point, const QFont& font);
     void PaintBands();
+    void PaintBand(const RulerMarks::Band& band);
     void PaintBandCorners();
 
     QImage& part;

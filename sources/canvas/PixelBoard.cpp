@@ -6,21 +6,6 @@
 
 namespace {
 
-/// The largest whole number up to a value within the range of int; a call less than the library's.
-int Floor(double value) {
-    const int whole = static_cast<int>(value);
-    return whole - (value < whole ? 1 : 0);
-}
-
-/// The first pixel whose centre lies behind an edge, and the last one whose centre does not: pixel i has its
-/// centre at i + 0.5. Bounded to the part first, as edges may lie anywhere.
-int FirstBehind(double edge, int low, int high) {
-    return Floor(std::clamp(edge, low - 1.0, high + 2.0) + 0.5);
-}
-int LastUpTo(double edge, int low, int high) {
-    return Floor(std::clamp(edge, low - 1.0, high + 2.0) - 0.5);
-}
-
 /// The places x on a row that lie within a band of the plane: low <= x * slope + offset <= high, where the
 /// offset changes from row to row.
 class RowBounds {
@@ -48,7 +33,16 @@ class RowBounds {
 } // namespace
 
 PixelBoard::PixelBoard(QImage& image, const QPoint& origin)
-    : pixels(image.bits()), stride(image.bytesPerLine()), place(origin, image.size()) {
+    : pixels(image.bits()),
+      stride(image.bytesPerLine()),
+      columns(origin.x(), origin.x() + image.width() - 1),
+      rows(origin.y(), origin.y() + image.height() - 1) {
+}
+
+inline void PixelBoard::FillRow(int row, int first, int last, QRgb colour) {
+    QRgb* const line = reinterpret_cast<QRgb*>(pixels + (row - rows.first) * stride);
+    for (int column = first; column <= last; ++column)
+        line[column - columns.first] = colour;
 }
 
 void PixelBoard::Square(const QPointF& centre, double side, QRgb colour) {
@@ -65,18 +59,11 @@ void PixelBoard::Line(const QPointF& from, const QPointF& to, double width, QRgb
 }
 
 void PixelBoard::Fill(double left, double right, double top, double bottom, QRgb colour) {
-    const int first = std::max(FirstBehind(top, place.top(), place.bottom()), place.top());
-    const int last = std::min(LastUpTo(bottom, place.top(), place.bottom()), place.bottom());
-    for (int row = first; row <= last; ++row)
-        FillRow(row, left, right, colour);
-}
-
-void PixelBoard::FillRow(int row, double left, double right, QRgb colour) {
-    const int first = std::max(FirstBehind(left, place.left(), place.right()), place.left());
-    const int last = std::min(LastUpTo(right, place.left(), place.right()), place.right());
-    QRgb* line = reinterpret_cast<QRgb*>(pixels + std::ptrdiff_t{row - place.top()} * stride);
-    for (int column = first; column <= last; ++column)
-        line[column - place.left()] = colour;
+    const int first = columns.FirstBehind(left);
+    const int last = columns.LastUpTo(right);
+    const int lastRow = rows.LastUpTo(bottom);
+    for (int row = rows.FirstBehind(top); row <= lastRow; ++row)
+        FillRow(row, first, last, colour);
 }
 
 void PixelBoard::SlantedLine(const QPointF& from, const QPointF& to, double width, QRgb colour) {
@@ -93,14 +80,13 @@ void PixelBoard::SlantedLine(const QPointF& from, const QPointF& to, double widt
     // width to either side; both measured from `from`.
     const RowBounds along(ux, -half, length + half);
     const RowBounds across(-uy, -half, half);
-    const int first = std::max(FirstBehind(top, place.top(), place.bottom()), place.top());
-    const int last = std::min(LastUpTo(bottom, place.top(), place.bottom()), place.bottom());
-    for (int row = first; row <= last; ++row) {
+    const int lastRow = rows.LastUpTo(bottom);
+    for (int row = rows.FirstBehind(top); row <= lastRow; ++row) {
         const double down = row + 0.5 - from.y();
         double left = -std::numeric_limits<double>::infinity();
         double right = std::numeric_limits<double>::infinity();
         along.Narrow(down * uy, left, right);
         across.Narrow(down * ux, left, right);
-        FillRow(row, from.x() + left, from.x() + right, colour);
+        FillRow(row, columns.FirstBehind(from.x() + left), columns.LastUpTo(from.x() + right), colour);
     }
 }
