@@ -38,6 +38,8 @@ void ArchiveRequest::Reply(ReplyWriter& reply) const {
     const std::string head = DataHead(archive.Size());
     reply.Head(200, "application/cbor", head.size() + archive.Size());
     reply.Body(head.data(), head.size());
-    if (!archive.Send([&](const char* bytes, std::size_t size) { return reply.Body(bytes, size); }))
+    if (archive.Send([&](const char* bytes, std::size_t size) { return reply.Body(bytes, size); }))
+        reply.End();
+    else
         reply.Fail();
 }

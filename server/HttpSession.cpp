@@ -135,7 +135,7 @@ bool HttpSession::Reply(const RequestReader& request, unsigned status, const Wri
     if (fault.delay.count() > 0 && !stream.Pause(fault.delay))
         return false;
     stream.ExpireAfter(sensor.options.transferTimeout);
-    ReplyWriter reply(stream, fault, request.KeepAlive());
+    ReplyWriter reply(stream, fault, request.KeepAlive(), request.WantsDigest());
     write(reply);
     if (reply.Complete() && !reply.KeepsAlive())
         stream.CloseGently();

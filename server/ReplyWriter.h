@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Crc32c.h"
 #include "FaultPlan.h"
 #include "TimedStream.h"
 
@@ -11,12 +12,15 @@
 class ReplyWriter final {
   public:
     /// @param keepAlive whether the connection is to serve further requests
-    ReplyWriter(TimedStream& stream, const Fault& fault, bool keepAlive);
+    /// @param digest whether the reply goes in chunks with its digest behind them; otherwise it has a length
+    ReplyWriter(TimedStream& stream, const Fault& fault, bool keepAlive, bool digest);
 
     /// Writes the head. @param bodySize bytes that Body will be given in all
     void Head(unsigned status, std::string_view contentType, std::uint64_t bodySize);
     /// Writes bytes of the body. @return false when the connection is no longer of use
     bool Body(const char* bytes, std::size_t size);
+    /// Ends the body once Body was given all of it.
+    void End();
 
     /// A reply with an error text for people, made fit for them.
     void Error(unsigned status, std::string_view text);
@@ -31,10 +35,16 @@ class ReplyWriter final {
 
   private:
     void Write(const char* bytes, std::size_t size);
+    void WriteChunk(const char* bytes, std::size_t size);
+    /// Writes buffers that belong together at once.
+    template<typename Buffers>
+    void WriteAll(const Buffers& buffers);
 
     TimedStream& stream;
     Fault fault;
     bool keepAlive;
+    bool digest;
+    Crc32c checksum; ///< of the body as it should be
     bool failed = false;
     std::uint64_t written = 0;
     std::uint64_t bodyWritten = 0;

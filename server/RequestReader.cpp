@@ -1,5 +1,6 @@
 #include "RequestReader.h"
 
+#include "ContentDigest.h"
 #include "RequestError.h"
 
 #include <limits>
@@ -55,6 +56,29 @@ void RequestReader::ReadBody(BodySpool& spool, std::uint64_t limit) {
     stream.ExpireAfter(patience.body);
     Continue();
     ReadChunks(spool);
+    CheckDigest(spool);
+}
+
+/// Of the bytes of an archive nothing else would tell that one flipped on the way. A client that asks for
+/// digests sends them, too: where its own is missing, the head was damaged.
+void RequestReader::CheckDigest(const BodySpool& spool) const {
+    bool told = false;
+    const auto [first, last] = parser.get().equal_range(kContentDigest);
+    for (auto field = first; field != last; ++field) {
+        const auto value = field->value();
+        const DigestCheck check = CheckContentDigest({value.data(), value.size()}, checksum.Value());
+        if (check == DigestCheck::Different)
+            throw RequestError(400, "The request was damaged on its way.");
+        told = told || check == DigestCheck::Equal;
+    }
+    if (!told && spool.Size() > 0 && WantsDigest())
+        throw RequestError(400, "The request does not tell its digest.");
+}
+
+bool RequestReader::WantsDigest() const {
+    constexpr unsigned kHttp11 = 11;
+    const auto value = parser.get()[kWantContentDigest];
+    return parser.get().version() == kHttp11 && WantsCrc32c({value.data(), value.size()});
 }
 
 void RequestReader::Continue() {
@@ -78,7 +102,9 @@ void RequestReader::ReadChunks(BodySpool& spool) {
         http::read(stream, buffer, parser, error);
         if (error && error != http::error::need_buffer)
             Fail(error);
-        spool.Append(chunk.data(), chunk.size() - parser.get().body().size);
+        const std::size_t count = chunk.size() - parser.get().body().size;
+        checksum.Take(chunk.data(), count);
+        spool.Append(chunk.data(), count);
     }
 }
 

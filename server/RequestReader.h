@@ -1,6 +1,7 @@
 #pragma once
 
 #include "BodySpool.h"
+#include "Crc32c.h"
 #include "TimedStream.h"
 
 #include <chrono>
@@ -34,8 +35,12 @@ class RequestReader final {
     /// Reads the body into `spool`.
     /// @throws RequestError with status 413 when it is larger than `limit`, before any of a body of known
     /// length
-    ///         is read; 400 when it is malformed or ends early, 408 when it does not arrive in time
+    ///         is read; 400 when it is malformed, ends early or has another digest than it tells, 408 when
+    ///         it does not arrive in time
     void ReadBody(BodySpool& spool, std::uint64_t limit);
+
+    /// Whether the client asks for the digest of the reply, and can take it behind a reply in chunks.
+    [[nodiscard]] bool WantsDigest() const;
 
     /// Whether the request was read to its end, so that another one may follow.
     [[nodiscard]] bool Complete() const { return parser.is_done(); }
@@ -44,10 +49,12 @@ class RequestReader final {
   private:
     void ReadChunks(BodySpool& spool);
     void Continue();
+    void CheckDigest(const BodySpool& spool) const;
     [[noreturn]] void Fail(const boost::beast::error_code& error) const;
 
     TimedStream& stream;
     boost::beast::flat_buffer& buffer;
     Patience patience;
+    Crc32c checksum; ///< of the body
     boost::beast::http::request_parser<boost::beast::http::buffer_body> parser;
 };

@@ -1,5 +1,6 @@
 #include "HttpExchange.h"
 
+#include "ContentDigest.h"
 #include "Exception.h"
 #include "bStatus.h"
 
@@ -39,6 +40,14 @@ asio::ip::tcp::endpoint Endpoint(const HttpRequest& request) {
     return {asio::ip::address_v4(request.address.octets), static_cast<std::uint16_t>(request.port)};
 }
 
+/// The digest goes ahead of the body, which lies in memory.
+std::string DigestOf(const WireBody& body) {
+    Crc32c checksum;
+    for (const std::string_view part : body.Parts())
+        checksum.Take(part.data(), part.size());
+    return ContentDigest(checksum.Value());
+}
+
 std::string Head(const HttpRequest& request, const WireBody& body) {
     std::ostringstream host;
     host << Endpoint(request);
@@ -49,6 +58,9 @@ std::string Head(const HttpRequest& request, const WireBody& body) {
         head.set(http::field::content_type, std::string(body.ContentType()));
     if (request.verb != HttpVerb::Get || body.Size() > 0)
         head.content_length(body.Size());
+    head.set(kWantContentDigest, kWantedDigest);
+    if (body.Size() > 0)
+        head.set(kContentDigest, DigestOf(body));
     std::ostringstream text;
     text << head;
     return text.str();
@@ -160,7 +172,27 @@ VeJson HttpExchange::Result() {
     if (parser.get().result() != http::status::ok)
         throw Ve::Exception(__LINE__, __FILE__, bERROR_REFUSED, kFunction, "The server answered %u: %s",
                             parser.get().result_int(), WordsOfTheServer().c_str());
+    CheckDigest();
     return parser.get().body().Finish();
+}
+
+/// Before the body is looked at: a flipped bit in the middle of a file would not show.
+void HttpExchange::CheckDigest() {
+    const auto& reply = parser.get();
+    const std::uint32_t checksum = reply.body().Checksum();
+    bool told = false;
+    const auto [first, last] = reply.equal_range(kContentDigest);
+    for (auto field = first; field != last; ++field) {
+        const auto value = field->value();
+        const DigestCheck check = CheckContentDigest({value.data(), value.size()}, checksum);
+        if (check == DigestCheck::Different)
+            throw Ve::Exception(__LINE__, __FILE__, bERROR_FORMAT, "HttpExchange::Run",
+                                "The reply was damaged on its way.");
+        told = told || check == DigestCheck::Equal;
+    }
+    if (!told && boost::beast::iequals(reply[http::field::trailer], kContentDigest))
+        throw Ve::Exception(__LINE__, __FILE__, bERROR_FORMAT, "HttpExchange::Run",
+                            "The digest that the reply announced is missing.");
 }
 
 /// What a refusal says in its body, which may be anything.

@@ -39,6 +39,7 @@ class HttpExchange {
     void HeadReceived(const Error& error);
     void Stop();
     [[nodiscard]] VeJson Result();
+    void CheckDigest();
     [[nodiscard]] std::string WordsOfTheServer();
 
     const HttpRequest& request;

@@ -14,6 +14,7 @@ void ReplyBody::Start(std::string_view contentType, std::optional<std::uint64_t>
 
 void ReplyBody::Take(const void* data, std::size_t size) {
     empty = empty && size == 0;
+    checksum.Take(data, size);
     if (cbor) {
         cbor->Take(static_cast<const std::uint8_t*>(data), size);
         return;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CborReader.h"
+#include "Crc32c.h"
 #include "VeJson.h"
 
 #include <boost/beast/core/buffers_range.hpp>
@@ -27,7 +28,11 @@ class ReplyBody {
     /// The value, once every byte was taken; an empty body is an empty value.
     [[nodiscard]] VeJson Finish();
 
+    /// CRC-32C of the bytes taken.
+    [[nodiscard]] std::uint32_t Checksum() const { return checksum.Value(); }
+
   private:
+    Crc32c checksum;
     std::optional<CborReader> cbor; ///< for a body in CBOR
     std::string text;               ///< any other body
     bool empty = true;

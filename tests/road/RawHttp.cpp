@@ -65,6 +65,11 @@ RawHttp::Reply RawHttp::Read() {
         reply.length = std::strtoull(reply.head.c_str() + length + 16, nullptr, 10);
     while (received.size() < reply.length && ReadMore()) {
     }
+    if (reply.head.find("Transfer-Encoding: chunked") != std::string::npos) {
+        while (ReadMore()) {
+        }
+        reply.length = received.size();
+    }
     reply.body = received.substr(0, reply.length);
     received.erase(0, reply.body.size());
     return reply;

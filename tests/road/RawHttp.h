@@ -10,7 +10,7 @@ class RawHttp {
     struct Reply {
         unsigned status = 0;      ///< 0 when no whole head came
         std::string head;         ///< status line and fields, with the empty line
-        std::string body;         ///< as far as it came
+        std::string body;         ///< as far as it came; chunks as they came, up to the connection's end
         std::uint64_t length = 0; ///< what Content-Length says
         [[nodiscard]] bool Whole() const { return status != 0 && body.size() == length; }
     };

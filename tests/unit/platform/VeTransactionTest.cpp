@@ -1,5 +1,7 @@
 #include "VeRestClient.h"
 
+#include "ContentDigest.h"
+#include "Crc32c.h"
 #include "Exception.h"
 #include "ScriptedServer.h"
 #include "ThrownBy.h"
@@ -82,6 +84,22 @@ TEST(VeTransaction, sendsAWholeHttpRequest) {
     EXPECT_EQ(request.body, R"({"a":1})");
 }
 
+TEST(VeTransaction, tellsTheDigestOfItsBodyAndAsksForTheReplys) {
+    const ScriptedServer server(JsonReply("{}"));
+    VeJson body;
+    body.Set("data", VeJson::Bytes{'1', '2', '3'});
+    const VeRestClient client = ClientOf(server.Port());
+    client.Call("/a", body, VeJson()).CheckResponse(kPlenty);
+    client.Read("/a", VeJson(), VeJson()).CheckResponse(kPlenty);
+    const ScriptedRequest withBody = server.Requests().at(0);
+    Crc32c checksum;
+    checksum.Take(withBody.body.data(), withBody.body.size());
+    EXPECT_EQ(withBody.Field("Content-Digest"), ContentDigest(checksum.Value()));
+    EXPECT_EQ(withBody.Field("Want-Content-Digest"), "crc32c=1");
+    EXPECT_EQ(server.Requests().at(1).Field("Content-Digest"), "");
+    EXPECT_EQ(server.Requests().at(1).Field("Want-Content-Digest"), "crc32c=1");
+}
+
 TEST(VeTransaction, sendsNoBodyForTheEmptyValue) {
     const ScriptedServer server(JsonReply("{}"));
     const VeRestClient client = ClientOf(server.Port());
@@ -90,6 +108,48 @@ TEST(VeTransaction, sendsNoBodyForTheEmptyValue) {
     EXPECT_EQ(server.Requests().at(0).Field("Content-Length"), "");
     EXPECT_EQ(server.Requests().at(0).Field("Content-Type"), "");
     EXPECT_EQ(server.Requests().at(1).Field("Content-Length"), "0");
+}
+
+/// A reply in one chunk of 7 bytes with these lines behind it.
+std::string Chunked(const std::string& announced, const std::string& body, const std::string& behind) {
+    return "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nTransfer-Encoding: chunked\r\n" + announced +
+           "\r\n7\r\n" + body + "\r\n0\r\n" + behind + "\r\n";
+}
+
+/// The same with a length.
+std::string Sized(const std::string& fields, const std::string& body) {
+    return "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: 7\r\n" + fields + "\r\n" +
+           body;
+}
+
+// Of {"a":1}, and of no other body used here.
+const std::string kDigestLine = "Content-Digest: " + ContentDigest(0xCFF7D56AU) + "\r\n";
+const std::string kAnnounced = "Trailer: Content-Digest\r\n";
+
+TEST(VeTransaction, takesAReplyWhoseDigestFits) {
+    for (const std::string& bytes :
+         {Sized(kDigestLine, R"({"a":1})"), Sized("", R"({"a":1})"),
+          Sized("Content-Digest: sha-256=:AA==:\r\n", R"({"a":1})"),
+          Chunked(kAnnounced, R"({"a":1})", kDigestLine), Chunked("", R"({"a":1})", kDigestLine),
+          Chunked("", R"({"a":1})", ""), Chunked("Trailer: Expires\r\n", R"({"a":1})", "")}) {
+        const ScriptedServer server(Raw(bytes));
+        EXPECT_EQ(Get(server.Port()).At("a").Get<std::int64_t>(), 1) << bytes;
+    }
+}
+
+TEST(VeTransaction, refusesAReplyWithAnotherDigest) {
+    for (const std::string& bytes :
+         {Sized(kDigestLine, R"({"a":2})"), Chunked(kAnnounced, R"({"a":2})", kDigestLine),
+          Chunked("", R"({"a":2})", kDigestLine),
+          Sized(kDigestLine + "Content-Digest: crc32c=:AAAAAA==:\r\n", R"({"a":1})"),
+          Sized("Content-Digest: crc32c=?\r\n", R"({"a":1})")})
+        EXPECT_EQ(StatusOf(Raw(bytes)), bERROR_FORMAT) << bytes;
+}
+
+TEST(VeTransaction, refusesAReplyWithoutTheDigestThatItAnnounced) {
+    EXPECT_EQ(StatusOf(Raw(Chunked(kAnnounced, R"({"a":1})", ""))), bERROR_FORMAT);
+    EXPECT_EQ(StatusOf(Raw(Chunked(kAnnounced, R"({"a":1})", "Content-Digest: sha-256=:AA==:\r\n"))),
+              bERROR_FORMAT);
 }
 
 TEST(VeTransaction, sendsItsRequestOnce) {

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+// What HTTP's fields say about the digest of a body. The one algorithm used here is CRC-32C, since the fault
+// to be found is a bit that flipped on the way, and it costs next to nothing.
+
+constexpr const char* kContentDigest = "Content-Digest";
+constexpr const char* kWantContentDigest = "Want-Content-Digest";
+/// The value of Want-Content-Digest that asks for it.
+constexpr const char* kWantedDigest = "crc32c=1";
+
+enum class DigestCheck {
+    NotTold, ///< the field names other algorithms only, or nothing
+    Equal,
+    Different, ///< another checksum, or one that cannot be understood
+};
+
+/// The value of a Content-Digest field for a body with this checksum.
+std::string ContentDigest(std::uint32_t crc32c);
+
+/// What the value of a Content-Digest field says about a body with this checksum.
+DigestCheck CheckContentDigest(std::string_view field, std::uint32_t crc32c);
+
+/// Whether the value of a Want-Content-Digest field asks for the one algorithm.
+bool WantsCrc32c(std::string_view field);

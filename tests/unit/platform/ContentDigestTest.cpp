@@ -1,0 +1,105 @@
+#include "ContentDigest.h"
+#include "Crc32c.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <numeric>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::uint32_t Checksum(const std::string& bytes) {
+    Crc32c checksum;
+    checksum.Take(bytes.data(), bytes.size());
+    return checksum.Value();
+}
+
+/// Bit by bit, straight from the polynomial.
+std::uint32_t SlowChecksum(const std::string& bytes) {
+    std::uint32_t state = 0xFFFFFFFFU;
+    for (const char letter : bytes) {
+        state ^= static_cast<unsigned char>(letter);
+        for (int bit = 0; bit < 8; ++bit)
+            state = (state >> 1U) ^ ((state & 1U) != 0 ? 0x82F63B78U : 0U);
+    }
+    return ~state;
+}
+
+std::string RandomBytes(std::mt19937& random, std::size_t size) {
+    std::string bytes(size, '\0');
+    std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<char>(random()); });
+    return bytes;
+}
+
+TEST(Crc32c, GivesThePublishedChecksums) {
+    std::string rising(32, '\0');
+    std::iota(rising.begin(), rising.end(), '\0');
+    EXPECT_EQ(Checksum(""), 0U);
+    EXPECT_EQ(Checksum("123456789"), 0xE3069283U);
+    EXPECT_EQ(Checksum(std::string(32, '\0')), 0x8A9136AAU);
+    EXPECT_EQ(Checksum(std::string(32, '\xFF')), 0x62A8AB43U);
+    EXPECT_EQ(Checksum(rising), 0x46DD794EU);
+}
+
+TEST(Crc32c, IsTheSameByProcessorByTablesAndBitByBit) {
+    std::mt19937 random(1);
+    for (std::size_t size = 0; size < 300; ++size) {
+        const std::string bytes = RandomBytes(random, size);
+        const std::uint32_t expected = SlowChecksum(bytes);
+        EXPECT_EQ(Checksum(bytes), expected) << size;
+        EXPECT_EQ(~Crc32c::ContinueByTables(0xFFFFFFFFU, bytes.data(), bytes.size()), expected) << size;
+    }
+}
+
+TEST(Crc32c, DoesNotDependOnThePieces) {
+    std::mt19937 random(2);
+    const std::string bytes = RandomBytes(random, 5000);
+    for (int round = 0; round < 50; ++round) {
+        Crc32c checksum;
+        std::uint32_t byTables = 0xFFFFFFFFU;
+        for (std::size_t at = 0; at < bytes.size();) {
+            const std::size_t piece = std::min<std::size_t>(bytes.size() - at, random() % 40);
+            checksum.Take(bytes.data() + at, piece);
+            byTables = Crc32c::ContinueByTables(byTables, bytes.data() + at, piece);
+            at += piece;
+        }
+        EXPECT_EQ(checksum.Value(), SlowChecksum(bytes));
+        EXPECT_EQ(~byTables, SlowChecksum(bytes));
+    }
+}
+
+TEST(ContentDigest, IsWrittenAsFourBytesInBase64) {
+    EXPECT_EQ(ContentDigest(0xE3069283U), "crc32c=:4waSgw==:");
+    EXPECT_EQ(ContentDigest(0), "crc32c=:AAAAAA==:");
+    EXPECT_EQ(ContentDigest(0xFFFFFFFFU), "crc32c=://///w==:");
+}
+
+TEST(ContentDigest, OfTheRightBytesIsEqual) {
+    EXPECT_EQ(CheckContentDigest("crc32c=:4waSgw==:", 0xE3069283U), DigestCheck::Equal);
+    EXPECT_EQ(CheckContentDigest("sha-256=:AA==:, crc32c=:4waSgw==: ", 0xE3069283U), DigestCheck::Equal);
+    EXPECT_EQ(CheckContentDigest("\tcrc32c=:4waSgw==:,sha-256=:AA==:", 0xE3069283U), DigestCheck::Equal);
+}
+
+TEST(ContentDigest, OfOtherBytesOrNotUnderstoodIsDifferent) {
+    for (const char* field : {"crc32c=:4waSgg==:", "crc32c=:4waSgw==", "crc32c=", "crc32c=4waSgw==",
+                              "crc32c=::", "crc32c=:4waSgw==:;x=1", "sha-256=:AA==:, crc32c=:AAAAAA==:"})
+        EXPECT_EQ(CheckContentDigest(field, 0xE3069283U), DigestCheck::Different) << field;
+}
+
+TEST(ContentDigest, OfAnotherAlgorithmTellsNothing) {
+    for (const char* field : {"", " ", ",", ",,", "sha-256=:4waSgw==:", "crc32=:4waSgw==:"})
+        EXPECT_EQ(CheckContentDigest(field, 0xE3069283U), DigestCheck::NotTold) << field;
+}
+
+TEST(ContentDigest, IsWantedUnlessItsWeightIsZero) {
+    EXPECT_TRUE(WantsCrc32c(kWantedDigest));
+    EXPECT_TRUE(WantsCrc32c("sha-256=1, crc32c=3"));
+    EXPECT_FALSE(WantsCrc32c("sha-256=1, crc32c=0"));
+    EXPECT_FALSE(WantsCrc32c("sha-256=1"));
+    EXPECT_FALSE(WantsCrc32c(""));
+}
+
+} // namespace
