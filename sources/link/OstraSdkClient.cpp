@@ -12,10 +12,7 @@
 
 namespace {
 
-// Time-outs in microseconds.
-constexpr std::int64_t kDiscoveryTimeout = 10000;
-constexpr std::int64_t kArchiveTimeout = 180000000;
-constexpr std::int64_t kReplayTimeout = 3000000;
+constexpr std::int64_t kDiscoveryTimeout = 10000; // microseconds
 
 constexpr std::streamoff kLargestArchive = 4LL * 1024 * 1024 * 1024;
 
@@ -44,18 +41,18 @@ void RequireConnection(int line, const char* function, const OstraSdkClient& cli
 }
 
 /// The answer to the backup request; bytes are not copied.
-OstraSdk::VeJson FetchArchive(OstraSdk::VeRestClient& client) {
+OstraSdk::VeJson FetchArchive(OstraSdk::VeRestClient& client, std::int64_t timeout) {
     const OstraSdk::VeJson body = OstraSdk::VeJson::ParseString(kAllWorkspaces);
     OstraSdk::VeTransaction transaction = client.Call("/system/commands/archive", body, OstraSdk::VeJson());
-    OstraSdk::VeJson payload = transaction.GetResponse(kArchiveTimeout).Payload();
+    OstraSdk::VeJson payload = transaction.GetResponse(timeout).Payload();
     static_cast<void>(payload.At("data").GetBinary());
     return payload;
 }
 
-void SendArchive(OstraSdk::VeRestClient& client, std::vector<std::uint8_t>&& archive) {
+void SendArchive(OstraSdk::VeRestClient& client, std::vector<std::uint8_t>&& archive, std::int64_t timeout) {
     OstraSdk::VeJson body = OstraSdk::VeJson::ParseString(kAllWorkspaces);
     body.Set("data", std::move(archive));
-    client.Call("/system/commands/restore", body, OstraSdk::VeJson()).CheckResponse(kArchiveTimeout);
+    client.Call("/system/commands/restore", body, OstraSdk::VeJson()).CheckResponse(timeout);
 }
 
 /// False when the file cannot be read whole, or is not the size that it was found to have. No archive is
@@ -75,9 +72,13 @@ bool ReadWhole(std::ifstream& file, std::streamoff size, std::vector<std::uint8_
 
 } // namespace
 
-OstraSdkClient::OstraSdkClient()
+OstraSdkClient::OstraSdkClient() : OstraSdkClient(OstraTimeouts()) {
+}
+
+OstraSdkClient::OstraSdkClient(const OstraTimeouts& timeouts)
     : system(std::make_shared<OstraSdk::VeSystem>(
-          ParsedAddress(__LINE__, "OstraSdkClient::OstraSdkClient", "127.0.0.1"), 3600)) {
+          ParsedAddress(__LINE__, "OstraSdkClient::OstraSdkClient", "127.0.0.1"), 3600)),
+      timeouts(timeouts) {
 }
 
 OstraSdkClient::~OstraSdkClient() = default;
@@ -131,7 +132,7 @@ void OstraSdkClient::Backup(const std::string& backupFileName) {
     RequireConnection(__LINE__, kFunction, *this);
     OstraSdk::VeJson payload;
     try {
-        payload = FetchArchive(system->Client());
+        payload = FetchArchive(system->Client(), timeouts.archive);
     } catch (const std::exception&) {
         throw Ve::Exception(__LINE__, __FILE__, bERROR_REQUEST, kFunction,
                             "Failed to call the Backup request.");
@@ -153,7 +154,7 @@ void OstraSdkClient::Restore(const std::string& fileName) {
     std::vector<std::uint8_t> archive;
     ReadFileBuffer(fileName, archive);
     try {
-        SendArchive(system->Client(), std::move(archive));
+        SendArchive(system->Client(), std::move(archive), timeouts.archive);
     } catch (const std::exception&) {
         throw Ve::Exception(__LINE__, __FILE__, bERROR_REQUEST, kFunction,
                             "Failed to call the Restore request.");
@@ -166,7 +167,7 @@ bool OstraSdkClient::GetReplayMode() {
     try {
         const OstraSdk::VeJson empty;
         OstraSdk::VeTransaction transaction = system->Client().Read("/replay/playback", empty, empty);
-        return transaction.GetResponse(kReplayTimeout).Payload().At("enabled").Get<bool>();
+        return transaction.GetResponse(timeouts.replay).Payload().At("enabled").Get<bool>();
     } catch (const std::exception&) {
         throw Ve::Exception(__LINE__, __FILE__, bERROR_REQUEST, kFunction,
                             "Failed to get the status of the replay mode.");
@@ -179,7 +180,7 @@ void OstraSdkClient::SetReplayMode(bool enabled) {
     try {
         const OstraSdk::VeJson body =
             OstraSdk::VeJson::ParseString(enabled ? "{\"enabled\": true}" : "{\"enabled\": false}");
-        system->Client().Update("/replay/playback", body, OstraSdk::VeJson()).CheckResponse(kReplayTimeout);
+        system->Client().Update("/replay/playback", body, OstraSdk::VeJson()).CheckResponse(timeouts.replay);
     } catch (const std::exception&) {
         throw Ve::Exception(__LINE__, __FILE__, bERROR_REQUEST, kFunction, "Failed to set the replay mode.");
     }

@@ -11,6 +11,12 @@ namespace OstraSdk {
 class VeSystem;
 }
 
+/// How long a request may take at most, in microseconds.
+struct OstraTimeouts {
+    std::int64_t archive = 180000000; ///< backup and restore
+    std::int64_t replay = 3000000;    ///< reading and setting the replay mode
+};
+
 /// The program's only gateway to a sensor server: finds servers, connects to one, fetches its workspace as a
 /// backup file, restores it from one and handles the replay mode.
 ///
@@ -20,6 +26,8 @@ class OstraSdkClient {
   public:
     /// Bound to 127.0.0.1, port 3600, and not connected.
     OstraSdkClient();
+    /// The same with other time-outs than the usual ones.
+    explicit OstraSdkClient(const OstraTimeouts& timeouts);
     OstraSdkClient(const OstraSdkClient&) = delete;
     OstraSdkClient& operator=(const OstraSdkClient&) = delete;
     /// Does not disconnect: there is nothing on the server to be undone.
@@ -58,4 +66,5 @@ class OstraSdkClient {
   private:
     /// Never empty; replaced whole by each Connect.
     std::shared_ptr<OstraSdk::VeSystem> system;
+    OstraTimeouts timeouts;
 };
