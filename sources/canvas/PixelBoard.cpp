@@ -2,33 +2,34 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace {
 
-/// The places x on a row that lie within a band of the plane: low <= x * slope + offset <= high, where the
-/// offset changes from row to row.
+/// The places on a row, measured from a point of reference, that lie within a band of the plane. The band's
+/// two borders have one slope, which is neither level nor upright.
 class RowBounds {
   public:
-    RowBounds(double slope, double low, double high) : level(slope == 0.0) {
-        const double inverse = level ? 0.0 : 1.0 / slope;
-        factor = inverse;
-        left = std::min(low * inverse, high * inverse);
-        right = std::max(low * inverse, high * inverse);
-    }
-    void Narrow(double offset, double& from, double& to) const {
-        if (level)
-            return;
-        from = std::max(from, left - offset * factor);
-        to = std::min(to, right - offset * factor);
-    }
+    /// The band is low <= x * slope + down * rise <= high, where `down` is the row's distance.
+    RowBounds(double slope, double rise, double low, double high)
+        : left(std::min(low / slope, high / slope)),
+          right(std::max(low / slope, high / slope)),
+          shift(rise / slope) {}
+
+    [[nodiscard]] double Left(double down) const { return left - down * shift; }
+    [[nodiscard]] double Right(double down) const { return right - down * shift; }
 
   private:
-    bool level;
-    double factor = 0.0;
-    double left = 0.0;
-    double right = 0.0;
+    double left;
+    double right;
+    double shift;
 };
+
+double Larger(double one, double other) {
+    return one > other ? one : other;
+}
+double Smaller(double one, double other) {
+    return one < other ? one : other;
+}
 
 } // namespace
 
@@ -78,15 +79,19 @@ void PixelBoard::SlantedLine(const QPointF& from, const QPointF& to, double widt
     const double bottom = std::max(from.y(), to.y()) + reach;
     // Along the line from half a width before its start to half a width behind its end, across it half a
     // width to either side; both measured from `from`.
-    const RowBounds along(ux, -half, length + half);
-    const RowBounds across(-uy, -half, half);
+    const RowBounds along(ux, uy, -half, length + half);
+    const RowBounds across(-uy, ux, -half, half);
+    const bool inside =
+        rows.Holds(top - 1.0, bottom + 1.0) &&
+        columns.Holds(std::min(from.x(), to.x()) - reach - 1.0, std::max(from.x(), to.x()) + reach + 1.0);
     const int lastRow = rows.LastUpTo(bottom);
     for (int row = rows.FirstBehind(top); row <= lastRow; ++row) {
         const double down = row + 0.5 - from.y();
-        double left = -std::numeric_limits<double>::infinity();
-        double right = std::numeric_limits<double>::infinity();
-        along.Narrow(down * uy, left, right);
-        across.Narrow(down * ux, left, right);
-        FillRow(row, columns.FirstBehind(from.x() + left), columns.LastUpTo(from.x() + right), colour);
+        const double left = from.x() + Larger(along.Left(down), across.Left(down));
+        const double right = from.x() + Smaller(along.Right(down), across.Right(down));
+        if (inside) // most lines are short and need no bounds
+            FillRow(row, Floor(left + 0.5), Floor(right - 0.5), colour);
+        else
+            FillRow(row, columns.FirstBehind(left), columns.LastUpTo(right), colour);
     }
 }

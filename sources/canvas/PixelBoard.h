@@ -23,6 +23,12 @@ class PixelBoard {
     void Line(const QPointF& from, const QPointF& to, double width, QRgb colour);
 
   private:
+    /// The largest whole number up to a value within the range of int; a call less than the library's.
+    static int Floor(double value) {
+        const int whole = static_cast<int>(value);
+        return whole - (value < whole ? 1 : 0);
+    }
+
     /// The pixels of the part along one axis.
     struct Range {
         Range(int first, int last) : first(first), last(last), lowest(first - 1.0), highest(last + 2.0) {}
@@ -31,19 +37,14 @@ class PixelBoard {
         /// in the part: pixel i has its centre at i + 0.5. Edges may lie anywhere.
         [[nodiscard]] int FirstBehind(double edge) const { return std::max(Floor(Near(edge) + 0.5), first); }
         [[nodiscard]] int LastUpTo(double edge) const { return std::min(Floor(Near(edge) - 0.5), last); }
+        /// Whether all between two edges is in the part.
+        [[nodiscard]] bool Holds(double low, double high) const { return low >= first && high <= last; }
 
         int first;
         int last;
 
       private:
         [[nodiscard]] double Near(double edge) const { return std::min(std::max(edge, lowest), highest); }
-
-        /// The largest whole number up to a value within the range of int; a call less than the library's.
-        static int Floor(double value) {
-            const int whole = static_cast<int>(value);
-            return whole - (value < whole ? 1 : 0);
-        }
-
         double lowest;
         double highest;
     };
