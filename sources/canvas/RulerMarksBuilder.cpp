@@ -80,8 +80,8 @@ double RulerMarksBuilder::FirstTick(double offset) {
     return std::isfinite(offset) ? std::trunc(offset) : 0.0;
 }
 
-RulerMarks RulerMarksBuilder::MarksOfSegment(const TrackPath& path, std::size_t segment,
-                                             double& offset) const {
+RulerMarks RulerMarksBuilder::MarksOfSegment(const TrackPath& path, std::size_t segment, double& offset,
+                                             int most) const {
     RulerMarks marks;
     if (image.isEmpty())
         return marks;
@@ -89,7 +89,8 @@ RulerMarks RulerMarksBuilder::MarksOfSegment(const TrackPath& path, std::size_t 
     const double step = std::max(1.0, path.spaces[segment] + 1.0);
     double at = FirstTick(offset);
     if (ruler.CanHoldTicks()) {
-        for (int ticks = 0; ticks < kMostTicks && ruler.Length() > at; ++ticks, at += step)
+        const int limit = std::min(kMostTicks, most);
+        for (int ticks = 0; ticks < limit && ruler.Length() > at; ++ticks, at += step)
             ruler.AppendTick(at, marks);
     }
     // A segment that ran out of ticks before its end, or has no length to speak of, hands on no distance that

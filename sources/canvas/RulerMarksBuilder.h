@@ -12,15 +12,21 @@ class RulerMarksBuilder {
     /// A segment gets no more ticks than this, whatever its length and step.
     static constexpr int kMostTicks = 100'000;
 
+    /// All paths together get no more ticks than this: 256 MB of marks. No map shows as many, while the
+    /// segments of a hostile file could ask for terabytes.
+    static constexpr int kMostTicksOfAll = 2'000'000;
+
     /// @param image the aspect-corrected image size, in whose pixels Length, Width and Space are measured
     explicit RulerMarksBuilder(const QSize& image) : image(image) {}
 
     /// The marks of segment `segment` of `path`, whose first tick stands `offset` pixels after the segment's
     /// start.
     /// @param offset in: the running offset along the path; out: that of the next segment
+    /// @param most ticks it may have beside kMostTicks; those behind are left out
     /// A segment without a length, or with an end that is not finite, has no ticks;
     /// neither has any in an image without an area.
-    [[nodiscard]] RulerMarks MarksOfSegment(const TrackPath& path, std::size_t segment, double& offset) const;
+    [[nodiscard]] RulerMarks MarksOfSegment(const TrackPath& path, std::size_t segment, double& offset,
+                                            int most = kMostTicks) const;
 
     /// The marks of every segment of a path.
     [[nodiscard]] std::vector<RulerMarks> MarksOfPath(const TrackPath& path) const;

@@ -2,6 +2,23 @@
 
 #include <algorithm>
 
+namespace {
+
+/// The ticks of the segments from one on up to another.
+std::size_t TicksOf(const TrackPath& path, std::size_t first, std::size_t end) {
+    std::size_t ticks = 0;
+    for (std::size_t segment = first; segment < end; ++segment)
+        ticks += path.rulerMarks[segment].bands.size();
+    return ticks;
+}
+
+int TicksLeft(std::size_t used) {
+    constexpr std::size_t kMost = RulerMarksBuilder::kMostTicksOfAll;
+    return static_cast<int>(kMost - std::min(used, kMost));
+}
+
+} // namespace
+
 void RulerMarksKeeper::Entry::Changed(std::size_t first, std::size_t last) {
     const bool nothing = IsUpToDate();
     firstChanged = nothing ? first : std::min(firstChanged, first);
@@ -24,10 +41,24 @@ void RulerMarksKeeper::SegmentChanged(std::size_t path, std::size_t segment) {
 }
 
 void RulerMarksKeeper::Update(std::vector<TrackPath>& paths, const QSize& image, const Touched& touched) {
-    if (image != size)
+    if (image != size || limited)
         AllChanged();
     size = image;
+    const bool all = entries.empty();
+    UpdatePaths(paths, touched);
+    if (limited && !all) {
+        // What a change needed was missing to others, perhaps before it: from the start, in order.
+        AllChanged();
+        UpdatePaths(paths, touched);
+    }
+}
+
+void RulerMarksKeeper::UpdatePaths(std::vector<TrackPath>& paths, const Touched& touched) {
+    limited = false;
     entries.resize(paths.size());
+    ticks = 0;
+    for (const Entry& entry : entries)
+        ticks += entry.ticks;
     for (std::size_t index = 0; index < paths.size(); ++index)
         UpdatePath(paths[index], index, touched);
 }
@@ -41,6 +72,8 @@ void RulerMarksKeeper::MatchSegmentCount(TrackPath& path, std::size_t index, Ent
                                          const Touched& touched) {
     const std::size_t segments = path.points.empty() ? 0 : path.points.size() - 1;
     const std::size_t known = std::min({path.rulerMarks.size(), entry.offsets.size() - 1, segments});
+    if (path.rulerMarks.size() > segments)
+        entry.Changed(segments > 0 ? segments - 1 : 0, segments); // the ticks are counted anew
     for (std::size_t gone = segments; gone < path.rulerMarks.size(); ++gone)
         touched(index, path.rulerMarks[gone]);
     path.rulerMarks.resize(segments);
@@ -57,8 +90,10 @@ void RulerMarksKeeper::UpdatePath(TrackPath& path, std::size_t index, const Touc
         return;
     const RulerMarksBuilder builder(size);
     const std::size_t segments = path.rulerMarks.size();
+    const std::size_t ofOthers = ticks - entry.ticks;
     std::size_t segment = std::min(entry.firstChanged, segments);
     double offset = entry.offsets[segment];
+    std::size_t used = ofOthers + TicksOf(path, 0, segment);
     for (; segment < segments; ++segment) {
         // From a segment that starts as before on, everything stays as it is.
         if (segment > entry.lastChanged &&
@@ -66,9 +101,14 @@ void RulerMarksKeeper::UpdatePath(TrackPath& path, std::size_t index, const Touc
             break;
         entry.offsets[segment] = offset;
         touched(index, path.rulerMarks[segment]);
-        path.rulerMarks[segment] = builder.MarksOfSegment(path, segment, offset);
+        path.rulerMarks[segment] = builder.MarksOfSegment(path, segment, offset, TicksLeft(used));
+        used += path.rulerMarks[segment].bands.size();
         touched(index, path.rulerMarks[segment]);
     }
     entry.offsets[segment] = offset;
+    used += TicksOf(path, segment, segments);
+    entry.ticks = used - ofOthers;
+    ticks = used;
+    limited = limited || TicksLeft(used) == 0;
     entry.NothingChanged();
 }

@@ -26,7 +26,8 @@ class RulerMarksKeeper {
     void AllChanged() { entries.clear(); }
 
     /// Brings the marks of all paths up to date for the aspect-corrected image size; with a size that has no
-    /// area, there are no marks.
+    /// area, there are no marks. Path by path and segment by segment, those that find
+    /// RulerMarksBuilder::kMostTicksOfAll used up have fewer or none.
     void Update(std::vector<TrackPath>& paths, const QSize& image, const Touched& touched);
 
   private:
@@ -34,6 +35,7 @@ class RulerMarksKeeper {
     struct Entry {
         /// The running offset at the start of each segment whose marks are known, and behind the last one.
         std::vector<double> offsets{0.0};
+        std::size_t ticks = 0; ///< in all segments together
         std::size_t firstChanged = 0;
         std::size_t lastChanged = static_cast<std::size_t>(-1); ///< all at first
 
@@ -43,8 +45,11 @@ class RulerMarksKeeper {
     };
 
     static void MatchSegmentCount(TrackPath& path, std::size_t index, Entry& entry, const Touched& touched);
+    void UpdatePaths(std::vector<TrackPath>& paths, const Touched& touched);
     void UpdatePath(TrackPath& path, std::size_t index, const Touched& touched);
 
     QSize size;
     std::vector<Entry> entries;
+    std::size_t ticks = 0; ///< of all entries
+    bool limited = false;  ///< whether the ticks did not suffice, so that any change may shift them
 };
