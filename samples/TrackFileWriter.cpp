@@ -51,9 +51,8 @@ class TextTrack {
             line += ',';
             if (cell == MachinedPart::kNoMeasurement)
                 continue;
-            const int half = MachinedPart::kMicrometresPerUnit / 2;
-            line +=
-                Decimal(kZOffset + cell * MachinedPart::kMicrometresPerUnit + (cell < 0 ? -half : half), 3);
+            constexpr std::int64_t kUnit = MachinedPart::kMicrometresPerUnit;
+            line += Decimal(kZOffset + cell * kUnit + (cell < 0 ? -kUnit : kUnit) / 2, 3);
         }
         file << line << '\n';
     }

@@ -13,7 +13,7 @@
 namespace {
 
 constexpr unsigned kDeepest = 100;
-constexpr std::size_t kChunk = 256U * 1024U;
+constexpr std::size_t kChunk = std::size_t{256} * 1024;
 constexpr const char* kInfoName = "info.json";
 constexpr const char* kFolderName = "workspaces";
 constexpr const char* kInnerName = "workspaces/Workspace.osws";

@@ -4,8 +4,8 @@
 
 #include <utility>
 
+#include <cstdlib>
 #include <fcntl.h>
-#include <stdlib.h>
 #include <unistd.h>
 
 BodySpool::BodySpool(std::string folder, std::uint64_t& size) : folder(std::move(folder)), size(size) {

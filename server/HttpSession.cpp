@@ -83,7 +83,7 @@ HttpSession::Action HttpSession::ActionFor(const std::string& verb, const std::s
 }
 
 std::uint64_t HttpSession::BodyLimit(Action action, const RequestReader& request) const {
-    constexpr std::uint64_t kSmall = 64U * 1024U;
+    constexpr std::uint64_t kSmall = std::uint64_t{64} * 1024;
     const std::uint64_t limit = sensor.options.requestLimit;
     const bool holdsArchive = action == Action::Restore && RequestMembers::IsCbor(request.ContentType());
     return holdsArchive ? limit : std::min(limit, kSmall);

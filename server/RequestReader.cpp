@@ -93,7 +93,7 @@ void RequestReader::Continue() {
 }
 
 void RequestReader::ReadChunks(BodySpool& spool) {
-    constexpr std::size_t kChunk = 256U * 1024U;
+    constexpr std::size_t kChunk = std::size_t{256} * 1024;
     std::vector<char> chunk(kChunk);
     while (!parser.is_done()) {
         parser.get().body().data = chunk.data();

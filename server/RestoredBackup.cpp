@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr std::size_t kLargestInfo = 64U * 1024U;
+constexpr std::size_t kLargestInfo = std::size_t{64} * 1024;
 
 [[noreturn]] void Refuse(const std::string& text) {
     throw RequestError(422, text);

@@ -24,7 +24,7 @@ bool TimedStream::Pause(std::chrono::milliseconds time) {
 
 void TimedStream::CloseGently() {
     constexpr std::chrono::seconds kPatience{1};
-    constexpr std::size_t kChunk = 16U * 1024U;
+    constexpr std::size_t kChunk = std::size_t{16} * 1024;
     Error error;
     socket->shutdown(boost::asio::ip::tcp::socket::shutdown_send, error);
     ExpireAfter(kPatience);

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr std::size_t kBufferSize = 64U * 1024U;
+constexpr std::size_t kBufferSize = std::size_t{64} * 1024;
 constexpr mode_t kPermissionBits = 0777;
 
 /// The file that a name stands for: the far end of a chain of links, whether or not it exists yet.

@@ -1,6 +1,7 @@
 #include "bStatus.h"
 
-#include <string>
+#include <array>
+#include <cstdio>
 
 const char* bStatus_Name(bStatus status) {
     switch (status) {
@@ -35,8 +36,8 @@ const char* bStatus_Name(bStatus status) {
     case bERROR_NOT_FOUND:
         return "ERROR_NOT_FOUND";
     default:
-        thread_local std::string unnamed;
-        unnamed = "STATUS " + std::to_string(status);
-        return unnamed.c_str();
+        thread_local std::array<char, 32> unnamed;
+        std::snprintf(unnamed.data(), unnamed.size(), "STATUS %d", status);
+        return unnamed.data();
     }
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <locale.h>
+#include <clocale>
 
 /// The character set that libarchive sees on this thread while the object lives, whatever the user's locale
 /// is.

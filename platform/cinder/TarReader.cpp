@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr std::size_t kReadSize = 256U * 1024U;
-constexpr std::array<char, 16U * 1024U> kZeros{};
+constexpr std::size_t kReadSize = std::size_t{256} * 1024;
+constexpr std::array<char, std::size_t{16} * 1024> kZeros{};
 constexpr std::int64_t kEndMarkSize = 1024; ///< two blocks of zeros
 
 /// Old writers mark a directory only by the "/" at the end of its name.

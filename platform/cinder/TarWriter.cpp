@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr std::size_t kCopySize = 256U * 1024U;
+constexpr std::size_t kCopySize = std::size_t{256} * 1024;
 constexpr unsigned kDirectoryPermissions = 0755;
 
 la_ssize_t AppendToFile(archive* handle, void* file, const void* data, std::size_t size) {
