@@ -62,13 +62,13 @@ WholeFile::WholeFile(const std::string& path) : target(LinksFollowed(path)) {
     const bool exists = stat(target.c_str(), &old) == 0;
     if (exists && (!S_ISREG(old.st_mode) || faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0))
         return;
+    buffer.reserve(kBufferSize); // before there is a file that a lack of memory would leave behind
     // A file that replaces another is private until it has the other's permissions.
     descriptor = CreateBeside(FolderOf(target), exists ? 0600 : 0666, beside);
     if (descriptor < 0)
         return;
     if (exists && fchmod(descriptor, old.st_mode & kPermissionBits) != 0)
         failed = true;
-    buffer.reserve(kBufferSize);
 }
 
 WholeFile::~WholeFile() {

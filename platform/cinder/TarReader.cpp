@@ -39,11 +39,12 @@ TarReader::TarReader(bAlloc allocator, bFile* file)
     : bTar(allocator),
       file(file),
       handle(archive_read_new(), &archive_read_free),
+      entry(archive_entry_new(), &archive_entry_free),
       buffer(kReadSize, allocator) {
 }
 
 bStatus TarReader::Open() {
-    if (!handle)
+    if (!handle || !entry)
         return bERROR_MEMORY;
     bFile::Facts facts;
     if (file->Ask(&facts) != bOK)
@@ -52,11 +53,13 @@ bStatus TarReader::Open() {
     const auto locale = ArchiveLocale::Bytes();
     archive_read_set_read_callback(handle.get(), &TarReader::Fill);
     archive_read_set_skip_callback(handle.get(), &TarReader::Skip);
-    archive_read_set_callback_data(handle.get(), this);
-    if (archive_read_support_format_tar(handle.get()) != ARCHIVE_OK)
+    if (archive_read_set_callback_data(handle.get(), this) != ARCHIVE_OK ||
+        archive_read_support_format_tar(handle.get()) != ARCHIVE_OK)
         return bERROR_MEMORY;
     // This looks for the first header already. One that is no tar header is met again by BeginRead.
     opened = archive_read_open1(handle.get()) == ARCHIVE_OK;
+    if (!opened && archive_errno(handle.get()) == ENOMEM)
+        return bERROR_MEMORY;
     return fileFailed ? bERROR_FILE : bOK;
 }
 
@@ -64,16 +67,15 @@ bStatus TarReader::BeginRead(char* name, std::size_t capacity, int* kind, std::i
     if (name == nullptr || capacity == 0 || kind == nullptr || size == nullptr)
         return bERROR_PARAMETER;
     const auto locale = ArchiveLocale::Bytes();
-    archive_entry* entry = nullptr;
-    if (const bStatus status = NextHeader(&entry); status != bOK)
+    if (const bStatus status = NextHeader(); status != bOK)
         return status;
-    const char* const path = archive_entry_pathname(entry);
+    const char* const path = archive_entry_pathname(entry.get());
     std::string_view whole = path == nullptr ? "" : path;
-    *kind = IsDirectory(entry, whole) ? bTar_DIRECTORY : bTar_FILE;
+    *kind = IsDirectory(entry.get(), whole) ? bTar_DIRECTORY : bTar_FILE;
     while (*kind == bTar_DIRECTORY && whole.size() > 1 && whole.ends_with('/'))
         whole.remove_suffix(1);
-    *size = *kind == bTar_DIRECTORY ? 0 : archive_entry_size(entry);
-    permissions = archive_entry_perm(entry) & 0777U;
+    *size = *kind == bTar_DIRECTORY ? 0 : archive_entry_size(entry.get());
+    permissions = archive_entry_perm(entry.get()) & 0777U;
     Promise(*size);
     return CopyName(whole, name, capacity);
 }
@@ -112,19 +114,25 @@ la_int64_t TarReader::Skip(archive* /*handle*/, void* reader, la_int64_t size) {
     return std::max<la_int64_t>(0, static_cast<TarReader*>(reader)->file->Skip(size));
 }
 
-bStatus TarReader::NextHeader(archive_entry** entry) {
+bStatus TarReader::Damage() const {
+    if (archive_errno(handle.get()) == ENOMEM)
+        return bERROR_MEMORY;
+    return fileFailed ? bERROR_FILE : bERROR_FORMAT;
+}
+
+bStatus TarReader::NextHeader() {
     if (!opened)
         return Damage();
     for (;; ++passedOver) {
         if (entries >= bTar_MOST_ENTRIES)
             return bERROR_LIMIT;
         ++entries;
-        const int result = archive_read_next_header(handle.get(), entry);
+        const int result = archive_read_next_header2(handle.get(), entry.get());
         if (result == ARCHIVE_EOF)
             return StatusOfTheEnd();
         if (result != ARCHIVE_OK && !OnlyTheNamesCharactersAreOdd(result))
             return Damage();
-        if (!IsPassedOver(*entry))
+        if (!IsPassedOver(entry.get()))
             return bOK;
     }
 }

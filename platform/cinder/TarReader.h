@@ -23,15 +23,17 @@ class TarReader final : public bTar {
     static la_ssize_t Fill(archive* handle, void* reader, const void** data);
     static la_int64_t Skip(archive* handle, void* reader, la_int64_t size);
 
-    [[nodiscard]] bStatus NextHeader(archive_entry** entry);
+    [[nodiscard]] bStatus NextHeader();
     [[nodiscard]] bool OnlyTheNamesCharactersAreOdd(int result) const;
     [[nodiscard]] bStatus StatusOfTheEnd() const;
-    [[nodiscard]] bStatus Damage() const { return fileFailed ? bERROR_FILE : bERROR_FORMAT; }
+    [[nodiscard]] bStatus Damage() const;
     void Promise(std::int64_t size);
     [[nodiscard]] bStatus FetchPiece();
 
     bFile* file;
     std::unique_ptr<archive, decltype(&archive_read_free)> handle;
+    /// The library's own entry, which it does not check when there was no memory for it, is not used.
+    std::unique_ptr<archive_entry, decltype(&archive_entry_free)> entry;
     std::pmr::vector<char> buffer;
     std::int64_t archiveSize = 0;
     std::int64_t entries = 0;

@@ -73,6 +73,8 @@ bStatus TarWriter::WriteFile(const char* name, bFile* source, std::int64_t size)
 }
 
 bStatus TarWriter::Close() {
+    if (!handle)
+        return bERROR_MEMORY;
     const auto locale = ArchiveLocale::Utf8();
     return !broken && archive_write_close(handle.get()) == ARCHIVE_OK ? bOK : bERROR_FILE;
 }

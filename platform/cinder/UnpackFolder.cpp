@@ -9,6 +9,7 @@
 #include "bTar.h"
 
 #include <array>
+#include <new>
 
 namespace {
 
@@ -38,6 +39,9 @@ class Unpacker {
             else
                 UnpackDirectory(name.data());
         }
+        // Else what was not read would be missing from the next backup.
+        if (status == bERROR_MEMORY)
+            throw std::bad_alloc();
         // What comes after the name is lost with it, so this end is not a quiet one.
         if (status == bERROR_TOO_LONG)
             Fail(__LINE__, status, "Failed to read item - " + PrintableTarName(name.data()));

@@ -3,6 +3,7 @@
 #include "NowTime.h"
 #include "Output2FILE.h"
 
+#include <exception>
 #include <sstream>
 #include <string>
 
@@ -25,9 +26,13 @@ class Log {
     Log() = default;
     Log(const Log&) = delete;
     Log& operator=(const Log&) = delete;
+    /// Without the memory for it the line is lost, not the program.
     virtual ~Log() {
-        line << std::endl;
-        OutputPolicy::Write(line.str());
+        try {
+            line << std::endl;
+            OutputPolicy::Write(line.str());
+        } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): there is no other place to tell it
+        }
     }
 
     /// Writes the line's head (time, level, a tab for each level beyond DEBUG) and hands out the stream for

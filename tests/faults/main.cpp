@@ -1,3 +1,4 @@
+#include "AllocationTrials.h"
 #include "Harness.h"
 #include "OstraServerProcess.h"
 #include "Road.h"
@@ -106,15 +107,37 @@ NamedRoads AllRoads() {
     return roads;
 }
 
+bool IsWanted(const Options& options, const std::string& name) {
+    const auto& wanted = options.roads;
+    return wanted.empty() || std::find(wanted.begin(), wanted.end(), name) != wanted.end();
+}
+
+Sum RunMemoryRoads(const Options& options, const std::string& folder) {
+    constexpr long kBriefStep = 7;
+    Sum sum;
+    for (const std::string& name : AllocationRoads()) {
+        // The archive library itself ends the process when some of its allocations fail: only when asked for.
+        const bool endsInLibrary = name == "memory-pack" || name == "memory-unpack";
+        if (!IsWanted(options, name) || (endsInLibrary && options.roads.empty()))
+            continue;
+        std::filesystem::create_directory(folder + "/" + name);
+        const auto result = RunAllocations(name, folder + "/" + name, options.brief ? kBriefStep : 1);
+        std::printf("%-18s             %4ld faults, %d problems\n", name.c_str(), result.failed,
+                    result.problems);
+        sum.injected += static_cast<int>(result.failed);
+        sum.problematic += result.problems;
+    }
+    return sum;
+}
+
 /// Runs the roads that were asked for. @return what came out of them all
 Sum RunRoads(const Options& options, const std::string& folder) {
     const bool smallDisks = TrialDisk::IsPossible();
     if (!smallDisks)
         std::printf("This user may not make file systems: the full disks are left out.\n");
-    Sum sum;
+    Sum sum = RunMemoryRoads(options, folder);
     for (const auto& [name, road] : AllRoads()) {
-        const auto& wanted = options.roads;
-        if (!wanted.empty() && std::find(wanted.begin(), wanted.end(), name) == wanted.end())
+        if (!IsWanted(options, name))
             continue;
         const Sum one = RunRoad(name, *road, options, folder, smallDisks);
         sum.calls += one.calls;

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// The operations whose allocations fail one after the other: their names.
+std::vector<std::string> AllocationRoads();
+
+/// What came out of one of them.
+struct AllocationResult {
+    long failed = 0; ///< allocations that were made to fail
+    int problems = 0;
+};
+
+/// Runs an operation on a small file again and again, in a process of its own and in `folder`, which is
+/// empty; the first time its first allocation fails, then its second, until it meets none that fails. Each
+/// time it has to end well or with an error of its own, leave whole files, and work when it is done again.
+/// @param step 1 for every allocation; more leaves some out, but none of the first 100
+AllocationResult RunAllocations(const std::string& road, const std::string& folder, long step);
