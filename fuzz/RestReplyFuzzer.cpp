@@ -14,43 +14,60 @@ namespace {
 namespace http = boost::beast::http;
 using OstraSdk::VeJson;
 
+/// Offers a parser the bytes of a reply as a connection does: some more each time, and what it left again.
+class Arrival {
+  public:
+    Arrival(const std::uint8_t* data, std::size_t size, std::size_t pieceSize)
+        : data(data), size(size), pieceSize(pieceSize) {}
+
+    /// @return false when the reply is broken, or ends before `done` is true
+    template<typename Parser, typename Done>
+    bool GiveUntil(Parser& parser, Done done) {
+        while (!done()) {
+            if (arrived == size && (isStuck || taken == size))
+                return false;
+            arrived = std::min(size, arrived + pieceSize);
+            boost::beast::error_code error;
+            const std::size_t used = parser.put(boost::asio::buffer(data + taken, arrived - taken), error);
+            taken += used;
+            isStuck = used == 0;
+            if (error && error != http::error::need_more)
+                return false;
+        }
+        return true;
+    }
+
+    [[nodiscard]] bool IsAtEnd() const { return taken == size; }
+
+  private:
+    const std::uint8_t* data;
+    std::size_t size;
+    std::size_t pieceSize;
+    std::size_t arrived = 0;
+    std::size_t taken = 0;
+    bool isStuck = false;
+};
+
 /// The value in a reply that arrives in pieces of this size; nothing when it is refused.
 std::optional<VeJson> Received(const std::uint8_t* data, std::size_t size, std::size_t pieceSize) {
     http::response_parser<OstraSdk::BeastReplyBody> parser;
     parser.body_limit(std::uint64_t{4} << 30U);
-    boost::beast::error_code error;
-    std::size_t taken = 0;
-    const auto give = [&](std::size_t count) {
-        taken += parser.put(boost::asio::buffer(data + taken, std::min(count, size - taken)), error);
-    };
-    // The head is parsed once it is there, as far as needed.
-    for (std::size_t seen = 1; !parser.is_header_done(); seen += pieceSize) {
-        give(seen);
-        if ((error && error != http::error::need_more) || (error && taken + seen >= size))
-            return std::nullopt;
-    }
+    Arrival arrival(data, size, pieceSize);
+    if (!arrival.GiveUntil(parser, [&] { return parser.is_header_done(); }))
+        return std::nullopt;
     std::optional<std::uint64_t> length;
     if (const auto declared = parser.content_length())
         length = *declared;
     const auto type = parser.get()[http::field::content_type];
     parser.get().body().Start({type.data(), type.size()}, length);
     parser.eager(true);
-    for (std::size_t seen = pieceSize; !parser.is_done() && taken < size;) {
-        const std::size_t before = taken;
-        give(seen);
-        if (error && error != http::error::need_more)
+    if (!arrival.GiveUntil(parser, [&] { return parser.is_done(); })) {
+        boost::beast::error_code error;
+        if (arrival.IsAtEnd())
+            parser.put_eof(error);
+        if (error || !parser.is_done())
             return std::nullopt;
-        if (taken != before)
-            seen = pieceSize;
-        else if (taken + seen >= size)
-            break;
-        else
-            seen += pieceSize;
     }
-    if (!parser.is_done())
-        parser.put_eof(error);
-    if (error || !parser.is_done())
-        return std::nullopt;
     return parser.get().body().Finish();
 }
 

@@ -31,6 +31,15 @@ Tree TreeOutside() {
     return outside;
 }
 
+/// Packing gives all folders the same permissions.
+Tree WithoutFolderPermissions(Tree tree) {
+    for (auto& [name, what] : tree) {
+        if (what.starts_with("folder "))
+            what = "folder";
+    }
+    return tree;
+}
+
 /// Files and folders only, with ordinary permissions, and no more of them than the archive can hold.
 void CheckUnpacked(const Tree& tree, std::size_t archiveSize) {
     constexpr unsigned kOrdinary = 0777;
@@ -88,7 +97,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Check(TreeOf("stage/target") == tree, "being strict changes nothing of what is unpacked");
         TarCompress("stage/target", "archive", bAlloc_Application());
         Check(Unpacks("archive", "again"), "what was unpacked can be packed and unpacked again");
-        Check(TreeOf("again") == tree, "and is the same then");
+        Check(WithoutFolderPermissions(TreeOf("again")) == WithoutFolderPermissions(tree),
+              "and is the same then");
     }
     Check(TreeOutside() == outside, "nothing outside the target is touched");
     Check(FreeDescriptor() <= freeDescriptor, "every file is closed");

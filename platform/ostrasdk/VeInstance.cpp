@@ -27,7 +27,9 @@ std::int64_t NumberIn(const VeJson& record, const std::string& key, std::int64_t
 
 bIpAddress AddressIn(const VeJson& record, const std::string& key) {
     bIpAddress address;
-    if (bIpAddress_Parse(&address, record.At(key).Get<std::string>().c_str()) != bOK)
+    const auto text = record.At(key).Get<std::string>();
+    const bool endsEarly = text.find('\0') != std::string::npos; // for a call that takes a C string
+    if (endsEarly || bIpAddress_Parse(&address, text.c_str()) != bOK)
         ThrowOutOfRange(key);
     return address;
 }

@@ -218,7 +218,8 @@ int ReadInfoFrom(const std::string& path, TrackInfo& info) {
         return 0;
     ReadHeader(bytes, info);
     ReadRange(bytes, info);
-    SkipAnchor(bytes);
+    if (NextTag(bytes) == kAnchorTag)
+        bytes.Skip(kAnchorSize);
     return 0;
 }
 
