@@ -2,9 +2,9 @@
 
 #include "RequestError.h"
 
+#include <cstdlib>
 #include <utility>
 
-#include <cstdlib>
 #include <fcntl.h>
 #include <unistd.h>
 
