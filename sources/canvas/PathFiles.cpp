@@ -1,18 +1,15 @@
 #include "PathFiles.h"
 
 #include "ConvertCSV.h"
+#include "TargetFile.h"
 
 namespace {
 
-/// What the converters' writing operations return.
-constexpr int kOriginalUnreadable = 1;
-constexpr int kTargetUnwritable = 2;
-
 SaveResult ResultOf(int code) {
     switch (code) {
-    case kOriginalUnreadable:
+    case kOriginalNotReadable:
         return SaveResult::OriginalUnreadable;
-    case kTargetUnwritable:
+    case kTargetNotWritable:
         return SaveResult::TargetUnwritable;
     default:
         return SaveResult::Saved;

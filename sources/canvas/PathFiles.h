@@ -1,19 +1,10 @@
 #pragma once
 
 #include "TrackPath.h"
+#include "WorldTransform.h"
 
 #include <string>
 #include <vector>
-
-/// The factors that take a normalised point to the world: x * xScale + xOffset, y * yScale + yOffset; a
-/// segment's width to the world: times widthScale.
-struct WorldTransform {
-    double widthScale = 1.0;
-    double xOffset = 0.0;
-    double yOffset = 0.0;
-    double xScale = 1.0;
-    double yScale = 1.0;
-};
 
 /// How writing a track with new paths ended.
 enum class SaveResult { Saved, OriginalUnreadable, TargetUnwritable };
