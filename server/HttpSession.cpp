@@ -3,7 +3,6 @@
 #include "ArchiveRequest.h"
 #include "ReplayMode.h"
 #include "ReplyWriter.h"
-#include "RequestError.h"
 #include "RequestLog.h"
 #include "RestoreRequest.h"
 #include "ServerIdentity.h"
@@ -42,9 +41,9 @@ bool HttpSession::ServeOne() {
     try {
         return request.ReadHead() && Serve(request);
     } catch (const RequestError& refusal) {
-        return Refuse(request, refusal.Status(), refusal.what());
+        return Refuse(request, refusal);
     } catch (const std::exception& failure) {
-        return Refuse(request, 500, failure.what());
+        return Refuse(request, RequestError(500, failure.what()));
     }
 }
 
@@ -71,14 +70,15 @@ HttpSession::Action HttpSession::ActionFor(const std::string& verb, const std::s
         Route{"PUT", "/replay/playback", Action::SetReplay},
         Route{"GET", "/system/info", Action::Info},
     };
-    bool pathKnown = false;
+    std::string allowedVerbs;
     for (const Route& route : kRoutes) {
         if (path == route.path && verb == route.verb)
             return route.action;
-        pathKnown |= path == route.path;
+        if (path == route.path)
+            allowedVerbs += (allowedVerbs.empty() ? "" : ", ") + std::string(route.verb);
     }
-    if (pathKnown)
-        throw RequestError(405, "This verb does not fit the path.");
+    if (!allowedVerbs.empty())
+        throw RequestError(405, "This verb does not fit the path.", allowedVerbs);
     throw RequestError(404, "There is nothing under this path.");
 }
 
@@ -125,8 +125,11 @@ std::string HttpSession::Carry(Action action, const RequestMembers& members, con
     return "{}";
 }
 
-bool HttpSession::Refuse(const RequestReader& request, unsigned status, const std::string& text) {
-    return Reply(request, status, [&](ReplyWriter& reply) { reply.Error(status, text); });
+bool HttpSession::Refuse(const RequestReader& request, const RequestError& refusal) {
+    return Reply(request, refusal.Status(), [&](ReplyWriter& reply) {
+        reply.Allow(refusal.AllowedVerbs());
+        reply.Error(refusal.Status(), refusal.what());
+    });
 }
 
 template<typename Write>

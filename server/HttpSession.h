@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FaultPlan.h"
+#include "RequestError.h"
 #include "RequestMembers.h"
 #include "RequestReader.h"
 #include "Sensor.h"
@@ -33,7 +34,7 @@ class HttpSession final {
     [[nodiscard]] bool AnswerArchive(const RequestMembers& members, const RequestReader& request);
     [[nodiscard]] std::string Carry(Action action, const RequestMembers& members,
                                     const BodySpool& body) const;
-    [[nodiscard]] bool Refuse(const RequestReader& request, unsigned status, const std::string& text);
+    [[nodiscard]] bool Refuse(const RequestReader& request, const RequestError& refusal);
     template<typename Write>
     [[nodiscard]] bool Reply(const RequestReader& request, unsigned status, const Write& write);
 

@@ -31,6 +31,8 @@ void ReplyWriter::Head(unsigned status, std::string_view contentType, std::uint6
         head.reason("Unknown");
     head.set(http::field::server, "ostra-server/" CORVANE_VERSION);
     head.set(http::field::content_type, boost::beast::string_view(contentType.data(), contentType.size()));
+    if (!allowedVerbs.empty())
+        head.set(http::field::allow, allowedVerbs);
     if (digest) {
         head.set(http::field::transfer_encoding, "chunked");
         head.set(http::field::trailer, kContentDigest);

@@ -15,6 +15,8 @@ class ReplyWriter final {
     /// @param digest whether the reply goes in chunks with its digest behind them; otherwise it has a length
     ReplyWriter(TimedStream& stream, const Fault& fault, bool keepAlive, bool digest);
 
+    /// Names the verbs that the path takes in the head to come; an empty text names none.
+    void Allow(const std::string& verbs) { allowedVerbs = verbs; }
     /// Writes the head. @param bodySize bytes that Body will be given in all
     void Head(unsigned status, std::string_view contentType, std::uint64_t bodySize);
     /// Writes bytes of the body. @return false when the connection is no longer of use
@@ -44,6 +46,7 @@ class ReplyWriter final {
     Fault fault;
     bool keepAlive;
     bool digest;
+    std::string allowedVerbs;
     Crc32c checksum; ///< of the body as it should be
     bool failed = false;
     std::uint64_t written = 0;

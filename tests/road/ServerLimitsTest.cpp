@@ -43,6 +43,22 @@ TEST_F(ServerLimits, WrongVerbsAre405) {
     EXPECT_EQ(RawHttp::Request(server.ControlPort(), "PUT", "/system/info").status, 405U);
 }
 
+TEST_F(ServerLimits, ARefusedVerbIsAnsweredWithThoseThatFit) {
+    const OstraServerProcess server(Served());
+    const auto allowed = [&](const std::string& verb, const std::string& path) {
+        const std::string head = RawHttp::Request(server.ControlPort(), verb, path).head;
+        const std::size_t start = head.find("\r\nAllow: ");
+        return start == std::string::npos ? "none"
+                                          : head.substr(start + 9, head.find("\r\n", start + 2) - start - 9);
+    };
+    EXPECT_EQ(allowed("GET", kArchivePath), "POST");
+    EXPECT_EQ(allowed("PUT", kRestorePath), "POST");
+    EXPECT_EQ(allowed("DELETE", kReplayPath), "GET, PUT");
+    EXPECT_EQ(allowed("POST", "/system/info"), "GET");
+    EXPECT_EQ(allowed("GET", "/system/info"), "none");
+    EXPECT_EQ(allowed("GET", "/nowhere"), "none");
+}
+
 TEST_F(ServerLimits, BodiesThatCannotBeUnderstoodAre400) {
     const OstraServerProcess server(Served());
     const auto put = [&](const std::string& body, const std::string& type = "application/json") {
