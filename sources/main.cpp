@@ -4,6 +4,7 @@
 #include "mainwindow.h"
 
 #include <QApplication>
+#include <QTextCodec>
 
 #include <cstdio>
 
@@ -54,6 +55,9 @@ static int RunWindow() {
 int main(int argc, char** argv) {
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, true); // icons are crisp on finer screens
+    // Paths are in UTF-8 throughout. Some builds of the toolkit take file names to be in the desktop's
+    // encoding.
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     const QApplication application(argc, argv);
     if (AnotherCopyRuns())
         return 0;

@@ -4,7 +4,10 @@
 #include <gmock/gmock.h>
 
 #include <QApplication>
+#include <QDir>
+#include <QFile>
 #include <QMainWindow>
+#include <QTextCodec>
 #include <QTimer>
 
 #include <cstdlib>
@@ -94,6 +97,24 @@ TEST_F(StartUpTest, WindowIsDestroyedBeforeTheApplication) {
     EXPECT_TRUE(destroyed);
     EXPECT_TRUE(applicationLived);
     EXPECT_EQ(QCoreApplication::instance(), nullptr);
+}
+
+TEST_F(StartUpTest, FileNamesAreUtf8WhateverTheDesktopsEncoding) {
+    // What a toolkit that follows the desktop would find on one with an older encoding.
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+    const std::string name = "straße 日.trk";
+    WriteFile(name, "");
+    std::vector<std::string> listed;
+    std::string encoded;
+    whenShown = [&](QMainWindow& window) {
+        for (const QString& found : QDir().entryList({QStringLiteral("*.trk")}))
+            listed.push_back(found.toStdString());
+        encoded = QFile::encodeName(QString::fromStdString(name)).toStdString();
+        window.close();
+    };
+    EXPECT_EQ(start(), 0);
+    EXPECT_THAT(listed, ::testing::ElementsAre(name));
+    EXPECT_EQ(encoded, name);
 }
 
 TEST_F(StartUpTest, LogIsEmptiedByTheStart) {
