@@ -7,6 +7,7 @@
 #include "bStatus.h"
 #include "ui_mainwindow.h"
 
+#include <QAbstractItemView>
 #include <QIntValidator>
 #include <QMessageBox>
 
@@ -33,6 +34,7 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(std::make_uniq
     ui->pushButton_sensor->setEnabled(ui->comboBox_sensor->count() > 0);
     ShowUploadTarget();
     ShowConnection();
+    SetUpFileNames();
     RefreshTrackList();
     SetUpCanvas();
     SetUpSegmentControls();
@@ -52,7 +54,14 @@ void MainWindow::SetUpCanvas() {
     ui->scrollArea->setWidgetResizable(false);
     ui->scrollArea->setWidget(ui->label_mask);
     ui->scrollAreaWidgetContents = nullptr; // the scroll area has deleted it
+}
+
+/// However long a file name is, the canvas keeps its room; the tool tip tells the whole name.
+void MainWindow::SetUpFileNames() {
     ui->label_fileName->setTextFormat(Qt::PlainText);
+    ui->label_fileName->setSizePolicy(QSizePolicy::Ignored,
+                                      ui->label_fileName->sizePolicy().verticalPolicy());
+    ui->comboBox_file->view()->setTextElideMode(Qt::ElideMiddle);
 }
 
 void MainWindow::SetUpSegmentControls() {

@@ -68,6 +68,7 @@ class MainWindow final : public QMainWindow, public RulerOwner {
     void resizeEvent(QResizeEvent* event) override;
 
   private:
+    void SetUpFileNames();
     void SetUpCanvas();
     void SetUpSegmentControls();
     void SetUpWorker();
@@ -105,6 +106,7 @@ class MainWindow final : public QMainWindow, public RulerOwner {
     void SaveTrack(const QString& source, const QString& target);
     void SaveInPlace(const QString& track);
     void WriteTrack(const QString& source, const QString& target);
+    void ShowFileName(const QString& text);
     void ShowHeights(double lowest, double highest);
     void FitToView();
 

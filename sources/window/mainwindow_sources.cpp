@@ -91,7 +91,7 @@ void MainWindow::ShowConnection() {
 
 void MainWindow::CloseTrack() {
     ui->label_mask->clear();
-    ui->label_fileName->clear();
+    ShowFileName({});
     heightMap = QImage();
     trackLoaded = false;
     ShowHeights(0.0, 0.0);

@@ -9,6 +9,7 @@
 #include "bStatus.h"
 #include "ui_mainwindow.h"
 
+#include <QAbstractItemView>
 #include <QFileDialog>
 #include <QScopeGuard>
 #include <QStandardItemModel>
@@ -40,6 +41,22 @@ Ve::Exception LoadFailure(int line, const char* message) {
     return {line, kSourceFile, bERROR_TRACK, "MainWindow::LoadTrack", "%s", message};
 }
 
+/// A tool tip that shows the text as it stands, also one that looks like markup.
+QString ToolTipText(const QString& text) {
+    return text.isEmpty() ? text
+                          : QStringLiteral("<span>") + text.toHtmlEscaped() + QStringLiteral("</span>");
+}
+
+/// How wide an open list must be for its items to be told apart.
+int OpenListWidth(const QComboBox& box) {
+    constexpr int kRoomBesideText = 40; // for the frame and a scroll bar
+    constexpr int kWidest = 600;        // fits any screen; what is longer is cut in its middle
+    int widest = 0;
+    for (int index = 0; index < box.count(); ++index)
+        widest = std::max(widest, box.view()->fontMetrics().horizontalAdvance(box.itemText(index)));
+    return std::min(widest + kRoomBesideText, kWidest);
+}
+
 bool IsTemporaryTrack(const QString& path) {
     return QFileInfo(path).canonicalFilePath() == QFileInfo(kTemporaryTrack).canonicalFilePath();
 }
@@ -53,9 +70,11 @@ void MainWindow::RefreshTrackList() {
         ui->comboBox_file->addItems(trackFiles);
     }
     ui->comboBox_file->addItem(tr("External"));
+    ui->comboBox_file->view()->setMinimumWidth(OpenListWidth(*ui->comboBox_file));
 }
 
 void MainWindow::on_comboBox_file_currentIndexChanged(const QString& text) {
+    ui->comboBox_file->setToolTip(ToolTipText(text));
     const bool external = text == tr("External");
     auto* items = qobject_cast<QStandardItemModel*>(ui->comboBox_operation->model());
     items->item(kDeleteItem)
@@ -111,7 +130,7 @@ bool MainWindow::LoadChosenTrack() {
     currentTrackPath = path.toStdString();
     externalTrack = external;
     const QString name = FileNameOf(path);
-    ui->label_fileName->setText(external ? tr("External - ") + name : name);
+    ShowFileName(external ? tr("External - ") + name : name);
     return true;
 }
 
@@ -144,6 +163,11 @@ void MainWindow::LoadPaths(const QString& path) {
     if (showsRuler)
         refreshRuler();
     on_spinBox_pathId_valueChanged(1);
+}
+
+void MainWindow::ShowFileName(const QString& text) {
+    ui->label_fileName->setText(text);
+    ui->label_fileName->setToolTip(ToolTipText(text));
 }
 
 void MainWindow::ShowHeights(double lowest, double highest) {
@@ -190,7 +214,7 @@ void MainWindow::SaveExternalTrack(const QString& path) {
     const QString target = WorkspaceTrack(name);
     SaveTrack(path, target);
     currentTrackPath = target.toStdString();
-    ui->label_fileName->setText(name);
+    ShowFileName(name);
     externalTrack = false;
     RefreshTrackList();
 }

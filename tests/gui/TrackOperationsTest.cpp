@@ -2,11 +2,13 @@
 #include "TrackFolder.h"
 #include "WindowTest.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QLabel>
 #include <QScrollArea>
 #include <QSlider>
 #include <QStandardItemModel>
+#include <QTextDocument>
 
 #include <algorithm>
 #include <cmath>
@@ -652,6 +654,36 @@ TEST_F(TrackOperations, OddNamesAreShownAsTheyStand) {
     (void)log.Lines();
     loadExternal(folder.Path(external));
     expectErrorBox("ERROR_TRACK - Failed to read basic information.");
+}
+
+TEST_F(TrackOperations, LongNamesLeaveTheCanvasItsRoomAndCanBeToldApart) {
+    const std::string start = std::string(40, 'l') + " <b>&amp; station ";
+    makeBackup(folder.Path("x.osbak"), {{start + "1.trk", independent::TextFile(track)},
+                                        {start + "2.trk", independent::TextFile(track)}});
+    const QSize windowSize = window->size();
+    const int room = find<QScrollArea>("scrollArea").width();
+    loadBackup(folder.Path("x.osbak"));
+    loadFromWorkspace(start + "2.trk");
+    QTest::qWait(50); // a window that must grow does so by itself
+    EXPECT_EQ(window->size(), windowSize);
+    EXPECT_EQ(find<QScrollArea>("scrollArea").width(), room);
+    EXPECT_EQ(text("label_fileName"), start + "2.trk");
+    const auto& list = find<QComboBox>("comboBox_file");
+    const QString longest = QString::fromStdString(start + "2.trk");
+    const int wanted = list.view()->fontMetrics().horizontalAdvance(longest);
+    ASSERT_GT(wanted, list.width());
+    EXPECT_GE(list.view()->minimumWidth(), wanted);
+    QTextDocument tip; // as the tool tip takes it
+    for (const char* widget : {"label_fileName", "comboBox_file"}) {
+        tip.setHtml(find<QWidget>(widget).toolTip());
+        EXPECT_EQ(tip.toPlainText(), longest) << widget;
+    }
+    WriteFile(kTracks + std::string(250, 'w') + ".trk", "");
+    operate("Refresh");
+    EXPECT_EQ(list.view()->minimumWidth(), 600); // no wider than a small screen
+    EXPECT_EQ(list.view()->textElideMode(), Qt::ElideMiddle);
+    click("toolButton_reset");
+    EXPECT_EQ(find<QLabel>("label_fileName").toolTip(), QString());
 }
 
 TEST_F(TrackOperations, ReplacingAFileKeepsItsPermissionsAndItsLinks) {
