@@ -5,7 +5,7 @@
 #include "CsvScan.h"
 #include "CsvSteps.h"
 #include "Guarded.h"
-#include "HeightRamp.h"
+#include "HeightColours.h"
 #include "Log.h"
 #include "TargetFile.h"
 #include "WorldTransform.h"
@@ -113,10 +113,10 @@ int ReadInfoSections(CsvScan& scan, TrackInfo& info) {
     return hasHeightMap ? CheckDimensions(info) : NoHeightMap();
 }
 
-int PaintHeightMap(CsvScan& scan, const HeightRamp& ramp, QImage& image) {
+int PaintHeightMap(CsvScan& scan, HeightColours colours, QImage& image) {
     std::int64_t row = 0;
     for (; scan.NextInSection(); ++row) {
-        if (ExtractRowPixelValues(scan.Line(), row, ramp, image) != 0)
+        if (ExtractRowPixelValues(scan.Line(), row, colours, image) != 0)
             return 1;
     }
     return row < image.height() ? NotEnough() : 0;
@@ -142,7 +142,7 @@ int ConvertCSV::ReadImage(const std::string& path, TrackInfo info, double lowHei
             image = BlackImage(info);
         if (!scan.Find("YX"))
             return NoHeightMap();
-        return canHold ? PaintHeightMap(scan, HeightRamp(lowHeight, highHeight), image) : NotEnough();
+        return canHold ? PaintHeightMap(scan, HeightColours({lowHeight, highHeight}), image) : NotEnough();
     });
 }
 

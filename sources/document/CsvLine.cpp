@@ -59,7 +59,12 @@ std::size_t CsvLine::FieldCount() const {
     return CommaCount(text) + 1;
 }
 
-bool CsvFields::NextGeneralNumber(double& value) {
+bool CsvFields::NextNumber(double& value) {
+    PackedDecimal packed;
+    if (NextPacked(packed)) {
+        value = packed.Value();
+        return true;
+    }
     const ShortDecimal decimal = ReadShortDecimal(at, end);
     if (decimal.exact && (decimal.end == end || *decimal.end == ',')) {
         value = decimal.value;

@@ -1,20 +1,20 @@
 #include "CsvSteps.h"
 
 #include "Guarded.h"
-#include "HeightRamp.h"
+#include "HeightColours.h"
+#include "HeightRange.h"
 #include "Log.h"
 #include "RawHeight.h"
 #include "TrackInfo.h"
 
 #include <QImage>
 
-#include <algorithm>
-#include <cmath>
-#include <limits>
+#include <array>
+#include <cstring>
 
 namespace {
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr std::size_t kPixelBytes = std::tuple_size_v<HeightRamp::Colour>;
 
 int EmptyRow(std::int64_t row) {
     LOG_LINE(ERROR) << "Cannot retrieve pixel values for row=" << row << " empty item vector";
@@ -32,12 +32,29 @@ double TakeDouble(CsvFields& fields) {
     return value;
 }
 
-void PaintRow(CsvFields& fields, const HeightRamp& ramp, unsigned char* pixel) {
+/// The colour of the next field's height; black for an empty field.
+const HeightRamp::Colour& NextPlainColour(CsvFields& fields, HeightColours& colours) {
+    double height = 0.0;
+    return fields.NextNumber(height) ? colours.ColourOf(height) : HeightRamp::kBlack;
+}
+
+void PaintRow(CsvFields& fields, HeightColours& colours, unsigned char* pixel) {
+    PackedDecimal packed;
+    for (; fields.HasNext(); pixel += kPixelBytes) {
+        const HeightRamp::Colour& colour =
+            fields.NextPacked(packed) ? colours.ColourOf(packed) : NextPlainColour(fields, colours);
+        std::memcpy(pixel, colour.data(), kPixelBytes);
+    }
+}
+
+void WidenRange(CsvFields& fields, HeightRange& range) {
+    PackedDecimal packed;
     while (fields.HasNext()) {
         double height = 0.0;
-        const bool measured = fields.NextNumber(height) && std::isfinite(height);
-        const HeightRamp::Colour& colour = measured ? ramp.ColourOf(height) : HeightRamp::kBlack;
-        pixel = std::copy(colour.begin(), colour.end(), pixel);
+        if (fields.NextPacked(packed))
+            range.Add(packed);
+        else if (fields.NextNumber(height))
+            range.Add(height);
     }
 }
 
@@ -93,25 +110,15 @@ int FindMinMaxHeight(const CsvLine& line, std::int64_t row, std::vector<double>&
             return InvalidRow(row);
         CsvFields fields(line);
         rowPositions[static_cast<std::size_t>(row)] = TakeDouble(fields);
-        double lowest = minHeight;
-        double highest = maxHeight;
-        while (fields.HasNext()) {
-            double height = 0.0;
-            if (!fields.NextNumber(height))
-                continue;
-            // Infinities fail the second half of a comparison, and no comparison holds for what is no number.
-            if (height < lowest && height > -kInfinity)
-                lowest = height;
-            if (height > highest && height < kInfinity)
-                highest = height;
-        }
-        minHeight = lowest;
-        maxHeight = highest;
+        HeightRange range(minHeight, maxHeight);
+        WidenRange(fields, range);
+        minHeight = range.Lowest();
+        maxHeight = range.Highest();
         return 0;
     });
 }
 
-int ExtractRowPixelValues(const CsvLine& line, std::int64_t row, const HeightRamp& ramp, QImage& image) {
+int ExtractRowPixelValues(const CsvLine& line, std::int64_t row, HeightColours& colours, QImage& image) {
     return Guarded("[ExtractRowPixelValues] (EXCEPTION) ", [&] {
         if (!line.HasFields())
             return EmptyRow(row);
@@ -123,13 +130,13 @@ int ExtractRowPixelValues(const CsvLine& line, std::int64_t row, const HeightRam
                             << " pixel value count=" << values << " from csv file";
             return 1;
         }
-        if (!ramp.IsValid()) {
+        if (!colours.IsValid()) {
             LOG_LINE(ERROR) << "Invalid depth range for pixel retrieval from CSV";
             return 1;
         }
         CsvFields fields(line);
         fields.Next();
-        PaintRow(fields, ramp, image.scanLine(static_cast<int>(row)));
+        PaintRow(fields, colours, image.scanLine(static_cast<int>(row)));
         return 0;
     });
 }

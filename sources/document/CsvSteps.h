@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-class HeightRamp;
+class HeightColours;
 class QImage;
 struct TrackInfo;
 struct TrackPath;
@@ -25,7 +25,7 @@ int FindMinMaxHeight(const CsvLine& line, std::int64_t row, std::vector<double>&
                      double& minHeight, double& maxHeight);
 
 /// Paints one row of the image. Cells that the row does not have stay as they are.
-int ExtractRowPixelValues(const CsvLine& line, std::int64_t row, const HeightRamp& ramp, QImage& image);
+int ExtractRowPixelValues(const CsvLine& line, std::int64_t row, HeightColours& colours, QImage& image);
 
 /// Fills one row of raw heights. Cells that the row does not have stay as they are.
 int ExtractRowPixelData(const CsvLine& line, std::int64_t row, std::int32_t width, double zOffset,

@@ -1,5 +1,5 @@
 #include "CsvSteps.h"
-#include "HeightRamp.h"
+#include "HeightColours.h"
 
 #include "LogCapture.h"
 #include "TextTrack.h"
@@ -23,6 +23,7 @@ class CsvSteps : public testing::Test {
     LogCapture log;
     std::string text;
     CsvLine line;
+    HeightColours colours{HeightRamp(0, 1)};
 };
 
 TEST_F(CsvSteps, refuseALineWithoutFields) {
@@ -35,7 +36,7 @@ TEST_F(CsvSteps, refuseALineWithoutFields) {
     EXPECT_EQ(ExtractInfo(Line(""), info), 1);
     EXPECT_EQ(ExtractYValues(Line(""), 2, positions), 1);
     EXPECT_EQ(FindMinMaxHeight(Line(""), 4, positions, low, high), 1);
-    EXPECT_EQ(ExtractRowPixelValues(Line(""), 5, HeightRamp(0, 1), image), 1);
+    EXPECT_EQ(ExtractRowPixelValues(Line(""), 5, colours, image), 1);
     EXPECT_EQ(ExtractRowPixelData(Line(""), 6, 2, 0, 1, heights), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Cannot retrieve height map info from empty item vector",
                                          "ERROR: Cannot retrieve height map y values from empty item vector",
@@ -54,7 +55,7 @@ TEST_F(CsvSteps, refuseRowsOutside) {
         const std::string expected =
             "ERROR: Invalid row=" + std::to_string(row) + " for pixel values retrieval";
         EXPECT_EQ(FindMinMaxHeight(Line("0,1,2"), row, positions, low, high), 1);
-        EXPECT_EQ(ExtractRowPixelValues(Line("0,1,2"), row, HeightRamp(0, 1), image), 1);
+        EXPECT_EQ(ExtractRowPixelValues(Line("0,1,2"), row, colours, image), 1);
         EXPECT_EQ(ExtractRowPixelData(Line("0,1,2"), row, 2, 0, 1, heights), 1);
         EXPECT_THAT(log.Lines(), ElementsAre(expected, expected, expected));
     }

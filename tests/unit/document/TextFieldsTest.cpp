@@ -61,6 +61,23 @@ Reading PlainReading(const std::string& line) {
     return reading;
 }
 
+/// Reads the fields as a height map's rows are read: as packed decimals where they are such, each with the
+/// last one as its pattern.
+void ExpectTheSamePacked(const CsvLine& line, const Reading& reading) {
+    PackedDecimal packed;
+    std::size_t index = 0;
+    for (CsvFields fields(line); fields.HasNext(); ++index) {
+        double value = 0.0;
+        const bool isPacked = fields.NextPacked(packed);
+        if (isPacked)
+            value = packed.Value();
+        const bool isNumber = isPacked || fields.NextNumber(value);
+        EXPECT_EQ(isNumber, reading.numbers.at(index).has_value());
+        EXPECT_EQ(std::bit_cast<std::uint64_t>(value), reading.numbers.at(index).value_or(0)) << line.Text();
+    }
+    EXPECT_EQ(index, reading.numbers.size());
+}
+
 Reading OurReading(const std::string& text) {
     const std::vector<char> bytes(text.begin(), text.end()); // with nothing readable behind the end
     Reading reading;
@@ -87,6 +104,7 @@ Reading OurReading(const std::string& text) {
         EXPECT_EQ(bits, reading.numbers.at(index).value_or(0)) << field;
         EXPECT_EQ(field.empty(), !reading.numbers.at(index).has_value());
     }
+    ExpectTheSamePacked(line, reading);
     EXPECT_EQ(line.FieldCount(), reading.numbers.size());
     EXPECT_EQ(line.HasFields(), !reading.numbers.empty());
     return reading;
