@@ -117,7 +117,7 @@ def text_rows(bench):
         Row("1-text", what, load(), 15, plain, "the plain way", faster=True),
         Row("1-text-same", what + ": differences to the plain way",
             bench.ours("text-compare", figure="differences", data=lambda: [bench.grid(side, "track.trk")]), 0, unit=""),
-        *growth_rows("1-text", what, [side // 4, side // 2, side], 4, load),
+        *growth_rows("1-text", "load a text track, side", [side // 4, side // 2, side], 4, load),
         Row("2-pandas", what, load(), 5, python("load_pandas.py", "grid.csv"), "pandas read_csv, C engine", faster=True),
         Row("2-numpy", what, load(), 2.5, python("load_numpy.py", "grid-nan.csv"), "numpy.loadtxt", faster=True),
         Row("2-gdal", what, load(), 7, gdal, "gdal_translate", faster=True),
