@@ -1,29 +1,64 @@
 #include "bDirectory.h"
 
+#include <cerrno>
 #include <filesystem>
+#include <memory>
 #include <string>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
 
 namespace {
 
 namespace fs = std::filesystem;
 
-bStatus List(const char* path, fs::file_type kind, bArrayList* list) try {
+struct FolderCloser {
+    void operator()(DIR* folder) const { closedir(folder); }
+};
+using Folder = std::unique_ptr<DIR, FolderCloser>;
+
+bStatus StatusOfErrno() {
+    return errno == ENOMEM ? bERROR_MEMORY : bERROR_FILE;
+}
+
+/// The kind of an entry, without following links; 0 for one that has vanished meanwhile.
+bStatus AskKind(const Folder& folder, const dirent& entry, mode_t* kind) {
+    *kind = DTTOIF(entry.d_type);
+    if (entry.d_type != DT_UNKNOWN)
+        return bOK;
+    struct stat state {};
+    if (fstatat(dirfd(folder.get()), entry.d_name, &state, AT_SYMLINK_NOFOLLOW) == 0)
+        *kind = state.st_mode & S_IFMT;
+    else if (errno != ENOENT)
+        return StatusOfErrno();
+    return bOK;
+}
+
+bStatus AddIfOfKind(const Folder& folder, const dirent& entry, mode_t kind, bArrayList* list) {
+    const std::string_view name = entry.d_name;
+    mode_t found = 0;
+    if (const bStatus status = AskKind(folder, entry, &found); status != bOK)
+        return status;
+    return found != kind || name == "." || name == ".." ? bOK : list->Add(name);
+}
+
+/// With the system's own calls: the standard library's iterator ends the program when it gets no memory.
+bStatus List(const char* path, mode_t kind, bArrayList* list) {
     list->Clear();
-    std::error_code failure;
-    fs::directory_iterator entry(path, failure);
-    for (; !failure && entry != fs::directory_iterator(); entry.increment(failure)) {
-        std::error_code vanished;
-        if (entry->symlink_status(vanished).type() != kind)
-            continue;
-        if (const bStatus status = list->Add(entry->path().filename().native()); status != bOK)
+    const Folder folder(opendir(path));
+    if (!folder)
+        return StatusOfErrno();
+    errno = 0; // nothing else tells the end from a failure
+    while (const dirent* const entry = readdir(folder.get())) {
+        if (const bStatus status = AddIfOfKind(folder, *entry, kind, list); status != bOK)
             return status;
+        errno = 0;
     }
-    if (failure)
-        return bERROR_FILE;
+    if (errno != 0)
+        return StatusOfErrno();
     list->Sort();
     return bOK;
-} catch (const std::bad_alloc&) {
-    return bERROR_MEMORY;
 }
 
 /// "link/" would name what the link leads to; "link" names the link.
@@ -57,9 +92,9 @@ bStatus bDirectory_Delete(const char* path) {
 }
 
 bStatus bDirectory_ListFiles(const char* path, bArrayList* list) {
-    return List(path, fs::file_type::regular, list);
+    return List(path, S_IFREG, list);
 }
 
 bStatus bDirectory_ListDirectories(const char* path, bArrayList* list) {
-    return List(path, fs::file_type::directory, list);
+    return List(path, S_IFDIR, list);
 }

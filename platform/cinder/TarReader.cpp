@@ -58,7 +58,9 @@ bStatus TarReader::Open() {
         return bERROR_MEMORY;
     // This looks for the first header already. One that is no tar header is met again by BeginRead.
     opened = archive_read_open1(handle.get()) == ARCHIVE_OK;
-    if (!opened && archive_errno(handle.get()) == ENOMEM)
+    // It gives no reason at all when there is no memory for what it reads through.
+    const int reason = opened ? 0 : archive_errno(handle.get());
+    if (!opened && (reason == ENOMEM || reason == 0))
         return bERROR_MEMORY;
     return fileFailed ? bERROR_FILE : bOK;
 }
