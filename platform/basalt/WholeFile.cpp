@@ -47,15 +47,15 @@ int CreateBeside(const std::string& folder, mode_t permissions, std::string& pat
     return -1;
 }
 
-bool SyncFolder(const std::string& path) {
+} // namespace
+
+bool SyncFolderOf(const std::string& path) {
     const int folder = open(FolderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (folder < 0)
         return false;
     const bool synced = fsync(folder) == 0;
     return close(folder) == 0 && synced;
 }
-
-} // namespace
 
 WholeFile::WholeFile(const std::string& path) : target(LinksFollowed(path)) {
     struct stat old {};
@@ -94,7 +94,7 @@ bool WholeFile::Commit() {
         unlink(beside.c_str());
         return false;
     }
-    return SyncFolder(target);
+    return SyncFolderOf(target);
 }
 
 void WholeFile::WriteThrough(const char* data, std::size_t size) {

@@ -46,3 +46,7 @@ class WholeFile {
     int descriptor = -1;
     bool failed = false;
 };
+
+/// Brings the names of the folder that the file lies in to the disk: after a renaming, the new one.
+/// @return false when that failed
+[[nodiscard]] bool SyncFolderOf(const std::string& path);

@@ -33,6 +33,6 @@ bool ReplaceFile(const std::string& from, const std::string& target) {
     if (!failure)
         std::filesystem::rename(from, place, failure);
     if (!failure)
-        return true;
+        return SyncFolderOf(place.string());
     return CopyWhole(from, place.string());
 }
