@@ -7,7 +7,7 @@
 inline const QString kTrackFolder = QStringLiteral("./TmpDirOsws/vdk/ContourPath");
 
 /// The names in `directory` that match the pattern, by name and ignoring case; none when there is no such
-/// directory.
+/// directory. @throws Ve::Exception when it cannot be read
 QStringList ListFiles(const QString& directory, const QString& pattern);
 
 /// The path of a track of the workspace.

@@ -64,11 +64,12 @@ bool IsTemporaryTrack(const QString& path) {
 } // namespace
 
 void MainWindow::RefreshTrackList() {
-    ui->comboBox_file->clear();
-    if (SourceIsOpen()) {
+    const bool open = SourceIsOpen();
+    if (open) // before anything is cleared: it may fail
         trackFiles = ListFiles(kTrackFolder, QStringLiteral("*.trk"));
+    ui->comboBox_file->clear();
+    if (open)
         ui->comboBox_file->addItems(trackFiles);
-    }
     ui->comboBox_file->addItem(tr("External"));
     ui->comboBox_file->view()->setMinimumWidth(OpenListWidth(*ui->comboBox_file));
 }

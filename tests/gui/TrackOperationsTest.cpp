@@ -1,4 +1,5 @@
 #include "FileReplacement.h"
+#include "OrdinaryUser.h"
 #include "TrackFolder.h"
 #include "WindowTest.h"
 
@@ -89,6 +90,32 @@ TEST_F(TrackOperations, WorkspaceTracksAreListedByNameIgnoringCaseAndExternalLas
 
 TEST_F(TrackOperations, AMissingFolderListsNothing) {
     EXPECT_TRUE(ListFiles(QStringLiteral("./nowhere"), QStringLiteral("*.trk")).isEmpty());
+}
+
+TEST_F(TrackOperations, AFolderThatCannotBeReadIsAnErrorAndTheListStays) {
+    openWorkspace();
+    ASSERT_EQ(::chmod(kTracks.c_str(), 0), 0);
+    {
+        const OrdinaryUser user(".");
+        ASSERT_TRUE(user.IsReady());
+        operate("Refresh");
+    }
+    expectErrorBox("ERROR_FILE - Failed to list files in ./TmpDirOsws/vdk/ContourPath");
+    EXPECT_THAT(items("comboBox_file"), ElementsAre("A.trk", "b.trk", "External"));
+    ASSERT_EQ(::chmod(kTracks.c_str(), 0755), 0);
+    WriteFile(kTracks + "c.trk", "");
+    operate("Refresh");
+    EXPECT_EQ(status(), "Refresh successfully.");
+    EXPECT_THAT(items("comboBox_file"), ElementsAre("A.trk", "b.trk", "c.trk", "External"));
+}
+
+TEST_F(TrackOperations, NamesThatAreNoTextAndHiddenOnesAreLeftOutOfTheList) {
+    openWorkspace();
+    WriteFile(kTracks + "\xff.trk", "");
+    WriteFile(kTracks + ".c.trk", "");
+    operate("Refresh");
+    EXPECT_EQ(status(), "Refresh successfully.");
+    EXPECT_THAT(items("comboBox_file"), ElementsAre("A.trk", "b.trk", "External"));
 }
 
 TEST_F(TrackOperations, ExternalCannotBeDeleted) {
