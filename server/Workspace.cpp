@@ -32,13 +32,14 @@ bool Exchange(const std::string& one, const std::string& other) {
 
 /// Exchanges two folders by way of a third name, for file systems that cannot do it in one step.
 bool ExchangeBySteps(const std::string& staged, const std::string& target, const std::string& aside) {
+    RemoveTree(aside); // what an earlier exchange could not move on
     if (!Rename(target, aside))
         return false;
     if (!Rename(staged, target)) {
         Rename(aside, target); // should this fail too, the next start does it
         return false;
     }
-    Rename(aside, staged); // or it is removed at the next start
+    Rename(aside, staged); // or it is removed before the next exchange, or at the next start
     return true;
 }
 
