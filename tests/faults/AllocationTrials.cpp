@@ -3,7 +3,6 @@
 #include "Allocations.h"
 #include "Converter.h"
 #include "Exception.h"
-#include "FileCalls.h"
 #include "FileReplacement.h"
 #include "OperatorFiles.h"
 #include "TemporaryFolder.h"
@@ -11,6 +10,7 @@
 #include "WorkingFiles.h"
 #include "qmaskwidget.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <functional>
@@ -19,6 +19,7 @@
 
 #include <QImage>
 
+#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -30,6 +31,8 @@ constexpr int kWidth = 40;
 constexpr int kHeight = 20;
 constexpr unsigned kPatience = 300; // seconds: a hang ends the process
 const std::string kTracks = "./TmpDirOsws/vdk/ContourPath/";
+const std::string kBackup = "./station.osbak";
+constexpr const char* kSaid = "/said.txt"; ///< the error output of a trial
 
 const independent::Track& Original() {
     static const independent::Track track = OperatorTrack(kWidth, kHeight);
@@ -42,16 +45,33 @@ const FileTree& Tracks() {
     return tracks;
 }
 
+/// What lies half-done in a folder.
+std::vector<fs::path> HiddenIn(const std::string& folder) {
+    std::vector<fs::path> hidden;
+    std::error_code missing;
+    for (const auto& entry : fs::directory_iterator(folder, missing))
+        if (entry.path().filename().string().rfind(".corvane-", 0) == 0)
+            hidden.push_back(entry.path());
+    return hidden;
+}
+
 void Require(bool holds, const char* what) {
     if (!holds)
         throw std::runtime_error(what);
 }
 
+/// How an operation has come to its end.
+enum class Outcome : std::uint8_t {
+    Succeeded,
+    Failed, ///< with an error or an exception of its own
+    Ended,  ///< with its process
+};
+
 /// An operation, and what has to be true after it.
 struct AllocationRoad {
-    std::function<void()> prepare;             ///< what has to stand before it
-    std::function<bool()> operate;             ///< whether it succeeded; exceptions of its own are no success
-    std::function<void(bool succeeded)> check; ///< @throws std::runtime_error with what is wrong
+    std::function<void()> prepare;              ///< makes what has to stand before it
+    std::function<bool()> operate;              ///< whether it succeeded; its exceptions are no success
+    std::function<void(Outcome outcome)> check; ///< @throws std::runtime_error with what is wrong
 };
 
 std::string TrackOf(const std::string& name) {
@@ -72,9 +92,10 @@ bool Load(const std::string& path, QMaskWidget& canvas) {
 
 AllocationRoad LoadRoad(const std::string& name, QMaskWidget& canvas) {
     return {[] {}, [name, &canvas] { return Load(TrackOf(name), canvas); },
-            [name, &canvas](bool succeeded) {
+            [name, &canvas](Outcome outcome) {
                 Require(FileContent(TrackOf(name)) == Tracks().at(name), "loading has changed the file");
-                Require(!succeeded || (canvas.paths().size() == 1 && canvas.paths()[0].points.size() == 3),
+                Require(outcome != Outcome::Succeeded ||
+                            (canvas.paths().size() == 1 && canvas.paths()[0].points.size() == 3),
                         "the paths that were loaded are others");
             }};
 }
@@ -97,52 +118,48 @@ bool IsSaved(const std::string& file) {
 }
 
 AllocationRoad SaveRoad(const std::string& name, QMaskWidget& canvas) {
-    WriteFile(TrackOf(name), Tracks().at(name));
-    Require(Load(TrackOf(name), canvas), "the track cannot be loaded");
-    return {[name] { WriteFile(TrackOf(name), Tracks().at(name)); },
+    return {[name, &canvas] { Require(Load(TrackOf(name), canvas), "the track cannot be loaded"); },
             [name, &canvas] { return Save(TrackOf(name), canvas); },
-            [name](bool succeeded) {
+            [name](Outcome outcome) {
                 const std::string file = FileContent(TrackOf(name));
-                Require(IsSaved(file) || (!succeeded && file == Tracks().at(name)), "the track is broken");
-                for (const auto& entry : fs::directory_iterator("."))
-                    Require(entry.path().filename().string().rfind(".corvane-", 0) != 0,
-                            "a stray file is left");
+                Require(IsSaved(file) || (outcome != Outcome::Succeeded && file == Tracks().at(name)),
+                        "the track is broken");
+                Require(outcome == Outcome::Ended || HiddenIn(".").empty(), "a stray file is left");
             }};
 }
 
 AllocationRoad UnpackRoad() {
     return {[] {},
             [] {
-                UnpackBackup("station.osbak");
+                UnpackBackup(kBackup);
                 return true;
             },
-            [](bool succeeded) {
-                Require(FileContent("station.osbak") == BackupArchive(Tracks()), "the backup has changed");
+            [](Outcome outcome) {
+                Require(FileContent(kBackup) == BackupArchive(Tracks()), "the backup has changed");
                 const FileTree unpacked = FilesIn(kTracks);
-                Require(!succeeded || unpacked == Tracks(), "what was unpacked is not whole");
+                Require(outcome != Outcome::Succeeded || unpacked == Tracks(),
+                        "what was unpacked is not whole");
+                Require(outcome == Outcome::Ended || HiddenIn(kTracks).empty(), "a stray file is left");
                 for (const auto& [name, content] : unpacked)
-                    Require(Tracks().count(name) == 1 && Tracks().at(name) == content,
+                    Require(!LooksLikeContent(name) || content == Tracks().at(name),
                             "an unpacked file is broken");
             }};
 }
 
 AllocationRoad PackRoad() {
-    UnpackBackup("station.osbak");
-    return {[] {},
+    return {[] { UnpackBackup(kBackup); },
             [] {
-                PackBackup("station.osbak");
+                PackBackup(kBackup);
                 return true;
             },
-            [](bool) {
-                Require(TracksInBackup(FileContent("station.osbak")) == Tracks(), "the backup is broken");
+            [](Outcome outcome) {
+                Require(TracksInBackup(FileContent(kBackup)) == Tracks(), "the backup is broken");
                 Require(FilesIn(kTracks) == Tracks(), "the workspace has changed");
+                Require(outcome == Outcome::Ended || HiddenIn(".").empty(), "a stray file is left");
             }};
 }
 
 AllocationRoad RoadOf(const std::string& name, QMaskWidget& canvas) {
-    for (const auto& [file, content] : Tracks())
-        WriteFile(file, content);
-    WriteFile("station.osbak", BackupArchive(Tracks()));
     if (name == "memory-load-text")
         return LoadRoad("text.trk", canvas);
     if (name == "memory-load-binary")
@@ -154,47 +171,93 @@ AllocationRoad RoadOf(const std::string& name, QMaskWidget& canvas) {
     return name == "memory-pack" ? PackRoad() : UnpackRoad();
 }
 
-/// @return whether an allocation has failed: not when there were fewer
-bool FailOne(const AllocationRoad& road, long failing, FileCallReport& report) {
-    bool succeeded = false;
+// How a trial's process ends, other than by what the operation calls.
+constexpr int kPassed = 0;
+constexpr int kNoneFailed = 10; ///< there were fewer allocations
+constexpr int kWrong = 11;
+
+void Prepare(const AllocationRoad& road) {
+    for (const auto& [file, content] : Tracks())
+        WriteFile(file, content);
+    WriteFile(kBackup, BackupArchive(Tracks()));
     road.prepare();
-    try {
-        CountAllocations(failing);
-        succeeded = road.operate();
-    } catch (const Ve::Exception&) {
-        succeeded = false;
-    } catch (const std::bad_alloc&) {
-        succeeded = false; // the program would end here, with its files as they are
-    }
-    const bool failed = StopCountingAllocations() >= failing;
-    road.check(succeeded);
-    Require(failed || succeeded, "it failed though every allocation succeeded");
-    if (failed) {
-        ++report.count;
-        Require(road.operate(), "it does not work the next time");
-        road.check(true);
-    }
-    return failed;
 }
 
-[[noreturn]] void Perform(const std::string& name, const std::string& folder, long step,
-                          FileCallReport& report) {
-    constexpr long kAllTaken = 100;
+/// The operation with one allocation that fails, and once more without. @return kPassed or kNoneFailed
+int FailOne(const AllocationRoad& road, long failing) {
+    Outcome outcome = Outcome::Failed;
+    Prepare(road);
+    try {
+        CountAllocations(failing);
+        if (road.operate())
+            outcome = Outcome::Succeeded;
+    } catch (const Ve::Exception&) {
+    } catch (const std::bad_alloc&) { // the program would end here, with its files as they are
+    }
+    const bool failed = StopCountingAllocations() >= failing;
+    road.check(outcome);
+    Require(failed || outcome == Outcome::Succeeded, "it failed though every allocation succeeded");
+    if (!failed)
+        return kNoneFailed;
+    Require(road.operate(), "it does not work the next time");
+    road.check(Outcome::Succeeded);
+    return kPassed;
+}
+
+/// What a process has left that ended within the operation, and the operation from a new start.
+int CheckEnded(const AllocationRoad& road) {
+    road.check(Outcome::Ended);
+    for (const fs::path& hidden : HiddenIn(".")) // they may stay, but not count against the next start
+        fs::remove(hidden);
+    Prepare(road);
+    Require(road.operate(), "it does not work after the next start");
+    road.check(Outcome::Succeeded);
+    return kPassed;
+}
+
+using TrialWork = std::function<int(const AllocationRoad& road)>;
+
+[[noreturn]] void Perform(const std::string& name, const std::string& folder, const TrialWork& work) {
+    int result = kWrong;
     alarm(kPatience);
     try {
-        fs::current_path(folder);
-        std::fclose(stderr); // the log's lines are expected
+        fs::current_path(folder + "/work");
+        const int said = open((folder + kSaid).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+        dup2(said, STDERR_FILENO);
         QMaskWidget canvas;
-        const AllocationRoad road = RoadOf(name, canvas);
-        report.at = 1;
-        while (FailOne(road, report.at, report))
-            report.at += report.at < kAllTaken ? 1 : step;
+        result = work(RoadOf(name, canvas));
     } catch (const std::exception& problem) {
-        std::printf("  allocation %ld: %s\n", report.at, problem.what());
+        std::printf("    %s\n", problem.what());
         std::fflush(stdout);
-        _exit(1);
     }
-    _exit(0);
+    _exit(result);
+}
+
+/// @return how the process has ended, as waitpid tells it
+int InProcess(const std::string& name, const std::string& folder, const TrialWork& work) {
+    std::fflush(stdout);
+    const pid_t process = fork();
+    if (process == 0)
+        Perform(name, folder, work);
+    int status = 0;
+    waitpid(process, &status, 0);
+    return status;
+}
+
+/// The archive library makes room for its texts in a way that knows no failure: it says one of these and
+/// exits.
+bool LibraryHasExited(int status, const std::string& folder) {
+    const std::string said = FileContent(folder + kSaid);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 1 &&
+           (said.ends_with("Fatal Internal Error in libarchive: Out of memory\n") ||
+            said.ends_with("Fatal Internal Error in libarchive: No memory\n"));
+}
+
+void TellProblem(long failing, int status) {
+    if (WIFSIGNALED(status))
+        std::printf("  allocation %ld: ended by signal %d\n", failing, WTERMSIG(status));
+    else
+        std::printf("  allocation %ld: ended with %d\n", failing, WEXITSTATUS(status));
 }
 
 } // namespace
@@ -205,14 +268,24 @@ std::vector<std::string> AllocationRoads() {
 }
 
 AllocationResult RunAllocations(const std::string& name, const std::string& folder, long step) {
-    FileCallReport* const report = MapReport((folder + "/report").c_str());
-    std::fflush(stdout);
-    const pid_t process = fork();
-    if (process == 0)
-        Perform(name, folder, step, *report);
-    int status = 0;
-    waitpid(process, &status, 0);
-    if (WIFSIGNALED(status))
-        std::printf("  allocation %ld: ended by signal %d\n", report->at, WTERMSIG(status));
-    return {report->count, status == 0 ? 0 : 1};
+    constexpr long kAllTaken = 100;
+    constexpr int kMostProblems = 10;
+    AllocationResult result;
+    for (long failing = 1; result.problems < kMostProblems; failing += failing < kAllTaken ? 1 : step) {
+        fs::remove_all(folder + "/work");
+        fs::create_directory(folder + "/work");
+        int status = InProcess(name, folder, [failing](const auto& road) { return FailOne(road, failing); });
+        if (LibraryHasExited(status, folder)) {
+            ++result.exits;
+            status = InProcess(name, folder, CheckEnded);
+        }
+        if (WIFEXITED(status) && WEXITSTATUS(status) == kNoneFailed)
+            return result;
+        ++result.failed;
+        if (status != kPassed) {
+            TellProblem(failing, status);
+            ++result.problems;
+        }
+    }
+    return result;
 }

@@ -104,6 +104,11 @@ class LoadBackup final : public Road {
         CheckUnpacked(problems, Tracks(), finished);
         return problems;
     }
+    [[nodiscard]] Problems CheckShown(WindowOperator& window) const override {
+        Problems problems;
+        CheckListed(problems, window, Tracks());
+        return problems;
+    }
 };
 
 /// "Connect Sensor": a server's backup in place of the one that an earlier day has left.
@@ -140,6 +145,11 @@ class ServerBackup final : public Road {
                                      [](const FileTree& tracks) { return tracks == ServedTracks(); });
                     });
         CheckUnpacked(problems, ServedTracks(), finished);
+        return problems;
+    }
+    [[nodiscard]] Problems CheckShown(WindowOperator& window) const override {
+        Problems problems;
+        CheckListed(problems, window, ServedTracks());
         return problems;
     }
 };

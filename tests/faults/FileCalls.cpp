@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <new>
+#include <span>
 
 #include <fcntl.h>
 #include <linux/audit.h>
@@ -56,7 +57,7 @@ struct Kind {
     bool needsRoom;
 };
 
-constexpr Kind kKinds[] = {
+constexpr Kind kChanges[] = {
     {SYS_open, "open", Names::OpenPath, 0, false, true},
     {SYS_creat, "creat", Names::Path, 0, false, true},
     {SYS_openat, "openat", Names::OpenPathAt, 1, false, true},
@@ -87,6 +88,14 @@ constexpr Kind kKinds[] = {
     {SYS_fchmodat, "fchmodat", Names::PathAt, 1, false, false},
 };
 
+constexpr Kind kReads[] = {
+    {SYS_read, "read", Names::Descriptor, 0, false, false},
+    {SYS_pread64, "pread64", Names::Descriptor, 0, false, false},
+    {SYS_readv, "readv", Names::Descriptor, 0, false, false},
+    {SYS_preadv, "preadv", Names::Descriptor, 0, false, false},
+    {SYS_getdents64, "getdents64", Names::Descriptor, 0, false, false},
+};
+
 struct Call {
     long number;
     std::array<long, 6> arguments;
@@ -95,6 +104,7 @@ struct Call {
 constexpr std::size_t kLongestPath = 4096;
 
 FileCallReport* report = nullptr;
+std::span<const Kind> kinds;
 std::array<char, kLongestPath> root{};
 
 long Pass(const Call& call) {
@@ -208,6 +218,7 @@ void Record(long count, const Kind& kind, const Call& made, const char* path) {
         return;
     FileCall& call = report->calls[static_cast<std::size_t>(count) - 1];
     call.number = kind.number;
+    call.size = kind.names == Names::Descriptor ? made.arguments[2] : 0;
     Copy(OpensNameless(kind, made) ? "open nameless" : kind.name, call.name);
     const char* const slash = std::strrchr(path, '/');
     Copy(slash == nullptr ? path : slash + 1, call.place);
@@ -251,6 +262,10 @@ long FailInPart(const Kind& kind, const Call& call) {
     return written;
 }
 
+bool IsExchange(const Call& call) {
+    return call.number == SYS_renameat2 && (call.arguments[4] & RENAME_EXCHANGE) != 0;
+}
+
 long FailNow(const Kind& kind, const Call& call) {
     switch (report->fault) {
     case Fault::NoSpace:
@@ -258,6 +273,7 @@ long FailNow(const Kind& kind, const Call& call) {
     case Fault::Quota:
         return Fail(kind, call, EDQUOT);
     case Fault::InputOutput:
+    case Fault::DiskDead:
         return Fail(kind, call, EIO);
     case Fault::Kill:
         report->injected = true;
@@ -275,15 +291,19 @@ long FailNow(const Kind& kind, const Call& call) {
 }
 
 long FailLater(const Kind& kind, const Call& call) {
+    if (report->fault == Fault::DiskDead)
+        return Fail(kind, call, EIO);
     const bool full =
         report->fault == Fault::DiskFull || (report->fault == Fault::ShortFull && report->injected);
     return full && kind.needsRoom ? Fail(kind, call, ENOSPC) : Pass(call);
 }
 
 long Answer(const Call& call) {
-    const auto* const kind = std::find_if(std::begin(kKinds), std::end(kKinds),
-                                          [&](const Kind& each) { return each.number == call.number; });
-    if (kind == std::end(kKinds) || !report->armed)
+    const auto kind = std::find_if(kinds.begin(), kinds.end(),
+                                   [&](const Kind& each) { return each.number == call.number; });
+    if (report->noExchange && IsExchange(call))
+        return -EINVAL;
+    if (kind == kinds.end() || !report->armed)
         return Pass(call);
     const Place place(PlaceDescriptor(*kind, call));
     const char* const path = Changed(*kind, call, place);
@@ -321,16 +341,16 @@ sock_filter Return(std::uint32_t action) {
 
 /// Traps the calls of the table, but for those that come from PassedFileCall.
 bool InstallFilter() {
-    constexpr std::size_t kCount = std::size(kKinds);
+    const std::size_t count = kinds.size();
     constexpr std::size_t kAddress = offsetof(seccomp_data, instruction_pointer);
     const auto passed = reinterpret_cast<std::uintptr_t>(&passedFileCallEnd[0]);
-    std::array<sock_filter, kCount + 10> filter{};
+    std::array<sock_filter, std::size(kChanges) + 10> filter{};
     std::size_t size = 0;
     filter[size++] = Load(offsetof(seccomp_data, arch));
-    filter[size++] = JumpIfEqual(AUDIT_ARCH_X86_64, 0, kCount + 1);
+    filter[size++] = JumpIfEqual(AUDIT_ARCH_X86_64, 0, count + 1);
     filter[size++] = Load(offsetof(seccomp_data, nr));
-    for (std::size_t i = 0; i < kCount; ++i)
-        filter[size++] = JumpIfEqual(static_cast<std::uint32_t>(kKinds[i].number), kCount - i, 0);
+    for (std::size_t i = 0; i < count; ++i)
+        filter[size++] = JumpIfEqual(static_cast<std::uint32_t>(kinds[i].number), count - i, 0);
     filter[size++] = Return(SECCOMP_RET_ALLOW);
     filter[size++] = Load(kAddress);
     filter[size++] = JumpIfEqual(static_cast<std::uint32_t>(passed), 0, 3);
@@ -364,6 +384,7 @@ bool WatchFileCalls(const char* path, FileCallReport* shared) {
         return false;
     std::strcpy(root.data(), path);
     report = shared;
+    kinds = shared->reads ? std::span<const Kind>(kReads) : std::span<const Kind>(kChanges);
     struct sigaction action {};
     action.sa_sigaction = &OnCall;
     action.sa_flags = SA_SIGINFO | SA_NODEFER;

@@ -59,6 +59,7 @@ void Harness::Start(const Trial& trial) {
     Running running{trial, folder + "/" + std::to_string(++started)};
     fs::create_directory(running.folder);
     FileCallReport* const report = MapReport((running.folder + "/report").c_str());
+    road.Arrange(*report);
     report->fault = trial.fault;
     report->at = trial.at;
     munmap(report, sizeof(FileCallReport));

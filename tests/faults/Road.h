@@ -25,8 +25,13 @@ class Road {
     /// What is wrong with what the operator owns.
     /// @param finished the operation has succeeded: the new content has to stand
     [[nodiscard]] virtual Problems Check(bool finished) const = 0;
+    /// What is wrong with what the window shows after success.
+    [[nodiscard]] virtual Problems CheckShown(WindowOperator& /*window*/) const { return {}; }
 
   protected:
+    /// That the window lists these tracks and no others.
+    static void CheckListed(Problems& problems, WindowOperator& window, const FileTree& tracks);
+
     /// Compares a folder with what has to be in it: the target holds the old or the new content (`isNew`),
     /// the new one when finished; all else is as it was; nothing stands there that would be taken for
     /// content.
@@ -55,6 +60,8 @@ class Road {
 /// The roads through the window by their names in the order of the documentation.
 std::vector<std::pair<std::string, std::unique_ptr<Road>>> TrackRoads();
 std::vector<std::pair<std::string, std::unique_ptr<Road>>> BackupRoads();
+/// The roads that only read.
+std::vector<std::pair<std::string, std::unique_ptr<Road>>> LoadRoads();
 
 /// What the server that the backup is fetched from holds.
 FileTree ServedTracks();

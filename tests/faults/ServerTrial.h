@@ -6,11 +6,15 @@
 class ServerTrial final : public TrialRoad {
   public:
     /// @param preload the library that watches the server's calls
-    explicit ServerTrial(std::string preload) : preload(std::move(preload)) {}
+    /// @param noExchange on a file system that cannot exchange two folders in one step
+    ServerTrial(std::string preload, bool reads, bool noExchange)
+        : TrialRoad(reads), preload(std::move(preload)), noExchange(noExchange) {}
 
+    void Arrange(FileCallReport& report) const override;
     Problems Run(const Trial& trial, FileCallReport& report) const override;
     Problems RunAfterKill() const override;
 
   private:
     std::string preload;
+    bool noExchange;
 };

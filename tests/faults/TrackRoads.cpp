@@ -1,5 +1,9 @@
 #include "Road.h"
 
+#include "qmaskwidget.h"
+
+#include <QComboBox>
+
 namespace {
 
 // More than one buffer of the writer, and no whole number of them.
@@ -117,12 +121,71 @@ class SaveExternal final : public Road {
         CheckFolder(problems, kDesk, Desk(), "", finished, IsNew);
         return problems;
     }
+    [[nodiscard]] Problems CheckShown(WindowOperator& window) const override {
+        Problems problems;
+        FileTree tracks = Workspace();
+        tracks["new.trk"] = "";
+        CheckListed(problems, window, tracks);
+        return problems;
+    }
 
   private:
     static FileTree Desk() { return {{"station.osbak", BackupArchive(Workspace())}, {"new.trk", Text()}}; }
 };
 
+/// "Load" of a track of the workspace, while another one is open.
+class LoadTrack final : public Road {
+  public:
+    explicit LoadTrack(std::string track) : track(std::move(track)) {}
+
+    [[nodiscard]] FileTree Before() const override { return InFolder(kDesk, Desk()); }
+    void LeadUp(WindowOperator& window) const override {
+        window.LoadBackup(kDesk + "station.osbak");
+        window.LoadExternal(kDesk + "small.trk");
+        window.Choose("comboBox_file", track);
+    }
+    void Operate(WindowOperator& window) const override { window.Choose("comboBox_operation", "Load"); }
+    [[nodiscard]] std::string Success() const override { return "Load successfully."; }
+    [[nodiscard]] Problems Check(bool /*finished*/) const override {
+        Problems problems;
+        CheckFolder(problems, kTracks, Workspace(), "", false, IsNew);
+        CheckFolder(problems, kDesk, Desk(), "", false, IsNew);
+        return problems;
+    }
+    [[nodiscard]] Problems CheckShown(WindowOperator& window) const override {
+        const auto& canvas = window.Find<QMaskWidget>("label_mask");
+        const auto& paths = canvas.paths();
+        Problems problems;
+        if (paths.size() != 1 || paths[0].points.size() != 3)
+            problems.emplace_back("the paths on the canvas are others");
+        if (window.Text("label_fileName") != track)
+            problems.emplace_back("the name that is shown is another");
+        return problems;
+    }
+
+  private:
+    static FileTree Desk() {
+        return {{"station.osbak", BackupArchive(Workspace())},
+                {"small.trk", independent::BinaryFile(OperatorTrack(40, 20))}};
+    }
+
+    std::string track;
+};
+
 } // namespace
+
+void Road::CheckListed(Problems& problems, WindowOperator& window, const FileTree& tracks) {
+    const auto& combo = window.Find<QComboBox>("comboBox_file");
+    std::vector<std::string> names;
+    for (int i = 0; i < combo.count(); ++i)
+        names.push_back(combo.itemText(i).toStdString());
+    std::vector<std::string> expected;
+    for (const auto& [name, content] : tracks)
+        expected.push_back(name);
+    expected.emplace_back("External");
+    if (names != expected)
+        problems.emplace_back("the list of tracks is another");
+}
 
 void Road::CheckOthers(Problems& problems, const std::string& folder, const FileTree& before,
                        const FileTree& now) {
@@ -143,5 +206,12 @@ std::vector<std::pair<std::string, std::unique_ptr<Road>>> TrackRoads() {
     roads.emplace_back("save-as-new", std::make_unique<SaveAs>("text.trk", "fresh.trk"));
     roads.emplace_back("save-as-existing", std::make_unique<SaveAs>("binary.trk", "old.trk"));
     roads.emplace_back("save-external", std::make_unique<SaveExternal>());
+    return roads;
+}
+
+std::vector<std::pair<std::string, std::unique_ptr<Road>>> LoadRoads() {
+    std::vector<std::pair<std::string, std::unique_ptr<Road>>> roads;
+    roads.emplace_back("load-text", std::make_unique<LoadTrack>("text.trk"));
+    roads.emplace_back("load-binary", std::make_unique<LoadTrack>("binary.trk"));
     return roads;
 }

@@ -4,6 +4,7 @@
 #include "OperatorFiles.h"
 
 #include <string>
+#include <string_view>
 
 /// One run of one road with one fault.
 struct Trial {
@@ -16,15 +17,22 @@ struct Trial {
 /// an empty one.
 class TrialRoad {
   public:
-    TrialRoad() = default;
+    /// @param reads the faults fall on the calls that read, in place of those that change something
+    explicit TrialRoad(bool reads) : reads(reads) {}
     TrialRoad(const TrialRoad&) = delete;
     TrialRoad& operator=(const TrialRoad&) = delete;
     virtual ~TrialRoad() = default;
 
+    [[nodiscard]] bool Reads() const { return reads; }
+    /// Says what has to be watched before a run.
+    virtual void Arrange(FileCallReport& report) const { report.reads = reads; }
     /// The road from its beginning, the fault on the way, and the same operation once more without one.
     virtual Problems Run(const Trial& trial, FileCallReport& report) const = 0;
     /// What a killed run has left, and the road from its beginning, without a fault.
     virtual Problems RunAfterKill() const = 0;
+
+  private:
+    bool reads;
 };
 
 /// Says what the fault was.
@@ -32,8 +40,11 @@ std::string Describe(const Trial& trial, const FileCallReport& report);
 
 /// Whether an operation may succeed although this call of it failed: what is removed may stay until the next
 /// time; for renaming, changing permissions and opening a file without a name there is another way, whose
-/// outcome is looked at; and a folder that was made before is there.
+/// outcome is looked at; a folder that was made before is there; a text track whose encoding cannot be told
+/// is read as a text; what a folder holds may be known before its end is met, or be what a dialog shows.
 bool MayBeSurvived(const FileCallReport& report);
+/// Whether the fault was meant for a call of this name.
+bool FallsOn(const FileCallReport& report, std::string_view name);
 
 /// What an operation has shown after a fault, judged by the fault: a short write is no failure; any other is
 /// shown, unless it may be survived.

@@ -58,12 +58,17 @@ Problems WindowTrial::Run(const Trial& trial, FileCallReport& report) const {
     const bool succeeded = !boxed && window.Status() == road->Success();
     JudgeAnswer(problems, report, succeeded, boxed && LogHasErrors(log));
     Add(problems, road->Check(succeeded), "");
+    if (succeeded)
+        Add(problems, road->CheckShown(window), "");
 
     window.TakeErrors();
     window.ClearStatus();
     road->Operate(window);
     window.Expect(road->Success());
     Add(problems, road->Check(true), "next time: ");
+    if (!succeeded) // a list that could not be read is asked for again
+        window.Choose("comboBox_operation", "Refresh");
+    Add(problems, road->CheckShown(window), "next time: ");
     return problems;
 }
 

@@ -6,7 +6,7 @@
 /// A road through the real window.
 class WindowTrial final : public TrialRoad {
   public:
-    explicit WindowTrial(std::unique_ptr<Road> road) : road(std::move(road)) {}
+    WindowTrial(std::unique_ptr<Road> road, bool reads) : TrialRoad(reads), road(std::move(road)) {}
 
     Problems Run(const Trial& trial, FileCallReport& report) const override;
     Problems RunAfterKill() const override;

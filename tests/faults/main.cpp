@@ -17,8 +17,8 @@
 #include <unistd.h>
 
 // faults_driver [--short] [--calls] [ROAD...]
-// Runs each road once to count the calls that change files, then once for every call and every fault. Exit
-// code 0 when every run has ended as it must.
+// Runs each road once to count the calls that change files (or read them), then once for every call and every
+// fault. Exit code 0 when every run has ended as it must.
 namespace {
 
 constexpr int kMostFreePages = 16; // 64 KiB
@@ -51,17 +51,20 @@ Options ParseOptions(int count, char** words) {
 }
 
 /// The faults for one call. The short form takes two of the failures in turn, so that each falls on every
-/// kind of call sooner or later, and always the kill.
-std::vector<Fault> FaultsAt(long call, bool brief) {
+/// kind of call sooner or later, and always the kill; of the two for a call that reads it takes one.
+std::vector<Fault> FaultsAt(long call, const Options& options, bool reads) {
     std::vector<Fault> faults{Fault::NoSpace, Fault::Quota,     Fault::InputOutput, Fault::DiskFull,
                               Fault::Short,   Fault::ShortFull, Fault::TornKill};
-    if (brief) {
-        constexpr int kTaken = 2;
-        std::rotate(faults.begin(), faults.begin() + call * kTaken % static_cast<long>(faults.size()),
+    if (reads)
+        faults = {Fault::InputOutput, Fault::DiskDead};
+    if (options.brief) {
+        const long taken = reads ? 1 : 2;
+        std::rotate(faults.begin(), faults.begin() + call * taken % static_cast<long>(faults.size()),
                     faults.end());
-        faults.resize(kTaken);
+        faults.resize(static_cast<std::size_t>(taken));
     }
-    faults.push_back(Fault::Kill);
+    if (!reads)
+        faults.push_back(Fault::Kill);
     return faults;
 }
 
@@ -81,13 +84,14 @@ Sum RunRoad(const std::string& name, const TrialRoad& road, const Options& optio
     Harness harness(road, place, kJobs);
     const long calls = harness.CountCalls();
     for (long call = 1; call <= calls; ++call)
-        for (const Fault fault : FaultsAt(call, options.brief))
+        for (const Fault fault : FaultsAt(call, options, road.Reads()))
             if (!IsOfWritesOnly(fault) || IsWrite(harness.Calls()[static_cast<std::size_t>(call) - 1]))
                 harness.Start({fault, call});
-    for (int pages = 0; smallDisks && calls > 0 && pages <= kMostFreePages; pages += options.brief ? 3 : 1)
+    for (int pages = 0; smallDisks && !road.Reads() && calls > 0 && pages <= kMostFreePages;
+         pages += options.brief ? 3 : 1)
         harness.Start({Fault::None, 0, pages});
     harness.Finish();
-    std::printf("%-18s %4ld calls, %4d faults, %d problems\n", name.c_str(), calls, harness.Injected(),
+    std::printf("%-22s %4ld calls, %4d faults, %d problems\n", name.c_str(), calls, harness.Injected(),
                 harness.Problematic());
     if (options.listCalls)
         for (const std::string& call : harness.Calls())
@@ -97,13 +101,24 @@ Sum RunRoad(const std::string& name, const TrialRoad& road, const Options& optio
 
 using NamedRoads = std::vector<std::pair<std::string, std::unique_ptr<TrialRoad>>>;
 
+void AddWindowRoads(NamedRoads& trials, std::vector<std::pair<std::string, std::unique_ptr<Road>>> roads,
+                    bool reads) {
+    for (auto& [name, road] : roads)
+        trials.emplace_back((reads ? "reads-" : "") + name,
+                            std::make_unique<WindowTrial>(std::move(road), reads));
+}
+
 NamedRoads AllRoads() {
     NamedRoads roads;
-    for (auto& [name, road] : TrackRoads())
-        roads.emplace_back(name, std::make_unique<WindowTrial>(std::move(road)));
-    for (auto& [name, road] : BackupRoads())
-        roads.emplace_back(name, std::make_unique<WindowTrial>(std::move(road)));
-    roads.emplace_back("server-restore", std::make_unique<ServerTrial>(CORVANE_FAULTS_PRELOAD));
+    const std::string preload = CORVANE_FAULTS_PRELOAD;
+    for (const bool reads : {false, true}) {
+        AddWindowRoads(roads, TrackRoads(), reads);
+        AddWindowRoads(roads, BackupRoads(), reads);
+        roads.emplace_back(reads ? "reads-server-restore" : "server-restore",
+                           std::make_unique<ServerTrial>(preload, reads, false));
+    }
+    AddWindowRoads(roads, LoadRoads(), true);
+    roads.emplace_back("server-steps", std::make_unique<ServerTrial>(preload, false, true));
     return roads;
 }
 
@@ -116,14 +131,13 @@ Sum RunMemoryRoads(const Options& options, const std::string& folder) {
     constexpr long kBriefStep = 7;
     Sum sum;
     for (const std::string& name : AllocationRoads()) {
-        // The archive library itself ends the process when some of its allocations fail: only when asked for.
-        const bool endsInLibrary = name == "memory-pack" || name == "memory-unpack";
-        if (!IsWanted(options, name) || (endsInLibrary && options.roads.empty()))
+        if (!IsWanted(options, name))
             continue;
         std::filesystem::create_directory(folder + "/" + name);
         const auto result = RunAllocations(name, folder + "/" + name, options.brief ? kBriefStep : 1);
-        std::printf("%-18s             %4ld faults, %d problems\n", name.c_str(), result.failed,
+        std::printf("%-22s             %4ld faults, %d problems", name.c_str(), result.failed,
                     result.problems);
+        std::puts(result.exits == 0 ? "" : (", " + std::to_string(result.exits) + " exits").c_str());
         sum.injected += static_cast<int>(result.failed);
         sum.problematic += result.problems;
     }

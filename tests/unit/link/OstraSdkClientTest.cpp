@@ -1,6 +1,7 @@
 #include "OstraSdkClient.h"
 
 #include "DiscoveryResponder.h"
+#include "FileSizeLimit.h"
 #include "ScriptedServer.h"
 #include "TemporaryFolder.h"
 #include "ThrownBy.h"
@@ -232,6 +233,27 @@ TEST(OstraSdkClient, tellsTheBackupFileThatItCannotWrite) {
     for (const std::string name : {"missing/%s.osbak", "folder", "pipe"})
         ExpectThrown([&] { client.Backup(name); }, -997, "OstraSdkClient::Backup",
                      "Failed to open the file - " + name);
+}
+
+TEST(OstraSdkClient, keepsTheOldBackupWhenTheDiskIsFull) {
+    const TemporaryFolder folder;
+    const std::string archive(200'000, 'n');
+    const ScriptedServer server(WillingExcept("/system/commands/archive", DataReply(archive)));
+    OstraSdkClient client;
+    client.Connect("127.0.0.1", server.Port());
+    WriteFile("Ostra.osbak", "old");
+    for (const rlim_t room : {0, 1, 4096, 65536, 199'999}) {
+        SCOPED_TRACE(room);
+        const FileSizeLimit limit(room);
+        ExpectThrown([&] { client.Backup("Ostra.osbak"); }, -997, "OstraSdkClient::Backup",
+                     "Failed to open the file - Ostra.osbak");
+        EXPECT_EQ(FileContent("Ostra.osbak"), "old");
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator("."), {}), 1);
+    }
+    EXPECT_TRUE(client.IsConnected());
+    const FileSizeLimit limit(archive.size());
+    client.Backup("Ostra.osbak");
+    EXPECT_TRUE(FileContent("Ostra.osbak") == archive);
 }
 
 TEST(OstraSdkClient, failsTheBackupThatAServerRefuses) {

@@ -5,12 +5,16 @@
 
 #include "DiscoveryResponder.h"
 #include "ScriptedServer.h"
+#include "TemporaryFolder.h"
 #include "ThrownBy.h"
 #include "VeSystem.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <utility>
 
 bStatus FailingParse(bIpAddress*, const char*) __asm__("__wrap__Z16bIpAddress_ParseP10bIpAddressPKc");
 bStatus RealParse(bIpAddress*, const char*) __asm__("__real__Z16bIpAddress_ParseP10bIpAddressPKc");
@@ -18,12 +22,16 @@ bStatus FailingFormat(bIpAddress, char*, std::size_t) __asm__("__wrap__Z17bIpAdd
 bStatus RealFormat(bIpAddress, char*, std::size_t) __asm__("__real__Z17bIpAddress_Format10bIpAddressPcm");
 void FailingDisconnect(OstraSdk::VeSystem*) __asm__("__wrap__ZN8OstraSdk8VeSystem10DisconnectEv");
 void RealDisconnect(OstraSdk::VeSystem*) __asm__("__real__ZN8OstraSdk8VeSystem10DisconnectEv");
+void* WatchedNew(std::size_t) __asm__("__wrap__Znwm");
+void* RealNew(std::size_t) __asm__("__real__Znwm");
 
 namespace {
 
 bool parseFails = false;
 bool formatFails = false;
 bool disconnectFails = false;
+std::size_t watchedSize = 0;
+std::function<void()> onAllocation; ///< done once, when memory of `watchedSize` bytes is asked for
 
 } // namespace
 
@@ -41,12 +49,77 @@ void FailingDisconnect(OstraSdk::VeSystem* system) {
     RealDisconnect(system);
 }
 
+void* WatchedNew(std::size_t size) {
+    if (onAllocation && size == watchedSize)
+        std::exchange(onAllocation, nullptr)();
+    return RealNew(size);
+}
+
 namespace {
 
 class UnlikelyFailures : public testing::Test {
   protected:
-    ~UnlikelyFailures() override { parseFails = formatFails = disconnectFails = false; }
+    ~UnlikelyFailures() override {
+        parseFails = formatFails = disconnectFails = false;
+        onAllocation = nullptr;
+    }
 };
+
+constexpr std::size_t kFileSize = 300'007; // unlike any other piece of memory here
+
+/// A file that something happens to when its size is known and its bytes are not yet read: the memory for
+/// them is what is asked for in between.
+class ChangingFile : public UnlikelyFailures {
+  protected:
+    ChangingFile() { WriteFile("a.osbak", content); }
+
+    void Meanwhile(const std::function<void()>& change) {
+        watchedSize = kFileSize;
+        onAllocation = change;
+    }
+    void ExpectNotRead() {
+        ExpectThrown([&] { OstraSdkClient::ReadFileBuffer("a.osbak", buffer); }, -997, "ReadFileBuffer",
+                     "Failed to open a.osbak.");
+        EXPECT_FALSE(onAllocation) << "nothing has happened meanwhile";
+    }
+
+    const TemporaryFolder folder;
+    const std::string content = std::string(kFileSize, 'a');
+    std::vector<std::uint8_t> buffer;
+};
+
+TEST_F(ChangingFile, thatGrowsWhileItIsReadIsNotRead) {
+    Meanwhile([] { std::filesystem::resize_file("a.osbak", kFileSize + 1); });
+    ExpectNotRead();
+}
+
+TEST_F(ChangingFile, thatShrinksWhileItIsReadIsNotRead) {
+    Meanwhile([] { std::filesystem::resize_file("a.osbak", kFileSize - 1); });
+    ExpectNotRead();
+    WriteFile("a.osbak", content);
+    Meanwhile([] { std::filesystem::resize_file("a.osbak", 0); });
+    buffer = std::vector<std::uint8_t>();
+    ExpectNotRead();
+}
+
+TEST_F(ChangingFile, thatIsReplacedWhileItIsReadIsReadAsItWas) {
+    Meanwhile([] {
+        WriteFile("new", std::string(kFileSize + 5, 'b'));
+        std::filesystem::rename("new", "a.osbak");
+    });
+    OstraSdkClient::ReadFileBuffer("a.osbak", buffer);
+    EXPECT_FALSE(onAllocation) << "nothing has happened meanwhile";
+    EXPECT_TRUE(std::string(buffer.begin(), buffer.end()) == content);
+}
+
+TEST_F(ChangingFile, isNotSentToTheServer) {
+    const ScriptedServer server(JsonReply("{}"));
+    OstraSdkClient client;
+    client.Connect("127.0.0.1", server.Port());
+    Meanwhile([] { std::filesystem::resize_file("a.osbak", kFileSize + 1); });
+    ExpectThrown([&] { client.Restore("a.osbak"); }, -997, "ReadFileBuffer", "Failed to open a.osbak.");
+    EXPECT_EQ(server.Requests().size(), 1U); // the connection's own
+}
 
 TEST_F(UnlikelyFailures, anAddressThatCannotBeParsedStopsTheConstructor) {
     parseFails = true;
