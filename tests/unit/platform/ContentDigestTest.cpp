@@ -54,6 +54,19 @@ TEST(Crc32c, IsTheSameByProcessorByTablesAndBitByBit) {
     }
 }
 
+TEST(Crc32c, IsTheSameForBytesThatAreTakenInSeveralStretchesAtOnce) {
+    constexpr std::size_t kRound = 3 * 4096;
+    std::mt19937 random(3);
+    for (const std::size_t size : {kRound - 1, kRound, kRound + 1, 2 * kRound, 3 * kRound + 4095}) {
+        const std::string bytes = RandomBytes(random, size + 1);
+        // Not aligned either.
+        Crc32c checksum;
+        checksum.Take(bytes.data(), 1);
+        checksum.Take(bytes.data() + 1, size);
+        EXPECT_EQ(checksum.Value(), SlowChecksum(bytes)) << size;
+    }
+}
+
 TEST(Crc32c, DoesNotDependOnThePieces) {
     std::mt19937 random(2);
     const std::string bytes = RandomBytes(random, 5000);
