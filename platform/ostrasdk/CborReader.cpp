@@ -3,6 +3,7 @@
 #include "CborFrame.h"
 #include "Exception.h"
 #include "JsonText.h"
+#include "LargeRoom.h"
 #include "bStatus.h"
 
 #include <algorithm>
@@ -121,7 +122,8 @@ void CborReader::MakeRoom(std::size_t size) {
         return;
     const std::uint64_t whole = bytes.size() + bytesLeft;
     const std::uint64_t arrived = std::max<std::uint64_t>(bytes.size() + size, kFirstRoom);
-    bytes.reserve(static_cast<std::size_t>(whole / (2 * kGrowth) <= arrived ? whole : kGrowth * arrived));
+    const std::uint64_t room = whole / (2 * kGrowth) <= arrived ? whole : kGrowth * arrived;
+    ReserveLargeRoom(bytes, static_cast<std::size_t>(room));
 }
 
 } // namespace OstraSdk

@@ -24,6 +24,7 @@ namespace {
 constexpr std::chrono::seconds kConnectTimeout(5);
 constexpr std::uint64_t kLargestReply = 4ULL * 1024 * 1024 * 1024;
 constexpr std::size_t kSentAtOnce = std::size_t{1024} * 1024;
+constexpr std::size_t kReceivedAtOnce = std::size_t{64} * 1024; // the parser asks for no more
 
 http::verb BeastVerb(HttpVerb verb) {
     switch (verb) {
@@ -82,6 +83,7 @@ HttpExchange::HttpExchange(const HttpRequest& request) : request(request), body(
     CheckRequest(request);
     head = Head(request, body);
     parser.body_limit(kLargestReply);
+    buffer.reserve(kReceivedAtOnce);
 }
 
 VeJson HttpExchange::Run(std::chrono::microseconds timeout) {

@@ -1,11 +1,13 @@
 #include "OstraSdkClient.h"
 
 #include "Exception.h"
+#include "LargeRoom.h"
 #include "OstraSdk.h"
 #include "WholeFile.h"
 #include "bFile.h"
 #include "bStatus.h"
 
+#include <algorithm>
 #include <array>
 #include <fstream>
 #include <utility>
@@ -58,15 +60,23 @@ void SendArchive(OstraSdk::VeRestClient& client, std::vector<std::uint8_t>&& arc
 /// False when the file cannot be read whole, or is not the size that it was found to have. No archive is
 /// larger than what a request can carry.
 bool ReadWhole(std::ifstream& file, std::streamoff size, std::vector<std::uint8_t>& buffer) {
+    // A vector cannot grow without being cleared: done for all at once, the bytes would leave the processor's
+    // cache before they are read.
+    constexpr std::streamoff kStep = std::streamoff{256} * 1024;
     if (size > kLargestArchive)
         return false;
+    buffer.clear();
     try {
-        buffer.resize(static_cast<std::size_t>(size));
+        ReserveLargeRoom(buffer, static_cast<std::size_t>(size));
     } catch (const std::bad_alloc&) {
         return false;
     }
     file.seekg(0);
-    file.read(reinterpret_cast<char*>(buffer.data()), size);
+    for (std::streamoff read = 0; read < size && file.good(); read += kStep) {
+        const std::streamoff step = std::min(kStep, size - read);
+        buffer.resize(static_cast<std::size_t>(read + step));
+        file.read(reinterpret_cast<char*>(buffer.data()) + read, step);
+    }
     return file.good() && file.peek() == std::ifstream::traits_type::eof();
 }
 
