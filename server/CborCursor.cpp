@@ -2,6 +2,8 @@
 
 #include "RequestError.h"
 
+#include <algorithm>
+
 namespace {
 
 [[noreturn]] void Malformed() {
@@ -10,14 +12,20 @@ namespace {
 
 } // namespace
 
-std::uint8_t CborCursor::Byte() {
-    if (offset < windowStart || offset >= windowStart + windowSize) {
-        windowStart = offset;
-        windowSize = body.Read(offset, window.data(), window.size());
-        if (windowSize == 0)
-            Malformed();
+/// @return false at the end of the body
+bool CborCursor::Fill() {
+    if (windowAt == windowSize) {
+        windowAt = 0;
+        windowSize = body.Read(window.data(), window.size());
     }
-    return static_cast<std::uint8_t>(window[static_cast<std::size_t>(offset++ - windowStart)]);
+    return windowAt < windowSize;
+}
+
+std::uint8_t CborCursor::Byte() {
+    if (!Fill())
+        Malformed();
+    ++offset;
+    return static_cast<std::uint8_t>(window[windowAt++]);
 }
 
 CborCursor::Head CborCursor::Next() {
@@ -35,18 +43,43 @@ CborCursor::Head CborCursor::Next() {
             head.argument = head.argument << 8U | Byte();
     }
     const bool isString = head.kind == Kind::Bytes || head.kind == Kind::Text;
-    if (isString && head.argument > body.Size() - offset)
+    if (isString && head.argument > body.MostBytes() - offset)
         Malformed();
     return head;
 }
 
+std::size_t CborCursor::TakeFromWindow(char* bytes, std::size_t most) {
+    const std::size_t count = std::min(most, windowSize - windowAt);
+    std::copy_n(window.data() + windowAt, count, bytes);
+    windowAt += count;
+    return count;
+}
+
+std::size_t CborCursor::Take(char* bytes, std::size_t most) {
+    const std::size_t count = windowAt < windowSize ? TakeFromWindow(bytes, most) : body.Read(bytes, most);
+    if (count == 0)
+        Malformed();
+    offset += count;
+    return count;
+}
+
+void CborCursor::SkipTo(std::uint64_t end) {
+    while (offset < end) {
+        if (!Fill())
+            Malformed();
+        const std::uint64_t count = std::min<std::uint64_t>(end - offset, windowSize - windowAt);
+        windowAt += static_cast<std::size_t>(count);
+        offset += count;
+    }
+}
+
 std::string CborCursor::Text(const Head& head, std::size_t longest) {
     std::string text;
-    if (head.argument <= longest) {
-        text.resize(static_cast<std::size_t>(head.argument));
-        body.Read(offset, text.data(), text.size());
-    }
-    SkipString(head);
+    if (head.argument > longest)
+        SkipString(head);
+    else
+        for (std::uint64_t left = head.argument; left > 0; --left)
+            text += static_cast<char>(Byte());
     return text;
 }
 
@@ -61,7 +94,7 @@ void CborCursor::SkipValue(const Head& head, unsigned depth) {
         break;
     case Kind::Map:
         // Each entry takes two bytes at least, so a larger count is caught before it is doubled.
-        if (head.argument > body.Size())
+        if (head.argument > body.MostBytes())
             Malformed();
         SkipElements(2 * head.argument, depth);
         break;
@@ -76,7 +109,7 @@ void CborCursor::SkipValue(const Head& head, unsigned depth) {
 }
 
 void CborCursor::SkipElements(std::uint64_t count, unsigned depth) {
-    if (depth == 0 || count > body.Size() - offset)
+    if (depth == 0 || count > body.MostBytes() - offset)
         Malformed();
     for (; count > 0; --count)
         SkipValue(Next(), depth - 1);

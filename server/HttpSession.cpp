@@ -4,7 +4,6 @@
 #include "ReplayMode.h"
 #include "ReplyWriter.h"
 #include "RequestLog.h"
-#include "RestoreRequest.h"
 #include "ServerIdentity.h"
 #include "ServerOptions.h"
 #include "Workspace.h"
@@ -12,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <exception>
+#include <optional>
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -37,7 +37,6 @@ void HttpSession::Run() noexcept {
 bool HttpSession::ServeOne() {
     RequestReader request(stream, buffer, {sensor.options.idleTimeout, sensor.options.transferTimeout});
     fault = {};
-    bodySize = 0;
     try {
         return request.ReadHead() && Serve(request);
     } catch (const RequestError& refusal) {
@@ -50,11 +49,12 @@ bool HttpSession::ServeOne() {
 bool HttpSession::Serve(RequestReader& request) {
     fault = sensor.faults.Next(request.Path());
     const Action action = ActionFor(request.Verb(), request.Path());
-    BodySpool body(sensor.workspace.Parent(), bodySize);
-    request.ReadBody(body, BodyLimit(action, request));
-    if (fault.status)
+    request.BeginBody(BodyLimit(action, request));
+    if (fault.status) {
+        request.EndBody();
         throw RequestError(*fault.status, "This failure was asked for.");
-    return Answer(action, request, body);
+    }
+    return Answer(action, request);
 }
 
 HttpSession::Action HttpSession::ActionFor(const std::string& verb, const std::string& path) {
@@ -89,14 +89,35 @@ std::uint64_t HttpSession::BodyLimit(Action action, const RequestReader& request
     return holdsArchive ? limit : std::min(limit, kSmall);
 }
 
-bool HttpSession::Answer(Action action, const RequestReader& request, const BodySpool& body) {
-    const bool takesBody = action != Action::Info && action != Action::ReadReplay;
-    const RequestMembers members =
-        takesBody ? RequestMembers::Read(request.ContentType(), body) : RequestMembers();
+bool HttpSession::Answer(Action action, RequestReader& request) {
+    RestoreRequest restore(sensor);
+    RequestMembers members;
+    if (action == Action::Info || action == Action::ReadReplay)
+        request.EndBody();
+    else
+        members = ReadMembers(request, [&](CborCursor& body, std::uint64_t size) {
+            if (action == Action::Restore)
+                restore.Unpack(body, size);
+        });
     if (action == Action::Archive)
         return AnswerArchive(members, request);
-    const std::string json = Carry(action, members, body);
+    const std::string json = Carry(action, members, restore);
     return Reply(request, 200, [&](ReplyWriter& reply) { reply.Json(200, json); });
+}
+
+/// Reads the whole body. That its bytes are not those that were sent comes before what is wrong with them.
+RequestMembers HttpSession::ReadMembers(RequestReader& request, const ByteStringSink& takeData) {
+    RequestMembers members;
+    std::optional<RequestError> refusal;
+    try {
+        members = RequestMembers::Read(request, takeData);
+    } catch (const RequestError& error) {
+        refusal = error;
+    }
+    request.EndBody();
+    if (refusal)
+        throw RequestError(*refusal);
+    return members;
 }
 
 bool HttpSession::AnswerArchive(const RequestMembers& members, const RequestReader& request) {
@@ -106,7 +127,7 @@ bool HttpSession::AnswerArchive(const RequestMembers& members, const RequestRead
     return Reply(request, 200, [&](ReplyWriter& reply) { archive.Reply(reply); });
 }
 
-std::string HttpSession::Carry(Action action, const RequestMembers& members, const BodySpool& body) const {
+std::string HttpSession::Carry(Action action, const RequestMembers& members, RestoreRequest& restore) const {
     if (action == Action::Info)
         return JsonText(sensor.identity.Members(stream.LocalAddress()));
     if (action == Action::ReadReplay)
@@ -120,7 +141,7 @@ std::string HttpSession::Carry(Action action, const RequestMembers& members, con
             throw RequestError(400, "\"contents\" does not name \"allWorkspaces\".");
         if (!members.data)
             throw RequestError(400, "\"data\" is missing.");
-        RestoreRequest(sensor).Run(body, *members.data);
+        restore.PutInPlace();
     }
     return "{}";
 }
@@ -134,7 +155,7 @@ bool HttpSession::Refuse(const RequestReader& request, const RequestError& refus
 
 template<typename Write>
 bool HttpSession::Reply(const RequestReader& request, unsigned status, const Write& write) {
-    sensor.log.Note(request.Verb(), request.Path(), bodySize, status);
+    sensor.log.Note(request.Verb(), request.Path(), request.BytesRead(), status);
     if (fault.delay.count() > 0 && !stream.Pause(fault.delay))
         return false;
     stream.ExpireAfter(sensor.options.transferTimeout);

@@ -4,10 +4,10 @@
 #include "RequestError.h"
 #include "RequestMembers.h"
 #include "RequestReader.h"
+#include "RestoreRequest.h"
 #include "Sensor.h"
 #include "TimedStream.h"
 
-#include <cstdint>
 #include <string>
 
 #include <boost/beast/core/flat_buffer.hpp>
@@ -30,10 +30,11 @@ class HttpSession final {
     [[nodiscard]] bool Serve(RequestReader& request);
     [[nodiscard]] static Action ActionFor(const std::string& verb, const std::string& path);
     [[nodiscard]] std::uint64_t BodyLimit(Action action, const RequestReader& request) const;
-    [[nodiscard]] bool Answer(Action action, const RequestReader& request, const BodySpool& body);
+    [[nodiscard]] bool Answer(Action action, RequestReader& request);
+    [[nodiscard]] static RequestMembers ReadMembers(RequestReader& request, const ByteStringSink& takeData);
     [[nodiscard]] bool AnswerArchive(const RequestMembers& members, const RequestReader& request);
     [[nodiscard]] std::string Carry(Action action, const RequestMembers& members,
-                                    const BodySpool& body) const;
+                                    RestoreRequest& restore) const;
     [[nodiscard]] bool Refuse(const RequestReader& request, const RequestError& refusal);
     template<typename Write>
     [[nodiscard]] bool Reply(const RequestReader& request, unsigned status, const Write& write);
@@ -41,6 +42,5 @@ class HttpSession final {
     const Sensor& sensor;
     TimedStream stream;
     boost::beast::flat_buffer buffer;
-    Fault fault;                ///< of the request being served
-    std::uint64_t bodySize = 0; ///< of the request being served, as far as it was read
+    Fault fault; ///< of the request being served
 };

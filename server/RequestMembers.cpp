@@ -1,6 +1,5 @@
 #include "RequestMembers.h"
 
-#include "CborCursor.h"
 #include "RequestError.h"
 
 #include <algorithm>
@@ -52,6 +51,13 @@ bool NamesAllWorkspaces(const QJsonValue& contents) {
     return contents.toArray().contains(QLatin1String(kAllWorkspaces));
 }
 
+/// The whole body, which is small: only an archive in CBOR may be large.
+std::string Content(RequestReader& body) {
+    std::string content(static_cast<std::size_t>(body.MostBytes()), '\0');
+    content.resize(body.Read(content.data(), content.size()));
+    return content;
+}
+
 RequestMembers ReadJson(const std::string& text) {
     if (JsonDepth(text) > kDeepest)
         Refuse("The body nests too deep.");
@@ -75,9 +81,11 @@ RequestMembers ReadJson(const std::string& text) {
 /// Reads the map of a CBOR body.
 class CborMembers final {
   public:
-    explicit CborMembers(const BodySpool& body) : cursor(body) {}
+    CborMembers(RequestReader& body, const ByteStringSink& takeData) : cursor(body), takeData(takeData) {}
 
     RequestMembers Read() {
+        if (cursor.AtEnd())
+            return {};
         const CborCursor::Head map = cursor.Next();
         if (map.kind != CborCursor::Kind::Map)
             Refuse("The body is not a map.");
@@ -134,11 +142,14 @@ class CborMembers final {
     void ReadData(const CborCursor::Head& value) {
         if (members.data || value.kind != CborCursor::Kind::Bytes)
             Refuse("\"data\" is not one byte string.");
-        members.data = ByteRange{cursor.Offset(), value.argument};
-        cursor.SkipString(value);
+        members.data = true;
+        const std::uint64_t end = cursor.Offset() + value.argument;
+        takeData(cursor, value.argument);
+        cursor.SkipTo(end);
     }
 
     CborCursor cursor;
+    const ByteStringSink& takeData;
     RequestMembers members;
     bool contentsSeen = false;
 };
@@ -149,13 +160,14 @@ bool RequestMembers::IsCbor(const std::string& contentType) {
     return BareType(contentType) == "application/cbor";
 }
 
-RequestMembers RequestMembers::Read(const std::string& contentType, const BodySpool& body) {
-    if (body.Size() == 0)
+RequestMembers RequestMembers::Read(RequestReader& body, const ByteStringSink& takeData) {
+    if (IsCbor(body.ContentType()))
+        return CborMembers(body, takeData).Read();
+    const std::string text = Content(body);
+    if (text.empty())
         return {};
-    if (IsCbor(contentType))
-        return CborMembers(body).Read();
-    const std::string type = BareType(contentType);
+    const std::string type = BareType(body.ContentType());
     if (!type.empty() && type != "application/json")
         Refuse("The body is neither JSON nor CBOR.");
-    return ReadJson(body.Content());
+    return ReadJson(text);
 }

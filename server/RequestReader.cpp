@@ -1,10 +1,9 @@
 #include "RequestReader.h"
 
 #include "ContentDigest.h"
-#include "RequestError.h"
 
+#include <array>
 #include <limits>
-#include <vector>
 
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/write.hpp>
@@ -17,7 +16,9 @@ using boost::beast::error_code;
 RequestReader::RequestReader(TimedStream& stream, boost::beast::flat_buffer& buffer, const Patience& patience)
     : stream(stream), buffer(buffer), patience(patience) {
     constexpr std::uint32_t kLongestHead = 8U * 1024U;
+    constexpr std::size_t kReadAhead = std::size_t{64} * 1024;
     parser.header_limit(kLongestHead);
+    buffer.reserve(kReadAhead); // the parser asks the connection for as much as fits
     parser.body_limit(std::numeric_limits<std::uint64_t>::max()); // until the path tells the true one
 }
 
@@ -46,22 +47,39 @@ std::string RequestReader::ContentType() const {
     return parser.get()[http::field::content_type].to_string();
 }
 
-void RequestReader::ReadBody(BodySpool& spool, std::uint64_t limit) {
+void RequestReader::BeginBody(std::uint64_t limit) {
     const auto declared = parser.content_length();
     if (declared && *declared > limit)
         throw RequestError(413, "The request is too large.");
     parser.body_limit(limit);
     if (parser.is_done())
         return;
+    mostBytes = declared ? *declared : limit;
     stream.ExpireAfter(patience.body);
     Continue();
-    ReadChunks(spool);
-    CheckDigest(spool);
+}
+
+std::size_t RequestReader::Read(char* bytes, std::size_t count) {
+    const std::uint64_t before = bytesRead;
+    while (!parser.is_done() && bytesRead - before < count) {
+        const auto done = static_cast<std::size_t>(bytesRead - before);
+        ReadOn(bytes + done, count - done);
+    }
+    return static_cast<std::size_t>(bytesRead - before);
+}
+
+void RequestReader::EndBody() {
+    constexpr std::size_t kPassedOver = std::size_t{16} * 1024;
+    std::array<char, kPassedOver> rest{};
+    while (!parser.is_done())
+        Read(rest.data(), rest.size());
+    if (bytesRead > 0)
+        CheckDigest();
 }
 
 /// Of the bytes of an archive nothing else would tell that one flipped on the way. A client that asks for
 /// digests sends them, too: where its own is missing, the head was damaged.
-void RequestReader::CheckDigest(const BodySpool& spool) const {
+void RequestReader::CheckDigest() const {
     bool told = false;
     const auto [first, last] = parser.get().equal_range(kContentDigest);
     for (auto field = first; field != last; ++field) {
@@ -71,7 +89,7 @@ void RequestReader::CheckDigest(const BodySpool& spool) const {
             throw RequestError(400, "The request was damaged on its way.");
         told = told || check == DigestCheck::Equal;
     }
-    if (!told && spool.Size() > 0 && WantsDigest())
+    if (!told && WantsDigest())
         throw RequestError(400, "The request does not tell its digest.");
 }
 
@@ -92,28 +110,30 @@ void RequestReader::Continue() {
         Fail(error);
 }
 
-void RequestReader::ReadChunks(BodySpool& spool) {
-    constexpr std::size_t kChunk = std::size_t{256} * 1024;
-    std::vector<char> chunk(kChunk);
-    while (!parser.is_done()) {
-        parser.get().body().data = chunk.data();
-        parser.get().body().size = chunk.size();
-        error_code error;
-        http::read(stream, buffer, parser, error);
-        if (error && error != http::error::need_buffer)
-            Fail(error);
-        const std::size_t count = chunk.size() - parser.get().body().size;
-        checksum.Take(chunk.data(), count);
-        spool.Append(chunk.data(), count);
-    }
+/// Reads up to `count` bytes of the body, perhaps none yet.
+void RequestReader::ReadOn(char* bytes, std::size_t count) {
+    if (failure)
+        throw *failure;
+    parser.get().body().data = bytes;
+    parser.get().body().size = count;
+    error_code error;
+    http::read_some(stream, buffer, parser, error);
+    count -= parser.get().body().size;
+    checksum.Take(bytes, count);
+    bytesRead += count;
+    if (error && error != http::error::need_buffer)
+        Fail(error);
 }
 
-void RequestReader::Fail(const error_code& error) const {
+/// A failure is for good: the parser must not go on after it.
+void RequestReader::Fail(const error_code& error) {
     if (error == boost::beast::error::timeout)
-        throw RequestError(408, "The request did not arrive in time.");
-    if (error == http::error::body_limit)
-        throw RequestError(413, "The request is too large.");
-    if (error == http::error::partial_message || error == http::error::end_of_stream)
-        throw RequestError(400, "The request ended early.");
-    throw RequestError(400, "The request is malformed: " + error.message() + ".");
+        failure.emplace(408, "The request did not arrive in time.");
+    else if (error == http::error::body_limit)
+        failure.emplace(413, "The request is too large.");
+    else if (error == http::error::partial_message || error == http::error::end_of_stream)
+        failure.emplace(400, "The request ended early.");
+    else
+        failure.emplace(400, "The request is malformed: " + error.message() + ".");
+    throw *failure;
 }

@@ -47,14 +47,11 @@ RequestError Reported(const Ve::Exception& failure, const std::string& target) {
 
 } // namespace
 
-RestoredBackup::RestoredBackup(const BodySpool& body, const ByteRange& range) : body(body), left(range) {
-}
-
 void RestoredBackup::Unpack(const std::string& target) {
     const bOwned<bFile> file =
-        OpenOver([this](void* data, std::size_t capacity,
-                        std::size_t* count) { return ReadBody(data, capacity, count); },
-                 static_cast<std::int64_t>(left.size));
+        OpenOver([this](char* room, std::size_t capacity,
+                        std::string_view* block) { return ReadBody(room, capacity, block); },
+                 static_cast<std::int64_t>(left));
     bTar* tar = nullptr;
     if (bTar_Construct(&tar, file.get(), bFile_READ, bAlloc_Application()) != bOK)
         Refuse("The archive is no tar archive.");
@@ -99,10 +96,13 @@ void RestoredBackup::ReadInfo(std::int64_t size) {
     if (infoSeen || size > static_cast<std::int64_t>(kLargestInfo))
         Refuse("info.json is there twice or too large.");
     infoSeen = true;
-    QByteArray text(static_cast<int>(size), '\0');
-    std::size_t count = 0;
-    if (ReadOuter(text.data(), static_cast<std::size_t>(text.size()), &count) != bOK)
-        Refuse("info.json is damaged.");
+    QByteArray text;
+    std::string_view block;
+    do {
+        if (ReadOuter(&block) != bOK)
+            Refuse("info.json is damaged.");
+        text.append(block.data(), static_cast<int>(block.size()));
+    } while (!block.empty());
     const auto document = QJsonDocument::fromJson(text);
     if (!document.isObject())
         Refuse("info.json is not a JSON object.");
@@ -115,38 +115,27 @@ void RestoredBackup::UnpackInner(std::int64_t size, const std::string& target) {
         Refuse("workspaces/Workspace.osws is there twice.");
     workspaceSeen = true;
     const bOwned<bFile> inner =
-        OpenOver([this](void* data, std::size_t capacity,
-                        std::size_t* count) { return ReadOuter(data, capacity, count); },
-                 size);
+        OpenOver([this](char*, std::size_t, std::string_view* block) { return ReadOuter(block); }, size);
     UnpackFolderStrictly(inner.get(), target, bAlloc_Application());
-    block = {};
 }
 
-bStatus RestoredBackup::ReadBody(void* data, std::size_t capacity, std::size_t* count) {
+bStatus RestoredBackup::ReadBody(char* room, std::size_t capacity, std::string_view* block) {
+    *block = {};
+    if (left == 0)
+        return bOK;
     try {
-        *count = body.Read(left.offset, static_cast<char*>(data),
-                           static_cast<std::size_t>(std::min<std::uint64_t>(capacity, left.size)));
+        *block = {room, body.Take(room, static_cast<std::size_t>(std::min<std::uint64_t>(capacity, left)))};
     } catch (const RequestError&) {
-        return bERROR_FILE; // no exception may pass through the archive library
+        // No exception may pass through the archive library; whoever reads on in the body meets it again.
+        return bERROR_FILE;
     }
-    left.offset += *count;
-    left.size -= *count;
+    left -= block->size();
     return bOK;
 }
 
-bStatus RestoredBackup::ReadOuter(void* data, std::size_t capacity, std::size_t* count) {
-    *count = 0;
-    while (*count < capacity) {
-        if (block.empty()) {
-            const bStatus status = bTar_ReadBlock(outer.get(), &block);
-            if (status == bERROR_END)
-                return bOK;
-            if (status != bOK)
-                return status;
-        }
-        const std::size_t copied = block.copy(static_cast<char*>(data) + *count, capacity - *count);
-        block.remove_prefix(copied);
-        *count += copied;
-    }
-    return bOK;
+/// The next bytes of the outer archive's entry, none at its end.
+bStatus RestoredBackup::ReadOuter(std::string_view* block) {
+    *block = {};
+    const bStatus status = bTar_ReadBlock(outer.get(), block);
+    return status == bERROR_END ? bOK : status;
 }

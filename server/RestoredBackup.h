@@ -1,7 +1,6 @@
 #pragma once
 
-#include "BodySpool.h"
-#include "RequestMembers.h"
+#include "CborCursor.h"
 
 #include <cstdint>
 #include <optional>
@@ -10,12 +9,12 @@
 
 #include "bTar.h"
 
-/// A backup archive that a client sent, read in one pass straight from the request's body: the workspace
-/// archive inside it is unpacked while the outer one is read, so that no byte is stored twice.
+/// A backup archive that a client sends, read in one pass while the request's body arrives: the workspace
+/// archive inside it is unpacked while the outer one is read, so that each byte is stored once.
 class RestoredBackup final {
   public:
-    /// @param range where the archive lies in `body`
-    RestoredBackup(const BodySpool& body, const ByteRange& range);
+    /// @param body stands before the archive's `size` bytes
+    RestoredBackup(CborCursor& body, std::uint64_t size) : body(body), left(size) {}
 
     /// Unpacks the workspace into a fresh folder and looks at everything else in the archive.
     /// @throws RequestError with status 422 when any of it, on either level, is damaged, cut, unsafely named
@@ -31,13 +30,12 @@ class RestoredBackup final {
     void ReadEntry(const std::string& name, std::int64_t size, const std::string& target);
     void ReadInfo(std::int64_t size);
     void UnpackInner(std::int64_t size, const std::string& target);
-    bStatus ReadBody(void* data, std::size_t capacity, std::size_t* count);
-    bStatus ReadOuter(void* data, std::size_t capacity, std::size_t* count);
+    bStatus ReadBody(char* room, std::size_t capacity, std::string_view* block);
+    bStatus ReadOuter(std::string_view* block);
 
-    const BodySpool& body;
-    ByteRange left;         ///< of the body, still to be read
-    bOwned<bTar> outer;     ///< while Unpack runs
-    std::string_view block; ///< of the outer archive's entry, still to be handed on
+    CborCursor& body;
+    std::uint64_t left; ///< bytes of the archive that are still in the body
+    bOwned<bTar> outer; ///< while Unpack runs
     std::optional<bool> replay;
     bool infoSeen = false;
     bool workspaceSeen = false;

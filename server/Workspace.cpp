@@ -101,13 +101,12 @@ void Workspace::Recover() const {
 void Workspace::RemoveLeftovers() const {
     const std::string staged = "." + name + ".ostra-new-";
     const std::string old = "." + name + ".ostra-old";
-    const std::string body = ".ostra-body-";
     std::vector<fs::path> leftovers;
     std::error_code error;
     for (fs::directory_iterator entry(parent, error); !error && entry != fs::directory_iterator();
          entry.increment(error)) {
         const std::string each = entry->path().filename().string();
-        if (each.rfind(staged, 0) == 0 || each == old || each.rfind(body, 0) == 0)
+        if (each.rfind(staged, 0) == 0 || each == old)
             leftovers.push_back(entry->path());
     }
     for (const fs::path& leftover : leftovers)

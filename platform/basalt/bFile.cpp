@@ -40,8 +40,6 @@ bStatus bFile::OpenToWrite(const char* path) try {
 
 bStatus bFile::Read(void* data, std::size_t capacity, std::size_t* count) {
     *count = 0;
-    if (source)
-        return source(data, capacity, count);
     while (*count < capacity) {
         const ssize_t got = read(descriptor, static_cast<char*>(data) + *count, capacity - *count);
         if (got == 0)
@@ -52,6 +50,15 @@ bStatus bFile::Read(void* data, std::size_t capacity, std::size_t* count) {
             *count += static_cast<std::size_t>(got);
     }
     return bOK;
+}
+
+bStatus bFile::ReadBlock(char* room, std::size_t capacity, std::string_view* block) {
+    if (source)
+        return source(room, capacity, block);
+    std::size_t count = 0;
+    const bStatus status = Read(room, capacity, &count);
+    *block = {room, count};
+    return status;
 }
 
 std::int64_t bFile::Skip(std::int64_t size) {

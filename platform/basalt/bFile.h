@@ -9,6 +9,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 constexpr int bFile_READ = 1;  ///< mode of a file, and of an archive in it, that is read
@@ -27,24 +28,27 @@ class bFile final : public bObject {
         bool operator==(const Facts&) const = default;
     };
 
-    /// Reads on from where the last call ended: up to `capacity` bytes, fewer only at the end.
-    /// @return 1 and the number of bytes in `*count`; another status on failure.
-    using Source = std::function<bStatus(void* data, std::size_t capacity, std::size_t* count)>;
+    /// Gives the next bytes in `*block`, none only at the end: bytes that lie somewhere already as they are,
+    /// others read into `room`. They live until the next call.
+    /// @return 1; another status on failure.
+    using Source = std::function<bStatus(char* room, std::size_t capacity, std::string_view* block)>;
 
     explicit bFile(bAlloc allocator);
     ~bFile() override;
 
     /// @return 1; bERROR_NOT_FOUND; bERROR_FILE when it cannot be opened or is not a regular file.
     [[nodiscard]] bStatus OpenToRead(const char* path);
-    /// Opens what is no file of its own, such as a part of another one, to be read from its start.
+    /// Opens what is no file of its own, such as a part of another one, to be read by ReadBlock.
     /// @param size how many bytes the source has
     void OpenToRead(Source from, std::int64_t size);
     /// @return 1; bERROR_FILE; bERROR_MEMORY.
     [[nodiscard]] bStatus OpenToWrite(const char* path);
 
     /// Reads up to `capacity` bytes; fewer only at the end of the file.
-    /// @return 1 and the number of bytes in `*count`; bERROR_FILE.
+    /// @return 1 and the number of bytes in `*count`; bERROR_FILE, also for a source.
     [[nodiscard]] bStatus Read(void* data, std::size_t capacity, std::size_t* count);
+    /// Gives the next bytes as a source does.
+    [[nodiscard]] bStatus ReadBlock(char* room, std::size_t capacity, std::string_view* block);
     /// Moves the place of reading on by `size` bytes, not beyond the end.
     /// @return the bytes really passed over; -1 on failure
     [[nodiscard]] std::int64_t Skip(std::int64_t size);

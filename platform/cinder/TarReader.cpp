@@ -103,10 +103,11 @@ bStatus TarReader::ReadBlock(std::string_view* block) {
 
 la_ssize_t TarReader::Fill(archive* handle, void* reader, const void** data) {
     auto* const self = static_cast<TarReader*>(reader);
-    std::size_t count = 0;
-    *data = self->buffer.data();
-    if (self->file->Read(self->buffer.data(), self->buffer.size(), &count) == bOK)
-        return static_cast<la_ssize_t>(count);
+    std::string_view block;
+    const bStatus status = self->file->ReadBlock(self->buffer.data(), self->buffer.size(), &block);
+    *data = block.data();
+    if (status == bOK)
+        return static_cast<la_ssize_t>(block.size());
     self->fileFailed = true;
     archive_set_error(handle, EIO, "the archive file cannot be read");
     return -1;
