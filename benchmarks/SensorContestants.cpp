@@ -1,5 +1,6 @@
 #include "SensorContestants.h"
 
+#include "LargeRoom.h"
 #include "OstraSdkClient.h"
 
 #include <array>
@@ -7,6 +8,7 @@
 #include <stdexcept>
 #include <system_error>
 #include <thread>
+#include <vector>
 
 #include <arpa/inet.h>
 #include <fcntl.h>
@@ -83,7 +85,9 @@ std::pair<int, int> Connection() {
     return {near, far};
 }
 
+/// socket-copy FROM TO [synced]
 Figures SocketCopy(const Arguments& arguments) {
+    const bool synced = arguments.size() > 2;
     const int from = Checked(open(arguments.at(0).c_str(), O_RDONLY | O_CLOEXEC));
     const int to = Checked(open(arguments.at(1).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
     const auto [near, far] = Connection();
@@ -94,6 +98,8 @@ Figures SocketCopy(const Arguments& arguments) {
         });
         CopyAll(near, to);
         sender.join();
+        if (synced)
+            Checked(fsync(to));
     });
     close(near);
     close(from);
@@ -101,8 +107,19 @@ Figures SocketCopy(const Arguments& arguments) {
     return figures;
 }
 
+/// Writes to this much memory and gives it back. A virtual machine may have to ask its host for memory that
+/// was free for a while, which takes longer than all that is measured; what was freed just now is at hand.
+Figures TouchMemory(const Arguments& arguments) {
+    const std::size_t size = std::stoull(arguments.at(0));
+    std::vector<std::uint8_t> memory;
+    ReserveLargeRoom(memory, size);
+    memory.resize(size, 1);
+    return {{"bytes", static_cast<double>(memory.size())}};
+}
+
 } // namespace
 
 Contestants SensorContestants() {
-    return {{"backup", Backup}, {"restore", Restore}, {"socket-copy", SocketCopy}};
+    return {
+        {"backup", Backup}, {"restore", Restore}, {"socket-copy", SocketCopy}, {"touch-memory", TouchMemory}};
 }

@@ -8,7 +8,7 @@ import datetime
 import json
 import os
 import shutil
-import statistics
+import signal
 import sys
 import tempfile
 
@@ -77,6 +77,8 @@ def run(rows, options, folder):
 
 
 def main():
+    # Ended by a signal, it removes its folder and stops its server as it does at a failure.
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit("./bench: ended by a signal"))
     options = arguments()
     folder = tempfile.mkdtemp(prefix="corvane-bench-")
     try:
