@@ -46,7 +46,7 @@ extern "C" const char passedFileCallEnd[]; // NOLINT(modernize-avoid-c-arrays): 
 namespace {
 
 /// How a call names what it changes.
-enum class Names : std::uint8_t { Path, PathAt, Descriptor, OpenPath, OpenPathAt, Closed };
+enum class Names : std::uint8_t { Path, PathAt, Descriptor, OpenPath, OpenPathAt, ReadPathAt, Closed };
 
 struct Kind {
     long number;
@@ -89,6 +89,7 @@ constexpr Kind kChanges[] = {
 };
 
 constexpr Kind kReads[] = {
+    {SYS_openat, "open to read", Names::ReadPathAt, 1, false, false},
     {SYS_read, "read", Names::Descriptor, 0, false, false},
     {SYS_pread64, "pread64", Names::Descriptor, 0, false, false},
     {SYS_readv, "readv", Names::Descriptor, 0, false, false},
@@ -176,6 +177,10 @@ const char* Changed(const Kind& kind, const Call& call, const Place& place) {
         if (!OpensToChange(a[2]))
             return nullptr;
         break;
+    case Names::ReadPathAt:
+        if (OpensToChange(a[2]))
+            return nullptr;
+        break;
     case Names::Path:
     case Names::PathAt:
         break;
@@ -193,6 +198,7 @@ int PlaceDescriptor(const Kind& kind, const Call& call) {
         return AT_FDCWD;
     case Names::PathAt:
     case Names::OpenPathAt:
+    case Names::ReadPathAt:
         return static_cast<int>(call.arguments[static_cast<std::size_t>(kind.argument) - 1]);
     case Names::Descriptor:
     case Names::Closed:

@@ -120,8 +120,9 @@ Problems ServerTrial::Run(const Trial& trial, FileCallReport& report) const {
     const std::vector<std::string> requests = server.Requests();
     const bool logged = requests.size() == 1 && requests[0].ends_with(std::to_string(status));
     const bool shown = logged && text.find("\"error\":\"") != std::string::npos;
-    // A restore lists no folder but to remove it.
-    if (status != 200 || !FallsOn(report, "getdents64"))
+    // What a restore opens and lists after the new workspace stands is the old one, to remove it.
+    const bool removes = FallsOn(report, "getdents64") || FallsOn(report, "open to read");
+    if (status != 200 || !removes)
         JudgeAnswer(problems, report, status == 200, shown);
     Check(problems, "", status == 200);
     RestoreWell(problems, server, "next time: ");

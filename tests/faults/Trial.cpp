@@ -83,10 +83,11 @@ bool MayBeSurvived(const FileCallReport& report) {
     });
     if (name.starts_with("mkdir"))
         return again;
-    if (name == "read")
-        return report.fault == Fault::InputOutput && TellsEncoding(*call);
+    const bool dialogLists = std::string_view(call->place.data()) == "work";
+    if (name == "read" || name == "open to read")
+        return report.fault == Fault::InputOutput && (TellsEncoding(*call) || dialogLists);
     if (name == "getdents64")
-        return again || std::string_view(call->place.data()) == "work";
+        return again || dialogLists;
     if (name == "close")
         return std::string_view(call->place.data()).ends_with(" (deleted)");
     return name.starts_with("unlink") || name == "rmdir" || name.starts_with("rename") ||

@@ -77,6 +77,15 @@ bool IsWrite(const std::string& call) {
     return call.rfind("write", 0) == 0 || call.rfind("pwrite", 0) == 0;
 }
 
+/// A new name is on the disk when its folder was synced after the renaming.
+bool SyncsAfterRenaming(const std::vector<std::string>& calls) {
+    const auto last = std::find_if(calls.rbegin(), calls.rend(),
+                                   [](const std::string& call) { return call.starts_with("rename "); });
+    return last != calls.rend() && std::any_of(calls.rbegin(), last, [](const std::string& call) {
+               return call.starts_with("fsync ");
+           });
+}
+
 Sum RunRoad(const std::string& name, const TrialRoad& road, const Options& options, const std::string& folder,
             bool smallDisks) {
     const std::string place = folder + "/" + name;
@@ -91,12 +100,15 @@ Sum RunRoad(const std::string& name, const TrialRoad& road, const Options& optio
          pages += options.brief ? 3 : 1)
         harness.Start({Fault::None, 0, pages});
     harness.Finish();
+    const bool synced = !name.starts_with("save-") || SyncsAfterRenaming(harness.Calls());
+    if (!synced)
+        std::puts("  the folder is not synced after the renaming");
     std::printf("%-22s %4ld calls, %4d faults, %d problems\n", name.c_str(), calls, harness.Injected(),
                 harness.Problematic());
     if (options.listCalls)
         for (const std::string& call : harness.Calls())
             std::printf("    %s\n", call.c_str());
-    return {calls, harness.Injected(), harness.Problematic() + (calls == 0 ? 1 : 0)};
+    return {calls, harness.Injected(), harness.Problematic() + (calls == 0 ? 1 : 0) + (synced ? 0 : 1)};
 }
 
 using NamedRoads = std::vector<std::pair<std::string, std::unique_ptr<TrialRoad>>>;
