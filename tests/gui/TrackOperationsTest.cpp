@@ -118,6 +118,17 @@ TEST_F(TrackOperations, NamesThatAreNoTextAndHiddenOnesAreLeftOutOfTheList) {
     EXPECT_THAT(items("comboBox_file"), ElementsAre("A.trk", "b.trk", "External"));
 }
 
+TEST_F(TrackOperations, OddNamesAndFilesWithoutPermissionsAreInTheList) {
+    openWorkspace();
+    for (const std::string name : {"c\n.trk", "d [*]?\\.TRK", "e\u0301.trk"})
+        WriteFile(kTracks + name, "");
+    fs::permissions(kTracks + "b.trk", fs::perms::none);
+    operate("Refresh");
+    EXPECT_EQ(status(), "Refresh successfully.");
+    EXPECT_THAT(items("comboBox_file"),
+                ElementsAre("A.trk", "b.trk", "c\n.trk", "d [*]?\\.TRK", "e\u0301.trk", "External"));
+}
+
 TEST_F(TrackOperations, ExternalCannotBeDeleted) {
     openWorkspace();
     const auto* model = qobject_cast<QStandardItemModel*>(find<QComboBox>("comboBox_operation").model());

@@ -99,6 +99,7 @@ TEST_F(CopiesTest, ExactlyOneOfFiftyAtOnceHasAWindow) {
     ASSERT_TRUE(waitForWindow());
     ASSERT_TRUE(waitUntil([this] { return running() == 1; })) << running() << " run";
     for (const auto& copy : copies) {
+        EXPECT_NE(copy->error(), QProcess::FailedToStart);
         if (hasEnded(*copy)) {
             EXPECT_EQ(copy->exitStatus(), QProcess::NormalExit);
             EXPECT_EQ(copy->exitCode(), 0);
