@@ -13,9 +13,8 @@ constexpr QRgb kGreen = 0xff00ff00U;
 constexpr QRgb kWhite = 0xffffffffU;
 
 /// Widths in widget pixels.
-constexpr double kLineWidth = 2.0;
-constexpr double kPointSide = 5.0;
-constexpr double kGripSide = 10.0;
+constexpr int kPointSide = 5;
+constexpr int kGripSide = 10;
 
 /// What a part of the canvas shows in normalised coordinates, with room for what reaches into it.
 Extent ShownExtent(const QRect& place, double ratio, const CanvasScale& scale) {
@@ -34,7 +33,7 @@ PointLabel::PointLabel(const QPoint& point, int canvasWidth)
 }
 
 PathPainter::PathPainter(QImage& part, const QRect& place, double ratio, const EditingState& state,
-                         PathExtents& extents, const CanvasScale& scale)
+                         PathExtents& extents, LineShapes& shapes, const CanvasScale& scale)
     : part(part),
       place(place),
       ratio(ratio),
@@ -42,7 +41,7 @@ PathPainter::PathPainter(QImage& part, const QRect& place, double ratio, const E
       extents(extents),
       scale(scale),
       shown(ShownExtent(place, ratio, scale)),
-      board(part, place.topLeft()) {
+      board(part, place.topLeft(), shapes) {
 }
 
 void PathPainter::Paint(bool rulerShown, const QFont& font) {
@@ -57,18 +56,19 @@ void PathPainter::Paint(bool rulerShown, const QFont& font) {
     }
 }
 
-QPointF PathPainter::Device(const QPointF& normalized) const {
-    return QPointF(scale.ToWidgetPixels(normalized)) * ratio;
+void PathPainter::Line(const QPoint& from, const QPoint& to, QRgb colour) {
+    if (ratio == 1.0)
+        board.Line(from, to, colour);
+    else
+        board.Line(QPointF(from) * ratio, QPointF(to) * ratio, LineShapes::kWidth * ratio, colour);
 }
 
-void PathPainter::Line(const QPointF& from, const QPointF& to, QRgb colour) {
-    if (!shown.Misses(from, to))
-        board.Line(Device(from), Device(to), kLineWidth * ratio, colour);
-}
-
-void PathPainter::Dot(const QPointF& point, double side, QRgb colour) {
-    if (!shown.Misses(point, point))
-        board.Square(Device(point), side * ratio, colour);
+template<int side>
+void PathPainter::Dot(const QPoint& point, QRgb colour) {
+    if (ratio == 1.0)
+        board.Square<side>(point, colour);
+    else
+        board.Square(QPointF(point) * ratio, side * ratio, colour);
 }
 
 void PathPainter::PaintSegments() {
@@ -76,15 +76,20 @@ void PathPainter::PaintSegments() {
         if (!extents.Of(state.paths, index).points.Meets(shown))
             continue;
         const auto& points = state.paths[index].points;
-        for (std::size_t j = 0; j + 1 < points.size(); ++j)
-            Line(points[j], points[j + 1], kBlue);
+        QPoint from = scale.ToWidgetPixels(points.front());
+        for (std::size_t j = 1; j < points.size(); ++j) {
+            const QPoint to = scale.ToWidgetPixels(points[j]);
+            Line(from, to, kBlue);
+            from = to;
+        }
     }
 }
 
 void PathPainter::PaintRubberBand() {
     if (state.paths.empty() || state.paths.back().points.empty() || state.rubberPoint.isNull())
         return;
-    Line(state.paths.back().points.back(), state.rubberPoint, kRed);
+    Line(scale.ToWidgetPixels(state.paths.back().points.back()), scale.ToWidgetPixels(state.rubberPoint),
+         kRed);
 }
 
 void PathPainter::PaintCurrentSegment() {
@@ -94,21 +99,22 @@ void PathPainter::PaintCurrentSegment() {
     if (state.currentSegment < 0 || state.currentSegment >= static_cast<int>(points.size()) - 1)
         return;
     const auto segment = static_cast<std::size_t>(state.currentSegment);
-    Line(points[segment + 1], points[segment], kRed);
+    Line(scale.ToWidgetPixels(points[segment + 1]), scale.ToWidgetPixels(points[segment]), kRed);
 }
 
 void PathPainter::PaintPoints() {
     for (std::size_t index = 0; index < state.paths.size(); ++index)
         if (extents.Of(state.paths, index).points.Meets(shown))
             for (const QPointF& point : state.paths[index].points)
-                Dot(point, kPointSide, kGreen);
+                Dot<kPointSide>(scale.ToWidgetPixels(point), kGreen);
 }
 
 void PathPainter::PaintDragPoint(const QFont& font) {
     if (state.dragPoint.isNull())
         return;
-    Dot(state.dragPoint, kGripSide, kGreen);
-    PaintLabel(scale.ToWidgetPixels(state.dragPoint), font);
+    const QPoint point = scale.ToWidgetPixels(state.dragPoint);
+    Dot<kGripSide>(point, kGreen);
+    PaintLabel(point, font);
 }
 
 void PathPainter::PaintLabel(const QPoint& point, const QFont& font) {
@@ -134,11 +140,11 @@ void PathPainter::PaintBands() {
 void PathPainter::PaintBand(const RulerMarks::Band& band) {
     if (shown.Misses(band))
         return;
-    std::array<QPointF, 4> corners;
+    std::array<QPoint, 4> corners;
     std::transform(band.begin(), band.end(), corners.begin(),
-                   [this](const QPointF& corner) { return Device(corner); });
+                   [this](const QPointF& corner) { return scale.ToWidgetPixels(corner); });
     for (std::size_t corner = 0; corner < corners.size(); ++corner)
-        board.Line(corners[corner], corners[(corner + 1) % corners.size()], kLineWidth * ratio, kWhite);
+        Line(corners[corner], corners[(corner + 1) % corners.size()], kWhite);
 }
 
 void PathPainter::PaintBandCorners() {
@@ -149,6 +155,6 @@ void PathPainter::PaintBandCorners() {
             for (const RulerMarks::Band& band : marks.bands)
                 if (!shown.Misses(band))
                     for (const QPointF& corner : band)
-                        Dot(corner, kPointSide, kGreen);
+                        Dot<kPointSide>(scale.ToWidgetPixels(corner), kGreen);
     }
 }

@@ -31,14 +31,14 @@ class PathPainter {
     /// @param part the image to paint on, in Format_RGB32, `ratio` device pixels a widget pixel
     /// @param place the part's place on the canvas, in device pixels
     PathPainter(QImage& part, const QRect& place, double ratio, const EditingState& state,
-                PathExtents& extents, const CanvasScale& scale);
+                PathExtents& extents, LineShapes& shapes, const CanvasScale& scale);
 
     void Paint(bool rulerShown, const QFont& font);
 
   private:
-    [[nodiscard]] QPointF Device(const QPointF& normalized) const;
-    void Line(const QPointF& from, const QPointF& to, QRgb colour);
-    void Dot(const QPointF& point, double side, QRgb colour);
+    void Line(const QPoint& from, const QPoint& to, QRgb colour);
+    template<int side>
+    void Dot(const QPoint& point, QRgb colour);
     void PaintSegments();
     void PaintRubberBand();
     void PaintCurrentSegment();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "LineShapes.h"
+
 #include <QImage>
 #include <QPoint>
 #include <QPointF>
@@ -9,12 +11,13 @@
 
 /// Draws solid lines and squares into a part of a larger picture. A pixel is painted when its centre lies
 /// inside the shape, or on its right or lower edge; whether it is does not depend on the part, so that parts
-/// fit together. Coordinates are the larger picture's pixels.
+/// fit together. Coordinates are the larger picture's pixels, and less than 2^30.
 class PixelBoard {
   public:
     /// @param image in Format_RGB32
     /// @param origin the place of the image's top left pixel in the larger picture
-    PixelBoard(QImage& image, const QPoint& origin);
+    /// @param shapes remembers shapes from one board to the next
+    PixelBoard(QImage& image, const QPoint& origin, LineShapes& shapes);
 
     /// A square round its centre.
     void Square(const QPointF& centre, double side, QRgb colour);
@@ -22,23 +25,32 @@ class PixelBoard {
     /// A line with square caps: it reaches half its width beyond both ends.
     void Line(const QPointF& from, const QPointF& to, double width, QRgb colour);
 
-  private:
-    /// The largest whole number up to a value within the range of int; a call less than the library's.
-    static int Floor(double value) {
-        const int whole = static_cast<int>(value);
-        return whole - (value < whole ? 1 : 0);
+    /// The same round a whole pixel. The side is known when this is compiled, since there are many squares.
+    template<int side>
+    void Square(const QPoint& centre, QRgb colour) {
+        const int left = centre.x() - side / 2;
+        const int top = centre.y() - side / 2;
+        if (!columns.Holds(left, left + side - 1) || !rows.Holds(top, top + side - 1))
+            return SquareClipped(left, top, side, colour);
+        QRgb* line = Pixel(left, top);
+        const std::ptrdiff_t pixelsPerLine = stride;
+        for (int row = 0; row < side; ++row, line += pixelsPerLine)
+            std::fill_n(line, side, colour);
     }
 
+    /// The same between whole pixels, LineShapes::kWidth wide.
+    void Line(const QPoint& from, const QPoint& to, QRgb colour);
+
+  private:
     /// The pixels of the part along one axis.
     struct Range {
         Range(int first, int last) : first(first), last(last), lowest(first - 1.0), highest(last + 2.0) {}
 
         /// The first pixel whose centre lies behind an edge, and the last one whose centre does not, of those
-        /// in the part: pixel i has its centre at i + 0.5. Edges may lie anywhere.
-        [[nodiscard]] int FirstBehind(double edge) const { return std::max(Floor(Near(edge) + 0.5), first); }
-        [[nodiscard]] int LastUpTo(double edge) const { return std::min(Floor(Near(edge) - 0.5), last); }
-        /// Whether all between two edges is in the part.
-        [[nodiscard]] bool Holds(double low, double high) const { return low >= first && high <= last; }
+        /// in the part. Edges may lie anywhere.
+        [[nodiscard]] int FirstBehind(double edge) const;
+        [[nodiscard]] int LastUpTo(double edge) const;
+        [[nodiscard]] bool Holds(int low, int high) const { return low >= first && high <= last; }
 
         int first;
         int last;
@@ -49,12 +61,18 @@ class PixelBoard {
         double highest;
     };
 
+    [[nodiscard]] QRgb* Pixel(int column, int row) {
+        return pixels + (row - rows.first) * stride + (column - columns.first);
+    }
     void Fill(double left, double right, double top, double bottom, QRgb colour);
-    void FillRow(int row, int first, int last, QRgb colour);
-    void SlantedLine(const QPointF& from, const QPointF& to, double width, QRgb colour);
+    void FillRow(int row, int first, int count, QRgb colour);
+    void SquareClipped(int left, int top, int side, QRgb colour);
+    void Draw(const LineShapes::Shape& shape, const QPoint& start, QRgb colour);
+    void DrawClipped(const LineShapes::Shape& shape, const QPoint& start, QRgb colour);
 
-    uchar* pixels;
-    std::ptrdiff_t stride; ///< in bytes
+    QRgb* pixels;
+    std::ptrdiff_t stride; ///< in pixels
     Range columns;
     Range rows;
+    LineShapes& shapes;
 };

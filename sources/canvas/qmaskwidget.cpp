@@ -24,7 +24,7 @@ namespace {
 }
 
 /// Pixels that are painted at once; a larger place is painted in strips that stay in the processor's cache.
-constexpr int kMostPainted = 256 * 1024 / 4;
+constexpr int kMostPainted = 1024 * 1024 / 4;
 
 /// All device pixels that a rectangle of widget pixels touches.
 QRect DeviceRect(const QRect& rect, double ratio) {
@@ -32,6 +32,17 @@ QRect DeviceRect(const QRect& rect, double ratio) {
     const QPointF end = QPointF(rect.topLeft() + QPoint(rect.width(), rect.height())) * ratio;
     return {QPoint(static_cast<int>(std::floor(topLeft.x())), static_cast<int>(std::floor(topLeft.y()))),
             QPoint(static_cast<int>(std::ceil(end.x())) - 1, static_cast<int>(std::ceil(end.y())) - 1)};
+}
+
+/// A region as few rectangles: a single one unless that is much larger. Each rectangle costs a look at all
+/// paths, which takes longer than to paint some pixels more.
+QRegion FewRects(const QRegion& region) {
+    const auto area = [](const QRect& rect) { return qint64{rect.width()} * rect.height(); };
+    qint64 whole = 0;
+    for (const QRect& rect : region)
+        whole += area(rect);
+    const QRect round = region.boundingRect();
+    return area(round) <= 2 * whole ? QRegion(round) : region;
 }
 
 } // namespace
@@ -211,7 +222,7 @@ void QMaskWidget::paintEvent(QPaintEvent* event) {
     bandsPainted = RulerShown();
     painter.scale(1.0 / ratio, 1.0 / ratio); // from here on in device pixels, so that none is resampled
     view.Show(image, canvas.size(), DeviceRect(visibleRegion().boundingRect(), ratio).intersected(canvas));
-    for (const QRect& exposed : event->region()) {
+    for (const QRect& exposed : FewRects(event->region())) {
         const QRect place = DeviceRect(exposed, ratio).intersected(canvas);
         const int rows = std::max(1, kMostPainted / std::max(1, place.width()));
         for (int top = place.top(); top <= place.bottom(); top += rows)
@@ -228,7 +239,7 @@ void QMaskWidget::PaintPart(QPainter& painter, const QRect& place, double ratio)
     view.Copy(place, part);
     if (!isEnabled())
         PaintDisabled(part);
-    PathPainter(part, place, ratio, editor.State(), extents, Scale()).Paint(RulerShown(), font());
+    PathPainter(part, place, ratio, editor.State(), extents, lineShapes, Scale()).Paint(RulerShown(), font());
     part.setDevicePixelRatio(1.0);
     painter.drawImage(place.topLeft(), part);
 }

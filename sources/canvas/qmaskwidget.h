@@ -1,6 +1,7 @@
 #pragma once
 
 #include "HeightMapView.h"
+#include "LineShapes.h"
 #include "PathEditor.h"
 #include "PathExtents.h"
 #include "RulerMarksKeeper.h"
@@ -103,6 +104,7 @@ class QMaskWidget : public QLabel {
     PathEditor editor;
     RulerMarksKeeper marks;
     PathExtents extents;
+    LineShapes lineShapes;
     HeightMapView view;
     std::vector<QRgb> strip;   ///< what a part of the canvas is painted on
     bool bandsPainted = false; ///< whether the last paint showed the ruler
