@@ -82,6 +82,14 @@ class Bench:
                 os.remove(path)
         return clear
 
+    def with_memory_at_hand(self, size, *prepare):
+        """A function that does these and then makes the machine have memory at hand: see the README."""
+        def run():
+            for each in prepare:
+                each()
+            self.make("touch-memory", size)
+        return run
+
 
 def in_turn(*commands):
     """Work whose figures add up."""
@@ -215,11 +223,10 @@ def archive_rows(bench):
     amount = f"{small} x 100 KB + {large} x 20 MB"
     packed = bench.path("packed.tar")
     unpacked = bench.path("unpacked")
-    no_packed, no_unpacked = bench.cleared("packed.tar"), bench.cleared("unpacked")
-
-    def empty_folder():
-        no_unpacked()
-        os.mkdir(unpacked)
+    written = small * 100_000 + large * 20_000_000
+    no_packed = bench.with_memory_at_hand(2 * written, bench.cleared("packed.tar"))
+    no_unpacked = bench.with_memory_at_hand(2 * written, bench.cleared("unpacked"))
+    empty_folder = bench.with_memory_at_hand(2 * written, bench.cleared("unpacked"), lambda: os.mkdir(unpacked))
 
     def tree():
         return bench.tree(small, large)
@@ -302,11 +309,7 @@ def sensor_rows(bench):
     n = megabytes * 1_000_000
     server = SensorServer(bench, megabytes)
 
-    def equal_start():
-        """No file of an earlier run, and memory that the machine has at hand: see the README."""
-        for name in ("fetched.osbak", "copied"):
-            bench.cleared(name)()
-        bench.make("touch-memory", 2 * n)
+    equal_start = bench.with_memory_at_hand(2 * n, bench.cleared("fetched.osbak"), bench.cleared("copied"))
 
     def backup_file():
         """A backup to restore and to copy."""

@@ -9,7 +9,8 @@
 
 namespace {
 
-constexpr std::size_t kCopySize = std::size_t{256} * 1024;
+constexpr std::size_t kCopySize =
+    std::size_t{64} * 1024; // stays in the processor's nearer cache until it is written
 constexpr unsigned kDirectoryPermissions = 0755;
 
 la_ssize_t AppendToFile(archive* handle, void* file, const void* data, std::size_t size) {
