@@ -1,7 +1,10 @@
 #include "HeightMapView.h"
 
+#include "QuickScaler.h"
 #include "SmoothScaler.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstring>
 
 namespace {
@@ -27,6 +30,8 @@ void HeightMapView::Show(const QPixmap& pixmap, const QSize& newSize, const QRec
         size = newSize;
         valid = {};
     }
+    mapSize = pixmap.size();
+    mayRead = kMostRead;
     KeepVisible(visible);
 }
 
@@ -34,13 +39,33 @@ void HeightMapView::Clear() {
     *this = {};
 }
 
-void HeightMapView::Copy(const QRect& part, QImage& out) {
-    if (!keptPlace.contains(part)) {
-        SmoothScaler(source, size).Render(part, out, {0, 0});
-        return;
-    }
-    CompleteKept(part);
+QRegion HeightMapView::Copy(const QRect& part, QImage& out) {
+    if (!keptPlace.contains(part))
+        return Render(part, out, {0, 0});
+    const QRegion coarse = CompleteKept(part);
     CopyPixels(kept, keptPlace.topLeft(), out, part.topLeft(), part);
+    return coarse;
+}
+
+double HeightMapView::ReadByRow(const QRect& place) const {
+    const double across = std::max(1.0, static_cast<double>(mapSize.width()) / size.width());
+    const double down = std::max(1.0, static_cast<double>(mapSize.height()) / size.height());
+    return place.width() * across * down;
+}
+
+QRect HeightMapView::UpperRows(const QRect& place, double mostRead) const {
+    const double rows = std::ceil(mostRead / ReadByRow(place));
+    return {place.topLeft(),
+            QSize(place.width(), static_cast<int>(std::clamp<double>(rows, 1, place.height())))};
+}
+
+QRect HeightMapView::Render(const QRect& part, QImage& out, const QPoint& place) {
+    const QRect smooth = mayRead > 0 ? UpperRows(part, mayRead) : QRect(part.topLeft(), QSize(0, 0));
+    SmoothScaler(source, size).Render(smooth, out, place);
+    mayRead -= ReadByRow(smooth) * smooth.height();
+    const QRect coarse = part.adjusted(0, smooth.height(), 0, 0);
+    QuickScaler(source, size).Render(coarse, out, place + QPoint(0, smooth.height()));
+    return coarse;
 }
 
 void HeightMapView::KeepVisible(const QRect& visible) {
@@ -62,9 +87,10 @@ void HeightMapView::KeepVisible(const QRect& visible) {
     valid = still;
 }
 
-void HeightMapView::CompleteKept(const QRect& part) {
-    const SmoothScaler scaler(source, size);
+QRegion HeightMapView::CompleteKept(const QRect& part) {
+    QRegion coarse;
     for (const QRect& rect : QRegion(part).subtracted(valid))
-        scaler.Render(rect, kept, rect.topLeft() - keptPlace.topLeft());
-    valid += part;
+        coarse += Render(rect, kept, rect.topLeft() - keptPlace.topLeft());
+    valid += QRegion(part).subtracted(coarse);
+    return coarse;
 }

@@ -12,10 +12,16 @@
 /// would take sixteen times the image's own memory. What is visible is kept, so that painting it again is
 /// copying; that is a view's worth of pixels, and nothing when the view is larger than kMostKept.
 /// All sizes and places are in the pixels of the device that is painted on.
+///
+/// A large map at a small scale takes longer to average than an operator should wait. One paint averages no
+/// more than kMostRead pixels of the map and shows the rest coarsely; the caller paints that again, bit by
+/// bit.
 class HeightMapView {
   public:
     /// Pixels kept at most: 10 MiB.
     static constexpr int kMostKept = 10 * 1024 * 1024 / 4;
+    /// Pixels of the map that one paint, from Show to ReleaseImage, averages at most, but for a row.
+    static constexpr double kMostRead = 4'000'000;
 
     /// Stretches `pixmap` to `size`. What is kept is forgotten when either is another than before.
     /// @param visible what the operator can see of the canvas now
@@ -28,14 +34,22 @@ class HeightMapView {
     void Clear();
 
     /// Copies a part, which must lie inside the size shown, to the top left of `out` (Format_RGB32).
-    void Copy(const QRect& part, QImage& out);
+    /// @return what of it is coarse, since the paint has read all that it may
+    QRegion Copy(const QRect& part, QImage& out);
+
+    /// The upper rows of a place, as many as one paint makes with ease, and at least one.
+    [[nodiscard]] QRect UpperRows(const QRect& place, double mostRead = kMostRead / 2) const;
 
   private:
     void KeepVisible(const QRect& visible);
-    void CompleteKept(const QRect& part);
+    QRegion CompleteKept(const QRect& part);
+    QRect Render(const QRect& part, QImage& out, const QPoint& place);
+    [[nodiscard]] double ReadByRow(const QRect& place) const;
 
     qint64 key = 0;
     QSize size;
+    QSize mapSize;
+    double mayRead = 0; ///< pixels of the map, in this paint
     QImage source;
     QImage kept;
     QRect keptPlace;

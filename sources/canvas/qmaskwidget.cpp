@@ -214,6 +214,8 @@ void QMaskWidget::paintEvent(QPaintEvent* event) {
     const QPixmap image = Image();
     if (image.isNull()) {
         view.Clear();
+        coarse = {};
+        refining.stop();
         return;
     }
     QPainter painter(this);
@@ -224,11 +226,27 @@ void QMaskWidget::paintEvent(QPaintEvent* event) {
     view.Show(image, canvas.size(), DeviceRect(visibleRegion().boundingRect(), ratio).intersected(canvas));
     for (const QRect& exposed : FewRects(event->region())) {
         const QRect place = DeviceRect(exposed, ratio).intersected(canvas);
+        coarse -= place;
         const int rows = std::max(1, kMostPainted / std::max(1, place.width()));
         for (int top = place.top(); top <= place.bottom(); top += rows)
             PaintPart(painter, QRect(place.left(), top, place.width(), rows).intersected(place), ratio);
     }
     view.ReleaseImage();
+    if (coarse.isEmpty())
+        refining.stop();
+    else if (!refining.isActive())
+        refining.start(0, this);
+}
+
+void QMaskWidget::timerEvent(QTimerEvent* event) {
+    if (event->timerId() != refining.timerId())
+        return QLabel::timerEvent(event);
+    const QRect place = coarse.isEmpty() ? QRect() : view.UpperRows(*coarse.begin());
+    coarse -= place;
+    if (coarse.isEmpty())
+        refining.stop();
+    const double ratio = devicePixelRatioF();
+    repaint(DeviceRect(place, 1.0 / ratio));
 }
 
 void QMaskWidget::PaintPart(QPainter& painter, const QRect& place, double ratio) {
@@ -236,7 +254,7 @@ void QMaskWidget::PaintPart(QPainter& painter, const QRect& place, double ratio)
     strip.resize(std::max(strip.size(), static_cast<std::size_t>(place.width()) * place.height()));
     QImage part(reinterpret_cast<uchar*>(strip.data()), place.width(), place.height(),
                 place.width() * static_cast<int>(sizeof(QRgb)), QImage::Format_RGB32);
-    view.Copy(place, part);
+    coarse += view.Copy(place, part);
     if (!isEnabled())
         PaintDisabled(part);
     PathPainter(part, place, ratio, editor.State(), extents, lineShapes, Scale()).Paint(RulerShown(), font());

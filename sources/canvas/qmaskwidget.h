@@ -6,8 +6,10 @@
 #include "PathExtents.h"
 #include "RulerMarksKeeper.h"
 
+#include <QBasicTimer>
 #include <QLabel>
 #include <QPixmap>
+#include <QRegion>
 
 #include <vector>
 
@@ -73,6 +75,10 @@ class QMaskWidget : public QLabel {
     /// Sets a parameter of every point of every path, those without a segment included.
     void setParameterEverywhere(SegmentParameter parameter, int value);
 
+    /// Whether part of the height map is painted coarsely for the moment: a large map at a small scale is
+    /// averaged bit by bit, so that the window stays alive, and what is done is repainted.
+    [[nodiscard]] bool isRefining() const { return refining.isActive(); }
+
     /// For tests and tools: the whole editing state.
     [[nodiscard]] const EditingState& editingState() const { return editor.State(); }
 
@@ -82,6 +88,7 @@ class QMaskWidget : public QLabel {
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
 
   private:
     [[nodiscard]] QPixmap Image() const;
@@ -106,6 +113,8 @@ class QMaskWidget : public QLabel {
     PathExtents extents;
     LineShapes lineShapes;
     HeightMapView view;
+    QRegion coarse;            ///< what of the canvas is painted coarsely, in device pixels
+    QBasicTimer refining;      ///< active while there is such a place
     std::vector<QRgb> strip;   ///< what a part of the canvas is painted on
     bool bandsPainted = false; ///< whether the last paint showed the ruler
 };

@@ -151,6 +151,23 @@ TEST_F(CanvasRepaint, TheImageIsThatOfAPlainLabelWhenOneAxisIsStretched) {
     }
 }
 
+TEST_F(CanvasRepaint, ALargeMapAtASmallScaleIsRefinedToThatOfAPlainLabel) {
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    const QPixmap pixmap = QPixmap::fromImage(Noise({5000, 5000}, 10));
+    window.canvas->setPixmap(pixmap);
+    window.Resize({300, 250});
+    PaintedRegion painted(window.canvas);
+    window.canvas->repaint();
+    ASSERT_TRUE(window.canvas->isRefining());
+    const QImage final = PlainLabel(pixmap, {300, 250});
+    EXPECT_NE(window.Picture(), final); // it would be no test if all were averaged at once
+    painted.Take();
+    QTRY_VERIFY(!window.canvas->isRefining());
+    EXPECT_TRUE(painted.Take().boundingRect().contains(QRect(0, 240, 300, 10)));
+    EXPECT_EQ(window.Picture(), final);
+    EXPECT_FALSE(window.canvas->isRefining()); // what was averaged is kept
+}
+
 TEST_F(CanvasRepaint, ANewImageIsShownAtOnce) {
     ASSERT_EQ(window.Picture().pixel(100, 100), qRgb(90, 90, 90));
     window.ShowImage({400, 300}, QColor(200, 10, 20));
