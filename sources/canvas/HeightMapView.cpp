@@ -42,7 +42,7 @@ void HeightMapView::Clear() {
 QRegion HeightMapView::Copy(const QRect& part, QImage& out) {
     if (!keptPlace.contains(part))
         return Render(part, out, {0, 0});
-    const QRegion coarse = CompleteKept(part);
+    QRegion coarse = CompleteKept(part);
     CopyPixels(kept, keptPlace.topLeft(), out, part.topLeft(), part);
     return coarse;
 }

@@ -23,7 +23,7 @@ LineShapes::Shape LineShapes::UprightOrLevel(const QPoint& way) {
     const int top = PixelEdges::FirstBehind(std::min(0, way.y()) - kHalf);
     const int bottom = PixelEdges::LastUpTo(std::max(0, way.y()) + kHalf);
     shape.firstRow = static_cast<std::int8_t>(top);
-    shape.rows = static_cast<std::int8_t>(bottom - top + 1);
+    shape.rows = static_cast<std::int16_t>(bottom - top + 1);
     shape.runs.fill(RunBetween(PixelEdges::FirstBehind(std::min(0, way.x()) - kHalf),
                                PixelEdges::LastUpTo(std::max(0, way.x()) + kHalf)));
     return shape;

@@ -29,7 +29,7 @@ class LineShapes {
         };
 
         std::int8_t firstRow = 0;
-        std::int8_t rows = 0; ///< 0 while the shape is not known: no line is without pixels
+        std::int16_t rows = 0; ///< 0 while the shape is not known: no line is without pixels
         std::array<Run, kMostRows> runs;
     };
 
@@ -40,9 +40,8 @@ class LineShapes {
 
     /// The shape of such a line.
     const Shape& Of(const QPoint& way) {
-        const auto column = static_cast<std::size_t>(way.x() + kFarthest);
-        const auto row = static_cast<std::size_t>(way.y() + kFarthest);
-        Shape& shape = shapes[row * kSide + column];
+        const int place = (way.y() + kFarthest) * kSide + way.x() + kFarthest;
+        Shape& shape = shapes[static_cast<std::size_t>(place)];
         if (shape.rows == 0)
             shape = ShapeOf(way);
         return shape;
@@ -53,7 +52,7 @@ class LineShapes {
     static Shape UprightOrLevel(const QPoint& way);
     static Shape Slanted(const QPoint& way);
 
-    static constexpr std::size_t kSide = 2 * kFarthest + 1;
+    static constexpr int kSide = 2 * kFarthest + 1;
 
-    std::vector<Shape> shapes{kSide * kSide};
+    std::vector<Shape> shapes{std::size_t{kSide} * kSide};
 };

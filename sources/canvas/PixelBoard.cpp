@@ -64,9 +64,9 @@ void PixelBoard::Line(const QPoint& from, const QPoint& to, QRgb colour) {
 void PixelBoard::Draw(const LineShapes::Shape& shape, const QPoint& start, QRgb colour) {
     QRgb* line = Pixel(start.x(), start.y() + shape.firstRow);
     const std::ptrdiff_t pixelsPerLine = stride;
-    const int count = shape.rows;
-    for (int row = 0; row < count; ++row, line += pixelsPerLine) {
-        const LineShapes::Shape::Run run = shape.runs[static_cast<std::size_t>(row)];
+    const auto count = static_cast<std::size_t>(shape.rows);
+    for (std::size_t row = 0; row < count; ++row, line += pixelsPerLine) {
+        const LineShapes::Shape::Run run = shape.runs[row];
         FillShort(line + run.first, run.count, colour);
     }
 }

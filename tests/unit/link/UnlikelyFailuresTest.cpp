@@ -31,7 +31,8 @@ bool parseFails = false;
 bool formatFails = false;
 bool disconnectFails = false;
 std::size_t watchedSize = 0;
-std::function<void()> onAllocation; ///< done once, when memory of `watchedSize` bytes is asked for
+/// Done once, when the thread that set it asks for memory of `watchedSize` bytes.
+thread_local std::function<void()> onAllocation;
 
 } // namespace
 
