@@ -1,9 +1,10 @@
 #include "DiscoveryResponder.h"
 
+#include "JsonObject.h"
+
 #include <boost/asio/buffer.hpp>
 
 #include <QJsonDocument>
-#include <QJsonObject>
 
 using boost::asio::ip::address_v4;
 using boost::asio::ip::udp;
@@ -24,9 +25,9 @@ void DiscoveryResponder::Close() {
 }
 
 bool DiscoveryResponder::IsQuestion(const char* bytes, std::size_t size) {
-    const auto document = QJsonDocument::fromJson(QByteArray(bytes, static_cast<int>(size)));
-    return document.object().value(QLatin1String("ostra")) == QLatin1String("discover") &&
-           document.object().value(QLatin1String("version")).toInt() == 1;
+    const auto question = ParseJsonObject({bytes, size});
+    return question && question->value(QLatin1String("ostra")) == QLatin1String("discover") &&
+           question->value(QLatin1String("version")).toInt() == 1;
 }
 
 void DiscoveryResponder::Receive() {

@@ -1,12 +1,11 @@
 #include "RequestMembers.h"
 
+#include "JsonObject.h"
 #include "RequestError.h"
 
 #include <algorithm>
 
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 namespace {
 
@@ -26,25 +25,6 @@ std::string BareType(const std::string& contentType) {
     return type;
 }
 
-/// How many brackets are open at once at most.
-unsigned JsonDepth(const std::string& text) {
-    unsigned depth = 0;
-    unsigned deepest = 0;
-    bool inString = false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (c == '"')
-            inString = !inString;
-        else if (inString)
-            i += c == '\\' ? 1 : 0;
-        else if (c == '[' || c == '{')
-            deepest = std::max(deepest, ++depth);
-        else if ((c == ']' || c == '}') && depth > 0)
-            --depth;
-    }
-    return deepest;
-}
-
 bool NamesAllWorkspaces(const QJsonValue& contents) {
     if (!contents.isArray())
         Refuse("\"contents\" is not a list.");
@@ -59,21 +39,18 @@ std::string Content(RequestReader& body) {
 }
 
 RequestMembers ReadJson(const std::string& text) {
-    if (JsonDepth(text) > kDeepest)
-        Refuse("The body nests too deep.");
-    const auto document = QJsonDocument::fromJson(QByteArray::fromStdString(text));
-    if (!document.isObject())
-        Refuse("The body is not a JSON object.");
+    const auto object = ParseJsonObject(text);
+    if (!object)
+        Refuse("The body is no JSON object, repeats a key or nests too deep.");
     RequestMembers members;
-    const QJsonObject object = document.object();
-    if (const auto contents = object.constFind(QLatin1String("contents")); contents != object.constEnd())
+    if (const auto contents = object->constFind(QLatin1String("contents")); contents != object->constEnd())
         members.allWorkspaces = NamesAllWorkspaces(*contents);
-    if (const auto enabled = object.constFind(QLatin1String("enabled")); enabled != object.constEnd()) {
+    if (const auto enabled = object->constFind(QLatin1String("enabled")); enabled != object->constEnd()) {
         if (!enabled->isBool())
             Refuse("\"enabled\" is neither true nor false.");
         members.enabled = enabled->toBool();
     }
-    if (object.contains(QLatin1String("data")))
+    if (object->contains(QLatin1String("data")))
         Refuse("\"data\" is not a byte string.");
     return members;
 }

@@ -20,7 +20,8 @@ struct RequestMembers {
     /// @param takeData gets "data" while it arrives, at most once; the rest of the body may still be refused
     /// @throws RequestError with status 400 for a body that is no map or not well-formed, nests deeper than
     /// 64
-    ///         levels, or has a known member twice or of the wrong type; and what RequestReader::Read throws
+    ///         levels, or has a known member (in JSON: any key) twice or a known one of the wrong type; and
+    ///         what RequestReader::Read throws
     static RequestMembers Read(RequestReader& body, const ByteStringSink& takeData);
 
     /// Whether a content type announces CBOR.

@@ -1,6 +1,7 @@
 #include "RestoredBackup.h"
 
 #include "Exception.h"
+#include "JsonObject.h"
 #include "RequestError.h"
 #include "TarName.h"
 #include "UnpackFolder.h"
@@ -9,9 +10,6 @@
 #include <array>
 #include <filesystem>
 #include <vector>
-
-#include <QJsonDocument>
-#include <QJsonObject>
 
 namespace {
 
@@ -96,17 +94,17 @@ void RestoredBackup::ReadInfo(std::int64_t size) {
     if (infoSeen || size > static_cast<std::int64_t>(kLargestInfo))
         Refuse("info.json is there twice or too large.");
     infoSeen = true;
-    QByteArray text;
+    std::string text;
     std::string_view block;
     do {
         if (ReadOuter(&block) != bOK)
             Refuse("info.json is damaged.");
-        text.append(block.data(), static_cast<int>(block.size()));
+        text.append(block);
     } while (!block.empty());
-    const auto document = QJsonDocument::fromJson(text);
-    if (!document.isObject())
-        Refuse("info.json is not a JSON object.");
-    if (const QJsonValue mode = document.object().value(QLatin1String("replay")); mode.isBool())
+    const auto info = ParseJsonObject(text);
+    if (!info)
+        Refuse("info.json is no JSON object, repeats a key or nests too deep.");
+    if (const QJsonValue mode = info->value(QLatin1String("replay")); mode.isBool())
         replay = mode.toBool();
 }
 

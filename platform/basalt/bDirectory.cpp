@@ -24,7 +24,7 @@ bStatus StatusOfErrno() {
 
 /// The kind of an entry, without following links; 0 for one that has vanished meanwhile.
 bStatus AskKind(const Folder& folder, const dirent& entry, mode_t* kind) {
-    *kind = DTTOIF(entry.d_type);
+    *kind = static_cast<mode_t>(DTTOIF(entry.d_type));
     if (entry.d_type != DT_UNKNOWN)
         return bOK;
     struct stat state {};

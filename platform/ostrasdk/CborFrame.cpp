@@ -47,7 +47,10 @@ class FrameReader {
             if (!reader.isString())
                 Throw(__LINE__, bERROR_FORMAT, "A key is not a text.");
             std::string key = std::get<std::string>(Text());
-            members.insert_or_assign(std::move(key), Next(depth + 1));
+            const auto [member, isNew] = members.try_emplace(std::move(key));
+            if (!isNew)
+                Throw(__LINE__, bERROR_FORMAT, "A key stands twice.");
+            member->second = Next(depth + 1);
         }
         Leave();
         return VeJson(VeJson::Value(std::move(members)));

@@ -1,6 +1,7 @@
 #include "JsonText.h"
 
 #include "Exception.h"
+#include "JsonFlaw.h"
 #include "bStatus.h"
 
 #include <QJsonArray>
@@ -96,11 +97,20 @@ QJsonValue ToQt(const VeJson& json) {
     return std::visit([](const auto& content) { return ToQt(content); }, json.Content());
 }
 
+void CheckFlaws(std::string_view text) {
+    const JsonFlaw flaw = FindJsonFlaw(text, VeJson::kDeepest);
+    if (flaw == JsonFlaw::TooDeep)
+        throw Ve::Exception(__LINE__, __FILE__, bERROR_LIMIT, "FromJsonText", "The values nest too deep.");
+    if (flaw == JsonFlaw::RepeatedKey)
+        throw Ve::Exception(__LINE__, __FILE__, bERROR_FORMAT, "FromJsonText", "A key stands twice.");
+}
+
 } // namespace
 
 VeJson FromJsonText(std::string_view text) {
     if (text.size() > kLongestText)
         throw Ve::Exception(__LINE__, __FILE__, bERROR_LIMIT, "FromJsonText", "The text is too long.");
+    CheckFlaws(text);
     QJsonParseError error;
     const QByteArray bytes = QByteArray::fromRawData(text.data(), static_cast<int>(text.size()));
     const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);

@@ -38,8 +38,8 @@ class VeJson {
     VeJson& operator=(VeJson&& other) noexcept;
     ~VeJson();
 
-    /// Reads a JSON text whose outermost value is an object or an array. Of a key that stands twice in an
-    /// object the last one counts.
+    /// Reads a JSON text whose outermost value is an object or an array. A key that
+    /// stands twice in an object is refused: readers differ in which of them counts.
     static VeJson ParseString(std::string_view text);
 
     [[nodiscard]] bool IsEmpty() const { return std::holds_alternative<std::monostate>(value); }

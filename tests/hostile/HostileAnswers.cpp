@@ -37,6 +37,8 @@ std::vector<HostileAnswer> HostileAnswers() {
         {"null", "null"},
         {"empty-object", "{}"},
         {"two-objects", good + good},
+        {"key-twice", good.substr(0, good.size() - 1) + R"(,"x":[1],"x":[2]})"},
+        {"port-twice", good.substr(0, good.size() - 1) + R"(,"ControlPort":3600})"},
         {"cut", good.substr(0, good.size() - 1)},
         {"the-question-itself", R"({"ostra":"discover","version":1})"},
         {"nested-30000-deep", With("AppName", Nested(1)) + Nested(30'000)},

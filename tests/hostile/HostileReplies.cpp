@@ -73,6 +73,8 @@ void AddTexts(std::vector<HostileReply>& replies) {
     json("data-that-is-a-list", R"({"data": [120, 121]})");
     json("data-that-is-null", R"({"data": null})");
     json("key-in-upper-case", R"({"DATA": "x"})");
+    json("key-twice", R"({"x": [1], "x": [2]})");
+    json("key-twice-once-escaped", R"({"data": {}, "d\u0061ta": {}})");
     json("two-values", "{}{}");
     json("nested-100000-deep", std::string(100'000, '['));
     json("nested-and-closed", std::string(2000, '[') + std::string(2000, ']'));
@@ -103,6 +105,9 @@ void AddBinaries(std::vector<HostileReply>& replies) {
     cbor("key-that-is-a-number", "\xa1\x01\x43xyz");
     cbor("key-that-is-bytes", "\xa1\x44"
                               "data\x43xyz");
+    cbor("key-twice", "\xa2\x64"
+                      "data\x43xyz\x64"
+                      "data\x43xyz");
     cbor("length-cut", Data("\x5b\x01\x02"));
     cbor("bytes-cut", Data(kTenBytes + "xyz"));
     cbor("length-of-all-ones", Data("\x5b" + std::string(8, '\xff') + "xyz"));

@@ -99,6 +99,8 @@ void AddTexts(std::vector<HostileRequest>& requests) {
     archive("of-two-values", kContents + kContents);
     archive("nested-10000-deep", std::string(10'000, '['));
     archive("nested-in-contents", R"({"contents": )" + std::string(65, '[') + std::string(65, ']') + "}");
+    archive("with-a-key-twice", R"({"contents": ["allWorkspaces"], "x": [1], "x": [2]})");
+    archive("with-contents-twice", R"({"contents": ["allWorkspaces"], "c\u006fntents": ["allWorkspaces"]})");
     archive("with-data", R"({"contents": ["allWorkspaces"], "data": "x"})");
     requests.push_back({"archive-of-another-type", Request("POST", kArchive, kContents, "text/html"), 400});
     const auto replay = [&](const std::string& name, const std::string& body) {
@@ -108,6 +110,7 @@ void AddTexts(std::vector<HostileRequest>& requests) {
     replay("without-enabled", "{}");
     replay("enabled-by-a-number", R"({"enabled": 1})");
     replay("enabled-by-text", R"({"enabled": "true"})");
+    replay("enabled-twice", R"({"enabled": true, "enabled": true})");
     replay("enabled-by-null", R"({"enabled": null})");
 }
 
@@ -146,6 +149,7 @@ void AddArchives(std::vector<HostileRequest>& requests) {
     backup("with-an-unsafe-name", TarFile("../evil", "x") + TarEnd());
     backup("with-a-link", TarLink("l", '2', "..") + TarEnd());
     backup("with-info-that-is-no-json", TarFile("info.json", "x") + TarEnd());
+    backup("with-info-that-repeats-a-key", TarFile("info.json", R"({"x": [1], "x": [2]})") + TarEnd());
     backup("with-info-twice", TarFile("info.json", "{}") + TarFile("info.json", "{}") + TarEnd());
     backup("with-info-of-a-megabyte", TarFile("info.json", std::string(1 << 20, ' ')) + TarEnd());
     const auto workspace = [&](const std::string& name, const std::string& archive) {

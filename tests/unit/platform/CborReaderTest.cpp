@@ -174,11 +174,20 @@ TEST(CborReader, readsNumbersThatAreNone) {
     EXPECT_TRUE(std::isinf(Read(MapOf("\xFA\x7F\x80\x00\x00"s)).At("a").Get<double>()));
 }
 
-TEST(CborReader, takesTheLastOfTwoMembersWithTheSameKey) {
-    const VeJson json = Read("\xA2\x61"
-                             "a\x41\x01\x61"
-                             "a\x42\x02\x03");
-    EXPECT_EQ(json.At("a").GetBinary(), (VeJson::Bytes{2, 3}));
+TEST(CborReader, refusesAKeyThatStandsTwiceInAMap) {
+    EXPECT_EQ(StatusOf("\xA2\x61"
+                       "a\x41\x01\x61"
+                       "a\x42\x02\x03"),
+              bERROR_FORMAT);
+    EXPECT_EQ(StatusOf("\xA3\x61"
+                       "a\xF6\x61"
+                       "b\xF6\x61"
+                       "a\xF6"),
+              bERROR_FORMAT);
+    EXPECT_NO_THROW(Read("\xA2\x61"
+                         "a\x01\x61"
+                         "A\xA1\x61"
+                         "a\x02"));
 }
 
 TEST(CborReader, readsSixtyFourLevelsAndNoMore) {

@@ -50,13 +50,26 @@ TEST(VeJson, readsTheBodiesOfTheClient) {
     EXPECT_TRUE(VeJson::ParseString("{\"enabled\": true}").At("enabled").Get<bool>());
 }
 
-TEST(VeJson, takesTheLastOfTwoMembersWithTheSameKey) {
-    EXPECT_EQ(VeJson::ParseString(R"({"a":1,"a":2})").At("a").Get<std::int64_t>(), 2);
+TEST(VeJson, refusesAKeyThatStandsTwiceInAnObject) {
+    for (const char* const text : {R"({"a":1,"a":2})", R"({"a":[],"b":0,"a":{}})", R"({"a":[],"\u0061":{}})",
+                                   R"([{"b":{"a":1,"a":1}}])", R"({"":[],"":[]})"}) {
+        SCOPED_TRACE(text);
+        const Ve::Exception refusal = ThrownBy([&] { VeJson::ParseString(text); });
+        EXPECT_EQ(refusal.Status(), bERROR_FORMAT);
+        EXPECT_STREQ(refusal.what(), "A key stands twice.");
+    }
+}
+
+TEST(VeJson, takesAKeyOnceInEachOfSeveralObjects) {
+    const VeJson json = VeJson::ParseString(R"({"a":{"a":{"A":"a\\","b":"a"}},"b":[{"a":1},{"a":2}]})");
+    EXPECT_EQ(json.At("a").At("a").At("A").Get<std::string>(), "a\\");
+    EXPECT_EQ(std::get<VeJson::Array>(json.At("b").Content()).at(1).At("a").Get<std::int64_t>(), 2);
 }
 
 TEST(VeJson, refusesWhatIsNoJsonText) {
-    for (const char* const text : {"", " ", "{", "}", "[1,]", "{\"a\"}", "{\"a\":}", "{a:1}", "true", "1",
-                                   "\"text\"", "{} {}", "{}x", "[01]", "[nan]", "\xFF", "{\"a\":\"\xC3\"}"}) {
+    for (const char* const text :
+         {"", " ", "{", "}", "[1,]", "{\"a\"}", "{\"a\":}", "{a:1}", "true", "1", "\"text\"", "{} {}", "{}x",
+          "[01]", "[nan]", "\xFF", "{\"a\":\"\xC3\"}", "{\"\\\xC3\xA9\":1}"}) {
         SCOPED_TRACE(text);
         EXPECT_EQ(StatusOf([&] { VeJson::ParseString(text); }), bERROR_FORMAT);
     }

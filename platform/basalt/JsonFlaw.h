@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string_view>
+
+/// Why a JSON text from outside is refused before it is parsed.
+enum class JsonFlaw {
+    None,
+    TooDeep,    ///< more brackets are open at once than is allowed
+    RepeatedKey ///< an object has two members of one name: readers differ in which of them counts
+};
+
+/// Looks at the brackets and the keys alone, and tells the first flaw of a text that is well-formed up to
+/// there; whether it is well-formed a parser has to find out. The toolkit's parser must not be given a text
+/// that repeats a key: it loses the memory of the value that is replaced, each time.
+/// @param text UTF-8
+[[nodiscard]] JsonFlaw FindJsonFlaw(std::string_view text, std::size_t deepest);
