@@ -1,5 +1,6 @@
 #include "OperatorFiles.h"
 
+#include "SmallTrack.h"
 #include "TarBlocks.h"
 #include "TarContent.h"
 #include "TemporaryFolder.h"
@@ -15,39 +16,10 @@ constexpr int kEditedLength = 33;
 const std::string kTrackPlace = "vdk/ContourPath/";
 const std::string kWorkspacePlace = "workspaces/Workspace.osws";
 
-void AddPath(independent::Track& track) {
-    constexpr int kPoints = 3;
-    for (int point = 0; point < kPoints; ++point) {
-        const double x = (point + 1.0) / (kPoints + 1.0);
-        const double worldX = x * track.width * track.xResolution + track.xOffset;
-        const double worldY = 0.5 * track.height * track.yResolution + track.yOffset;
-        track.segments.push_back(
-            {0, point, worldX, worldY, x, 0.5, 1, 100 + point, 110 + point, 120 + point});
-    }
-}
-
 } // namespace
 
 independent::Track OperatorTrack(int width, int height) {
-    independent::Track track;
-    track.xResolution = 0.5;
-    track.yResolution = 0.25;
-    track.zResolution = 0.25;
-    track.xOffset = 10;
-    track.yOffset = 20;
-    track.width = width;
-    track.height = height;
-    for (int column = 0; column < width; ++column)
-        track.columnPositions.push_back(track.xOffset + column * track.xResolution);
-    for (int row = 0; row < height; ++row) {
-        track.rowPositions.push_back(track.yOffset + row * track.yResolution);
-        for (int column = 0; column < width; ++column) {
-            track.heights.emplace_back(column + row * track.zResolution);
-            track.cells.push_back(static_cast<std::int16_t>(4 * column + row));
-        }
-    }
-    AddPath(track);
-    return track;
+    return SmallTrack(PathAcross(0, 3, 0.5, 100), width, height);
 }
 
 bool IsEdited(const std::string& file, const independent::Track& original) {

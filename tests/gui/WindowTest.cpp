@@ -8,13 +8,6 @@
 #include <filesystem>
 #include <stdexcept>
 
-namespace {
-
-constexpr int kSmallWidth = 40;
-constexpr int kSmallHeight = 20;
-
-} // namespace
-
 WindowTest::WindowTest() = default;
 
 WindowTest::~WindowTest() = default;
@@ -128,35 +121,4 @@ void WindowTest::expectErrorBox(const std::string& text) {
     EXPECT_EQ(boxes[0].shownText.toStdString(), text);
     EXPECT_EQ(boxes[0].icon, QMessageBox::Critical);
     EXPECT_EQ(boxes[0].buttons, QMessageBox::Ok);
-}
-
-independent::Track SmallTrack(const std::vector<independent::Segment>& segments) {
-    independent::Track track;
-    track.xResolution = 0.5;
-    track.yResolution = 0.25;
-    track.zResolution = 0.25;
-    track.xOffset = 10;
-    track.yOffset = 20;
-    track.width = kSmallWidth;
-    track.height = kSmallHeight;
-    for (int column = 0; column < kSmallWidth; ++column)
-        track.columnPositions.push_back(track.xOffset + column * track.xResolution);
-    for (int row = 0; row < kSmallHeight; ++row) {
-        track.rowPositions.push_back(track.yOffset + row * track.yResolution);
-        for (int column = 0; column < kSmallWidth; ++column) {
-            track.heights.emplace_back(column + row * track.zResolution);
-            track.cells.push_back(static_cast<std::int16_t>(4 * column + row));
-        }
-    }
-    track.segments = segments;
-    return track;
-}
-
-std::vector<independent::Segment> PathAcross(int path, int points, double y, int base) {
-    std::vector<independent::Segment> segments;
-    for (int point = 0; point < points; ++point) {
-        const double x = (point + 1.0) / (points + 1.0);
-        segments.push_back({path, point, 0, 0, x, y, 1, base + point, base + 10 + point, base + 20 + point});
-    }
-    return segments;
 }

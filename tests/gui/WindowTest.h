@@ -1,8 +1,8 @@
 #pragma once
 
 #include "DialogAnswers.h"
-#include "IndependentTrack.h"
 #include "LogCapture.h"
+#include "SmallTrack.h"
 #include "TemporaryFolder.h"
 #include "mainwindow.h"
 #include "qmaskwidget.h"
@@ -79,13 +79,5 @@ class WindowTest : public ::testing::Test {
     std::unique_ptr<MainWindow> window;
 };
 
-/// A small track, 40 x 20 cells, whose heights rise to the right and downwards from 0, with these points of
-/// paths.
-independent::Track SmallTrack(const std::vector<independent::Segment>& segments = {});
-
 /// The folder that the open workspace's tracks lie in.
 inline const std::string kTracks = "./TmpDirOsws/vdk/ContourPath/";
-
-/// Points in a row across the canvas at height y, with parameters that tell them apart: length base + point,
-/// width base + 10 + point, space base + 20 + point.
-std::vector<independent::Segment> PathAcross(int path, int points, double y, int base);

@@ -1,6 +1,7 @@
 #include "ConvertBIN.h"
 
 #include "DocumentSamples.h"
+#include "IndependentRamp.h"
 #include "LogCapture.h"
 #include "TemporaryFolder.h"
 
@@ -8,7 +9,6 @@
 
 #include <QImage>
 
-#include <cmath>
 #include <limits>
 
 namespace {
@@ -23,28 +23,10 @@ using testing::IsEmpty;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-/// The colour that a height has in the picture, by the table of the eight stages.
+/// The colour that a height has in the picture.
 QColor ColourOf(double height, double low, double high) {
-    const double step = std::floor((height - low) * 1792 / (high - low) + 0.5);
-    if (step < 0)
-        return {0, 0, 0};
-    if (step >= 1792)
-        return {255, 255, 255};
-    const int v = static_cast<int>(step);
-    const int b = v % 256;
-    if (v <= 255)
-        return {0, 0, b};
-    if (v <= 511)
-        return {0, b, 255};
-    if (v <= 767)
-        return {0, 255, 255 - b};
-    if (v <= 1023)
-        return {b, 255, 0};
-    if (v <= 1279)
-        return {255, 255 - b, 0};
-    if (v <= 1535)
-        return {255, 0, b};
-    return {255, b, 255};
+    const auto [red, green, blue] = independent::RampColour(height, low, high);
+    return {red, green, blue};
 }
 
 class BinaryImage : public testing::Test {

@@ -2,6 +2,7 @@
 
 #include "DocumentSamples.h"
 #include "LogCapture.h"
+#include "OrdinaryUser.h"
 #include "TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -183,7 +184,8 @@ TEST_F(BinaryInfo, ofNoFileIsAFailureWithItsOwnLine) {
 TEST_F(BinaryInfo, ofAnUnreadableFileIsAFailureWithItsOwnLine) {
     WriteFile("a.trk", BinaryFile(SampleTrack()));
     std::filesystem::permissions("a.trk", std::filesystem::perms::none);
-    const OrdinaryUser user;
+    const OrdinaryUser user(".");
+    ASSERT_TRUE(user.IsReady());
     EXPECT_EQ(converter.ReadInfo("a.trk", info), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Could not find file (a.trk)"));
 }

@@ -24,13 +24,6 @@ using testing::IsEmpty;
 constexpr auto kTagged = "ERROR: [ReadPathFromBin] (EXCEPTION) ";
 constexpr std::size_t kCountOffset = 4; // behind a block's tag
 
-/// The sample track with the sample paths' records.
-Track TrackWithPaths() {
-    Track track = SampleTrack();
-    SetRecords(track, SamplePaths(), SampleTransform());
-    return track;
-}
-
 void SetCount(std::string& block, std::int32_t count) {
     for (std::size_t i = 0; i < 4; ++i)
         block[kCountOffset + i] = static_cast<char>((static_cast<std::uint32_t>(count) >> (8 * i)) & 0xFFU);

@@ -1,7 +1,9 @@
 #include "ConvertBIN.h"
 
 #include "DocumentSamples.h"
+#include "FileSizeLimit.h"
 #include "LogCapture.h"
+#include "OrdinaryUser.h"
 #include "TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -25,13 +27,6 @@ constexpr std::size_t kHeaderSize = 68;
 constexpr int kOriginalNotReadable = 1;
 constexpr int kTargetNotWritable = 2;
 
-/// The sample track with the sample paths' records.
-Track TrackWithPaths() {
-    Track track = SampleTrack();
-    SetRecords(track, SamplePaths(), SampleTransform());
-    return track;
-}
-
 /// A track with cells enough for several reads and writes, whose rows do not end where those do.
 Track LargeTrack() {
     Track track = TrackWithPaths();
@@ -52,9 +47,7 @@ class BinaryWrite : public testing::Test {
     }
 
     int Update(const std::string& original, const std::string& target, const std::vector<TrackPath>& paths) {
-        const WorldTransform t = SampleTransform();
-        return converter.UpdatePath(original, target, paths, t.widthScale, t.xOffset, t.yOffset, t.xScale,
-                                    t.yScale);
+        return UpdateWith(converter, original, target, paths);
     }
 
     /// Updates a file of this content and returns the target's.
@@ -291,7 +284,8 @@ TEST_F(BinaryUpdate, doesNotWriteAFileThatIsNotToBeWritten) {
     WriteFile("b.trk", "old");
     std::filesystem::permissions("b.trk", std::filesystem::perms::owner_read);
     {
-        const OrdinaryUser user;
+        const OrdinaryUser user(".");
+        ASSERT_TRUE(user.IsReady());
         EXPECT_EQ(Update("a.trk", "b.trk", SamplePaths()), kTargetNotWritable);
     }
     EXPECT_EQ(FileContent("b.trk"), "old");

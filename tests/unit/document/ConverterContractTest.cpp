@@ -38,9 +38,7 @@ void PrintTo(const Encoding& encoding, std::ostream* stream) {
 class ConverterContract : public testing::TestWithParam<Encoding> {
   protected:
     int Update(const std::string& original, const std::string& target, const std::vector<TrackPath>& paths) {
-        const WorldTransform t = SampleTransform();
-        return CreateConverter(original)->UpdatePath(original, target, paths, t.widthScale, t.xOffset,
-                                                     t.yOffset, t.xScale, t.yScale);
+        return UpdateWith(*CreateConverter(original), original, target, paths);
     }
 
     TemporaryFolder folder;

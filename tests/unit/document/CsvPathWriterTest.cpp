@@ -1,6 +1,7 @@
 #include "ConvertCSV.h"
 
 #include "DocumentSamples.h"
+#include "FileSizeLimit.h"
 #include "LogCapture.h"
 #include "TemporaryFolder.h"
 
@@ -33,19 +34,10 @@ const std::string kNoPaths =
     "Ruler\nRuler,Track,Segment,X1,Y1,X2,Y2,Method,Width\nEnd\n\n"
     "Segment\nTrack,Segment,X,Y,RelativeX,RelativeY,Method,Length,Width,Space\nEnd\n";
 
-/// The sample track with the sample paths' records.
-Track TrackWithPaths() {
-    Track track = SampleTrack();
-    SetRecords(track, SamplePaths(), SampleTransform());
-    return track;
-}
-
 class CsvUpdate : public testing::Test {
   protected:
     int Update(const std::string& original, const std::string& target, const std::vector<TrackPath>& paths) {
-        const WorldTransform t = SampleTransform();
-        return converter.UpdatePath(original, target, paths, t.widthScale, t.xOffset, t.yOffset, t.xScale,
-                                    t.yScale);
+        return UpdateWith(converter, original, target, paths);
     }
 
     /// Updates a file of this content and returns the target's.

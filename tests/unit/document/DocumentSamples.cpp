@@ -3,14 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <csignal>
-#include <cstdlib>
 #include <filesystem>
-#include <stdexcept>
-
-#include <sys/resource.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 independent::Track SampleTrack() {
     independent::Track track;
@@ -112,6 +105,19 @@ void SetRecords(independent::Track& track, const std::vector<TrackPath>& paths,
     }
 }
 
+independent::Track TrackWithPaths() {
+    independent::Track track = SampleTrack();
+    SetRecords(track, SamplePaths(), SampleTransform());
+    return track;
+}
+
+int UpdateWith(Converter& converter, const std::string& original, const std::string& target,
+               const std::vector<TrackPath>& paths) {
+    const WorldTransform t = SampleTransform();
+    return converter.UpdatePath(original, target, paths, t.widthScale, t.xOffset, t.yOffset, t.xScale,
+                                t.yScale);
+}
+
 std::vector<TrackPath> WithoutMarks(std::vector<TrackPath> paths) {
     for (TrackPath& path : paths)
         path.rulerMarks.clear();
@@ -142,42 +148,4 @@ std::vector<std::string> NamesHere() {
         names.push_back(entry.path().filename().string());
     std::sort(names.begin(), names.end());
     return names;
-}
-
-namespace {
-
-void SetFileSizeLimit(unsigned long bytes, unsigned long* before) {
-    rlimit limit{};
-    if (getrlimit(RLIMIT_FSIZE, &limit) != 0)
-        throw std::runtime_error("no file size limit");
-    if (before != nullptr)
-        *before = limit.rlim_cur;
-    limit.rlim_cur = bytes;
-    if (setrlimit(RLIMIT_FSIZE, &limit) != 0)
-        throw std::runtime_error("no file size limit");
-}
-
-} // namespace
-
-FileSizeLimit::FileSizeLimit(unsigned long bytes) {
-    std::signal(SIGXFSZ, SIG_IGN);
-    SetFileSizeLimit(bytes, &before);
-}
-
-FileSizeLimit::~FileSizeLimit() {
-    SetFileSizeLimit(before, nullptr);
-}
-
-OrdinaryUser::OrdinaryUser() {
-    constexpr uid_t kNobody = 65534;
-    if (geteuid() != 0)
-        return;
-    if (chmod(".", 0755) != 0 || seteuid(kNobody) != 0)
-        throw std::runtime_error("no ordinary user");
-    changed = true;
-}
-
-OrdinaryUser::~OrdinaryUser() {
-    if (changed && seteuid(0) != 0)
-        std::abort();
 }

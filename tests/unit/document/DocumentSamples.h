@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Converter.h"
 #include "IndependentTrack.h"
 #include "TrackInfo.h"
 #include "TrackPath.h"
@@ -26,6 +27,13 @@ TrackInfo InfoOf(const independent::Track& track);
 void SetRecords(independent::Track& track, const std::vector<TrackPath>& paths,
                 const WorldTransform& transform);
 
+/// The sample track with the sample paths' records.
+independent::Track TrackWithPaths();
+
+/// Has a converter update a file's paths with the sample transform. @return its result
+int UpdateWith(Converter& converter, const std::string& original, const std::string& target,
+               const std::vector<TrackPath>& paths);
+
 /// The paths without what a file does not keep.
 std::vector<TrackPath> WithoutMarks(std::vector<TrackPath> paths);
 
@@ -34,28 +42,3 @@ void ExpectSamePaths(const std::vector<TrackPath>& actual, const std::vector<Tra
 
 /// The names in the working folder, sorted.
 std::vector<std::string> NamesHere();
-
-/// Lets no file grow beyond a size while the object lives, as a full disk would: writes beyond it fail.
-class FileSizeLimit {
-  public:
-    explicit FileSizeLimit(unsigned long bytes);
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-    ~FileSizeLimit();
-
-  private:
-    unsigned long before = 0;
-};
-
-/// Makes the process an ordinary user while the object lives, when it runs as the one that may read and write
-/// every file. The working folder stays reachable, but is not this user's.
-class OrdinaryUser {
-  public:
-    OrdinaryUser();
-    OrdinaryUser(const OrdinaryUser&) = delete;
-    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-    ~OrdinaryUser();
-
-  private:
-    bool changed = false;
-};

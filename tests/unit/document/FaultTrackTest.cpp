@@ -1,6 +1,7 @@
 #include "ConvertCSV.h"
 
 #include "CommaLocale.h"
+#include "IndependentRamp.h"
 #include "LogCapture.h"
 #include "TemporaryFolder.h"
 #include "TextTrack.h"
@@ -11,7 +12,6 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
@@ -71,29 +71,9 @@ PlainTrack ReadPlainly(const std::string& path) {
     return track;
 }
 
-/// Red, green and blue at the seven steps where the ramp's bands meet, between which it is straight.
 QRgb RampColour(double height, double low, double high) {
-    static const std::array<std::array<int, 3>, 8> starts = {{{0, 0, 0},
-                                                              {0, 0, 255},
-                                                              {0, 255, 255},
-                                                              {0, 255, 0},
-                                                              {255, 255, 0},
-                                                              {255, 0, 0},
-                                                              {255, 0, 255},
-                                                              {255, 255, 255}}};
-    const double step = std::floor((height - low) * 1792 / (high - low) + 0.5);
-    if (step < 0)
-        return qRgb(0, 0, 0);
-    if (step >= 1792)
-        return qRgb(255, 255, 255);
-    const auto band = static_cast<std::size_t>(step / 256);
-    const int into = static_cast<int>(step) % 256;
-    const auto channel = [&](std::size_t which) {
-        const int from = starts.at(band)[which];
-        const int to = starts.at(band + 1)[which];
-        return from == to ? from : (from < to ? into : 255 - into);
-    };
-    return qRgb(channel(0), channel(1), channel(2));
+    const auto [red, green, blue] = independent::RampColour(height, low, high);
+    return qRgb(red, green, blue);
 }
 
 double Number(const std::string& field) {
