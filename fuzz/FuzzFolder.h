@@ -6,7 +6,8 @@
 #include <string>
 
 /// A folder in memory in which one fuzzer works, from its start to the end of the process: it is the working
-/// directory, nothing else is in it at first, and the log of the editor goes nowhere.
+/// directory, nothing else is in it at first, and the log of the editor goes nowhere. Its name ends with the
+/// number of the process, so that who started that one can remove what a finding leaves.
 class FuzzFolder {
   public:
     FuzzFolder();

@@ -504,7 +504,8 @@ void Monkey::changeDiskBehindItsBack() {
 // Checks
 
 void Monkey::check() {
-    CheckEditing(canvas().editingState(), window->rulerShown());
+    // Without a picture nothing is painted, and the ruler is not computed.
+    CheckEditing(canvas().editingState(), window->rulerShown() && hasTrack());
     checkWindow();
     checkBoxes();
 }
