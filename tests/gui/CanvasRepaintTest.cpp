@@ -1,5 +1,6 @@
 #include "CanvasFixture.h"
 #include "RandomOperator.h"
+#include "TemporaryFolder.h"
 
 #include <QPaintEvent>
 #include <QPainter>
@@ -130,6 +131,30 @@ TEST_F(CanvasRepaint, ADragWithTheRulerShownRepaintsOnlyItsNeighbourhood) {
     const QRegion region = painted.Take();
     EXPECT_FALSE(region.isEmpty());
     EXPECT_FALSE(region.intersects(QRect(0, 0, 200, 150)));
+}
+
+TEST_F(CanvasRepaint, APointDraggedFarAwayIsPaintedThere) {
+    window.ShowImage({400, 3000}); // painted in several strips, each of which looks for what reaches into it
+    mouse.Draw({{100, 100}, {200, 120}});
+    (void)window.Picture();
+    mouse.Move(At(0, 1));
+    mouse.Press(At(0, 1));
+    mouse.Move({300, 2900});
+    mouse.Release({300, 2900});
+    mouse.Move({20, 1500}); // the grip goes, the dot stays
+    EXPECT_EQ(Part(window.canvas, {290, 2890, 20, 20}).pixelColor(10, 10), QColor(0, 255, 0));
+}
+
+TEST_F(CanvasRepaint, PathsLoadedInPlaceOfOthersArePaintedWhereTheyAre) {
+    const TemporaryFolder folder;
+    WriteFile("other.trk",
+              "Segment\nheader\n0,0,0,0,0.25,0.9,1,100,50,100\n0,1,0,0,0.5,0.95,1,100,50,100\nEnd\n");
+    window.ShowImage({400, 3000});
+    mouse.Draw({{100, 100}, {200, 120}});
+    (void)window.Picture();
+    window.canvas->resetPaths();
+    ASSERT_EQ(window.canvas->loadPaths(QStringLiteral("other.trk")), 0);
+    EXPECT_EQ(Part(window.canvas, {190, 2840, 20, 20}).pixelColor(10, 10), QColor(0, 255, 0));
 }
 
 TEST_F(CanvasRepaint, TheImageIsThatOfAPlainLabelAtEveryViewScale) {

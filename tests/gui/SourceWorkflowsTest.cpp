@@ -1,10 +1,14 @@
+#include "BlockingController.h"
 #include "FileUtils.h"
 #include "OstraServerProcess.h"
 #include "WaitingSpinnerWidget.h"
 #include "WindowTest.h"
+#include "WorkerThread.h"
 
 #include <QElapsedTimer>
+#include <QPointer>
 #include <QPushButton>
+#include <QSlider>
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolButton>
@@ -234,6 +238,49 @@ TEST_F(SourceWorkflows, SwitchingToTheBackupFileWhileConnectedDisconnectsAndClea
     EXPECT_EQ(text("pushButton_sensor"), "Connect Sensor");
     EXPECT_EQ(uploadTip(), "Sync to server");
     connectToServer();
+}
+
+TEST_F(SourceWorkflows, SwitchingToAServerClosesAnOpenBackupFile) {
+    startServer();
+    openWindowAndListen();
+    makeBackup(folder.Path("x.osbak"), {{"b.trk", independent::BinaryFile(track)}});
+    choose("comboBox_sensor", "Backup File");
+    loadBackup(folder.Path("x.osbak"));
+    loadAndEdit("b.trk");
+    choose("comboBox_sensor", "127.0.0.1");
+    EXPECT_THAT(items("comboBox_file"), ElementsAre("External"));
+    EXPECT_FALSE(enabled("comboBox_operation"));
+    EXPECT_EQ(title(), "Corvane");
+    EXPECT_THAT(paths(), IsEmpty());
+    expectTrackClosed();
+    choose("comboBox_sensor", "Backup File");
+    click("toolButton_upload");
+    expectErrorBox("ERROR_FILE - Please open a backup file firstly.");
+}
+
+TEST_F(SourceWorkflows, AClosedTrackLeavesTheControlsWithoutEffect) {
+    openConnected();
+    loadAndEdit("b.trk");
+    click("pushButton_sensor");
+    expectTrackClosed();
+    const QSize before = canvas().size();
+    auto& slider = find<QSlider>("horizontalSlider_resizeImage");
+    slider.setValue(slider.value() > 40 ? 10 : 70);
+    EXPECT_EQ(canvas().size(), before);
+    const std::size_t left = paths().size();
+    click("pushButton_deleteAll");
+    EXPECT_THAT(paths(), SizeIs(left));
+}
+
+TEST(WorkerThread, HasTheHighestPriorityAndDisposesOfItsController) {
+    OstraSdkClient client;
+    WorkerThread worker(client);
+    const QPointer<BlockingController> controller = &worker.controller();
+    worker.start();
+    EXPECT_EQ(controller->thread()->priority(), QThread::TimeCriticalPriority);
+    EXPECT_NE(controller->thread(), QThread::currentThread());
+    worker.finish();
+    EXPECT_TRUE(controller.isNull());
 }
 
 TEST_F(SourceWorkflows, AFailedBackupLeavesConnectSensorAndTheNextClickConnectsAgain) {
