@@ -2,8 +2,6 @@
 
 #include "TarBlocks.h"
 
-#include <cstring>
-
 namespace {
 
 using Leaves = std::map<std::string, std::string>;
@@ -60,14 +58,7 @@ std::string WithSizeField(const std::string& name, const std::string& field) {
     std::string blocks = TarFile(name, "data");
     std::string padded = field;
     padded.resize(12, '\0');
-    blocks.replace(124, 12, padded);
-    std::memcpy(blocks.data() + 148, "        ", 8);
-    unsigned sum = 0;
-    for (std::size_t i = 0; i < kBlock; ++i)
-        sum += static_cast<unsigned char>(blocks[i]);
-    char digits[8];
-    std::snprintf(digits, sizeof digits, "%06o", sum);
-    return blocks.replace(148, 7, std::string(digits, 7));
+    return WithTarChecksum(blocks.replace(124, 12, padded));
 }
 
 std::string Sized(const std::string& name, long long size) {
@@ -92,13 +83,7 @@ std::string OldSparse(const std::string& realSizeOctal) {
     put(386, "00000000000");
     put(398, "00000000004");
     put(483, realSizeOctal);
-    put(148, "        ");
-    unsigned sum = 0;
-    for (std::size_t i = 0; i < kBlock; ++i)
-        sum += static_cast<unsigned char>(blocks[i]);
-    char digits[8];
-    std::snprintf(digits, sizeof digits, "%06o", sum);
-    return blocks.replace(148, 7, std::string(digits, 7));
+    return WithTarChecksum(blocks);
 }
 
 /// The pax form 1.0: the map of the pieces leads the data.

@@ -100,7 +100,6 @@ ScriptedServer::~ScriptedServer() {
     acceptor.join();
     for (std::thread& connection : connections)
         connection.join();
-    close(listener);
     close(stopReader);
 }
 
@@ -117,25 +116,17 @@ std::vector<std::string> ScriptedServer::RequestLines() const {
 }
 
 void ScriptedServer::Listen() {
+    listener.Listen(SOMAXCONN);
     int ends[2] = {-1, -1};
-    listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof(address);
-    auto* const generic = reinterpret_cast<sockaddr*>(&address);
-    const bool listening = bind(listener, generic, length) == 0 && listen(listener, SOMAXCONN) == 0 &&
-                           getsockname(listener, generic, &length) == 0 && pipe2(ends, O_CLOEXEC) == 0;
-    if (!listening)
+    if (pipe2(ends, O_CLOEXEC) != 0)
         throw std::runtime_error("The scripted server cannot listen.");
-    port = ntohs(address.sin_port);
     stopReader = ends[0];
     stopWriter = ends[1];
 }
 
 void ScriptedServer::Accept() {
-    while (Wait(listener, POLLIN)) {
-        const int connection = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
+    while (Wait(listener.Descriptor(), POLLIN)) {
+        const int connection = accept4(listener.Descriptor(), nullptr, nullptr, SOCK_CLOEXEC);
         if (connection >= 0)
             connections.emplace_back([this, connection] { Serve(connection); });
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "LoopbackSocket.h"
+
 #include <atomic>
 #include <chrono>
 #include <cstdint>
@@ -65,7 +67,7 @@ class ScriptedServer {
     ScriptedServer& operator=(const ScriptedServer&) = delete;
     ~ScriptedServer();
 
-    [[nodiscard]] unsigned int Port() const { return port; }
+    [[nodiscard]] unsigned int Port() const { return listener.Port(); }
 
     /// From now on only the head of a request is read before it is answered.
     void LeaveBodiesUnread() { readsBodies = false; }
@@ -88,10 +90,9 @@ class ScriptedServer {
     ScriptedReply Answer(const ScriptedRequest& request);
 
     Script script;
-    int listener = -1;
+    LoopbackSocket listener;
     int stopReader = -1; ///< readable once the server is to end
     int stopWriter = -1;
-    unsigned int port = 0;
     std::atomic<bool> readsBodies{true};
     mutable std::mutex guard; ///< of the requests and the script
     std::vector<ScriptedRequest> requests;

@@ -32,6 +32,15 @@ std::string Padded(std::string content) {
 
 } // namespace
 
+std::string WithTarChecksum(std::string blocks, unsigned lie) {
+    Put(blocks, 148, 8, "        ");
+    unsigned sum = lie;
+    for (std::size_t i = 0; i < kBlock; ++i)
+        sum += static_cast<unsigned char>(blocks[i]);
+    Put(blocks, 148, 8, Number(sum, 6) + ' ');
+    return blocks;
+}
+
 std::string TarBlocks(const TarBlockEntry& entry) {
     std::string block(kBlock, '\0');
     const auto size = entry.size >= 0 ? static_cast<unsigned long long>(entry.size) : entry.content.size();
@@ -41,7 +50,6 @@ std::string TarBlocks(const TarBlockEntry& entry) {
     Put(block, 116, 8, Number(0, 7));
     Put(block, 124, 12, Number(size, 11));
     Put(block, 136, 12, Number(1'700'000'000, 11));
-    Put(block, 148, 8, "        ");
     block[156] = entry.type;
     Put(block, 157, 100, entry.link);
     Put(block, 257, 8,
@@ -50,11 +58,7 @@ std::string TarBlocks(const TarBlockEntry& entry) {
                                      "00",
                                      8));
     Put(block, 345, 155, entry.prefix);
-    unsigned sum = entry.spoiltChecksum ? 1 : 0;
-    for (const char byte : block)
-        sum += static_cast<unsigned char>(byte);
-    Put(block, 148, 8, Number(sum, 6) + ' ');
-    return block + Padded(entry.content);
+    return WithTarChecksum(block, entry.spoiltChecksum ? 1 : 0) + Padded(entry.content);
 }
 
 std::string TarFile(const std::string& name, const std::string& content) {

@@ -16,6 +16,8 @@ struct TarBlockEntry {
     bool spoiltChecksum = false;
 };
 
+/// The blocks with the header's checksum set to what its bytes add up to, plus `lie`.
+std::string WithTarChecksum(std::string blocks, unsigned lie = 0);
 /// The header block and the padded content.
 std::string TarBlocks(const TarBlockEntry& entry);
 std::string TarFile(const std::string& name, const std::string& content);

@@ -2,6 +2,7 @@
 
 #include "DiscoveryResponder.h"
 #include "FileSizeLimit.h"
+#include "LoopbackSocket.h"
 #include "ScriptedServer.h"
 #include "TemporaryFolder.h"
 #include "ThrownBy.h"
@@ -12,8 +13,6 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include <netinet/in.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -43,16 +42,7 @@ std::map<std::string, ScriptedReply> WillingExcept(const std::string& path, cons
 
 /// A port of loopback where nobody listens.
 unsigned int ClosedPort() {
-    const int probe = socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof(address);
-    auto* const generic = reinterpret_cast<sockaddr*>(&address);
-    EXPECT_EQ(bind(probe, generic, length), 0);
-    EXPECT_EQ(getsockname(probe, generic, &length), 0);
-    close(probe);
-    return ntohs(address.sin_port);
+    return LoopbackSocket().Port();
 }
 
 void ExpectBackupRequestFails(OstraSdkClient& client) {

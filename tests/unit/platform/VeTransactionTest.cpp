@@ -3,6 +3,7 @@
 #include "ContentDigest.h"
 #include "Crc32c.h"
 #include "Exception.h"
+#include "LoopbackSocket.h"
 #include "ScriptedServer.h"
 #include "ThrownBy.h"
 #include "bStatus.h"
@@ -12,7 +13,6 @@
 
 #include <chrono>
 
-#include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -343,46 +343,26 @@ TEST(VeTransaction, keepsItsTimeoutWithAServerThatNeverStopsSending) {
 }
 
 TEST(VeTransaction, keepsItsTimeoutWithAServerThatDoesNotReadTheRequest) {
-    ScriptedServer server(SilentReply());
-    // Nobody accepts here: the request fills the buffers on the way, and no more.
-    const int listener = socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof(address);
-    auto* const generic = reinterpret_cast<sockaddr*>(&address);
-    ASSERT_EQ(bind(listener, generic, length), 0);
-    ASSERT_EQ(listen(listener, 1), 0);
-    ASSERT_EQ(getsockname(listener, generic, &length), 0);
+    const LoopbackSocket listener; // the request fills the buffers on the way, and no more
+    listener.Listen(1);
     VeJson body;
     body.Set("data", VeJson::Bytes(50'000'000, 'x'));
-    ExpectTimeout([&] { ClientOf(ntohs(address.sin_port)).Call("/a", body, VeJson()).CheckResponse(kShort); },
-                  300ms);
-    close(listener);
+    ExpectTimeout([&] { ClientOf(listener.Port()).Call("/a", body, VeJson()).CheckResponse(kShort); }, 300ms);
 }
 
 TEST(VeTransaction, keepsItsTimeoutWhileConnecting) {
-    // A queue that is full answers no further connection.
-    const int listener = socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof(address);
-    auto* const generic = reinterpret_cast<sockaddr*>(&address);
-    ASSERT_EQ(bind(listener, generic, length), 0);
-    ASSERT_EQ(listen(listener, 0), 0);
-    ASSERT_EQ(getsockname(listener, generic, &length), 0);
+    const LoopbackSocket listener; // a queue that is full answers no further connection
+    listener.Listen(0);
     std::vector<int> waiting;
     for (int i = 0; i < 3; ++i) {
         waiting.push_back(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0));
-        static_cast<void>(connect(waiting.back(), generic, length));
+        static_cast<void>(connect(waiting.back(), reinterpret_cast<const sockaddr*>(&listener.Address()),
+                                  sizeof listener.Address()));
     }
-    const unsigned int port = ntohs(address.sin_port);
-    ExpectTimeout([&] { Get(port, kShort); }, 300ms);
-    ExpectTimeout([&] { Get(port, kPlenty); }, 5000ms);
+    ExpectTimeout([&] { Get(listener.Port(), kShort); }, 300ms);
+    ExpectTimeout([&] { Get(listener.Port(), kPlenty); }, 5000ms);
     for (const int descriptor : waiting)
         close(descriptor);
-    close(listener);
 }
 
 TEST(VeTransaction, failsAtOnceWithoutTime) {
