@@ -1,7 +1,6 @@
 #include "Check.h"
 #include "ConvertBIN.h"
-#include "FuzzFolder.h"
-#include "FuzzPaths.h"
+#include "PathUpdate.h"
 #include "TrackChecks.h"
 
 #include <cstring>
@@ -21,8 +20,10 @@ std::string HeadOf(const std::string& original) {
                                   2 * static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
 }
 
-void CheckTarget(const std::string& original, const std::vector<TrackPath>& paths) {
-    const std::string target = ContentOf("target.trk");
+void CheckTarget(const PathUpdate& update) {
+    const std::string& original = update.original;
+    const std::string& target = update.target;
+    const std::vector<TrackPath>& paths = update.paths;
     Check(original.size() >= kHeaderSize && target.starts_with(HeadOf(original)),
           "header and map are copied byte for byte");
     std::vector<TrackPath> read;
@@ -40,26 +41,12 @@ void CheckTarget(const std::string& original, const std::vector<TrackPath>& path
 
 } // namespace
 
-// New paths into any bytes that are taken for a binary track. The paths come from the input's end.
+// New paths into any bytes that are taken for a binary track.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const FuzzFolder folder;
-    const int freeDescriptor = FreeDescriptor();
-    FuzzedDataProvider input(data, size);
-    const std::vector<TrackPath> paths = TakePaths(input);
-    const WorldTransform t = TakeTransform(input);
-    const std::string original = input.ConsumeRemainingBytesAsString();
-    Store("original.trk", original);
-    Store("target.trk", "old");
-
-    const int result = ConvertBIN().UpdatePath("original.trk", "target.trk", paths, t.widthScale, t.xOffset,
-                                               t.yOffset, t.xScale, t.yScale);
-    Check(result == 0 || result == 1, "a target that can be written is never the failure");
-    if (result == 0)
-        CheckTarget(original, paths);
-    else
-        Check(ContentOf("target.trk") == "old", "a failure leaves the target as it was");
-    Check(ContentOf("original.trk") == original, "the original is left alone");
-    Check(TreeOf(".").size() == 2, "nothing else is left behind");
-    Check(FreeDescriptor() <= freeDescriptor, "every file is closed");
+    ConvertBIN converter;
+    const PathUpdate update = UpdateAnyPaths(converter, data, size);
+    Check(update.result == 0 || update.result == 1, "a target that can be written is never the failure");
+    if (update.result == 0)
+        CheckTarget(update);
     return 0;
 }

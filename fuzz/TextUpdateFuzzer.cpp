@@ -1,7 +1,6 @@
 #include "Check.h"
 #include "ConvertCSV.h"
-#include "FuzzFolder.h"
-#include "FuzzPaths.h"
+#include "PathUpdate.h"
 #include "TrackChecks.h"
 
 #include <cmath>
@@ -52,38 +51,24 @@ std::vector<TrackPath> AsWritten(std::vector<TrackPath> paths) {
     return paths;
 }
 
-void CheckTarget(const Copied& copied, const std::vector<TrackPath>& paths) {
-    Check(ContentOf("target.trk").starts_with(copied.text), "the lines before the rulers are copied");
+void CheckTarget(const Copied& copied, const PathUpdate& update) {
+    Check(update.target.starts_with(copied.text), "the lines before the rulers are copied");
     std::vector<TrackPath> read;
     if (copied.hasSegments)
         return;
     Check(ConvertCSV().ReadPath("target.trk", read) == 0, "the paths can be read back");
-    CheckSamePaths(read, AsWritten(paths));
+    CheckSamePaths(read, AsWritten(update.paths));
 }
 
 } // namespace
 
-// New paths into any bytes that are taken for a text track. The paths come from the input's end.
+// New paths into any bytes that are taken for a text track.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const FuzzFolder folder;
-    const int freeDescriptor = FreeDescriptor();
-    FuzzedDataProvider input(data, size);
-    const std::vector<TrackPath> paths = TakePaths(input);
-    const WorldTransform t = TakeTransform(input);
-    const std::string original = input.ConsumeRemainingBytesAsString();
-    Store("original.trk", original);
-    Store("target.trk", "old");
-
-    const int result = ConvertCSV().UpdatePath("original.trk", "target.trk", paths, t.widthScale, t.xOffset,
-                                               t.yOffset, t.xScale, t.yScale);
-    const std::optional<Copied> copied = CopiedFrom(original);
-    Check(result == 0 || (result == 1 && !copied), "only a bad escape is a failure");
-    if (result == 0 && copied)
-        CheckTarget(*copied, paths);
-    if (result != 0)
-        Check(ContentOf("target.trk") == "old", "a failure leaves the target as it was");
-    Check(ContentOf("original.trk") == original, "the original is left alone");
-    Check(TreeOf(".").size() == 2, "nothing else is left behind");
-    Check(FreeDescriptor() <= freeDescriptor, "every file is closed");
+    ConvertCSV converter;
+    const PathUpdate update = UpdateAnyPaths(converter, data, size);
+    const std::optional<Copied> copied = CopiedFrom(update.original);
+    Check(update.result == 0 || (update.result == 1 && !copied), "only a bad escape is a failure");
+    if (update.result == 0 && copied)
+        CheckTarget(*copied, update);
     return 0;
 }

@@ -1,0 +1,26 @@
+#include "PathUpdate.h"
+
+#include "Check.h"
+#include "FuzzFolder.h"
+#include "FuzzPaths.h"
+
+PathUpdate UpdateAnyPaths(Converter& converter, const std::uint8_t* data, std::size_t size) {
+    static const FuzzFolder folder;
+    const int freeDescriptor = FreeDescriptor();
+    FuzzedDataProvider input(data, size);
+    PathUpdate update;
+    update.paths = TakePaths(input);
+    const WorldTransform t = TakeTransform(input);
+    update.original = input.ConsumeRemainingBytesAsString();
+    Store("original.trk", update.original);
+    Store("target.trk", "old");
+
+    update.result = converter.UpdatePath("original.trk", "target.trk", update.paths, t.widthScale, t.xOffset,
+                                         t.yOffset, t.xScale, t.yScale);
+    update.target = ContentOf("target.trk");
+    Check(update.result == 0 || update.target == "old", "a failure leaves the target as it was");
+    Check(ContentOf("original.trk") == update.original, "the original is left alone");
+    Check(TreeOf(".").size() == 2, "nothing else is left behind");
+    Check(FreeDescriptor() <= freeDescriptor, "every file is closed");
+    return update;
+}
