@@ -27,8 +27,8 @@ class HostileWindow : public WindowTest {
   protected:
     /// The working folder lies below others, so that ways out of it lead to a place that is looked at.
     void SetUp() override {
-        fs::create_directories("stage/work");
-        fs::current_path("stage/work");
+        fs::create_directories("stage/desk");
+        fs::current_path("stage/desk");
         openWindow();
         find<QComboBox>("comboBox_operation").setEnabled(true);
     }
@@ -132,7 +132,7 @@ class HostileWindow : public WindowTest {
         std::map<std::string, std::string> tree = FolderTree(folder.Path("."));
         std::erase_if(tree, [](const auto& entry) {
             const std::string& name = entry.first;
-            return name.rfind("stage/work/TmpDir", 0) == 0 || name == "stage/work/hostile.osbak";
+            return name.rfind("stage/desk/TmpDir", 0) == 0 || name == "stage/desk/hostile.osbak";
         });
         return tree;
     }
