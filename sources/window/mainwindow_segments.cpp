@@ -116,7 +116,8 @@ void MainWindow::ShowSegment() {
     const auto value = [this](SegmentParameter parameter) {
         return ui->label_mask->segmentParameter(parameter);
     };
-    ui->comboBox_lineType->setCurrentIndex(value(SegmentParameter::Method) - 1);
+    // A file may hold any number, the lowest included; below 1 is none of the list's.
+    ui->comboBox_lineType->setCurrentIndex(std::max(value(SegmentParameter::Method), 0) - 1);
     ui->lineEdit_lineLength->setText(QString::number(value(SegmentParameter::Length)));
     ui->lineEdit_lineWidth->setText(QString::number(value(SegmentParameter::Width)));
     ui->lineEdit_lineSpace->setText(QString::number(value(SegmentParameter::Space)));
