@@ -12,6 +12,7 @@ namespace {
 
 constexpr std::size_t kBufferSize = std::size_t{64} * 1024;
 constexpr mode_t kPermissionBits = 0777;
+constexpr uid_t kSameId = static_cast<uid_t>(-1); ///< for fchown: leave the owner, or the group, as it is
 
 /// The file that a name stands for: the far end of a chain of links, whether or not it exists yet.
 std::string LinksFollowed(const std::string& path) {
@@ -47,6 +48,21 @@ int CreateBeside(const std::string& folder, mode_t permissions, std::string& pat
     return -1;
 }
 
+/// Hands a new file to whom the old one belonged, as far as this user may give files away, and gives it the
+/// old one's permissions. A group that could not be kept gets no more than everybody has: its rights were
+/// another group's. @return false when the permissions could not be set
+bool TakeOver(int file, const struct stat& old) {
+    struct stat own {};
+    if (fstat(file, &own) != 0)
+        return false;
+    mode_t permissions = old.st_mode & kPermissionBits;
+    if (own.st_gid != old.st_gid && fchown(file, kSameId, old.st_gid) != 0)
+        permissions &= ~mode_t{S_IRWXG} | (permissions & S_IRWXO) << 3;
+    if (own.st_uid != old.st_uid)
+        static_cast<void>(fchown(file, old.st_uid, static_cast<gid_t>(kSameId)) == 0);
+    return fchmod(file, permissions) == 0;
+}
+
 } // namespace
 
 bool SyncFolderOf(const std::string& path) {
@@ -59,7 +75,9 @@ bool SyncFolderOf(const std::string& path) {
 
 WholeFile::WholeFile(const std::string& path) : target(LinksFollowed(path)) {
     struct stat old {};
-    const bool exists = stat(target.c_str(), &old) == 0;
+    const bool exists = stat(path.c_str(), &old) == 0;
+    if (!exists && errno != ENOENT) // a ring of links, say, where a file would end the links
+        return;
     if (exists && (!S_ISREG(old.st_mode) || faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0))
         return;
     buffer.reserve(kBufferSize); // before there is a file that a lack of memory would leave behind
@@ -67,7 +85,7 @@ WholeFile::WholeFile(const std::string& path) : target(LinksFollowed(path)) {
     descriptor = CreateBeside(FolderOf(target), exists ? 0600 : 0666, beside);
     if (descriptor < 0)
         return;
-    if (exists && fchmod(descriptor, old.st_mode & kPermissionBits) != 0)
+    if (exists && !TakeOver(descriptor, old))
         failed = true;
 }
 

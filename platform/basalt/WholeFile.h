@@ -8,8 +8,9 @@
 ///
 /// The bytes go to a hidden file beside the target (".corvane-" and six letters); Commit checks that every
 /// one of them has reached the disk and puts the file in place by renaming. Until then, and after any
-/// failure, whatever stood under the name is untouched. An existing target keeps its permissions; a symbolic
-/// link is followed, so that the link stays a link. Not safe for use from two threads at once.
+/// failure, whatever stood under the name is untouched. An existing target keeps its permissions, and its
+/// owner and group where this user may give them; a symbolic link is followed, so that the link stays a link.
+/// Not safe for use from two threads at once.
 class WholeFile {
   public:
     /// Starts writing beside `path`; IsOpen tells whether that was possible. A target that exists and is not

@@ -6,9 +6,18 @@
 #include <filesystem>
 #include <fstream>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
+
+/// Whether the file `place` would keep its owner and its group if `from` were renamed to it.
+bool BelongAlike(const char* from, const char* place) {
+    struct stat fresh {};
+    struct stat old {};
+    return stat(from, &fresh) == 0 && stat(place, &old) == 0 && fresh.st_uid == old.st_uid &&
+           fresh.st_gid == old.st_gid;
+}
 
 bool CopyWhole(const std::string& from, const std::string& target) {
     constexpr std::size_t kPiece = 65536;
@@ -27,9 +36,13 @@ bool CopyWhole(const std::string& from, const std::string& target) {
 bool ReplaceFile(const std::string& from, const std::string& target) {
     std::error_code failure;
     const std::filesystem::path place = std::filesystem::canonical(target, failure);
-    if (failure || !std::filesystem::is_regular_file(place) || access(place.c_str(), W_OK) != 0)
+    if (failure || !std::filesystem::is_regular_file(place, failure) || access(place.c_str(), W_OK) != 0)
         return false;
-    std::filesystem::permissions(from, std::filesystem::status(place).permissions(), failure);
+    if (!BelongAlike(from.c_str(), place.c_str()))
+        return CopyWhole(from, place.string());
+    const std::filesystem::perms permissions = std::filesystem::status(place, failure).permissions();
+    if (!failure)
+        std::filesystem::permissions(from, permissions, failure);
     if (!failure)
         std::filesystem::rename(from, place, failure);
     if (!failure)

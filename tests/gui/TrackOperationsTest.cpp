@@ -16,6 +16,7 @@
 #include <filesystem>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -733,6 +734,28 @@ TEST_F(TrackOperations, ReplacingAFileKeepsItsPermissionsAndItsLinks) {
     EXPECT_EQ(FileContent("target"), "new");
     EXPECT_TRUE(fs::is_symlink("link"));
     EXPECT_EQ(fs::status("target").permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST_F(TrackOperations, ReplacingKeepsTheOwnerAndTheGroup) {
+    WriteFile("target", "old");
+    WriteFile("from", "new");
+    if (chown("target", 12345, 54321) != 0)
+        GTEST_SKIP() << "this user may not give files away";
+    fs::permissions("target", fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_TRUE(ReplaceFile("from", "target"));
+    EXPECT_EQ(FileContent("target"), "new");
+    struct stat state {};
+    ASSERT_EQ(stat("target", &state), 0);
+    EXPECT_EQ(state.st_uid, 12345U);
+    EXPECT_EQ(state.st_gid, 54321U);
+    EXPECT_EQ(state.st_mode & 07777U, 0600U);
+    WriteFile("from", "other group alone");
+    ASSERT_EQ(chown("target", getuid(), 54321), 0);
+    EXPECT_TRUE(ReplaceFile("from", "target"));
+    ASSERT_EQ(stat("target", &state), 0);
+    EXPECT_EQ(state.st_gid, 54321U);
+    EXPECT_FALSE(ReplaceFile("gone", "target"));
+    EXPECT_EQ(FileContent("target"), "other group alone");
 }
 
 TEST_F(TrackOperations, ReplacingRefusesWhatIsNoFile) {

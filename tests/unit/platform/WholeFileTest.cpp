@@ -1,5 +1,6 @@
 #include "WholeFile.h"
 
+#include "OrdinaryUser.h"
 #include "TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -7,6 +8,7 @@
 #include <filesystem>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -75,6 +77,110 @@ TEST(WholeFile, writesThroughALinkToTheFileItNames) {
     ASSERT_TRUE(file.Commit());
     EXPECT_TRUE(std::filesystem::is_symlink("link.trk"));
     EXPECT_EQ(FileContent("real.trk"), "new");
+}
+
+struct stat StateOf(const char* path) {
+    struct stat state {};
+    EXPECT_EQ(stat(path, &state), 0);
+    return state;
+}
+
+void Replace(const char* path) {
+    WholeFile file(path);
+    file.Write("new");
+    ASSERT_TRUE(file.Commit());
+    EXPECT_EQ(FileContent(path), "new");
+}
+
+TEST(WholeFile, staysWithTheOwnerAndTheGroupOfTheFileItReplaces) {
+    const TemporaryFolder folder;
+    WriteFile("a.trk", "old");
+    if (chown("a.trk", 12345, 54321) != 0)
+        GTEST_SKIP() << "this user may not give files away";
+    ASSERT_EQ(chmod("a.trk", 0640), 0);
+    Replace("a.trk");
+    EXPECT_EQ(StateOf("a.trk").st_uid, 12345U);
+    EXPECT_EQ(StateOf("a.trk").st_gid, 54321U);
+    EXPECT_EQ(StateOf("a.trk").st_mode & 0777U, 0640U);
+}
+
+TEST(WholeFile, staysWithTheGroupWhereOnlyThatMayBeKept) {
+    const TemporaryFolder folder;
+    WriteFile("a.trk", "old");
+    if (chown("a.trk", 12345, 0) != 0)
+        GTEST_SKIP() << "this user may not give files away";
+    ASSERT_EQ(chmod(".", 02777), 0); // new files get the folder's group
+    ASSERT_EQ(chmod("a.trk", 0666), 0);
+    {
+        const OrdinaryUser user("."); // in the administrator's group still
+        ASSERT_TRUE(user.IsReady());
+        Replace("a.trk");
+    }
+    EXPECT_EQ(StateOf("a.trk").st_gid, 0U);
+    EXPECT_EQ(StateOf("a.trk").st_mode & 0777U, 0666U);
+}
+
+TEST(WholeFile, givesAnotherGroupNoMoreThanEverybodyHas) {
+    const TemporaryFolder folder;
+    for (const auto& [before, after] : {std::pair{0666U, 0666U}, {0676U, 0666U}, {0646U, 0646U}}) {
+        WriteFile("a.trk", "old");
+        if (chown("a.trk", 12345, 54321) != 0)
+            GTEST_SKIP() << "this user may not give files away";
+        ASSERT_EQ(chmod("a.trk", before), 0);
+        {
+            const OrdinaryUser user(".");
+            ASSERT_TRUE(user.IsReady());
+            Replace("a.trk");
+        }
+        EXPECT_NE(StateOf("a.trk").st_gid, 54321U);
+        EXPECT_EQ(StateOf("a.trk").st_mode & 0777U, after);
+    }
+}
+
+TEST(WholeFile, makesTheFileThatALinkLeadsToWithoutItBeingThere) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directory("there");
+    std::filesystem::create_symlink("there/second", "first");
+    std::filesystem::create_symlink("real.trk", "there/second");
+    Replace("first");
+    EXPECT_TRUE(std::filesystem::is_symlink("first"));
+    EXPECT_TRUE(std::filesystem::is_symlink("there/second"));
+    EXPECT_EQ(FileContent("there/real.trk"), "new");
+}
+
+TEST(WholeFile, isNotOpenedThroughARingOfLinksOrTooManyOfThem) {
+    const TemporaryFolder folder;
+    std::filesystem::create_symlink("ring2", "ring1");
+    std::filesystem::create_symlink("ring1", "ring2");
+    WriteFile("0", "old");
+    for (int i = 1; i <= 50; ++i)
+        std::filesystem::create_symlink(std::to_string(i - 1), std::to_string(i));
+    for (const char* const name : {"ring1", "50"}) {
+        WholeFile file(name);
+        EXPECT_FALSE(file.IsOpen()) << name;
+        file.Write("new");
+        EXPECT_FALSE(file.Commit());
+    }
+    EXPECT_TRUE(std::filesystem::is_symlink("ring1"));
+    EXPECT_TRUE(std::filesystem::is_symlink("10"));
+    EXPECT_EQ(FileContent("0"), "old");
+    EXPECT_EQ(EntriesHere(), 53U);
+}
+
+TEST(WholeFile, ofANewNameHasThePermissionsThatTheMaskLeaves) {
+    const TemporaryFolder folder;
+    const mode_t before = umask(027);
+    Replace("a.trk");
+    umask(before);
+    EXPECT_EQ(StateOf("a.trk").st_mode & 07777U, 0640U);
+}
+
+TEST(WholeFile, takesOverNoPermissionsBeyond0777) {
+    const TemporaryFolder folder;
+    WriteFile("a.trk", "old");
+    ASSERT_EQ(chmod("a.trk", 04711), 0);
+    Replace("a.trk");
+    EXPECT_EQ(StateOf("a.trk").st_mode & 07777U, 0711U);
 }
 
 TEST(WholeFile, isNotOpenedWhereNoFileCanStand) {
