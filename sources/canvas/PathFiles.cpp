@@ -16,14 +16,22 @@ SaveResult ResultOf(int code) {
     }
 }
 
-/// Text tracks are never written as text: the whole track becomes a binary one. What could not be read is not
-/// written either, lest an empty track take a good one's place.
-SaveResult ConvertTextTrack(Converter& text, const std::string& original, const std::string& target,
+/// Reads what a binary track takes over from a text track. Without its last rows or its paths' section the
+/// track could not have been opened: then it was cut since, and what is left must not take its place.
+bool ReadWhole(ConvertCSV& text, const std::string& original, TrackInfo& info, HeightMap& heights,
+               std::int64_t& size) {
+    return text.ReadInfo(original, info) == 0 &&
+           text.ReadWholeHeightMap(original, info, heights, size) == 0 &&
+           ConvertCSV::HasPathSection(original);
+}
+
+/// Text tracks are never written as text: the whole track becomes a binary one.
+SaveResult ConvertTextTrack(ConvertCSV& text, const std::string& original, const std::string& target,
                             const std::vector<TrackPath>& paths, const WorldTransform& world) {
     TrackInfo info;
     HeightMap heights;
     std::int64_t size = 0;
-    if (text.ReadInfo(original, info) != 0 || text.ReadHeightMap(original, info, heights, size) != 0)
+    if (!ReadWhole(text, original, info, heights, size))
         return SaveResult::OriginalUnreadable;
     return ResultOf(CreateBinaryConverter()->WriteTrack(target, info, heights, size, paths, world.widthScale,
                                                         world.xOffset, world.yOffset, world.xScale,
@@ -35,8 +43,8 @@ SaveResult ConvertTextTrack(Converter& text, const std::string& original, const 
 SaveResult SaveWithPaths(const std::string& original, const std::string& target,
                          const std::vector<TrackPath>& paths, const WorldTransform& world) {
     const std::shared_ptr<Converter> converter = CreateConverter(original);
-    if (dynamic_cast<ConvertCSV*>(converter.get()) != nullptr)
-        return ConvertTextTrack(*converter, original, target, paths, world);
+    if (auto* const text = dynamic_cast<ConvertCSV*>(converter.get()))
+        return ConvertTextTrack(*text, original, target, paths, world);
     return ResultOf(converter->UpdatePath(original, target, paths, world.widthScale, world.xOffset,
                                           world.yOffset, world.xScale, world.yScale));
 }

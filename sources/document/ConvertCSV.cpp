@@ -19,6 +19,8 @@
 namespace {
 
 constexpr const char* kImageTag = "[ReadImageFromCsv] (EXCEPTION) ";
+constexpr const char* kPathTag = "[ReadPathFromCsv] (EXCEPTION) ";
+constexpr const char* kPathSection = "Segment";
 
 int NoFile(const std::string& path) {
     LOG_LINE(ERROR) << "Could not find csv file (" << path << ")";
@@ -122,6 +124,26 @@ int PaintHeightMap(CsvScan& scan, HeightColours colours, QImage& image) {
     return row < image.height() ? NotEnough() : 0;
 }
 
+/// @param rows how many rows the file's map has
+int ReadRows(const std::string& path, const TrackInfo& info, HeightMap& heights, std::int64_t& size,
+             std::int64_t& rows) {
+    CsvScan scan(path);
+    if (!scan.IsOpen())
+        return NoFile(path);
+    if (!scan.Find("YX"))
+        return NoHeightMap();
+    if (!CanHold(scan.FileSize(), info))
+        return NotEnough();
+    const auto width = static_cast<std::size_t>(info.width);
+    heights.assign(width * static_cast<std::size_t>(info.height), kNoMeasurement);
+    size = std::int64_t{info.width} * info.width;
+    for (rows = 0; scan.NextInSection(); ++rows) {
+        if (ExtractRowPixelData(scan.Line(), rows, info.width, info.zOffset, info.zResolution, heights) != 0)
+            return 1;
+    }
+    return 0;
+}
+
 } // namespace
 
 int ConvertCSV::ReadInfo(const std::string& path, TrackInfo& info) {
@@ -149,32 +171,36 @@ int ConvertCSV::ReadImage(const std::string& path, TrackInfo info, double lowHei
 int ConvertCSV::ReadHeightMap(const std::string& path, TrackInfo info, HeightMap& heights,
                               std::int64_t& size) {
     return Guarded(kImageTag, [&] {
-        CsvScan scan(path);
-        if (!scan.IsOpen())
-            return NoFile(path);
-        if (!scan.Find("YX"))
-            return NoHeightMap();
-        if (!CanHold(scan.FileSize(), info))
-            return NotEnough();
-        const auto width = static_cast<std::size_t>(info.width);
-        heights.assign(width * static_cast<std::size_t>(info.height), kNoMeasurement);
-        size = std::int64_t{info.width} * info.width;
-        for (std::int64_t row = 0; scan.NextInSection(); ++row) {
-            if (ExtractRowPixelData(scan.Line(), row, info.width, info.zOffset, info.zResolution, heights) !=
-                0)
-                return 1;
-        }
-        return 0;
+        std::int64_t rows = 0;
+        return ReadRows(path, info, heights, size, rows);
     });
 }
 
+int ConvertCSV::ReadWholeHeightMap(const std::string& path, const TrackInfo& info, HeightMap& heights,
+                                   std::int64_t& size) {
+    return Guarded(kImageTag, [&] {
+        std::int64_t rows = 0;
+        if (ReadRows(path, info, heights, size, rows) != 0)
+            return 1;
+        return rows < info.height ? NotEnough() : 0;
+    });
+}
+
+bool ConvertCSV::HasPathSection(const std::string& path) {
+    const int result = Guarded(kPathTag, [&] {
+        CsvScan scan(path);
+        return scan.IsOpen() && scan.Find(kPathSection) ? 0 : 1;
+    });
+    return result == 0;
+}
+
 int ConvertCSV::ReadPath(const std::string& path, std::vector<TrackPath>& paths) {
-    return Guarded("[ReadPathFromCsv] (EXCEPTION) ", [&] {
+    return Guarded(kPathTag, [&] {
         CsvScan scan(path);
         if (!scan.IsOpen())
             return 1;
         paths.clear();
-        if (!scan.Find("Segment"))
+        if (!scan.Find(kPathSection))
             return 1;
         scan.Drop();
         while (scan.NextInSection())

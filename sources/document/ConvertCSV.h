@@ -10,6 +10,11 @@ class ConvertCSV final : public Converter {
                   QImage& image) override;
     int ReadHeightMap(const std::string& path, TrackInfo info, HeightMap& heights,
                       std::int64_t& size) override;
+    /// The same, but a map that lacks rows is a failure, as for an image.
+    int ReadWholeHeightMap(const std::string& path, const TrackInfo& info, HeightMap& heights,
+                           std::int64_t& size);
+    /// Whether the file has the section that `ReadPath` reads.
+    [[nodiscard]] static bool HasPathSection(const std::string& path);
     int ReadPath(const std::string& path, std::vector<TrackPath>& paths) override;
     int WriteTrack(const std::string& target, const TrackInfo& info, const HeightMap& heights,
                    std::int64_t size, const std::vector<TrackPath>& paths, double widthScale, double xOffset,

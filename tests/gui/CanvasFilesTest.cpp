@@ -153,9 +153,53 @@ TEST_F(CanvasFiles, AnOriginalThatCannotBeReadIsAnErrorAndTheTargetStays) {
     EXPECT_EQ(ErrorOf("missing.trk", "target.trk"), "Failed to read the original file.");
     WriteFile("empty.trk", "");
     EXPECT_EQ(ErrorOf("empty.trk", "target.trk"), "Failed to read the original file.");
-    WriteFile("cut.trk", kTextTrack.substr(0, kTextTrack.find("10.0")));
     WriteFile("binary.trk", std::string("Track  \0", 8));
     EXPECT_EQ(ErrorOf("binary.trk", "target.trk"), "Failed to read the original file.");
+    EXPECT_EQ(FileContent("target.trk"), "precious");
+}
+
+TEST_F(CanvasFiles, ATextOriginalCutAnywhereBeforeItsPathsIsAnErrorAndTheTargetStays) {
+    LoadText();
+    WriteFile("target.trk", "precious");
+    const std::size_t paths = kTextTrack.find("Segment\n") + std::string("Segment").size();
+    for (std::size_t kept = 0; kept < paths; ++kept) {
+        WriteFile("cut.trk", kTextTrack.substr(0, kept));
+        EXPECT_EQ(ErrorOf("cut.trk", "target.trk"), "Failed to read the original file.") << kept;
+    }
+    EXPECT_EQ(FileContent("target.trk"), "precious");
+}
+
+/// The paths come from the canvas, so nothing is lost with those of the file.
+TEST_F(CanvasFiles, ATextOriginalCutWithinItsPathsIsSavedWhole) {
+    LoadText();
+    Save("text.trk", "whole.trk");
+    for (std::size_t kept = kTextTrack.find("Segment\n") + 7; kept < kTextTrack.size(); ++kept) {
+        WriteFile("cut.trk", kTextTrack.substr(0, kept));
+        Save("cut.trk", "saved.trk");
+        EXPECT_EQ(FileContent("saved.trk"), FileContent("whole.trk")) << kept;
+    }
+}
+
+/// Whatever can be opened can be saved, also a map that no "End" line closes.
+TEST_F(CanvasFiles, ATextOriginalWhoseMapEndsWithTheFileIsSavedWhole) {
+    LoadText();
+    Save("text.trk", "whole.trk");
+    const std::size_t map = kTextTrack.find("YX");
+    const std::size_t mapEnd = kTextTrack.find("End", map);
+    const std::string info = kTextTrack.substr(0, map);
+    const std::string behind = kTextTrack.substr(mapEnd + std::string("End\n").size());
+    WriteFile("open.trk", info + behind + kTextTrack.substr(map, mapEnd - map));
+    Save("open.trk", "saved.trk");
+    EXPECT_EQ(FileContent("saved.trk"), FileContent("whole.trk"));
+}
+
+TEST_F(CanvasFiles, ATextOriginalWithTooFewRowsIsAnErrorAndTheTargetStays) {
+    LoadText();
+    WriteFile("target.trk", "precious");
+    std::string lacking = kTextTrack;
+    lacking.erase(lacking.find("10.1"), std::string("10.1,1.27,1.29,1.31\n").size());
+    WriteFile("lacking.trk", lacking);
+    EXPECT_EQ(ErrorOf("lacking.trk", "target.trk"), "Failed to read the original file.");
     EXPECT_EQ(FileContent("target.trk"), "precious");
 }
 

@@ -450,6 +450,18 @@ TEST_F(TrackOperations, ATrackThatWasSpoiltMeanwhileIsNotReplacedByAnEmptyOne) {
     }
 }
 
+TEST_F(TrackOperations, ATrackThatWasCutMeanwhileIsNotReplacedByWhatIsLeftOfIt) {
+    openWorkspace();
+    for (const char* name : {"A.trk", "b.trk"}) {
+        loadFromWorkspace(name);
+        const std::string cut = FileContent(kTracks + name).substr(0, 900); // within the height map
+        WriteFile(kTracks + name, cut);
+        operate("Save");
+        expectErrorBox("ERROR_TRACK - Failed to read the original file.");
+        EXPECT_EQ(FileContent(kTracks + name), cut) << name;
+    }
+}
+
 TEST_F(TrackOperations, SavesInPlaceAcrossFileSystems) {
     const fs::path shared = "/dev/shm";
     std::error_code failure;

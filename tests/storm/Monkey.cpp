@@ -119,14 +119,6 @@ std::string Monkey::randomTrackFile() {
     return chance(2) ? independent::BinaryFile(track) : independent::TextFile(track);
 }
 
-/// A text track that is cut within its map is one with a lower map to every reader, and its loss nothing that
-/// the editor could see: this one is cut before.
-std::string Monkey::randomCutFile() {
-    const std::string file = randomTrackFile();
-    return file.substr(
-        0, static_cast<std::size_t>(pick(static_cast<int>(std::min(file.find("YX"), file.size())))));
-}
-
 const Monkey::Habit& Monkey::anyHabit() {
     static const Habit opening{0, "open something", &Monkey::openSomething};
     constexpr int kPatienceWithoutTrack = 5;
@@ -496,7 +488,7 @@ void Monkey::changeDiskBehindItsBack() {
     if (what == 0)
         fs::remove(path);
     else if (what == 1)
-        WriteFile(path, randomCutFile());
+        WriteFile(path, randomTrackFile().substr(0, static_cast<std::size_t>(pick(3000))));
     else
         WriteFile(path, randomTrackFile());
 }

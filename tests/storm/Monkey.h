@@ -51,7 +51,6 @@ class Monkey : public WindowTest {
     void makeFiles();
     independent::Track randomTrack();
     std::string randomTrackFile();
-    std::string randomCutFile();
 
     void sendMouse(QEvent::Type type, Qt::MouseButton button);
     void moveMouse();
