@@ -40,6 +40,9 @@ class DialogAnswers final : public QObject {
     /// The next file dialog gets this name; an empty one cancels it. Without a prepared name it is cancelled.
     void typeFileName(const QString& name) { names.push_back(name); }
 
+    /// Takes back the names that no dialog asked for.
+    void forgetFileNames() { names.clear(); }
+
     /// Called while each message box stands; its answer is kept with the box.
     std::function<QString()> note;
 

@@ -146,6 +146,7 @@ void Monkey::run(const Habit& habit) {
     counts["  with a track"] += hasTrack() ? 1 : 0;
     watchdog->BeginStep(habit.name + (" after: " + lastEvents()));
     (this->*habit.act)();
+    answers.forgetFileNames(); // a name that no dialog asked for is not for the next one
     check();
     // Mostly it waits for the worker, sometimes it tries what it can do meanwhile.
     if (!window->isEnabled() && !chance(4))
