@@ -127,7 +127,12 @@ bStatus UnpackFolder(const std::string& tarFileName, const std::string& targetDi
     const bOwned<bFile> file = OpenArchiveFile(tarFileName, allocator);
     const bOwned<bTar> tar = OpenArchive(file.get(), allocator);
     MakeFresh(targetDirectory);
-    return Unpacker(tar.get(), targetDirectory).UnpackEntries();
+    const bStatus end = Unpacker(tar.get(), targetDirectory).UnpackEntries();
+    // A disk that cannot be read and a bound of our own are no end of the archive: the rest of it is there,
+    // and would be missing from the next backup.
+    if (end == bERROR_FILE || end == bERROR_LIMIT)
+        Fail(__LINE__, end, "Failed to read item - " + tarFileName);
+    return end;
 }
 
 void UnpackFolderStrictly(const std::string& tarFileName, const std::string& targetDirectory,

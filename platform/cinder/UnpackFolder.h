@@ -13,7 +13,8 @@
 /// size.
 /// @return how the archive ended: bERROR_END regularly; another status when it is damaged after the entries
 ///         that were unpacked (see bTar_BeginRead)
-/// @throws Ve::Exception: the step that failed and its status; what was unpacked before stays
+/// @throws Ve::Exception: the step that failed and its status, an archive that cannot be read on or has too
+///         many entries among them; what was unpacked before stays
 bStatus UnpackFolder(const std::string& tarFileName, const std::string& targetDirectory, bAlloc allocator);
 
 /// The same, but an archive that does not end regularly is a failure too: nothing that is cut or damaged,

@@ -83,6 +83,16 @@ TEST_F(BinaryImage, isRightInEveryRowWhateverTheWidth) {
     }
 }
 
+TEST_F(BinaryImage, mayHaveRowsThatAreLongerThanWhatIsReadAtATime) {
+    Track track;
+    track.width = 70'001;
+    track.height = 3;
+    for (int i = 0; i < track.width * track.height; ++i)
+        track.cells.push_back(static_cast<std::int16_t>(i % 8191));
+    EXPECT_EQ(Read(track, 0, 8190), 0);
+    ExpectPicture(image, track, 0, 8190);
+}
+
 TEST_F(BinaryImage, hasTheFormulasColourForAllSamples) {
     Track track;
     track.width = 256;
@@ -163,7 +173,14 @@ TEST_F(BinaryImage, ofAMapCutAnywhereIsAFailure) {
     const std::string head = BinaryHead(track);
     for (std::size_t size = 0; size < head.size(); ++size) {
         EXPECT_EQ(Read(head.substr(0, size), track, 595, 610), 1) << size;
-        EXPECT_EQ(log.Lines().size(), 1U) << size;
+        EXPECT_THAT(log.Lines(),
+                    ElementsAre(size < 8 ? "ERROR: Could not find file (a.trk)"
+                                : size < 68
+                                    ? "ERROR: [ReadImageFromBin] (EXCEPTION) File cut short at byte " +
+                                          std::to_string(size)
+                                    : "ERROR: [ReadImageFromBin] (EXCEPTION) Height map of 5 x 3 cells "
+                                      "is not in the file"))
+            << size;
     }
     EXPECT_TRUE(image.isNull());
     EXPECT_EQ(Read(head, track, 595, 610), 0);
@@ -194,10 +211,16 @@ TEST_F(BinaryImage, ofImpossibleDimensionsIsAFailureWithoutALargeAllocation) {
 
 TEST_F(BinaryImage, ofAFileThatChangedSinceItsInformationWasReadIsAFailure) {
     Track changed = SampleTrack();
-    changed.width = 3;
-    changed.height = 5;
-    EXPECT_EQ(Read(BinaryFile(changed), SampleTrack(), 595, 610), 1);
-    EXPECT_THAT(log.Lines(), ElementsAre(HasSubstr("3 x 5")));
+    for (const auto& [width, height] :
+         std::vector<std::pair<std::int32_t, std::int32_t>>{{3, 5}, {5, 2}, {4, 3}}) {
+        changed.width = width;
+        changed.height = height;
+        EXPECT_EQ(Read(BinaryFile(changed), SampleTrack(), 595, 610), 1);
+        EXPECT_THAT(log.Lines(), ElementsAre("ERROR: [ReadImageFromBin] (EXCEPTION) Height map of " +
+                                             std::to_string(width) + " x " + std::to_string(height) +
+                                             " cells where 5 x 3 were expected"));
+    }
+    EXPECT_TRUE(image.isNull());
 }
 
 } // namespace

@@ -10,6 +10,8 @@
 #include <filesystem>
 #include <limits>
 
+#include <sys/stat.h>
+
 namespace {
 
 using independent::BinaryAnchor;
@@ -175,10 +177,13 @@ TEST_F(BinaryInfo, ofNoFileIsAFailureWithItsOwnLine) {
     EXPECT_EQ(converter.ReadInfo("mis %s sing.trk", info), 1);
     std::filesystem::create_directory("folder.trk");
     EXPECT_EQ(converter.ReadInfo("folder.trk", info), 1);
+    ASSERT_EQ(mkfifo("pipe.trk", 0600), 0);
+    EXPECT_EQ(converter.ReadInfo("pipe.trk", info), 1) << "and nobody waits for a writer";
     EXPECT_EQ(Read(""), 1);
     EXPECT_THAT(log.Lines(),
                 ElementsAre("ERROR: Could not find file (mis %s sing.trk)",
-                            "ERROR: Could not find file (folder.trk)", "ERROR: Could not find file (a.trk)"));
+                            "ERROR: Could not find file (folder.trk)",
+                            "ERROR: Could not find file (pipe.trk)", "ERROR: Could not find file (a.trk)"));
 }
 
 TEST_F(BinaryInfo, ofAnUnreadableFileIsAFailureWithItsOwnLine) {
@@ -210,7 +215,10 @@ TEST_F(BinaryInfo, ofAHeaderCutAtAnyByteFailsAndKeepsTheFieldsBeforeTheCut) {
         SCOPED_TRACE("cut at " + std::to_string(size));
         info = TrackInfo();
         EXPECT_EQ(Read(content.substr(0, size)), 1);
-        EXPECT_EQ(log.Lines().size(), 1U);
+        EXPECT_THAT(log.Lines(),
+                    ElementsAre(size < 8 ? "ERROR: Could not find file (a.trk)"
+                                         : "ERROR: [ReadInfoFromBin] (EXCEPTION) File cut short at byte " +
+                                               std::to_string(size)));
         EXPECT_EQ(info.xResolution, size >= 20 ? 0.25 : 0);
         EXPECT_EQ(info.yResolution, size >= 28 ? 0.5 : 0);
         EXPECT_EQ(info.zResolution, size >= 36 ? 0.125 : 0);
@@ -271,6 +279,22 @@ TEST_F(BinaryInfo, ofImpossibleDimensionsIsAFailureWithoutALargeAllocation) {
         EXPECT_THAT(log.Lines(), ElementsAre(HasSubstr("ERROR: [ReadInfoFromBin] (EXCEPTION) ")));
         EXPECT_EQ(info.width, width);
         EXPECT_EQ(info.height, height);
+    }
+}
+
+TEST_F(BinaryInfo, ofANegativeDimensionFailsWithARangeThatIsEmpty) {
+    Track track = SampleTrack();
+    for (const auto& [width, height] :
+         std::vector<std::pair<std::int32_t, std::int32_t>>{{-1, 3}, {5, -1}, {-5, -3}}) {
+        info.minHeight = 32768;
+        info.maxHeight = -32768;
+        track.width = width;
+        track.height = height;
+        EXPECT_EQ(Read(BinaryFile(track)), 1);
+        EXPECT_THAT(log.Lines(), ElementsAre("ERROR: [ReadInfoFromBin] (EXCEPTION) Invalid height map size " +
+                                             std::to_string(width) + " x " + std::to_string(height)));
+        EXPECT_EQ(info.minHeight, 1e38);
+        EXPECT_EQ(info.maxHeight, -1e38);
     }
 }
 

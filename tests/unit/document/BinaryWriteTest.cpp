@@ -269,6 +269,8 @@ TEST_F(BinaryUpdate, ofNoTrackFailsWithItsOwnLine) {
         EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Could not find file (" + name + ")"));
     }
     EXPECT_EQ(Update("missing.trk", "missing/b.trk", SamplePaths()), kOriginalNotReadable);
+    EXPECT_EQ(Update("text.trk", "missing/b.trk", SamplePaths()), kTargetNotWritable)
+        << "both are opened before anything is read";
     EXPECT_THAT(NamesHere(), ElementsAre("folder.trk", "short.trk", "text.trk"));
 }
 
@@ -316,7 +318,12 @@ TEST_F(BinaryUpdate, ofImpossibleDimensionsFails) {
         track.height = height;
         WriteFile("a.trk", BinaryFile(track));
         EXPECT_EQ(Update("a.trk", "b.trk", SamplePaths()), kOriginalNotReadable);
-        EXPECT_THAT(log.Lines(), ElementsAre(HasSubstr("ERROR: [UpdatePathInBin] (EXCEPTION) ")));
+        const std::string dimensions = std::to_string(width) + " x " + std::to_string(height);
+        EXPECT_THAT(log.Lines(),
+                    ElementsAre("ERROR: [UpdatePathInBin] (EXCEPTION) " +
+                                (width < 0 || height < 0
+                                     ? "Invalid height map size " + dimensions
+                                     : "Height map of " + dimensions + " cells is not in the file")));
     }
 }
 

@@ -10,6 +10,7 @@
 #include "TemporaryFolder.h"
 #include "UnpackFolder.h"
 #include "bStatus.h"
+#include "bTar.h"
 
 #include <gmock/gmock.h>
 
@@ -18,6 +19,26 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
+
+// The ends that no archive of a test has: the linker puts this function in the place of the platform's (see
+// --wrap in CMakeLists.txt).
+bStatus EndingRead(bTar*, char*, std::size_t, int*,
+                   std::int64_t*) __asm__("__wrap__Z14bTar_BeginReadP4bTarPcmPiPl");
+bStatus RealRead(bTar*, char*, std::size_t, int*,
+                 std::int64_t*) __asm__("__real__Z14bTar_BeginReadP4bTarPcmPiPl");
+
+namespace {
+
+bStatus endBehindTheFirstEntry = bOK; ///< none unless a test sets it
+int entriesRead = 0;
+
+} // namespace
+
+bStatus EndingRead(bTar* tar, char* name, std::size_t capacity, int* kind, std::int64_t* size) {
+    if (endBehindTheFirstEntry != bOK && entriesRead++ > 0)
+        return endBehindTheFirstEntry;
+    return RealRead(tar, name, capacity, kind, size);
+}
 
 namespace {
 
@@ -284,6 +305,25 @@ TEST(TarUncompress, ofADamagedArchiveGivesWhatStandsBeforeAndALineInTheLog) {
     EXPECT_THAT(FolderTree("out"), IsEmpty());
     EXPECT_EQ(UnpackingOf(std::string(5000, '#')), "unpacked");
     EXPECT_THAT(FolderTree("out"), IsEmpty());
+}
+
+TEST(TarUncompress, failsWhereTheArchiveIsNotAtItsEndButCannotBeReadOn) {
+    const TemporaryFolder folder;
+    LogCapture log;
+    for (const auto& [end, failure] :
+         {std::pair{bERROR_FILE, Failure(bERROR_FILE, "Failed to read item - in.tar")},
+          {bERROR_LIMIT, Failure(bERROR_LIMIT, "Failed to read item - in.tar")},
+          {bERROR_MEMORY, Failure(bERROR_MEMORY, "Failed to allocate memory.")},
+          {bERROR_TOO_LONG, Failure(bERROR_TOO_LONG, "Failed to read item - a")},
+          {bERROR_FORMAT, std::string("unpacked")},
+          {bERROR_END, std::string("unpacked")}}) {
+        entriesRead = 0;
+        endBehindTheFirstEntry = end;
+        EXPECT_EQ(UnpackingOf(TarFile("a", "x") + TarFile("b", "x") + TarEnd()), failure) << end;
+        EXPECT_EQ(FolderTree("out"), (Tree{{"a", "x"}})) << end;
+    }
+    endBehindTheFirstEntry = bOK;
+    EXPECT_THAT(log.Lines(), ElementsAre("ERROR: (ERROR_FORMAT) The archive is damaged - in.tar"));
 }
 
 TEST(TarUncompress, strictlyTakesNothingThatIsCutOrDamaged) {
