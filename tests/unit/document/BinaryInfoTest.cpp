@@ -144,6 +144,19 @@ TEST_F(BinaryInfo, heightsThatAreNotFiniteDoNotCount) {
     EXPECT_EQ(info.maxHeight, 10 * 1e305);
 }
 
+TEST_F(BinaryInfo, heightsBetweenOnesThatAreTooLargeCount) {
+    EXPECT_EQ(Read(BinaryFile(RowOf({-10, 10, 30000}, 1e305, 0))), 0);
+    EXPECT_EQ(info.minHeight, -10 * 1e305);
+    EXPECT_EQ(info.maxHeight, 10 * 1e305);
+    EXPECT_EQ(Read(BinaryFile(RowOf({-20000, -10, 10}, 1e305, 0))), 0);
+    EXPECT_EQ(info.minHeight, -10 * 1e305);
+    EXPECT_EQ(info.maxHeight, 10 * 1e305);
+    // A cell without measurement would have a height here that is not too large.
+    EXPECT_EQ(Read(BinaryFile(RowOf({kNoMeasurement, -17000, -16000, 32767}, 1e304, 1.7e308))), 0);
+    EXPECT_EQ(info.minHeight, -17000 * 1e304 + 1.7e308);
+    EXPECT_EQ(info.maxHeight, -16000 * 1e304 + 1.7e308);
+}
+
 TEST_F(BinaryInfo, keepsTheAnchorAndThePositionsThatItHad) {
     info.anchorX = 7;
     info.anchorY = 8;

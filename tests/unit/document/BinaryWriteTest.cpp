@@ -99,6 +99,17 @@ TEST_F(BinaryWrite, ofPathsWithoutMarksCountsNoRulers) {
     EXPECT_EQ(FileContent("a.trk"), BinaryFile(track));
 }
 
+TEST_F(BinaryWrite, countsATickByItsStart) {
+    std::vector<TrackPath> paths = SamplePaths();
+    Track track = SampleTrack();
+    SetRecords(track, paths, SampleTransform());
+    ASSERT_EQ(track.rulers.size(), 3U);
+    paths[0].rulerMarks[0].tickEnds.emplace_back(9, 9);
+    paths[0].rulerMarks[1].bands.resize(5);
+    EXPECT_EQ(Write("a.trk", SampleTrack(), paths), 0);
+    EXPECT_EQ(FileContent("a.trk"), BinaryFile(track));
+}
+
 TEST_F(BinaryWrite, ofAMapWithoutCellsHasNothingBetweenHeaderAndAnchor) {
     Track track = TrackWithPaths();
     track.width = 0;
