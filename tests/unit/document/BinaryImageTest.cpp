@@ -9,6 +9,7 @@
 
 #include <QImage>
 
+#include <filesystem>
 #include <limits>
 
 namespace {
@@ -124,6 +125,30 @@ TEST_F(BinaryImage, ofTheRealSurfaceIsAsTheIndependentReaderSeesIt) {
     EXPECT_EQ(info.maxHeight, high);
     ASSERT_EQ(converter.ReadImage(TestData("fault-binary.trk"), info, low, high, image), 0);
     ExpectPicture(image, track, low, high);
+}
+
+TEST_F(BinaryImage, hasTheHeightsOfTheInformationThatIsGiven) {
+    const Track track = SampleTrack();
+    Track scaled = track;
+    scaled.zResolution = 2;
+    scaled.zOffset = -7;
+    EXPECT_EQ(Read(BinaryFile(track), scaled, -90, 160), 0);
+    ExpectPicture(image, scaled, -90, 160);
+}
+
+TEST_F(BinaryImage, thatNobodyCanHoldIsAFailure) {
+    Track track;
+    track.width = 800'000'000; // three bytes each are more than a line of pixels may have
+    track.height = 1;
+    const std::string head = BinaryFile(track).substr(0, 68);
+    WriteFile("a.trk", head);
+    std::filesystem::resize_file("a.trk", 68 + 1'600'000'000LL);
+    EXPECT_EQ(converter.ReadImage("a.trk", InfoOf(track), 0, 1, image), 1);
+    EXPECT_THAT(log.Lines(), ElementsAre("ERROR: [ReadImageFromBin] (EXCEPTION) No image of 800000000 x 1 "
+                                         "pixels can be made"));
+    track.width = 0;
+    EXPECT_EQ(Read(track, 0, 1), 1);
+    EXPECT_THAT(log.Lines(), ElementsAre("ERROR: [ReadImageFromBin] (EXCEPTION) Height map without cells"));
 }
 
 TEST_F(BinaryImage, needsARangeAboveZero) {

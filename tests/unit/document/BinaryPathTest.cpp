@@ -211,7 +211,11 @@ TEST_F(BinaryPath, behindAMapThatTheFileCannotHoldFail) {
         track.width = width;
         track.height = height;
         EXPECT_EQ(Read(BinaryFile(track)), 1);
-        EXPECT_THAT(log.Lines(), ElementsAre(HasSubstr(kTagged)));
+        const std::string dimensions = std::to_string(width) + " x " + std::to_string(height);
+        EXPECT_THAT(log.Lines(),
+                    ElementsAre(kTagged + (width < 0 || height < 0 ? "Invalid height map size " + dimensions
+                                                                   : "Height map of " + dimensions +
+                                                                         " cells is not in the file")));
     }
 }
 
