@@ -20,8 +20,8 @@ std::string LinksFollowed(const std::string& path) {
     std::filesystem::path place(path);
     constexpr int kLongestChain = 40;
     for (int step = 0; step < kLongestChain && std::filesystem::is_symlink(place, failure); ++step) {
-        const std::filesystem::path next = std::filesystem::read_symlink(place, failure);
-        place = next.is_absolute() ? next : place.parent_path() / next;
+        // Joined to a folder, an absolute path stands for itself.
+        place = place.parent_path() / std::filesystem::read_symlink(place, failure);
     }
     return place.string();
 }
@@ -68,8 +68,8 @@ bool TakeOver(int file, const struct stat& old) {
 bool SyncFolderOf(const std::string& path) {
     const int folder = open(FolderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (folder < 0)
-        return false;
-    const bool synced = fsync(folder) == 0;
+        return errno == EACCES;
+    const bool synced = fsync(folder) == 0 || errno == EINVAL || errno == ENOTSUP;
     return close(folder) == 0 && synced;
 }
 

@@ -48,6 +48,7 @@ class WholeFile {
     bool failed = false;
 };
 
-/// Brings the names of the folder that the file lies in to the disk: after a renaming, the new one.
+/// Brings the names of the folder that the file lies in to the disk: after a renaming, the new one. A folder
+/// that this user may not list, and one of a file system that syncs no folders, are left to the system.
 /// @return false when that failed
 [[nodiscard]] bool SyncFolderOf(const std::string& path);

@@ -5,10 +5,48 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <filesystem>
+#include <vector>
 
 #include <sys/stat.h>
 #include <unistd.h>
+
+// The linker puts these functions in the place of the system's (see --wrap in CMakeLists.txt).
+int ScriptedSync(int descriptor) __asm__("__wrap_fsync");
+int RealSync(int descriptor) __asm__("__real_fsync");
+ssize_t ShortWrite(int descriptor, const void* data, std::size_t size) __asm__("__wrap_write");
+ssize_t RealWrite(int descriptor, const void* data, std::size_t size) __asm__("__real_write");
+
+namespace {
+
+/// What the next calls fail with, the last one first; 0 for none.
+std::vector<int> syncFailures;
+
+/// No write takes more bytes than this, and every other one is interrupted; 0 for writes as they are.
+std::size_t mostBytesWritten = 0;
+int writes = 0;
+
+} // namespace
+
+ssize_t ShortWrite(int descriptor, const void* data, std::size_t size) {
+    if (mostBytesWritten == 0)
+        return RealWrite(descriptor, data, size);
+    if (++writes % 2 == 0) {
+        errno = EINTR;
+        return -1;
+    }
+    return RealWrite(descriptor, data, std::min(size, mostBytesWritten));
+}
+
+int ScriptedSync(int descriptor) {
+    const int failure = syncFailures.empty() ? 0 : syncFailures.back();
+    if (!syncFailures.empty())
+        syncFailures.pop_back();
+    errno = failure;
+    return failure != 0 ? -1 : RealSync(descriptor);
+}
 
 namespace {
 
@@ -54,6 +92,21 @@ TEST(WholeFile, keepsTheOrderOfSmallAndLargeWrites) {
     }
     ASSERT_TRUE(file.Commit());
     EXPECT_EQ(FileContent("a"), expected);
+}
+
+TEST(WholeFile, isWholeWhenTheSystemTakesItInPieces) {
+    const TemporaryFolder folder;
+    std::string content;
+    for (int i = 0; i < 30'000; ++i)
+        content += std::to_string(i);
+    WholeFile file("a");
+    mostBytesWritten = 777;
+    file.Write(content);
+    file.Write("the end");
+    const bool done = file.Commit();
+    mostBytesWritten = 0;
+    EXPECT_TRUE(done);
+    EXPECT_TRUE(FileContent("a") == content + "the end");
 }
 
 TEST(WholeFile, keepsThePermissionsOfTheFileItReplaces) {
@@ -135,6 +188,53 @@ TEST(WholeFile, givesAnotherGroupNoMoreThanEverybodyHas) {
         EXPECT_NE(StateOf("a.trk").st_gid, 54321U);
         EXPECT_EQ(StateOf("a.trk").st_mode & 0777U, after);
     }
+}
+
+/// How replacing a file ends when its first sync, its own, and the second, its folder's, fail with these.
+bool ReplacedDespite(int fileFailure, int folderFailure) {
+    WriteFile("a.trk", "old");
+    syncFailures = {folderFailure, fileFailure};
+    WholeFile file("a.trk");
+    file.Write("new");
+    const bool done = file.Commit();
+    syncFailures.clear();
+    return done;
+}
+
+TEST(WholeFile, isNotPutInPlaceBeforeItIsOnTheDisk) {
+    const TemporaryFolder folder;
+    for (const int failure : {EIO, ENOSPC, EINVAL}) {
+        EXPECT_FALSE(ReplacedDespite(failure, 0));
+        EXPECT_EQ(FileContent("a.trk"), "old");
+        EXPECT_EQ(EntriesHere(), 1U);
+    }
+}
+
+TEST(WholeFile, saysWhenItsNameMayNotBeOnTheDisk) {
+    const TemporaryFolder folder;
+    EXPECT_FALSE(ReplacedDespite(0, EIO));
+    EXPECT_EQ(FileContent("a.trk"), "new");
+    EXPECT_EQ(EntriesHere(), 1U);
+}
+
+TEST(WholeFile, isDoneWhereFoldersAreNotSynced) {
+    const TemporaryFolder folder;
+    for (const int failure : {EINVAL, ENOTSUP}) {
+        EXPECT_TRUE(ReplacedDespite(0, failure));
+        EXPECT_EQ(FileContent("a.trk"), "new");
+    }
+}
+
+TEST(WholeFile, isDoneInAFolderThatMayNotBeListed) {
+    const TemporaryFolder folder;
+    const OrdinaryUser user(".");
+    ASSERT_TRUE(user.IsReady());
+    std::filesystem::create_directory("box");
+    ASSERT_EQ(chmod("box", 0300), 0);
+    Replace("box/a.trk");
+    Replace("box/a.trk");
+    ASSERT_EQ(chmod("box", 0700), 0);
+    EXPECT_FALSE(SyncFolderOf("missing/a.trk"));
 }
 
 TEST(WholeFile, makesTheFileThatALinkLeadsToWithoutItBeingThere) {
