@@ -3,6 +3,7 @@
 #include "RequestError.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <memory>
 #include <utility>
 
@@ -30,11 +31,15 @@ std::vector<std::string> NamesIn(int folder) {
         Unreadable();
     (void)own.Release(); // closedir closes it
     std::vector<std::string> names;
+    errno = 0;
     while (const dirent* entry = readdir(entries.get())) {
         std::string name = entry->d_name;
         if (name != "." && name != "..")
             names.push_back(std::move(name));
+        errno = 0;
     }
+    if (errno != 0) // the list ends as if it were whole
+        Unreadable();
     std::sort(names.begin(), names.end());
     return names;
 }

@@ -77,7 +77,7 @@ bool ReadWhole(std::ifstream& file, std::streamoff size, std::vector<std::uint8_
         buffer.resize(static_cast<std::size_t>(read + step));
         file.read(reinterpret_cast<char*>(buffer.data()) + read, step);
     }
-    return file.good() && file.peek() == std::ifstream::traits_type::eof();
+    return file.good() && file.peek() == std::ifstream::traits_type::eof() && !file.bad();
 }
 
 } // namespace

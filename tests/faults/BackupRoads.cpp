@@ -57,16 +57,54 @@ FileTree OnDesk() {
     return files;
 }
 
+bool IsEither(const FileTree& tracks) {
+    return tracks == Tracks() || IsEditedSet(tracks);
+}
+
+/// The workspace archive on the way, and the edited workspace itself.
+void CheckPacked(Problems& problems) {
+    const std::string inner = FileContent("./TmpDirBackup/workspaces/Workspace.osws");
+    if (!Holds(inner, TracksInWorkspace, IsEither))
+        problems.emplace_back("Workspace.osws is broken");
+    if (!IsEditedSet(FilesIn(kTracks)))
+        problems.emplace_back("the edited workspace has changed");
+}
+
+void EditTrack(WindowOperator& window) {
+    window.LoadTrack("a.trk");
+    window.Edit();
+    window.Choose("comboBox_operation", "Save");
+    window.Expect("Save successfully.");
+}
+
+/// Whoever answers on a busy machine may come too late for the first question.
+void FindServer(WindowOperator& window) {
+    constexpr int kQuestions = 10;
+    for (int asked = 1; window.Text("pushButton_sensor") != "Connect Sensor"; ++asked) {
+        if (asked == kQuestions)
+            throw std::runtime_error("no server was found");
+        window.Click("toolButton_reset");
+    }
+}
+
+/// While the worker works, the window takes nothing.
+void AwaitWorker(WindowOperator& window) {
+    if (!window.Await([&window] { return window.IsEnabled(); }))
+        throw std::runtime_error("the worker does not end");
+}
+
+void ConnectSensor(WindowOperator& window) {
+    window.Click("pushButton_sensor");
+    AwaitWorker(window);
+}
+
 /// "Save to Backup File" after an edit.
 class SaveBackup final : public Road {
   public:
     [[nodiscard]] FileTree Before() const override { return OnDesk(); }
     void LeadUp(WindowOperator& window) const override {
         window.LoadBackup(kDesk + kBackup);
-        window.LoadTrack("a.trk");
-        window.Edit();
-        window.Choose("comboBox_operation", "Save");
-        window.Expect("Save successfully.");
+        EditTrack(window);
     }
     void Operate(WindowOperator& window) const override { window.Click("toolButton_upload"); }
     [[nodiscard]] std::string Success() const override { return "Saved the backup file successfully."; }
@@ -74,16 +112,7 @@ class SaveBackup final : public Road {
         Problems problems;
         CheckFolder(problems, kDesk, Desk(), kBackup, finished,
                     [](const std::string& archive) { return Holds(archive, TracksInBackup, IsEditedSet); });
-        // The workspace archive on the way, and the edited workspace itself.
-        const std::string inner = FileContent("./TmpDirBackup/workspaces/Workspace.osws");
-        const auto isEither = [](const FileTree& tracks) {
-            return tracks == Tracks() || IsEditedSet(tracks);
-        };
-        if (!Holds(inner, TracksInWorkspace, isEither))
-            problems.emplace_back("Workspace.osws is broken");
-        FileTree workspace = FilesIn(kTracks);
-        if (!IsEditedSet(workspace))
-            problems.emplace_back("the edited workspace has changed");
+        CheckPacked(problems);
         return problems;
     }
 };
@@ -119,21 +148,13 @@ class ServerBackup final : public Road {
         files["./Ostra.osbak"] = BackupArchive(Tracks());
         return files;
     }
-    void LeadUp(WindowOperator& window) const override {
-        if (window.Text("pushButton_sensor") != "Connect Sensor")
-            throw std::runtime_error("no server was found");
-    }
+    void LeadUp(WindowOperator& window) const override { FindServer(window); }
     void Operate(WindowOperator& window) const override {
         if (window.Text("pushButton_sensor") == "Disconnect Sensor") {
             window.Click("pushButton_sensor");
             window.ClearStatus();
         }
-        window.Click("pushButton_sensor");
-        const auto ended = [&window] {
-            return window.Status() != "Connecting to the sensor ..." || window.HasErrors();
-        };
-        if (!window.Await(ended))
-            throw std::runtime_error("the backup does not end");
+        ConnectSensor(window);
     }
     [[nodiscard]] std::string Success() const override { return "Connect successfully."; }
     [[nodiscard]] Problems Check(bool finished) const override {
@@ -154,6 +175,50 @@ class ServerBackup final : public Road {
     }
 };
 
+/// "Sync to server" after an edit.
+class Upload final : public Road {
+  public:
+    [[nodiscard]] FileTree Before() const override {
+        FileTree files = OnDesk();
+        for (const auto& [name, content] : Tracks())
+            files[kServed + kTrackPlace + name] = content;
+        return files;
+    }
+    [[nodiscard]] std::unique_ptr<OstraServerProcess> Serve() const override {
+        auto server = std::make_unique<OstraServerProcess>(kServed);
+        setenv("OSTRA_DISCOVERY", server->DiscoveryAddress().c_str(), 1);
+        return server;
+    }
+    void LeadUp(WindowOperator& window) const override {
+        FindServer(window);
+        ConnectSensor(window);
+        window.Expect("Connect successfully.");
+        EditTrack(window);
+    }
+    void Operate(WindowOperator& window) const override {
+        window.Click("toolButton_upload");
+        AwaitWorker(window);
+    }
+    [[nodiscard]] std::string Success() const override { return "Restoring successfully."; }
+    [[nodiscard]] Problems Check(bool finished) const override {
+        Problems problems;
+        CheckFolder(problems, kDesk, Desk(), "", false, [](const std::string&) { return false; });
+        CheckFolder(problems, "./", {{kDownloaded, ""}}, kDownloaded, true,
+                    [](const std::string& archive) { return Holds(archive, TracksInBackup, IsEither); });
+        CheckPacked(problems);
+        // Nothing fails once the archive is on its way: what did not succeed has not reached the server.
+        const FileTree served = FilesIn(kServed + kTrackPlace);
+        if (finished ? !IsEditedSet(served) : served != Tracks())
+            problems.emplace_back("the server holds another workspace than it should");
+        return problems;
+    }
+
+  private:
+    inline static const std::string kServed = "../../served/"; // not of the files that count
+    inline static const std::string kTrackPlace = "vdk/ContourPath/";
+    inline static const std::string kDownloaded = "Ostra.osbak";
+};
+
 } // namespace
 
 FileTree ServedTracks() {
@@ -167,5 +232,11 @@ std::vector<std::pair<std::string, std::unique_ptr<Road>>> BackupRoads() {
     roads.emplace_back("save-backup", std::make_unique<SaveBackup>());
     roads.emplace_back("server-backup", std::make_unique<ServerBackup>());
     roads.emplace_back("load-backup", std::make_unique<LoadBackup>());
+    return roads;
+}
+
+std::vector<std::pair<std::string, std::unique_ptr<Road>>> UploadRoads() {
+    std::vector<std::pair<std::string, std::unique_ptr<Road>>> roads;
+    roads.emplace_back("upload", std::make_unique<Upload>());
     return roads;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OperatorFiles.h"
+#include "OstraServerProcess.h"
 #include "WindowOperator.h"
 
 #include <memory>
@@ -16,6 +17,8 @@ class Road {
 
     /// The files that stand there before the editor starts.
     [[nodiscard]] virtual FileTree Before() const = 0;
+    /// Starts the server that this run alone uses, ahead of the editor. @return null when it needs none
+    [[nodiscard]] virtual std::unique_ptr<OstraServerProcess> Serve() const { return nullptr; }
     /// What the operator does to get there.
     virtual void LeadUp(WindowOperator& window) const = 0;
     /// The operation on which the faults fall. It may be asked for again.
@@ -62,6 +65,8 @@ std::vector<std::pair<std::string, std::unique_ptr<Road>>> TrackRoads();
 std::vector<std::pair<std::string, std::unique_ptr<Road>>> BackupRoads();
 /// The roads that only read.
 std::vector<std::pair<std::string, std::unique_ptr<Road>>> LoadRoads();
+/// The roads on which only failing reads are new: what they write, others write in the same way.
+std::vector<std::pair<std::string, std::unique_ptr<Road>>> UploadRoads();
 
 /// What the server that the backup is fetched from holds.
 FileTree ServedTracks();

@@ -1,22 +1,15 @@
 #include "ServerTrial.h"
 
-#include "OstraServerProcess.h"
 #include "RawHttp.h"
+#include "WatchedServer.h"
 
-#include <cstdlib>
 #include <filesystem>
-#include <optional>
-#include <stdexcept>
 
 #include <signal.h>
 
 namespace fs = std::filesystem;
 
 namespace {
-
-const std::string kFolder = "counts";
-const std::string kWorkspace = "counts/workspace";
-const std::string kTracks = kWorkspace + "/vdk/ContourPath/";
 
 FileTree Old() {
     return {{"a.trk", std::string(70'000, 'o')}, {"b.trk", "old"}};
@@ -29,13 +22,6 @@ FileTree New() {
 /// What the operator keeps beside the workspace.
 FileTree Neighbours() {
     return {{"station.osbak", "mine"}, {"mine.trk", "mine too"}};
-}
-
-void WriteFolder(const std::string& folder, const FileTree& files) {
-    FileTree placed;
-    for (const auto& [name, content] : files)
-        placed[folder + name] = content;
-    WriteTree(placed);
 }
 
 std::string BigEndian(std::uint32_t value) {
@@ -60,10 +46,10 @@ unsigned Restore(const OstraServerProcess& server, std::string& text) {
 }
 
 void Check(Problems& problems, const std::string& when, bool finished) {
-    const FileTree tracks = FilesIn(kTracks);
+    const FileTree tracks = FilesIn(kServedTracks);
     if (tracks != New() && (finished || tracks != Old()))
         problems.push_back(when + "the workspace is neither the old nor the new one");
-    FileTree beside = FilesIn(kFolder);
+    FileTree beside = FilesIn(kServerFolder);
     if (beside != Neighbours())
         problems.push_back(when + "something beside the workspace has changed");
 }
@@ -90,14 +76,10 @@ void ServerTrial::Arrange(FileCallReport& report) const {
 }
 
 Problems ServerTrial::Run(const Trial& trial, FileCallReport& report) const {
-    const std::string here = fs::current_path();
-    const TrialDisk disk(here + "/" + kFolder, trial);
-    WriteFolder(kTracks, Old());
-    WriteFolder(kFolder + "/", Neighbours());
-    setenv("LD_PRELOAD", preload.c_str(), 1);
-    setenv("CORVANE_FAULT_ROOT", (here + "/" + kFolder).c_str(), 1);
-    setenv("CORVANE_FAULT_REPORT", (here + "/report").c_str(), 1);
-    OstraServerProcess server(kWorkspace);
+    const TrialDisk disk(fs::absolute(kServerFolder), trial);
+    WriteFolder(kServedTracks, Old());
+    WriteFolder(kServerFolder + "/", Neighbours());
+    OstraServerProcess server = StartWatched(preload);
 
     disk.Fill();
     report.armed = true;
@@ -131,9 +113,9 @@ Problems ServerTrial::Run(const Trial& trial, FileCallReport& report) const {
 
 Problems ServerTrial::RunAfterKill() const {
     Problems problems;
-    const OstraServerProcess server(kWorkspace);
+    const OstraServerProcess server(kServedFolder);
     Check(problems, "", false);
-    if (HasHidden(kFolder))
+    if (HasHidden(kServerFolder))
         problems.emplace_back("something of the killed server is left");
     RestoreWell(problems, server, "next start: ");
     return problems;

@@ -36,6 +36,9 @@ class WindowOperator {
     /// Gives the open track's first segment another length.
     void Edit();
 
+    /// Whether the window takes mouse and keys: not while the worker works.
+    [[nodiscard]] bool IsEnabled() const { return window.isEnabled(); }
+
     std::string Status();
     void ClearStatus();
     std::string Text(const char* widget);

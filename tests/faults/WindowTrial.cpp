@@ -38,6 +38,7 @@ Problems WindowTrial::Run(const Trial& trial, FileCallReport& report) const {
     const TrialDisk disk(root, trial);
     Enter(root + "/work");
     WriteTree(road->Before());
+    const std::unique_ptr<OstraServerProcess> server = road->Serve();
     if (!WatchFileCalls(root.c_str(), &report))
         return {"the calls cannot be watched"};
     LogCapture log;
@@ -76,6 +77,7 @@ Problems WindowTrial::RunAfterKill() const {
     Enter(kFolder + "/work");
     Problems problems;
     Add(problems, road->Check(false), "");
+    const std::unique_ptr<OstraServerProcess> server = road->Serve();
     const LogCapture log;
     WindowOperator window;
     road->LeadUp(window);

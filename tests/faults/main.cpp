@@ -2,6 +2,7 @@
 #include "Harness.h"
 #include "OstraServerProcess.h"
 #include "Road.h"
+#include "ServerArchiveTrial.h"
 #include "ServerTrial.h"
 #include "TemporaryFolder.h"
 #include "WindowTrial.h"
@@ -130,6 +131,10 @@ NamedRoads AllRoads() {
                            std::make_unique<ServerTrial>(preload, reads, false));
     }
     AddWindowRoads(roads, LoadRoads(), true);
+    AddWindowRoads(roads, UploadRoads(), true);
+    for (const bool plain : {false, true})
+        roads.emplace_back(plain ? "reads-server-archive-plain" : "reads-server-archive",
+                           std::make_unique<ServerArchiveTrial>(preload, plain));
     roads.emplace_back("server-steps", std::make_unique<ServerTrial>(preload, false, true));
     return roads;
 }
