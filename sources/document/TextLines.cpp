@@ -10,6 +10,12 @@ namespace {
 
 constexpr std::size_t kBlock = std::size_t{256} << 10;
 
+void RequireAllowed(std::size_t lineLength) {
+    if (lineLength > TextLines::kLongestLine)
+        throw std::length_error("A line is longer than " + std::to_string(TextLines::kLongestLine) +
+                                " bytes");
+}
+
 } // namespace
 
 TextLines::TextLines(const std::string& path) {
@@ -33,6 +39,7 @@ bool TextLines::Next(std::string_view& line) {
         if (const void* const found =
                 searched == size ? nullptr : std::memchr(rest + searched, '\n', size - searched)) {
             const auto length = static_cast<std::size_t>(static_cast<const char*>(found) - rest);
+            RequireAllowed(length);
             line = TakeLine(length, begin + length + 1);
             return true;
         }
@@ -57,8 +64,7 @@ std::string_view TextLines::TakeLine(std::size_t length, std::size_t lineEnd) {
 /// end
 bool TextLines::Refill() {
     const std::size_t size = end - begin;
-    if (size > kLongestLine)
-        throw std::length_error("A line is longer than " + std::to_string(kLongestLine) + " bytes");
+    RequireAllowed(size);
     std::memmove(block.data(), block.data() + begin, size);
     begin = 0;
     end = size;

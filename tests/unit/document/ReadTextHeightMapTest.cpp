@@ -121,6 +121,38 @@ TEST_F(ReadTextHeightMap, allocatesNothingThatTheFileCannotHold) {
     }
 }
 
+TEST_F(ReadTextHeightMap, letsASmallMapHaveRowsAsShortAsTheyLike) {
+    for (const auto& [width, height] : {std::pair{1024, 1024}, {1 << 20, 1}, {1, 1 << 20}}) {
+        info.width = width;
+        info.height = height;
+        EXPECT_EQ(Read("YX\nEnd\n"), 0);
+        EXPECT_EQ(heights, HeightMap(1 << 20, -32768));
+        EXPECT_EQ(size, std::int64_t{width} * width);
+    }
+    heights.clear();
+    for (const auto& [width, height] : {std::pair{(1 << 20) + 1, 1}, {1, (1 << 20) + 1}, {1025, 1024}}) {
+        info.width = width;
+        info.height = height;
+        EXPECT_EQ(Read("YX\nEnd\n"), 1);
+        EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Height map data is no enough"));
+        EXPECT_THAT(heights, IsEmpty());
+    }
+}
+
+TEST_F(ReadTextHeightMap, hasNoMoreCellsThanALargeFileHasBytes) {
+    constexpr std::int32_t kBytes = 1'500'000;
+    std::string track = "YX\n1,1\nEnd\n";
+    track.resize(kBytes, '\n');
+    info.width = 1;
+    info.height = kBytes + 1;
+    EXPECT_EQ(Read(track), 1);
+    EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Height map data is no enough"));
+    EXPECT_THAT(heights, IsEmpty());
+    info.height = kBytes;
+    EXPECT_EQ(Read(track), 0);
+    EXPECT_EQ(heights.size(), static_cast<std::size_t>(kBytes));
+}
+
 TEST_F(ReadTextHeightMap, saysWhichFileItCannotOpen) {
     EXPECT_EQ(ConvertCSV().ReadHeightMap("no %s ü.trk", info, heights, size), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Could not find csv file (no %s ü.trk)"));

@@ -177,6 +177,18 @@ TEST_F(ReadTextImage, makesNoImageThatTheFileCannotHold) {
     }
 }
 
+TEST_F(ReadTextImage, isMadeForASmallMapWhateverTheFileHolds) {
+    info = InfoOfSize(1 << 20, 1);
+    EXPECT_EQ(Read("YX\n1,1\nEnd\n", 0.0, 1.0), 0);
+    EXPECT_EQ(image.pixel(0, 0), kWhite);
+    EXPECT_EQ(image.pixel((1 << 20) - 1, 0), kBlack);
+    image = QImage();
+    info = InfoOfSize((1 << 20) + 1, 1);
+    EXPECT_EQ(Read("YX\n1,1\nEnd\n", 0.0, 1.0), 1);
+    EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Height map data is no enough"));
+    EXPECT_TRUE(image.isNull());
+}
+
 TEST_F(ReadTextImage, paintsAMapWhoseRowsAreAllShort) {
     info = InfoOfSize(500, 400);
     std::string track = "YX\n";

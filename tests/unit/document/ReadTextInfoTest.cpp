@@ -288,6 +288,15 @@ TEST_F(ReadTextInfo, refusesDimensionsThatTheFileCannotHold) {
     }
 }
 
+TEST_F(ReadTextInfo, hasNoMoreRowsThanItsFileHasBytes) {
+    const std::string bytes = std::to_string(SmallTrack().size() + 2); // three digits in the place of one
+    ASSERT_EQ(bytes.size(), 3U);
+    EXPECT_EQ(ReadWith("-5,3,2", "-5,3," + bytes), 0);
+    EXPECT_EQ(info.rowPositions.size(), SmallTrack().size() + 2);
+    EXPECT_EQ(ReadWith("-5,3,2", "-5,3," + std::to_string(SmallTrack().size() + 3)), 1);
+    EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Height map data is no enough"));
+}
+
 TEST_F(ReadTextInfo, refusesRowsWhenItsHeightIsZero) {
     EXPECT_EQ(ReadWith("-5,3,2", "-5,3,0"), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Invalid row=0 for pixel values retrieval"));

@@ -61,6 +61,21 @@ TEST(TextLines, failsAtALineThatIsTooLong) {
     EXPECT_THROW(static_cast<void>(lines.Next(line)), std::length_error);
 }
 
+TEST(TextLines, takesTheLongestLineAndNoneThatIsAByteLonger) {
+    const std::string longest(TextLines::kLongestLine, 'x');
+    for (const std::string end : {"", "\nmore\n"}) {
+        const TemporaryFolder folder;
+        WriteFile("a", longest + end);
+        TextLines lines("a");
+        std::string_view line;
+        ASSERT_TRUE(lines.Next(line));
+        EXPECT_TRUE(line == longest);
+        WriteFile("b", longest + "x" + end);
+        TextLines tooLong("b");
+        EXPECT_THROW(static_cast<void>(tooLong.Next(line)), std::length_error);
+    }
+}
+
 TEST(TextLines, opensRegularFilesOnly) {
     const TemporaryFolder folder;
     std::filesystem::create_directory("folder");
