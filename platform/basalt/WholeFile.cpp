@@ -60,7 +60,8 @@ bool TakeOver(int file, const struct stat& old) {
         permissions &= ~mode_t{S_IRWXG} | (permissions & S_IRWXO) << 3;
     if (own.st_uid != old.st_uid)
         static_cast<void>(fchown(file, old.st_uid, static_cast<gid_t>(kSameId)) == 0);
-    return fchmod(file, permissions) == 0;
+    // A file system without permissions may refuse even those that the file has anyway.
+    return (own.st_mode & kPermissionBits) == permissions || fchmod(file, permissions) == 0;
 }
 
 } // namespace

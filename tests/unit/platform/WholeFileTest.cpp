@@ -18,8 +18,12 @@ int ScriptedSync(int descriptor) __asm__("__wrap_fsync");
 int RealSync(int descriptor) __asm__("__real_fsync");
 ssize_t ShortWrite(int descriptor, const void* data, std::size_t size) __asm__("__wrap_write");
 ssize_t RealWrite(int descriptor, const void* data, std::size_t size) __asm__("__real_write");
+int RefusedMode(int descriptor, mode_t mode) __asm__("__wrap_fchmod");
+int RealMode(int descriptor, mode_t mode) __asm__("__real_fchmod");
 
 namespace {
+
+bool modesAreRefused = false;
 
 /// What the next calls fail with, the last one first; 0 for none.
 std::vector<int> syncFailures;
@@ -29,6 +33,13 @@ std::size_t mostBytesWritten = 0;
 int writes = 0;
 
 } // namespace
+
+int RefusedMode(int descriptor, mode_t mode) {
+    if (!modesAreRefused)
+        return RealMode(descriptor, mode);
+    errno = EPERM;
+    return -1;
+}
 
 ssize_t ShortWrite(int descriptor, const void* data, std::size_t size) {
     if (mostBytesWritten == 0)
@@ -235,6 +246,24 @@ TEST(WholeFile, isDoneInAFolderThatMayNotBeListed) {
     Replace("box/a.trk");
     ASSERT_EQ(chmod("box", 0700), 0);
     EXPECT_FALSE(SyncFolderOf("missing/a.trk"));
+}
+
+TEST(WholeFile, needsNoPermissionsSetThatItHasAnyway) {
+    const TemporaryFolder folder;
+    WriteFile("a.trk", "old");
+    ASSERT_EQ(chmod("a.trk", 0600), 0);
+    modesAreRefused = true;
+    const bool done = ReplacedDespite(0, 0);
+    modesAreRefused = false;
+    EXPECT_TRUE(done);
+    EXPECT_EQ(FileContent("a.trk"), "new");
+    ASSERT_EQ(chmod("a.trk", 0640), 0);
+    modesAreRefused = true;
+    const bool doneAgain = ReplacedDespite(0, 0);
+    modesAreRefused = false;
+    EXPECT_FALSE(doneAgain) << "it would be closed to those it was open to";
+    EXPECT_EQ(FileContent("a.trk"), "old");
+    EXPECT_EQ(EntriesHere(), 1U);
 }
 
 TEST(WholeFile, makesTheFileThatALinkLeadsToWithoutItBeingThere) {

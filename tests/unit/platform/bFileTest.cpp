@@ -10,6 +10,7 @@
 #include <array>
 #include <filesystem>
 #include <set>
+#include <thread>
 
 #include <sys/stat.h>
 
@@ -170,18 +171,70 @@ TEST(File, thatIsReadTakesNoWriteBuffer) {
     EXPECT_EQ(FileContent("file"), "abc");
 }
 
+TEST(File, mayBeASourceThatGivesItsBytesOneAfterTheOther) {
+    int calls = 0;
+    const auto source = [&calls](char* room, std::size_t capacity, std::string_view* block) {
+        EXPECT_EQ(capacity, 4U);
+        room[0] = static_cast<char>('a' + calls);
+        *block = {room, calls < 2 ? 1U : 0U};
+        return calls++ < 3 ? bOK : bERROR_FORMAT;
+    };
+    bFile* file = nullptr;
+    EXPECT_EQ(bFile_ConstructOver(&file, nullptr, 2, bAlloc_Application()), bERROR_PARAMETER);
+    EXPECT_EQ(bFile_ConstructOver(&file, source, -1, bAlloc_Application()), bERROR_PARAMETER);
+    EXPECT_EQ(file, nullptr);
+    ASSERT_EQ(bFile_ConstructOver(&file, source, 2, bAlloc_Application()), bOK);
+    const bOwned<bFile> owned(file);
+    bFile::Facts facts;
+    EXPECT_EQ(file->Ask(&facts), bOK);
+    EXPECT_EQ(facts, (bFile::Facts{.size = 2}));
+    EXPECT_EQ(file->Skip(1), 0) << "it is read over instead";
+    std::array<char, 4> room{};
+    std::string_view block;
+    for (const char* const expected : {"a", "b", ""}) {
+        EXPECT_EQ(file->ReadBlock(room.data(), room.size(), &block), bOK);
+        EXPECT_EQ(block, expected);
+    }
+    EXPECT_EQ(file->ReadBlock(room.data(), room.size(), &block), bERROR_FORMAT);
+    std::size_t count = 1;
+    EXPECT_EQ(file->Read(room.data(), room.size(), &count), bERROR_FILE);
+    EXPECT_EQ(count, 0U);
+    EXPECT_EQ(bFile_Commit(file), bERROR_FILE);
+}
+
 TEST(Status, everyStatusHasANameOfItsOwn) {
     std::set<std::string> names;
-    const bStatus statuses[] = {
-        bOK,          bERROR_MEMORY, bERROR_PARAMETER,     bERROR_FORMAT, bERROR_END,     bERROR_TOO_LONG,
-        bERROR_LIMIT, bERROR_TRACK,  bERROR_NOT_CONNECTED, bERROR_FILE,   bERROR_REQUEST, bERROR_NOT_FOUND};
+    const bStatus statuses[] = {bOK,
+                                bERROR_MEMORY,
+                                bERROR_PARAMETER,
+                                bERROR_FORMAT,
+                                bERROR_END,
+                                bERROR_TOO_LONG,
+                                bERROR_LIMIT,
+                                bERROR_TRACK,
+                                bERROR_NOT_CONNECTED,
+                                bERROR_TIMEOUT,
+                                bERROR_CONNECTION,
+                                bERROR_REFUSED,
+                                bERROR_FILE,
+                                bERROR_REQUEST,
+                                bERROR_NOT_FOUND};
     for (const bStatus status : statuses) {
         names.insert(bStatus_Name(status));
         EXPECT_EQ(std::string(bStatus_Name(status)).find("STATUS"), std::string::npos) << status;
     }
     EXPECT_EQ(names.size(), std::size(statuses));
+    EXPECT_STREQ(bStatus_Name(bERROR_TIMEOUT), "ERROR_TIMEOUT");
+    EXPECT_STREQ(bStatus_Name(bERROR_CONNECTION), "ERROR_CONNECTION");
+    EXPECT_STREQ(bStatus_Name(bERROR_REFUSED), "ERROR_REFUSED");
     EXPECT_STREQ(bStatus_Name(12345), "STATUS 12345");
     EXPECT_STREQ(bStatus_Name(0), "STATUS 0");
+}
+
+TEST(Status, nameLivesWhileOtherThreadsAsk) {
+    const char* const name = bStatus_Name(12345);
+    std::thread([] { EXPECT_STREQ(bStatus_Name(777), "STATUS 777"); }).join();
+    EXPECT_STREQ(name, "STATUS 12345");
 }
 
 } // namespace
