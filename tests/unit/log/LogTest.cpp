@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include <new>
 #include <set>
 #include <sstream>
 #include <thread>
@@ -138,6 +139,17 @@ TEST_F(LogTest, LineLeavesInOneWriteWhenTheObjectEnds) {
         EXPECT_TRUE(Collector::Lines().empty());
     }
     EXPECT_THAT(Collector::Lines(), ::testing::ElementsAre("14:03:07.000 INFO: in pieces\n"));
+}
+
+/// Has no memory for the line.
+struct Forgetful {
+    static void Write(const std::string&) { throw std::bad_alloc(); }
+};
+
+TEST_F(LogTest, LineThatCannotBeWrittenIsLostAndNotTheProgram) {
+    EXPECT_NO_THROW({ Log<Forgetful>().Line(ERROR) << "lost"; });
+    LOG_LINE(INFO) << "on";
+    EXPECT_EQ(written(), "14:03:07.000 INFO: on\n");
 }
 
 TEST_F(LogTest, LogIsPolymorphicAndNotCopied) {

@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <ctime>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -195,16 +196,25 @@ TEST_F(MutexTest, FolderInPlaceOfTheLockFileIsRefused) {
     EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
 }
 
+TEST_F(MutexTest, PipeInPlaceOfTheLockFileIsRefused) {
+    ASSERT_EQ(::mkfifo((runtime + "/corvane.lock").c_str(), 0600), 0);
+    EXPECT_EQ(CreateMutexW(nullptr, FALSE, L"corvane"), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+}
+
 /// A runtime directory that is not this user's alone, or none at all, is left alone for another one, where
 /// the mutex is as good.
 TEST_F(MutexTest, UnusableRuntimeDirectoriesArePassedOver) {
     ASSERT_EQ(::symlink(runtime.c_str(), folder.Path("link").c_str()), 0);
     ::mkdir(folder.Path("open").c_str(), 0700);
     ::chmod(folder.Path("open").c_str(), 0755);
+    ::mkdir(folder.Path("group").c_str(), 0700);
+    ::chmod(folder.Path("group").c_str(), 0710);
+    ::mkdir("relative", 0700);
     const std::string name = "corvane-test-" + std::to_string(::getpid());
     const std::wstring wide(name.begin(), name.end());
     for (const std::string& directory : {folder.Path("absent"), folder.Path("link"), folder.Path("open"),
-                                         std::string("relative"), std::string()}) {
+                                         folder.Path("group"), std::string("relative"), std::string()}) {
         ::setenv("XDG_RUNTIME_DIR", directory.c_str(), 1);
         const HANDLE first = CreateMutexW(nullptr, FALSE, wide.c_str());
         EXPECT_NE(first, nullptr) << directory;
@@ -234,7 +244,17 @@ TEST(FopenSTest, OpensEmptiesAndReportsFailures) {
     EXPECT_EQ(file, nullptr);
     EXPECT_EQ(fopen_s(&file, "no/log", "w+"), ENOENT);
     EXPECT_EQ(fopen_s(nullptr, "log", "w+"), EINVAL);
+    file = stderr;
     EXPECT_EQ(fopen_s(&file, nullptr, "w+"), EINVAL);
+    EXPECT_EQ(file, nullptr);
+}
+
+TEST(FopenSTest, KeepsTheFileFromProgramsStartedMeanwhile) {
+    const TemporaryFolder folder;
+    std::FILE* file = nullptr;
+    ASSERT_EQ(fopen_s(&file, "log", "w+"), 0);
+    EXPECT_NE(::fcntl(::fileno(file), F_GETFD) & FD_CLOEXEC, 0);
+    std::fclose(file);
 }
 
 TEST(TickCountTest, CountsMilliseconds) {
@@ -246,6 +266,33 @@ TEST(TickCountTest, CountsMilliseconds) {
     } while (passed < 20);
     const auto elapsed = std::chrono::steady_clock::now() - before;
     EXPECT_GE(elapsed, std::chrono::milliseconds(19));
+}
+
+TEST(TickCountTest, IsTheTimeThatNobodySets) {
+    const auto now = [] {
+        timespec time{};
+        ::clock_gettime(CLOCK_MONOTONIC, &time);
+        return static_cast<DWORD>(time.tv_sec * 1000 + time.tv_nsec / 1'000'000);
+    };
+    const DWORD before = now();
+    const DWORD ticks = GetTickCount();
+    const DWORD after = now();
+    EXPECT_LE(ticks - before, after - before);
+}
+
+/// The hours of a place where it is afternoon.
+TEST(TimeFormatTest, CountsTwentyFourHoursOfTheLocalTime) {
+    const std::time_t now = std::time(nullptr);
+    std::tm world{};
+    gmtime_r(&now, &world);
+    const int east = 13 - world.tm_hour; // so that the hour there is 13, or 14 when it strikes meanwhile
+    ::setenv("TZ", ("Place" + std::to_string(-east)).c_str(), 1);
+    ::tzset();
+    char text[200];
+    EXPECT_EQ(GetTimeFormatA(LOCALE_USER_DEFAULT, 0, nullptr, "HH':'mm':'ss", text, sizeof text), 9);
+    ::unsetenv("TZ");
+    ::tzset();
+    EXPECT_THAT(std::string(text).substr(0, 3), ::testing::AnyOf("13:", "14:"));
 }
 
 TEST(TimeFormatTest, WritesTheLocalTimeOfNow) {

@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <functional>
@@ -276,6 +277,9 @@ TEST(Tar, endsRegularlyOnlyWithItsEndMark) {
     EXPECT_THAT(Read(TarEnd()), ElementsAre(kRegularEnd));
     EXPECT_THAT(Read(entry), ElementsAre("a=x", kDamaged));
     EXPECT_THAT(Read(entry + TarEnd().substr(512)), ElementsAre("a=x", kDamaged));
+    EXPECT_THAT(Read(entry + TarEnd().substr(1)), ElementsAre("a=x", kDamaged));
+    const std::string block(512, 'x');
+    EXPECT_THAT(Read(TarFile("a", block)), ElementsAre("a=" + block, kDamaged)) << "all of it is there";
     EXPECT_THAT(Read(TarEnd().substr(512)), ElementsAre(kDamaged));
     EXPECT_THAT(Read(""), ElementsAre(kDamaged));
 }
@@ -324,8 +328,10 @@ TEST(Tar, refusesMoreBytesInAllThanItCanHold) {
     archive += TarEnd();
     const std::vector<std::string> lines = Read(archive);
     ASSERT_EQ(lines.size(), 11U);
-    EXPECT_EQ(lines[0], "hole0=" + std::string(4000, '\0'));
-    EXPECT_EQ(lines[8], "hole8=!" + kDamaged);
+    ASSERT_EQ(archive.size(), 16'384U); // four times 4000, and a rest
+    for (std::size_t i = 0; i < 10; ++i)
+        EXPECT_EQ(lines[i],
+                  "hole" + std::to_string(i) + (i < 4 ? "=" + std::string(4000, '\0') : "=!" + kDamaged));
     EXPECT_EQ(lines[10], kRegularEnd);
 }
 
@@ -334,8 +340,120 @@ TEST(Tar, refusesAHoleOfTerabytes) {
     EXPECT_THAT(
         Read(TarPax(PaxRecord("GNU.sparse.name", "hole") + PaxRecord("GNU.sparse.size", "4398046511104") +
                     PaxRecord("GNU.sparse.map", "4398046511103,1")) +
-             TarFile("short", "x") + TarEnd()),
-        ElementsAre("hole=!" + kDamaged, kRegularEnd));
+             TarFile("short", "x") + TarFile("good", "x") + TarEnd()),
+        ElementsAre("hole=!" + kDamaged, "good=x", kRegularEnd));
+}
+
+TEST(Tar, refusesPiecesOfASparseFileThatDoNotFitOneBehindTheOther) {
+    const TemporaryFolder folder;
+    for (const char* const map : {"900,3,500,2", "500,3,501,2", "5000,3,5003,2", "1198,3,1201,2"}) {
+        const std::vector<std::string> lines =
+            Read(TarPax(PaxRecord("GNU.sparse.name", "hole") + PaxRecord("GNU.sparse.size", "1200") +
+                        PaxRecord("GNU.sparse.map", map)) +
+                 TarFile("short", "abcde") + TarEnd());
+        EXPECT_THAT(lines.front(), testing::StartsWith("hole=")) << map;
+        EXPECT_THAT(lines.front(), testing::EndsWith("!" + kDamaged)) << map;
+        EXPECT_LE(lines.front().size(), 1210U) << map;
+    }
+}
+
+TEST(Tar, givesADirectorysNameWithoutAnySlashAtItsEndButTheRootsOwn) {
+    const TemporaryFolder folder;
+    EXPECT_THAT(Read(TarFolder("a//") + TarFolder("b/c///") + TarFolder("/") + TarEnd()),
+                ElementsAre("a/", "b/c/", "//", kRegularEnd));
+}
+
+TEST(Tar, tellsAnArchiveThatCannotBeReadFromADamagedOne) {
+    const std::string archive = TarFile("a", "x") + TarFile("b", std::string(1000, 'b')) + TarEnd();
+    const auto ending = [&archive](std::size_t readable) {
+        std::size_t given = 0;
+        const auto source = [&](char* room, std::size_t, std::string_view* block) {
+            const std::size_t size = std::min<std::size_t>(512, readable - given);
+            archive.copy(room, size, given);
+            given += size;
+            *block = {room, size};
+            return size > 0 ? bOK : bERROR_FILE;
+        };
+        bFile* opened = nullptr;
+        EXPECT_EQ(bFile_ConstructOver(&opened, source, static_cast<std::int64_t>(archive.size()),
+                                      bAlloc_Application()),
+                  bOK);
+        const bOwned<bFile> file(opened);
+        bTar* made = nullptr;
+        if (const bStatus status = bTar_Construct(&made, file.get(), bFile_READ, bAlloc_Application());
+            status != bOK)
+            return std::to_string(status) + " at the start";
+        const bOwned<bTar> tar(made);
+        std::array<char, bTar_NAME_SIZE> name{};
+        int kind = 0;
+        std::int64_t size = 0;
+        std::string_view block;
+        for (;;) {
+            bStatus status = bTar_BeginRead(tar.get(), name.data(), name.size(), &kind, &size);
+            if (status != bOK)
+                return std::to_string(status) + " behind " + name.data();
+            while ((status = bTar_ReadBlock(tar.get(), &block)) == bOK)
+                continue;
+            if (status != bERROR_END)
+                return std::to_string(status) + " in " + name.data();
+        }
+    };
+    EXPECT_EQ(ending(0), std::to_string(bERROR_FILE) + " at the start");
+    EXPECT_EQ(ending(1024), std::to_string(bERROR_FILE) + " behind a");
+    EXPECT_EQ(ending(2048), std::to_string(bERROR_FILE) + " in b");
+    EXPECT_EQ(ending(2560), std::to_string(bERROR_FILE) + " behind b");
+}
+
+/// What the first entry of an archive of so many links, and a file behind them, is met with.
+bStatus StatusBehindLinks(std::int64_t count) {
+    constexpr std::int64_t kAtOnce = 500;
+    const std::string end = TarFile("a", "") + TarEnd();
+    std::string links;
+    for (std::int64_t i = 0; i < kAtOnce; ++i)
+        links += TarLink("link", '2', "a");
+    std::int64_t left = count;
+    const auto source = [&](char*, std::size_t, std::string_view* block) {
+        const std::int64_t now = std::min(left, kAtOnce);
+        *block = std::string_view(links).substr(0, static_cast<std::size_t>(now) * 512);
+        if (left == 0)
+            *block = end;
+        left -= now;
+        return bOK;
+    };
+    bFile* opened = nullptr;
+    EXPECT_EQ(bFile_ConstructOver(&opened, source, count * 512 + static_cast<std::int64_t>(end.size()),
+                                  bAlloc_Application()),
+              bOK);
+    const bOwned<bFile> file(opened);
+    const auto tar = OpenTar(file, bFile_READ);
+    std::array<char, bTar_NAME_SIZE> name{};
+    int kind = 0;
+    std::int64_t size = 0;
+    const bStatus status = bTar_BeginRead(tar.get(), name.data(), name.size(), &kind, &size);
+    EXPECT_EQ(bTar_PassedOver(tar.get()), status == bOK ? count : bTar_MOST_ENTRIES);
+    return status;
+}
+
+TEST(Tar, takesAMillionEntriesAndNoMore) {
+    EXPECT_EQ(StatusBehindLinks(999'999), bOK);
+    EXPECT_EQ(StatusBehindLinks(1'000'000), bERROR_LIMIT);
+}
+
+TEST(Tar, readsNothingWithoutAPlaceForIt) {
+    const TemporaryFolder folder;
+    WriteFile("read.tar", TarFile("a", "x") + TarEnd());
+    const auto file = Open("read.tar", bFile_READ);
+    const auto tar = OpenTar(file, bFile_READ);
+    char name[2] = {'?', '?'};
+    int kind = 0;
+    std::int64_t size = 0;
+    EXPECT_EQ(bTar_BeginRead(tar.get(), nullptr, 2, &kind, &size), bERROR_PARAMETER);
+    EXPECT_EQ(bTar_BeginRead(tar.get(), name, 0, &kind, &size), bERROR_PARAMETER);
+    EXPECT_EQ(bTar_BeginRead(tar.get(), name, 2, nullptr, &size), bERROR_PARAMETER);
+    EXPECT_EQ(bTar_BeginRead(tar.get(), name, 2, &kind, nullptr), bERROR_PARAMETER);
+    EXPECT_EQ(name[0], '?');
+    EXPECT_EQ(bTar_BeginRead(tar.get(), name, 2, &kind, &size), bOK) << "room for one letter and its end";
+    EXPECT_STREQ(name, "a");
 }
 
 TEST(Tar, cutAtEveryBlockNeverEndsRegularlyAndNeverGivesHalfAFile) {
