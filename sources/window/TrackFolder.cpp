@@ -1,60 +1,70 @@
 #include "TrackFolder.h"
 
 #include "Exception.h"
-#include "bDirectory.h"
+#include "bStatus.h"
 
 #include <QDir>
 #include <QFile>
-#include <QSet>
+#include <QFileInfo>
 
 #include <algorithm>
+#include <cerrno>
+#include <memory>
+
+#include <dirent.h>
 
 namespace {
 
-constexpr std::size_t kListCapacity = 10;
+struct FolderCloser {
+    void operator()(DIR* folder) const { closedir(folder); }
+};
 
-/// The regular files of a folder, other than hidden ones; the toolkit leaves out names that are no text.
-bStatus AskNames(const QString& directory, QStringList& names) {
-    bArrayList* list = nullptr;
-    bStatus status = bArrayList_Construct(&list, bString_TYPE, kListCapacity, bAlloc_Application());
-    const bOwned<bArrayList> owned(list);
-    if (status == bOK)
-        status = bDirectory_ListFiles(QFile::encodeName(directory).constData(), list);
-    if (status != bOK)
-        return status;
-    for (const bString& name : list->Items()) {
-        const QByteArray bytes(name.data(), static_cast<int>(name.size()));
-        const QString text = QFile::decodeName(bytes);
-        if (QFile::encodeName(text) == bytes && !text.startsWith(QLatin1Char('.')))
-            names.append(text);
-    }
-    return bOK;
+/// A file or a folder, or a link to one.
+bool IsFileOrFolder(const dirent& entry, const QString& path) {
+    if (entry.d_type != DT_LNK && entry.d_type != DT_UNKNOWN)
+        return entry.d_type == DT_REG || entry.d_type == DT_DIR;
+    const QFileInfo info(path);
+    return info.isFile() || info.isDir();
 }
 
-/// The toolkit takes a folder that cannot be read for an empty one, and one that can be read in part for a
-/// smaller one.
-bStatus CheckListed(const QStringList& listed, const QString& directory, const QString& pattern) {
-    QStringList names;
-    if (const bStatus status = AskNames(directory, names); status != bOK)
-        return status;
-    const QSet<QString> known(listed.begin(), listed.end());
-    const bool whole = std::all_of(names.begin(), names.end(), [&](const QString& name) {
-        return !QDir::match(pattern, name) || known.contains(name);
-    });
-    return whole ? bOK : bERROR_FILE;
+bStatus StatusOfErrno() {
+    return errno == ENOMEM ? bERROR_MEMORY : bERROR_FILE;
+}
+
+/// The names as the toolkit lists them, without hidden ones and those that are no text. It would take a
+/// folder that cannot be read for an empty one, and one that can be read in part for a smaller one.
+bStatus ReadNames(const QString& directory, const QString& pattern, QStringList& names) {
+    const std::unique_ptr<DIR, FolderCloser> folder(opendir(QFile::encodeName(directory).constData()));
+    if (!folder)
+        return StatusOfErrno();
+    errno = 0; // nothing else tells the end from a failure
+    while (const dirent* const entry = readdir(folder.get())) {
+        const QString name = QFile::decodeName(entry->d_name);
+        const bool shown = QFile::encodeName(name) == entry->d_name && !name.startsWith(QLatin1Char('.'));
+        if (shown && QDir::match(pattern, name) &&
+            IsFileOrFolder(*entry, directory + QLatin1Char('/') + name))
+            names.append(name);
+        errno = 0;
+    }
+    return errno == 0 ? bOK : StatusOfErrno();
+}
+
+bool ComesBefore(const QString& one, const QString& other) {
+    const int order = one.toLower().compare(other.toLower());
+    return order != 0 ? order < 0 : one < other;
 }
 
 } // namespace
 
 QStringList ListFiles(const QString& directory, const QString& pattern) {
-    const QDir folder(directory);
-    if (!folder.exists())
-        return {};
-    QStringList listed = folder.entryList({pattern});
-    if (const bStatus status = CheckListed(listed, directory, pattern); status != bOK)
+    QStringList names;
+    if (!QFileInfo(directory).isDir())
+        return names;
+    if (const bStatus status = ReadNames(directory, pattern, names); status != bOK)
         throw Ve::Exception(__LINE__, "TrackFolder", status, "ListFiles", "Failed to list files in %s",
                             directory.toStdString().c_str());
-    return listed;
+    std::sort(names.begin(), names.end(), ComesBefore);
+    return names;
 }
 
 QString WorkspaceTrack(const QString& name) {

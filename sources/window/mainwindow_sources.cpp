@@ -91,6 +91,7 @@ void MainWindow::ShowConnection() {
 
 void MainWindow::CloseTrack() {
     ui->label_mask->clear();
+    ui->label_mask->adjustSize(); // nothing is left to scroll
     ShowFileName({});
     heightMap = QImage();
     trackLoaded = false;

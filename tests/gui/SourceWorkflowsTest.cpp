@@ -8,6 +8,8 @@
 #include <QElapsedTimer>
 #include <QPointer>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSlider>
 #include <QStatusBar>
 #include <QTimer>
@@ -256,6 +258,19 @@ TEST_F(SourceWorkflows, SwitchingToAServerClosesAnOpenBackupFile) {
     choose("comboBox_sensor", "Backup File");
     click("toolButton_upload");
     expectErrorBox("ERROR_FILE - Please open a backup file firstly.");
+}
+
+TEST_F(SourceWorkflows, AClosedTrackLeavesNothingToScroll) {
+    openConnected();
+    loadAndEdit("b.trk");
+    find<QSlider>("horizontalSlider_resizeImage").setValue(80);
+    window->resize(400, window->height());
+    const auto& area = find<QScrollArea>("scrollArea");
+    ASSERT_TRUE(QTest::qWaitFor([&area] { return area.horizontalScrollBar()->isVisible(); }));
+    click("pushButton_sensor");
+    expectTrackClosed();
+    EXPECT_TRUE(QTest::qWaitFor([&area] { return !area.horizontalScrollBar()->isVisible(); }));
+    EXPECT_FALSE(area.verticalScrollBar()->isVisible());
 }
 
 TEST_F(SourceWorkflows, AClosedTrackLeavesTheControlsWithoutEffect) {

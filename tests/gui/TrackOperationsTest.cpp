@@ -1,10 +1,12 @@
 #include "FileReplacement.h"
+#include "Log.h"
 #include "OrdinaryUser.h"
 #include "TrackFolder.h"
 #include "WindowTest.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QDir>
 #include <QLabel>
 #include <QScrollArea>
 #include <QSlider>
@@ -13,7 +15,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <filesystem>
+#include <utility>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -130,6 +134,34 @@ TEST_F(TrackOperations, OddNamesAndFilesWithoutPermissionsAreInTheList) {
                 ElementsAre("A.trk", "b.trk", "c\n.trk", "d [*]?\\.TRK", "e\u0301.trk", "External"));
 }
 
+TEST_F(TrackOperations, TheListIsThatOfTheToolkit) {
+    openWorkspace();
+    for (const char* name :
+         {"B2.trk", "_.trk", "a10.trk", "a9.trk", "\u00c4.trk", "\u00e4b.trk", "z.trk.old"})
+        WriteFile(kTracks + name, "");
+    fs::create_directory(kTracks + "folder.trk");
+    fs::create_symlink("A.trk", kTracks + "link.trk");
+    fs::create_symlink("folder.trk", kTracks + "link to folder.trk");
+    fs::create_symlink("nowhere", kTracks + "broken link.trk");
+    ASSERT_EQ(::mkfifo((kTracks + "pipe.trk").c_str(), 0600), 0);
+    operate("Refresh");
+    std::vector<std::string> expected;
+    for (const QString& name : QDir(QString::fromStdString(kTracks)).entryList({QStringLiteral("*.trk")}))
+        expected.push_back(name.toStdString());
+    EXPECT_THAT(expected, SizeIs(11));
+    EXPECT_THAT(expected, Not(Contains("pipe.trk")));
+    expected.emplace_back("External");
+    EXPECT_EQ(items("comboBox_file"), expected);
+}
+
+TEST_F(TrackOperations, NamesThatDifferInTheirCaseAloneAreListedInOneOrder) {
+    openWorkspace();
+    for (const char* name : {"c.trk", "C.trk", "B.trk"})
+        WriteFile(kTracks + name, "");
+    operate("Refresh");
+    EXPECT_THAT(items("comboBox_file"), ElementsAre("A.trk", "B.trk", "b.trk", "C.trk", "c.trk", "External"));
+}
+
 TEST_F(TrackOperations, ExternalCannotBeDeleted) {
     openWorkspace();
     const auto* model = qobject_cast<QStandardItemModel*>(find<QComboBox>("comboBox_operation").model());
@@ -196,6 +228,26 @@ TEST_F(TrackOperations, HeightsAreShownWithSixFigures) {
     loadExternal(folder.Path("fine.trk"));
     EXPECT_EQ(text("lineEdit_heightMin"), "-1.23457e+07");
     EXPECT_EQ(text("lineEdit_heightMax"), "1234.57");
+}
+
+TEST_F(TrackOperations, HeightsBelowZeroAreShownFromTheLowestToTheHighest) {
+    independent::Track low = track;
+    for (auto& height : low.heights)
+        *height -= 100.0;
+    WriteFile(folder.Path("low.trk"), independent::TextFile(low));
+    loadExternal(folder.Path("low.trk"));
+    EXPECT_EQ(text("lineEdit_heightMin"), "-100");
+    EXPECT_EQ(text("lineEdit_heightMax"), "-56.25"); // 39 + 19 x 0.25 - 100
+}
+
+TEST_F(TrackOperations, HeightsAreShownEvenWhenTheirMapCannotBe) {
+    independent::Track flat = track;
+    flat.heights.assign(flat.heights.size(), 7.5);
+    WriteFile(folder.Path("flat.trk"), independent::TextFile(flat));
+    loadExternal(folder.Path("flat.trk"));
+    expectErrorBox("ERROR_TRACK - Failed to read height map.");
+    EXPECT_EQ(text("lineEdit_heightMin"), "7.5");
+    EXPECT_EQ(text("lineEdit_heightMax"), "7.5");
 }
 
 TEST_F(TrackOperations, LoadingFitsTheImageToTheView) {
@@ -267,6 +319,20 @@ TEST_F(TrackOperations, LoadingSelectsTheFirstPath) {
     EXPECT_THAT(paths()[1].lengths, ElementsAre(200, 201, 202));
 }
 
+TEST_F(TrackOperations, LoadingForgetsHowManyPathsWereClosed) {
+    WriteFile(folder.Path("one.trk"), independent::TextFile(track));
+    loadExternal(folder.Path("one.trk"));
+    QTest::mouseDClick(&canvas(), Qt::LeftButton, Qt::NoModifier, {2, 2});
+    ASSERT_EQ(canvas().editingState().finishedCount, 1);
+    loadExternal(folder.Path("one.trk"));
+    EXPECT_EQ(canvas().editingState().finishedCount, 0);
+    find<QSlider>("horizontalSlider_resizeImage").setValue(80); // 320 x 80
+    QTest::mousePress(&canvas(), Qt::LeftButton, Qt::NoModifier, {40, 70});
+    EXPECT_THAT(paths(), SizeIs(1));
+    QTest::mouseRelease(&canvas(), Qt::LeftButton, Qt::NoModifier, {40, 70});
+    EXPECT_THAT(paths()[0].points, SizeIs(4)); // the last path goes on
+}
+
 TEST_F(TrackOperations, LoadingWithTheRulerHiddenMakesNoMarks) {
     click("pushButton_getRuler");
     WriteFile(folder.Path("one.trk"), independent::TextFile(track));
@@ -292,6 +358,25 @@ TEST_F(TrackOperations, TheCursorAsksToWaitWhileATrackIsReadAndNoLonger) {
     WriteFile(folder.Path("broken.trk"), "nothing");
     loadExternal(folder.Path("broken.trk"));
     EXPECT_EQ(answers.takeBoxes().at(0).underneath, QStringLiteral("free"));
+}
+
+TEST_F(TrackOperations, TheCursorAsksToWaitWhileATrackIsWrittenAndNoLonger) {
+    WriteFile(folder.Path("one.trk"), independent::TextFile(track));
+    loadExternal(folder.Path("one.trk"));
+    int waiting = 0;
+    const auto noteCursor = [](void* count, const char*, std::size_t size) {
+        const QCursor* cursor = QGuiApplication::overrideCursor();
+        *static_cast<int*>(count) += cursor != nullptr && cursor->shape() == Qt::WaitCursor ? 1 : 0;
+        return static_cast<ssize_t>(size);
+    };
+    std::FILE* const before = Output2FILE::Target(); // the work's own lines tell when it is done
+    Output2FILE::Target() = fopencookie(&waiting, "w", {nullptr, noteCursor, nullptr, nullptr});
+    answers.typeFileName(QString::fromStdString(folder.Path("copy.trk")));
+    operate("Save As");
+    std::fclose(std::exchange(Output2FILE::Target(), before));
+    EXPECT_EQ(status(), "Save As successfully.");
+    EXPECT_GT(waiting, 0);
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
 }
 
 TEST_F(TrackOperations, AFailedLoadIsLoggedAndShownAndLeavesNoTrackToSave) {
@@ -411,6 +496,41 @@ TEST_F(TrackOperations, AnOldTemporaryTrackIsNoObstacle) {
     EXPECT_FALSE(fs::exists("temp.trk"));
 }
 
+TEST_F(TrackOperations, AnOldTemporaryTrackThatIsALinkLeadsNowhere) {
+    openWorkspace();
+    WriteFile(folder.Path("precious"), "kept");
+    fs::create_symlink(folder.Path("precious"), "temp.trk");
+    loadFromWorkspace("b.trk");
+    edit();
+    operate("Save");
+    expectEdited(kTracks + "b.trk");
+    EXPECT_EQ(FileContent(folder.Path("precious")), "kept");
+    EXPECT_FALSE(fs::is_symlink("temp.trk"));
+    EXPECT_FALSE(fs::is_symlink(kTracks + "b.trk"));
+}
+
+TEST_F(TrackOperations, ATrackThatMayNotBeWrittenStaysAsItWas) {
+    openWorkspace();
+    loadFromWorkspace("b.trk");
+    const std::string before = FileContent(kTracks + "b.trk");
+    fs::permissions(kTracks + "b.trk",
+                    fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+    edit();
+    {
+        const OrdinaryUser user(".");
+        ASSERT_TRUE(user.IsReady());
+        operate("Save");
+    }
+    expectErrorBox("ERROR_TRACK - Failed to read the target file.");
+    EXPECT_EQ(status(), "Load successfully.");
+    EXPECT_EQ(FileContent(kTracks + "b.trk"), before);
+    EXPECT_FALSE(fs::exists("temp.trk"));
+    EXPECT_EQ(paths()[0].lengths[0], 33); // nothing of the work is lost
+    fs::permissions(kTracks + "b.trk", fs::perms::owner_write, fs::perm_options::add);
+    operate("Save");
+    expectEdited(kTracks + "b.trk");
+}
+
 TEST_F(TrackOperations, AnInPlaceSaveThatFailsLeavesTheOldFileAndNoTemporaryTrack) {
     openWorkspace();
     loadFromWorkspace("b.trk");
@@ -515,6 +635,18 @@ TEST_F(TrackOperations, AnExternalTrackOfAListedNameGetsANewOne) {
     EXPECT_THAT(items("comboBox_file"), ElementsAre("A-New.trk", "A.trk", "b.trk", "External"));
 }
 
+TEST_F(TrackOperations, AnExternalTrackWhoseNameDiffersInItsCaseKeepsIt) {
+    openWorkspace();
+    WriteFile(folder.Path("a.trk"), independent::TextFile(track));
+    const std::string listed = FileContent(kTracks + "A.trk");
+    loadExternal(folder.Path("a.trk"));
+    edit();
+    operate("Save");
+    expectEdited(kTracks + "a.trk");
+    EXPECT_EQ(FileContent(kTracks + "A.trk"), listed);
+    EXPECT_EQ(text("label_fileName"), "a.trk");
+}
+
 TEST_F(TrackOperations, NewNamesReplaceWhatFollowsTheLastDot) {
     EXPECT_EQ(NewTrackName(QStringLiteral("A.trk")), QStringLiteral("A-New.trk"));
     EXPECT_EQ(NewTrackName(QStringLiteral("a.b.trk")), QStringLiteral("a.b-New.trk"));
@@ -551,6 +683,15 @@ TEST_F(TrackOperations, SaveAsWritesTheCopyAndKeepsEditingTheOriginal) {
     operate("Save");
     expectEdited(kTracks + "b.trk");
     EXPECT_FALSE(fs::exists(folder.Path("copy.trk")));
+}
+
+TEST_F(TrackOperations, SaveAsComputesTheRulerEvenWhenItIsHidden) {
+    WriteFile(folder.Path("one.trk"), independent::TextFile(track));
+    loadExternal(folder.Path("one.trk"));
+    click("pushButton_getRuler");
+    answers.typeFileName(QString::fromStdString(folder.Path("copy.trk")));
+    operate("Save As");
+    EXPECT_THAT(independent::ReadBinary(FileContent(folder.Path("copy.trk"))).rulers, Not(IsEmpty()));
 }
 
 TEST_F(TrackOperations, SaveAsKeepsAnExternalTrackExternal) {
