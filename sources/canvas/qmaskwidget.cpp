@@ -224,9 +224,10 @@ void QMaskWidget::paintEvent(QPaintEvent* event) {
     bandsPainted = RulerShown();
     painter.scale(1.0 / ratio, 1.0 / ratio); // from here on in device pixels, so that none is resampled
     view.Show(image, canvas.size(), DeviceRect(visibleRegion().boundingRect(), ratio).intersected(canvas));
+    for (const QRect& exposed : event->region()) // what is painted beside it does not reach the screen
+        coarse -= DeviceRect(exposed, ratio);
     for (const QRect& exposed : FewRects(event->region())) {
         const QRect place = DeviceRect(exposed, ratio).intersected(canvas);
-        coarse -= place;
         const int rows = std::max(1, kMostPainted / std::max(1, place.width()));
         for (int top = place.top(); top <= place.bottom(); top += rows)
             PaintPart(painter, QRect(place.left(), top, place.width(), rows).intersected(place), ratio);

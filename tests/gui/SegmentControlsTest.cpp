@@ -370,6 +370,22 @@ TEST_F(SegmentControls, ShowingASegmentInBatchModeChangesNoOther) {
     EXPECT_THAT(paths()[1].widths, ElementsAre(210, 211, 212));
 }
 
+TEST_F(SegmentControls, TheMethodOfTheChosenSegmentIsShown) {
+    std::vector<independent::Segment> segments = PathAcross(0, 3, 0.5, 100);
+    segments[1].method = 2;
+    auto& methods = find<QComboBox>("comboBox_lineType");
+    methods.addItem(QStringLiteral("another"));
+    load(SmallTrack(segments));
+    EXPECT_EQ(methods.currentIndex(), 0);
+    typeNumber("spinBox_segmentId", "2");
+    EXPECT_EQ(methods.currentIndex(), 1);
+    typeNumber("spinBox_segmentId", "1");
+    EXPECT_EQ(methods.currentIndex(), 0);
+    typeNumber("spinBox_segmentId", "2");
+    click("pushButton_deleteAll");
+    EXPECT_EQ(methods.currentIndex(), 0);
+}
+
 TEST_F(SegmentControls, AMethodThatIsNotOfferedIsKept) {
     load(SmallTrack({{0, 0, 0, 0, 0.2, 0.5, 5, 10, 10, 10}, {0, 1, 0, 0, 0.8, 0.5, 5, 10, 10, 10}}));
     EXPECT_THAT(paths()[0].methods, Each(5));

@@ -282,9 +282,16 @@ TEST_F(SourceWorkflows, AClosedTrackLeavesTheControlsWithoutEffect) {
     auto& slider = find<QSlider>("horizontalSlider_resizeImage");
     slider.setValue(slider.value() > 40 ? 10 : 70);
     EXPECT_EQ(canvas().size(), before);
-    const std::size_t left = paths().size();
+    ASSERT_THAT(paths(), SizeIs(1));
+    ASSERT_THAT(paths()[0].points, SizeIs(3));
     click("pushButton_deleteAll");
-    EXPECT_THAT(paths(), SizeIs(left));
+    click("pushButton_deleteLast");
+    ASSERT_THAT(paths(), SizeIs(1));
+    EXPECT_THAT(paths()[0].points, SizeIs(3));
+    click("pushButton_getRuler");
+    click("pushButton_getRuler"); // there is nothing to measure
+    EXPECT_EQ(text("pushButton_getRuler"), "Hide Ruler");
+    EXPECT_THAT(paths()[0].rulerMarks, IsEmpty());
 }
 
 TEST(WorkerThread, HasTheHighestPriorityAndDisposesOfItsController) {
