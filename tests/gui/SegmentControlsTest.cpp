@@ -372,16 +372,15 @@ TEST_F(SegmentControls, ShowingASegmentInBatchModeChangesNoOther) {
 
 TEST_F(SegmentControls, TheMethodOfTheChosenSegmentIsShown) {
     std::vector<independent::Segment> segments = PathAcross(0, 3, 0.5, 100);
-    segments[1].method = 2;
+    segments[0].method = 2;
     auto& methods = find<QComboBox>("comboBox_lineType");
     methods.addItem(QStringLiteral("another"));
     load(SmallTrack(segments));
-    EXPECT_EQ(methods.currentIndex(), 0);
-    typeNumber("spinBox_segmentId", "2");
     EXPECT_EQ(methods.currentIndex(), 1);
-    typeNumber("spinBox_segmentId", "1");
-    EXPECT_EQ(methods.currentIndex(), 0);
     typeNumber("spinBox_segmentId", "2");
+    EXPECT_EQ(methods.currentIndex(), 0);
+    typeNumber("spinBox_segmentId", "1");
+    EXPECT_EQ(methods.currentIndex(), 1);
     click("pushButton_deleteAll");
     EXPECT_EQ(methods.currentIndex(), 0);
 }

@@ -1,8 +1,7 @@
+#include "SourceWorkflows.h"
 #include "BlockingController.h"
 #include "FileUtils.h"
-#include "OstraServerProcess.h"
 #include "WaitingSpinnerWidget.h"
-#include "WindowTest.h"
 #include "WorkerThread.h"
 
 #include <QElapsedTimer>
@@ -34,8 +33,6 @@ using ::testing::SizeIs;
 
 namespace fs = std::filesystem;
 
-constexpr int kPatience = 20000; // milliseconds
-
 bool socketsFail = false;
 
 /// While it lives, no socket can be had.
@@ -45,73 +42,6 @@ class NoSockets {
     NoSockets(const NoSockets&) = delete;
     NoSockets& operator=(const NoSockets&) = delete;
     ~NoSockets() { socketsFail = false; }
-};
-
-class SourceWorkflows : public WindowTest {
-  protected:
-    SourceWorkflows() {
-        fs::create_directories(folder.Path("station/vdk/ContourPath"));
-        WriteFile(folder.Path("station/vdk/ContourPath/b.trk"), independent::BinaryFile(track));
-        WriteFile(folder.Path("station/vdk/settings.json"), "{}");
-    }
-
-    void startServer(std::vector<std::string> options = {}) {
-        server.emplace(folder.Path("station"), std::move(options));
-        qputenv("OSTRA_DISCOVERY", server->DiscoveryAddress().c_str());
-    }
-
-    void openWindowAndListen() {
-        openWindow();
-        QObject::connect(&find<QStatusBar>("statusBar"), &QStatusBar::messageChanged, window.get(),
-                         [this](const QString& message) { messages.push_back(message.toStdString()); });
-    }
-
-    /// Waits until the worker has done its work.
-    void awaitWorker() {
-        ASSERT_TRUE(QTest::qWaitFor([this] { return window->isEnabled(); }, kPatience));
-    }
-
-    void connectToServer() {
-        click("pushButton_sensor");
-        awaitWorker();
-        ASSERT_EQ(text("pushButton_sensor"), "Disconnect Sensor");
-    }
-
-    /// With a server that runs, and the window connected to it.
-    void openConnected() {
-        startServer();
-        openWindowAndListen();
-        connectToServer();
-    }
-
-    void loadAndEdit(const std::string& name) {
-        choose("comboBox_file", name);
-        choose("comboBox_operation", "Load");
-        ASSERT_EQ(status(), "Load successfully.");
-        type("lineEdit_lineLength", "33");
-        choose("comboBox_operation", "Save");
-        ASSERT_EQ(status(), "Save successfully.");
-    }
-
-    std::string title() { return window->windowTitle().toStdString(); }
-    bool enabled(const char* widget) { return find<QWidget>(widget).isEnabled(); }
-    std::string uploadTip() { return find<QToolButton>("toolButton_upload").toolTip().toStdString(); }
-
-    /// The length of the first point in a track file.
-    static int firstLength(const std::string& path) {
-        return independent::ReadBinary(FileContent(path)).segments.at(0).length;
-    }
-
-    void expectTrackClosed() {
-        EXPECT_EQ(text("label_fileName"), "");
-        EXPECT_EQ(text("lineEdit_heightMin"), "0");
-        EXPECT_EQ(text("lineEdit_heightMax"), "0");
-        EXPECT_TRUE(canvas().pixmap(Qt::ReturnByValue).isNull());
-    }
-
-    const independent::Track track = SmallTrack(PathAcross(0, 3, 0.5, 100));
-    std::optional<OstraServerProcess> server;
-    std::vector<std::string> messages; ///< all that the status bar showed
 };
 
 TEST_F(SourceWorkflows, ServersAreListedBeforeTheBackupFileAndTheControlsAgreeFromTheStart) {
@@ -155,6 +85,8 @@ TEST_F(SourceWorkflows, ConnectingFetchesAndUnpacksTheWorkspace) {
     EXPECT_TRUE(spinner->isVisible());
     EXPECT_EQ(spinner->size(), QSize(80, 80));
     EXPECT_EQ(spinner->windowModality(), Qt::WindowModal);
+    EXPECT_EQ(spinner->pos(), QPoint(window->x() + static_cast<int>(window->width() * 0.5 - 40),
+                                     window->y() + static_cast<int>(window->height() * 0.5 - 40)));
     awaitWorker();
     EXPECT_THAT(messages, ElementsAre("Connecting to the sensor ...", "Connect successfully."));
     EXPECT_EQ(text("pushButton_sensor"), "Disconnect Sensor");
@@ -466,6 +398,8 @@ TEST_F(SourceWorkflows, ABackupWithoutAWorkspaceIsReportedAfterItsFirstUnpack) {
     EXPECT_FALSE(enabled("comboBox_operation"));
     EXPECT_EQ(status(), "");
     EXPECT_EQ(title(), "MainWindow");
+    click("toolButton_upload"); // half a backup is none
+    expectErrorBox("ERROR_FILE - Please open a backup file firstly.");
     WriteFile(folder.Path("empty.osbak"), "");
     loadBackup(folder.Path("empty.osbak"));
     EXPECT_THAT(answers.takeBoxes(), SizeIs(1));
@@ -499,12 +433,17 @@ TEST_F(SourceWorkflows, ABackupThatCannotBePackedStaysAsItWas) {
 }
 
 TEST_F(SourceWorkflows, AnIndexThatIsNoServerIsReported) {
+    startServer();
     openWindowAndListen();
-    find<QComboBox>("comboBox_sensor").addItem(QStringLiteral("10.0.0.9"));
-    choose("comboBox_sensor", "10.0.0.9");
-    click("pushButton_sensor");
-    expectErrorBox("ERROR_NOT_CONNECTED - Please select a sensor server.");
-    EXPECT_EQ(status(), "");
+    auto& sources = find<QComboBox>("comboBox_sensor");
+    sources.setItemText(1, QStringLiteral("10.0.0.8")); // as many as there are servers, and one more
+    sources.addItem(QStringLiteral("10.0.0.9"));
+    for (const char* address : {"10.0.0.8", "10.0.0.9"}) {
+        choose("comboBox_sensor", address);
+        click("pushButton_sensor");
+        expectErrorBox("ERROR_NOT_CONNECTED - Please select a sensor server.");
+        EXPECT_EQ(status(), "");
+    }
 }
 
 TEST_F(SourceWorkflows, ResetLooksForServersAgain) {

@@ -1,0 +1,210 @@
+// What becomes of a connection when its end fails, and which server a connection goes to. The linker puts the
+// function of this file in the place of the platform's, for this program alone (see --wrap in
+// CMakeLists.txt).
+
+#include "SourceWorkflows.h"
+#include "VeSystem.h"
+#include "bStatus.h"
+
+#include <QEvent>
+
+#include <functional>
+
+void WatchedDisconnect(OstraSdk::VeSystem*) __asm__("__wrap__ZN8OstraSdk8VeSystem10DisconnectEv");
+void RealDisconnect(OstraSdk::VeSystem*) __asm__("__real__ZN8OstraSdk8VeSystem10DisconnectEv");
+
+namespace {
+
+/// Done whenever a connection is ended.
+std::function<void()> onDisconnect;
+
+} // namespace
+
+void WatchedDisconnect(OstraSdk::VeSystem* system) {
+    if (onDisconnect)
+        onDisconnect();
+    RealDisconnect(system);
+}
+
+namespace {
+
+using ::testing::Contains;
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::Not;
+
+namespace fs = std::filesystem;
+
+const std::string kFailure = "ERROR_CONNECTION - Failed to disconnect the OstraServer (127.0.0.1)";
+
+class SourceConnections : public SourceWorkflows {
+  protected:
+    void TearDown() override {
+        onDisconnect = {};
+        SourceWorkflows::TearDown();
+    }
+
+    static void failToDisconnect() {
+        onDisconnect = [] {
+            throw Ve::Exception(__LINE__, __FILE__, bERROR_CONNECTION, "VeSystem::Disconnect",
+                                "The test wants it so.");
+        };
+    }
+};
+
+TEST_F(SourceConnections, ClosingTheWindowDisconnectsBeforeItRemovesTheWorkingFiles) {
+    openConnected();
+    int calls = 0;
+    onDisconnect = [&calls] {
+        ++calls;
+        for (const char* name : {"TmpDirBackup", "TmpDirOsws", "Ostra.osbak"})
+            EXPECT_TRUE(fs::exists(name)) << name;
+    };
+    closeWindow();
+    EXPECT_EQ(calls, 1);
+    EXPECT_FALSE(fs::exists("Ostra.osbak"));
+}
+
+TEST_F(SourceConnections, ClosingTheWindowDisconnectsOnlyWhatTheButtonCallsConnected) {
+    startServer({"--fault-status", "500", "--fault-path", "/system/commands/archive"});
+    openWindow();
+    click("pushButton_sensor");
+    awaitWorker();
+    expectErrorBox("ERROR_REQUEST - Failed to call the Backup request.");
+    int calls = 0;
+    onDisconnect = [&calls] { ++calls; };
+    closeWindow();
+    EXPECT_EQ(calls, 0);
+}
+
+TEST_F(SourceConnections, AFailureToDisconnectOnClosingIsLoggedAndTheFilesGoAllTheSame) {
+    openConnected();
+    failToDisconnect();
+    (void)log.Lines();
+    closeWindow();
+    EXPECT_THAT(log.Lines(), ElementsAre("ERROR: (ERROR_CONNECTION) Failed to disconnect the OstraServer "
+                                         "(127.0.0.1)"));
+    for (const char* name : {"TmpDirBackup", "TmpDirOsws", "Ostra.osbak"})
+        EXPECT_FALSE(fs::exists(name)) << name;
+    expectNoBox();
+}
+
+TEST_F(SourceConnections, AFailureToDisconnectLeavesTheServerOpen) {
+    openConnected();
+    loadAndEdit("b.trk");
+    failToDisconnect();
+    click("pushButton_sensor");
+    expectErrorBox(kFailure);
+    EXPECT_EQ(text("pushButton_sensor"), "Disconnect Sensor");
+    EXPECT_FALSE(enabled("comboBox_sensor"));
+    EXPECT_TRUE(enabled("comboBox_operation"));
+    EXPECT_EQ(status(), "Save successfully.");
+    EXPECT_EQ(text("label_fileName"), "b.trk");
+    EXPECT_EQ(title(), "Corvane - Sensor - 127.0.0.1");
+    onDisconnect = {};
+    click("pushButton_sensor");
+    EXPECT_EQ(status(), "Disconnect successfully.");
+}
+
+TEST_F(SourceConnections, AResetThatCannotDisconnectDisablesTheButtonAndStopsThere) {
+    openConnected();
+    loadAndEdit("b.trk");
+    failToDisconnect();
+    click("toolButton_reset");
+    expectErrorBox(kFailure);
+    EXPECT_FALSE(enabled("pushButton_sensor"));
+    EXPECT_EQ(status(), "Save successfully.");
+    EXPECT_EQ(text("label_fileName"), "b.trk");
+    EXPECT_FALSE(enabled("comboBox_sensor"));
+}
+
+TEST_F(SourceConnections, AnotherSourceThatCannotDisconnectTheOldOneStopsThere) {
+    openConnected();
+    find<QComboBox>("comboBox_sensor").setEnabled(true);
+    failToDisconnect();
+    choose("comboBox_sensor", "Backup File");
+    expectErrorBox(kFailure);
+    EXPECT_EQ(uploadTip(), "Save to Backup File");
+    EXPECT_EQ(text("pushButton_sensor"), "Disconnect Sensor");
+    EXPECT_EQ(title(), "Corvane - Sensor - 127.0.0.1");
+    EXPECT_TRUE(enabled("comboBox_operation"));
+}
+
+TEST_F(SourceConnections, TheChosenServerIsConnectedByItsOwnAddressAndPort) {
+    startServer();
+    OstraServerProcess other(folder.Path("station"), {"--address", "127.0.0.2", "--serial", "100002"});
+    qputenv("OSTRA_DISCOVERY",
+            (server->DiscoveryAddress() + ",127.0.0.2:" + std::to_string(other.DiscoveryPort())).c_str());
+    openWindow();
+    ASSERT_EQ(items("comboBox_sensor").size(), 3U);
+    const std::string last = items("comboBox_sensor")[1];
+    OstraServerProcess& chosen = last == "127.0.0.2" ? other : *server;
+    OstraServerProcess& passedOver = last == "127.0.0.2" ? *server : other;
+    choose("comboBox_sensor", last);
+    connectToServer();
+    EXPECT_EQ(title(), "Corvane - Sensor - " + last);
+    EXPECT_THAT(chosen.Calls(), Contains("POST /system/commands/archive"));
+    EXPECT_THAT(passedOver.Calls(), Not(Contains("POST /system/commands/archive")));
+}
+
+TEST_F(SourceConnections, DisconnectingLeavesWhatIsShownOfATrackThatFailedToLoad) {
+    openConnected();
+    loadAndEdit("b.trk");
+    WriteFile(kTracks + "b.trk", independent::TextMap(track)); // no paths in it
+    choose("comboBox_operation", "Load");
+    expectErrorBox("ERROR_TRACK - Failed to read path information.");
+    click("pushButton_sensor");
+    EXPECT_EQ(status(), "Disconnect successfully.");
+    EXPECT_FALSE(canvas().pixmap(Qt::ReturnByValue).isNull());
+    EXPECT_EQ(text("lineEdit_heightMax"), "43.75");
+}
+
+TEST_F(SourceConnections, TheCursorAsksToWaitDuringEveryLongStep) {
+    startServer();
+    openWindow();
+    std::vector<bool> waits;
+    QObject::connect(&find<QStatusBar>("statusBar"), &QStatusBar::messageChanged, window.get(), [&waits] {
+        const QCursor* cursor = QGuiApplication::overrideCursor();
+        waits.push_back(cursor != nullptr && cursor->shape() == Qt::WaitCursor);
+    });
+    connectToServer();          // connecting, and unpacking what came
+    click("toolButton_upload"); // packing; what follows is the worker's
+    awaitWorker();
+    ASSERT_EQ(waits.size(), 4U);
+    EXPECT_THAT(std::vector<bool>(waits.begin(), waits.end() - 1), Each(true));
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+    click("pushButton_sensor");
+    waits.clear();
+    makeBackup(folder.Path("x.osbak"), {{"b.trk", ""}});
+    choose("comboBox_sensor", "Backup File");
+    loadBackup(folder.Path("x.osbak"));
+    click("toolButton_upload");
+    EXPECT_THAT(waits, ElementsAre(true, true, true));
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+}
+
+/// Notes what the status bar says whenever it is painted.
+class PaintedMessages : public QObject {
+  public:
+    explicit PaintedMessages(QStatusBar& bar) : bar(bar) { bar.installEventFilter(this); }
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Paint)
+            painted.push_back(bar.currentMessage().toStdString());
+        return false;
+    }
+    std::vector<std::string> painted;
+
+  private:
+    QStatusBar& bar;
+};
+
+TEST_F(SourceConnections, TheStepAtHandIsSeenBeforeTheWorkBegins) {
+    openWindow();
+    makeBackup(folder.Path("x.osbak"), {{"b.trk", ""}});
+    loadBackup(folder.Path("x.osbak"));
+    const PaintedMessages seen(find<QStatusBar>("statusBar"));
+    click("toolButton_upload");
+    EXPECT_THAT(seen.painted, Contains("Saving the backup file..."));
+}
+
+} // namespace
