@@ -7,6 +7,7 @@
 #include "ScriptedServer.h"
 #include "TemporaryFolder.h"
 #include "ThrownBy.h"
+#include "VeDiscoveryClient.h"
 #include "VeSystem.h"
 
 #include <gtest/gtest.h>
@@ -22,6 +23,14 @@ bStatus FailingFormat(bIpAddress, char*, std::size_t) __asm__("__wrap__Z17bIpAdd
 bStatus RealFormat(bIpAddress, char*, std::size_t) __asm__("__real__Z17bIpAddress_Format10bIpAddressPcm");
 void FailingDisconnect(OstraSdk::VeSystem*) __asm__("__wrap__ZN8OstraSdk8VeSystem10DisconnectEv");
 void RealDisconnect(OstraSdk::VeSystem*) __asm__("__real__ZN8OstraSdk8VeSystem10DisconnectEv");
+void WatchedSystem(OstraSdk::VeSystem*, const bIpAddress&,
+                   unsigned) __asm__("__wrap__ZN8OstraSdk8VeSystemC1ERK10bIpAddressj");
+void RealSystem(OstraSdk::VeSystem*, const bIpAddress&,
+                unsigned) __asm__("__real__ZN8OstraSdk8VeSystemC1ERK10bIpAddressj");
+void WatchedDiscover(OstraSdk::VeDiscoveryClient*,
+                     std::int64_t) __asm__("__wrap__ZN8OstraSdk17VeDiscoveryClient16BlockingDiscoverEl");
+void RealDiscover(OstraSdk::VeDiscoveryClient*,
+                  std::int64_t) __asm__("__real__ZN8OstraSdk17VeDiscoveryClient16BlockingDiscoverEl");
 void* WatchedNew(std::size_t) __asm__("__wrap__Znwm");
 void* RealNew(std::size_t) __asm__("__real__Znwm");
 
@@ -30,6 +39,9 @@ namespace {
 bool parseFails = false;
 bool formatFails = false;
 bool disconnectFails = false;
+bIpAddress systemAddress;
+unsigned systemPort = 0;
+std::int64_t discoveryTimeout = 0;
 std::size_t watchedSize = 0;
 /// Done once, when the thread that set it asks for memory of `watchedSize` bytes.
 thread_local std::function<void()> onAllocation;
@@ -48,6 +60,17 @@ void FailingDisconnect(OstraSdk::VeSystem* system) {
     if (disconnectFails)
         throw Ve::Exception(__LINE__, __FILE__, -79, "VeSystem::Disconnect", "The test wants it so.");
     RealDisconnect(system);
+}
+
+void WatchedSystem(OstraSdk::VeSystem* system, const bIpAddress& address, unsigned port) {
+    systemAddress = address;
+    systemPort = port;
+    RealSystem(system, address, port);
+}
+
+void WatchedDiscover(OstraSdk::VeDiscoveryClient* discovery, std::int64_t timeout) {
+    discoveryTimeout = timeout;
+    RealDiscover(discovery, timeout);
 }
 
 void* WatchedNew(std::size_t size) {
@@ -120,6 +143,21 @@ TEST_F(ChangingFile, isNotSentToTheServer) {
     Meanwhile([] { std::filesystem::resize_file("a.osbak", kFileSize + 1); });
     ExpectThrown([&] { client.Restore("a.osbak"); }, -997, "ReadFileBuffer", "Failed to open a.osbak.");
     EXPECT_EQ(server.Requests().size(), 1U); // the connection's own
+}
+
+// What only the platform is told is seen by what stands in its place.
+TEST(OstraSdkClient, isBoundToThisMachineAndTheUsualPortAtFirst) {
+    const OstraSdkClient client;
+    EXPECT_EQ(systemAddress, (bIpAddress{{127, 0, 0, 1}}));
+    EXPECT_EQ(systemPort, 3600U);
+}
+
+TEST(OstraSdkClient, looksForServersWithATimeOutOfTenThousand) {
+    const DiscoveryResponder responder({DiscoveryAnswer(1, "10.0.0.1", 3600)});
+    setenv("OSTRA_DISCOVERY", responder.Target().c_str(), 1);
+    std::vector<OstraServerInfo> list;
+    OstraSdkClient::DiscoverOstraServers(list);
+    EXPECT_EQ(discoveryTimeout, 10000);
 }
 
 TEST_F(UnlikelyFailures, anAddressThatCannotBeParsedStopsTheConstructor) {
