@@ -1,0 +1,119 @@
+#include "ControlHand.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QSlider>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+struct ParameterField {
+    const char* name;
+    std::vector<int> TrackPath::*values;
+};
+constexpr std::array<ParameterField, 3> kFields{{{"lineEdit_lineLength", &TrackPath::lengths},
+                                                 {"lineEdit_lineWidth", &TrackPath::widths},
+                                                 {"lineEdit_lineSpace", &TrackPath::spaces}}};
+
+} // namespace
+
+void ControlHand::turnSpinBox() {
+    auto& box = storm.find<QSpinBox>(random.chance(2) ? "spinBox_pathId" : "spinBox_segmentId");
+    const int before = box.value();
+    QTest::keyClick(&box, random.oneOf<Qt::Key>(
+                              {Qt::Key_Up, Qt::Key_Up, Qt::Key_Down, Qt::Key_PageUp, Qt::Key_PageDown}));
+    checkChosen(box, before);
+}
+
+void ControlHand::typeIntoSpinBox() {
+    const char* const name = random.chance(2) ? "spinBox_pathId" : "spinBox_segmentId";
+    const auto& box = storm.find<QSpinBox>(name);
+    const int before = box.value();
+    storm.typeNumber(name, random.oneOf<std::string>({"1", "2", "3", "9", "10000", "0"}));
+    checkChosen(box, before);
+}
+
+/// What a box was turned to exists, and is what the canvas works on.
+void ControlHand::checkChosen(const QSpinBox& box, int before) {
+    if (box.value() == before)
+        return;
+    const EditingState& state = storm.canvas().editingState();
+    const auto path = static_cast<std::size_t>(state.currentPath);
+    if (box.objectName() == QStringLiteral("spinBox_pathId")) {
+        EXPECT_LE(box.value(), std::max<std::size_t>(storm.paths().size(), 1));
+        EXPECT_TRUE(storm.paths().empty() || state.currentPath == box.value() - 1);
+    } else if (path < storm.paths().size() && storm.paths()[path].points.size() > 1) {
+        EXPECT_LT(box.value(), static_cast<int>(storm.paths()[path].points.size()));
+        EXPECT_EQ(state.currentSegment, box.value() - 1);
+    } else {
+        EXPECT_EQ(box.value(), 1);
+    }
+}
+
+void ControlHand::typeParameter() {
+    const auto index = static_cast<std::size_t>(random.pick(static_cast<int>(kFields.size())));
+    auto& field = storm.find<QLineEdit>(kFields.at(index).name);
+    const QString before = field.text();
+    if (random.chance(3))
+        field.selectAll();
+    const std::string letters = "0123456789-+.,e x\b";
+    const char letter = letters[static_cast<std::size_t>(random.pick(static_cast<int>(letters.size())))];
+    if (letter == '\b' || random.chance(5))
+        QTest::keyClick(&field, Qt::Key_Backspace);
+    else
+        QTest::keyClick(&field, letter);
+    if (field.text() != before)
+        checkParameter(index, field.text().toStdString());
+}
+
+/// What was typed is what the chosen segment has, or everything in batch mode.
+void ControlHand::checkParameter(std::size_t field, const std::string& text) {
+    const int value = QString::fromStdString(text).toInt();
+    const EditingState& state = storm.canvas().editingState();
+    const auto& valuesOf = kFields.at(field).values;
+    if (storm.find<QCheckBox>("checkBox_batchSetting").isChecked()) {
+        for (const TrackPath& path : state.paths)
+            EXPECT_EQ(path.*valuesOf, std::vector<int>(path.points.size(), value));
+    } else if (storm.canvas().segmentExists(state.currentPath, state.currentSegment)) {
+        const TrackPath& path = state.paths[static_cast<std::size_t>(state.currentPath)];
+        EXPECT_EQ((path.*valuesOf)[static_cast<std::size_t>(state.currentSegment)], value);
+    }
+}
+
+void ControlHand::turnWheel() {
+    constexpr int kNotch = 120;
+    auto& widget = storm.find<QWidget>(
+        random.oneOf<const char*>({"label_mask", "label_mask", "scrollArea", "horizontalSlider_resizeImage",
+                                   "spinBox_pathId", "spinBox_segmentId", "lineEdit_lineLength",
+                                   "comboBox_file", "comboBox_operation", "comboBox_sensor"}));
+    if (!widget.isEnabled())
+        return;
+    const QPoint place(widget.width() / 2, widget.height() / 2);
+    const QPoint turn(0, random.chance(2) ? kNotch : -kNotch);
+    QWheelEvent event(place, widget.mapToGlobal(place), QPoint(), turn, storm.held, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&widget, &event);
+}
+
+void ControlHand::moveSlider() {
+    QTest::keyClick(&storm.find<QSlider>("horizontalSlider_resizeImage"),
+                    random.oneOf<Qt::Key>({Qt::Key_Left, Qt::Key_Right, Qt::Key_PageUp, Qt::Key_PageDown,
+                                           Qt::Key_PageUp, Qt::Key_Home, Qt::Key_End}));
+}
+
+void ControlHand::resizeWindow() {
+    storm.window->resize(300 + random.pick(900), 200 + random.pick(700));
+}
+
+void ControlHand::pressSomeKey() {
+    const auto widgets = storm.window->findChildren<QWidget*>();
+    QWidget* const widget = widgets[random.pick(widgets.size())];
+    if (qobject_cast<QComboBox*>(widget) != nullptr || !widget->isVisible() || !widget->isEnabled())
+        return;
+    QTest::keyClick(widget,
+                    random.oneOf<Qt::Key>({Qt::Key_Tab, Qt::Key_Backtab, Qt::Key_Escape, Qt::Key_Return,
+                                           Qt::Key_Delete, Qt::Key_Home, Qt::Key_F1, Qt::Key_A}));
+}
