@@ -11,9 +11,29 @@
 #include <array>
 #include <filesystem>
 #include <functional>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
+
+// The linker puts this function in the place of the system's (see --wrap in CMakeLists.txt).
+ssize_t WatchedRead(int descriptor, void* data, std::size_t size) __asm__("__wrap_read");
+ssize_t RealRead(int descriptor, void* data, std::size_t size) __asm__("__real_read");
+
+namespace {
+
+/// Done once, when the next piece of a file has been read.
+std::function<void()> onRead;
+
+} // namespace
+
+ssize_t WatchedRead(int descriptor, void* data, std::size_t size) {
+    const ssize_t count = RealRead(descriptor, data, size);
+    if (onRead)
+        std::exchange(onRead, nullptr)();
+    return count;
+}
 
 namespace {
 
@@ -180,6 +200,39 @@ TEST(Tar, refusesAFileThatGrewAfterItWasOpened) {
     });
 }
 
+TEST(Tar, refusesAFileThatIsChangedWhileItIsPacked) {
+    const TemporaryFolder folder;
+    const std::vector<std::function<void()>> changes = {
+        [] { WriteFile("content", std::string(2001, 'y')); },
+        [] { WriteFile("content", "y"); },
+        [] { // as long as before, and so later
+            const timespec times[2] = {{1'600'000'000, 0}, {1'600'000'000, 1}};
+            EXPECT_EQ(utimensat(AT_FDCWD, "content", times, 0), 0);
+        },
+    };
+    for (const std::function<void()>& change : changes) {
+        Written(
+            [&change](bTar* tar) {
+                WriteFile("content", std::string(2000, 'x'));
+                const auto file = Open("content", bFile_READ);
+                onRead = change;
+                EXPECT_EQ(xbTar_WriteFile(tar, "a", file.get(), 2000), bERROR_FILE);
+                EXPECT_FALSE(onRead);
+            },
+            bERROR_FILE);
+    }
+}
+
+TEST(Tar, givesDirectoriesAndFilesWithoutDataTheUsualPermissions) {
+    const TemporaryFolder folder;
+    const std::string archive = Written([](bTar* tar) {
+        EXPECT_EQ(bTar_BeginWrite(tar, "a", bTar_DIRECTORY, 0), bOK);
+        EXPECT_EQ(bTar_BeginWrite(tar, "b", bTar_FILE, 0), bOK);
+    });
+    EXPECT_EQ(std::stoul(archive.substr(100, 8), nullptr, 8), 0755U);
+    EXPECT_EQ(std::stoul(archive.substr(512 + 100, 8), nullptr, 8), 0644U);
+}
+
 TEST(Tar, cannotBeFinishedAfterAnEntryThatIsNotWhole) {
     const TemporaryFolder folder;
     const std::string archive = Written(
@@ -323,15 +376,15 @@ TEST(Tar, refusesMoreBytesInAllThanItCanHold) {
     std::string archive;
     for (int i = 0; i < 10; ++i)
         archive += TarPax(PaxRecord("GNU.sparse.name", "hole" + std::to_string(i)) +
-                          PaxRecord("GNU.sparse.size", "4000") + PaxRecord("GNU.sparse.map", "4000,0")) +
+                          PaxRecord("GNU.sparse.size", "4096") + PaxRecord("GNU.sparse.map", "4096,0")) +
                    TarFile("short", "");
     archive += TarEnd();
     const std::vector<std::string> lines = Read(archive);
     ASSERT_EQ(lines.size(), 11U);
-    ASSERT_EQ(archive.size(), 16'384U); // four times 4000, and a rest
+    ASSERT_EQ(archive.size(), 16'384U); // four times 4096
     for (std::size_t i = 0; i < 10; ++i)
         EXPECT_EQ(lines[i],
-                  "hole" + std::to_string(i) + (i < 4 ? "=" + std::string(4000, '\0') : "=!" + kDamaged));
+                  "hole" + std::to_string(i) + (i < 4 ? "=" + std::string(4096, '\0') : "=!" + kDamaged));
     EXPECT_EQ(lines[10], kRegularEnd);
 }
 
