@@ -65,14 +65,37 @@ RawHttp::Reply RawHttp::Read() {
         reply.length = std::strtoull(reply.head.c_str() + length + 16, nullptr, 10);
     while (received.size() < reply.length && ReadMore()) {
     }
-    if (reply.head.find("Transfer-Encoding: chunked") != std::string::npos) {
-        while (ReadMore()) {
-        }
-        reply.length = received.size();
-    }
+    if (reply.head.find("Transfer-Encoding: chunked") != std::string::npos)
+        reply.length = ReadChunks();
     reply.body = received.substr(0, reply.length);
     received.erase(0, reply.body.size());
     return reply;
+}
+
+std::size_t RawHttp::ReadChunks() {
+    for (std::size_t at = 0;;) {
+        const std::size_t lineEnd = AwaitText("\r\n", at);
+        if (lineEnd == std::string::npos)
+            return received.size();
+        const std::size_t size = std::strtoull(received.c_str() + at, nullptr, 16);
+        if (size == 0) { // behind the last chunk come fields and an empty line
+            const std::size_t end = AwaitText("\r\n\r\n", lineEnd);
+            return end == std::string::npos ? received.size() : end + 4;
+        }
+        at = lineEnd + 2 + size + 2;
+        while (received.size() < at) {
+            if (!ReadMore())
+                return received.size();
+        }
+    }
+}
+
+std::size_t RawHttp::AwaitText(const std::string& text, std::size_t from) {
+    for (;;) {
+        const std::size_t found = received.find(text, from);
+        if (found != std::string::npos || !ReadMore())
+            return found;
+    }
 }
 
 bool RawHttp::Closed() {

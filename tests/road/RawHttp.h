@@ -10,7 +10,7 @@ class RawHttp {
     struct Reply {
         unsigned status = 0;      ///< 0 when no whole head came
         std::string head;         ///< status line and fields, with the empty line
-        std::string body;         ///< as far as it came; chunks as they came, up to the connection's end
+        std::string body;         ///< as far as it came; chunks as they came, with what follows the last one
         std::uint64_t length = 0; ///< what Content-Length says
         [[nodiscard]] bool Whole() const { return status != 0 && body.size() == length; }
     };
@@ -40,6 +40,10 @@ class RawHttp {
   private:
     /// @return false at the end of what comes
     bool ReadMore();
+    /// Reads a body in chunks. @return its bytes with all that frames them, fewer when it ends early
+    std::size_t ReadChunks();
+    /// Reads until a text stands behind `from`. @return where; npos at the end of what comes
+    std::size_t AwaitText(const std::string& text, std::size_t from);
 
     int connection = -1;
     std::string received;

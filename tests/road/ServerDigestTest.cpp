@@ -31,8 +31,7 @@ class ServerDigest : public ServerTest {
     const OstraServerProcess server{Served()};
     const std::string body = RestoreBody(Backup(changed));
     const std::string digest = "Content-Digest: " + ContentDigest(Checksum(body)) + "\r\n";
-    /// In a reply in chunks nothing tells this simple reader its length but the end.
-    const std::string wish = "Connection: close\r\nWant-Content-Digest: crc32c=1\r\n";
+    const std::string wish = "Want-Content-Digest: crc32c=1\r\n";
 };
 
 TEST_F(ServerDigest, ARequestWithTheRightDigestIsCarriedOut) {
@@ -87,6 +86,16 @@ TEST_F(ServerDigest, TheDigestStandsBehindTheChunksOfTheReply) {
     const std::string json = R"({"enabled":false})";
     EXPECT_EQ(reply.body,
               "11\r\n" + json + "\r\n0\r\nContent-Digest: " + ContentDigest(Checksum(json)) + "\r\n\r\n");
+}
+
+TEST_F(ServerDigest, BehindTheDigestTheConnectionServesOn) {
+    RawHttp connection(server.ControlPort());
+    for (int request = 0; request < 3; ++request) {
+        connection.Send("GET /replay/playback HTTP/1.1\r\nHost: x\r\n" + wish + "\r\n");
+        const RawHttp::Reply reply = connection.Read();
+        EXPECT_NE(reply.body.find("Content-Digest: "), std::string::npos);
+        EXPECT_NE(reply.head.find("Connection: keep-alive\r\n"), std::string::npos);
+    }
 }
 
 TEST_F(ServerDigest, AClientOfAnOlderHttpGetsNoChunks) {
