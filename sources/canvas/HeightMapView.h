@@ -18,8 +18,8 @@
 /// bit.
 class HeightMapView {
   public:
-    /// Pixels kept at most: 10 MiB.
-    static constexpr int kMostKept = 10 * 1024 * 1024 / 4;
+    /// Pixels kept at most: a whole large screen's.
+    static constexpr int kMostKept = 5120 * 2880;
     /// Pixels of the map that one paint, from Show to ReleaseImage, averages at most, but for a row.
     static constexpr double kMostRead = 4'000'000;
 

@@ -193,6 +193,19 @@ TEST_F(CanvasRepaint, ALargeMapAtASmallScaleIsRefinedToThatOfAPlainLabel) {
     EXPECT_FALSE(window.canvas->isRefining()); // what was averaged is kept
 }
 
+TEST_F(CanvasRepaint, AScreenFullOfALargeMapIsAveragedOnce) {
+    const QSize screen(2600, 1500);
+    window.resize(screen);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    window.canvas->setPixmap(QPixmap::fromImage(Noise({4000, 3000}, 11)));
+    window.Resize(screen);
+    window.canvas->repaint();
+    ASSERT_TRUE(window.canvas->isRefining());
+    QTRY_VERIFY(!window.canvas->isRefining());
+    window.canvas->repaint();
+    EXPECT_FALSE(window.canvas->isRefining());
+}
+
 TEST_F(CanvasRepaint, ANewImageIsShownAtOnce) {
     ASSERT_EQ(window.Picture().pixel(100, 100), qRgb(90, 90, 90));
     window.ShowImage({400, 300}, QColor(200, 10, 20));
