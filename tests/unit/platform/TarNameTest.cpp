@@ -21,6 +21,13 @@ TEST(TarName, isNotNarrowWhenItCouldLeaveTheFolderOnAnySystem) {
         EXPECT_FALSE(IsNarrowTarName(name)) << name;
 }
 
+TEST(TarName, knowsEveryDriveAndNothingElseAsOne) {
+    for (const char drive : {'a', 'b', 'z', 'A', 'B', 'Z'})
+        EXPECT_FALSE(IsNarrowTarName(std::string(1, drive) + ":x")) << drive;
+    for (const char other : {'`', '{', '@', '[', '0', '\xE4'})
+        EXPECT_TRUE(IsNarrowTarName(std::string(1, other) + ":x")) << other;
+}
+
 TEST(TarName, isNarrowDownToADepth) {
     std::string name;
     for (std::size_t i = 0; i < kTarDeepest; ++i)
@@ -38,6 +45,7 @@ TEST(TarName, hasTheirPartsWithoutEmptyOnesAndDots) {
 }
 
 TEST(TarName, showsControlCharactersInMessagesAsQuestionMarks) {
+    EXPECT_EQ(PrintableTarName("\x01\x1F \x7E\x7F\x80"), "?? ~?\x80");
     EXPECT_EQ(PrintableTarName("a\nb\x1b[2J\x7f\tö"), "a?b?[2J??ö");
 }
 

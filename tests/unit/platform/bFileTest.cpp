@@ -7,12 +7,37 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <cerrno>
 #include <filesystem>
 #include <set>
 #include <thread>
 
 #include <sys/stat.h>
+#include <unistd.h>
+
+// The linker puts this function in the place of the system's (see --wrap in CMakeLists.txt).
+ssize_t ShortRead(int descriptor, void* data, std::size_t size) __asm__("__wrap_read");
+ssize_t RealRead(int descriptor, void* data, std::size_t size) __asm__("__real_read");
+
+namespace {
+
+/// No read gives more bytes than this, and every other one is interrupted; 0 for reads as they are.
+std::size_t mostBytesRead = 0;
+int reads = 0;
+
+} // namespace
+
+ssize_t ShortRead(int descriptor, void* data, std::size_t size) {
+    if (mostBytesRead == 0)
+        return RealRead(descriptor, data, size);
+    if (++reads % 2 == 0) {
+        errno = EINTR;
+        return -1;
+    }
+    return RealRead(descriptor, data, std::min(size, mostBytesRead));
+}
 
 namespace {
 
@@ -59,6 +84,34 @@ TEST(File, isReadToItsEnd) {
     EXPECT_EQ(std::string(data.data(), count), "gh");
     EXPECT_EQ(file->Read(data.data(), data.size(), &count), bOK);
     EXPECT_EQ(count, 0U);
+}
+
+TEST(File, isReadWholeWhenTheSystemGivesItInPieces) {
+    const TemporaryFolder folder;
+    WriteFile("file", "abcdefghijklmnopqrstuvwxyz");
+    const auto file = Open("file", bFile_READ);
+    std::string data(20, '?');
+    std::size_t count = 0;
+    mostBytesRead = 3;
+    const bStatus status = file->Read(data.data(), 8, &count);
+    mostBytesRead = 0;
+    EXPECT_EQ(status, bOK);
+    EXPECT_EQ(count, 8U);
+    EXPECT_EQ(data, "abcdefgh????????????");
+}
+
+TEST(File, isNotSkippedBackWhenItHasBecomeShorter) {
+    const TemporaryFolder folder;
+    WriteFile("file", "abcdefgh");
+    const auto file = Open("file", bFile_READ);
+    EXPECT_EQ(file->Skip(5), 5);
+    std::filesystem::resize_file("file", 2);
+    EXPECT_EQ(file->Skip(1), 0);
+    WriteFile("file", "abcdefgh");
+    char byte = '?';
+    std::size_t count = 0;
+    EXPECT_EQ(file->Read(&byte, 1, &count), bOK);
+    EXPECT_EQ(byte, 'f') << "the place is where it was";
 }
 
 TEST(File, isNotSkippedBeyondItsEnd) {
