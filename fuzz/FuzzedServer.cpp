@@ -26,7 +26,7 @@ std::unique_ptr<Workspace> FreshWorkspace() {
 }
 
 ServerOptions Options() {
-    constexpr std::uint64_t kMiB = 1024U * 1024U;
+    constexpr std::uint64_t kMiB = std::uint64_t{1024} * 1024;
     ServerOptions options;
     options.requestLimit = kMiB;
     options.idleTimeout = std::chrono::milliseconds(2000);
@@ -47,7 +47,7 @@ std::array<int, 2> Pair() {
 
 std::string ReadAll(int end) {
     std::string all;
-    std::array<char, 64 * 1024> piece{};
+    std::array<char, std::size_t{64} * 1024> piece{};
     for (ssize_t count = 0; (count = read(end, piece.data(), piece.size())) > 0;)
         all.append(piece.data(), static_cast<std::size_t>(count));
     return all;

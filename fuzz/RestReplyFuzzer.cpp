@@ -165,7 +165,7 @@ void CheckRoundTrip(const VeJson& json) {
 
 // Any bytes as what a server sends, the head included.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    constexpr std::size_t kAtOnce = 64 * 1024;
+    constexpr std::size_t kAtOnce = std::size_t{64} * 1024;
     const std::optional<VeJson> json = ReceivedOrRefused(data, size, kAtOnce);
     const std::optional<VeJson> inPieces = ReceivedOrRefused(data, size, 1 + size % 7);
     Check(json.has_value() == inPieces.has_value(), "it does not matter how a reply is cut");

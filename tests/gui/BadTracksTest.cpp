@@ -241,7 +241,7 @@ TEST_F(BadTracks, MorePathRecordsAnnouncedThanTheFileHolds) {
 }
 
 TEST_F(BadTracks, TenMegabytesInOneLine) {
-    constexpr std::size_t kLong = 10U * 1024U * 1024U;
+    constexpr std::size_t kLong = std::size_t{10} * 1024 * 1024;
     EXPECT_EQ(loadContent(std::string(kLong, 'x')), kNoInfo);
     EXPECT_EQ(loadContent(std::string(kLong, ',')), kNoInfo);
     EXPECT_THAT(loadContent(Replaced(text, "YX,", "YX" + std::string(kLong, ',') + ",")), kNoInfo);

@@ -20,7 +20,7 @@ using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::SizeIs;
 
-constexpr rlim_t kSmallStack = 1024 * 1024;
+constexpr rlim_t kSmallStack = rlim_t{1024} * 1024;
 
 class SegmentControls : public WindowTest {
   protected:

@@ -255,7 +255,7 @@ TEST_F(TrackOperations, LoadingFitsTheImageToTheView) {
     large.width = 200;
     large.height = 100;
     large.xResolution = large.yResolution = 1;
-    large.cells.assign(200U * 100U, 1);
+    large.cells.assign(std::size_t{200} * 100, 1);
     large.cells[0] = 0;
     WriteFile(folder.Path("large.trk"), independent::BinaryFile(large));
     loadExternal(folder.Path("large.trk"));
@@ -274,7 +274,7 @@ TEST_F(TrackOperations, AnImageFarTooLargeForTheViewKeepsTheSlidersLowestScale) 
     huge.width = 20000;
     huge.height = 2;
     huge.xResolution = huge.yResolution = 1;
-    huge.cells.assign(20000U * 2U, 1);
+    huge.cells.assign(std::size_t{20000} * 2, 1);
     huge.cells[0] = 0;
     WriteFile(folder.Path("huge.trk"), independent::BinaryFile(huge));
     for (int twice = 0; twice < 2; ++twice) { // the slider may stand at its lowest value already

@@ -123,7 +123,7 @@ void AddCutBlocks(std::vector<HostileTrack>& tracks) {
     tracks.push_back(NoPaths("segment-count-missing", cut(segments + 4)));
     tracks.push_back(NoPaths("segment-count-cut", cut(segments + 6)));
     tracks.push_back(NoPaths("first-segment-cut", cut(segments + 8 + 1)));
-    tracks.push_back(NoPaths("last-segment-cut", cut(segments + 8 + 2 * 56 - 1)));
+    tracks.push_back(NoPaths("last-segment-cut", cut(segments + 8 + std::size_t{2} * 56 - 1)));
 }
 
 void AddMagics(std::vector<HostileTrack>& tracks) {

@@ -67,9 +67,9 @@ class HostileWindow : public WindowTest {
         const auto [low, high] = std::minmax_element(track.heights.begin(), track.heights.end());
         const QImage shown = canvas().pixmap(Qt::ReturnByValue).toImage();
         ASSERT_EQ(shown.size(), QSize(track.width, track.height));
+        std::size_t cell = 0;
         for (int row = 0; row < track.height; ++row)
-            for (int column = 0; column < track.width; ++column) {
-                const auto cell = static_cast<std::size_t>(row * track.width + column);
+            for (int column = 0; column < track.width; ++column, ++cell) {
                 const auto [red, green, blue] =
                     independent::RampColour(*track.heights.at(cell), **low, **high);
                 ASSERT_EQ(shown.pixelColor(column, row), QColor(red, green, blue)) << column << ", " << row;

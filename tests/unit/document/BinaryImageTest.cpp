@@ -51,9 +51,10 @@ void ExpectPicture(const QImage& image, const Track& track, double low, double h
     ASSERT_EQ(image.format(), QImage::Format_RGB888);
     ASSERT_EQ(image.width(), track.width);
     ASSERT_EQ(image.height(), track.height);
+    std::size_t index = 0;
     for (int y = 0; y < track.height; ++y) {
-        for (int x = 0; x < track.width; ++x) {
-            const std::int16_t cell = track.cells[static_cast<std::size_t>(y * track.width + x)];
+        for (int x = 0; x < track.width; ++x, ++index) {
+            const std::int16_t cell = track.cells[index];
             const QColor expected = cell == independent::kNoMeasurement
                                         ? QColor(0, 0, 0)
                                         : ColourOf(cell * track.zResolution + track.zOffset, low, high);

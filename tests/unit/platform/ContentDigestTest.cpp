@@ -55,7 +55,7 @@ TEST(Crc32c, IsTheSameByProcessorByTablesAndBitByBit) {
 }
 
 TEST(Crc32c, IsTheSameForBytesThatAreTakenInSeveralStretchesAtOnce) {
-    constexpr std::size_t kRound = 3 * 4096;
+    constexpr std::size_t kRound = std::size_t{3} * 4096;
     std::mt19937 random(3);
     for (const std::size_t size : {kRound - 1, kRound, kRound + 1, 2 * kRound, 3 * kRound + 4095}) {
         const std::string bytes = RandomBytes(random, size + 1);

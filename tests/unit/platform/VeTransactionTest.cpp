@@ -253,7 +253,7 @@ TEST(VeTransaction, failsForALengthBeyondTheLimitAtOnce) {
 }
 
 TEST(VeTransaction, failsForATextBeyondItsLimit) {
-    EXPECT_EQ(StatusOf(JsonReply("[\"" + std::string(1024 * 1024, 'a') + "\"]")), bERROR_LIMIT);
+    EXPECT_EQ(StatusOf(JsonReply("[\"" + std::string(std::size_t{1024} * 1024, 'a') + "\"]")), bERROR_LIMIT);
     ScriptedReply endless = Raw("HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n\r\n");
     endless.filler = 1ULL << 40U;
     EXPECT_EQ(StatusOf(endless), bERROR_LIMIT);

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <sys/wait.h>
@@ -92,7 +93,8 @@ double MeanAround(const independent::Track& track, double x, double y) {
     const int row = static_cast<int>(y * track.height);
     for (int down = row - 1; down <= row + 1; ++down) {
         for (int across = column - 1; across <= column + 1; ++across) {
-            const auto cell = track.cells[static_cast<std::size_t>(down * track.width + across)];
+            const auto cell =
+                track.cells[static_cast<std::size_t>(std::int64_t{down} * track.width + across)];
             sum += cell == independent::kNoMeasurement ? 0 : cell;
             count += cell == independent::kNoMeasurement ? 0 : 1;
         }
