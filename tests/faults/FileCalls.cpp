@@ -148,6 +148,7 @@ bool IsBelowRoot(const char* path) {
 }
 
 const char* PathOf(const Kind& kind, const Call& call) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): a system call's arguments are numbers
     return reinterpret_cast<const char*>(call.arguments[static_cast<std::size_t>(kind.argument)]);
 }
 
@@ -235,6 +236,7 @@ long WriteHalf(const Call& call) {
     std::array<long, 6> a = call.arguments;
     long number = call.number;
     if (number == SYS_writev || number == SYS_pwritev) {
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): as above
         const auto* const pieces = reinterpret_cast<const iovec*>(a[1]);
         number = number == SYS_writev ? SYS_write : SYS_pwrite64;
         a[1] = reinterpret_cast<long>(pieces->iov_base);

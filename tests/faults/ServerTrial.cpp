@@ -3,9 +3,8 @@
 #include "RawHttp.h"
 #include "WatchedServer.h"
 
+#include <csignal>
 #include <filesystem>
-
-#include <signal.h>
 
 namespace fs = std::filesystem;
 

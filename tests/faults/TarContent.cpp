@@ -11,7 +11,8 @@ std::size_t Octal(const std::string& block, std::size_t offset, std::size_t room
 }
 
 std::string Text(const std::string& block, std::size_t offset, std::size_t room) {
-    return std::string(block, offset, room).c_str();
+    const std::string field = block.substr(offset, room);
+    return field.substr(0, field.find('\0'));
 }
 
 void CheckSum(std::string block) {

@@ -177,6 +177,7 @@ class LoadTrack final : public Road {
 void Road::CheckListed(Problems& problems, WindowOperator& window, const FileTree& tracks) {
     const auto& combo = window.Find<QComboBox>("comboBox_file");
     std::vector<std::string> names;
+    names.reserve(static_cast<std::size_t>(combo.count()));
     for (int i = 0; i < combo.count(); ++i)
         names.push_back(combo.itemText(i).toStdString());
     std::vector<std::string> expected;

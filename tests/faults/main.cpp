@@ -114,7 +114,7 @@ Sum RunRoad(const std::string& name, const TrialRoad& road, const Options& optio
 
 using NamedRoads = std::vector<std::pair<std::string, std::unique_ptr<TrialRoad>>>;
 
-void AddWindowRoads(NamedRoads& trials, std::vector<std::pair<std::string, std::unique_ptr<Road>>> roads,
+void AddWindowRoads(NamedRoads& trials, std::vector<std::pair<std::string, std::unique_ptr<Road>>>&& roads,
                     bool reads) {
     for (auto& [name, road] : roads)
         trials.emplace_back((reads ? "reads-" : "") + name,

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <random>
+#include <utility>
 
 namespace {
 
@@ -31,9 +32,7 @@ class PaintedRegion : public QObject {
     }
     QRegion Take() {
         QApplication::processEvents();
-        const QRegion taken = region;
-        region = {};
-        return taken;
+        return std::exchange(region, {});
     }
 
   private:

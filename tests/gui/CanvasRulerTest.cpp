@@ -2,14 +2,17 @@
 #include "RandomOperator.h"
 #include "RulerMarksBuilder.h"
 
-#include <cstring>
+#include <array>
+#include <bit>
+#include <cstdint>
 
 namespace {
 
 using CanvasRuler = CanvasTest;
 
 bool SameBits(const QPointF& one, const QPointF& other) {
-    return std::memcmp(&one, &other, sizeof one) == 0;
+    using Bits = std::array<std::uint64_t, 2>;
+    return std::bit_cast<Bits>(one) == std::bit_cast<Bits>(other);
 }
 
 void ExpectSameMarks(const RulerMarks& one, const RulerMarks& other) {

@@ -29,7 +29,7 @@ class ServerRestore : public ServerTest {
     /// Waits until what an earlier restore replaced has been removed.
     void AwaitNoLeftovers() const {
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (Leftovers() != "" && std::chrono::steady_clock::now() < end)
+        while (!Leftovers().empty() && std::chrono::steady_clock::now() < end)
             std::this_thread::yield();
         EXPECT_EQ(Leftovers(), "");
     }
@@ -123,7 +123,7 @@ TEST_F(ServerRestore, RefusesAnArchiveCutAtAnyBlock) {
 TEST_F(ServerRestore, RefusesAnInnerArchiveCutAtAnyBlock) {
     const OstraServerProcess server(Served());
     std::string inner = Tarred({{"vdk/ContourPath/a.trk", std::string(1500, 'a')}});
-    inner.resize(inner.find_last_not_of('\0') / 512 * 512 + 3 * 512);
+    inner.resize(inner.find_last_not_of('\0') / 512 * 512 + std::size_t{3} * 512);
     for (std::size_t size = 0; size + 512 <= inner.size(); size += 512) {
         SCOPED_TRACE(size);
         ExpectRefused(server, BackupAround(inner.substr(0, size), "{}"));
@@ -241,6 +241,7 @@ TEST_F(ServerRestore, ManyClientsAtOnceSeeOneWorkspaceOrTheOther) {
     };
     {
         std::vector<std::jthread> clients;
+        clients.reserve(6);
         for (int i = 0; i < 4; ++i)
             clients.emplace_back(read);
         clients.emplace_back([&] { write(first); });

@@ -131,7 +131,7 @@ class FaultyProxy::Connection {
     };
 
     /// @return false when nothing more goes this way
-    bool Pass(Direction& direction, std::string bytes) {
+    bool Pass(Direction& direction, const std::string& bytes) {
         if (direction.suffers && fault.kind == Kind::Pieces)
             return SendPieces(direction.to, bytes);
         const std::uint64_t end = direction.position + bytes.size();

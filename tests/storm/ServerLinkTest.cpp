@@ -147,7 +147,7 @@ class ServerLink : public ::testing::Test {
         std::vector<LinkFault> plan(connection + 1);
         plan[connection] = fault;
         proxy->Plan(plan);
-        const Outcome connected = OutcomeOf([&] { client.Connect("127.0.0.1", proxy->Port()); });
+        Outcome connected = OutcomeOf([&] { client.Connect("127.0.0.1", proxy->Port()); });
         EXPECT_LT(connected.taken, 5s + slack);
         if (connected.Succeeded())
             return OutcomeOf(operation);

@@ -4,10 +4,13 @@
 #include <locale>
 #include <sstream>
 #include <stdexcept>
+#include <string_view>
 
 namespace independent {
 
 namespace {
+
+constexpr std::string_view kTag("Track  \0", 8);
 
 [[noreturn]] void Malformed(const std::string& what) {
     throw std::runtime_error("not a whole track file: " + what);
@@ -77,7 +80,7 @@ void RequireNumbered(const Track& track) {
 } // namespace
 
 std::string BinaryHead(const Track& track) {
-    std::string bytes("Track  ", 8);
+    std::string bytes(kTag);
     Put(bytes, 1);
     for (const double number : {track.xResolution, track.yResolution, track.zResolution, track.xOffset,
                                 track.yOffset, track.zOffset})
@@ -131,7 +134,7 @@ std::string BinaryFile(const Track& track) {
 Track ReadBinary(const std::string& content) {
     Bytes bytes(content);
     Track track;
-    if (content.substr(0, 8) != std::string("Track  ", 8))
+    if (!content.starts_with(kTag))
         Malformed("the first eight bytes");
     bytes.Bits(8);
     bytes.Expect(1);

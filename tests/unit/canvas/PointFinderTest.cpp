@@ -6,7 +6,7 @@ namespace {
 
 const CanvasScale kScale{QSize(1000, 1000)};
 
-TrackPath PathOf(std::vector<QPointF> pixels) {
+TrackPath PathOf(const std::vector<QPointF>& pixels) {
     TrackPath path;
     for (const QPointF& pixel : pixels)
         path.points.push_back(kScale.ToNormalized(pixel));
@@ -23,25 +23,25 @@ TEST(PointFinder, APointExactlyFivePixelsAwayIsNotFound) {
 }
 
 TEST(PointFinder, APointJustNearerThanFivePixelsIsFound) {
-    EXPECT_EQ(FindPoint({PathOf({{100.0, 100.0}})}, kScale, {104.99, 100.0}), PointIndex(0, 0));
-    EXPECT_EQ(FindPoint({PathOf({{100.0, 100.0}})}, kScale, {100.0, 95.01}), PointIndex(0, 0));
+    EXPECT_EQ(FindPoint({PathOf({{100.0, 100.0}})}, kScale, {104.99, 100.0}), (PointIndex{0, 0}));
+    EXPECT_EQ(FindPoint({PathOf({{100.0, 100.0}})}, kScale, {100.0, 95.01}), (PointIndex{0, 0}));
 }
 
 TEST(PointFinder, DistancesAreFromThePointsWholePixel) {
     // The point lies at 100.4 and counts as 100.
-    EXPECT_EQ(FindPoint({PathOf({{100.4, 100.0}})}, kScale, {95.3, 100.0}), PointIndex(0, 0));
+    EXPECT_EQ(FindPoint({PathOf({{100.4, 100.0}})}, kScale, {95.3, 100.0}), (PointIndex{0, 0}));
     EXPECT_FALSE(FindPoint({PathOf({{100.4, 100.0}})}, kScale, {105.2, 100.0}));
 }
 
 TEST(PointFinder, TheFirstPointFoundWinsOverANearerOne) {
     EXPECT_EQ(FindPoint({PathOf({{300.0, 300.0}, {103.0, 100.0}, {100.0, 100.0}})}, kScale, {100.0, 100.0}),
-              PointIndex(0, 1));
+              (PointIndex{0, 1}));
 }
 
 TEST(PointFinder, APointOfAnEarlierPathHidesOneOfALaterPath) {
     const std::vector<TrackPath> paths{PathOf({{10.0, 10.0}}), PathOf({{50.0, 50.0}}),
                                        PathOf({{50.0, 50.0}})};
-    EXPECT_EQ(FindPoint(paths, kScale, {50.0, 50.0}), PointIndex(1, 0));
+    EXPECT_EQ(FindPoint(paths, kScale, {50.0, 50.0}), (PointIndex{1, 0}));
 }
 
 } // namespace

@@ -174,8 +174,10 @@ TEST(VeDiscoveryClient, listensForAQuarterOfASecondUpToOneSecond) {
 }
 
 TEST(VeDiscoveryClient, keepsNoMoreThanAThousandRecords) {
+    constexpr std::size_t kSent = 1200;
     std::vector<std::string> answers;
-    for (int i = 0; i < 1200; ++i)
+    answers.reserve(kSent);
+    for (std::size_t i = 0; i < kSent; ++i)
         answers.push_back(R"({"SerialNumber":)" + std::to_string(i) +
                           R"(,"ControlPort":1,"Address":"10.0.0.1"})");
     EXPECT_LE(FoundOf(answers).size(), 1000U);
