@@ -28,6 +28,7 @@ std::unique_ptr<CanvasStage> StageAt(const Arguments& arguments) {
 /// The usual time of work that is quick enough to be done often.
 double UsualSecondsOf(const std::function<void(int)>& work) {
     std::vector<double> seconds;
+    seconds.reserve(kTimes);
     for (int time = 0; time < kTimes; ++time)
         seconds.push_back(SecondsOf([&] { work(time); }));
     return Median(seconds);

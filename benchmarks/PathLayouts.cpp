@@ -24,8 +24,10 @@ void WritePathFile(const std::string& file, int paths, int points, const QRectF&
     const int across = std::max(1, static_cast<int>(std::lround(std::sqrt(paths))));
     const int down = (paths + across - 1) / across;
     for (int path = 0; path < paths; ++path) {
-        double x = (path % across + 0.5) / across;
-        double y = (path / across + 0.5) / down;
+        const int column = path % across;
+        const int row = path / across;
+        double x = (column + 0.5) / across;
+        double y = (row + 0.5) / down;
         for (int point = 0; point < points; ++point) {
             out << path << ',' << point << ",0,0," << room.left() + x * room.width() << ','
                 << room.top() + y * room.height() << ",1,20,10,20\n";

@@ -91,7 +91,7 @@ Figures SocketCopy(const Arguments& arguments) {
     const int from = Checked(open(arguments.at(0).c_str(), O_RDONLY | O_CLOEXEC));
     const int to = Checked(open(arguments.at(1).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
     const auto [near, far] = Connection();
-    const Figures figures = Measured([&, near = near, far = far] {
+    Figures figures = Measured([&, near = near, far = far] {
         std::thread sender([&] {
             CopyAll(from, far);
             close(far);
