@@ -6,10 +6,16 @@
 #include <filesystem>
 #include <fstream>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
+
+/// For the user that the process acts as, who owns what it makes.
+bool MayWrite(const char* path) {
+    return faccessat(AT_FDCWD, path, W_OK, AT_EACCESS) == 0;
+}
 
 /// Whether the file `place` would keep its owner and its group if `from` were renamed to it.
 bool BelongAlike(const char* from, const char* place) {
@@ -36,7 +42,7 @@ bool CopyWhole(const std::string& from, const std::string& target) {
 bool ReplaceFile(const std::string& from, const std::string& target) {
     std::error_code failure;
     const std::filesystem::path place = std::filesystem::canonical(target, failure);
-    if (failure || !std::filesystem::is_regular_file(place, failure) || access(place.c_str(), W_OK) != 0)
+    if (failure || !std::filesystem::is_regular_file(place, failure) || !MayWrite(place.c_str()))
         return false;
     if (!BelongAlike(from.c_str(), place.c_str()))
         return CopyWhole(from, place.string());

@@ -516,6 +516,9 @@ TEST_F(TrackOperations, ATrackThatMayNotBeWrittenStaysAsItWas) {
     fs::permissions(kTracks + "b.trk",
                     fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
     edit();
+    for (const std::string& own : {kTracks, kTracks + "b.trk"}) // all is the user's, who protected the file
+        ASSERT_TRUE(OrdinaryUser(own.c_str()).IsReady());
+    ASSERT_EQ(::chown((kTracks + "b.trk").c_str(), static_cast<uid_t>(-1), getegid()), 0);
     {
         const OrdinaryUser user(".");
         ASSERT_TRUE(user.IsReady());

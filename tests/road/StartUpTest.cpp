@@ -24,6 +24,7 @@ namespace {
 /// What is done once the event loop of the program runs.
 std::function<void(QMainWindow&)> whenShown;
 bool highDpiAtConstruction = false;
+bool finePixmapsAtConstruction = false;
 
 QMainWindow* ShownWindow() {
     for (QWidget* const widget : QApplication::topLevelWidgets())
@@ -34,6 +35,7 @@ QMainWindow* ShownWindow() {
 
 void Plan() {
     highDpiAtConstruction = QCoreApplication::testAttribute(Qt::AA_EnableHighDpiScaling);
+    finePixmapsAtConstruction = QCoreApplication::testAttribute(Qt::AA_UseHighDpiPixmaps);
     QTimer::singleShot(0, [] {
         QMainWindow* const window = ShownWindow();
         if (window == nullptr)
@@ -74,6 +76,7 @@ TEST_F(StartUpTest, ShowsTheTitledWindowAndEndsWithTheLoopsResult) {
     EXPECT_EQ(start(), 7);
     EXPECT_EQ(title, "Corvane");
     EXPECT_TRUE(highDpiAtConstruction);
+    EXPECT_TRUE(finePixmapsAtConstruction);
     EXPECT_EQ(fakeLibraries::apiStarts, 1);
     EXPECT_EQ(fakeLibraries::deviceStarts, 1);
     EXPECT_NE(log(), "");
