@@ -101,6 +101,47 @@ TEST_F(CanvasRepaint, APartIsPaintedAsTheWholeIs) {
     }
 }
 
+TEST_F(CanvasRepaint, AnotherChosenPathOrSegmentIsPaintedAtOnce) {
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    mouse.Draw({{50, 100}, {150, 100}, {250, 100}});
+    mouse.Move({250, 250});
+    mouse.Draw({{50, 200}, {150, 200}});
+    PaintedRegion painted(window.canvas);
+    painted.Take();
+    window.canvas->setCurrentSegment(1);
+    EXPECT_TRUE(painted.Take().contains(QRect(60, 99, 180, 2)));
+    window.canvas->setCurrentSegment(0);
+    painted.Take();
+    window.canvas->setCurrentPath(1);
+    const QRegion region = painted.Take();
+    EXPECT_TRUE(region.contains(QRect(60, 99, 80, 2)));
+    EXPECT_TRUE(region.contains(QRect(60, 199, 80, 2)));
+}
+
+TEST_F(CanvasRepaint, LoadedPathsArePaintedAtOnce) {
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    const TemporaryFolder folder;
+    WriteFile("track.trk",
+              "Segment\nheader\n0,0,0,0,0.25,0.5,1,100,50,100\n0,1,0,0,0.5,0.5,1,100,50,100\nEnd\n");
+    PaintedRegion painted(window.canvas);
+    painted.Take();
+    ASSERT_EQ(window.canvas->loadPaths(QStringLiteral("track.trk")), 0);
+    EXPECT_TRUE(painted.Take().contains(QRect(100, 149, 100, 2)));
+}
+
+TEST_F(CanvasRepaint, TheImageOfADisabledCanvasIsThatOfADisabledLabel) {
+    const QPixmap pixmap = QPixmap::fromImage(Noise({400, 300}, 12));
+    window.canvas->setPixmap(pixmap);
+    window.canvas->setEnabled(false);
+    QLabel label;
+    label.setScaledContents(true);
+    label.setPixmap(pixmap);
+    label.resize(400, 300);
+    label.setEnabled(false);
+    EXPECT_EQ(window.Picture(), label.grab().toImage().convertToFormat(QImage::Format_RGB32));
+    EXPECT_NE(window.Picture(), PlainLabel(pixmap, {400, 300}));
+}
+
 TEST_F(CanvasRepaint, ARulerShownAfterItsMarksWereComputedIsPainted) {
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     mouse.Draw({{50, 100}, {250, 100}});

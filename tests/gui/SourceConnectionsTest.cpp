@@ -2,6 +2,7 @@
 // function of this file in the place of the platform's, for this program alone (see --wrap in
 // CMakeLists.txt).
 
+#include "OrdinaryUser.h"
 #include "SourceWorkflows.h"
 #include "VeSystem.h"
 #include "bStatus.h"
@@ -86,6 +87,23 @@ TEST_F(SourceConnections, AFailureToDisconnectOnClosingIsLoggedAndTheFilesGoAllT
                                          "(127.0.0.1)"));
     for (const char* name : {"TmpDirBackup", "TmpDirOsws", "Ostra.osbak"})
         EXPECT_FALSE(fs::exists(name)) << name;
+    expectNoBox();
+}
+
+TEST_F(SourceConnections, AWorkingFolderThatCannotBeRemovedIsLoggedAndTheOthersGo) {
+    openConnected();
+    (void)log.Lines();
+    const fs::path closed = "TmpDirBackup/closed";
+    fs::create_directories(closed / "inner");
+    fs::permissions(closed, fs::perms::none);
+    {
+        const OrdinaryUser user(".");
+        ASSERT_TRUE(user.IsReady());
+        closeWindow();
+    }
+    fs::permissions(closed, fs::perms::owner_all);
+    EXPECT_THAT(log.Lines(), Contains("ERROR: (ERROR_FILE) Failed to delete ./TmpDirBackup"));
+    EXPECT_FALSE(fs::exists("Ostra.osbak"));
     expectNoBox();
 }
 

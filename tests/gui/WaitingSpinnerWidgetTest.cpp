@@ -250,6 +250,27 @@ TEST_F(WaitingSpinnerWidgetTest, ClockTurnsTheRing) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return Picture(*spinner) != before; }));
 }
 
+TEST_F(WaitingSpinnerWidgetTest, EveryStepIsPainted) {
+    struct PaintCount : QObject {
+        bool eventFilter(QObject*, QEvent* event) override {
+            paints += event->type() == QEvent::Paint ? 1 : 0;
+            return false;
+        }
+        int paints = 0;
+    } count;
+    const auto spinner = make();
+    spinner->start();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(spinner.get()));
+    turn(*spinner, 0);
+    QCoreApplication::processEvents();
+    spinner->installEventFilter(&count);
+    for (int step = 1; step <= 3; ++step) {
+        spinner->rotate();
+        QCoreApplication::processEvents();
+        EXPECT_EQ(count.paints, step);
+    }
+}
+
 TEST_F(WaitingSpinnerWidgetTest, PictureShowsTheTrailBehindEveryLeader) {
     const auto spinner = make();
     for (int leader = 0; leader < kBars; ++leader) {
