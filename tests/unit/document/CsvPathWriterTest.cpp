@@ -223,6 +223,9 @@ TEST_F(CsvUpdate, reachesNoTargetInAMissingFolder) {
     WriteFile("a.trk", TextFile(SampleTrack()));
     EXPECT_EQ(Update("a.trk", "missing/b.trk", {}), kTargetNotWritable);
     EXPECT_THAT(NamesHere(), ElementsAre("a.trk"));
+    WriteFile("a.trk", "a bad escape \\x\n");
+    EXPECT_EQ(Update("a.trk", "missing/b.trk", {}), kTargetNotWritable) << "before a line is read";
+    EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
 TEST_F(CsvUpdate, ofALineWithABadEscapeFailsAndLeavesTheTarget) {
