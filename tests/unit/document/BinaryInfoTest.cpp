@@ -152,9 +152,9 @@ TEST_F(BinaryInfo, heightsBetweenOnesThatAreTooLargeCount) {
     EXPECT_EQ(info.minHeight, -10 * 1e305);
     EXPECT_EQ(info.maxHeight, 10 * 1e305);
     // A cell without measurement would have a height here that is not too large.
-    EXPECT_EQ(Read(BinaryFile(RowOf({kNoMeasurement, -17000, -16000, 32767}, 1e304, 1.7e308))), 0);
-    EXPECT_EQ(info.minHeight, -17000 * 1e304 + 1.7e308);
-    EXPECT_EQ(info.maxHeight, -16000 * 1e304 + 1.7e308);
+    EXPECT_EQ(Read(BinaryFile(RowOf({kNoMeasurement, -20000, -19000, 32767}, 5e303, 1e308))), 0);
+    EXPECT_EQ(info.minHeight, -20000 * 5e303 + 1e308);
+    EXPECT_EQ(info.maxHeight, -19000 * 5e303 + 1e308);
 }
 
 TEST_F(BinaryInfo, keepsTheAnchorAndThePositionsThatItHad) {
