@@ -57,6 +57,11 @@ TEST_F(CreateConverterTest, takesBinaryForTheFourBytesAlone) {
 TEST_F(CreateConverterTest, looksAtTheFirstLineOnly) {
     EXPECT_TRUE(IsText(CreatedFor("Info\nTrack")));
     EXPECT_TRUE(IsText(CreatedFor("Tr\nac")));
+    for (const std::size_t before : {0U, 4090U, 4091U, 4092U, 4095U, 4096U, 10'000U, 1'000'000U}) {
+        EXPECT_TRUE(IsText(CreatedFor("Info\n" + std::string(before, 'x') + "Track"))) << before;
+        EXPECT_TRUE(IsText(CreatedFor(std::string(before, 'x') + "Tra\nc"))) << before;
+        EXPECT_TRUE(IsText(CreatedFor(std::string(before, 'x') + "\nTrac"))) << before;
+    }
 }
 
 TEST_F(CreateConverterTest, looksAtNoExtension) {
