@@ -136,6 +136,59 @@ TEST_F(ServerLimits, MalformedCborIs400AndChangesNothing) {
     EXPECT_EQ(Leftovers(), "");
 }
 
+TEST_F(ServerLimits, CborWithReservedLengthsOverflowOrAKeyTwiceIs400) {
+    const OstraServerProcess server(Served());
+    const std::string zeros(8, '\0');
+    const std::string on = "\x67"
+                           "enabled\xf5";
+    const std::string off = "\x67"
+                            "enabled\xf4";
+    const auto put = [&](const std::string& body) {
+        return RawHttp::Request(server.ControlPort(), "PUT", kReplayPath, body, "application/cbor").status;
+    };
+    for (unsigned reserved = 28; reserved < 32; ++reserved)
+        EXPECT_EQ(put("\xa2" + on + "\x61x" + static_cast<char>(reserved) +
+                      std::string(std::size_t{1} << (reserved - 24), '\0')),
+                  400U)
+            << reserved;
+    EXPECT_EQ(put("\xa2" + on + "\x61x\xbb\x80" + zeros.substr(1)), 400U); // twice 2^63 is no nothing
+    EXPECT_EQ(put("\xa2" + on + off), 400U);
+    EXPECT_EQ(RawHttp::Request(server.ControlPort(), "GET", kReplayPath).body, R"({"enabled":false})");
+    EXPECT_EQ(put("\xa1" + on), 200U);
+}
+
+TEST_F(ServerLimits, ContentsInCborAreOneListThatMayHoldOtherThings) {
+    const OstraServerProcess server(Served());
+    const std::string contents = "\x68"
+                                 "contents";
+    const std::string all = "\x6d"
+                            "allWorkspaces";
+    const auto post = [&](const std::string& body) {
+        return RawHttp::Request(server.ControlPort(), "POST", kArchivePath, body, "application/cbor").status;
+    };
+    const auto nested = [](unsigned levels) { return std::string(levels, '\x81') + '\0'; };
+    EXPECT_EQ(post("\xa1" + contents + "\x81" + all), 200U);
+    EXPECT_EQ(post("\xa1" + contents + "\x82" + all + "\x61x"), 200U);
+    EXPECT_EQ(post("\xa1" + contents + "\x82" + all + nested(62)), 200U);
+    EXPECT_EQ(post("\xa1" + contents + "\x82" + all + nested(63)), 400U);
+    EXPECT_EQ(post("\xa1" + contents + "\x80"), 400U);
+    EXPECT_EQ(post("\xa2" + contents + "\x81" + all + contents + "\x81" + all), 400U);
+}
+
+TEST_F(ServerLimits, HeadsAndBodiesUpToTheirLimitsAreTaken) {
+    const OstraServerProcess server(Served());
+    const std::string longField = "X: " + std::string(8000, 'x') + "\r\n";
+    EXPECT_EQ(StatusOf(server, "GET /system/info HTTP/1.1\r\nHost: x\r\n" + longField + "\r\n"), 200U);
+    std::string body = R"({"enabled": true})";
+    body += std::string(64 * 1024 - body.size(), ' ');
+    EXPECT_EQ(RawHttp::Request(server.ControlPort(), "PUT", kReplayPath, body).status, 200U);
+}
+
+TEST_F(ServerLimits, ABodyHasItsOwnTimeToArriveIn) {
+    const OstraServerProcess server(Served(), {"--idle-timeout", "3600000", "--transfer-timeout", "50"});
+    EXPECT_EQ(StatusOf(server, Head(kArchivePath, "Content-Length: 10\r\n")), 408U);
+}
+
 TEST_F(ServerLimits, ARequestBeyondItsLimitIsRefusedBeforeItsBodyIsRead) {
     OstraServerProcess server(Served(), {"--request-limit", "100000"});
     const std::string cbor = "Content-Type: application/cbor\r\n";
