@@ -73,6 +73,19 @@ TEST_F(ServerAnswers, ArchiveLeavesOutLinksAndOtherThings) {
     EXPECT_EQ(ServedTree(server), original);
 }
 
+TEST_F(ServerAnswers, FoldersNestAHundredDeepInAnArchive) {
+    std::string deepest;
+    for (int level = 0; level < 100; ++level)
+        deepest += "d/";
+    MakeTree(Served(), {{deepest, ""}});
+    const OstraServerProcess server(Served());
+    EXPECT_TRUE(ServedTree(server).contains(deepest));
+    MakeTree(Served(), {{deepest + "d/", ""}});
+    const RawHttp::Reply reply = Archive(server);
+    EXPECT_EQ(reply.status, 500U);
+    EXPECT_EQ(reply.body, R"({"error":"The workspace's folders nest too deep."})");
+}
+
 TEST_F(ServerAnswers, ArchiveOfAnEmptyWorkspaceIsAnArchive) {
     MakeTree(Served(), {});
     const OstraServerProcess server(Served());

@@ -42,6 +42,11 @@ class Asker {
         const ssize_t size = recv(file, answer.data(), answer.size(), 0);
         return {answer.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0))};
     }
+    /// Whether one has come that was not read yet.
+    [[nodiscard]] bool HasAnswer() const {
+        char byte = 0;
+        return recv(file, &byte, 1, MSG_PEEK | MSG_DONTWAIT) >= 0;
+    }
 
   private:
     int file;
@@ -77,12 +82,13 @@ TEST_F(ServerProcess, OnlyTheQuestionIsAnswered) {
           std::string("{\"ostra\":\"discover\"}"), std::string("{\"ostra\":\"discover\",\"version\":2}"),
           std::string("{\"ostra\":\"answer\",\"version\":1}"), std::string(2000, '[')})
         stranger.Ask(datagram);
-    // Datagrams are answered in their order: the first answer belongs to the first real question.
+    // Datagrams are answered in their order: who gets the answer to the last one has got all.
     stranger.Ask(kQuestion);
     EXPECT_THAT(stranger.Answer(), HasSubstr("4711"));
     const Asker other(server.DiscoveryPort());
     other.Ask(kQuestion);
     EXPECT_THAT(other.Answer(), HasSubstr("4711"));
+    EXPECT_FALSE(stranger.HasAnswer()) << stranger.Answer();
 }
 
 TEST_F(ServerProcess, StopsCleanlyOnASignal) {

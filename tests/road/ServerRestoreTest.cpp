@@ -201,6 +201,19 @@ TEST_F(ServerRestore, RefusesWhatIsNoBackup) {
     EXPECT_TRUE(Shell("tar -cf twice.tar -C twice workspaces/Workspace.osws && "
                       "tar -rf twice.tar -C twice workspaces/Workspace.osws"));
     ExpectRefused(server, FileContent(folder.Path("twice.tar")));
+    MakeTree(folder.Path("twice"), {{"info.json", "{}"}, {"workspaces/Workspace.osws", Tarred(changed)}});
+    EXPECT_TRUE(Shell("tar -cf twice.tar -C twice info.json workspaces/Workspace.osws && "
+                      "tar -rf twice.tar -C twice info.json"));
+    ExpectRefused(server, FileContent(folder.Path("twice.tar")));
+}
+
+TEST_F(ServerRestore, NotesOf64KiBAreTheLongest) {
+    const OstraServerProcess server(Served());
+    const std::string notes = R"({"replay": true})";
+    ExpectRefused(server, Backup(changed, notes + std::string(64 * 1024 + 1 - notes.size(), ' ')));
+    EXPECT_EQ(Restore(server, Backup(changed, notes + std::string(64 * 1024 - notes.size(), ' '))).status,
+              200U);
+    EXPECT_EQ(RawHttp::Request(server.ControlPort(), "GET", kReplayPath).body, R"({"enabled":true})");
 }
 
 TEST_F(ServerRestore, AnArchiveBeingSentStaysWholeWhileTheWorkspaceIsReplaced) {
