@@ -180,7 +180,7 @@ TEST_F(ServerLimits, HeadsAndBodiesUpToTheirLimitsAreTaken) {
     const std::string longField = "X: " + std::string(8000, 'x') + "\r\n";
     EXPECT_EQ(StatusOf(server, "GET /system/info HTTP/1.1\r\nHost: x\r\n" + longField + "\r\n"), 200U);
     std::string body = R"({"enabled": true})";
-    body += std::string(64 * 1024 - body.size(), ' ');
+    body += std::string(std::size_t{64} * 1024 - body.size(), ' ');
     EXPECT_EQ(RawHttp::Request(server.ControlPort(), "PUT", kReplayPath, body).status, 200U);
 }
 

@@ -210,9 +210,9 @@ TEST_F(ServerRestore, RefusesWhatIsNoBackup) {
 TEST_F(ServerRestore, NotesOf64KiBAreTheLongest) {
     const OstraServerProcess server(Served());
     const std::string notes = R"({"replay": true})";
-    ExpectRefused(server, Backup(changed, notes + std::string(64 * 1024 + 1 - notes.size(), ' ')));
-    EXPECT_EQ(Restore(server, Backup(changed, notes + std::string(64 * 1024 - notes.size(), ' '))).status,
-              200U);
+    const std::size_t room = std::size_t{64} * 1024 - notes.size();
+    ExpectRefused(server, Backup(changed, notes + std::string(room + 1, ' ')));
+    EXPECT_EQ(Restore(server, Backup(changed, notes + std::string(room, ' '))).status, 200U);
     EXPECT_EQ(RawHttp::Request(server.ControlPort(), "GET", kReplayPath).body, R"({"enabled":true})");
 }
 
