@@ -80,7 +80,8 @@ TEST_F(ServerProcess, OnlyTheQuestionIsAnswered) {
     for (const std::string& datagram :
          {std::string(), std::string("x"), std::string(65507, 'x'), std::string("{}"), std::string("[1]"),
           std::string("{\"ostra\":\"discover\"}"), std::string("{\"ostra\":\"discover\",\"version\":2}"),
-          std::string("{\"ostra\":\"answer\",\"version\":1}"), std::string(2000, '[')})
+          std::string("{\"ostra\":\"answer\",\"version\":1}"), std::string(2000, '['),
+          kQuestion + std::string(10000, ' ')})
         stranger.Ask(datagram);
     // Datagrams are answered in their order: who gets the answer to the last one has got all.
     stranger.Ask(kQuestion);
