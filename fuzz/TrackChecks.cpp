@@ -7,8 +7,9 @@
 #include <QImage>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
-#include <cstring>
+#include <cstdint>
 #include <stdexcept>
 
 namespace {
@@ -40,7 +41,7 @@ bool SameInfo(const TrackInfo& found, const TrackInfo& expected) {
 } // namespace
 
 bool SameBits(double one, double other) {
-    return std::memcmp(&one, &other, sizeof one) == 0;
+    return std::bit_cast<std::uint64_t>(one) == std::bit_cast<std::uint64_t>(other);
 }
 
 void CheckPaths(const std::vector<TrackPath>& paths, std::size_t fileSize) {
