@@ -24,7 +24,6 @@
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 /// A widget of the form: its name, class and the name of the widget it is a child of.
 struct Row {

@@ -7,8 +7,6 @@
 
 namespace {
 
-using testing::HasSubstr;
-
 class ServerLimits : public ServerTest {
   protected:
     static unsigned StatusOf(const OstraServerProcess& server, const std::string& request) {

@@ -19,7 +19,6 @@ namespace {
 using independent::Track;
 using testing::Contains;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 /// One encoding: how the independent writer makes a file of it and the independent reader takes it.
 struct Encoding {

@@ -39,7 +39,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 bOwned<bFile> Open(const char* path, int mode) {
     bFile* file = nullptr;
