@@ -160,6 +160,8 @@ bool HttpSession::Reply(const RequestReader& request, unsigned status, const Wri
         return false;
     stream.ExpireAfter(sensor.options.transferTimeout);
     ReplyWriter reply(stream, fault, request.KeepAlive(), request.WantsDigest());
+    if (request.Verb() == "HEAD")
+        reply.LeaveBodyOut(); // a client would take it for the next reply
     write(reply);
     if (reply.Complete() && !reply.KeepsAlive())
         stream.CloseGently();

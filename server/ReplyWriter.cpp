@@ -47,6 +47,8 @@ void ReplyWriter::Head(unsigned status, std::string_view contentType, std::uint6
 
 bool ReplyWriter::Body(const char* bytes, std::size_t size) {
     constexpr std::uint64_t kBetweenDamages = 1000;
+    if (bodyLeftOut)
+        return !failed;
     if (digest)
         checksum.Take(bytes, size);
     if (fault.damage) {
@@ -65,7 +67,7 @@ bool ReplyWriter::Body(const char* bytes, std::size_t size) {
 }
 
 void ReplyWriter::End() {
-    if (!digest)
+    if (!digest || bodyLeftOut)
         return;
     const std::string end =
         "0\r\n" + std::string(kContentDigest) + ": " + ContentDigest(checksum.Value()) + "\r\n\r\n";

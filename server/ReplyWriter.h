@@ -17,6 +17,8 @@ class ReplyWriter final {
 
     /// Names the verbs that the path takes in the head to come; an empty text names none.
     void Allow(const std::string& verbs) { allowedVerbs = verbs; }
+    /// Writes no more than the head, whatever Body and End are given: what answers HEAD has no body.
+    void LeaveBodyOut() { bodyLeftOut = true; }
     /// Writes the head. @param bodySize bytes that Body will be given in all
     void Head(unsigned status, std::string_view contentType, std::uint64_t bodySize);
     /// Writes bytes of the body. @return false when the connection is no longer of use
@@ -47,6 +49,7 @@ class ReplyWriter final {
     bool keepAlive;
     bool digest;
     std::string allowedVerbs;
+    bool bodyLeftOut = false;
     Crc32c checksum; ///< of the body as it should be
     bool failed = false;
     std::uint64_t written = 0;

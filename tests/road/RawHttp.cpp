@@ -50,7 +50,7 @@ bool RawHttp::ReadMore() {
     return true;
 }
 
-RawHttp::Reply RawHttp::Read() {
+RawHttp::Reply RawHttp::ReadHead() {
     std::size_t headEnd = std::string::npos;
     while ((headEnd = received.find("\r\n\r\n")) == std::string::npos) {
         if (!ReadMore())
@@ -63,6 +63,11 @@ RawHttp::Reply RawHttp::Read() {
     const std::size_t length = reply.head.find("Content-Length: ");
     if (length != std::string::npos)
         reply.length = std::strtoull(reply.head.c_str() + length + 16, nullptr, 10);
+    return reply;
+}
+
+RawHttp::Reply RawHttp::Read() {
+    Reply reply = ReadHead();
     while (received.size() < reply.length && ReadMore()) {
     }
     if (reply.head.find("Transfer-Encoding: chunked") != std::string::npos)

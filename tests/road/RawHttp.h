@@ -24,6 +24,8 @@ class RawHttp {
     bool Send(const std::string& bytes);
     /// Says that no more comes from this side.
     void EndSending();
+    /// Reads the head of one reply; what follows it is left to the next call.
+    Reply ReadHead();
     /// Reads one reply; ends early when the server closes or stays silent for 30 s.
     Reply Read();
     /// Whether the server has closed the connection (waits up to 30 s for it).

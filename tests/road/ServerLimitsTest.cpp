@@ -57,6 +57,24 @@ TEST_F(ServerLimits, ARefusedVerbIsAnsweredWithThoseThatFit) {
     EXPECT_EQ(allowed("GET", "/nowhere"), "none");
 }
 
+TEST_F(ServerLimits, HeadIsRefusedWithAHeadAlone) {
+    const OstraServerProcess server(Served());
+    for (const std::string path : {kArchivePath, "/nowhere"}) {
+        for (const std::string fields : {"", "Want-Content-Digest: crc32c=1\r\n"}) {
+            SCOPED_TRACE(path + " " + fields);
+            const std::string rest = " " + path + " HTTP/1.1\r\nHost: sensor\r\n" + fields + "\r\n";
+            RawHttp get(server.ControlPort());
+            get.Send("GET" + rest);
+            RawHttp head(server.ControlPort());
+            head.Send("HEAD" + rest + RawHttp::Text("GET", kReplayPath));
+            EXPECT_EQ(head.ReadHead().head, get.Read().head);
+            const RawHttp::Reply next = head.Read();
+            EXPECT_EQ(next.status, 200U) << next.head;
+            EXPECT_EQ(next.body, R"({"enabled":false})");
+        }
+    }
+}
+
 TEST_F(ServerLimits, BodiesThatCannotBeUnderstoodAre400) {
     const OstraServerProcess server(Served());
     const auto put = [&](const std::string& body, const std::string& type = "application/json") {
