@@ -232,7 +232,7 @@ TEST(OstraSdkClient, keepsTheOldBackupWhenTheDiskIsFull) {
     OstraSdkClient client;
     client.Connect("127.0.0.1", server.Port());
     WriteFile("Ostra.osbak", "old");
-    for (const rlim_t room : {0, 1, 4096, 65536, 199'999}) {
+    for (const rlim_t room : std::initializer_list<rlim_t>{0, 1, 4096, 65536, 199'999}) {
         SCOPED_TRACE(room);
         const FileSizeLimit limit(room);
         ExpectThrown([&] { client.Backup("Ostra.osbak"); }, -997, "OstraSdkClient::Backup",
