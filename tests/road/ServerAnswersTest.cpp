@@ -1,6 +1,8 @@
 #include "ServerTest.h"
 
+#include <filesystem>
 #include <regex>
+#include <thread>
 
 #include <gmock/gmock.h>
 
@@ -86,6 +88,69 @@ TEST_F(ServerAnswers, FoldersNestAHundredDeepInAnArchive) {
     EXPECT_EQ(reply.body, R"({"error":"The workspace's folders nest too deep."})");
 }
 
+TEST_F(ServerAnswers, ATimeThatTheHeaderHasNoRoomForIsToldAsNone) {
+    EXPECT_TRUE(Shell("touch -d @8589935592 'station one/vdk/settings.json'")); // a thousand beyond 8^11
+    if (!Shell("test $(stat -c %Y 'station one/vdk/settings.json') = 8589935592"))
+        GTEST_SKIP() << "the file system has no room for it either";
+    const OstraServerProcess server(Served());
+    EXPECT_EQ(ServedTree(server), original);
+    EXPECT_TRUE(Shell("test $(stat -c %Y got/in/vdk/settings.json) = 0"));
+}
+
+TEST_F(ServerAnswers, SizesBeyondTheHeadersRoomAreTold) {
+    MakeTree(Served(), {{"a", ""}});
+    EXPECT_TRUE(Shell("truncate -s 8589934592 'station one/a'")); // 8^11
+    const OstraServerProcess server(Served(), {"--fault-cut", "10000"});
+    const RawHttp::Reply reply = Archive(server);
+    EXPECT_GT(reply.length, 8589934592U);
+    WriteFile(folder.Path("cut.tar"), reply.body.substr(15));
+    Shell("tar -tvf cut.tar > outer 2> error; "
+          "tar -xOf cut.tar workspaces/Workspace.osws 2> error | tar -tvf - > inner 2> error");
+    // Around the file's bytes: three blocks of headers ahead and two at the end.
+    EXPECT_THAT(FileContent(folder.Path("outer")),
+                testing::ContainsRegex(" 8589937152 .* workspaces/Workspace.osws\n"));
+    EXPECT_THAT(FileContent(folder.Path("inner")), testing::ContainsRegex(" 8589934592 .* a\n"));
+}
+
+TEST_F(ServerAnswers, AFileThatIsNoLongerAsItWasEndsTheArchiveEarly) {
+    const std::string file = "'station one/z.trk'";
+    const std::vector<std::pair<std::string, std::string>> changes{
+        {"full", "printf more >> " + file},
+        {"full", "truncate -s 2 " + file},
+        {"full", "rm " + file},
+        {"full", "rm " + file + " && printf full > other && ln -s \"$PWD/other\" " + file},
+        {"", "rm " + file + " && mkfifo " + file},
+        {"", "rm " + file + " && mkdir " + file},
+    };
+    for (const auto& [content, change] : changes) {
+        SCOPED_TRACE(change);
+        MakeTree(Served(), {{"a.trk", std::string(30'000'000, 'o')}, {"z.trk", content}});
+        const OstraServerProcess server(Served());
+        RawHttp slow(server.ControlPort());
+        slow.Send(RawHttp::Text("POST", kArchivePath, kArchiveBody));
+        while (server.Requests().empty())
+            std::this_thread::yield();
+        EXPECT_TRUE(Shell(change));
+        const RawHttp::Reply reply = slow.Read();
+        EXPECT_EQ(reply.status, 200U);
+        EXPECT_GT(reply.body.size(), 30'000'000U);
+        EXPECT_FALSE(reply.Whole());
+        EXPECT_TRUE(slow.Closed());
+        std::filesystem::remove_all(Served());
+    }
+}
+
+TEST_F(ServerAnswers, ArchiveNotesTheReplayMode) {
+    const OstraServerProcess server(Served(), {"--replay", "on"});
+    const std::string on = DataOf(Archive(server).body);
+    RawHttp::Request(server.ControlPort(), "PUT", kReplayPath, "{\"enabled\": false}");
+    const std::string off = DataOf(Archive(server).body);
+    EXPECT_EQ(Restore(server, on).status, 200U);
+    EXPECT_TRUE(ReplayOf(server));
+    EXPECT_EQ(Restore(server, off).status, 200U);
+    EXPECT_FALSE(ReplayOf(server));
+}
+
 TEST_F(ServerAnswers, ArchiveOfAnEmptyWorkspaceIsAnArchive) {
     MakeTree(Served(), {});
     const OstraServerProcess server(Served());
@@ -157,6 +222,15 @@ TEST_F(ServerAnswers, RequestsAreLoggedInTheirOrder) {
                 testing::ElementsAre("GET /system/info 0 200", "PUT /replay/playback 17 200", "- - 0 400",
                                      "POST /system/commands/archive 32 200"));
     EXPECT_EQ(server.Calls().back(), "POST /system/commands/archive");
+}
+
+TEST_F(ServerAnswers, TheLogShowsTwoHundredLettersOfAPath) {
+    OstraServerProcess server(Served());
+    const std::string path = "/" + std::string(199, 'p');
+    RawHttp::Request(server.ControlPort(), "GET", path);
+    RawHttp::Request(server.ControlPort(), "GET", path + "more");
+    EXPECT_THAT(server.Requests(), testing::Each("GET " + path + " 0 404"));
+    EXPECT_EQ(server.Requests().size(), 2U);
 }
 
 TEST_F(ServerAnswers, LogGoesToTheNamedFile) {

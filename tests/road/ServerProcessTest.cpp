@@ -186,6 +186,13 @@ TEST_F(ServerProcess, FaultDelayHoldsTheReplyBack) {
     EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(300));
 }
 
+TEST_F(ServerProcess, ADelayTakesNoTimeFromTheReply) {
+    const OstraServerProcess server(
+        Served(), {"--fault-delay", "1600", "--idle-timeout", "1500", "--transfer-timeout", "1500"});
+    EXPECT_TRUE(RawHttp::Request(server.ControlPort(), "GET", "/system/info").Whole());
+    EXPECT_TRUE(Archive(server).Whole());
+}
+
 TEST_F(ServerProcess, FaultsCanBeSkippedAndCounted) {
     const OstraServerProcess server(Served(), {"--fault-status", "503", "--fault-path", kReplayPath,
                                                "--fault-skip", "1", "--fault-count", "2"});

@@ -1,10 +1,13 @@
 #include "ServerTest.h"
 
 #include <atomic>
+#include <csignal>
 #include <filesystem>
 #include <thread>
 
 #include <gmock/gmock.h>
+
+#include <sys/resource.h>
 
 namespace {
 
@@ -171,6 +174,35 @@ TEST_F(ServerRestore, RefusesLinksAndSpecialFiles) {
         EXPECT_TRUE(Shell(command + " && tar -cf linked.tar -C tarred vdk"));
         ExpectRefused(server, BackupAround(FileContent(folder.Path("linked.tar")), "{}"));
     }
+}
+
+TEST_F(ServerRestore, RefusesLinksAndSpecialFilesBesideTheWorkspaceToo) {
+    const OstraServerProcess server(Served());
+    const std::string osws = Tarred(changed);
+    for (const std::string command :
+         {"ln -s /etc/passwd tarred/link", "ln tarred/info.json tarred/hard", "mkfifo tarred/pipe"}) {
+        SCOPED_TRACE(command);
+        MakeTree(folder.Path("tarred"), {{"info.json", "{}"}, {"workspaces/Workspace.osws", osws}});
+        EXPECT_TRUE(Shell(command + " && tar -cf linked.tar -C tarred $(ls -A tarred)"));
+        ExpectRefused(server, FileContent(folder.Path("linked.tar")));
+    }
+}
+
+TEST_F(ServerRestore, ADiskThatFailsIsTheServersFailureNotTheArchives) {
+    // Whoever starts with this signal ignored gets an error for a file beyond its limit.
+    const auto before = std::signal(SIGXFSZ, SIG_IGN);
+    const OstraServerProcess server(Served());
+    std::signal(SIGXFSZ, before);
+    const rlimit limit{100'000, 100'000};
+    ASSERT_EQ(prlimit(server.Pid(), RLIMIT_FSIZE, &limit, nullptr), 0);
+    Tree large = changed;
+    large["vdk/ContourPath/large.trk"] = std::string(1'000'000, 'L');
+    const RawHttp::Reply reply = Restore(server, Backup(large));
+    EXPECT_EQ(reply.status, 500U) << reply.body;
+    EXPECT_THAT(reply.body, testing::Not(HasSubstr(folder.Path(""))));
+    EXPECT_EQ(TreeOf(Served()), original);
+    EXPECT_EQ(Leftovers(), "");
+    EXPECT_EQ(Restore(server, Backup(changed)).status, 200U);
 }
 
 TEST_F(ServerRestore, RefusesToWriteThroughALinkInTheArchive) {
