@@ -4,9 +4,9 @@
 #include "HttpSession.h"
 
 #include <array>
-#include <charconv>
 #include <filesystem>
 #include <set>
+#include <sstream>
 
 #include <sys/socket.h>
 #include <unistd.h>
@@ -16,6 +16,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr int kRoom = 16 * 1024 * 1024;
+constexpr const char* kLog = "check.log";
 
 std::unique_ptr<Workspace> FreshWorkspace() {
     fs::create_directories("served/space/vdk/ContourPath");
@@ -53,26 +54,13 @@ std::string ReadAll(int end) {
     return all;
 }
 
-/// Takes the first reply off the text.
-FuzzedServer::Reply TakeReply(std::string_view& text) {
-    constexpr std::string_view kVersion = "HTTP/1.1 ";
-    constexpr std::string_view kLength = "\r\nContent-Length: ";
-    const std::size_t end = text.find("\r\n\r\n");
-    Check(text.starts_with(kVersion) && end != std::string_view::npos, "a reply has a whole head");
-    const std::string_view head = text.substr(0, end);
-    text.remove_prefix(end + 4);
-    FuzzedServer::Reply reply;
-    std::from_chars(head.data() + kVersion.size(), head.data() + head.size(), reply.status);
-    if (reply.status == 100)
-        return reply;
-    const std::size_t length = head.find(kLength);
-    Check(length != std::string_view::npos, "a reply tells its length");
-    std::size_t size = 0;
-    std::from_chars(head.data() + length + kLength.size(), head.data() + head.size(), size);
-    Check(text.size() >= size, "a reply is sent whole");
-    reply.body = text.substr(0, size);
-    text.remove_prefix(size);
-    return reply;
+/// The verbs of the requests that the log names, in their order.
+std::vector<std::string> Verbs(const std::string& log) {
+    std::vector<std::string> verbs;
+    std::istringstream lines(log);
+    for (std::string line; std::getline(lines, line);)
+        verbs.push_back(line.substr(0, line.find(' ')));
+    return verbs;
 }
 
 } // namespace
@@ -83,7 +71,7 @@ FuzzedServer::FuzzedServer()
       workspace(FreshWorkspace()),
       replay(false, std::nullopt),
       faults(options.faults),
-      log("/dev/null"),
+      log(kLog),
       sensor{options, identity, *workspace, replay, faults, log},
       first(Served()),
       beside(Beside()) {
@@ -92,17 +80,18 @@ FuzzedServer::FuzzedServer()
 std::vector<FuzzedServer::Reply> FuzzedServer::Talk(const std::string& request) {
     static const std::set<unsigned> kStatuses{200, 400, 404, 405, 413, 422};
     const int freeDescriptor = FreeDescriptor();
+    fs::resize_file(kLog, 0);
     const std::string answers = Answers(request);
+    ReplyStream stream(answers);
     std::vector<Reply> replies;
-    for (std::string_view left = answers; !left.empty();) {
-        Reply reply = TakeReply(left);
-        if (reply.status == 100)
-            continue;
+    for (const std::string& verb : Verbs(ContentOf(kLog))) {
+        Reply reply = stream.Take(verb);
         if (kStatuses.count(reply.status) == 0)
             Broken("a request is served or refused, not answered with " + std::to_string(reply.status) + " " +
                    reply.body);
         replies.push_back(std::move(reply));
     }
+    Check(stream.AtEnd(), "each reply answers one request");
     Check(Beside() == beside, "nothing beside the workspace is touched or left behind");
     Check(FreeDescriptor() <= freeDescriptor, "every file is closed");
     return replies;

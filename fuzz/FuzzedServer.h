@@ -3,6 +3,7 @@
 #include "FaultPlan.h"
 #include "FuzzFolder.h"
 #include "ReplayMode.h"
+#include "ReplyStream.h"
 #include "RequestLog.h"
 #include "Sensor.h"
 #include "ServerIdentity.h"
@@ -17,10 +18,7 @@
 /// sockets that holds all that the client says before the server reads the first byte.
 class FuzzedServer {
   public:
-    struct Reply {
-        unsigned status = 0;
-        std::string body;
-    };
+    using Reply = ReplyStream::Reply;
 
     FuzzedServer();
 

@@ -157,6 +157,8 @@ def main():
         + struct.pack(">Q", len(small)) + small, CBOR))
     put("server_request", "chunks", b"POST /system/commands/archive HTTP/1.1\r\nTransfer-Encoding: chunked\r\n"
         b"Expect: 100-continue\r\n\r\n1f\r\n" + contents + b"\r\n0\r\n\r\n")
+    put("server_request", "head", b"HEAD /system/info HTTP/1.1\r\n\r\n" * 2)
+    put("server_request", "digest", b"GET /system/info HTTP/1.1\r\nWant-Content-Digest: crc32c=1\r\n\r\n" * 2)
     put("server_request", "wrong", request(b"GET /system/commands/archive") + request(b"GET /nowhere"))
 
 

@@ -1,0 +1,87 @@
+#include "ReplyStream.h"
+
+#include "Check.h"
+#include "ContentDigest.h"
+#include "Crc32c.h"
+
+#include <charconv>
+#include <system_error>
+
+namespace {
+
+constexpr std::string_view kLineEnd = "\r\n";
+
+/// The number at the start of the text.
+std::size_t Number(std::string_view text, int base, const char* promise) {
+    std::size_t number = 0;
+    Check(std::from_chars(text.data(), text.data() + text.size(), number, base).ec == std::errc(), promise);
+    return number;
+}
+
+/// The value of a field, by its name as this server writes it; empty when it is missing.
+std::string_view Field(std::string_view head, const std::string& name) {
+    const std::string mark = "\r\n" + name + ": ";
+    const std::size_t at = head.find(mark);
+    if (at == std::string_view::npos)
+        return {};
+    const std::string_view value = head.substr(at + mark.size());
+    return value.substr(0, value.find(kLineEnd));
+}
+
+} // namespace
+
+ReplyStream::Reply ReplyStream::Take(std::string_view verb) {
+    constexpr std::string_view kVersion = "HTTP/1.1 ";
+    constexpr unsigned kGoOn = 100;
+    constexpr int kDecimal = 10;
+    Reply reply;
+    std::string_view head;
+    do {
+        head = TakeHead();
+        Check(head.starts_with(kVersion), "a reply starts with the version");
+        reply.status =
+            static_cast<unsigned>(Number(head.substr(kVersion.size()), kDecimal, "a reply tells its status"));
+    } while (reply.status == kGoOn);
+    if (verb == "HEAD")
+        return reply;
+    if (Field(head, "Transfer-Encoding") == "chunked")
+        reply.body = TakeChunks();
+    else
+        reply.body = TakeBytes(Number(Field(head, "Content-Length"), kDecimal, "a reply tells its length"));
+    return reply;
+}
+
+std::string_view ReplyStream::TakeHead() {
+    return TakeUntil("\r\n\r\n", "a reply has a whole head");
+}
+
+std::string ReplyStream::TakeChunks() {
+    constexpr int kHexadecimal = 16;
+    std::string body;
+    while (const std::size_t size = Number(TakeUntil(kLineEnd, "a chunk tells its size"), kHexadecimal,
+                                           "a chunk tells its size")) {
+        body += TakeBytes(size);
+        Check(TakeUntil(kLineEnd, "a chunk ends").empty(), "a chunk is as long as it tells");
+    }
+    Crc32c checksum;
+    checksum.Take(body.data(), body.size());
+    const std::string trailer = "\r\n" + std::string(TakeHead());
+    Check(CheckContentDigest(Field(trailer, kContentDigest), checksum.Value()) == DigestCheck::Equal,
+          "a body in chunks is followed by its digest");
+    return body;
+}
+
+std::string_view ReplyStream::TakeUntil(std::string_view mark, const char* promise) {
+    const std::size_t at = left.find(mark);
+    Check(at != std::string_view::npos, promise);
+    const std::string_view taken = left.substr(0, at);
+    left.remove_prefix(at + mark.size());
+    return taken;
+}
+
+std::string_view ReplyStream::TakeBytes(std::size_t count) {
+    Check(left.size() >= count, "a reply is sent whole");
+    const std::string_view taken = left.substr(0, count);
+    left.remove_prefix(count);
+    return taken;
+}
