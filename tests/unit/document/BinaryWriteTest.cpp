@@ -2,9 +2,8 @@
 
 #include "DocumentSamples.h"
 #include "FileSizeLimit.h"
-#include "LogCapture.h"
 #include "OrdinaryUser.h"
-#include "TemporaryFolder.h"
+#include "UpdateTest.h"
 
 #include <gmock/gmock.h>
 
@@ -38,28 +37,13 @@ Track LargeTrack() {
     return track;
 }
 
-class BinaryWrite : public testing::Test {
+class BinaryWrite : public UpdateTest<ConvertBIN> {
   protected:
     int Write(const std::string& target, const Track& track, const std::vector<TrackPath>& paths) {
         const WorldTransform t = SampleTransform();
         return converter.WriteTrack(target, InfoOf(track), track.cells, 0, paths, t.widthScale, t.xOffset,
                                     t.yOffset, t.xScale, t.yScale);
     }
-
-    int Update(const std::string& original, const std::string& target, const std::vector<TrackPath>& paths) {
-        return UpdateWith(converter, original, target, paths);
-    }
-
-    /// Updates a file of this content and returns the target's.
-    std::string Updated(const std::string& original, const std::vector<TrackPath>& paths) {
-        WriteFile("original.trk", original);
-        EXPECT_EQ(Update("original.trk", "target.trk", paths), 0);
-        return FileContent("target.trk");
-    }
-
-    TemporaryFolder folder;
-    LogCapture log;
-    ConvertBIN converter;
 };
 
 using BinaryUpdate = BinaryWrite;

@@ -2,8 +2,7 @@
 
 #include "DocumentSamples.h"
 #include "FileSizeLimit.h"
-#include "LogCapture.h"
-#include "TemporaryFolder.h"
+#include "UpdateTest.h"
 
 #include <gmock/gmock.h>
 
@@ -34,23 +33,7 @@ const std::string kNoPaths =
     "Ruler\nRuler,Track,Segment,X1,Y1,X2,Y2,Method,Width\nEnd\n\n"
     "Segment\nTrack,Segment,X,Y,RelativeX,RelativeY,Method,Length,Width,Space\nEnd\n";
 
-class CsvUpdate : public testing::Test {
-  protected:
-    int Update(const std::string& original, const std::string& target, const std::vector<TrackPath>& paths) {
-        return UpdateWith(converter, original, target, paths);
-    }
-
-    /// Updates a file of this content and returns the target's.
-    std::string Updated(const std::string& original, const std::vector<TrackPath>& paths) {
-        WriteFile("original.trk", original);
-        EXPECT_EQ(Update("original.trk", "target.trk", paths), 0);
-        return FileContent("target.trk");
-    }
-
-    TemporaryFolder folder;
-    LogCapture log;
-    ConvertCSV converter;
-};
+using CsvUpdate = UpdateTest<ConvertCSV>;
 
 TEST_F(CsvUpdate, equalsTheIndependentWriterByteForByte) {
     Track original = SampleTrack();
