@@ -143,7 +143,7 @@ void OstraSdkClient::Backup(const std::string& backupFileName) {
     OstraSdk::VeJson payload;
     try {
         payload = FetchArchive(system->Client(), timeouts.archive);
-    } catch (const std::exception&) {
+    } catch (...) {
         throw Ve::Exception(__LINE__, __FILE__, bERROR_REQUEST, kFunction,
                             "Failed to call the Backup request.");
     }
@@ -165,7 +165,7 @@ void OstraSdkClient::Restore(const std::string& fileName) {
     ReadFileBuffer(fileName, archive);
     try {
         SendArchive(system->Client(), std::move(archive), timeouts.archive);
-    } catch (const std::exception&) {
+    } catch (...) {
         throw Ve::Exception(__LINE__, __FILE__, bERROR_REQUEST, kFunction,
                             "Failed to call the Restore request.");
     }
@@ -178,7 +178,7 @@ bool OstraSdkClient::GetReplayMode() {
         const OstraSdk::VeJson empty;
         OstraSdk::VeTransaction transaction = system->Client().Read("/replay/playback", empty, empty);
         return transaction.GetResponse(timeouts.replay).Payload().At("enabled").Get<bool>();
-    } catch (const std::exception&) {
+    } catch (...) {
         throw Ve::Exception(__LINE__, __FILE__, bERROR_REQUEST, kFunction,
                             "Failed to get the status of the replay mode.");
     }
@@ -191,7 +191,7 @@ void OstraSdkClient::SetReplayMode(bool enabled) {
         const OstraSdk::VeJson body =
             OstraSdk::VeJson::ParseString(enabled ? "{\"enabled\": true}" : "{\"enabled\": false}");
         system->Client().Update("/replay/playback", body, OstraSdk::VeJson()).CheckResponse(timeouts.replay);
-    } catch (const std::exception&) {
+    } catch (...) {
         throw Ve::Exception(__LINE__, __FILE__, bERROR_REQUEST, kFunction, "Failed to set the replay mode.");
     }
 }

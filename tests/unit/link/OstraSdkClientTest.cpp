@@ -12,6 +12,8 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
+#include <set>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -185,6 +187,28 @@ TEST(OstraSdkClient, failsEveryRequestAtOnceWhenNotConnected) {
     EXPECT_EQ(EntriesHere(), 0U);
 }
 
+TEST(OstraSdkClient, namesItsOwnSourceInEveryFailure) {
+    const TemporaryFolder folder;
+    OstraSdkClient client;
+    std::vector<std::uint8_t> buffer;
+    const std::vector<std::function<void()>> failures = {
+        [&] { client.Connect("no address", 3600); },
+        [&] { client.Connect("127.0.0.1", ClosedPort()); },
+        [&] { client.Backup("a"); },
+        [&] { client.Restore("a"); },
+        [&] { static_cast<void>(client.GetReplayMode()); },
+        [&] { client.SetReplayMode(true); },
+        [&] { OstraSdkClient::ReadFileBuffer("missing", buffer); }};
+    std::set<int> lines;
+    for (const std::function<void()>& failure : failures) {
+        const Ve::Exception e = ThrownBy(failure);
+        EXPECT_THAT(e.File(), testing::EndsWith("OstraSdkClient.cpp")) << e.what();
+        EXPECT_GT(e.Line(), 0) << e.what();
+        lines.insert(e.Line());
+    }
+    EXPECT_EQ(lines.size(), failures.size()) << "each failure has a line of its own";
+}
+
 // Backup
 
 TEST(OstraSdkClient, writesTheServersArchiveToTheFile) {
@@ -223,6 +247,7 @@ TEST(OstraSdkClient, tellsTheBackupFileThatItCannotWrite) {
     for (const std::string name : {"missing/%s.osbak", "folder", "pipe"})
         ExpectThrown([&] { client.Backup(name); }, -997, "OstraSdkClient::Backup",
                      "Failed to open the file - " + name);
+    EXPECT_THAT(server.RequestLines(), ElementsAre(kInfo, kArchive, kArchive, kArchive));
 }
 
 TEST(OstraSdkClient, keepsTheOldBackupWhenTheDiskIsFull) {
@@ -518,7 +543,7 @@ TEST(ReadFileBuffer, failsForAFileThatNoRequestCanCarry) {
 
 TEST(OstraSdkClient, listsTheServersThatAnswerInTheirOrder) {
     const DiscoveryResponder responder(
-        {DiscoveryAnswer(2, "10.0.0.9", 3600), DiscoveryAnswer(1, "10.0.0.1", 65535)},
+        {DiscoveryAnswer(2, "10.0.0.9", 3600), DiscoveryAnswer(1, "192.168.100.200", 65535)},
         std::chrono::milliseconds(20));
     setenv("OSTRA_DISCOVERY", responder.Target().c_str(), 1);
     std::vector<OstraServerInfo> list(3);
@@ -526,7 +551,7 @@ TEST(OstraSdkClient, listsTheServersThatAnswerInTheirOrder) {
     ASSERT_EQ(list.size(), 2U);
     EXPECT_EQ(list[0].address, "10.0.0.9");
     EXPECT_EQ(list[0].controlPort, 3600U);
-    EXPECT_EQ(list[1].address, "10.0.0.1");
+    EXPECT_EQ(list[1].address, "192.168.100.200");
     EXPECT_EQ(list[1].controlPort, 65535U);
 }
 

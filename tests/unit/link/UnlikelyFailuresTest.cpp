@@ -10,11 +10,13 @@
 #include "VeDiscoveryClient.h"
 #include "VeSystem.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <stdexcept>
 #include <utility>
 
 bStatus FailingParse(bIpAddress*, const char*) __asm__("__wrap__Z16bIpAddress_ParseP10bIpAddressPKc");
@@ -31,6 +33,16 @@ void WatchedDiscover(OstraSdk::VeDiscoveryClient*,
                      std::int64_t) __asm__("__wrap__ZN8OstraSdk17VeDiscoveryClient16BlockingDiscoverEl");
 void RealDiscover(OstraSdk::VeDiscoveryClient*,
                   std::int64_t) __asm__("__real__ZN8OstraSdk17VeDiscoveryClient16BlockingDiscoverEl");
+OstraSdk::VeRequestResponse
+WatchedGetResponse(OstraSdk::VeTransaction*,
+                   std::int64_t) __asm__("__wrap__ZN8OstraSdk13VeTransaction11GetResponseEl");
+OstraSdk::VeRequestResponse
+RealGetResponse(OstraSdk::VeTransaction*,
+                std::int64_t) __asm__("__real__ZN8OstraSdk13VeTransaction11GetResponseEl");
+void WatchedCheckResponse(OstraSdk::VeTransaction*,
+                          std::int64_t) __asm__("__wrap__ZN8OstraSdk13VeTransaction13CheckResponseEl");
+void RealCheckResponse(OstraSdk::VeTransaction*,
+                       std::int64_t) __asm__("__real__ZN8OstraSdk13VeTransaction13CheckResponseEl");
 void* WatchedNew(std::size_t) __asm__("__wrap__Znwm");
 void* RealNew(std::size_t) __asm__("__real__Znwm");
 
@@ -39,9 +51,14 @@ namespace {
 bool parseFails = false;
 bool formatFails = false;
 bool disconnectFails = false;
+bool discoveryFails = false;
 bIpAddress systemAddress;
 unsigned systemPort = 0;
 std::int64_t discoveryTimeout = 0;
+/// The waits for a response, each with its time-out.
+std::vector<std::string> waits;
+/// Throws in place of each wait.
+std::function<void()> insteadOfWaiting;
 std::size_t watchedSize = 0;
 /// Done once, when the thread that set it asks for memory of `watchedSize` bytes.
 thread_local std::function<void()> onAllocation;
@@ -70,7 +87,23 @@ void WatchedSystem(OstraSdk::VeSystem* system, const bIpAddress& address, unsign
 
 void WatchedDiscover(OstraSdk::VeDiscoveryClient* discovery, std::int64_t timeout) {
     discoveryTimeout = timeout;
+    if (discoveryFails)
+        throw Ve::Exception(__LINE__, __FILE__, -80, "VeDiscoveryClient::BlockingDiscover", "No network.");
     RealDiscover(discovery, timeout);
+}
+
+OstraSdk::VeRequestResponse WatchedGetResponse(OstraSdk::VeTransaction* transaction, std::int64_t timeout) {
+    waits.push_back("GetResponse " + std::to_string(timeout));
+    if (insteadOfWaiting)
+        insteadOfWaiting();
+    return RealGetResponse(transaction, timeout);
+}
+
+void WatchedCheckResponse(OstraSdk::VeTransaction* transaction, std::int64_t timeout) {
+    waits.push_back("CheckResponse " + std::to_string(timeout));
+    if (insteadOfWaiting)
+        return insteadOfWaiting();
+    RealCheckResponse(transaction, timeout);
 }
 
 void* WatchedNew(std::size_t size) {
@@ -84,8 +117,9 @@ namespace {
 class UnlikelyFailures : public testing::Test {
   protected:
     ~UnlikelyFailures() override {
-        parseFails = formatFails = disconnectFails = false;
+        parseFails = formatFails = disconnectFails = discoveryFails = false;
         onAllocation = nullptr;
+        insteadOfWaiting = nullptr;
     }
 };
 
@@ -160,10 +194,45 @@ TEST(OstraSdkClient, looksForServersWithATimeOutOfTenThousand) {
     EXPECT_EQ(discoveryTimeout, 10000);
 }
 
+TEST(OstraSdkClient, waitsForEachResponseAsLongAsItsRequestMayTake) {
+    const TemporaryFolder folder;
+    WriteFile("a.osbak", "archive");
+    const ScriptedServer server(
+        std::map<std::string, ScriptedReply>{{"/system/info", JsonReply("{}")},
+                                             {"/system/commands/archive", DataReply("archive")},
+                                             {"/system/commands/restore", JsonReply("{}")},
+                                             {"/replay/playback", JsonReply(R"({"enabled":true})")}});
+    OstraSdkClient client;
+    client.Connect("127.0.0.1", server.Port());
+    waits.clear();
+    client.Backup("Ostra.osbak");
+    client.Restore("a.osbak");
+    EXPECT_TRUE(client.GetReplayMode());
+    client.SetReplayMode(true);
+    EXPECT_THAT(waits, testing::ElementsAre("GetResponse 180000000", "CheckResponse 180000000",
+                                            "GetResponse 3000000", "CheckResponse 3000000"));
+}
+
 TEST_F(UnlikelyFailures, anAddressThatCannotBeParsedStopsTheConstructor) {
     parseFails = true;
     ExpectThrown([] { const OstraSdkClient client; }, -77, "OstraSdkClient::OstraSdkClient",
                  "Failed to parse the ip address.");
+}
+
+TEST_F(UnlikelyFailures, anAddressThatCannotBeParsedStopsTheConnectWithTheParsersStatus) {
+    OstraSdkClient client;
+    parseFails = true;
+    ExpectThrown([&] { client.Connect("127.0.0.1", 1); }, -77, "OstraSdkClient::Connect",
+                 "Failed to parse the ip address.");
+    EXPECT_EQ(systemPort, 3600U) << "no system is made for that address";
+}
+
+TEST_F(UnlikelyFailures, aFailedDiscoveryIsHandedOnAsItIsAndLeavesNoServers) {
+    discoveryFails = true;
+    std::vector<OstraServerInfo> list(3);
+    ExpectThrown([&] { OstraSdkClient::DiscoverOstraServers(list); }, -80,
+                 "VeDiscoveryClient::BlockingDiscover", "No network.");
+    EXPECT_TRUE(list.empty());
 }
 
 TEST_F(UnlikelyFailures, anAddressThatCannotBeFormattedStopsTheDiscovery) {
@@ -182,6 +251,41 @@ TEST_F(UnlikelyFailures, aFailedDisconnectTellsTheAddress) {
     disconnectFails = true;
     ExpectThrown([&] { client.Disconnect(); }, -79, "OstraSdkClient::Disconnect",
                  "Failed to disconnect the OstraServer (127.0.0.1)");
+}
+
+TEST_F(UnlikelyFailures, whateverARequestThrowsBecomesItsOwnFailure) {
+    const TemporaryFolder folder;
+    WriteFile("a.osbak", "archive");
+    const ScriptedServer server(JsonReply("{}"));
+    OstraSdkClient client;
+    client.Connect("127.0.0.1", server.Port());
+    const std::vector<std::function<void()>> thrown = {
+        [] { throw Ve::Exception(__LINE__, __FILE__, -81, "VeTransaction", "Not shown."); },
+        [] { throw std::runtime_error("Not shown."); }, [] { throw 1; }};
+    for (const std::function<void()>& throwing : thrown) {
+        insteadOfWaiting = throwing;
+        ExpectThrown([&] { client.Backup("Ostra.osbak"); }, -998, "OstraSdkClient::Backup",
+                     "Failed to call the Backup request.");
+        ExpectThrown([&] { client.Restore("a.osbak"); }, -998, "OstraSdkClient::Restore",
+                     "Failed to call the Restore request.");
+        ExpectThrown([&] { static_cast<void>(client.GetReplayMode()); }, -998,
+                     "OstraSdkClient::GetReplayMode", "Failed to get the status of the replay mode.");
+        ExpectThrown([&] { client.SetReplayMode(true); }, -998, "OstraSdkClient::SetReplayMode",
+                     "Failed to set the replay mode.");
+    }
+    EXPECT_FALSE(std::filesystem::exists("Ostra.osbak"));
+}
+
+TEST_F(UnlikelyFailures, aServerThatCannotBeDisconnectedKeepsTheNextOneFromBeingConnected) {
+    const ScriptedServer first(JsonReply("{}"));
+    const ScriptedServer second(JsonReply("{}"));
+    OstraSdkClient client;
+    client.Connect("127.0.0.1", first.Port());
+    disconnectFails = true;
+    ExpectThrown([&] { client.Connect("127.0.0.1", second.Port()); }, -79, "OstraSdkClient::Disconnect",
+                 "Failed to disconnect the OstraServer (127.0.0.1)");
+    EXPECT_TRUE(second.Requests().empty());
+    EXPECT_TRUE(client.IsConnected());
 }
 
 TEST_F(UnlikelyFailures, aFailedDisconnectWhoseAddressCannotBeFormattedTellsThat) {
