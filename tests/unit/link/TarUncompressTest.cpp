@@ -20,8 +20,8 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
-// The ends that no archive of a test has: the linker puts this function in the place of the platform's (see
-// --wrap in CMakeLists.txt).
+// The ends and kinds that no archive of a test has: the linker puts this function in the place of the
+// platform's (see --wrap in CMakeLists.txt).
 bStatus EndingRead(bTar*, char*, std::size_t, int*,
                    std::int64_t*) __asm__("__wrap__Z14bTar_BeginReadP4bTarPcmPiPl");
 bStatus RealRead(bTar*, char*, std::size_t, int*,
@@ -31,13 +31,17 @@ namespace {
 
 bStatus endBehindTheFirstEntry = bOK; ///< none unless a test sets it
 int entriesRead = 0;
+int kindOfDirectories = bTar_DIRECTORY;
 
 } // namespace
 
 bStatus EndingRead(bTar* tar, char* name, std::size_t capacity, int* kind, std::int64_t* size) {
     if (endBehindTheFirstEntry != bOK && entriesRead++ > 0)
         return endBehindTheFirstEntry;
-    return RealRead(tar, name, capacity, kind, size);
+    const bStatus status = RealRead(tar, name, capacity, kind, size);
+    if (status == bOK && *kind == bTar_DIRECTORY)
+        *kind = kindOfDirectories;
+    return status;
 }
 
 namespace {
@@ -93,6 +97,16 @@ TEST(TarUncompress, bringsBackATree) {
                                        {"a/file", std::string(100'000, 'f')},
                                        {"a/empty/", ""},
                                        {"zero", ""}}));
+}
+
+TEST(TarUncompress, takesEveryKindButAFileForADirectory) {
+    const TemporaryFolder folder;
+    for (const int kind : {2, -1}) {
+        kindOfDirectories = kind;
+        EXPECT_EQ(UnpackingOf(TarFolder("a") + TarFile("a/file", "x") + TarEnd()), "unpacked") << kind;
+        EXPECT_EQ(FolderTree("out"), (Tree{{"a/", ""}, {"a/file", "x"}})) << kind;
+    }
+    kindOfDirectories = bTar_DIRECTORY;
 }
 
 TEST(TarUncompress, removesWhatStoodInTheTargetDirectory) {
