@@ -8,13 +8,26 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
+#include <cstddef>
+#include <cstring>
 #include <filesystem>
+#include <type_traits>
 
 #include <sys/stat.h>
 
 namespace {
 
 using testing::ElementsAre;
+
+/// The place of an operation among the interface's, as a call finds it.
+template<typename Operation>
+std::ptrdiff_t SlotOf(Operation operation) {
+    std::array<std::ptrdiff_t, 2> parts{}; // one more than the operation's offset, and how far `this` moves
+    static_assert(sizeof operation == sizeof parts);
+    std::memcpy(parts.data(), &operation, sizeof operation);
+    return (parts[0] - 1) / static_cast<std::ptrdiff_t>(sizeof(void*));
+}
 
 bool IsText(const std::shared_ptr<Converter>& converter) {
     return dynamic_cast<ConvertCSV*>(converter.get()) != nullptr;
@@ -111,6 +124,26 @@ TEST_F(CreateConverterTest, neverWritesAWholeTextTrack) {
     WriteFile("a.trk", "before");
     EXPECT_EQ(CreateConverter("none")->WriteTrack("a.trk", {}, {}, 0, {}, 1, 0, 0, 1, 1), -1);
     EXPECT_EQ(FileContent("a.trk"), "before");
+}
+
+TEST(ConverterInterface, hasNeitherDataNorAVirtualDestructor) {
+    EXPECT_TRUE(std::is_abstract_v<Converter>);
+    EXPECT_FALSE(std::has_virtual_destructor_v<Converter>);
+    EXPECT_EQ(sizeof(Converter), sizeof(void*));
+    EXPECT_EQ(sizeof(ConvertCSV), sizeof(void*));
+    EXPECT_EQ(sizeof(ConvertBIN), sizeof(void*));
+}
+
+TEST(ConverterInterface, hasItsOperationsInTheirOrder) {
+#ifndef __x86_64__
+    GTEST_SKIP() << "pointers to operations are laid out in another way here";
+#endif
+    EXPECT_EQ(SlotOf(&Converter::ReadInfo), 0);
+    EXPECT_EQ(SlotOf(&Converter::ReadImage), 1);
+    EXPECT_EQ(SlotOf(&Converter::ReadHeightMap), 2);
+    EXPECT_EQ(SlotOf(&Converter::ReadPath), 3);
+    EXPECT_EQ(SlotOf(&Converter::WriteTrack), 4);
+    EXPECT_EQ(SlotOf(&Converter::UpdatePath), 5);
 }
 
 } // namespace
