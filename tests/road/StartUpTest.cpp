@@ -12,6 +12,7 @@
 
 #include <cstdlib>
 #include <functional>
+#include <stdexcept>
 #include <sys/stat.h>
 
 #include <windows.h>
@@ -102,6 +103,13 @@ TEST_F(StartUpTest, WindowIsDestroyedBeforeTheApplication) {
     EXPECT_EQ(QCoreApplication::instance(), nullptr);
 }
 
+TEST_F(StartUpTest, ExceptionFromTheEventLoopEndsTheProcess) {
+    whenShown = [](QMainWindow&) { throw std::runtime_error("nobody catches this"); };
+    // Without the noexcept the test's own frame would be the one that catches it.
+    const auto startAlone = []() noexcept { start(); };
+    EXPECT_DEATH(startAlone(), "nobody catches this");
+}
+
 TEST_F(StartUpTest, FileNamesAreUtf8WhateverTheDesktopsEncoding) {
     // What a toolkit that follows the desktop would find on one with an older encoding.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
@@ -135,6 +143,13 @@ TEST_F(StartUpTest, MutexThatIsTakenEndsTheStartWithZero) {
     EXPECT_EQ(log(), "the other copy's\n");
     EXPECT_EQ(fakeLibraries::apiStarts, 0);
     EXPECT_EQ(QCoreApplication::instance(), nullptr);
+}
+
+TEST_F(StartUpTest, MutexThatCannotBeMadeKeepsNobodyOut) {
+    ::mkdir("runtime/corvane.lock", 0700);
+    EXPECT_EQ(CreateMutexW(nullptr, FALSE, L"corvane"), nullptr);
+    EXPECT_EQ(start(), 0);
+    EXPECT_EQ(fakeLibraries::deviceStarts, 1);
 }
 
 TEST_F(StartUpTest, MutexIsHeldWhileTheWindowIsOpen) {
