@@ -1,8 +1,12 @@
 #include "CanvasFixture.h"
 #include "Converter.h"
 #include "Exception.h"
+#include "LogCapture.h"
+#include "SmallTrack.h"
 #include "TemporaryFolder.h"
 #include "bStatus.h"
+
+#include <gmock/gmock.h>
 
 #include <filesystem>
 
@@ -140,6 +144,36 @@ TEST_F(CanvasFiles, ABinaryOriginalIsCopiedWithTheNewPaths) {
     // All before the path sections is the original's: header, 3 x 2 heights, anchor.
     EXPECT_EQ(FileContent("copy.trk").substr(0, 68 + 12 + 28),
               FileContent("binary.trk").substr(0, 68 + 12 + 28));
+}
+
+TEST_F(CanvasFiles, ASavedTrackHasAllOfTheOriginalAndThePathsInWorldUnits) {
+    independent::Track track = SmallTrack(PathAcross(0, 3, 0.5, 100));
+    track.anchor = {1.5, -2.25, 30};
+    WriteFile("text.trk", independent::TextFile(track));
+    WriteFile("binary.trk", independent::BinaryFile(track));
+    track.heights.clear(); // a binary track has neither these nor the positions
+    track.columnPositions.clear();
+    track.rowPositions.clear();
+    for (const QString& original : {QStringLiteral("text.trk"), QStringLiteral("binary.trk")}) {
+        ASSERT_EQ(window.canvas->loadPaths(original), 0);
+        window.canvas->computeRulerMarks(80, 20);
+        window.canvas->SavePath(original, QStringLiteral("saved.trk"), 0.25, 10, 20, 40 * 0.5, 20 * 0.25);
+        independent::Track saved = independent::ReadBinary(FileContent("saved.trk"));
+        ASSERT_FALSE(saved.rulers.empty());
+        EXPECT_EQ(saved.rulers[0].width, 110 * 0.25);
+        saved.rulers.clear();
+        EXPECT_TRUE(saved == track) << original.toStdString();
+    }
+}
+
+TEST_F(CanvasFiles, TheLogTellsWhichEncodingsASaveReadsAndWrites) {
+    LoadText();
+    LogCapture log;
+    Save("text.trk", "saved.trk");
+    EXPECT_THAT(log.Lines(),
+                testing::ElementsAre("INFO: Creating ConvertCSV.", "INFO: Creating ConvertBIN."));
+    Save("saved.trk", "copy.trk");
+    EXPECT_THAT(log.Lines(), testing::ElementsAre("INFO: Creating ConvertBIN."));
 }
 
 TEST_F(CanvasFiles, AFileNameMayHoldAnyLetters) {

@@ -116,6 +116,36 @@ TEST_F(CanvasPainting, TheRubberBandIsARedLineFromTheLastPoint) {
     EXPECT_EQ(Count(window.Picture(), kRed), 0);
 }
 
+TEST_F(CanvasPainting, TheRubberBandReachesHalfItsWidthBeyondTheCursor) {
+    mouse.Press({50, 100});
+    mouse.Move({250, 100});
+    const QImage picture = window.Picture();
+    EXPECT_EQ(picture.pixel(250, 100), kRed);
+    EXPECT_EQ(picture.pixel(251, 100), kGrey);
+}
+
+TEST_F(CanvasPainting, TheRubberBandLiesOverTheLinesAndUnderThePoints) {
+    mouse.Click({50, 100});
+    mouse.Click({250, 100});
+    window.canvas->setCurrentPath(9);
+    mouse.Move({390, 290});
+    mouse.Press({390, 290});
+    mouse.Move({150, 100});
+    const QImage picture = window.Picture();
+    EXPECT_EQ(picture.pixel(100, 100), kBlue);
+    EXPECT_EQ(picture.pixel(200, 100), kRed);
+    EXPECT_EQ(picture.pixel(249, 100), kGreen);
+}
+
+TEST_F(CanvasPainting, PointsLieOverTheChosenSegment) {
+    mouse.Draw({{50, 100}, {250, 100}});
+    mouse.Move({390, 290});
+    const QImage picture = window.Picture();
+    EXPECT_EQ(picture.pixel(150, 100), kRed);
+    EXPECT_EQ(picture.pixel(51, 100), kGreen);
+    EXPECT_EQ(picture.pixel(249, 100), kGreen);
+}
+
 TEST_F(CanvasPainting, TheChosenSegmentIsRedOverItsBlueLine) {
     mouse.Draw({{50, 50}, {150, 50}, {150, 150}});
     window.canvas->setCurrentPath(0);
@@ -159,6 +189,22 @@ TEST_F(CanvasPainting, TheLabelStartsAtThePointOnItsBaseline) {
     EXPECT_NEAR(red.right(), expected.right(), 2);
     EXPECT_NEAR(red.bottom(), expected.bottom(), 2);
     EXPECT_NEAR(red.top(), expected.top(), 2);
+}
+
+TEST_F(CanvasPainting, TheLabelHoldsBothNumbersInTheWidgetsFontAndLiesOverTheGrip) {
+    DrawLevelLine();
+    QFont font = window.canvas->font();
+    font.setPixelSize(29);
+    window.canvas->setFont(font);
+    QImage expected = window.Picture();
+    QPainter painter(&expected);
+    painter.fillRect(245, 95, 10, 10, Qt::green);
+    painter.setFont(font);
+    painter.setPen(Qt::red);
+    painter.drawText(250, 100, QStringLiteral("250,100"));
+    painter.end();
+    mouse.Move({250, 100});
+    EXPECT_EQ(window.Picture(), expected);
 }
 
 TEST_F(CanvasPainting, TheLabelNearTheRightEdgeStartsFortyPixelsFurtherLeft) {
@@ -210,6 +256,28 @@ TEST_F(CanvasPainting, TicksThemselvesAreNotPainted) {
     window.shown = true;
     DrawLevelLine();
     EXPECT_EQ(window.Picture().pixel(151, 70), kGrey);
+}
+
+TEST_F(CanvasPainting, EveryBandOfEverySegmentIsPaintedOverPointsAndGripAndUnderAllCorners) {
+    window.shown = true;
+    DrawLevelLine(); // bands from 25 to 75 and from 126 to 176, between 50 and 150
+    mouse.Draw({{126, 100}, {326, 100}, {326, 250}});
+    window.canvas->setCurrentPath(9);
+    mouse.Move({390, 290});
+    const QImage picture = window.Picture();
+    for (const int x : {25, 75, 126, 176})
+        EXPECT_EQ(picture.pixel(x, 70), kWhite) << x;
+    for (const int x : {101, 151, 202, 252}) // from 101 to 151 and from 202 to 252
+        EXPECT_EQ(picture.pixel(x, 70), kWhite) << x;
+    for (const int x : {276, 376}) // two pixels behind the corner, from 77 to 127
+        EXPECT_EQ(picture.pixel(x, 90), kWhite) << x;
+    EXPECT_EQ(picture.pixel(126, 100), kWhite); // the second path's first point
+    EXPECT_EQ(picture.pixel(126, 50), kGreen);  // a corner, on a side of the band of the second path
+    EXPECT_EQ(picture.pixel(151, 50), kGreen);  // and the other way round
+    mouse.Move({126, 100});
+    const QImage hovered = window.Picture();
+    EXPECT_EQ(hovered.pixel(122, 103), kGreen);
+    EXPECT_EQ(hovered.pixel(126, 103), kWhite);
 }
 
 TEST_F(CanvasPainting, BandsLieOverThePaths) {

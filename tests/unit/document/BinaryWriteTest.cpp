@@ -83,6 +83,16 @@ TEST_F(BinaryWrite, ofPathsWithoutMarksCountsNoRulers) {
     EXPECT_EQ(FileContent("a.trk"), BinaryFile(track));
 }
 
+TEST_F(BinaryWrite, numbersTheRulersOfAllPathsThroughout) {
+    const std::vector<TrackPath> paths = {SamplePaths()[0], SamplePaths()[1], SamplePaths()[0]};
+    Track track = SampleTrack();
+    SetRecords(track, paths, SampleTransform());
+    ASSERT_EQ(track.rulers.back().index, 5);
+    ASSERT_EQ(track.rulers.back().path, 2);
+    EXPECT_EQ(Write("a.trk", SampleTrack(), paths), 0);
+    EXPECT_EQ(FileContent("a.trk"), BinaryFile(track));
+}
+
 TEST_F(BinaryWrite, countsATickByItsStart) {
     std::vector<TrackPath> paths = SamplePaths();
     Track track = SampleTrack();

@@ -97,6 +97,15 @@ TEST_F(CsvUpdate, copiesLinesUnchangedWithALineFeedBehindEach) {
     EXPECT_EQ(Updated("a\r\nb\r\n", {}), "a\nb\n" + kZeroAnchor + kNoPaths);
 }
 
+TEST_F(CsvUpdate, numbersTheRulersOfAllPathsThroughout) {
+    const std::vector<TrackPath> paths = {SamplePaths()[0], SamplePaths()[1], SamplePaths()[0]};
+    Track track = SampleTrack();
+    SetRecords(track, paths, SampleTransform());
+    ASSERT_EQ(track.rulers.back().index, 5);
+    ASSERT_EQ(track.rulers.back().path, 2);
+    EXPECT_EQ(Updated(TextFile(SampleTrack()), paths), TextFile(track));
+}
+
 TEST_F(CsvUpdate, ofPathsWithoutMarksHasTheTwoHeadLinesOfItsRulers) {
     const std::string target = Updated(TextMap(SampleTrack()), WithoutMarks(SamplePaths()));
     EXPECT_THAT(target, HasSubstr("Ruler\nRuler,Track,Segment,X1,Y1,X2,Y2,Method,Width\nEnd\n\nSegment\n"));
