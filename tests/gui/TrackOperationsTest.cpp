@@ -240,6 +240,19 @@ TEST_F(TrackOperations, HeightsBelowZeroAreShownFromTheLowestToTheHighest) {
     EXPECT_EQ(text("lineEdit_heightMax"), "-56.25"); // 39 + 19 x 0.25 - 100
 }
 
+TEST_F(TrackOperations, TheRangeOfATextTrackStartsAtItsLimits) {
+    for (const double shift : {40000.0, -40000.0}) {
+        independent::Track far = track;
+        for (auto& height : far.heights)
+            *height = std::floor(*height) + shift; // text holds six figures
+        WriteFile(folder.Path("far.trk"), independent::TextFile(far));
+        loadExternal(folder.Path("far.trk"));
+        EXPECT_EQ(status(), "Load successfully.");
+        EXPECT_EQ(text("lineEdit_heightMin"), shift > 0 ? "32768" : "-40000");
+        EXPECT_EQ(text("lineEdit_heightMax"), shift > 0 ? "40043" : "-32768");
+    }
+}
+
 TEST_F(TrackOperations, HeightsAreShownEvenWhenTheirMapCannotBe) {
     independent::Track flat = track;
     flat.heights.assign(flat.heights.size(), 7.5);
@@ -254,19 +267,23 @@ TEST_F(TrackOperations, LoadingFitsTheImageToTheView) {
     independent::Track large = track;
     large.width = 200;
     large.height = 100;
-    large.xResolution = large.yResolution = 1;
     large.cells.assign(std::size_t{200} * 100, 1);
     large.cells[0] = 0;
-    WriteFile(folder.Path("large.trk"), independent::BinaryFile(large));
-    loadExternal(folder.Path("large.trk"));
     const auto& view = find<QScrollArea>("scrollArea");
     const int expected =
         static_cast<int>(std::floor(std::min(view.width() / 200.0, view.height() / 100.0) * 20));
     ASSERT_GT(expected, 1);
     ASSERT_LT(expected, 80);
-    EXPECT_EQ(find<QSlider>("horizontalSlider_resizeImage").value(), expected);
-    EXPECT_EQ(text("label_scale"), "Scale:" + std::to_string(expected * 5) + "%");
-    EXPECT_EQ(canvas().size(), QSize(200 * expected / 20, 100 * expected / 20));
+    // It is the image's own size that fits, before an axis is stretched.
+    for (const QSize& stretch : {QSize(1, 1), QSize(3, 1), QSize(1, 3)}) {
+        large.xResolution = stretch.width();
+        large.yResolution = stretch.height();
+        WriteFile(folder.Path("large.trk"), independent::BinaryFile(large));
+        loadExternal(folder.Path("large.trk"));
+        EXPECT_EQ(find<QSlider>("horizontalSlider_resizeImage").value(), expected);
+        EXPECT_EQ(text("label_scale"), "Scale:" + std::to_string(expected * 5) + "%");
+        EXPECT_EQ(canvas().size(), QSize(10 * expected * stretch.width(), 5 * expected * stretch.height()));
+    }
 }
 
 TEST_F(TrackOperations, AnImageFarTooLargeForTheViewKeepsTheSlidersLowestScale) {
