@@ -118,6 +118,17 @@ TEST_F(CanvasRepaint, AnotherChosenPathOrSegmentIsPaintedAtOnce) {
     EXPECT_TRUE(region.contains(QRect(60, 199, 80, 2)));
 }
 
+TEST_F(CanvasRepaint, ClearingAllRepaintsAndResettingForALoadDoesNot) {
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    mouse.Draw({{50, 100}, {150, 100}});
+    PaintedRegion painted(window.canvas);
+    painted.Take();
+    window.canvas->resetPaths();
+    EXPECT_TRUE(painted.Take().isEmpty());
+    window.canvas->clearAll();
+    EXPECT_TRUE(painted.Take().contains(window.canvas->rect()));
+}
+
 TEST_F(CanvasRepaint, LoadedPathsArePaintedAtOnce) {
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     const TemporaryFolder folder;

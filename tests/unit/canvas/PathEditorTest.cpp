@@ -165,12 +165,17 @@ TEST(PathEditor, ABatchReachesTheLastPointsToo) {
 TEST(PathEditor, ResetForgetsEverything) {
     PathEditor editor;
     Draw(editor, {{50.0, 50.0}, {150.0, 50.0}});
-    editor.Hover(kScale, {150.0, 50.0});
+    Draw(editor, {{50.0, 150.0}, {150.0, 150.0}});
+    editor.Drag(kScale, {300.0, 200.0});
+    editor.Hover(kScale, {150.0, 150.0});
+    ASSERT_EQ(editor.State().hoverPath, 1);
     editor.SetCurrentPath(3);
     editor.SetCurrentSegment(4);
     editor.Reset();
     EXPECT_EQ(editor.State().finishedCount, 0);
+    EXPECT_EQ(editor.State().hoverPath, 0);
     EXPECT_EQ(editor.State().hoverPoint, 0);
+    EXPECT_TRUE(editor.State().rubberPoint.isNull());
     EXPECT_EQ(editor.State().currentPath, 0);
     EXPECT_EQ(editor.State().currentSegment, 0);
     EXPECT_TRUE(editor.State().dragPoint.isNull());
