@@ -164,12 +164,16 @@ TEST_F(MainWindowLayout, IsBuilt845By571) {
 }
 
 TEST_F(MainWindowLayout, IconsComeFromTheResources) {
-    EXPECT_FALSE(window->windowIcon().isNull());
-    EXPECT_FALSE(window->windowIcon().availableSizes().isEmpty());
-    for (const char* name : {"toolButton_reset", "toolButton_upload"})
-        EXPECT_FALSE(find<QToolButton>(name).icon().pixmap(16, 16).isNull()) << name;
-    for (const char* file : {":/icon/icon/app.ico", ":/icon/icon/refresh.png", ":/icon/icon/upload.png"})
-        EXPECT_FALSE(QImage(QString::fromLatin1(file)).isNull()) << file;
+    const std::vector<std::pair<QIcon, const char*>> icons = {
+        {window->windowIcon(), ":/icon/icon/app.ico"},
+        {find<QToolButton>("toolButton_reset").icon(), ":/icon/icon/refresh.png"},
+        {find<QToolButton>("toolButton_upload").icon(), ":/icon/icon/upload.png"},
+    };
+    for (const auto& [icon, file] : icons) {
+        const QImage expected = QIcon(QString::fromLatin1(file)).pixmap(64, 64).toImage();
+        ASSERT_FALSE(expected.isNull()) << file;
+        EXPECT_EQ(icon.pixmap(64, 64).toImage(), expected) << file;
+    }
 }
 
 TEST_F(MainWindowLayout, ControlColumnInOrder) {
@@ -211,10 +215,12 @@ TEST_F(MainWindowLayout, LayoutsOfTheControlColumnAreThoseNamed) {
         EXPECT_EQ(layout("_2").itemAt(place)->layout(), &layout(name)) << name;
         EXPECT_STREQ(layout(name).metaObject()->className(), "QHBoxLayout") << name;
     }
-    QLayoutItem& top = *layout("horizontalLayout").itemAt(0);
-    EXPECT_EQ(top.sizeHint(), QSize(40, 20));
-    EXPECT_EQ(top.spacerItem()->sizePolicy().horizontalPolicy(), QSizePolicy::Expanding);
-    EXPECT_EQ(top.spacerItem()->sizePolicy().verticalPolicy(), QSizePolicy::Minimum);
+    for (const int place : {0, 2}) {
+        QLayoutItem& beside = *layout("horizontalLayout").itemAt(place);
+        EXPECT_EQ(beside.sizeHint(), QSize(40, 20)) << place;
+        EXPECT_EQ(beside.spacerItem()->sizePolicy().horizontalPolicy(), QSizePolicy::Expanding) << place;
+        EXPECT_EQ(beside.spacerItem()->sizePolicy().verticalPolicy(), QSizePolicy::Minimum) << place;
+    }
     QLayoutItem& bottom = *layout("_2").itemAt(17);
     EXPECT_EQ(bottom.sizeHint(), QSize(20, 40));
     EXPECT_EQ(bottom.spacerItem()->sizePolicy().horizontalPolicy(), QSizePolicy::Minimum);
@@ -481,6 +487,16 @@ TEST_F(MainWindowLayout, GrowingTheWindowGivesTheRoomToTheCanvasMostly) {
     ASSERT_TRUE(QTest::qWaitFor([this, before] { return find<QScrollArea>("scrollArea").width() > before; }));
     const int grown = find<QScrollArea>("scrollArea").width() - before;
     EXPECT_GT(grown, 9 * (find<QWidget>("groupBox").width() - columnBefore));
+}
+
+TEST_F(MainWindowLayout, AResizeAssertsTheScrollAreasOwnSizeAgain) {
+    auto& area = find<QScrollArea>("scrollArea");
+    const QSize before = area.size();
+    area.setAttribute(Qt::WA_Resized, false); // set whenever a widget is told its size
+    QResizeEvent event(window->size(), window->size());
+    QApplication::sendEvent(window.get(), &event);
+    EXPECT_TRUE(area.testAttribute(Qt::WA_Resized));
+    EXPECT_EQ(area.size(), before);
 }
 
 TEST_F(MainWindowLayout, ClosingWithoutLeftoversDeletesAndReportsNothing) {

@@ -295,7 +295,7 @@ TEST_F(SegmentControls, TypingSetsTheChosenSegmentFigureByFigure) {
     EXPECT_EQ(paths()[0].lengths[1], 7);
 }
 
-TEST_F(SegmentControls, AnEmptyTextOrOneThatIsNoNumberCountsAsZero) {
+TEST_F(SegmentControls, ATextIsADecimalNumberAndCountsAsZeroWhenItIsNone) {
     loadTwoPaths();
     type("lineEdit_lineLength", "");
     EXPECT_EQ(paths()[0].lengths[0], 0);
@@ -303,6 +303,8 @@ TEST_F(SegmentControls, AnEmptyTextOrOneThatIsNoNumberCountsAsZero) {
     EXPECT_EQ(paths()[0].lengths[0], 0);
     find<QLineEdit>("lineEdit_lineLength").setText(QStringLiteral("12"));
     EXPECT_EQ(paths()[0].lengths[0], 12);
+    find<QLineEdit>("lineEdit_lineLength").setText(QStringLiteral("010"));
+    EXPECT_EQ(paths()[0].lengths[0], 10);
     click("checkBox_batchSetting");
     type("lineEdit_lineSpace", "");
     EXPECT_THAT(paths()[0].spaces, Each(0));

@@ -1,6 +1,6 @@
-// What becomes of a connection when its end fails, and which server a connection goes to. The linker puts the
-// function of this file in the place of the platform's, for this program alone (see --wrap in
-// CMakeLists.txt).
+// What becomes of a connection when its end fails, which server a connection goes to, and what becomes of the
+// window when looking for servers fails. The linker puts the functions of this file in the places of the real
+// ones, for this program alone (see --wrap in CMakeLists.txt).
 
 #include "OrdinaryUser.h"
 #include "SourceWorkflows.h"
@@ -10,16 +10,32 @@
 #include <QEvent>
 
 #include <functional>
+#include <stdexcept>
+#include <vector>
 
 void WatchedDisconnect(OstraSdk::VeSystem*) __asm__("__wrap__ZN8OstraSdk8VeSystem10DisconnectEv");
 void RealDisconnect(OstraSdk::VeSystem*) __asm__("__real__ZN8OstraSdk8VeSystem10DisconnectEv");
+
+using ServerList = std::vector<OstraServerInfo>;
+void WatchedDiscovery(ServerList&) __asm__(
+    "__wrap__ZN14OstraSdkClient20DiscoverOstraServersERSt6vectorI15OstraServerInfoSaIS1_EE");
+void RealDiscovery(ServerList&) __asm__(
+    "__real__ZN14OstraSdkClient20DiscoverOstraServersERSt6vectorI15OstraServerInfoSaIS1_EE");
 
 namespace {
 
 /// Done whenever a connection is ended.
 std::function<void()> onDisconnect;
+/// Done whenever servers are looked for.
+std::function<void()> onDiscovery;
 
 } // namespace
+
+void WatchedDiscovery(ServerList& list) {
+    if (onDiscovery)
+        onDiscovery();
+    RealDiscovery(list);
+}
 
 void WatchedDisconnect(OstraSdk::VeSystem* system) {
     if (onDisconnect)
@@ -42,6 +58,7 @@ class SourceConnections : public SourceWorkflows {
   protected:
     void TearDown() override {
         onDisconnect = {};
+        onDiscovery = {};
         SourceWorkflows::TearDown();
     }
 
@@ -52,6 +69,34 @@ class SourceConnections : public SourceWorkflows {
         };
     }
 };
+
+TEST_F(SourceConnections, AFailedDiscoveryIsLoggedThenShownAndCanBeDoneAgain) {
+    onDiscovery = [] {
+        throw Ve::Exception(__LINE__, __FILE__, bERROR_REQUEST, "Discovery", "%s", "No <b>%d</b> servers.");
+    };
+    std::vector<std::string> loggedBefore;
+    answers.note = [this, &loggedBefore] {
+        loggedBefore = log.Lines();
+        return QString();
+    };
+    openWindow();
+    expectErrorBox("ERROR_REQUEST - No <b>%d</b> servers.");
+    EXPECT_THAT(loggedBefore,
+                ElementsAre("INFO: Starting Corvane.", "ERROR: (ERROR_REQUEST) No <b>%d</b> servers."));
+    EXPECT_TRUE(items("comboBox_sensor").empty());
+    EXPECT_FALSE(enabled("pushButton_sensor"));
+    onDiscovery = {};
+    click("toolButton_reset");
+    EXPECT_THAT(items("comboBox_sensor"), ElementsAre("Backup File"));
+    EXPECT_TRUE(enabled("pushButton_sensor"));
+}
+
+TEST_F(SourceConnections, AFailureOfAnotherKindWhileServersAreLookedForEndsTheConstruction) {
+    onDiscovery = [] { throw std::runtime_error("The test wants it so."); };
+    EXPECT_THROW({ const MainWindow fresh; }, std::runtime_error);
+    EXPECT_THAT(log.Lines(), ElementsAre("INFO: Starting Corvane."));
+    expectNoBox();
+}
 
 TEST_F(SourceConnections, ClosingTheWindowDisconnectsBeforeItRemovesTheWorkingFiles) {
     openConnected();

@@ -44,6 +44,14 @@ class NoSockets {
     ~NoSockets() { socketsFail = false; }
 };
 
+/// The bar that points to the right starts 20 pixels from the middle, wherever the ring has turned to.
+void expectRingFromTwentyToForty(WaitingSpinnerWidget& spinner) {
+    const QImage picture = spinner.grab().toImage();
+    EXPECT_EQ(qAlpha(picture.pixel(40 + 18, 40)), 0);
+    EXPECT_GT(qAlpha(picture.pixel(40 + 22, 40)), 0);
+    EXPECT_GT(qAlpha(picture.pixel(40 + 37, 40)), 0);
+}
+
 TEST_F(SourceWorkflows, ServersAreListedBeforeTheBackupFileAndTheControlsAgreeFromTheStart) {
     startServer();
     openWindow();
@@ -81,10 +89,11 @@ TEST_F(SourceWorkflows, ConnectingFetchesAndUnpacksTheWorkspace) {
     click("pushButton_sensor");
     EXPECT_FALSE(window->isEnabled());
     EXPECT_EQ(status(), "Connecting to the sensor ...");
-    const auto* spinner = window->findChild<WaitingSpinnerWidget*>();
+    auto* const spinner = window->findChild<WaitingSpinnerWidget*>();
     EXPECT_TRUE(spinner->isVisible());
     EXPECT_EQ(spinner->size(), QSize(80, 80));
     EXPECT_EQ(spinner->windowModality(), Qt::WindowModal);
+    expectRingFromTwentyToForty(*spinner);
     EXPECT_EQ(spinner->pos(), QPoint(window->x() + static_cast<int>(window->width() * 0.5 - 40),
                                      window->y() + static_cast<int>(window->height() * 0.5 - 40)));
     awaitWorker();
