@@ -32,8 +32,8 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(std::make_uniq
     LOG_LINE(INFO) << "Starting Corvane.";
     RunSlot([this] { FillSourceList(); });
     ui->pushButton_sensor->setEnabled(ui->comboBox_sensor->count() > 0);
-    ShowUploadTarget();
-    ShowConnection();
+    ShowUploadTarget(ui->comboBox_sensor->currentText());
+    ShowConnection(ui->comboBox_sensor->currentText());
     SetUpFileNames();
     RefreshTrackList();
     SetUpCanvas();

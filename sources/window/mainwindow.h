@@ -86,8 +86,8 @@ class MainWindow final : public QMainWindow, public RulerOwner {
     [[nodiscard]] bool SourceIsOpen() const;
     /// Connected to a server whose workspace is in the working folders.
     [[nodiscard]] bool ServerIsOpen() const;
-    void ShowUploadTarget();
-    void ShowConnection();
+    void ShowUploadTarget(const QString& source);
+    void ShowConnection(const QString& source);
     void ConnectServer();
     void DisconnectServer();
     void LoadBackup();

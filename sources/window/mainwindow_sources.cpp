@@ -77,13 +77,13 @@ bool MainWindow::ServerIsOpen() const {
     return client.IsConnected() && ui->pushButton_sensor->text() == tr("Disconnect Sensor");
 }
 
-void MainWindow::ShowUploadTarget() {
-    ui->toolButton_upload->setToolTip(SourceIsBackupFile() ? tr("Save to Backup File")
-                                                           : tr("Sync to server"));
+void MainWindow::ShowUploadTarget(const QString& source) {
+    ui->toolButton_upload->setToolTip(source == tr("Backup File") ? tr("Save to Backup File")
+                                                                  : tr("Sync to server"));
 }
 
-void MainWindow::ShowConnection() {
-    if (SourceIsBackupFile())
+void MainWindow::ShowConnection(const QString& source) {
+    if (source == tr("Backup File"))
         ui->pushButton_sensor->setText(tr("Load Backup"));
     else
         ui->pushButton_sensor->setText(client.IsConnected() ? tr("Disconnect Sensor") : tr("Connect Sensor"));
@@ -98,9 +98,9 @@ void MainWindow::CloseTrack() {
     ShowHeights(0.0, 0.0);
 }
 
-void MainWindow::slot_comboBox_sensor_currentIndexChanged(const QString&) {
-    RunSlot([this] {
-        ShowUploadTarget();
+void MainWindow::slot_comboBox_sensor_currentIndexChanged(const QString& text) {
+    RunSlot([this, &text] {
+        ShowUploadTarget(text);
         client.Disconnect();
         CloseTrack();
         backupFileOpen = false;
@@ -108,7 +108,7 @@ void MainWindow::slot_comboBox_sensor_currentIndexChanged(const QString&) {
         setWindowTitle(QStringLiteral("Corvane"));
         ui->label_mask->resetPaths();
         ui->comboBox_operation->setEnabled(false);
-        ShowConnection();
+        ShowConnection(text);
     });
 }
 
@@ -180,6 +180,7 @@ void MainWindow::SlotProcessBackup(const Ve::Exception& result) {
         }
         RefreshTrackList();
         ui->comboBox_operation->setEnabled(true);
+        backupFileOpen = false;
         setWindowTitle(QStringLiteral("Corvane - Sensor - ") + TitleText(ui->comboBox_sensor->currentText()));
     });
 }

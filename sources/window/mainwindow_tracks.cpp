@@ -85,7 +85,7 @@ void MainWindow::on_comboBox_file_currentIndexChanged(const QString& text) {
 // The operation runs the moment it is chosen; the list then returns to "Normal", which comes here again and
 // does nothing.
 void MainWindow::on_comboBox_operation_currentIndexChanged(const QString& text) {
-    if (ui->comboBox_operation->currentIndex() <= 0)
+    if (text == tr("Normal"))
         return;
     bool finished = false;
     const auto run = [this, &text, &finished] { finished = RunOperation(text); };
@@ -95,7 +95,7 @@ void MainWindow::on_comboBox_operation_currentIndexChanged(const QString& text) 
         ReturnToNormal();
     };
     RunSlot(run, giveUp);
-    if (finished)
+    if (finished && ui->comboBox_operation->currentText() != tr("Normal"))
         ui->statusBar->showMessage(text + tr(" successfully."));
     ReturnToNormal();
 }
@@ -113,6 +113,8 @@ bool MainWindow::RunOperation(const QString& operation) {
         return SaveOpenTrackAs();
     if (operation == tr("Delete"))
         return DeleteChosenTrack();
+    if (operation != tr("Refresh"))
+        return false;
     RefreshTrackList();
     return true;
 }

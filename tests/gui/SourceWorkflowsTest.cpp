@@ -201,6 +201,21 @@ TEST_F(SourceWorkflows, SwitchingToAServerClosesAnOpenBackupFile) {
     expectErrorBox("ERROR_FILE - Please open a backup file firstly.");
 }
 
+TEST_F(SourceWorkflows, TheControlsAgreeWithTheSourceThatTheirSlotIsTold) {
+    startServer();
+    openWindow();
+    const auto tell = [this](const char* source) {
+        ASSERT_TRUE(QMetaObject::invokeMethod(window.get(), "slot_comboBox_sensor_currentIndexChanged",
+                                              Q_ARG(QString, QString::fromLatin1(source))));
+    };
+    tell("Backup File");
+    EXPECT_EQ(uploadTip(), "Save to Backup File");
+    EXPECT_EQ(text("pushButton_sensor"), "Load Backup");
+    tell("127.0.0.1");
+    EXPECT_EQ(uploadTip(), "Sync to server");
+    EXPECT_EQ(text("pushButton_sensor"), "Connect Sensor");
+}
+
 TEST_F(SourceWorkflows, AClosedTrackLeavesNothingToScroll) {
     openConnected();
     loadAndEdit("b.trk");
@@ -279,6 +294,21 @@ TEST_F(SourceWorkflows, AnotherSourcesWorkspaceNeverReachesAServerWhoseBackupFai
     expectErrorBox("ERROR_FILE - Please connect to Ostra server or load a backup file firstly.");
     EXPECT_TRUE(fs::exists(folder.Path("station/vdk/ContourPath/b.trk")));
     EXPECT_EQ(FileContent(folder.Path("other.osbak")), before);
+}
+
+TEST_F(SourceWorkflows, AServersBackupTakesThePlaceOfAnOpenBackupFile) {
+    makeBackup("Ostra.osbak", {{"b.trk", independent::BinaryFile(track)}});
+    makeBackup(folder.Path("mine.osbak"), {{"a.trk", ""}});
+    openWindow();
+    loadBackup(folder.Path("mine.osbak"));
+    qRegisterMetaType<Ve::Exception>("Ve::Exception");
+    ASSERT_TRUE(QMetaObject::invokeMethod(window.get(), "SlotProcessBackup",
+                                          Q_ARG(Ve::Exception, Ve::Exception(1)))); // no hand can do this
+    EXPECT_THAT(items("comboBox_file"), ElementsAre("b.trk", "External"));
+    EXPECT_EQ(status(), "Load backup file successfully."); // the button reads "Load Backup"
+    EXPECT_EQ(text("pushButton_sensor"), "Load Backup");
+    click("toolButton_upload");
+    expectErrorBox("ERROR_FILE - Please open a backup file firstly.");
 }
 
 TEST_F(SourceWorkflows, AServerThatIsGoneCannotBeConnected) {

@@ -835,6 +835,26 @@ TEST_F(TrackOperations, RefreshListsWhatIsThereNow) {
     expectNormal();
 }
 
+TEST_F(TrackOperations, TheSlotRunsTheOperationThatItIsTold) {
+    openWorkspace();
+    const auto tell = [this](const char* operation) {
+        ASSERT_TRUE(QMetaObject::invokeMethod(window.get(), "on_comboBox_operation_currentIndexChanged",
+                                              Q_ARG(QString, QString::fromLatin1(operation))));
+    };
+    choose("comboBox_file", "b.trk");
+    tell("Normal");
+    EXPECT_EQ(text("label_fileName"), "");
+    tell("Load");
+    EXPECT_EQ(text("label_fileName"), "b.trk");
+    WriteFile(kTracks + "late.trk", "");
+    tell("Refresh");
+    EXPECT_THAT(items("comboBox_file"), ElementsAre("A.trk", "b.trk", "late.trk", "External"));
+    // The list of operations shows "Normal" all the while: there is none to report.
+    EXPECT_EQ(status(), "Load backup file successfully.");
+    expectNormal();
+    expectNoBox();
+}
+
 TEST_F(TrackOperations, TheStatusStaysUntilReplaced) {
     operate("Refresh");
     QTest::qWait(50);
