@@ -1,6 +1,9 @@
 #include "SourceWorkflows.h"
 #include "BlockingController.h"
+#include "DiscoveryResponder.h"
 #include "FileUtils.h"
+#include "ScriptedServer.h"
+#include "TarBlocks.h"
 #include "WaitingSpinnerWidget.h"
 #include "WorkerThread.h"
 
@@ -29,6 +32,7 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using ::testing::SizeIs;
 
 namespace fs = std::filesystem;
@@ -201,6 +205,18 @@ TEST_F(SourceWorkflows, SwitchingToAServerClosesAnOpenBackupFile) {
     expectErrorBox("ERROR_FILE - Please open a backup file firstly.");
 }
 
+TEST_F(SourceWorkflows, AnotherSourceClosesAnExternalTrackToo) {
+    openConnected();
+    WriteFile(folder.Path("mine.trk"), independent::TextFile(track));
+    loadExternal(folder.Path("mine.trk"));
+    find<QComboBox>("comboBox_sensor").setEnabled(true);
+    choose("comboBox_sensor", "Backup File");
+    EXPECT_THAT(paths(), IsEmpty());
+    expectTrackClosed();
+    operate("Save");
+    expectErrorBox("Please load a track file firstly.");
+}
+
 TEST_F(SourceWorkflows, TheControlsAgreeWithTheSourceThatTheirSlotIsTold) {
     startServer();
     openWindow();
@@ -294,6 +310,25 @@ TEST_F(SourceWorkflows, AnotherSourcesWorkspaceNeverReachesAServerWhoseBackupFai
     expectErrorBox("ERROR_FILE - Please connect to Ostra server or load a backup file firstly.");
     EXPECT_TRUE(fs::exists(folder.Path("station/vdk/ContourPath/b.trk")));
     EXPECT_EQ(FileContent(folder.Path("other.osbak")), before);
+}
+
+TEST_F(SourceWorkflows, AServerWhoseBackupHasNoWorkspaceIsConnectedButNotOpen) {
+    ScriptedServer bare({{"/system/info", JsonReply("{}")},
+                         {"/system/commands/archive", DataReply(TarFile("info.json", "{}") + TarEnd())}});
+    const DiscoveryResponder found({DiscoveryAnswer(1, "127.0.0.1", bare.Port())});
+    qputenv("OSTRA_DISCOVERY", found.Target().c_str());
+    openWindowAndListen();
+    ASSERT_EQ(text("pushButton_sensor"), "Connect Sensor");
+    const std::string before = title();
+    click("pushButton_sensor");
+    awaitWorker();
+    expectErrorBox("ERROR_NOT_FOUND - ./TmpDirBackup/workspaces/Workspace.osws doesn't exist.");
+    EXPECT_EQ(FileContent("TmpDirBackup/info.json"), "{}"); // what was done before stays done
+    EXPECT_THAT(messages, ElementsAre("Connecting to the sensor ..."));
+    EXPECT_EQ(text("pushButton_sensor"), "Connect Sensor");
+    EXPECT_TRUE(enabled("comboBox_sensor"));
+    EXPECT_FALSE(enabled("comboBox_operation"));
+    EXPECT_EQ(title(), before);
 }
 
 TEST_F(SourceWorkflows, AServersBackupTakesThePlaceOfAnOpenBackupFile) {
@@ -469,6 +504,19 @@ TEST_F(SourceWorkflows, ABackupThatCannotBePackedStaysAsItWas) {
     EXPECT_EQ(FileContent(folder.Path("x.osbak")), before);
     EXPECT_EQ(status(), "Saving the backup file...");
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+}
+
+TEST_F(SourceWorkflows, AServersBackupThatCannotBePackedIsNotSent) {
+    openConnected();
+    const std::string before = FileContent("Ostra.osbak");
+    fs::remove_all("TmpDirOsws");
+    click("toolButton_upload");
+    expectErrorBox("ERROR_FILE - ./TmpDirOsws is not a directory.");
+    EXPECT_TRUE(window->isEnabled());
+    EXPECT_EQ(status(), "Connect successfully.");
+    EXPECT_EQ(FileContent("Ostra.osbak"), before);
+    EXPECT_THAT(server->Calls(), Not(Contains("POST /system/commands/restore")));
+    EXPECT_EQ(text("pushButton_sensor"), "Disconnect Sensor");
 }
 
 TEST_F(SourceWorkflows, AnIndexThatIsNoServerIsReported) {

@@ -286,6 +286,25 @@ TEST_F(TrackOperations, LoadingFitsTheImageToTheView) {
     }
 }
 
+TEST_F(TrackOperations, TheFitIsOfTheImagesOwnSizeNotOfTheShownOne) {
+    independent::Track stretched = track;
+    stretched.width = 200;
+    stretched.height = 50;
+    stretched.xResolution = 2; // shown as 400 x 50
+    stretched.yResolution = 1;
+    stretched.cells.assign(std::size_t{200} * 50, 1);
+    stretched.cells[0] = 0;
+    WriteFile(folder.Path("stretched.trk"), independent::BinaryFile(stretched));
+    loadExternal(folder.Path("stretched.trk"));
+    const auto& view = find<QScrollArea>("scrollArea");
+    const int expected = static_cast<int>(std::floor(view.width() / 200.0 * 20));
+    ASSERT_LT(view.width() / 200.0, view.height() / 50.0);
+    ASSERT_GT(expected, 1);
+    ASSERT_LT(expected, 80);
+    EXPECT_EQ(find<QSlider>("horizontalSlider_resizeImage").value(), expected);
+    EXPECT_EQ(canvas().size(), QSize(qRound(400 * expected * 0.05), qRound(50 * expected * 0.05)));
+}
+
 TEST_F(TrackOperations, AnImageFarTooLargeForTheViewKeepsTheSlidersLowestScale) {
     independent::Track huge = track;
     huge.width = 20000;
@@ -495,6 +514,18 @@ TEST_F(TrackOperations, SavesATextTrackOfTheWorkspaceAsABinaryOne) {
     expectEdited(kTracks + "A.trk");
 }
 
+TEST_F(TrackOperations, WidthsAreScaledByTheSmallerResolution) {
+    independent::Track narrow = track;
+    narrow.xResolution = 0.125;
+    WriteFile(folder.Path("narrow.trk"), independent::BinaryFile(narrow));
+    loadExternal(folder.Path("narrow.trk"));
+    answers.typeFileName(QString::fromStdString(folder.Path("copy.trk")));
+    operate("Save As");
+    const independent::Track saved = independent::ReadBinary(FileContent(folder.Path("copy.trk")));
+    ASSERT_THAT(saved.rulers, Not(IsEmpty()));
+    EXPECT_DOUBLE_EQ(saved.rulers[0].width, 110 * 0.125);
+}
+
 TEST_F(TrackOperations, SavingComputesTheRulerEvenWhenItIsHidden) {
     openWorkspace();
     loadFromWorkspace("b.trk");
@@ -640,6 +671,17 @@ TEST_F(TrackOperations, AnExternalTrackOfANewNameJoinsTheWorkspace) {
     operate("Save");
     EXPECT_EQ(SegmentsIn(kTracks + "new.trk")[0].length, 44);
     EXPECT_EQ(FileContent(folder.Path("new.trk")), before);
+}
+
+TEST_F(TrackOperations, ATrackOfTheWorkspaceLoadedAfterAnExternalOneIsSavedInPlace) {
+    openWorkspace();
+    WriteFile(folder.Path("new.trk"), independent::TextFile(track));
+    loadExternal(folder.Path("new.trk"));
+    loadFromWorkspace("b.trk");
+    edit();
+    operate("Save");
+    expectEdited(kTracks + "b.trk");
+    EXPECT_THAT(NamesIn(kTracks), ElementsAre("A.trk", "b.trk", "notes.txt"));
 }
 
 TEST_F(TrackOperations, AnExternalTrackOfAListedNameGetsANewOne) {
@@ -798,6 +840,18 @@ TEST_F(TrackOperations, DeleteRemovesTheFileAndItsEntryAndKeepsTheOpenTrack) {
     EXPECT_THAT(items("comboBox_file"), ElementsAre("External"));
     EXPECT_THAT(NamesIn(kTracks), ElementsAre("notes.txt"));
     expectNormal();
+}
+
+TEST_F(TrackOperations, WhenTheLastTrackIsDeletedExternalIsShownAndCannotBe) {
+    openWorkspace();
+    const auto* model = qobject_cast<QStandardItemModel*>(find<QComboBox>("comboBox_operation").model());
+    choose("comboBox_file", "A.trk");
+    operate("Delete");
+    EXPECT_EQ(find<QComboBox>("comboBox_file").currentText(), QStringLiteral("b.trk"));
+    EXPECT_EQ(model->item(4)->flags(), Qt::ItemIsSelectable | Qt::ItemIsEnabled);
+    operate("Delete");
+    EXPECT_EQ(find<QComboBox>("comboBox_file").currentText(), QStringLiteral("External"));
+    EXPECT_EQ(model->item(4)->flags(), Qt::NoItemFlags);
 }
 
 TEST_F(TrackOperations, DeletingAFileThatHasGoneIsReported) {
