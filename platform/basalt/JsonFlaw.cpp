@@ -123,7 +123,7 @@ class FlawFinder {
                 keysOfOpen.pop_back();
             return JsonFlaw::None;
         case ':':
-            return IsNewKey() ? JsonFlaw::None : JsonFlaw::RepeatedKey;
+            return LookAtKey();
         default:
             return JsonFlaw::None;
         }
@@ -138,8 +138,12 @@ class FlawFinder {
     }
 
     /// What stands before a colon is a key.
-    bool IsNewKey() {
-        return keysOfOpen.empty() || keysOfOpen.back().insert(KeyDecoder(lastString).Decoded()).second;
+    JsonFlaw LookAtKey() {
+        if (lastString.find('\0') != std::string_view::npos)
+            return JsonFlaw::ZeroInKey;
+        const bool isNew =
+            keysOfOpen.empty() || keysOfOpen.back().insert(KeyDecoder(lastString).Decoded()).second;
+        return isNew ? JsonFlaw::None : JsonFlaw::RepeatedKey;
     }
 
     std::string_view text;

@@ -103,6 +103,8 @@ void CheckFlaws(std::string_view text) {
         throw Ve::Exception(__LINE__, __FILE__, bERROR_LIMIT, "FromJsonText", "The values nest too deep.");
     if (flaw == JsonFlaw::RepeatedKey)
         throw Ve::Exception(__LINE__, __FILE__, bERROR_FORMAT, "FromJsonText", "A key stands twice.");
+    if (flaw == JsonFlaw::ZeroInKey)
+        throw Ve::Exception(__LINE__, __FILE__, bERROR_FORMAT, "FromJsonText", "A key holds a zero byte.");
 }
 
 } // namespace

@@ -39,6 +39,8 @@ std::vector<HostileAnswer> HostileAnswers() {
         {"two-objects", good + good},
         {"key-twice", good.substr(0, good.size() - 1) + R"(,"x":[1],"x":[2]})"},
         {"port-twice", good.substr(0, good.size() - 1) + R"(,"ControlPort":3600})"},
+        {"keys-equal-up-to-a-zero-byte",
+         good.substr(0, good.size() - 1) + std::string(",\"x\0y\":[1],\"x\0z\":[2]}", 21)},
         {"cut", good.substr(0, good.size() - 1)},
         {"the-question-itself", R"({"ostra":"discover","version":1})"},
         {"nested-30000-deep", With("AppName", Nested(1)) + Nested(30'000)},

@@ -75,6 +75,7 @@ void AddTexts(std::vector<HostileReply>& replies) {
     json("key-in-upper-case", R"({"DATA": "x"})");
     json("key-twice", R"({"x": [1], "x": [2]})");
     json("key-twice-once-escaped", R"({"data": {}, "d\u0061ta": {}})");
+    json("keys-equal-up-to-a-zero-byte", std::string("{\"x\0y\": [1], \"x\0z\": [2]}", 24));
     json("two-values", "{}{}");
     json("nested-100000-deep", std::string(100'000, '['));
     json("nested-and-closed", std::string(2000, '[') + std::string(2000, ']'));

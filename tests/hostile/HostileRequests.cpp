@@ -40,9 +40,13 @@ std::string RestoreOf(const std::string& archive) {
                    Bytes(archive));
 }
 
+/// What follows the information in a backup.
+std::string Wrapped(const std::string& workspace) {
+    return TarFolder("workspaces") + TarFile("workspaces/Workspace.osws", workspace) + TarEnd();
+}
+
 std::string WithWorkspace(const std::string& workspace) {
-    return RestoreOf(TarFile("info.json", "{}") + TarFolder("workspaces") +
-                     TarFile("workspaces/Workspace.osws", workspace) + TarEnd());
+    return RestoreOf(TarFile("info.json", "{}") + Wrapped(workspace));
 }
 
 std::string Tracks() {
@@ -148,10 +152,15 @@ void AddArchives(std::vector<HostileRequest>& requests) {
     backup("without-a-workspace", TarFile("info.json", "{}") + TarEnd());
     backup("with-an-unsafe-name", TarFile("../evil", "x") + TarEnd());
     backup("with-a-link", TarLink("l", '2', "..") + TarEnd());
-    backup("with-info-that-is-no-json", TarFile("info.json", "x") + TarEnd());
-    backup("with-info-that-repeats-a-key", TarFile("info.json", R"({"x": [1], "x": [2]})") + TarEnd());
-    backup("with-info-twice", TarFile("info.json", "{}") + TarFile("info.json", "{}") + TarEnd());
-    backup("with-info-of-a-megabyte", TarFile("info.json", std::string(1 << 20, ' ')) + TarEnd());
+    const auto info = [&](const std::string& name, const std::string& entries) {
+        backup("with-info-" + name, entries + Wrapped(Tracks() + TarEnd()));
+    };
+    info("that-is-no-json", TarFile("info.json", "x"));
+    info("that-repeats-a-key", TarFile("info.json", R"({"x": [1], "x": [2]})"));
+    info("whose-keys-are-equal-up-to-a-zero-byte",
+         TarFile("info.json", std::string("{\"x\0y\": [1], \"x\0z\": [2]}", 24)));
+    info("twice", TarFile("info.json", "{}") + TarFile("info.json", "{}"));
+    info("of-a-megabyte", TarFile("info.json", "{" + std::string(1 << 20, ' ') + "}"));
     const auto workspace = [&](const std::string& name, const std::string& archive) {
         requests.push_back({"workspace-" + name, WithWorkspace(archive), 422});
     };

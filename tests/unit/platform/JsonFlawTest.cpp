@@ -45,6 +45,14 @@ TEST(JsonFlaw, isNoneForKeysThatOnlyLookAlike) {
     }
 }
 
+// The toolkit's parser takes the two keys for one.
+TEST(JsonFlaw, isAZeroByteInAKey) {
+    using std::string_literals::operator""s;
+    EXPECT_EQ(FlawOf("{\"a\0b\":1,\"a\0c\":2}"s), JsonFlaw::ZeroInKey);
+    EXPECT_EQ(FlawOf("[{\"x\":{\"\0\":{}}}]"s), JsonFlaw::ZeroInKey);
+    EXPECT_EQ(FlawOf("{\"a\\u0000b\":1,\"a\\u0000c\":\"x\0y\"}"s), JsonFlaw::None);
+}
+
 TEST(JsonFlaw, isDeeperNestingThanAllowed) {
     EXPECT_EQ(FlawOf(R"([{"a":[]},[[]]])"), JsonFlaw::None);
     EXPECT_EQ(FlawOf(R"(["[[[[{{{{"])"), JsonFlaw::None);

@@ -60,6 +60,13 @@ TEST(VeJson, refusesAKeyThatStandsTwiceInAnObject) {
     }
 }
 
+TEST(VeJson, refusesAZeroByteInAKey) {
+    const std::string text("{\"a\0b\":{\"x\":1},\"a\0c\":2}", 23);
+    const Ve::Exception refusal = ThrownBy([&] { VeJson::ParseString(text); });
+    EXPECT_EQ(refusal.Status(), bERROR_FORMAT);
+    EXPECT_STREQ(refusal.what(), "A key holds a zero byte.");
+}
+
 TEST(VeJson, takesAKeyOnceInEachOfSeveralObjects) {
     const VeJson json = VeJson::ParseString(R"({"a":{"a":{"A":"a\\","b":"a"}},"b":[{"a":1},{"a":2}]})");
     EXPECT_EQ(json.At("a").At("a").At("A").Get<std::string>(), "a\\");
