@@ -14,7 +14,7 @@ double ClampToMargin(double position, int side) {
 CanvasScale::CanvasScale(const QSize& canvas) : canvas(canvas.expandedTo({1, 1})) {
 }
 
-QPointF CanvasScale::ToNormalized(const QPointF& pixel) const {
+QPointF CanvasScale::toNormalized(const QPointF& pixel) const {
     return {pixel.x() / canvas.width(), pixel.y() / canvas.height()};
 }
 

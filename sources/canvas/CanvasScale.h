@@ -17,11 +17,11 @@ class CanvasScale {
     explicit CanvasScale(const QSize& canvas);
 
     /// Widget pixels to (x / width, y / height).
-    [[nodiscard]] QPointF ToNormalized(const QPointF& pixel) const;
+    [[nodiscard]] QPointF toNormalized(const QPointF& pixel) const;
 
     /// (x, y) to the nearest whole pixel (width * x, height * y), halves upwards. What lies beyond any
     /// possible widget is brought back to its border, and what is not a number to 0.
-    [[nodiscard]] QPoint ToWidgetPixels(const QPointF& point) const {
+    [[nodiscard]] QPoint toWidgetPixels(const QPointF& point) const {
         return {NearestPixel(canvas.width() * point.x()), NearestPixel(canvas.height() * point.y())};
     }
 

@@ -47,22 +47,22 @@ void PathEditor::Press(const CanvasScale& scale, const QPointF& position) {
     const bool open = static_cast<int>(state.paths.size()) != state.finishedCount;
     if (open || !state.dragPoint.isNull())
         return;
-    AppendPoint(state.paths.emplace_back(), scale.ToNormalized(position));
+    AppendPoint(state.paths.emplace_back(), scale.toNormalized(position));
 }
 
 bool PathEditor::Release(const CanvasScale& scale, const QPointF& position) {
     const QPointF clamped = scale.ClampToMargin(position);
     if (!state.dragPoint.isNull()) {
-        MoveHoverPoint(scale.ToNormalized(clamped));
+        MoveHoverPoint(scale.toNormalized(clamped));
         return false;
     }
     state.rubberPoint = {};
     if (state.paths.empty() || state.paths.back().points.empty())
         return false;
     TrackPath& last = state.paths.back();
-    if (!(Distance(scale.ToWidgetPixels(last.points.back()), clamped) > kHitRadius))
+    if (!(Distance(scale.toWidgetPixels(last.points.back()), clamped) > kHitRadius))
         return false;
-    AppendPoint(last, scale.ToNormalized(clamped));
+    AppendPoint(last, scale.toNormalized(clamped));
     return true;
 }
 
@@ -83,7 +83,7 @@ void PathEditor::Hover(const CanvasScale& scale, const QPointF& position) {
 }
 
 bool PathEditor::Drag(const CanvasScale& scale, const QPointF& position) {
-    const QPointF point = scale.ToNormalized(scale.ClampToMargin(position));
+    const QPointF point = scale.toNormalized(scale.ClampToMargin(position));
     if (state.dragPoint.isNull()) {
         state.rubberPoint = point;
         return false;

@@ -20,8 +20,8 @@ constexpr int kGripSide = 10;
 Extent ShownExtent(const QRect& place, double ratio, const CanvasScale& scale) {
     const double room = PathPainter::kReach;
     Extent extent;
-    extent.Add(scale.ToNormalized({place.left() / ratio - room, place.top() / ratio - room}));
-    extent.Add(scale.ToNormalized({place.right() / ratio + room, place.bottom() / ratio + room}));
+    extent.Add(scale.toNormalized({place.left() / ratio - room, place.top() / ratio - room}));
+    extent.Add(scale.toNormalized({place.right() / ratio + room, place.bottom() / ratio + room}));
     return extent;
 }
 
@@ -76,9 +76,9 @@ void PathPainter::PaintSegments() {
         if (!extents.Of(state.paths, index).points.Meets(shown))
             continue;
         const auto& points = state.paths[index].points;
-        QPoint from = scale.ToWidgetPixels(points.front());
+        QPoint from = scale.toWidgetPixels(points.front());
         for (std::size_t j = 1; j < points.size(); ++j) {
-            const QPoint to = scale.ToWidgetPixels(points[j]);
+            const QPoint to = scale.toWidgetPixels(points[j]);
             Line(from, to, kBlue);
             from = to;
         }
@@ -88,7 +88,7 @@ void PathPainter::PaintSegments() {
 void PathPainter::PaintRubberBand() {
     if (state.paths.empty() || state.paths.back().points.empty() || state.rubberPoint.isNull())
         return;
-    Line(scale.ToWidgetPixels(state.paths.back().points.back()), scale.ToWidgetPixels(state.rubberPoint),
+    Line(scale.toWidgetPixels(state.paths.back().points.back()), scale.toWidgetPixels(state.rubberPoint),
          kRed);
 }
 
@@ -99,20 +99,20 @@ void PathPainter::PaintCurrentSegment() {
     if (state.currentSegment < 0 || state.currentSegment >= static_cast<int>(points.size()) - 1)
         return;
     const auto segment = static_cast<std::size_t>(state.currentSegment);
-    Line(scale.ToWidgetPixels(points[segment + 1]), scale.ToWidgetPixels(points[segment]), kRed);
+    Line(scale.toWidgetPixels(points[segment + 1]), scale.toWidgetPixels(points[segment]), kRed);
 }
 
 void PathPainter::PaintPoints() {
     for (std::size_t index = 0; index < state.paths.size(); ++index)
         if (extents.Of(state.paths, index).points.Meets(shown))
             for (const QPointF& point : state.paths[index].points)
-                Dot<kPointSide>(scale.ToWidgetPixels(point), kGreen);
+                Dot<kPointSide>(scale.toWidgetPixels(point), kGreen);
 }
 
 void PathPainter::PaintDragPoint(const QFont& font) {
     if (state.dragPoint.isNull())
         return;
-    const QPoint point = scale.ToWidgetPixels(state.dragPoint);
+    const QPoint point = scale.toWidgetPixels(state.dragPoint);
     Dot<kGripSide>(point, kGreen);
     PaintLabel(point, font);
 }
@@ -142,7 +142,7 @@ void PathPainter::PaintBand(const RulerMarks::Band& band) {
         return;
     std::array<QPoint, 4> corners;
     std::transform(band.begin(), band.end(), corners.begin(),
-                   [this](const QPointF& corner) { return scale.ToWidgetPixels(corner); });
+                   [this](const QPointF& corner) { return scale.toWidgetPixels(corner); });
     for (std::size_t corner = 0; corner < corners.size(); ++corner)
         Line(corners[corner], corners[(corner + 1) % corners.size()], kWhite);
 }
@@ -155,6 +155,6 @@ void PathPainter::PaintBandCorners() {
             for (const RulerMarks::Band& band : marks.bands)
                 if (!shown.Misses(band))
                     for (const QPointF& corner : band)
-                        Dot<kPointSide>(scale.ToWidgetPixels(corner), kGreen);
+                        Dot<kPointSide>(scale.toWidgetPixels(corner), kGreen);
     }
 }

@@ -9,7 +9,7 @@ namespace {
 class NearbyFilter {
   public:
     NearbyFilter(const CanvasScale& scale, const QPointF& cursor)
-        : centre(scale.ToNormalized(cursor)),
+        : centre(scale.toNormalized(cursor)),
           reachX((kHitRadius + 1.0) / scale.Canvas().width()),
           reachY((kHitRadius + 1.0) / scale.Canvas().height()) {}
 
@@ -33,7 +33,7 @@ std::optional<PointIndex> FindPoint(const std::vector<TrackPath>& paths, const C
         const std::vector<QPointF>& points = paths[path].points;
         for (std::size_t point = 0; point < points.size(); ++point)
             if (nearby.MayHit(points[point]) &&
-                Distance(scale.ToWidgetPixels(points[point]), cursor) < kHitRadius)
+                Distance(scale.toWidgetPixels(points[point]), cursor) < kHitRadius)
                 return PointIndex{static_cast<int>(path), static_cast<int>(point)};
     }
     return std::nullopt;

@@ -295,7 +295,7 @@ QRegion QMaskWidget::PlaceOfCursor() const {
     if (!state.dragPoint.isNull()) {
         Extent grip;
         grip.Add(state.dragPoint);
-        const PointLabel label(Scale().ToWidgetPixels(state.dragPoint), width());
+        const PointLabel label(Scale().toWidgetPixels(state.dragPoint), width());
         const QRect text = fontMetrics().boundingRect(label.text).translated(label.start);
         place += PlaceOf(grip).united(text.adjusted(-PathPainter::kReach, -PathPainter::kReach,
                                                     PathPainter::kReach, PathPainter::kReach));
@@ -307,7 +307,7 @@ QRect QMaskWidget::PlaceOf(const Extent& extent) const {
     if (extent.IsEmpty())
         return {};
     const int reach = PathPainter::kReach;
-    return QRect(Scale().ToWidgetPixels(extent.TopLeft()), Scale().ToWidgetPixels(extent.BottomRight()))
+    return QRect(Scale().toWidgetPixels(extent.TopLeft()), Scale().toWidgetPixels(extent.BottomRight()))
         .adjusted(-reach, -reach, reach, reach);
 }
 

@@ -9,29 +9,29 @@ namespace {
 const CanvasScale kScale{QSize(200, 100)};
 
 TEST(CanvasScale, NormalizesByTheCanvasSize) {
-    const QPointF point = kScale.ToNormalized({50.0, 25.0});
+    const QPointF point = kScale.toNormalized({50.0, 25.0});
     EXPECT_EQ(point.x(), 0.25);
     EXPECT_EQ(point.y(), 0.25);
 }
 
 TEST(CanvasScale, RoundsToTheNearestPixel) {
-    EXPECT_EQ(kScale.ToWidgetPixels({0.502, 0.494}), QPoint(100, 49));
+    EXPECT_EQ(kScale.toWidgetPixels({0.502, 0.494}), QPoint(100, 49));
 }
 
 TEST(CanvasScale, RoundsHalvesUpwards) {
-    EXPECT_EQ(kScale.ToWidgetPixels({0.5 / 200.0, 1.5 / 100.0}), QPoint(1, 2));
+    EXPECT_EQ(kScale.toWidgetPixels({0.5 / 200.0, 1.5 / 100.0}), QPoint(1, 2));
 }
 
 TEST(CanvasScale, RoundsNegativeHalvesUpwardsToo) {
-    EXPECT_EQ(kScale.ToWidgetPixels({-0.5 / 200.0, -1.5 / 100.0}), QPoint(0, -1));
+    EXPECT_EQ(kScale.toWidgetPixels({-0.5 / 200.0, -1.5 / 100.0}), QPoint(0, -1));
 }
 
 TEST(CanvasScale, TakesAnyNumber) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double huge = std::numeric_limits<double>::infinity();
-    EXPECT_EQ(kScale.ToWidgetPixels({nan, nan}), QPoint(0, 0));
-    EXPECT_GT(kScale.ToWidgetPixels({huge, 1e300}).x(), 1 << 24);
-    EXPECT_LT(kScale.ToWidgetPixels({0.0, -huge}).y(), -(1 << 24));
+    EXPECT_EQ(kScale.toWidgetPixels({nan, nan}), QPoint(0, 0));
+    EXPECT_GT(kScale.toWidgetPixels({huge, 1e300}).x(), 1 << 24);
+    EXPECT_LT(kScale.toWidgetPixels({0.0, -huge}).y(), -(1 << 24));
 }
 
 TEST(CanvasScale, KeepsPositionsInsideTheMargin) {
@@ -45,7 +45,7 @@ TEST(CanvasScale, TheLowerBoundWinsOnACanvasTooSmallForBoth) {
 }
 
 TEST(CanvasScale, ACanvasWithoutAnAreaDividesByOne) {
-    EXPECT_EQ(CanvasScale(QSize(0, 0)).ToNormalized({3.0, 4.0}), QPointF(3.0, 4.0));
+    EXPECT_EQ(CanvasScale(QSize(0, 0)).toNormalized({3.0, 4.0}), QPointF(3.0, 4.0));
 }
 
 } // namespace

@@ -9,7 +9,7 @@ const CanvasScale kScale{QSize(1000, 1000)};
 TrackPath PathOf(const std::vector<QPointF>& pixels) {
     TrackPath path;
     for (const QPointF& pixel : pixels)
-        path.points.push_back(kScale.ToNormalized(pixel));
+        path.points.push_back(kScale.toNormalized(pixel));
     return path;
 }
 
