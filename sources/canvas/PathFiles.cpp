@@ -16,22 +16,23 @@ SaveResult ResultOf(int code) {
     }
 }
 
-/// Reads what a binary track takes over from a text track. Without its last rows or its paths' section the
-/// track could not have been opened: then it was cut since, and what is left must not take its place.
-bool ReadWhole(ConvertCSV& text, const std::string& original, TrackInfo& info, HeightMap& heights,
-               std::int64_t& size) {
+/// Reads what a binary track takes over from a text track. Without its last rows the track cannot be opened,
+/// and without its paths' section neither: what was cut must not take the place of what was opened.
+bool ReadWhole(ConvertCSV& text, const std::string& original, bool wasOpened, TrackInfo& info,
+               HeightMap& heights, std::int64_t& size) {
     return text.ReadInfo(original, info) == 0 &&
            text.ReadWholeHeightMap(original, info, heights, size) == 0 &&
-           ConvertCSV::HasPathSection(original);
+           (!wasOpened || ConvertCSV::HasPathSection(original));
 }
 
 /// Text tracks are never written as text: the whole track becomes a binary one.
 SaveResult ConvertTextTrack(ConvertCSV& text, const std::string& original, const std::string& target,
-                            const std::vector<TrackPath>& paths, const WorldTransform& world) {
+                            const std::vector<TrackPath>& paths, const WorldTransform& world,
+                            bool wasOpened) {
     TrackInfo info;
     HeightMap heights;
     std::int64_t size = 0;
-    if (!ReadWhole(text, original, info, heights, size))
+    if (!ReadWhole(text, original, wasOpened, info, heights, size))
         return SaveResult::OriginalUnreadable;
     return ResultOf(CreateBinaryConverter()->WriteTrack(target, info, heights, size, paths, world.widthScale,
                                                         world.xOffset, world.yOffset, world.xScale,
@@ -41,10 +42,10 @@ SaveResult ConvertTextTrack(ConvertCSV& text, const std::string& original, const
 } // namespace
 
 SaveResult SaveWithPaths(const std::string& original, const std::string& target,
-                         const std::vector<TrackPath>& paths, const WorldTransform& world) {
+                         const std::vector<TrackPath>& paths, const WorldTransform& world, bool wasOpened) {
     const std::shared_ptr<Converter> converter = CreateConverter(original);
     if (auto* const text = dynamic_cast<ConvertCSV*>(converter.get()))
-        return ConvertTextTrack(*text, original, target, paths, world);
+        return ConvertTextTrack(*text, original, target, paths, world, wasOpened);
     return ResultOf(converter->UpdatePath(original, target, paths, world.widthScale, world.xOffset,
                                           world.yOffset, world.xScale, world.yScale));
 }

@@ -103,6 +103,8 @@ int QMaskWidget::loadPaths(const QString& fileName) {
     const std::string file = fileName.toStdString();
     std::vector<TrackPath> read;
     const int status = CreateConverter(file)->ReadPath(file, read);
+    if (status == 0)
+        openedTrack = file;
     editor.TakePaths(std::move(read));
     AllChanged();
     update();
@@ -112,7 +114,8 @@ int QMaskWidget::loadPaths(const QString& fileName) {
 void QMaskWidget::SavePath(const QString& original, const QString& target, double widthScale, double xOffset,
                            double yOffset, double xScale, double yScale) {
     const WorldTransform world{widthScale, xOffset, yOffset, xScale, yScale};
-    switch (SaveWithPaths(original.toStdString(), target.toStdString(), paths(), world)) {
+    const std::string file = original.toStdString();
+    switch (SaveWithPaths(file, target.toStdString(), paths(), world, file == openedTrack)) {
     case SaveResult::Saved:
         return;
     case SaveResult::OriginalUnreadable:

@@ -11,6 +11,7 @@
 #include <QPixmap>
 #include <QRegion>
 
+#include <string>
 #include <vector>
 
 class RulerOwner;
@@ -109,6 +110,7 @@ class QMaskWidget : public QLabel {
 
     RulerOwner* mainWindow;
     PathEditor editor;
+    std::string openedTrack; ///< the last file whose paths could be read
     RulerMarksKeeper marks;
     PathExtents extents;
     LineShapes lineShapes;

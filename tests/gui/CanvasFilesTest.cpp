@@ -192,15 +192,27 @@ TEST_F(CanvasFiles, AnOriginalThatCannotBeReadIsAnErrorAndTheTargetStays) {
     EXPECT_EQ(FileContent("target.trk"), "precious");
 }
 
-TEST_F(CanvasFiles, ATextOriginalCutAnywhereBeforeItsPathsIsAnErrorAndTheTargetStays) {
+TEST_F(CanvasFiles, AnOpenedTextTrackCutAnywhereBeforeItsPathsIsAnErrorAndTheTargetStays) {
     LoadText();
     WriteFile("target.trk", "precious");
     const std::size_t paths = kTextTrack.find("Segment\n") + std::string("Segment").size();
     for (std::size_t kept = 0; kept < paths; ++kept) {
-        WriteFile("cut.trk", kTextTrack.substr(0, kept));
-        EXPECT_EQ(ErrorOf("cut.trk", "target.trk"), "Failed to read the original file.") << kept;
+        WriteFile("text.trk", kTextTrack.substr(0, kept));
+        EXPECT_EQ(ErrorOf("text.trk", "target.trk"), "Failed to read the original file.") << kept;
     }
     EXPECT_EQ(FileContent("target.trk"), "precious");
+}
+
+/// What was not opened here need never have had paths.
+TEST_F(CanvasFiles, AnotherTextTrackWithoutPathsIsSavedWithThoseOfTheCanvas) {
+    LoadText();
+    Save("text.trk", "whole.trk");
+    WriteFile("map.trk", kTextTrack.substr(0, kTextTrack.find("Segment\n")));
+    Save("map.trk", "saved.trk");
+    EXPECT_EQ(FileContent("saved.trk"), FileContent("whole.trk"));
+    EXPECT_NE(window.canvas->loadPaths(QStringLiteral("map.trk")), 0);
+    Save("map.trk", "no paths.trk");
+    EXPECT_NE(FileContent("no paths.trk"), "");
 }
 
 /// The paths come from the canvas, so nothing is lost with those of the file.

@@ -633,6 +633,18 @@ TEST_F(TrackOperations, ATrackThatWasCutMeanwhileIsNotReplacedByWhatIsLeftOfIt) 
     }
 }
 
+TEST_F(TrackOperations, ATextTrackThatLostItsAnchorAndPathsMeanwhileIsNotReplaced) {
+    openWorkspace();
+    loadFromWorkspace("A.trk");
+    const std::string whole = FileContent(kTracks + "A.trk");
+    const std::size_t mapEnd = whole.find("End", whole.find("YX"));
+    ASSERT_NE(mapEnd, std::string::npos);
+    WriteFile(kTracks + "A.trk", whole.substr(0, mapEnd));
+    operate("Save");
+    expectErrorBox("ERROR_TRACK - Failed to read the original file.");
+    EXPECT_EQ(FileContent(kTracks + "A.trk"), whole.substr(0, mapEnd));
+}
+
 TEST_F(TrackOperations, SavesInPlaceAcrossFileSystems) {
     const fs::path shared = "/dev/shm";
     std::error_code failure;
