@@ -48,6 +48,12 @@ class Bytes {
     std::int16_t Short() { return static_cast<std::int16_t>(Bits(2)); }
     std::int32_t Int() { return static_cast<std::int32_t>(Bits(4)); }
     double Double() { return std::bit_cast<double>(Bits(8)); }
+    std::int32_t Count() {
+        const std::int32_t count = Int();
+        if (count < 0)
+            Malformed("a count of " + std::to_string(count));
+        return count;
+    }
     void Expect(std::int32_t tag) {
         const std::int32_t found = Int();
         if (found != tag)
@@ -141,15 +147,15 @@ Track ReadBinary(const std::string& content) {
     for (double* number : {&track.xResolution, &track.yResolution, &track.zResolution, &track.xOffset,
                            &track.yOffset, &track.zOffset})
         *number = bytes.Double();
-    track.width = bytes.Int();
-    track.height = bytes.Int();
+    track.width = bytes.Count();
+    track.height = bytes.Count();
     for (std::int64_t cells = std::int64_t{track.width} * track.height; cells > 0; --cells)
         track.cells.push_back(bytes.Short());
     bytes.Expect('A');
     for (double& number : track.anchor)
         number = bytes.Double();
     bytes.Expect('R');
-    for (std::int32_t count = bytes.Int(); count > 0; --count) {
+    for (std::int32_t count = bytes.Count(); count > 0; --count) {
         Ruler ruler;
         for (std::int32_t* number : {&ruler.index, &ruler.path, &ruler.segment})
             *number = bytes.Int();
@@ -160,7 +166,7 @@ Track ReadBinary(const std::string& content) {
         track.rulers.push_back(ruler);
     }
     bytes.Expect('S');
-    for (std::int32_t count = bytes.Int(); count > 0; --count) {
+    for (std::int32_t count = bytes.Count(); count > 0; --count) {
         Segment segment;
         segment.path = bytes.Int();
         segment.point = bytes.Int();
