@@ -82,10 +82,10 @@ class MainWindow final : public QMainWindow, public RulerOwner {
 
     /// Looks for servers, which takes up to a second.
     void FillSourceList();
-    [[nodiscard]] bool SourceIsBackupFile() const;
     [[nodiscard]] bool SourceIsOpen() const;
     /// Connected to a server whose workspace is in the working folders.
     [[nodiscard]] bool ServerIsOpen() const;
+    /// Both fit the controls to an entry of the list of sources.
     void ShowUploadTarget(const QString& source);
     void ShowConnection(const QString& source);
     void ConnectServer();

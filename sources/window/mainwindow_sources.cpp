@@ -25,6 +25,10 @@ Ve::Exception NothingToUpload(int line, const char* message) {
     return {line, kSourceFile, bERROR_FILE, "MainWindow::on_toolButton_upload_clicked", "%s", message};
 }
 
+bool IsBackupFile(const QString& source) {
+    return source == MainWindow::tr("Backup File");
+}
+
 /// A title shows the text as it stands; the toolkit takes "[*]" for the place of a mark unless it is doubled.
 QString TitleText(QString text) {
     return text.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
@@ -65,10 +69,6 @@ void MainWindow::FillSourceList() {
     ui->comboBox_sensor->addItem(tr("Backup File"));
 }
 
-bool MainWindow::SourceIsBackupFile() const {
-    return ui->comboBox_sensor->currentText() == tr("Backup File");
-}
-
 bool MainWindow::SourceIsOpen() const {
     return client.IsConnected() || backupFileOpen;
 }
@@ -78,12 +78,12 @@ bool MainWindow::ServerIsOpen() const {
 }
 
 void MainWindow::ShowUploadTarget(const QString& source) {
-    ui->toolButton_upload->setToolTip(source == tr("Backup File") ? tr("Save to Backup File")
-                                                                  : tr("Sync to server"));
+    ui->toolButton_upload->setToolTip(IsBackupFile(source) ? tr("Save to Backup File")
+                                                           : tr("Sync to server"));
 }
 
 void MainWindow::ShowConnection(const QString& source) {
-    if (source == tr("Backup File"))
+    if (IsBackupFile(source))
         ui->pushButton_sensor->setText(tr("Load Backup"));
     else
         ui->pushButton_sensor->setText(client.IsConnected() ? tr("Disconnect Sensor") : tr("Connect Sensor"));
@@ -195,7 +195,7 @@ void MainWindow::SlotProcessRestore(const Ve::Exception& result) {
 
 void MainWindow::on_toolButton_upload_clicked() {
     RunSlot([this] {
-        if (SourceIsBackupFile())
+        if (IsBackupFile(ui->comboBox_sensor->currentText()))
             SaveToBackupFile();
         else
             SyncToServer();
