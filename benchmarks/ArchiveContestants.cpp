@@ -1,7 +1,7 @@
 #include "ArchiveContestants.h"
 
-#include "FileUtils.h"
-#include "bAlloc.h"
+#include "basalt/bAlloc.h"
+#include "link/FileUtils.h"
 
 #include <cstring>
 #include <filesystem>

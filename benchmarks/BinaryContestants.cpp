@@ -1,7 +1,7 @@
 #include "BinaryContestants.h"
 
-#include "Converter.h"
-#include "SampleRamp.h"
+#include "document/Converter.h"
+#include "document/SampleRamp.h"
 
 #include <QImage>
 

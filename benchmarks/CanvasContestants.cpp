@@ -2,7 +2,7 @@
 
 #include "CanvasStage.h"
 #include "PathLayouts.h"
-#include "qmaskwidget.h"
+#include "canvas/qmaskwidget.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -1,6 +1,6 @@
 #include "CanvasStage.h"
 
-#include "qmaskwidget.h"
+#include "canvas/qmaskwidget.h"
 
 #include <QMouseEvent>
 

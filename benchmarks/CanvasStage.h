@@ -1,6 +1,6 @@
 #pragma once
 
-#include "RulerOwner.h"
+#include "canvas/RulerOwner.h"
 
 #include <QApplication>
 #include <QImage>

@@ -1,6 +1,6 @@
 #include "GridWriter.h"
 
-#include "Converter.h"
+#include "document/Converter.h"
 
 #include <cmath>
 #include <fstream>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "TrackInfo.h"
-#include "TrackPath.h"
+#include "document/TrackInfo.h"
+#include "document/TrackPath.h"
 
 #include <QImage>
 

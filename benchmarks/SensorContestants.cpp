@@ -1,7 +1,7 @@
 #include "SensorContestants.h"
 
-#include "LargeRoom.h"
-#include "OstraSdkClient.h"
+#include "basalt/LargeRoom.h"
+#include "link/OstraSdkClient.h"
 
 #include <array>
 #include <cerrno>

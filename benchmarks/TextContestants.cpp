@@ -1,7 +1,7 @@
 #include "TextContestants.h"
 
-#include "Converter.h"
 #include "PlainTextLoad.h"
+#include "document/Converter.h"
 
 #include <QGuiApplication>
 #include <QImage>

@@ -1,6 +1,6 @@
 #include "WindowContestants.h"
 
-#include "mainwindow.h"
+#include "window/mainwindow.h"
 
 #include <QApplication>
 #include <QMainWindow>

@@ -38,15 +38,26 @@ if(CORVANE_FUZZ)
 endif()
 add_link_options(-Wl,-z,relro -Wl,-z,now)
 
-# corvane_room(<target> [QT] SOURCES ... [USES ...] [PRIVATELY_USES ...])
-# A room of the house: a static library whose folder is its only include directory, so that
-# including a header of a room that is not named under USES does not compile.
-function(corvane_room target)
-  cmake_parse_arguments(ROOM "QT" "" "SOURCES;USES;PRIVATELY_USES" ${ARGN})
-  add_library(${target} STATIC ${ROOM_SOURCES})
-  target_include_directories(${target} PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}")
-  target_link_libraries(${target} PUBLIC ${ROOM_USES} PRIVATE ${ROOM_PRIVATELY_USES} corvane_settings)
-  if(ROOM_QT)
+# corvane_module(<target> FOLDER <path> [QT] SOURCES ... [PUBLIC ...] [PRIVATE ...])
+# A module: a static library with the headers of one folder, which are included with that folder's path
+# ("canvas/qmaskwidget.h"). A module sees the headers of those it names, and of no other: including one of a module that is
+# not named does not compile. PUBLIC is for what its own headers include, PRIVATE for all else.
+function(corvane_module target)
+  cmake_parse_arguments(MODULE "QT" "FOLDER" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+  add_library(${target} STATIC ${MODULE_SOURCES})
+  corvane_headers(${target} "${MODULE_FOLDER}")
+  target_link_libraries(${target} PUBLIC ${MODULE_PUBLIC} PRIVATE ${MODULE_PRIVATE} corvane_settings)
+  if(MODULE_QT)
     set_target_properties(${target} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
   endif()
+endfunction()
+
+# Lets users of a target include the headers of the current folder as "<folder>/X.h": an include tree of its own, with a
+# link to the folder as the only thing in it.
+function(corvane_headers target folder)
+  set(tree "${PROJECT_BINARY_DIR}/include/${target}")
+  cmake_path(GET folder PARENT_PATH parent)
+  file(MAKE_DIRECTORY "${tree}/${parent}")
+  file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}" "${tree}/${folder}" SYMBOLIC)
+  target_include_directories(${target} PUBLIC "${tree}")
 endfunction()

@@ -1,7 +1,7 @@
 #include "Check.h"
-#include "ConvertBIN.h"
 #include "PathUpdate.h"
 #include "TrackChecks.h"
+#include "document/ConvertBIN.h"
 
 #include <cstring>
 #include <stdexcept>

@@ -1,7 +1,7 @@
 #include "FuzzFolder.h"
 
 #include "Check.h"
-#include "Output2FILE.h"
+#include "log/Output2FILE.h"
 
 #include <cstdio>
 #include <filesystem>

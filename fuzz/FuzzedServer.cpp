@@ -1,7 +1,7 @@
 #include "FuzzedServer.h"
 
 #include "Check.h"
-#include "HttpSession.h"
+#include "server/HttpSession.h"
 
 #include <array>
 #include <filesystem>

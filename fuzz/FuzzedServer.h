@@ -1,14 +1,14 @@
 #pragma once
 
-#include "FaultPlan.h"
 #include "FuzzFolder.h"
-#include "ReplayMode.h"
 #include "ReplyStream.h"
-#include "RequestLog.h"
-#include "Sensor.h"
-#include "ServerIdentity.h"
-#include "ServerOptions.h"
-#include "Workspace.h"
+#include "server/FaultPlan.h"
+#include "server/ReplayMode.h"
+#include "server/RequestLog.h"
+#include "server/Sensor.h"
+#include "server/ServerIdentity.h"
+#include "server/ServerOptions.h"
+#include "server/Workspace.h"
 
 #include <memory>
 #include <string>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Converter.h"
+#include "document/Converter.h"
 
 #include <cstddef>
 #include <cstdint>

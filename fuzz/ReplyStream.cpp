@@ -1,8 +1,8 @@
 #include "ReplyStream.h"
 
 #include "Check.h"
-#include "ContentDigest.h"
-#include "Crc32c.h"
+#include "basalt/ContentDigest.h"
+#include "basalt/Crc32c.h"
 
 #include <charconv>
 #include <system_error>

@@ -1,7 +1,7 @@
 #include "Check.h"
-#include "Exception.h"
-#include "ReplyBody.h"
-#include "WireBody.h"
+#include "basalt/Exception.h"
+#include "ostrasdk/ReplyBody.h"
+#include "ostrasdk/WireBody.h"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/beast/http/parser.hpp>

@@ -1,9 +1,9 @@
 #include "Check.h"
-#include "Exception.h"
 #include "FuzzedServer.h"
-#include "TarHeader.h"
-#include "UnpackFolder.h"
-#include "bAlloc.h"
+#include "basalt/Exception.h"
+#include "basalt/bAlloc.h"
+#include "cinder/UnpackFolder.h"
+#include "server/TarHeader.h"
 
 #include <filesystem>
 

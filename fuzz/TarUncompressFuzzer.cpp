@@ -1,9 +1,9 @@
 #include "Check.h"
-#include "Exception.h"
-#include "FileUtils.h"
 #include "FuzzFolder.h"
-#include "UnpackFolder.h"
-#include "bStatus.h"
+#include "basalt/Exception.h"
+#include "basalt/bStatus.h"
+#include "cinder/UnpackFolder.h"
+#include "link/FileUtils.h"
 
 #include <filesystem>
 

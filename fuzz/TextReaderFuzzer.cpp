@@ -1,7 +1,7 @@
 #include "Check.h"
-#include "ConvertCSV.h"
 #include "FuzzFolder.h"
 #include "TrackChecks.h"
+#include "document/ConvertCSV.h"
 
 #include <QImage>
 

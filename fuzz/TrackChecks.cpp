@@ -1,8 +1,8 @@
 #include "TrackChecks.h"
 
 #include "Check.h"
-#include "Converter.h"
 #include "FuzzFolder.h"
+#include "document/Converter.h"
 
 #include <QImage>
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "HeightMap.h"
 #include "IndependentTrack.h"
-#include "TrackInfo.h"
-#include "TrackPath.h"
+#include "document/HeightMap.h"
+#include "document/TrackInfo.h"
+#include "document/TrackPath.h"
 
 #include <cstddef>
 #include <string>

@@ -1,4 +1,4 @@
-#include "Decimal.h"
+#include "samples/Decimal.h"
 
 std::string Decimal(std::int64_t value, int places) {
     std::string digits = std::to_string(value < 0 ? -value : value);

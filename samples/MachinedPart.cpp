@@ -1,6 +1,6 @@
-#include "MachinedPart.h"
+#include "samples/MachinedPart.h"
 
-#include "Noise.h"
+#include "samples/Noise.h"
 
 #include <algorithm>
 #include <array>

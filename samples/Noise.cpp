@@ -1,4 +1,4 @@
-#include "Noise.h"
+#include "samples/Noise.h"
 
 #include <cmath>
 

@@ -1,4 +1,4 @@
-#include "SampleOptionsReader.h"
+#include "samples/SampleOptionsReader.h"
 
 #include <charconv>
 #include <limits>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TrackFileWriter.h"
+#include "samples/TrackFileWriter.h"
 
 #include <cstdint>
 #include <stdexcept>

@@ -1,6 +1,6 @@
-#include "SampleWorkspace.h"
+#include "samples/SampleWorkspace.h"
 
-#include "TrackFileWriter.h"
+#include "samples/TrackFileWriter.h"
 
 #include <filesystem>
 #include <fstream>

@@ -1,6 +1,6 @@
-#include "TrackFileWriter.h"
+#include "samples/TrackFileWriter.h"
 
-#include "Decimal.h"
+#include "samples/Decimal.h"
 
 #include <bit>
 #include <filesystem>

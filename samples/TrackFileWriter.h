@@ -1,6 +1,6 @@
 #pragma once
 
-#include "MachinedPart.h"
+#include "samples/MachinedPart.h"
 
 #include <string>
 #include <vector>

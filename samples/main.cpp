@@ -1,6 +1,6 @@
-#include "SampleOptionsReader.h"
-#include "SampleWorkspace.h"
-#include "TrackFileWriter.h"
+#include "samples/SampleOptionsReader.h"
+#include "samples/SampleWorkspace.h"
+#include "samples/TrackFileWriter.h"
 
 #include <exception>
 #include <iostream>

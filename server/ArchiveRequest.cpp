@@ -1,7 +1,7 @@
-#include "ArchiveRequest.h"
+#include "server/ArchiveRequest.h"
 
-#include "ReplayMode.h"
-#include "ServerIdentity.h"
+#include "server/ReplayMode.h"
+#include "server/ServerIdentity.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "BackupArchive.h"
-#include "ReplyWriter.h"
-#include "Sensor.h"
+#include "server/BackupArchive.h"
+#include "server/ReplyWriter.h"
+#include "server/Sensor.h"
 
 #include <string>
 

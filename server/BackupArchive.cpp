@@ -1,6 +1,6 @@
-#include "BackupArchive.h"
+#include "server/BackupArchive.h"
 
-#include "RequestError.h"
+#include "server/RequestError.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "TarHeader.h"
-#include "Workspace.h"
+#include "server/TarHeader.h"
+#include "server/Workspace.h"
 
 #include <cstdint>
 #include <functional>

@@ -1,6 +1,6 @@
-#include "CborCursor.h"
+#include "server/CborCursor.h"
 
-#include "RequestError.h"
+#include "server/RequestError.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "RequestReader.h"
+#include "server/RequestReader.h"
 
 #include <array>
 #include <cstdint>

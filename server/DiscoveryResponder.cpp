@@ -1,6 +1,6 @@
-#include "DiscoveryResponder.h"
+#include "server/DiscoveryResponder.h"
 
-#include "JsonObject.h"
+#include "server/JsonObject.h"
 
 #include <boost/asio/buffer.hpp>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ServerIdentity.h"
+#include "server/ServerIdentity.h"
 
 #include <array>
 #include <string>

@@ -1,4 +1,4 @@
-#include "FaultPlan.h"
+#include "server/FaultPlan.h"
 
 #include <utility>
 

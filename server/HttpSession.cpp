@@ -1,12 +1,12 @@
-#include "HttpSession.h"
+#include "server/HttpSession.h"
 
-#include "ArchiveRequest.h"
-#include "ReplayMode.h"
-#include "ReplyWriter.h"
-#include "RequestLog.h"
-#include "ServerIdentity.h"
-#include "ServerOptions.h"
-#include "Workspace.h"
+#include "server/ArchiveRequest.h"
+#include "server/ReplayMode.h"
+#include "server/ReplyWriter.h"
+#include "server/RequestLog.h"
+#include "server/ServerIdentity.h"
+#include "server/ServerOptions.h"
+#include "server/Workspace.h"
 
 #include <algorithm>
 #include <array>

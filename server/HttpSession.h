@@ -1,12 +1,12 @@
 #pragma once
 
-#include "FaultPlan.h"
-#include "RequestError.h"
-#include "RequestMembers.h"
-#include "RequestReader.h"
-#include "RestoreRequest.h"
-#include "Sensor.h"
-#include "TimedStream.h"
+#include "server/FaultPlan.h"
+#include "server/RequestError.h"
+#include "server/RequestMembers.h"
+#include "server/RequestReader.h"
+#include "server/RestoreRequest.h"
+#include "server/Sensor.h"
+#include "server/TimedStream.h"
 
 #include <string>
 

@@ -1,6 +1,6 @@
-#include "JsonObject.h"
+#include "server/JsonObject.h"
 
-#include "JsonFlaw.h"
+#include "basalt/JsonFlaw.h"
 
 #include <QJsonDocument>
 

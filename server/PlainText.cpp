@@ -1,4 +1,4 @@
-#include "PlainText.h"
+#include "server/PlainText.h"
 
 #include <algorithm>
 

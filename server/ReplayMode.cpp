@@ -1,4 +1,4 @@
-#include "ReplayMode.h"
+#include "server/ReplayMode.h"
 
 ReplayMode::ReplayMode(bool enabled, std::optional<bool> afterRestore)
     : enabled(enabled), afterRestore(afterRestore) {

@@ -1,7 +1,7 @@
-#include "ReplyWriter.h"
+#include "server/ReplyWriter.h"
 
-#include "ContentDigest.h"
-#include "PlainText.h"
+#include "basalt/ContentDigest.h"
+#include "server/PlainText.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Crc32c.h"
-#include "FaultPlan.h"
-#include "TimedStream.h"
+#include "basalt/Crc32c.h"
+#include "server/FaultPlan.h"
+#include "server/TimedStream.h"
 
 #include <cstdint>
 #include <string>

@@ -1,6 +1,6 @@
-#include "RequestLog.h"
+#include "server/RequestLog.h"
 
-#include "PlainText.h"
+#include "server/PlainText.h"
 
 #include <cinttypes>
 #include <stdexcept>

@@ -1,7 +1,7 @@
-#include "RequestMembers.h"
+#include "server/RequestMembers.h"
 
-#include "JsonObject.h"
-#include "RequestError.h"
+#include "server/JsonObject.h"
+#include "server/RequestError.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CborCursor.h"
+#include "server/CborCursor.h"
 
 #include <cstdint>
 #include <functional>

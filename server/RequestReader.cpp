@@ -1,6 +1,6 @@
-#include "RequestReader.h"
+#include "server/RequestReader.h"
 
-#include "ContentDigest.h"
+#include "basalt/ContentDigest.h"
 
 #include <array>
 #include <limits>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Crc32c.h"
-#include "RequestError.h"
-#include "TimedStream.h"
+#include "basalt/Crc32c.h"
+#include "server/RequestError.h"
+#include "server/TimedStream.h"
 
 #include <chrono>
 #include <cstdint>

@@ -1,7 +1,7 @@
-#include "RestoreRequest.h"
+#include "server/RestoreRequest.h"
 
-#include "ReplayMode.h"
-#include "RestoredBackup.h"
+#include "server/ReplayMode.h"
+#include "server/RestoredBackup.h"
 
 #include <utility>
 

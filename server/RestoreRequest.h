@@ -1,8 +1,8 @@
 #pragma once
 
-#include "CborCursor.h"
-#include "Sensor.h"
-#include "Workspace.h"
+#include "server/CborCursor.h"
+#include "server/Sensor.h"
+#include "server/Workspace.h"
 
 #include <cstdint>
 #include <exception>

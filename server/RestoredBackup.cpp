@@ -1,10 +1,10 @@
-#include "RestoredBackup.h"
+#include "server/RestoredBackup.h"
 
-#include "Exception.h"
-#include "JsonObject.h"
-#include "RequestError.h"
-#include "TarName.h"
-#include "UnpackFolder.h"
+#include "basalt/Exception.h"
+#include "cinder/TarName.h"
+#include "cinder/UnpackFolder.h"
+#include "server/JsonObject.h"
+#include "server/RequestError.h"
 
 #include <algorithm>
 #include <array>

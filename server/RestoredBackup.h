@@ -1,13 +1,13 @@
 #pragma once
 
-#include "CborCursor.h"
+#include "server/CborCursor.h"
 
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "bTar.h"
+#include "cinder/bTar.h"
 
 /// A backup archive that a client sends, read in one pass while the request's body arrives: the workspace
 /// archive inside it is unpacked while the outer one is read, so that each byte is stored once.

@@ -1,6 +1,6 @@
-#include "SensorServer.h"
+#include "server/SensorServer.h"
 
-#include "ServerOptions.h"
+#include "server/ServerOptions.h"
 
 #include <chrono>
 

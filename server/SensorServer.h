@@ -1,8 +1,8 @@
 #pragma once
 
-#include "DiscoveryResponder.h"
-#include "HttpSession.h"
-#include "Sensor.h"
+#include "server/DiscoveryResponder.h"
+#include "server/HttpSession.h"
+#include "server/Sensor.h"
 
 #include <atomic>
 #include <list>

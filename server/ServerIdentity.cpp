@@ -1,4 +1,4 @@
-#include "ServerIdentity.h"
+#include "server/ServerIdentity.h"
 
 #include <memory>
 #include <utility>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FaultPlan.h"
+#include "server/FaultPlan.h"
 
 #include <chrono>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "TarHeader.h"
+#include "server/TarHeader.h"
 
 #include <array>
 #include <charconv>

@@ -1,4 +1,4 @@
-#include "TimedStream.h"
+#include "server/TimedStream.h"
 
 #include <array>
 

@@ -1,4 +1,4 @@
-#include "Workspace.h"
+#include "server/Workspace.h"
 
 #include <cerrno>
 #include <cstdio>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FileDescriptor.h"
+#include "server/FileDescriptor.h"
 
 #include <memory>
 #include <mutex>

@@ -1,11 +1,11 @@
-#include "DiscoveryResponder.h"
-#include "FaultPlan.h"
-#include "ReplayMode.h"
-#include "RequestLog.h"
-#include "SensorServer.h"
-#include "ServerIdentity.h"
-#include "ServerOptions.h"
-#include "Workspace.h"
+#include "server/DiscoveryResponder.h"
+#include "server/FaultPlan.h"
+#include "server/ReplayMode.h"
+#include "server/RequestLog.h"
+#include "server/SensorServer.h"
+#include "server/ServerIdentity.h"
+#include "server/ServerOptions.h"
+#include "server/Workspace.h"
 
 #include <csignal>
 #include <cstdio>

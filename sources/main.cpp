@@ -1,7 +1,7 @@
-#include "Log.h"
-#include "VeApiLib.h"
-#include "bCdLib.h"
-#include "mainwindow.h"
+#include "cinder/VeApiLib.h"
+#include "cinder/bCdLib.h"
+#include "log/Log.h"
+#include "window/mainwindow.h"
 
 #include <QApplication>
 #include <QTextCodec>

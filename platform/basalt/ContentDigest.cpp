@@ -1,4 +1,4 @@
-#include "ContentDigest.h"
+#include "basalt/ContentDigest.h"
 
 #include <algorithm>
 

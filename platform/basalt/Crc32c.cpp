@@ -1,4 +1,4 @@
-#include "Crc32c.h"
+#include "basalt/Crc32c.h"
 
 #include <array>
 #include <cstring>

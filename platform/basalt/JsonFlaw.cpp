@@ -1,4 +1,4 @@
-#include "JsonFlaw.h"
+#include "basalt/JsonFlaw.h"
 
 #include <charconv>
 #include <set>

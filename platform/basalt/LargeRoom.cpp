@@ -1,4 +1,4 @@
-#include "LargeRoom.h"
+#include "basalt/LargeRoom.h"
 
 #include <sys/mman.h>
 #include <unistd.h>

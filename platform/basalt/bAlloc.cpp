@@ -1,4 +1,4 @@
-#include "bAlloc.h"
+#include "basalt/bAlloc.h"
 
 bAlloc bAlloc_Application() {
     return std::pmr::new_delete_resource();

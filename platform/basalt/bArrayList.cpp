@@ -1,4 +1,4 @@
-#include "bArrayList.h"
+#include "basalt/bArrayList.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bObject.h"
+#include "basalt/bObject.h"
 
 #include <cstddef>
 #include <string>

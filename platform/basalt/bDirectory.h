@@ -1,7 +1,7 @@
 #pragma once
 
-#include "bArrayList.h"
-#include "bStatus.h"
+#include "basalt/bArrayList.h"
+#include "basalt/bStatus.h"
 
 /// Nonzero when `path` names a directory, through a symbolic link too.
 int bDirectory_Exists(const char* path);

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "WholeFile.h"
-#include "bObject.h"
-#include "bStatus.h"
+#include "basalt/WholeFile.h"
+#include "basalt/bObject.h"
+#include "basalt/bStatus.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bStatus.h"
+#include "basalt/bStatus.h"
 
 #include <array>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "bObject.h"
+#include "basalt/bObject.h"
 
 bStatus xbObject_DestroyImpl(bObject* object) {
     if (object == nullptr)

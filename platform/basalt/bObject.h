@@ -1,7 +1,7 @@
 #pragma once
 
-#include "bAlloc.h"
-#include "bStatus.h"
+#include "basalt/bAlloc.h"
+#include "basalt/bStatus.h"
 
 #include <memory>
 #include <new>

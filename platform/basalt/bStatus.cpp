@@ -1,4 +1,4 @@
-#include "bStatus.h"
+#include "basalt/bStatus.h"
 
 #include <array>
 #include <cstdio>

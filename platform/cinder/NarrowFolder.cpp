@@ -1,4 +1,4 @@
-#include "NarrowFolder.h"
+#include "cinder/NarrowFolder.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

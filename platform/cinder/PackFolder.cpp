@@ -1,10 +1,10 @@
-#include "PackFolder.h"
+#include "cinder/PackFolder.h"
 
-#include "Exception.h"
-#include "bArrayList.h"
-#include "bDirectory.h"
-#include "bFile.h"
-#include "bTar.h"
+#include "basalt/Exception.h"
+#include "basalt/bArrayList.h"
+#include "basalt/bDirectory.h"
+#include "basalt/bFile.h"
+#include "cinder/bTar.h"
 
 namespace {
 

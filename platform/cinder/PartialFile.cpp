@@ -1,4 +1,4 @@
-#include "PartialFile.h"
+#include "cinder/PartialFile.h"
 
 #include <cerrno>
 #include <cstdio>

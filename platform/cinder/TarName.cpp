@@ -1,4 +1,4 @@
-#include "TarName.h"
+#include "cinder/TarName.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
-#include "TarReader.h"
+#include "cinder/TarReader.h"
 
-#include "ArchiveLocale.h"
+#include "cinder/ArchiveLocale.h"
 
 #include <algorithm>
 #include <array>

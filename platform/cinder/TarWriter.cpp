@@ -1,7 +1,7 @@
-#include "TarWriter.h"
+#include "cinder/TarWriter.h"
 
-#include "ArchiveLocale.h"
-#include "TarName.h"
+#include "cinder/ArchiveLocale.h"
+#include "cinder/TarName.h"
 
 #include <algorithm>
 #include <cerrno>

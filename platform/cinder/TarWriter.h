@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bTar.h"
+#include "cinder/bTar.h"
 
 #include <memory>
 #include <vector>

@@ -1,12 +1,12 @@
-#include "UnpackFolder.h"
+#include "cinder/UnpackFolder.h"
 
-#include "Exception.h"
-#include "NarrowFolder.h"
-#include "PartialFile.h"
-#include "TarName.h"
-#include "bDirectory.h"
-#include "bFile.h"
-#include "bTar.h"
+#include "basalt/Exception.h"
+#include "basalt/bDirectory.h"
+#include "basalt/bFile.h"
+#include "cinder/NarrowFolder.h"
+#include "cinder/PartialFile.h"
+#include "cinder/TarName.h"
+#include "cinder/bTar.h"
 
 #include <array>
 #include <new>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "bAlloc.h"
-#include "bFile.h"
-#include "bStatus.h"
+#include "basalt/bAlloc.h"
+#include "basalt/bFile.h"
+#include "basalt/bStatus.h"
 
 #include <string>
 

@@ -1,4 +1,4 @@
-#include "VeApiLib.h"
+#include "cinder/VeApiLib.h"
 
 struct VeApiLib {};
 

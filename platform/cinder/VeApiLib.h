@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bStatus.h"
+#include "basalt/bStatus.h"
 
 /// The running API library, from its start until the process ends.
 struct VeApiLib;

@@ -1,4 +1,4 @@
-#include "bCdLib.h"
+#include "cinder/bCdLib.h"
 
 struct bCdLib {};
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bStatus.h"
+#include "basalt/bStatus.h"
 
 /// The running device-platform library, from its start until the process ends.
 struct bCdLib;

@@ -1,7 +1,7 @@
-#include "bTar.h"
+#include "cinder/bTar.h"
 
-#include "TarReader.h"
-#include "TarWriter.h"
+#include "cinder/TarReader.h"
+#include "cinder/TarWriter.h"
 
 namespace {
 

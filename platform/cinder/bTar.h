@@ -1,8 +1,8 @@
 #pragma once
 
-#include "bFile.h"
-#include "bObject.h"
-#include "bStatus.h"
+#include "basalt/bFile.h"
+#include "basalt/bObject.h"
+#include "basalt/bStatus.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
-#include "CborFrame.h"
+#include "ostrasdk/CborFrame.h"
 
-#include "Exception.h"
-#include "bStatus.h"
+#include "basalt/Exception.h"
+#include "basalt/bStatus.h"
 
 #include <QCborStreamReader>
 

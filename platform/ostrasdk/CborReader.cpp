@@ -1,10 +1,10 @@
-#include "CborReader.h"
+#include "ostrasdk/CborReader.h"
 
-#include "CborFrame.h"
-#include "Exception.h"
-#include "JsonText.h"
-#include "LargeRoom.h"
-#include "bStatus.h"
+#include "basalt/Exception.h"
+#include "basalt/LargeRoom.h"
+#include "basalt/bStatus.h"
+#include "ostrasdk/CborFrame.h"
+#include "ostrasdk/JsonText.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "CborWriter.h"
+#include "ostrasdk/CborWriter.h"
 
 #include <QCborStreamWriter>
 

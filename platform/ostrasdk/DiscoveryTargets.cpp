@@ -1,6 +1,6 @@
-#include "DiscoveryTargets.h"
+#include "ostrasdk/DiscoveryTargets.h"
 
-#include "bIpAddress.h"
+#include "basalt/bIpAddress.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,8 +1,8 @@
-#include "HttpExchange.h"
+#include "ostrasdk/HttpExchange.h"
 
-#include "ContentDigest.h"
-#include "Exception.h"
-#include "bStatus.h"
+#include "basalt/ContentDigest.h"
+#include "basalt/Exception.h"
+#include "basalt/bStatus.h"
 
 #include <boost/asio/connect.hpp>
 #include <boost/asio/write.hpp>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "HttpRequest.h"
-#include "ReplyBody.h"
-#include "VeJson.h"
-#include "WireBody.h"
+#include "ostrasdk/HttpRequest.h"
+#include "ostrasdk/ReplyBody.h"
+#include "ostrasdk/VeJson.h"
+#include "ostrasdk/WireBody.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>

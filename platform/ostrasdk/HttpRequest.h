@@ -1,7 +1,7 @@
 #pragma once
 
-#include "VeJson.h"
-#include "bIpAddress.h"
+#include "basalt/bIpAddress.h"
+#include "ostrasdk/VeJson.h"
 
 #include <string>
 

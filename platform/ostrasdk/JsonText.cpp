@@ -1,8 +1,8 @@
-#include "JsonText.h"
+#include "ostrasdk/JsonText.h"
 
-#include "Exception.h"
-#include "JsonFlaw.h"
-#include "bStatus.h"
+#include "basalt/Exception.h"
+#include "basalt/JsonFlaw.h"
+#include "basalt/bStatus.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,7 +1,7 @@
 #pragma once
 
 // All that a user of the sensor platform needs.
-#include "DiscoveryKeys.h"
-#include "VeDiscoveryClient.h"
-#include "VeJson.h"
-#include "VeSystem.h"
+#include "ostrasdk/DiscoveryKeys.h"
+#include "ostrasdk/VeDiscoveryClient.h"
+#include "ostrasdk/VeJson.h"
+#include "ostrasdk/VeSystem.h"

@@ -1,9 +1,9 @@
-#include "ReplyBody.h"
+#include "ostrasdk/ReplyBody.h"
 
-#include "Exception.h"
-#include "JsonText.h"
-#include "WireBody.h"
-#include "bStatus.h"
+#include "basalt/Exception.h"
+#include "basalt/bStatus.h"
+#include "ostrasdk/JsonText.h"
+#include "ostrasdk/WireBody.h"
 
 namespace OstraSdk {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "CborReader.h"
-#include "Crc32c.h"
-#include "VeJson.h"
+#include "basalt/Crc32c.h"
+#include "ostrasdk/CborReader.h"
+#include "ostrasdk/VeJson.h"
 
 #include <boost/beast/core/buffers_range.hpp>
 #include <boost/beast/http/message.hpp>

@@ -1,8 +1,8 @@
-#include "VeDiscoveryClient.h"
+#include "ostrasdk/VeDiscoveryClient.h"
 
-#include "DiscoveryTargets.h"
-#include "Exception.h"
-#include "bStatus.h"
+#include "basalt/Exception.h"
+#include "basalt/bStatus.h"
+#include "ostrasdk/DiscoveryTargets.h"
 
 #include <boost/asio/io_context.hpp>
 

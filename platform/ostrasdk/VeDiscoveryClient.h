@@ -1,6 +1,6 @@
 #pragma once
 
-#include "VeInstance.h"
+#include "ostrasdk/VeInstance.h"
 
 #include <cstdint>
 #include <vector>

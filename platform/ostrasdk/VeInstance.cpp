@@ -1,8 +1,8 @@
-#include "VeInstance.h"
+#include "ostrasdk/VeInstance.h"
 
-#include "DiscoveryKeys.h"
-#include "Exception.h"
-#include "bStatus.h"
+#include "basalt/Exception.h"
+#include "basalt/bStatus.h"
+#include "ostrasdk/DiscoveryKeys.h"
 
 #include <limits>
 

@@ -1,8 +1,8 @@
-#include "VeJson.h"
+#include "ostrasdk/VeJson.h"
 
-#include "Exception.h"
-#include "JsonText.h"
-#include "bStatus.h"
+#include "basalt/Exception.h"
+#include "basalt/bStatus.h"
+#include "ostrasdk/JsonText.h"
 
 namespace OstraSdk {
 

@@ -1,7 +1,7 @@
-#include "VeRestClient.h"
+#include "ostrasdk/VeRestClient.h"
 
-#include "Exception.h"
-#include "bStatus.h"
+#include "basalt/Exception.h"
+#include "basalt/bStatus.h"
 
 namespace OstraSdk {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "HttpRequest.h"
-#include "VeTransaction.h"
-#include "bIpAddress.h"
+#include "basalt/bIpAddress.h"
+#include "ostrasdk/HttpRequest.h"
+#include "ostrasdk/VeTransaction.h"
 
 #include <string>
 

@@ -1,7 +1,7 @@
-#include "VeSystem.h"
+#include "ostrasdk/VeSystem.h"
 
-#include "Exception.h"
-#include "bStatus.h"
+#include "basalt/Exception.h"
+#include "basalt/bStatus.h"
 
 namespace OstraSdk {
 

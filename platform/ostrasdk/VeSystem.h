@@ -1,7 +1,7 @@
 #pragma once
 
-#include "VeRestClient.h"
-#include "bIpAddress.h"
+#include "basalt/bIpAddress.h"
+#include "ostrasdk/VeRestClient.h"
 
 namespace OstraSdk {
 

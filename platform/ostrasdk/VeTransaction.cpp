@@ -1,8 +1,8 @@
-#include "VeTransaction.h"
+#include "ostrasdk/VeTransaction.h"
 
-#include "Exception.h"
-#include "HttpExchange.h"
-#include "bStatus.h"
+#include "basalt/Exception.h"
+#include "basalt/bStatus.h"
+#include "ostrasdk/HttpExchange.h"
 
 #include <utility>
 

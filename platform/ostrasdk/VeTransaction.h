@@ -1,7 +1,7 @@
 #pragma once
 
-#include "HttpRequest.h"
-#include "VeResponse.h"
+#include "ostrasdk/HttpRequest.h"
+#include "ostrasdk/VeResponse.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,7 +1,7 @@
-#include "WireBody.h"
+#include "ostrasdk/WireBody.h"
 
-#include "CborWriter.h"
-#include "JsonText.h"
+#include "ostrasdk/CborWriter.h"
+#include "ostrasdk/JsonText.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "VeJson.h"
+#include "ostrasdk/VeJson.h"
 
 #include <cstdint>
 #include <string>

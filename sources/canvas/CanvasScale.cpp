@@ -1,4 +1,4 @@
-#include "CanvasScale.h"
+#include "canvas/CanvasScale.h"
 
 #include <algorithm>
 #include <cmath>

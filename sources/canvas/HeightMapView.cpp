@@ -1,7 +1,7 @@
-#include "HeightMapView.h"
+#include "canvas/HeightMapView.h"
 
-#include "QuickScaler.h"
-#include "SmoothScaler.h"
+#include "canvas/QuickScaler.h"
+#include "canvas/SmoothScaler.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "ImageProportions.h"
+#include "canvas/ImageProportions.h"
 
 #include <algorithm>
 #include <cmath>

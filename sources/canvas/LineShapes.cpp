@@ -1,7 +1,7 @@
-#include "LineShapes.h"
+#include "canvas/LineShapes.h"
 
-#include "PixelEdges.h"
-#include "SlantedLine.h"
+#include "canvas/PixelEdges.h"
+#include "canvas/SlantedLine.h"
 
 #include <algorithm>
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "CanvasScale.h"
-#include "EditingState.h"
-#include "PointFinder.h"
-#include "SegmentParameter.h"
+#include "canvas/CanvasScale.h"
+#include "canvas/EditingState.h"
+#include "canvas/PointFinder.h"
+#include "canvas/SegmentParameter.h"
 
 /// What the mouse and the window's controls do to the paths, without a widget. Positions are widget pixels of
 /// the canvas that `scale` stands for. The four parameter lists of a path are as long as its points after

@@ -1,4 +1,4 @@
-#include "PathExtents.h"
+#include "canvas/PathExtents.h"
 
 #include <algorithm>
 #include <cmath>

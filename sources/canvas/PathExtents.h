@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TrackPath.h"
+#include "document/TrackPath.h"
 
 #include <vector>
 

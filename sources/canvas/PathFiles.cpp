@@ -1,7 +1,7 @@
-#include "PathFiles.h"
+#include "canvas/PathFiles.h"
 
-#include "ConvertCSV.h"
-#include "TargetFile.h"
+#include "document/ConvertCSV.h"
+#include "document/TargetFile.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "PathPainter.h"
+#include "canvas/PathPainter.h"
 
 #include <QPainter>
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "CanvasScale.h"
-#include "EditingState.h"
-#include "PathExtents.h"
-#include "PixelBoard.h"
+#include "canvas/CanvasScale.h"
+#include "canvas/EditingState.h"
+#include "canvas/PathExtents.h"
+#include "canvas/PixelBoard.h"
 
 #include <QFont>
 #include <QImage>

@@ -1,7 +1,7 @@
-#include "PixelBoard.h"
+#include "canvas/PixelBoard.h"
 
-#include "PixelEdges.h"
-#include "SlantedLine.h"
+#include "canvas/PixelEdges.h"
+#include "canvas/SlantedLine.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LineShapes.h"
+#include "canvas/LineShapes.h"
 
 #include <QImage>
 #include <QPoint>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "CanvasScale.h"
-#include "TrackPath.h"
+#include "canvas/CanvasScale.h"
+#include "document/TrackPath.h"
 
 #include <optional>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "QuickScaler.h"
+#include "canvas/QuickScaler.h"
 
 #include <cstdint>
 #include <vector>

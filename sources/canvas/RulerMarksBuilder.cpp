@@ -1,6 +1,6 @@
-#include "RulerMarksBuilder.h"
+#include "canvas/RulerMarksBuilder.h"
 
-#include "CanvasScale.h"
+#include "canvas/CanvasScale.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "RulerMarks.h"
-#include "TrackPath.h"
+#include "document/RulerMarks.h"
+#include "document/TrackPath.h"
 
 #include <QSize>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "RulerMarksBuilder.h"
-#include "TrackPath.h"
+#include "canvas/RulerMarksBuilder.h"
+#include "document/TrackPath.h"
 
 #include <QSize>
 

@@ -1,4 +1,4 @@
-#include "ScalingTaps.h"
+#include "canvas/ScalingTaps.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "SlantedLine.h"
+#include "canvas/SlantedLine.h"
 
 #include <algorithm>
 #include <cmath>

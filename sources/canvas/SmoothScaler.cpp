@@ -1,6 +1,6 @@
-#include "SmoothScaler.h"
+#include "canvas/SmoothScaler.h"
 
-#include "ScalingTaps.h"
+#include "canvas/ScalingTaps.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,11 +1,11 @@
-#include "qmaskwidget.h"
+#include "canvas/qmaskwidget.h"
 
-#include "Converter.h"
-#include "Exception.h"
-#include "PathFiles.h"
-#include "PathPainter.h"
-#include "RulerOwner.h"
-#include "bStatus.h"
+#include "basalt/Exception.h"
+#include "basalt/bStatus.h"
+#include "canvas/PathFiles.h"
+#include "canvas/PathPainter.h"
+#include "canvas/RulerOwner.h"
+#include "document/Converter.h"
 
 #include <QMouseEvent>
 #include <QPaintEvent>

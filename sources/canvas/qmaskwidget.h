@@ -1,10 +1,10 @@
 #pragma once
 
-#include "HeightMapView.h"
-#include "LineShapes.h"
-#include "PathEditor.h"
-#include "PathExtents.h"
-#include "RulerMarksKeeper.h"
+#include "canvas/HeightMapView.h"
+#include "canvas/LineShapes.h"
+#include "canvas/PathEditor.h"
+#include "canvas/PathExtents.h"
+#include "canvas/RulerMarksKeeper.h"
 
 #include <QBasicTimer>
 #include <QLabel>

@@ -1,6 +1,6 @@
-#include "BinaryPathBlocks.h"
+#include "document/BinaryPathBlocks.h"
 
-#include "BinaryTrackLayout.h"
+#include "document/BinaryTrackLayout.h"
 
 #include <cstdint>
 #include <limits>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "TrackByteWriter.h"
-#include "TrackPath.h"
-#include "WorldTransform.h"
+#include "document/TrackByteWriter.h"
+#include "document/TrackPath.h"
+#include "document/WorldTransform.h"
 
 #include <vector>
 

@@ -1,15 +1,15 @@
-#include "ConvertBIN.h"
+#include "document/ConvertBIN.h"
 
-#include "BinaryPathBlocks.h"
-#include "BinaryTrackLayout.h"
-#include "Guarded.h"
-#include "HeightRamp.h"
-#include "Log.h"
-#include "PathPoint.h"
-#include "SampleRamp.h"
-#include "SampleRange.h"
-#include "TargetFile.h"
-#include "TrackByteReader.h"
+#include "document/BinaryPathBlocks.h"
+#include "document/BinaryTrackLayout.h"
+#include "document/Guarded.h"
+#include "document/HeightRamp.h"
+#include "document/PathPoint.h"
+#include "document/SampleRamp.h"
+#include "document/SampleRange.h"
+#include "document/TargetFile.h"
+#include "document/TrackByteReader.h"
+#include "log/Log.h"
 
 #include <QImage>
 

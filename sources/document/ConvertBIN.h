@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Converter.h"
+#include "document/Converter.h"
 
 /// The binary encoding of track files, as docs/track-files.md gives it byte by byte. Maps are streamed; sizes
 /// in a file are checked against the bytes it has before memory is asked for.

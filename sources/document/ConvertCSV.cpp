@@ -1,14 +1,14 @@
-#include "ConvertCSV.h"
+#include "document/ConvertCSV.h"
 
-#include "CsvPathWriter.h"
-#include "CsvPaths.h"
-#include "CsvScan.h"
-#include "CsvSteps.h"
-#include "Guarded.h"
-#include "HeightColours.h"
-#include "Log.h"
-#include "TargetFile.h"
-#include "WorldTransform.h"
+#include "document/CsvPathWriter.h"
+#include "document/CsvPaths.h"
+#include "document/CsvScan.h"
+#include "document/CsvSteps.h"
+#include "document/Guarded.h"
+#include "document/HeightColours.h"
+#include "document/TargetFile.h"
+#include "document/WorldTransform.h"
+#include "log/Log.h"
 
 #include <QImage>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Converter.h"
+#include "document/Converter.h"
 
 /// The text encoding of track files.
 class ConvertCSV final : public Converter {

@@ -1,8 +1,8 @@
-#include "Converter.h"
+#include "document/Converter.h"
 
-#include "ConvertBIN.h"
-#include "ConvertCSV.h"
-#include "Log.h"
+#include "document/ConvertBIN.h"
+#include "document/ConvertCSV.h"
+#include "log/Log.h"
 
 #include <algorithm>
 #include <filesystem>

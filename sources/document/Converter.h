@@ -1,8 +1,8 @@
 #pragma once
 
-#include "HeightMap.h"
-#include "TrackInfo.h"
-#include "TrackPath.h"
+#include "document/HeightMap.h"
+#include "document/TrackInfo.h"
+#include "document/TrackPath.h"
 
 #include <cstdint>
 #include <memory>

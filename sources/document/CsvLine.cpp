@@ -1,4 +1,4 @@
-#include "CsvLine.h"
+#include "document/CsvLine.h"
 
 #include <boost/tokenizer.hpp>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "NumberText.h"
-#include "PackedDecimal.h"
+#include "document/NumberText.h"
+#include "document/PackedDecimal.h"
 
 #include <cstddef>
 #include <cstring>

@@ -1,8 +1,8 @@
-#include "CsvPathWriter.h"
+#include "document/CsvPathWriter.h"
 
-#include "CsvLine.h"
-#include "TargetFile.h"
-#include "TextLines.h"
+#include "document/CsvLine.h"
+#include "document/TargetFile.h"
+#include "document/TextLines.h"
 
 #include <array>
 #include <charconv>

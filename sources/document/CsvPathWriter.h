@@ -1,7 +1,7 @@
 #pragma once
 
-#include "TrackPath.h"
-#include "WorldTransform.h"
+#include "document/TrackPath.h"
+#include "document/WorldTransform.h"
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
-#include "CsvPaths.h"
+#include "document/CsvPaths.h"
 
-#include "CsvLine.h"
-#include "PathPoint.h"
+#include "document/CsvLine.h"
+#include "document/PathPoint.h"
 
 #include <array>
 #include <stdexcept>

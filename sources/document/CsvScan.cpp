@@ -1,4 +1,4 @@
-#include "CsvScan.h"
+#include "document/CsvScan.h"
 
 bool CsvScan::Next() {
     std::string_view text;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "CsvLine.h"
-#include "TextLines.h"
+#include "document/CsvLine.h"
+#include "document/TextLines.h"
 
 #include <cstdint>
 #include <string>

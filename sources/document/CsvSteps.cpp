@@ -1,11 +1,11 @@
-#include "CsvSteps.h"
+#include "document/CsvSteps.h"
 
-#include "Guarded.h"
-#include "HeightColours.h"
-#include "HeightRange.h"
-#include "Log.h"
-#include "RawHeight.h"
-#include "TrackInfo.h"
+#include "document/Guarded.h"
+#include "document/HeightColours.h"
+#include "document/HeightRange.h"
+#include "document/RawHeight.h"
+#include "document/TrackInfo.h"
+#include "log/Log.h"
 
 #include <QImage>
 

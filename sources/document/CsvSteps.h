@@ -1,7 +1,7 @@
 #pragma once
 
-#include "CsvLine.h"
-#include "HeightMap.h"
+#include "document/CsvLine.h"
+#include "document/HeightMap.h"
 
 #include <cstdint>
 #include <vector>

@@ -1,6 +1,6 @@
-#include "Guarded.h"
+#include "document/Guarded.h"
 
-#include "Log.h"
+#include "log/Log.h"
 
 void LogException(const char* tag, const char* text) noexcept {
     try {

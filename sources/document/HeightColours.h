@@ -1,7 +1,7 @@
 #pragma once
 
-#include "HeightRamp.h"
-#include "PackedDecimal.h"
+#include "document/HeightRamp.h"
+#include "document/PackedDecimal.h"
 
 #include <cstdint>
 #include <vector>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PackedDecimal.h"
+#include "document/PackedDecimal.h"
 
 #include <array>
 #include <limits>

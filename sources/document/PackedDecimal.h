@@ -1,7 +1,7 @@
 #pragma once
 
-#include "NumberText.h"
-#include "PointLayout.h"
+#include "document/NumberText.h"
+#include "document/PointLayout.h"
 
 #include <bit>
 #include <cstdint>

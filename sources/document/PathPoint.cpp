@@ -1,4 +1,4 @@
-#include "PathPoint.h"
+#include "document/PathPoint.h"
 
 #include <cstdint>
 #include <stdexcept>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TrackPath.h"
+#include "document/TrackPath.h"
 
 /// One point of a path as both encodings store it.
 struct PathPoint {

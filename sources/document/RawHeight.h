@@ -1,6 +1,6 @@
 #pragma once
 
-#include "HeightMap.h"
+#include "document/HeightMap.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
-#include "SampleRamp.h"
+#include "document/SampleRamp.h"
 
-#include "HeightMap.h"
+#include "document/HeightMap.h"
 
 #include <bit>
 #include <cmath>

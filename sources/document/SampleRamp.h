@@ -1,7 +1,7 @@
 #pragma once
 
-#include "HeightRamp.h"
-#include "SampleScale.h"
+#include "document/HeightRamp.h"
+#include "document/SampleScale.h"
 
 #include <cstdint>
 #include <span>

@@ -1,6 +1,6 @@
-#include "SampleRange.h"
+#include "document/SampleRange.h"
 
-#include "HeightMap.h"
+#include "document/HeightMap.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "SampleScale.h"
+#include "document/SampleScale.h"
 
 #include <cstdint>
 #include <span>

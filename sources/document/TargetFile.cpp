@@ -1,6 +1,6 @@
-#include "TargetFile.h"
+#include "document/TargetFile.h"
 
-#include "Log.h"
+#include "log/Log.h"
 
 int CommitTarget(WholeFile& file, const std::string& path) {
     if (file.Commit())

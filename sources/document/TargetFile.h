@@ -1,6 +1,6 @@
 #pragma once
 
-#include "WholeFile.h"
+#include "basalt/WholeFile.h"
 
 #include <string>
 

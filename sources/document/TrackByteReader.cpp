@@ -1,4 +1,4 @@
-#include "TrackByteReader.h"
+#include "document/TrackByteReader.h"
 
 #include <filesystem>
 #include <stdexcept>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "RulerMarks.h"
+#include "document/RulerMarks.h"
 
 #include <QPointF>
 

@@ -1,7 +1,7 @@
-#include "BlockingController.h"
+#include "link/BlockingController.h"
 
-#include "OstraSdkClient.h"
-#include "bStatus.h"
+#include "basalt/bStatus.h"
+#include "link/OstraSdkClient.h"
 
 #include <exception>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Exception.h"
+#include "basalt/Exception.h"
 
 #include <QMetaType>
 #include <QObject>

@@ -1,9 +1,9 @@
-#include "FileUtils.h"
+#include "link/FileUtils.h"
 
-#include "Exception.h"
-#include "Log.h"
-#include "PackFolder.h"
-#include "UnpackFolder.h"
+#include "basalt/Exception.h"
+#include "cinder/PackFolder.h"
+#include "cinder/UnpackFolder.h"
+#include "log/Log.h"
 
 #include <new>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bAlloc.h"
+#include "basalt/bAlloc.h"
 
 #include <string>
 

@@ -1,11 +1,11 @@
-#include "OstraSdkClient.h"
+#include "link/OstraSdkClient.h"
 
-#include "Exception.h"
-#include "LargeRoom.h"
-#include "OstraSdk.h"
-#include "WholeFile.h"
-#include "bFile.h"
-#include "bStatus.h"
+#include "basalt/Exception.h"
+#include "basalt/LargeRoom.h"
+#include "basalt/WholeFile.h"
+#include "basalt/bFile.h"
+#include "basalt/bStatus.h"
+#include "ostrasdk/OstraSdk.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OstraServerInfo.h"
+#include "link/OstraServerInfo.h"
 
 #include <cstdint>
 #include <memory>

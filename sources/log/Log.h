@@ -1,7 +1,7 @@
 #pragma once
 
-#include "NowTime.h"
-#include "Output2FILE.h"
+#include "log/NowTime.h"
+#include "log/Output2FILE.h"
 
 #include <exception>
 #include <sstream>

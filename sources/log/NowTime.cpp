@@ -1,4 +1,4 @@
-#include "NowTime.h"
+#include "log/NowTime.h"
 
 #include <cstdint>
 #include <cstdio>

@@ -1,4 +1,4 @@
-#include "Output2FILE.h"
+#include "log/Output2FILE.h"
 
 std::FILE*& Output2FILE::Target() {
     static std::FILE* target = stderr;

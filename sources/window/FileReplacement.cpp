@@ -1,6 +1,6 @@
-#include "FileReplacement.h"
+#include "window/FileReplacement.h"
 
-#include "WholeFile.h"
+#include "basalt/WholeFile.h"
 
 #include <array>
 #include <filesystem>

@@ -1,7 +1,7 @@
-#include "TrackFolder.h"
+#include "window/TrackFolder.h"
 
-#include "Exception.h"
-#include "bStatus.h"
+#include "basalt/Exception.h"
+#include "basalt/bStatus.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "WaitingSpinnerWidget.h"
+#include "window/WaitingSpinnerWidget.h"
 
 #include <QPainter>
 #include <QTimer>

@@ -1,6 +1,6 @@
-#include "WorkerThread.h"
+#include "window/WorkerThread.h"
 
-#include "BlockingController.h"
+#include "link/BlockingController.h"
 
 WorkerThread::WorkerThread(OstraSdkClient& client) : worker(new BlockingController(&client, nullptr)) {
     worker->moveToThread(&thread);

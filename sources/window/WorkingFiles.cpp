@@ -1,10 +1,10 @@
-#include "WorkingFiles.h"
+#include "window/WorkingFiles.h"
 
-#include "FileUtils.h"
-#include "Log.h"
-#include "bDirectory.h"
-#include "bFile.h"
-#include "bStatus.h"
+#include "basalt/bDirectory.h"
+#include "basalt/bFile.h"
+#include "basalt/bStatus.h"
+#include "link/FileUtils.h"
+#include "log/Log.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
-#include "mainwindow.h"
+#include "window/mainwindow.h"
 
-#include "Exception.h"
-#include "Log.h"
-#include "WorkerThread.h"
-#include "WorkingFiles.h"
-#include "bStatus.h"
+#include "basalt/Exception.h"
+#include "basalt/bStatus.h"
+#include "log/Log.h"
 #include "ui_mainwindow.h"
+#include "window/WorkerThread.h"
+#include "window/WorkingFiles.h"
 
 #include <QAbstractItemView>
 #include <QIntValidator>

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "Exception.h"
-#include "OstraSdkClient.h"
-#include "RulerOwner.h"
-#include "SegmentParameter.h"
-#include "TrackInfo.h"
+#include "basalt/Exception.h"
+#include "canvas/RulerOwner.h"
+#include "canvas/SegmentParameter.h"
+#include "document/TrackInfo.h"
+#include "link/OstraSdkClient.h"
 
 #include <QImage>
 #include <QMainWindow>

@@ -1,6 +1,6 @@
-#include "mainwindow.h"
+#include "window/mainwindow.h"
 
-#include "ImageProportions.h"
+#include "canvas/ImageProportions.h"
 #include "ui_mainwindow.h"
 
 #include <QScopedValueRollback>

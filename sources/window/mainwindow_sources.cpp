@@ -1,13 +1,13 @@
-#include "mainwindow.h"
+#include "window/mainwindow.h"
 
-#include "BlockingController.h"
-#include "Log.h"
-#include "WaitCursor.h"
-#include "WaitingSpinnerWidget.h"
-#include "WorkerThread.h"
-#include "WorkingFiles.h"
-#include "bStatus.h"
+#include "basalt/bStatus.h"
+#include "link/BlockingController.h"
+#include "log/Log.h"
 #include "ui_mainwindow.h"
+#include "window/WaitCursor.h"
+#include "window/WaitingSpinnerWidget.h"
+#include "window/WorkerThread.h"
+#include "window/WorkingFiles.h"
 
 #include <QCloseEvent>
 #include <QFileDialog>

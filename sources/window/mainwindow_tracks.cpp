@@ -1,13 +1,13 @@
-#include "mainwindow.h"
+#include "window/mainwindow.h"
 
-#include "Converter.h"
-#include "Exception.h"
-#include "FileReplacement.h"
-#include "TrackFolder.h"
-#include "WaitCursor.h"
-#include "bFile.h"
-#include "bStatus.h"
+#include "basalt/Exception.h"
+#include "basalt/bFile.h"
+#include "basalt/bStatus.h"
+#include "document/Converter.h"
 #include "ui_mainwindow.h"
+#include "window/FileReplacement.h"
+#include "window/TrackFolder.h"
+#include "window/WaitCursor.h"
 
 #include <QAbstractItemView>
 #include <QFileDialog>

@@ -1,14 +1,14 @@
 #include "AllocationTrials.h"
 
 #include "Allocations.h"
-#include "Converter.h"
-#include "Exception.h"
-#include "FileReplacement.h"
 #include "OperatorFiles.h"
 #include "TemporaryFolder.h"
-#include "TrackInfo.h"
-#include "WorkingFiles.h"
-#include "qmaskwidget.h"
+#include "basalt/Exception.h"
+#include "canvas/qmaskwidget.h"
+#include "document/Converter.h"
+#include "document/TrackInfo.h"
+#include "window/FileReplacement.h"
+#include "window/WorkingFiles.h"
 
 #include <cstdint>
 #include <cstdio>

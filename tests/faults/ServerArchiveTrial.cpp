@@ -1,10 +1,10 @@
 #include "ServerArchiveTrial.h"
 
-#include "Exception.h"
-#include "OstraSdkClient.h"
 #include "RawHttp.h"
 #include "TemporaryFolder.h"
 #include "WatchedServer.h"
+#include "basalt/Exception.h"
+#include "link/OstraSdkClient.h"
 
 #include <filesystem>
 #include <optional>

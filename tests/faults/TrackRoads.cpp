@@ -1,6 +1,6 @@
 #include "Road.h"
 
-#include "qmaskwidget.h"
+#include "canvas/qmaskwidget.h"
 
 #include <QComboBox>
 

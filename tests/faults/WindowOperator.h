@@ -1,7 +1,7 @@
 #pragma once
 
 #include "DialogAnswers.h"
-#include "mainwindow.h"
+#include "window/mainwindow.h"
 
 #include <QTest>
 

@@ -1,7 +1,7 @@
 #include "WindowTrial.h"
 
-#include "Log.h"
 #include "LogCapture.h"
+#include "log/Log.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -1,10 +1,10 @@
 #include "CanvasFixture.h"
-#include "Converter.h"
-#include "Exception.h"
 #include "LogCapture.h"
 #include "SmallTrack.h"
 #include "TemporaryFolder.h"
-#include "bStatus.h"
+#include "basalt/Exception.h"
+#include "basalt/bStatus.h"
+#include "document/Converter.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "RulerOwner.h"
-#include "qmaskwidget.h"
+#include "canvas/RulerOwner.h"
+#include "canvas/qmaskwidget.h"
 
 #include <QApplication>
 #include <QImage>

@@ -1,4 +1,4 @@
-#include "PixelBoard.h"
+#include "canvas/PixelBoard.h"
 
 #include <gtest/gtest.h>
 

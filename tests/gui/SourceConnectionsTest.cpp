@@ -4,8 +4,8 @@
 
 #include "OrdinaryUser.h"
 #include "SourceWorkflows.h"
-#include "VeSystem.h"
-#include "bStatus.h"
+#include "basalt/bStatus.h"
+#include "ostrasdk/VeSystem.h"
 
 #include <QEvent>
 

@@ -1,11 +1,11 @@
 #include "SourceWorkflows.h"
-#include "BlockingController.h"
 #include "DiscoveryResponder.h"
-#include "FileUtils.h"
 #include "ScriptedServer.h"
 #include "TarBlocks.h"
-#include "WaitingSpinnerWidget.h"
-#include "WorkerThread.h"
+#include "link/BlockingController.h"
+#include "link/FileUtils.h"
+#include "window/WaitingSpinnerWidget.h"
+#include "window/WorkerThread.h"
 
 #include <QElapsedTimer>
 #include <QPointer>

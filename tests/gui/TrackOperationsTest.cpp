@@ -1,8 +1,8 @@
-#include "FileReplacement.h"
-#include "Log.h"
 #include "OrdinaryUser.h"
-#include "TrackFolder.h"
 #include "WindowTest.h"
+#include "log/Log.h"
+#include "window/FileReplacement.h"
+#include "window/TrackFolder.h"
 
 #include <QAbstractItemView>
 #include <QApplication>

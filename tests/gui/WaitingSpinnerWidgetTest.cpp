@@ -1,4 +1,4 @@
-#include "WaitingSpinnerWidget.h"
+#include "window/WaitingSpinnerWidget.h"
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,6 @@
 #include "WindowTest.h"
 
-#include "FileUtils.h"
+#include "link/FileUtils.h"
 
 #include <QAbstractItemView>
 #include <QStatusBar>

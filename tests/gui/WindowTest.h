@@ -4,8 +4,8 @@
 #include "LogCapture.h"
 #include "SmallTrack.h"
 #include "TemporaryFolder.h"
-#include "mainwindow.h"
-#include "qmaskwidget.h"
+#include "canvas/qmaskwidget.h"
+#include "window/mainwindow.h"
 
 #include <gmock/gmock.h>
 

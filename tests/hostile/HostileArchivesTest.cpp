@@ -1,11 +1,11 @@
 #include "HostileArchive.h"
 
-#include "Exception.h"
-#include "FileUtils.h"
 #include "FolderTree.h"
 #include "LogCapture.h"
 #include "TemporaryFolder.h"
-#include "UnpackFolder.h"
+#include "basalt/Exception.h"
+#include "cinder/UnpackFolder.h"
+#include "link/FileUtils.h"
 
 #include <gmock/gmock.h>
 

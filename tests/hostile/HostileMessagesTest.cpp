@@ -1,12 +1,12 @@
 #include "HostileMessages.h"
 
-#include "Exception.h"
-#include "OstraSdkClient.h"
 #include "OstraServerProcess.h"
 #include "RawHttp.h"
 #include "ScriptedServer.h"
 #include "TemporaryFolder.h"
-#include "VeInstance.h"
+#include "basalt/Exception.h"
+#include "link/OstraSdkClient.h"
+#include "ostrasdk/VeInstance.h"
 
 #include <gmock/gmock.h>
 

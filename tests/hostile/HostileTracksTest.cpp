@@ -1,8 +1,8 @@
 #include "HostileTrack.h"
 
-#include "Converter.h"
 #include "LogCapture.h"
 #include "TemporaryFolder.h"
+#include "document/Converter.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 #include "FakeLibraries.h"
 
-#include "VeApiLib.h"
-#include "bCdLib.h"
+#include "cinder/VeApiLib.h"
+#include "cinder/bCdLib.h"
 
 namespace fakeLibraries {
 

@@ -1,9 +1,9 @@
 // Discovery by broadcast, between two networks of the kernel that are joined by one cable and by nothing
 // else: no datagram of these tests can leave the machine. Making them takes the rights of root.
 
-#include "OstraSdkClient.h"
 #include "OstraServerProcess.h"
 #include "TemporaryFolder.h"
+#include "link/OstraSdkClient.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "EditingState.h"
 #include "IndependentTrack.h"
+#include "canvas/EditingState.h"
 
 #include <string>
 

@@ -1,12 +1,12 @@
 #include "FaultyProxy.h"
 
-#include "BlockingController.h"
 #include "FolderTree.h"
-#include "OstraSdkClient.h"
 #include "OstraServerProcess.h"
 #include "TarBlocks.h"
 #include "TemporaryFolder.h"
-#include "bStatus.h"
+#include "basalt/bStatus.h"
+#include "link/BlockingController.h"
+#include "link/OstraSdkClient.h"
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,6 @@
 #include "LogCapture.h"
 
-#include "Output2FILE.h"
+#include "log/Output2FILE.h"
 
 #include <algorithm>
 #include <stdexcept>

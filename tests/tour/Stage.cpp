@@ -1,8 +1,8 @@
 #include "Stage.h"
 
-#include "WaitingSpinnerWidget.h"
-#include "mainwindow.h"
-#include "qmaskwidget.h"
+#include "canvas/qmaskwidget.h"
+#include "window/WaitingSpinnerWidget.h"
+#include "window/mainwindow.h"
 
 #include <QAbstractItemView>
 #include <QApplication>

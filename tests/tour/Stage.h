@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Hand.h"
-#include "TrackPath.h"
+#include "document/TrackPath.h"
 
 #include <QPoint>
 #include <QString>

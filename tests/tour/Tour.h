@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Stage.h"
-#include "TrackPath.h"
+#include "document/TrackPath.h"
 
 #include <string>
 #include <vector>

@@ -4,7 +4,7 @@
 
 #include "OstraServerProcess.h"
 #include "Tour.h"
-#include "mainwindow.h"
+#include "window/mainwindow.h"
 
 #include <QApplication>
 

@@ -1,4 +1,4 @@
-#include "PathEditor.h"
+#include "canvas/PathEditor.h"
 
 #include <gtest/gtest.h>
 

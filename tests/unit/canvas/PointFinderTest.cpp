@@ -1,4 +1,4 @@
-#include "PointFinder.h"
+#include "canvas/PointFinder.h"
 
 #include <gtest/gtest.h>
 

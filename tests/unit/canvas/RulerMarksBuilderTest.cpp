@@ -1,4 +1,4 @@
-#include "RulerMarksBuilder.h"
+#include "canvas/RulerMarksBuilder.h"
 
 #include <gtest/gtest.h>
 

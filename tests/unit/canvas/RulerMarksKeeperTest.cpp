@@ -1,4 +1,4 @@
-#include "RulerMarksKeeper.h"
+#include "canvas/RulerMarksKeeper.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "SmoothScaler.h"
+#include "canvas/SmoothScaler.h"
 
 #include <gtest/gtest.h>
 

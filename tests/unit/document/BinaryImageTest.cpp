@@ -1,4 +1,4 @@
-#include "ConvertBIN.h"
+#include "document/ConvertBIN.h"
 
 #include "DocumentSamples.h"
 #include "IndependentRamp.h"

@@ -1,6 +1,6 @@
-#include "ConvertBIN.h"
-#include "ConvertCSV.h"
-#include "Converter.h"
+#include "document/ConvertBIN.h"
+#include "document/ConvertCSV.h"
+#include "document/Converter.h"
 
 #include "LogCapture.h"
 #include "TemporaryFolder.h"

@@ -1,4 +1,4 @@
-#include "ConvertCSV.h"
+#include "document/ConvertCSV.h"
 
 #include "DocumentSamples.h"
 #include "FileSizeLimit.h"

@@ -1,6 +1,6 @@
-#include "CsvSteps.h"
-#include "HeightColours.h"
-#include "TrackInfo.h"
+#include "document/CsvSteps.h"
+#include "document/HeightColours.h"
+#include "document/TrackInfo.h"
 
 #include "LogCapture.h"
 

@@ -1,5 +1,5 @@
-#include "CsvSteps.h"
-#include "HeightColours.h"
+#include "document/CsvSteps.h"
+#include "document/HeightColours.h"
 
 #include "LogCapture.h"
 #include "TextTrack.h"

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "Converter.h"
 #include "IndependentTrack.h"
-#include "TrackInfo.h"
-#include "TrackPath.h"
-#include "WorldTransform.h"
+#include "document/Converter.h"
+#include "document/TrackInfo.h"
+#include "document/TrackPath.h"
+#include "document/WorldTransform.h"
 
 #include <string>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "Converter.h"
+#include "document/Converter.h"
 
 #include "DocumentSamples.h"
 #include "TemporaryFolder.h"

@@ -1,4 +1,4 @@
-#include "ConvertCSV.h"
+#include "document/ConvertCSV.h"
 
 #include "CommaLocale.h"
 #include "IndependentRamp.h"

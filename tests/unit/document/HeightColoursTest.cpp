@@ -1,4 +1,4 @@
-#include "HeightColours.h"
+#include "document/HeightColours.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "HeightRamp.h"
+#include "document/HeightRamp.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "HeightRange.h"
+#include "document/HeightRange.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "PackedDecimal.h"
+#include "document/PackedDecimal.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "SampleRamp.h"
+#include "document/SampleRamp.h"
 
 #include <gtest/gtest.h>
 

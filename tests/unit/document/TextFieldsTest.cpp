@@ -1,5 +1,5 @@
-#include "CsvLine.h"
-#include "NumberText.h"
+#include "document/CsvLine.h"
+#include "document/NumberText.h"
 
 #include "CommaLocale.h"
 

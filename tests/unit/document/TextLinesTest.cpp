@@ -1,4 +1,4 @@
-#include "TextLines.h"
+#include "document/TextLines.h"
 
 #include "TemporaryFolder.h"
 

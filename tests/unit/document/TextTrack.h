@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TrackInfo.h"
+#include "document/TrackInfo.h"
 
 #include <string>
 

@@ -1,6 +1,6 @@
 // What a backup and a restore take of the program's memory beside what it had before.
 
-#include "OstraSdkClient.h"
+#include "link/OstraSdkClient.h"
 
 #include "ScriptedServer.h"
 #include "TemporaryFolder.h"

@@ -1,4 +1,4 @@
-#include "BlockingController.h"
+#include "link/BlockingController.h"
 
 #include "FakeOstraSdkClient.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OstraSdkClient.h"
+#include "link/OstraSdkClient.h"
 
 #include <exception>
 #include <string>

@@ -1,4 +1,4 @@
-#include "OstraSdkClient.h"
+#include "link/OstraSdkClient.h"
 
 #include "DiscoveryResponder.h"
 #include "FileSizeLimit.h"

@@ -1,12 +1,12 @@
-#include "FileUtils.h"
+#include "link/FileUtils.h"
 
-#include "Exception.h"
 #include "FailingAllocator.h"
 #include "FileSizeLimit.h"
 #include "FolderTree.h"
 #include "OrdinaryUser.h"
 #include "TemporaryFolder.h"
-#include "bStatus.h"
+#include "basalt/Exception.h"
+#include "basalt/bStatus.h"
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,5 @@
-#include "FileUtils.h"
+#include "link/FileUtils.h"
 
-#include "Exception.h"
 #include "FailingAllocator.h"
 #include "FileSizeLimit.h"
 #include "FolderTree.h"
@@ -8,9 +7,10 @@
 #include "OrdinaryUser.h"
 #include "TarBlocks.h"
 #include "TemporaryFolder.h"
-#include "UnpackFolder.h"
-#include "bStatus.h"
-#include "bTar.h"
+#include "basalt/Exception.h"
+#include "basalt/bStatus.h"
+#include "cinder/UnpackFolder.h"
+#include "cinder/bTar.h"
 
 #include <gmock/gmock.h>
 

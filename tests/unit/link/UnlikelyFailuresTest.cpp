@@ -1,14 +1,14 @@
 // Failures that the platform's own calls do not have today: the linker puts the functions of this file in
 // their place, for this program alone (see --wrap in CMakeLists.txt).
 
-#include "OstraSdkClient.h"
+#include "link/OstraSdkClient.h"
 
 #include "DiscoveryResponder.h"
 #include "ScriptedServer.h"
 #include "TemporaryFolder.h"
 #include "ThrownBy.h"
-#include "VeDiscoveryClient.h"
-#include "VeSystem.h"
+#include "ostrasdk/VeDiscoveryClient.h"
+#include "ostrasdk/VeSystem.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "FakeClock.h"
 
-#include "NowTime.h"
+#include "log/NowTime.h"
 
 #include <cstring>
 

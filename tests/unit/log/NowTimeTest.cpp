@@ -1,4 +1,4 @@
-#include "NowTime.h"
+#include "log/NowTime.h"
 #include "FakeClock.h"
 
 #include <gmock/gmock.h>

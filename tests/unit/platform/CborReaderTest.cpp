@@ -1,10 +1,10 @@
-#include "CborReader.h"
+#include "ostrasdk/CborReader.h"
 
-#include "Exception.h"
-#include "JsonText.h"
 #include "ScriptedServer.h"
 #include "ThrownBy.h"
-#include "bStatus.h"
+#include "basalt/Exception.h"
+#include "basalt/bStatus.h"
+#include "ostrasdk/JsonText.h"
 
 #include <gtest/gtest.h>
 

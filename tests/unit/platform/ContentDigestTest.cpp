@@ -1,6 +1,6 @@
-#include "ContentDigest.h"
-#include "Crc32c.h"
+#include "basalt/ContentDigest.h"
 #include "SlowCrc32c.h"
+#include "basalt/Crc32c.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "Exception.h"
+#include "basalt/Exception.h"
 
 #include <gtest/gtest.h>
 

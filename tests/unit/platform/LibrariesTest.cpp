@@ -1,7 +1,7 @@
 // The starts of the two libraries that the program asks for first.
 
-#include "VeApiLib.h"
-#include "bCdLib.h"
+#include "cinder/VeApiLib.h"
+#include "cinder/bCdLib.h"
 
 #include <gtest/gtest.h>
 

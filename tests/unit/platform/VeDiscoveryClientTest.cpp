@@ -1,8 +1,8 @@
-#include "VeDiscoveryClient.h"
+#include "ostrasdk/VeDiscoveryClient.h"
 
-#include "DiscoveryKeys.h"
 #include "DiscoveryResponder.h"
-#include "DiscoveryTargets.h"
+#include "ostrasdk/DiscoveryKeys.h"
+#include "ostrasdk/DiscoveryTargets.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

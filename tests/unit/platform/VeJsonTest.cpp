@@ -1,9 +1,9 @@
-#include "VeJson.h"
+#include "ostrasdk/VeJson.h"
 
-#include "Exception.h"
-#include "JsonText.h"
 #include "ThrownBy.h"
-#include "bStatus.h"
+#include "basalt/Exception.h"
+#include "basalt/bStatus.h"
+#include "ostrasdk/JsonText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
-#include "OstraSdk.h"
+#include "ostrasdk/OstraSdk.h"
 
-#include "Exception.h"
 #include "ScriptedServer.h"
 #include "ThrownBy.h"
-#include "bStatus.h"
+#include "basalt/Exception.h"
+#include "basalt/bStatus.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
-#include "VeRestClient.h"
+#include "ostrasdk/VeRestClient.h"
 
-#include "ContentDigest.h"
-#include "Crc32c.h"
-#include "Exception.h"
 #include "LoopbackSocket.h"
 #include "ScriptedServer.h"
 #include "ThrownBy.h"
-#include "bStatus.h"
+#include "basalt/ContentDigest.h"
+#include "basalt/Crc32c.h"
+#include "basalt/Exception.h"
+#include "basalt/bStatus.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

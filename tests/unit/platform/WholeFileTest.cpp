@@ -1,4 +1,4 @@
-#include "WholeFile.h"
+#include "basalt/WholeFile.h"
 
 #include "OrdinaryUser.h"
 #include "TemporaryFolder.h"

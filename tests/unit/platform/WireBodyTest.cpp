@@ -1,4 +1,4 @@
-#include "WireBody.h"
+#include "ostrasdk/WireBody.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "bDirectory.h"
+#include "basalt/bDirectory.h"
 
 #include "FailingAllocator.h"
 #include "OrdinaryUser.h"

@@ -1,4 +1,4 @@
-#include "bFile.h"
+#include "basalt/bFile.h"
 
 #include "FailingAllocator.h"
 #include "FileSizeLimit.h"

@@ -1,4 +1,4 @@
-#include "bIpAddress.h"
+#include "basalt/bIpAddress.h"
 
 #include <gtest/gtest.h>
 

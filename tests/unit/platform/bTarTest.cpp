@@ -1,4 +1,4 @@
-#include "bTar.h"
+#include "cinder/bTar.h"
 
 #include "FailingAllocator.h"
 #include "FolderTree.h"

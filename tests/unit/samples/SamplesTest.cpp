@@ -1,9 +1,9 @@
-#include "Decimal.h"
 #include "IndependentTrack.h"
-#include "SampleOptionsReader.h"
-#include "SampleWorkspace.h"
 #include "TemporaryFolder.h"
-#include "TrackFileWriter.h"
+#include "samples/Decimal.h"
+#include "samples/SampleOptionsReader.h"
+#include "samples/SampleWorkspace.h"
+#include "samples/TrackFileWriter.h"
 
 #include <gmock/gmock.h>
 
