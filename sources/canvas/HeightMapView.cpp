@@ -1,7 +1,7 @@
 #include "canvas/HeightMapView.h"
 
-#include "canvas/QuickScaler.h"
-#include "canvas/SmoothScaler.h"
+#include "raster/QuickScaler.h"
+#include "raster/SmoothScaler.h"
 
 #include <algorithm>
 #include <cmath>

@@ -3,7 +3,7 @@
 #include "canvas/CanvasScale.h"
 #include "canvas/EditingState.h"
 #include "canvas/PathExtents.h"
-#include "canvas/PixelBoard.h"
+#include "raster/PixelBoard.h"
 
 #include <QFont>
 #include <QImage>

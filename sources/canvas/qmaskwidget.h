@@ -1,10 +1,10 @@
 #pragma once
 
 #include "canvas/HeightMapView.h"
-#include "canvas/LineShapes.h"
 #include "canvas/PathEditor.h"
 #include "canvas/PathExtents.h"
 #include "canvas/RulerMarksKeeper.h"
+#include "raster/LineShapes.h"
 
 #include <QBasicTimer>
 #include <QLabel>

@@ -1,4 +1,4 @@
-#include "canvas/PixelBoard.h"
+#include "raster/PixelBoard.h"
 
 #include <gtest/gtest.h>
 

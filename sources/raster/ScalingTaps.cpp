@@ -1,4 +1,4 @@
-#include "canvas/ScalingTaps.h"
+#include "raster/ScalingTaps.h"
 
 #include <algorithm>
 

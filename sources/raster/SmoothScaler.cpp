@@ -1,6 +1,6 @@
-#include "canvas/SmoothScaler.h"
+#include "raster/SmoothScaler.h"
 
-#include "canvas/ScalingTaps.h"
+#include "raster/ScalingTaps.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "canvas/SlantedLine.h"
+#include "raster/SlantedLine.h"
 
 #include <algorithm>
 #include <cmath>

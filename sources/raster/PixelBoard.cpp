@@ -1,7 +1,7 @@
-#include "canvas/PixelBoard.h"
+#include "raster/PixelBoard.h"
 
-#include "canvas/PixelEdges.h"
-#include "canvas/SlantedLine.h"
+#include "raster/PixelEdges.h"
+#include "raster/SlantedLine.h"
 
 namespace {
 

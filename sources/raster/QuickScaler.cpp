@@ -1,4 +1,4 @@
-#include "canvas/QuickScaler.h"
+#include "raster/QuickScaler.h"
 
 #include <cstdint>
 #include <vector>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "canvas/LineShapes.h"
+#include "raster/LineShapes.h"
 
 #include <QImage>
 #include <QPoint>

@@ -1,4 +1,4 @@
-#include "canvas/SmoothScaler.h"
+#include "raster/SmoothScaler.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "canvas/LineShapes.h"
+#include "raster/LineShapes.h"
 
-#include "canvas/PixelEdges.h"
-#include "canvas/SlantedLine.h"
+#include "raster/PixelEdges.h"
+#include "raster/SlantedLine.h"
 
 #include <algorithm>
 
