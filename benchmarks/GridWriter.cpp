@@ -1,6 +1,6 @@
 #include "GridWriter.h"
 
-#include "document/Converter.h"
+#include "document/formats/Converter.h"
 
 #include <cmath>
 #include <fstream>

@@ -1,7 +1,7 @@
 #include "TextContestants.h"
 
 #include "PlainTextLoad.h"
-#include "document/Converter.h"
+#include "document/formats/Converter.h"
 
 #include <QGuiApplication>
 #include <QImage>

@@ -1,7 +1,7 @@
 #include "Check.h"
 #include "FuzzFolder.h"
 #include "TrackChecks.h"
-#include "document/ConvertBIN.h"
+#include "document/formats/ConvertBIN.h"
 
 #include <QImage>
 

@@ -1,7 +1,7 @@
 #include "Check.h"
 #include "PathUpdate.h"
 #include "TrackChecks.h"
-#include "document/ConvertBIN.h"
+#include "document/formats/ConvertBIN.h"
 
 #include <cstring>
 #include <stdexcept>

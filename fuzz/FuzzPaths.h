@@ -1,7 +1,7 @@
 #pragma once
 
-#include "document/TrackPath.h"
-#include "document/WorldTransform.h"
+#include "document/formats/TrackPath.h"
+#include "document/formats/WorldTransform.h"
 
 #include <vector>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "document/Converter.h"
+#include "document/formats/Converter.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "Check.h"
 #include "FuzzFolder.h"
 #include "TrackChecks.h"
-#include "document/ConvertCSV.h"
+#include "document/formats/ConvertCSV.h"
 
 #include <QImage>
 

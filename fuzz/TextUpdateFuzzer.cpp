@@ -1,7 +1,7 @@
 #include "Check.h"
 #include "PathUpdate.h"
 #include "TrackChecks.h"
-#include "document/ConvertCSV.h"
+#include "document/formats/ConvertCSV.h"
 
 #include <cmath>
 #include <cstdlib>

@@ -2,7 +2,7 @@
 
 #include "Check.h"
 #include "FuzzFolder.h"
-#include "document/Converter.h"
+#include "document/formats/Converter.h"
 
 #include <QImage>
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "IndependentTrack.h"
-#include "document/HeightMap.h"
-#include "document/TrackInfo.h"
-#include "document/TrackPath.h"
+#include "document/formats/HeightMap.h"
+#include "document/formats/TrackInfo.h"
+#include "document/formats/TrackPath.h"
 
 #include <cstddef>
 #include <string>

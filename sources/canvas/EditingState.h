@@ -1,6 +1,6 @@
 #pragma once
 
-#include "document/TrackPath.h"
+#include "document/formats/TrackPath.h"
 
 #include <QPointF>
 

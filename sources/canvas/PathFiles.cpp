@@ -1,7 +1,7 @@
 #include "canvas/PathFiles.h"
 
-#include "document/ConvertCSV.h"
-#include "document/TargetFile.h"
+#include "document/formats/ConvertCSV.h"
+#include "document/formats/TargetFile.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "document/RulerMarks.h"
-#include "document/TrackPath.h"
+#include "document/formats/RulerMarks.h"
+#include "document/formats/TrackPath.h"
 
 #include <QSize>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "canvas/RulerMarksBuilder.h"
-#include "document/TrackPath.h"
+#include "document/formats/TrackPath.h"
 
 #include <QSize>
 

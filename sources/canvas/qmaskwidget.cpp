@@ -5,7 +5,7 @@
 #include "canvas/PathFiles.h"
 #include "canvas/PathPainter.h"
 #include "canvas/RulerOwner.h"
-#include "document/Converter.h"
+#include "document/formats/Converter.h"
 
 #include <QMouseEvent>
 #include <QPaintEvent>

@@ -3,7 +3,7 @@
 #include "basalt/Exception.h"
 #include "canvas/RulerOwner.h"
 #include "canvas/SegmentParameter.h"
-#include "document/TrackInfo.h"
+#include "document/formats/TrackInfo.h"
 #include "link/OstraSdkClient.h"
 
 #include <QImage>

@@ -3,7 +3,7 @@
 #include "basalt/Exception.h"
 #include "basalt/bFile.h"
 #include "basalt/bStatus.h"
-#include "document/Converter.h"
+#include "document/formats/Converter.h"
 #include "ui_mainwindow.h"
 #include "window/FileReplacement.h"
 #include "window/TrackFolder.h"

@@ -5,8 +5,8 @@
 #include "TemporaryFolder.h"
 #include "basalt/Exception.h"
 #include "canvas/qmaskwidget.h"
-#include "document/Converter.h"
-#include "document/TrackInfo.h"
+#include "document/formats/Converter.h"
+#include "document/formats/TrackInfo.h"
 #include "window/FileReplacement.h"
 #include "window/WorkingFiles.h"
 

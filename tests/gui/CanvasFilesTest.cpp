@@ -4,7 +4,7 @@
 #include "TemporaryFolder.h"
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
-#include "document/Converter.h"
+#include "document/formats/Converter.h"
 
 #include <gmock/gmock.h>
 

@@ -2,7 +2,7 @@
 
 #include "LogCapture.h"
 #include "TemporaryFolder.h"
-#include "document/Converter.h"
+#include "document/formats/Converter.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Hand.h"
-#include "document/TrackPath.h"
+#include "document/formats/TrackPath.h"
 
 #include <QPoint>
 #include <QString>

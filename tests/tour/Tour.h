@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Stage.h"
-#include "document/TrackPath.h"
+#include "document/formats/TrackPath.h"
 
 #include <string>
 #include <vector>

@@ -1,0 +1,136 @@
+#include "document/formats/CsvPathWriter.h"
+
+#include "document/formats/CsvLine.h"
+#include "document/formats/TargetFile.h"
+#include "document/formats/TextLines.h"
+
+#include <array>
+#include <charconv>
+#include <cstdint>
+
+namespace {
+
+/// One line of numbers joined by commas: integers in full, others in the general format with 6 significant
+/// digits, whatever the process's locale.
+class NumberLine {
+  public:
+    explicit NumberLine(WholeFile& wholeFile) : file(wholeFile) {}
+
+    NumberLine& Add(std::int64_t number) {
+        Begin();
+        return Take(std::to_chars(text.data(), text.data() + text.size(), number));
+    }
+
+    NumberLine& Add(double number) {
+        constexpr int kSignificantDigits = 6;
+        Begin();
+        return Take(std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::general,
+                                  kSignificantDigits));
+    }
+
+    NumberLine& Add(const QPointF& point) { return Add(double{point.x()}).Add(double{point.y()}); }
+
+    void End() {
+        file.Write("\n");
+        first = true;
+    }
+
+  private:
+    void Begin() {
+        if (!first)
+            file.Write(",");
+        first = false;
+    }
+
+    NumberLine& Take(std::to_chars_result result) {
+        file.Write(text.data(), static_cast<std::size_t>(result.ptr - text.data()));
+        return *this;
+    }
+
+    WholeFile& file;
+    std::array<char, 32> text{};
+    bool first = true;
+};
+
+std::int64_t Index(std::size_t index) {
+    return static_cast<std::int64_t>(index);
+}
+
+/// Copies the lines before the first that heads a ruler section. @return whether an anchor section is among
+/// them
+bool CopyUpToRulers(TextLines& lines, WholeFile& file) {
+    bool hasAnchor = false;
+    CsvLine fields;
+    for (std::string_view line; lines.Next(line);) {
+        fields.Split(line);
+        if (fields.StartsWith("Ruler"))
+            break;
+        hasAnchor = hasAnchor || fields.StartsWith("Anchor");
+        file.Write(line);
+        file.Write("\n");
+    }
+    return hasAnchor;
+}
+
+class PathSections {
+  public:
+    PathSections(WholeFile& wholeFile, const WorldTransform& worldTransform)
+        : file(wholeFile), line(wholeFile), transform(worldTransform) {}
+
+    void Write(const std::vector<TrackPath>& paths) {
+        file.Write("Ruler\nRuler,Track,Segment,X1,Y1,X2,Y2,Method,Width\n");
+        for (std::size_t i = 0; i < paths.size(); ++i)
+            WriteRulers(paths[i], i);
+        file.Write("End\n\n");
+        file.Write("Segment\nTrack,Segment,X,Y,RelativeX,RelativeY,Method,Length,Width,Space\n");
+        for (std::size_t i = 0; i < paths.size(); ++i)
+            WritePoints(paths[i], i);
+        file.Write("End\n");
+    }
+
+  private:
+    void WriteRulers(const TrackPath& path, std::size_t pathIndex) {
+        for (std::size_t segment = 0; segment < path.rulerMarks.size(); ++segment) {
+            const RulerMarks& marks = path.rulerMarks[segment];
+            for (std::size_t tick = 0; tick < marks.tickStarts.size(); ++tick) {
+                line.Add(rulerNumber++).Add(Index(pathIndex)).Add(Index(segment));
+                line.Add(transform.PointOf(marks.tickStarts[tick]));
+                line.Add(transform.PointOf(marks.tickEnds.at(tick)));
+                line.Add(std::int64_t{path.methods.at(segment)});
+                line.Add(transform.WidthOf(path.widths.at(segment)));
+                line.End();
+            }
+        }
+    }
+
+    void WritePoints(const TrackPath& path, std::size_t pathIndex) {
+        for (std::size_t point = 0; point < path.points.size(); ++point) {
+            line.Add(Index(pathIndex)).Add(Index(point));
+            line.Add(transform.PointOf(path.points[point])).Add(path.points[point]);
+            for (const std::vector<int>* list : {&path.methods, &path.lengths, &path.widths, &path.spaces})
+                line.Add(std::int64_t{list->at(point)});
+            line.End();
+        }
+    }
+
+    WholeFile& file;
+    NumberLine line;
+    const WorldTransform& transform;
+    std::int64_t rulerNumber = 0;
+};
+
+} // namespace
+
+int WriteCsvPaths(const std::string& original, const std::string& target, const std::vector<TrackPath>& paths,
+                  const WorldTransform& transform) {
+    TextLines lines(original);
+    if (!lines.IsOpen())
+        return kOriginalNotReadable;
+    WholeFile file(target);
+    if (!file.IsOpen())
+        return kTargetNotWritable;
+    if (!CopyUpToRulers(lines, file))
+        file.Write("Anchor\nX,Y,Angle\n0,0,0\nEnd\n\n");
+    PathSections(file, transform).Write(paths);
+    return CommitTarget(file, target);
+}

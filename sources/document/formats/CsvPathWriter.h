@@ -1,0 +1,15 @@
+#pragma once
+
+#include "document/formats/TrackPath.h"
+#include "document/formats/WorldTransform.h"
+
+#include <string>
+#include <vector>
+
+/// Copies a text track file up to its first "Ruler" line and writes the given paths behind it, with an anchor
+/// of zeros before them when the copy has none. Lines are copied as they stand, with a single line feed
+/// behind each.
+/// @return kWritten, kOriginalNotReadable or kTargetNotWritable, where the target is as it was
+/// @throws std::exception for a line that cannot be split, and for a path whose parallel lists are too short
+int WriteCsvPaths(const std::string& original, const std::string& target, const std::vector<TrackPath>& paths,
+                  const WorldTransform& transform);

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "document/formats/PackedDecimal.h"
+
+#include <array>
+#include <limits>
+
+/// The lowest and the highest of many heights. Heights that come as digits are compared as digits, among
+/// those with as many digits behind the point, and become doubles only once, when the range is asked for.
+class HeightRange {
+  public:
+    /// Starts with a range that the heights may widen.
+    HeightRange(double lowest, double highest) : lowest(lowest), highest(highest) {}
+
+    void Add(PackedDecimal height) {
+        DigitRange& range = digits[height.fraction];
+        range.lowest = height.digits < range.lowest ? height.digits : range.lowest;
+        range.highest = height.digits > range.highest ? height.digits : range.highest;
+    }
+
+    /// Heights that are infinite or no number change nothing.
+    void Add(double height);
+
+    [[nodiscard]] double Lowest();
+    [[nodiscard]] double Highest();
+
+  private:
+    struct DigitRange {
+        std::int32_t lowest = std::numeric_limits<std::int32_t>::max();
+        std::int32_t highest = std::numeric_limits<std::int32_t>::min();
+    };
+
+    void Widen(double height);
+    void TakeInDigits();
+
+    std::array<DigitRange, PackedDecimal::kFractions> digits;
+    double lowest;
+    double highest;
+};

@@ -1,0 +1,70 @@
+#include "document/formats/NumberText.h"
+
+#include <charconv>
+#include <clocale>
+#include <cstdlib>
+#include <string>
+#include <system_error>
+
+namespace {
+
+#ifdef _WIN32
+_locale_t PlainLocale() {
+    static const _locale_t locale = _create_locale(LC_ALL, "C");
+    return locale;
+}
+double LibraryDouble(const char* text) {
+    return _strtod_l(text, nullptr, PlainLocale());
+}
+long LibraryLong(const char* text) {
+    return _strtol_l(text, nullptr, 10, PlainLocale());
+}
+#else
+locale_t PlainLocale() {
+    static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
+    return locale;
+}
+double LibraryDouble(const char* text) {
+    return strtod_l(text, nullptr, PlainLocale());
+}
+long LibraryLong(const char* text) {
+    return strtol_l(text, nullptr, 10, PlainLocale());
+}
+#endif
+
+bool IsDigit(char character) {
+    return character >= '0' && character <= '9';
+}
+
+/// Whether the text starts as a number of the form that std::from_chars and the C library read alike: it may
+/// start with a minus, but with no blank, plus, word ("inf", "nan") or hexadecimal prefix.
+bool StartsDecimal(std::string_view text) {
+    if (!text.empty() && text.front() == '-')
+        text.remove_prefix(1);
+    if (text.empty() || (!IsDigit(text[0]) && text[0] != '.'))
+        return false;
+    return text.size() < 2 || (text[1] != 'x' && text[1] != 'X');
+}
+
+} // namespace
+
+double ToDouble(std::string_view text) {
+    const char* const end = text.data() + text.size();
+    const ShortDecimal decimal = ReadShortDecimal(text.data(), end);
+    if (decimal.exact && decimal.end == end)
+        return decimal.value;
+    if (StartsDecimal(text)) {
+        double value = 0.0;
+        if (std::from_chars(text.data(), end, value).ec == std::errc{})
+            return value;
+    }
+    return LibraryDouble(std::string(text).c_str());
+}
+
+std::int32_t ToInt32(std::string_view text) {
+    std::int32_t value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error == std::errc{})
+        return value;
+    return static_cast<std::int32_t>(LibraryLong(std::string(text).c_str()));
+}

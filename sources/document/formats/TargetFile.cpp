@@ -1,0 +1,10 @@
+#include "document/formats/TargetFile.h"
+
+#include "log/Log.h"
+
+int CommitTarget(WholeFile& file, const std::string& path) {
+    if (file.Commit())
+        return kWritten;
+    LOG_LINE(ERROR) << "Could not write file (" << path << ")";
+    return kTargetNotWritable;
+}

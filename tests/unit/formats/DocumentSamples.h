@@ -1,0 +1,44 @@
+#pragma once
+
+#include "IndependentTrack.h"
+#include "document/formats/Converter.h"
+#include "document/formats/TrackInfo.h"
+#include "document/formats/TrackPath.h"
+#include "document/formats/WorldTransform.h"
+
+#include <string>
+#include <vector>
+
+/// A small track of 5 x 3 cells, two of them without measurement, with its text side filled in as well; no
+/// paths.
+independent::Track SampleTrack();
+
+/// Two paths of three and one points, the first with ruler marks on both its segments. All numbers are exact
+/// with 6 significant digits.
+std::vector<TrackPath> SamplePaths();
+
+/// Factors that are all different, so that none can stand in for another.
+WorldTransform SampleTransform();
+
+/// The information that a converter is given for a track.
+TrackInfo InfoOf(const independent::Track& track);
+
+/// Puts the records of paths into a track, by the rule: one ruler a tick, one segment record a point.
+void SetRecords(independent::Track& track, const std::vector<TrackPath>& paths,
+                const WorldTransform& transform);
+
+/// The sample track with the sample paths' records.
+independent::Track TrackWithPaths();
+
+/// Has a converter update a file's paths with the sample transform. @return its result
+int UpdateWith(Converter& converter, const std::string& original, const std::string& target,
+               const std::vector<TrackPath>& paths);
+
+/// The paths without what a file does not keep.
+std::vector<TrackPath> WithoutMarks(std::vector<TrackPath> paths);
+
+/// Whether points and parameters are equal and both are without ruler marks.
+void ExpectSamePaths(const std::vector<TrackPath>& actual, const std::vector<TrackPath>& expected);
+
+/// The names in the working folder, sorted.
+std::vector<std::string> NamesHere();
