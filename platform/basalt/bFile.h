@@ -1,6 +1,6 @@
 #pragma once
 
-#include "basalt/WholeFile.h"
+#include "basalt/AtomicFile.h"
 #include "basalt/bObject.h"
 #include "basalt/bStatus.h"
 
@@ -67,7 +67,7 @@ class bFile final : public bObject {
     int descriptor = -1;
     Source source; ///< instead of the descriptor
     std::int64_t sourceSize = 0;
-    std::optional<WholeFile> output;
+    std::optional<AtomicFile> output;
     std::pmr::vector<char> buffer;
     std::size_t bufferSize = 0;
 };

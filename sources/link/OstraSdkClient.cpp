@@ -1,8 +1,8 @@
 #include "link/OstraSdkClient.h"
 
+#include "basalt/AtomicFile.h"
 #include "basalt/Exception.h"
 #include "basalt/LargeRoom.h"
-#include "basalt/WholeFile.h"
 #include "basalt/bFile.h"
 #include "basalt/bStatus.h"
 #include "ostrasdk/OstraSdk.h"
@@ -148,7 +148,7 @@ void OstraSdkClient::Backup(const std::string& backupFileName) {
                             "Failed to call the Backup request.");
     }
     const std::vector<std::uint8_t>& archive = payload.At("data").GetBinary();
-    WholeFile file(backupFileName);
+    AtomicFile file(backupFileName);
     file.Write(archive.data(), archive.size());
     if (!file.Commit())
         throw Ve::Exception(__LINE__, __FILE__, bERROR_FILE, kFunction, "Failed to open the file - %s",

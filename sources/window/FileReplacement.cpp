@@ -1,6 +1,6 @@
 #include "window/FileReplacement.h"
 
-#include "basalt/WholeFile.h"
+#include "basalt/AtomicFile.h"
 
 #include <array>
 #include <filesystem>
@@ -28,7 +28,7 @@ bool BelongAlike(const char* from, const char* place) {
 bool CopyWhole(const std::string& from, const std::string& target) {
     constexpr std::size_t kPiece = 65536;
     std::ifstream source(from, std::ios::binary);
-    WholeFile copy(target);
+    AtomicFile copy(target);
     if (!source.is_open() || !copy.IsOpen())
         return false;
     std::array<char, kPiece> piece{};

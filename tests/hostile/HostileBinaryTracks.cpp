@@ -43,14 +43,14 @@ Track Whole() {
     return track;
 }
 
-std::string WholeFile() {
+std::string AtomicFile() {
     return independent::BinaryFile(Whole());
 }
 
 /// The whole file with the bytes of a number at one place.
 template<typename Number>
 std::string With(std::size_t place, Number number) {
-    std::string file = WholeFile();
+    std::string file = AtomicFile();
     std::memcpy(file.data() + place, &number, sizeof number);
     return file;
 }
@@ -86,7 +86,7 @@ HostileTrack NoPaths(const std::string& name, const std::string& content) {
 }
 
 void AddCutHeaders(std::vector<HostileTrack>& tracks) {
-    const std::string whole = WholeFile();
+    const std::string whole = AtomicFile();
     for (std::size_t size = 0; size < kHeaderSize; size += 4) {
         HostileTrack track = NoInfo("header-cut-at-byte-" + std::to_string(size), whole.substr(0, size),
                                     kInfoFailed, kPathFailed);
@@ -102,7 +102,7 @@ void AddCutHeaders(std::vector<HostileTrack>& tracks) {
 }
 
 void AddCutBlocks(std::vector<HostileTrack>& tracks) {
-    const std::string whole = WholeFile();
+    const std::string whole = AtomicFile();
     const auto cut = [&](std::size_t size) { return whole.substr(0, size); };
     tracks.push_back(NoInfo("no-map", cut(kHeaderSize), kInfoFailed, kPathFailed));
     tracks.push_back(NoInfo("map-cut-in-the-first-row", cut(kHeaderSize + 3), kInfoFailed, kPathFailed));
@@ -127,7 +127,7 @@ void AddCutBlocks(std::vector<HostileTrack>& tracks) {
 }
 
 void AddMagics(std::vector<HostileTrack>& tracks) {
-    const auto magic = [](const std::string& bytes) { return bytes + WholeFile().substr(bytes.size()); };
+    const auto magic = [](const std::string& bytes) { return bytes + AtomicFile().substr(bytes.size()); };
     tracks.push_back(Loads("magic-in-the-middle", magic("xxTracxx")));
     tracks.push_back(Loads("magic-without-its-zero", magic("Track   ")));
     // The word stands in the first line, but not in the first eight bytes.
@@ -164,7 +164,7 @@ void AddSizes(std::vector<HostileTrack>& tracks) {
           Size{"a-column-too-many", 200, 2}, Size{"gigabytes", 40000, 40000}})
         tracks.push_back(NoInfo(size.name, WithSize(size.width, size.height), kInfoFailed, kPathFailed));
     // Without cells there is no picture, and the cells of the file are where a block should stand.
-    const std::string noCells = WholeFile().erase(kHeaderSize, kCells);
+    const std::string noCells = AtomicFile().erase(kHeaderSize, kCells);
     const auto empty = [&](std::int32_t width, std::int32_t height) {
         std::string file = noCells;
         std::memcpy(file.data() + kWidth, &width, sizeof width);
@@ -222,7 +222,7 @@ void AddRecords(std::vector<HostileTrack>& tracks) {
     tracks.push_back(Loads("anchor-twice", head + independent::BinaryAnchor(Whole()) + rulers + segments));
     tracks.push_back(Loads("unknown-tag", head + Number('Z') + segments));
     tracks.push_back(Loads("tags-of-the-other-byte-order", head + Number(0x52000000) + segments));
-    tracks.push_back(Loads("a-megabyte-behind-the-blocks", WholeFile() + std::string(1 << 20, 'x')));
+    tracks.push_back(Loads("a-megabyte-behind-the-blocks", AtomicFile() + std::string(1 << 20, 'x')));
     Track track = Whole();
     for (const std::int32_t first : {1, -1, 2147483647}) {
         track.segments[0].path = first;

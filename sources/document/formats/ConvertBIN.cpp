@@ -269,7 +269,7 @@ void WriteAnchor(TrackByteWriter& out, double x, double y, double angle) {
 
 int WriteTrackTo(const std::string& path, const TrackInfo& info, const HeightMap& heights,
                  const std::vector<TrackPath>& paths, const WorldTransform& transform) {
-    WholeFile file(path);
+    AtomicFile file(path);
     if (!file.IsOpen())
         return kTargetNotWritable;
     const auto mapSize = static_cast<std::size_t>(MapSize(info));
@@ -301,7 +301,7 @@ int UpdatePathTo(const std::string& original, const std::string& target, const s
         LogNotFound(original);
         return kOriginalNotReadable;
     }
-    WholeFile file(target);
+    AtomicFile file(target);
     if (!file.IsOpen())
         return kTargetNotWritable;
     Magic magic{};

@@ -14,7 +14,7 @@ namespace {
 /// digits, whatever the process's locale.
 class NumberLine {
   public:
-    explicit NumberLine(WholeFile& wholeFile) : file(wholeFile) {}
+    explicit NumberLine(AtomicFile& wholeFile) : file(wholeFile) {}
 
     NumberLine& Add(std::int64_t number) {
         Begin();
@@ -47,7 +47,7 @@ class NumberLine {
         return *this;
     }
 
-    WholeFile& file;
+    AtomicFile& file;
     std::array<char, 32> text{};
     bool first = true;
 };
@@ -58,7 +58,7 @@ std::int64_t Index(std::size_t index) {
 
 /// Copies the lines before the first that heads a ruler section. @return whether an anchor section is among
 /// them
-bool CopyUpToRulers(TextLines& lines, WholeFile& file) {
+bool CopyUpToRulers(TextLines& lines, AtomicFile& file) {
     bool hasAnchor = false;
     CsvLine fields;
     for (std::string_view line; lines.Next(line);) {
@@ -74,7 +74,7 @@ bool CopyUpToRulers(TextLines& lines, WholeFile& file) {
 
 class PathSections {
   public:
-    PathSections(WholeFile& wholeFile, const WorldTransform& worldTransform)
+    PathSections(AtomicFile& wholeFile, const WorldTransform& worldTransform)
         : file(wholeFile), line(wholeFile), transform(worldTransform) {}
 
     void Write(const std::vector<TrackPath>& paths) {
@@ -113,7 +113,7 @@ class PathSections {
         }
     }
 
-    WholeFile& file;
+    AtomicFile& file;
     NumberLine line;
     const WorldTransform& transform;
     std::int64_t rulerNumber = 0;
@@ -126,7 +126,7 @@ int WriteCsvPaths(const std::string& original, const std::string& target, const 
     TextLines lines(original);
     if (!lines.IsOpen())
         return kOriginalNotReadable;
-    WholeFile file(target);
+    AtomicFile file(target);
     if (!file.IsOpen())
         return kTargetNotWritable;
     if (!CopyUpToRulers(lines, file))

@@ -2,7 +2,7 @@
 
 #include "log/Log.h"
 
-int CommitTarget(WholeFile& file, const std::string& path) {
+int CommitTarget(AtomicFile& file, const std::string& path) {
     if (file.Commit())
         return kWritten;
     LOG_LINE(ERROR) << "Could not write file (" << path << ")";

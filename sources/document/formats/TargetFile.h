@@ -1,6 +1,6 @@
 #pragma once
 
-#include "basalt/WholeFile.h"
+#include "basalt/AtomicFile.h"
 
 #include <string>
 
@@ -10,4 +10,4 @@ constexpr int kOriginalNotReadable = 1;
 constexpr int kTargetNotWritable = 2;
 
 /// Puts a finished target in place. @return kWritten, or kTargetNotWritable after an ERROR line.
-[[nodiscard]] int CommitTarget(WholeFile& file, const std::string& path);
+[[nodiscard]] int CommitTarget(AtomicFile& file, const std::string& path);

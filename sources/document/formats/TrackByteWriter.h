@@ -1,6 +1,6 @@
 #pragma once
 
-#include "basalt/WholeFile.h"
+#include "basalt/AtomicFile.h"
 
 #include <bit>
 #include <cstddef>
@@ -13,7 +13,7 @@ static_assert(std::endian::native == std::endian::little, "binary track files ar
 class TrackByteWriter {
   public:
     /// The file must live as long as the writer.
-    explicit TrackByteWriter(WholeFile& wholeFile) : file(wholeFile) {}
+    explicit TrackByteWriter(AtomicFile& wholeFile) : file(wholeFile) {}
 
     template<typename Number>
     void Write(Number number) {
@@ -25,5 +25,5 @@ class TrackByteWriter {
     void Write(std::string_view bytes) { file.Write(bytes); }
 
   private:
-    WholeFile& file;
+    AtomicFile& file;
 };

@@ -1,4 +1,4 @@
-#include "basalt/WholeFile.h"
+#include "basalt/AtomicFile.h"
 
 #include <cerrno>
 #include <filesystem>
@@ -74,7 +74,7 @@ bool SyncFolderOf(const std::string& path) {
     return close(folder) == 0 && synced;
 }
 
-WholeFile::WholeFile(const std::string& path) : target(LinksFollowed(path)) {
+AtomicFile::AtomicFile(const std::string& path) : target(LinksFollowed(path)) {
     struct stat old {};
     const bool exists = stat(path.c_str(), &old) == 0;
     if (!exists && errno != ENOENT) // a ring of links, say, where a file would end the links
@@ -90,11 +90,11 @@ WholeFile::WholeFile(const std::string& path) : target(LinksFollowed(path)) {
         failed = true;
 }
 
-WholeFile::~WholeFile() {
+AtomicFile::~AtomicFile() {
     Discard();
 }
 
-void WholeFile::Write(const void* data, std::size_t size) {
+void AtomicFile::Write(const void* data, std::size_t size) {
     if (buffer.size() + size > kBufferSize && !FlushBuffer())
         return;
     if (size >= kBufferSize)
@@ -103,7 +103,7 @@ void WholeFile::Write(const void* data, std::size_t size) {
         buffer.append(static_cast<const char*>(data), size);
 }
 
-bool WholeFile::Commit() {
+bool AtomicFile::Commit() {
     if (!IsOpen())
         return false;
     const bool written = FlushBuffer() && fsync(descriptor) == 0;
@@ -116,7 +116,7 @@ bool WholeFile::Commit() {
     return SyncFolderOf(target);
 }
 
-void WholeFile::WriteThrough(const char* data, std::size_t size) {
+void AtomicFile::WriteThrough(const char* data, std::size_t size) {
     while (size > 0 && !failed) {
         const ssize_t written = write(descriptor, data, size);
         if (written < 0 && errno == EINTR)
@@ -130,7 +130,7 @@ void WholeFile::WriteThrough(const char* data, std::size_t size) {
     }
 }
 
-bool WholeFile::FlushBuffer() {
+bool AtomicFile::FlushBuffer() {
     if (!IsOpen())
         failed = true;
     WriteThrough(buffer.data(), failed ? 0 : buffer.size());
@@ -138,7 +138,7 @@ bool WholeFile::FlushBuffer() {
     return !failed;
 }
 
-void WholeFile::Discard() {
+void AtomicFile::Discard() {
     if (!IsOpen())
         return;
     close(descriptor);

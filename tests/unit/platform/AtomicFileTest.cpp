@@ -1,4 +1,4 @@
-#include "basalt/WholeFile.h"
+#include "basalt/AtomicFile.h"
 
 #include "OrdinaryUser.h"
 #include "TemporaryFolder.h"
@@ -68,9 +68,9 @@ std::size_t EntriesHere() {
     return count;
 }
 
-TEST(WholeFile, appearsWithItsContentWhenCommitted) {
+TEST(AtomicFile, appearsWithItsContentWhenCommitted) {
     const TemporaryFolder folder;
-    WholeFile file("new.trk");
+    AtomicFile file("new.trk");
     ASSERT_TRUE(file.IsOpen());
     file.Write("Hello ");
     file.Write("there");
@@ -80,11 +80,11 @@ TEST(WholeFile, appearsWithItsContentWhenCommitted) {
     EXPECT_EQ(EntriesHere(), 1U);
 }
 
-TEST(WholeFile, leavesTheOldFileUntilItIsCommitted) {
+TEST(AtomicFile, leavesTheOldFileUntilItIsCommitted) {
     const TemporaryFolder folder;
     WriteFile("a.trk", "old");
     {
-        WholeFile file("a.trk");
+        AtomicFile file("a.trk");
         file.Write(std::string(1'000'000, 'x'));
         EXPECT_EQ(FileContent("a.trk"), "old");
     }
@@ -92,10 +92,10 @@ TEST(WholeFile, leavesTheOldFileUntilItIsCommitted) {
     EXPECT_EQ(EntriesHere(), 1U);
 }
 
-TEST(WholeFile, keepsTheOrderOfSmallAndLargeWrites) {
+TEST(AtomicFile, keepsTheOrderOfSmallAndLargeWrites) {
     const TemporaryFolder folder;
     std::string expected;
-    WholeFile file("a");
+    AtomicFile file("a");
     for (const std::size_t size : {1U, 65'535U, 65'536U, 3U, 200'000U, 0U, 7U}) {
         const std::string piece(size, static_cast<char>('a' + expected.size() % 26));
         file.Write(piece);
@@ -105,12 +105,12 @@ TEST(WholeFile, keepsTheOrderOfSmallAndLargeWrites) {
     EXPECT_EQ(FileContent("a"), expected);
 }
 
-TEST(WholeFile, isWholeWhenTheSystemTakesItInPieces) {
+TEST(AtomicFile, isWholeWhenTheSystemTakesItInPieces) {
     const TemporaryFolder folder;
     std::string content;
     for (int i = 0; i < 30'000; ++i)
         content += std::to_string(i);
-    WholeFile file("a");
+    AtomicFile file("a");
     mostBytesWritten = 777;
     file.Write(content);
     file.Write("the end");
@@ -120,11 +120,11 @@ TEST(WholeFile, isWholeWhenTheSystemTakesItInPieces) {
     EXPECT_TRUE(FileContent("a") == content + "the end");
 }
 
-TEST(WholeFile, keepsThePermissionsOfTheFileItReplaces) {
+TEST(AtomicFile, keepsThePermissionsOfTheFileItReplaces) {
     const TemporaryFolder folder;
     WriteFile("a.trk", "old");
     ASSERT_EQ(chmod("a.trk", 0640), 0);
-    WholeFile file("a.trk");
+    AtomicFile file("a.trk");
     file.Write("new");
     ASSERT_TRUE(file.Commit());
     struct stat state {};
@@ -132,11 +132,11 @@ TEST(WholeFile, keepsThePermissionsOfTheFileItReplaces) {
     EXPECT_EQ(state.st_mode & 0777U, 0640U);
 }
 
-TEST(WholeFile, writesThroughALinkToTheFileItNames) {
+TEST(AtomicFile, writesThroughALinkToTheFileItNames) {
     const TemporaryFolder folder;
     WriteFile("real.trk", "old");
     std::filesystem::create_symlink("real.trk", "link.trk");
-    WholeFile file("link.trk");
+    AtomicFile file("link.trk");
     file.Write("new");
     ASSERT_TRUE(file.Commit());
     EXPECT_TRUE(std::filesystem::is_symlink("link.trk"));
@@ -150,13 +150,13 @@ struct stat StateOf(const char* path) {
 }
 
 void Replace(const char* path) {
-    WholeFile file(path);
+    AtomicFile file(path);
     file.Write("new");
     ASSERT_TRUE(file.Commit());
     EXPECT_EQ(FileContent(path), "new");
 }
 
-TEST(WholeFile, staysWithTheOwnerAndTheGroupOfTheFileItReplaces) {
+TEST(AtomicFile, staysWithTheOwnerAndTheGroupOfTheFileItReplaces) {
     const TemporaryFolder folder;
     WriteFile("a.trk", "old");
     if (chown("a.trk", 12345, 54321) != 0)
@@ -168,7 +168,7 @@ TEST(WholeFile, staysWithTheOwnerAndTheGroupOfTheFileItReplaces) {
     EXPECT_EQ(StateOf("a.trk").st_mode & 0777U, 0640U);
 }
 
-TEST(WholeFile, staysWithTheGroupWhereOnlyThatMayBeKept) {
+TEST(AtomicFile, staysWithTheGroupWhereOnlyThatMayBeKept) {
     const TemporaryFolder folder;
     WriteFile("a.trk", "old");
     if (chown("a.trk", 12345, 0) != 0)
@@ -184,7 +184,7 @@ TEST(WholeFile, staysWithTheGroupWhereOnlyThatMayBeKept) {
     EXPECT_EQ(StateOf("a.trk").st_mode & 0777U, 0666U);
 }
 
-TEST(WholeFile, givesAnotherGroupNoMoreThanEverybodyHas) {
+TEST(AtomicFile, givesAnotherGroupNoMoreThanEverybodyHas) {
     const TemporaryFolder folder;
     for (const auto& [before, after] : {std::pair{0666U, 0666U}, {0676U, 0666U}, {0646U, 0646U}}) {
         WriteFile("a.trk", "old");
@@ -205,14 +205,14 @@ TEST(WholeFile, givesAnotherGroupNoMoreThanEverybodyHas) {
 bool ReplacedDespite(int fileFailure, int folderFailure) {
     WriteFile("a.trk", "old");
     syncFailures = {folderFailure, fileFailure};
-    WholeFile file("a.trk");
+    AtomicFile file("a.trk");
     file.Write("new");
     const bool done = file.Commit();
     syncFailures.clear();
     return done;
 }
 
-TEST(WholeFile, isNotPutInPlaceBeforeItIsOnTheDisk) {
+TEST(AtomicFile, isNotPutInPlaceBeforeItIsOnTheDisk) {
     const TemporaryFolder folder;
     for (const int failure : {EIO, ENOSPC, EINVAL}) {
         EXPECT_FALSE(ReplacedDespite(failure, 0));
@@ -221,14 +221,14 @@ TEST(WholeFile, isNotPutInPlaceBeforeItIsOnTheDisk) {
     }
 }
 
-TEST(WholeFile, saysWhenItsNameMayNotBeOnTheDisk) {
+TEST(AtomicFile, saysWhenItsNameMayNotBeOnTheDisk) {
     const TemporaryFolder folder;
     EXPECT_FALSE(ReplacedDespite(0, EIO));
     EXPECT_EQ(FileContent("a.trk"), "new");
     EXPECT_EQ(EntriesHere(), 1U);
 }
 
-TEST(WholeFile, isDoneWhereFoldersAreNotSynced) {
+TEST(AtomicFile, isDoneWhereFoldersAreNotSynced) {
     const TemporaryFolder folder;
     for (const int failure : {EINVAL, ENOTSUP}) {
         EXPECT_TRUE(ReplacedDespite(0, failure));
@@ -236,7 +236,7 @@ TEST(WholeFile, isDoneWhereFoldersAreNotSynced) {
     }
 }
 
-TEST(WholeFile, isDoneInAFolderThatMayNotBeListed) {
+TEST(AtomicFile, isDoneInAFolderThatMayNotBeListed) {
     const TemporaryFolder folder;
     const OrdinaryUser user(".");
     ASSERT_TRUE(user.IsReady());
@@ -248,7 +248,7 @@ TEST(WholeFile, isDoneInAFolderThatMayNotBeListed) {
     EXPECT_FALSE(SyncFolderOf("missing/a.trk"));
 }
 
-TEST(WholeFile, needsNoPermissionsSetThatItHasAnyway) {
+TEST(AtomicFile, needsNoPermissionsSetThatItHasAnyway) {
     const TemporaryFolder folder;
     WriteFile("a.trk", "old");
     ASSERT_EQ(chmod("a.trk", 0600), 0);
@@ -266,7 +266,7 @@ TEST(WholeFile, needsNoPermissionsSetThatItHasAnyway) {
     EXPECT_EQ(EntriesHere(), 1U);
 }
 
-TEST(WholeFile, makesTheFileThatALinkLeadsToWithoutItBeingThere) {
+TEST(AtomicFile, makesTheFileThatALinkLeadsToWithoutItBeingThere) {
     const TemporaryFolder folder;
     std::filesystem::create_directory("there");
     std::filesystem::create_symlink("there/second", "first");
@@ -277,7 +277,7 @@ TEST(WholeFile, makesTheFileThatALinkLeadsToWithoutItBeingThere) {
     EXPECT_EQ(FileContent("there/real.trk"), "new");
 }
 
-TEST(WholeFile, isNotOpenedThroughARingOfLinksOrTooManyOfThem) {
+TEST(AtomicFile, isNotOpenedThroughARingOfLinksOrTooManyOfThem) {
     const TemporaryFolder folder;
     std::filesystem::create_symlink("ring2", "ring1");
     std::filesystem::create_symlink("ring1", "ring2");
@@ -285,7 +285,7 @@ TEST(WholeFile, isNotOpenedThroughARingOfLinksOrTooManyOfThem) {
     for (int i = 1; i <= 50; ++i)
         std::filesystem::create_symlink(std::to_string(i - 1), std::to_string(i));
     for (const char* const name : {"ring1", "50"}) {
-        WholeFile file(name);
+        AtomicFile file(name);
         EXPECT_FALSE(file.IsOpen()) << name;
         file.Write("new");
         EXPECT_FALSE(file.Commit());
@@ -296,7 +296,7 @@ TEST(WholeFile, isNotOpenedThroughARingOfLinksOrTooManyOfThem) {
     EXPECT_EQ(EntriesHere(), 53U);
 }
 
-TEST(WholeFile, ofANewNameHasThePermissionsThatTheMaskLeaves) {
+TEST(AtomicFile, ofANewNameHasThePermissionsThatTheMaskLeaves) {
     const TemporaryFolder folder;
     const mode_t before = umask(027);
     Replace("a.trk");
@@ -304,7 +304,7 @@ TEST(WholeFile, ofANewNameHasThePermissionsThatTheMaskLeaves) {
     EXPECT_EQ(StateOf("a.trk").st_mode & 07777U, 0640U);
 }
 
-TEST(WholeFile, takesOverNoPermissionsBeyond0777) {
+TEST(AtomicFile, takesOverNoPermissionsBeyond0777) {
     const TemporaryFolder folder;
     WriteFile("a.trk", "old");
     ASSERT_EQ(chmod("a.trk", 04711), 0);
@@ -312,14 +312,14 @@ TEST(WholeFile, takesOverNoPermissionsBeyond0777) {
     EXPECT_EQ(StateOf("a.trk").st_mode & 07777U, 0711U);
 }
 
-TEST(WholeFile, isNotOpenedWhereNoFileCanStand) {
+TEST(AtomicFile, isNotOpenedWhereNoFileCanStand) {
     const TemporaryFolder folder;
     std::filesystem::create_directory("folder");
-    EXPECT_FALSE(WholeFile("folder").IsOpen());
-    EXPECT_FALSE(WholeFile("missing/a.trk").IsOpen());
+    EXPECT_FALSE(AtomicFile("folder").IsOpen());
+    EXPECT_FALSE(AtomicFile("missing/a.trk").IsOpen());
     ASSERT_EQ(mkfifo("fifo", 0600), 0);
-    EXPECT_FALSE(WholeFile("fifo").IsOpen());
-    WholeFile closed("missing/a.trk");
+    EXPECT_FALSE(AtomicFile("fifo").IsOpen());
+    AtomicFile closed("missing/a.trk");
     closed.Write("x");
     EXPECT_FALSE(closed.Commit());
 }

@@ -11,15 +11,15 @@
 /// failure, whatever stood under the name is untouched. An existing target keeps its permissions, and its
 /// owner and group where this user may give them; a symbolic link is followed, so that the link stays a link.
 /// Not safe for use from two threads at once.
-class WholeFile {
+class AtomicFile {
   public:
     /// Starts writing beside `path`; IsOpen tells whether that was possible. A target that exists and is not
     /// a regular file, or that this user may not write, is not opened.
-    explicit WholeFile(const std::string& path);
-    WholeFile(const WholeFile&) = delete;
-    WholeFile& operator=(const WholeFile&) = delete;
+    explicit AtomicFile(const std::string& path);
+    AtomicFile(const AtomicFile&) = delete;
+    AtomicFile& operator=(const AtomicFile&) = delete;
     /// Removes what was written unless it was committed.
-    ~WholeFile();
+    ~AtomicFile();
 
     [[nodiscard]] bool IsOpen() const { return descriptor >= 0; }
 
