@@ -3,7 +3,7 @@
 #include "basalt/Exception.h"
 #include "basalt/bDirectory.h"
 #include "basalt/bFile.h"
-#include "cinder/NarrowFolder.h"
+#include "cinder/ConfinedFolder.h"
 #include "cinder/PartialFile.h"
 #include "cinder/TarName.h"
 #include "cinder/bTar.h"
@@ -92,7 +92,7 @@ class Unpacker {
     }
 
     bTar* tar;
-    NarrowFolder folder;
+    ConfinedFolder folder;
     std::string prefix;
 };
 

@@ -1,4 +1,4 @@
-#include "cinder/NarrowFolder.h"
+#include "cinder/ConfinedFolder.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -26,15 +26,15 @@ class Descriptor {
 
 } // namespace
 
-NarrowFolder::NarrowFolder(const std::string& path) : root(open(path.c_str(), kFolderFlags)) {
+ConfinedFolder::ConfinedFolder(const std::string& path) : root(open(path.c_str(), kFolderFlags)) {
 }
 
-NarrowFolder::~NarrowFolder() {
+ConfinedFolder::~ConfinedFolder() {
     if (IsOpen())
         close(root);
 }
 
-bool NarrowFolder::MakeFolder(const std::vector<std::string>& parts, unsigned permissions) const {
+bool ConfinedFolder::MakeFolder(const std::vector<std::string>& parts, unsigned permissions) const {
     if (parts.empty())
         return IsOpen();
     const Descriptor parent(OpenParent(parts));
@@ -45,7 +45,7 @@ bool NarrowFolder::MakeFolder(const std::vector<std::string>& parts, unsigned pe
     return Descriptor(openat(parent.Number(), parts.back().c_str(), kFolderFlags)).Number() >= 0;
 }
 
-int NarrowFolder::OpenParent(const std::vector<std::string>& parts) const {
+int ConfinedFolder::OpenParent(const std::vector<std::string>& parts) const {
     int folder = fcntl(root, F_DUPFD_CLOEXEC, 0);
     for (std::size_t i = 0; i + 1 < parts.size() && folder >= 0; ++i) {
         const Descriptor above(folder);

@@ -6,12 +6,12 @@
 
 /// A folder into which files and folders are put by names from outside. Every step goes from the folder that
 /// is open down, one part of the name at a time, and never through a symbolic link.
-class NarrowFolder {
+class ConfinedFolder {
   public:
-    explicit NarrowFolder(const std::string& path);
-    NarrowFolder(const NarrowFolder&) = delete;
-    NarrowFolder& operator=(const NarrowFolder&) = delete;
-    ~NarrowFolder();
+    explicit ConfinedFolder(const std::string& path);
+    ConfinedFolder(const ConfinedFolder&) = delete;
+    ConfinedFolder& operator=(const ConfinedFolder&) = delete;
+    ~ConfinedFolder();
 
     [[nodiscard]] bool IsOpen() const { return root >= 0; }
 
