@@ -1,6 +1,6 @@
 #include "canvas/HeightMapView.h"
 
-#include "raster/QuickScaler.h"
+#include "raster/NearestScaler.h"
 #include "raster/SmoothScaler.h"
 
 #include <algorithm>
@@ -64,7 +64,7 @@ QRect HeightMapView::Render(const QRect& part, QImage& out, const QPoint& place)
     SmoothScaler(source, size).Render(smooth, out, place);
     mayRead -= ReadByRow(smooth) * smooth.height();
     const QRect coarse = part.adjusted(0, smooth.height(), 0, 0);
-    QuickScaler(source, size).Render(coarse, out, place + QPoint(0, smooth.height()));
+    NearestScaler(source, size).Render(coarse, out, place + QPoint(0, smooth.height()));
     return coarse;
 }
 

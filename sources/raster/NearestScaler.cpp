@@ -1,4 +1,4 @@
-#include "raster/QuickScaler.h"
+#include "raster/NearestScaler.h"
 
 #include <cstdint>
 #include <vector>
@@ -12,7 +12,7 @@ int Nearest(int source, int target, int pixel) {
 
 } // namespace
 
-void QuickScaler::Render(const QRect& part, QImage& out, const QPoint& place) const {
+void NearestScaler::Render(const QRect& part, QImage& out, const QPoint& place) const {
     std::vector<int> columns;
     columns.reserve(static_cast<std::size_t>(part.width()));
     for (int column = part.left(); column <= part.right(); ++column)
