@@ -3,7 +3,7 @@
 #include "canvas/HeightMapView.h"
 #include "canvas/PathEditor.h"
 #include "canvas/PathExtents.h"
-#include "canvas/RulerMarksKeeper.h"
+#include "canvas/RulerMarksCache.h"
 #include "raster/LineShapes.h"
 
 #include <QBasicTimer>
@@ -111,7 +111,7 @@ class QMaskWidget : public QLabel {
     RulerOwner* mainWindow;
     PathEditor editor;
     std::string openedTrack; ///< the last file whose paths could be read
-    RulerMarksKeeper marks;
+    RulerMarksCache marks;
     PathExtents extents;
     LineShapes lineShapes;
     HeightMapView view;

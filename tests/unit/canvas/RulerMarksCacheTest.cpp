@@ -1,4 +1,4 @@
-#include "canvas/RulerMarksKeeper.h"
+#include "canvas/RulerMarksCache.h"
 
 #include <gtest/gtest.h>
 
@@ -35,7 +35,7 @@ class RulerMarksOfAll : public ::testing::Test {
     }
 
     std::vector<TrackPath> paths;
-    RulerMarksKeeper keeper;
+    RulerMarksCache keeper;
 };
 
 TEST_F(RulerMarksOfAll, AreTwoMillionTicksAtMost) {

@@ -1,4 +1,4 @@
-#include "canvas/RulerMarksKeeper.h"
+#include "canvas/RulerMarksCache.h"
 
 #include <algorithm>
 
@@ -19,28 +19,28 @@ int TicksLeft(std::size_t used) {
 
 } // namespace
 
-void RulerMarksKeeper::Entry::Changed(std::size_t first, std::size_t last) {
+void RulerMarksCache::Entry::Changed(std::size_t first, std::size_t last) {
     const bool nothing = IsUpToDate();
     firstChanged = nothing ? first : std::min(firstChanged, first);
     lastChanged = nothing ? last : std::max(lastChanged, last);
 }
 
-void RulerMarksKeeper::Entry::NothingChanged() {
+void RulerMarksCache::Entry::NothingChanged() {
     firstChanged = 1;
     lastChanged = 0;
 }
 
-void RulerMarksKeeper::PointChanged(std::size_t path, std::size_t point) {
+void RulerMarksCache::PointChanged(std::size_t path, std::size_t point) {
     if (path < entries.size())
         entries[path].Changed(point > 0 ? point - 1 : 0, point);
 }
 
-void RulerMarksKeeper::SegmentChanged(std::size_t path, std::size_t segment) {
+void RulerMarksCache::SegmentChanged(std::size_t path, std::size_t segment) {
     if (path < entries.size())
         entries[path].Changed(segment, segment);
 }
 
-void RulerMarksKeeper::Update(std::vector<TrackPath>& paths, const QSize& image, const Touched& touched) {
+void RulerMarksCache::Update(std::vector<TrackPath>& paths, const QSize& image, const Touched& touched) {
     if (image != size || limited)
         AllChanged();
     size = image;
@@ -53,7 +53,7 @@ void RulerMarksKeeper::Update(std::vector<TrackPath>& paths, const QSize& image,
     }
 }
 
-void RulerMarksKeeper::UpdatePaths(std::vector<TrackPath>& paths, const Touched& touched) {
+void RulerMarksCache::UpdatePaths(std::vector<TrackPath>& paths, const Touched& touched) {
     limited = false;
     entries.resize(paths.size());
     ticks = 0;
@@ -63,13 +63,13 @@ void RulerMarksKeeper::UpdatePaths(std::vector<TrackPath>& paths, const Touched&
         UpdatePath(paths[index], index, touched);
 }
 
-void RulerMarksKeeper::PathsRemoved(std::size_t count) {
+void RulerMarksCache::PathsRemoved(std::size_t count) {
     if (count < entries.size())
         entries.resize(count);
 }
 
-void RulerMarksKeeper::MatchSegmentCount(TrackPath& path, std::size_t index, Entry& entry,
-                                         const Touched& touched) {
+void RulerMarksCache::MatchSegmentCount(TrackPath& path, std::size_t index, Entry& entry,
+                                        const Touched& touched) {
     const std::size_t segments = path.points.empty() ? 0 : path.points.size() - 1;
     const std::size_t known = std::min({path.rulerMarks.size(), entry.offsets.size() - 1, segments});
     if (path.rulerMarks.size() > segments)
@@ -83,7 +83,7 @@ void RulerMarksKeeper::MatchSegmentCount(TrackPath& path, std::size_t index, Ent
         entry.Changed(known, segments - 1);
 }
 
-void RulerMarksKeeper::UpdatePath(TrackPath& path, std::size_t index, const Touched& touched) {
+void RulerMarksCache::UpdatePath(TrackPath& path, std::size_t index, const Touched& touched) {
     Entry& entry = entries[index];
     MatchSegmentCount(path, index, entry, touched);
     if (entry.IsUpToDate())

@@ -11,7 +11,7 @@
 /// Keeps the ruler marks of all paths up to date by computing only the segments that changed and those that
 /// the running offset of a changed one reaches. It must be told of every change to points and parameters;
 /// the result is that of computing everything.
-class RulerMarksKeeper {
+class RulerMarksCache {
   public:
     /// Called with marks that go away and with marks that come in their place.
     using Touched = std::function<void(std::size_t path, const RulerMarks& marks)>;
