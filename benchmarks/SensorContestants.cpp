@@ -1,6 +1,6 @@
 #include "SensorContestants.h"
 
-#include "basalt/LargeRoom.h"
+#include "basalt/LargePages.h"
 #include "link/OstraSdkClient.h"
 
 #include <array>
@@ -112,7 +112,7 @@ Figures SocketCopy(const Arguments& arguments) {
 Figures TouchMemory(const Arguments& arguments) {
     const std::size_t size = std::stoull(arguments.at(0));
     std::vector<std::uint8_t> memory;
-    ReserveLargeRoom(memory, size);
+    ReserveInLargePages(memory, size);
     memory.resize(size, 1);
     return {{"bytes", static_cast<double>(memory.size())}};
 }

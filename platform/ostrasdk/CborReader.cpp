@@ -1,7 +1,7 @@
 #include "ostrasdk/CborReader.h"
 
 #include "basalt/Exception.h"
-#include "basalt/LargeRoom.h"
+#include "basalt/LargePages.h"
 #include "basalt/bStatus.h"
 #include "ostrasdk/CborFrame.h"
 #include "ostrasdk/JsonText.h"
@@ -123,7 +123,7 @@ void CborReader::MakeRoom(std::size_t size) {
     const std::uint64_t whole = bytes.size() + bytesLeft;
     const std::uint64_t arrived = std::max<std::uint64_t>(bytes.size() + size, kFirstRoom);
     const std::uint64_t room = whole / (2 * kGrowth) <= arrived ? whole : kGrowth * arrived;
-    ReserveLargeRoom(bytes, static_cast<std::size_t>(room));
+    ReserveInLargePages(bytes, static_cast<std::size_t>(room));
 }
 
 } // namespace OstraSdk

@@ -2,7 +2,7 @@
 
 #include "basalt/AtomicFile.h"
 #include "basalt/Exception.h"
-#include "basalt/LargeRoom.h"
+#include "basalt/LargePages.h"
 #include "basalt/bFile.h"
 #include "basalt/bStatus.h"
 #include "ostrasdk/OstraSdk.h"
@@ -67,7 +67,7 @@ bool ReadWhole(std::ifstream& file, std::streamoff size, std::vector<std::uint8_
         return false;
     buffer.clear();
     try {
-        ReserveLargeRoom(buffer, static_cast<std::size_t>(size));
+        ReserveInLargePages(buffer, static_cast<std::size_t>(size));
     } catch (const std::bad_alloc&) {
         return false;
     }

@@ -1,9 +1,9 @@
-#include "basalt/LargeRoom.h"
+#include "basalt/LargePages.h"
 
 #include <sys/mman.h>
 #include <unistd.h>
 
-void ReserveLargeRoom(std::vector<std::uint8_t>& bytes, std::size_t size) {
+void ReserveInLargePages(std::vector<std::uint8_t>& bytes, std::size_t size) {
     constexpr std::size_t kLarge = std::size_t{8} * 1024 * 1024;
     bytes.reserve(size);
     if (bytes.capacity() < kLarge)

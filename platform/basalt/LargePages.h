@@ -8,4 +8,4 @@
 /// small ones, handing out hundreds of megabytes costs the system as much time as copying them. No memory is
 /// used before its bytes are there.
 /// @throws std::bad_alloc, std::length_error
-void ReserveLargeRoom(std::vector<std::uint8_t>& bytes, std::size_t size);
+void ReserveInLargePages(std::vector<std::uint8_t>& bytes, std::size_t size);
