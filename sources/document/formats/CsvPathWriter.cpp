@@ -14,7 +14,7 @@ namespace {
 /// digits, whatever the process's locale.
 class NumberLine {
   public:
-    explicit NumberLine(AtomicFile& wholeFile) : file(wholeFile) {}
+    explicit NumberLine(AtomicFile& atomicFile) : file(atomicFile) {}
 
     NumberLine& Add(std::int64_t number) {
         Begin();
@@ -74,8 +74,8 @@ bool CopyUpToRulers(TextLines& lines, AtomicFile& file) {
 
 class PathSections {
   public:
-    PathSections(AtomicFile& wholeFile, const WorldTransform& worldTransform)
-        : file(wholeFile), line(wholeFile), transform(worldTransform) {}
+    PathSections(AtomicFile& atomicFile, const WorldTransform& worldTransform)
+        : file(atomicFile), line(atomicFile), transform(worldTransform) {}
 
     void Write(const std::vector<TrackPath>& paths) {
         file.Write("Ruler\nRuler,Track,Segment,X1,Y1,X2,Y2,Method,Width\n");

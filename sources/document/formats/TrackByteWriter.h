@@ -13,7 +13,7 @@ static_assert(std::endian::native == std::endian::little, "binary track files ar
 class TrackByteWriter {
   public:
     /// The file must live as long as the writer.
-    explicit TrackByteWriter(AtomicFile& wholeFile) : file(wholeFile) {}
+    explicit TrackByteWriter(AtomicFile& atomicFile) : file(atomicFile) {}
 
     template<typename Number>
     void Write(Number number) {
