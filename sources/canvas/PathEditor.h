@@ -3,7 +3,7 @@
 #include "canvas/CanvasScale.h"
 #include "canvas/EditingState.h"
 #include "canvas/PointFinder.h"
-#include "canvas/SegmentParameter.h"
+#include "document/SegmentParameter.h"
 
 /// What the mouse and the window's controls do to the paths, without a widget. Positions are widget pixels of
 /// the canvas that `scale` stands for. The four parameter lists of a path are as long as its points after

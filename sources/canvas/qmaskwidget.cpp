@@ -2,9 +2,9 @@
 
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
-#include "canvas/PathFiles.h"
 #include "canvas/PathPainter.h"
 #include "canvas/RulerOwner.h"
+#include "document/PathFiles.h"
 #include "document/formats/Converter.h"
 
 #include <QMouseEvent>

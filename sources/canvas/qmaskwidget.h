@@ -3,7 +3,7 @@
 #include "canvas/HeightMapView.h"
 #include "canvas/PathEditor.h"
 #include "canvas/PathExtents.h"
-#include "canvas/RulerMarksCache.h"
+#include "document/RulerMarksCache.h"
 #include "raster/LineShapes.h"
 
 #include <QBasicTimer>

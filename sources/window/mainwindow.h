@@ -2,7 +2,7 @@
 
 #include "basalt/Exception.h"
 #include "canvas/RulerOwner.h"
-#include "canvas/SegmentParameter.h"
+#include "document/SegmentParameter.h"
 #include "document/formats/TrackInfo.h"
 #include "link/OstraSdkClient.h"
 

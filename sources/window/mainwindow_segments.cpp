@@ -1,6 +1,6 @@
 #include "window/mainwindow.h"
 
-#include "canvas/ImageProportions.h"
+#include "document/ImageProportions.h"
 #include "ui_mainwindow.h"
 
 #include <QScopedValueRollback>

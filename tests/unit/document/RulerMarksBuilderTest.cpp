@@ -1,4 +1,4 @@
-#include "canvas/RulerMarksBuilder.h"
+#include "document/RulerMarksBuilder.h"
 
 #include <gtest/gtest.h>
 

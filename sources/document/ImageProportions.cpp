@@ -1,4 +1,4 @@
-#include "canvas/ImageProportions.h"
+#include "document/ImageProportions.h"
 
 #include <algorithm>
 #include <cmath>

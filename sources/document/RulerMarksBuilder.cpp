@@ -1,11 +1,13 @@
-#include "canvas/RulerMarksBuilder.h"
-
-#include "canvas/CanvasScale.h"
+#include "document/RulerMarksBuilder.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace {
+
+double Distance(const QPointF& one, const QPointF& other) {
+    return std::hypot(one.x() - other.x(), one.y() - other.y());
+}
 
 bool IsFinite(const QPointF& point) {
     return std::isfinite(point.x()) && std::isfinite(point.y());

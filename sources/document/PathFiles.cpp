@@ -1,4 +1,4 @@
-#include "canvas/PathFiles.h"
+#include "document/PathFiles.h"
 
 #include "document/formats/ConvertCSV.h"
 #include "document/formats/TargetFile.h"

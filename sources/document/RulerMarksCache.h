@@ -1,6 +1,6 @@
 #pragma once
 
-#include "canvas/RulerMarksBuilder.h"
+#include "document/RulerMarksBuilder.h"
 #include "document/formats/TrackPath.h"
 
 #include <QSize>

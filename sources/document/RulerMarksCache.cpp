@@ -1,4 +1,4 @@
-#include "canvas/RulerMarksCache.h"
+#include "document/RulerMarksCache.h"
 
 #include <algorithm>
 
