@@ -30,25 +30,60 @@ void RulerMarksCache::Entry::NothingChanged() {
     lastChanged = 0;
 }
 
-void RulerMarksCache::PointChanged(std::size_t path, std::size_t point) {
-    if (path < entries.size())
-        entries[path].Changed(point > 0 ? point - 1 : 0, point);
+RulerMarksCache::Entry* RulerMarksCache::EntryOf(PointIndex at) {
+    const auto path = static_cast<std::size_t>(at.path);
+    return path < entries.size() ? &entries[path] : nullptr;
 }
 
-void RulerMarksCache::SegmentChanged(std::size_t path, std::size_t segment) {
-    if (path < entries.size())
-        entries[path].Changed(segment, segment);
+/// The segments that meet in a point.
+void RulerMarksCache::SegmentsChanged(PointIndex at) {
+    const auto point = static_cast<std::size_t>(at.point);
+    if (Entry* const entry = EntryOf(at))
+        entry->Changed(point > 0 ? point - 1 : 0, point);
+}
+
+/// A point came in or went away. After the last point nothing shifts; elsewhere the path is computed anew.
+void RulerMarksCache::PointsShifted(PointIndex at) {
+    Entry* const entry = EntryOf(at);
+    if (entry != nullptr && static_cast<std::size_t>(at.point) < entry->LastKnownPoint())
+        *entry = {};
+    SegmentsChanged(at);
+}
+
+void RulerMarksCache::Follow(const PathsChange& change) {
+    const ChangeHandlers handlers{
+        [](const PathAppended&) {},
+        [this](const LastPathRemoved& removed) {
+            entries.resize(std::min(entries.size(), static_cast<std::size_t>(removed.path)));
+        },
+        [this](const PointInserted& inserted) { PointsShifted(inserted.at); },
+        [this](const PointRemoved& removed) { PointsShifted(removed.at); },
+        [this](const PointMoved& moved) { SegmentsChanged(moved.at); },
+        [this](const ParameterSet& set) {
+            Entry* const entry = EntryOf(set.at);
+            const auto segment = static_cast<std::size_t>(set.at.point);
+            if (entry != nullptr && set.parameter != SegmentParameter::Method)
+                entry->Changed(segment, segment);
+        },
+        [this](const ParameterSetEverywhere& set) {
+            if (set.parameter != SegmentParameter::Method)
+                Forget();
+        },
+        [](const FinishedCountSet&) {},
+        [this](const AllPathsReplaced&) { Forget(); },
+    };
+    std::visit(handlers, change);
 }
 
 void RulerMarksCache::Update(std::vector<TrackPath>& paths, const QSize& image, const Touched& touched) {
     if (image != size || limited)
-        AllChanged();
+        Forget();
     size = image;
     const bool all = entries.empty();
     UpdatePaths(paths, touched);
     if (limited && !all) {
         // What a change needed was missing to others, perhaps before it: from the start, in order.
-        AllChanged();
+        Forget();
         UpdatePaths(paths, touched);
     }
 }
@@ -61,11 +96,6 @@ void RulerMarksCache::UpdatePaths(std::vector<TrackPath>& paths, const Touched& 
         ticks += entry.ticks;
     for (std::size_t index = 0; index < paths.size(); ++index)
         UpdatePath(paths[index], index, touched);
-}
-
-void RulerMarksCache::PathsRemoved(std::size_t count) {
-    if (count < entries.size())
-        entries.resize(count);
 }
 
 void RulerMarksCache::MatchSegmentCount(TrackPath& path, std::size_t index, Entry& entry,

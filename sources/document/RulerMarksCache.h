@@ -1,5 +1,6 @@
 #pragma once
 
+#include "document/PathsChange.h"
 #include "document/RulerMarksBuilder.h"
 #include "document/formats/TrackPath.h"
 
@@ -9,21 +10,17 @@
 #include <vector>
 
 /// Keeps the ruler marks of all paths up to date by computing only the segments that changed and those that
-/// the running offset of a changed one reaches. It must be told of every change to points and parameters;
-/// the result is that of computing everything.
+/// the running offset of a changed one reaches. It has to follow every change to the paths; the result is
+/// that of computing everything.
 class RulerMarksCache {
   public:
     /// Called with marks that go away and with marks that come in their place.
     using Touched = std::function<void(std::size_t path, const RulerMarks& marks)>;
 
-    /// Point `point` of path `path` was moved or added.
-    void PointChanged(std::size_t path, std::size_t point);
-    /// A parameter of segment `segment` of path `path` was set.
-    void SegmentChanged(std::size_t path, std::size_t segment);
-    /// Paths from number `count` on are gone.
-    void PathsRemoved(std::size_t count);
-    /// Anything may have changed.
-    void AllChanged() { entries.clear(); }
+    /// Takes note of a change; marks follow with the next update.
+    void Follow(const PathsChange& change);
+    /// The marks are not those of the last update any more.
+    void Forget() { entries.clear(); }
 
     /// Brings the marks of all paths up to date for the aspect-corrected image size; with a size that has no
     /// area, there are no marks. Path by path and segment by segment, those that find
@@ -41,9 +38,14 @@ class RulerMarksCache {
 
         void Changed(std::size_t first, std::size_t last);
         void NothingChanged();
+        /// Points up to and including this index had their segments computed.
+        [[nodiscard]] std::size_t LastKnownPoint() const { return offsets.size() - 1; }
         [[nodiscard]] bool IsUpToDate() const { return firstChanged > lastChanged; }
     };
 
+    [[nodiscard]] Entry* EntryOf(PointIndex at);
+    void SegmentsChanged(PointIndex at);
+    void PointsShifted(PointIndex at);
     static void MatchSegmentCount(TrackPath& path, std::size_t index, Entry& entry, const Touched& touched);
     void UpdatePaths(std::vector<TrackPath>& paths, const Touched& touched);
     void UpdatePath(TrackPath& path, std::size_t index, const Touched& touched);

@@ -75,10 +75,10 @@ void ControlHand::checkParameter(std::size_t field, const std::string& text) {
     const EditingState& state = storm.canvas().editingState();
     const auto& valuesOf = kFields.at(field).values;
     if (storm.find<QCheckBox>("checkBox_batchSetting").isChecked()) {
-        for (const TrackPath& path : state.paths)
+        for (const TrackPath& path : storm.paths())
             EXPECT_EQ(path.*valuesOf, std::vector<int>(path.points.size(), value));
     } else if (storm.canvas().segmentExists(state.currentPath, state.currentSegment)) {
-        const TrackPath& path = state.paths[static_cast<std::size_t>(state.currentPath)];
+        const TrackPath& path = storm.paths()[static_cast<std::size_t>(state.currentPath)];
         EXPECT_EQ((path.*valuesOf)[static_cast<std::size_t>(state.currentSegment)], value);
     }
 }

@@ -51,10 +51,12 @@ void CheckPath(const TrackPath& path, bool rulerShown) {
 
 } // namespace
 
-void CheckEditing(const EditingState& state, bool rulerShown) {
-    const auto count = static_cast<int>(state.paths.size());
-    EXPECT_GE(state.finishedCount, 0);
-    EXPECT_LE(state.finishedCount, count);
+void CheckEditing(const QMaskWidget& canvas, bool rulerShown) {
+    const EditingState& state = canvas.editingState();
+    const std::vector<TrackPath>& paths = canvas.paths();
+    const auto count = static_cast<int>(paths.size());
+    EXPECT_GE(canvas.document().finishedCount(), 0);
+    EXPECT_LE(canvas.document().finishedCount(), count);
     EXPECT_GE(state.currentPath, 0);
     EXPECT_GE(state.currentSegment, 0);
     EXPECT_TRUE(IsFinite(state.rubberPoint));
@@ -63,11 +65,11 @@ void CheckEditing(const EditingState& state, bool rulerShown) {
     ASSERT_GE(state.hoverPoint, 0);
     if (!state.dragPoint.isNull()) {
         ASSERT_LT(state.hoverPath, count);
-        const TrackPath& hovered = state.paths[static_cast<std::size_t>(state.hoverPath)];
+        const TrackPath& hovered = paths[static_cast<std::size_t>(state.hoverPath)];
         ASSERT_LT(static_cast<std::size_t>(state.hoverPoint), hovered.points.size());
         EXPECT_EQ(hovered.points[static_cast<std::size_t>(state.hoverPoint)], state.dragPoint);
     }
-    for (const TrackPath& path : state.paths)
+    for (const TrackPath& path : paths)
         CheckPath(path, rulerShown);
 }
 

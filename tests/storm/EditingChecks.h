@@ -1,7 +1,7 @@
 #pragma once
 
 #include "IndependentTrack.h"
-#include "canvas/EditingState.h"
+#include "canvas/qmaskwidget.h"
 
 #include <string>
 
@@ -11,7 +11,7 @@
 constexpr int kLargestTyped = 99999;
 
 /// Indexes lie within what they count, the lists of a path are as long as its points, nothing is infinite.
-void CheckEditing(const EditingState& state, bool rulerShown);
+void CheckEditing(const QMaskWidget& canvas, bool rulerShown);
 
 /// A saved track holds `map` and exactly `paths`, with their ruler marks, in the places that the map's
 /// resolutions and offsets give them.

@@ -14,8 +14,6 @@ struct PathPoint {
     int length = 100;
     int width = 50;
     int space = 100;
-
-    friend bool operator==(const PathPoint&, const PathPoint&) = default;
 };
 
 /// One path over the height map. The four parameter lists have as many entries as `points`; entry j belongs

@@ -27,15 +27,15 @@ std::vector<std::size_t> Ticks(const std::vector<TrackPath>& paths) {
 class RulerMarksOfAll : public ::testing::Test {
   protected:
     void Update() {
-        keeper.Update(paths, kImage, [](std::size_t, const RulerMarks&) {});
+        cache.Update(paths, kImage, [](std::size_t, const RulerMarks&) {});
     }
     void Lengthen(std::size_t path, int ticks) {
         paths[path].points[1] = PathOfTicks(ticks).points[1];
-        keeper.PointChanged(path, 1);
+        cache.Follow(PointMoved{{static_cast<int>(path), 1}, {}});
     }
 
     std::vector<TrackPath> paths;
-    RulerMarksCache keeper;
+    RulerMarksCache cache;
 };
 
 TEST_F(RulerMarksOfAll, AreTwoMillionTicksAtMost) {
@@ -77,10 +77,12 @@ TEST_F(RulerMarksOfAll, CountATickNoMoreWhenItsSegmentIsGone) {
     paths[19] = PathOfTicks(50'000);
     Update();
     paths[0].points.pop_back();
+    cache.Follow(PointRemoved{{0, 1}});
     Update();
     paths[19].points[1] = PathOfTicks(100'000).points[1];
-    keeper.PointChanged(19, 1);
+    cache.Follow(PointMoved{{19, 1}, {}});
     paths.push_back(PathOfTicks(90'000));
+    cache.Follow(PathAppended{20});
     Update();
     EXPECT_EQ(paths[19].rulerMarks.at(0).bands.size(), 100'000U);
     EXPECT_EQ(paths[20].rulerMarks.at(0).bands.size(), 90'000U);
