@@ -1,7 +1,5 @@
 #include "canvas/qmaskwidget.h"
 
-#include "basalt/Exception.h"
-#include "basalt/bStatus.h"
 #include "canvas/PathPainter.h"
 #include "canvas/RulerOwner.h"
 
@@ -16,10 +14,6 @@
 #include <cmath>
 
 namespace {
-
-[[noreturn]] void ThrowTrackError(int line, const char* message) {
-    throw Ve::Exception(line, "qmaskwidget", bERROR_TRACK, "QMaskWidget::SavePath", "%s", message);
-}
 
 /// Pixels that are painted at once; a larger place is painted in strips that stay in the processor's cache.
 constexpr int kMostPainted = 1024 * 1024 / 4;
@@ -66,6 +60,7 @@ void QMaskWidget::setDocument(TrackDocument& other) {
     editor = PathEditor(*doc);
     connect(doc, &TrackDocument::pathsChanged, this, &QMaskWidget::FollowPaths);
     connect(doc, &TrackDocument::rulerMarksChanged, this, &QMaskWidget::FollowRulerMarks);
+    connect(doc, &TrackDocument::imageChanged, this, [this] { editor.Reset(); });
     connect(doc, &TrackDocument::restored, this, &QMaskWidget::FollowRestored);
     FollowPaths(AllPathsReplaced{});
 }
@@ -109,15 +104,7 @@ int QMaskWidget::loadPaths(const QString& fileName) {
 
 void QMaskWidget::SavePath(const QString& original, const QString& target, double widthScale, double xOffset,
                            double yOffset, double xScale, double yScale) {
-    switch (doc->write(original.toStdString(), target.toStdString(),
-                       {widthScale, xOffset, yOffset, xScale, yScale})) {
-    case SaveResult::Saved:
-        return;
-    case SaveResult::OriginalUnreadable:
-        ThrowTrackError(__LINE__, "Failed to read the original file.");
-    case SaveResult::TargetUnwritable:
-        ThrowTrackError(__LINE__, "Failed to read the target file.");
-    }
+    doc->save(original.toStdString(), target.toStdString(), {widthScale, xOffset, yOffset, xScale, yScale});
 }
 
 const std::vector<TrackPath>& QMaskWidget::paths() const {

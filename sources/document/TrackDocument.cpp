@@ -1,10 +1,21 @@
 #include "document/TrackDocument.h"
 
+#include "basalt/Exception.h"
+#include "basalt/bStatus.h"
 #include "document/ImageProportions.h"
 #include "document/formats/Converter.h"
 
 #include <algorithm>
 #include <utility>
+
+namespace {
+
+/// Reported under the name by which saving is known to those who read reports.
+Ve::Exception SaveFailure(int line, const char* message) {
+    return {line, "qmaskwidget", bERROR_TRACK, "QMaskWidget::SavePath", "%s", message};
+}
+
+} // namespace
 
 TrackDocument::TrackDocument(QObject* parent)
     : QObject(parent),
@@ -19,9 +30,9 @@ void TrackDocument::open(TrackContent newContent, std::string file, TrackOrigin 
     std::vector<TrackPath> newPaths = std::move(newContent.paths);
     content = std::move(newContent);
     path = std::move(file);
-    pathsFile = path;
     origin = newOrigin;
-    opened = true;
+    opened = content.isComplete;
+    pathsFile = opened ? path : std::string();
     ReplacePaths(std::move(newPaths), 0);
     emit imageChanged();
 }
@@ -181,6 +192,18 @@ WorldTransform TrackDocument::worldTransform() const {
 SaveResult TrackDocument::write(const std::string& original, const std::string& target,
                                 const WorldTransform& world) const {
     return SaveWithPaths(original, target, paths(), world, original == pathsFile);
+}
+
+void TrackDocument::save(const std::string& original, const std::string& target,
+                         const WorldTransform& world) const {
+    switch (write(original, target, world)) {
+    case SaveResult::Saved:
+        return;
+    case SaveResult::OriginalUnreadable:
+        throw SaveFailure(__LINE__, "Failed to read the original file.");
+    case SaveResult::TargetUnwritable:
+        throw SaveFailure(__LINE__, "Failed to read the target file.");
+    }
 }
 
 void TrackDocument::Push(std::unique_ptr<PathStep> step) {

@@ -19,6 +19,7 @@ struct TrackContent {
     TrackInfo info;
     QImage image; ///< the height map in colour
     std::vector<TrackPath> paths;
+    bool isComplete = true; ///< whether all of it could be read
 };
 
 /// Which ruler marks an update has touched.
@@ -48,7 +49,8 @@ class TrackDocument final : public QObject {
     explicit TrackDocument(QObject* parent = nullptr);
     ~TrackDocument() override;
 
-    /// Puts a track in the place of the one before, whose steps are forgotten. No path counts as closed.
+    /// Puts a track in the place of the one before, whose steps are forgotten. No path counts as closed. A
+    /// track that is not complete is shown, but cannot be saved.
     void open(TrackContent content, std::string file, TrackOrigin origin);
     /// What is shown stays, but it is not the content of a file any more and cannot be saved.
     void detach();
@@ -132,6 +134,9 @@ class TrackDocument final : public QObject {
     /// `target`. A target that cannot be written whole is left as it was.
     [[nodiscard]] SaveResult write(const std::string& original, const std::string& target,
                                    const WorldTransform& world) const;
+    /// The same. @throws Ve::Exception with status bERROR_TRACK: "Failed to read the original file." or
+    /// "Failed to read the target file."
+    void save(const std::string& original, const std::string& target, const WorldTransform& world) const;
 
   signals:
     /// Paths, or the number of closed ones, have changed.

@@ -8,7 +8,7 @@
 #include "canvas/qmaskwidget.h"
 #include "document/formats/Converter.h"
 #include "document/formats/TrackInfo.h"
-#include "window/WorkingFiles.h"
+#include "workflow/WorkingFiles.h"
 
 #include <cstdint>
 #include <cstdio>

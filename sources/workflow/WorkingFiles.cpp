@@ -1,4 +1,4 @@
-#include "window/WorkingFiles.h"
+#include "workflow/WorkingFiles.h"
 
 #include "basalt/bDirectory.h"
 #include "basalt/bFile.h"

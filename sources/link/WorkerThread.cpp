@@ -1,4 +1,4 @@
-#include "window/WorkerThread.h"
+#include "link/WorkerThread.h"
 
 #include "link/BlockingController.h"
 

@@ -1,4 +1,4 @@
-#include "window/TrackFolder.h"
+#include "workflow/TrackFolder.h"
 
 #include "basalt/Exception.h"
 #include "basalt/FolderReader.h"
