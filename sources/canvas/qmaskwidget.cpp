@@ -47,6 +47,7 @@ QMaskWidget::QMaskWidget(QWidget* parent)
       editor(*doc) {
     setAttribute(Qt::WA_MouseTracking);
     setScaledContents(true);
+    setFocusPolicy(Qt::ClickFocus);
     setDocument(*doc);
 }
 
@@ -161,18 +162,16 @@ void QMaskWidget::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void QMaskWidget::mouseDoubleClickEvent(QMouseEvent* event) {
-    if (!HasImage() || event->button() != Qt::LeftButton)
-        return;
-    pressed = true;
-    editor.DoubleClick();
+    if (HasImage() && event->button() == Qt::LeftButton)
+        editor.DoubleClick();
 }
 
 void QMaskWidget::mouseMoveEvent(QMouseEvent* event) {
     if (!HasImage())
         return;
     update(PlaceOfCursor());
-    if (!(event->buttons() & Qt::LeftButton)) {
-        pressed = false; // the release went to another window
+    pressed = (event->buttons() & Qt::LeftButton) != 0; // a release may have gone to another window
+    if (!pressed) {
         editor.Hover(Scale(), event->localPos());
     } else if (editor.Drag(Scale(), event->localPos())) {
         RefreshRulerIfShown();

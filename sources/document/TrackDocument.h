@@ -104,6 +104,8 @@ class TrackDocument final : public QObject {
 
     [[nodiscard]] bool canUndo() const { return history.CanUndo(); }
     [[nodiscard]] bool canRedo() const { return history.CanRedo(); }
+    /// How many steps are kept that were not taken back.
+    [[nodiscard]] int undoDepth() const { return history.Depth(); }
     void undo();
     void redo();
 

@@ -42,6 +42,8 @@ class UndoHistory {
 
     /// Steps kept, those taken back included.
     [[nodiscard]] int StepCount() const { return stack.count(); }
+    /// Steps kept that are not taken back.
+    [[nodiscard]] int Depth() const { return stack.index(); }
     /// Memory that the steps hold.
     [[nodiscard]] std::size_t Bytes() const;
 
