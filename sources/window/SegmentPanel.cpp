@@ -5,6 +5,7 @@
 
 #include <QIntValidator>
 #include <QScopedValueRollback>
+#include <QSignalBlocker>
 
 #include <algorithm>
 
@@ -38,6 +39,23 @@ void SegmentPanel::setUp() {
     ui.lineEdit_lineLength->setValidator(WholeNumbers(kMinLength, kMaxNumber, this));
     ui.lineEdit_lineWidth->setValidator(WholeNumbers(0, kMaxNumber, this));
     ui.lineEdit_lineSpace->setValidator(WholeNumbers(0, kMaxNumber, this));
+    for (const QLineEdit* const field :
+         {ui.lineEdit_lineLength, ui.lineEdit_lineWidth, ui.lineEdit_lineSpace})
+        connect(field, &QLineEdit::editingFinished, this, [this] { canvas.document().endGesture(); });
+}
+
+void SegmentPanel::followRestored() {
+    const QSignalBlocker quietPath(ui.spinBox_pathId);
+    const QSignalBlocker quietSegment(ui.spinBox_segmentId);
+    ui.spinBox_pathId->setValue(std::min(ui.spinBox_pathId->value(), std::max(pathCount(), kFirst)));
+    if (const int path = ui.spinBox_pathId->value() - 1; path != canvas.currentPath())
+        canvas.setCurrentPath(path);
+    const int lastSegment = std::max(pointCount(canvas.currentPath()) - 1, kFirst);
+    ui.spinBox_segmentId->setValue(std::min(ui.spinBox_segmentId->value(), lastSegment));
+    if (const int segment = ui.spinBox_segmentId->value() - 1; segment != canvas.currentSegment())
+        canvas.setCurrentSegment(segment);
+    if (canvas.segmentExists(canvas.currentPath(), canvas.currentSegment()))
+        showSegment();
 }
 
 void SegmentPanel::reset() {
@@ -89,6 +107,7 @@ void SegmentPanel::chooseSegment(int number) {
         ui.spinBox_segmentId->setValue(std::max(points - 1, kFirst));
         return;
     }
+    canvas.document().endGesture();
     canvas.setCurrentSegment(number - 1);
     if (canvas.segmentExists(canvas.currentPath(), number - 1))
         showSegment();

@@ -36,6 +36,9 @@ class SegmentPanel final : public QObject {
     /// Sets what the text says and refreshes the ruler; a text that is no number counts as 0.
     void setFromText(SegmentParameter parameter, const QString& text);
 
+    /// After a step back or forth: the numbers are of what exists, and the parameters those of the segment.
+    void followRestored();
+
   private:
     void set(SegmentParameter parameter, int value);
     void showSegment();

@@ -5,10 +5,13 @@
 #include "link/WorkerThread.h"
 #include "log/Log.h"
 #include "ui_mainwindow.h"
+#include "window/InputGuard.h"
 #include "window/RulerControl.h"
 #include "window/SegmentPanel.h"
 #include "window/SourcePanel.h"
+#include "window/StateLabel.h"
 #include "window/TrackPanel.h"
+#include "window/UndoActions.h"
 #include "window/ViewScale.h"
 #include "window/WaitingSpinnerWidget.h"
 #include "workflow/SourceWorkflow.h"
@@ -35,6 +38,7 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(std::make_uniq
     segments->reset();
     trackPanel->showHeights(0.0, 0.0);
     SetUpWorker();
+    SetUpAdditions();
 }
 
 MainWindow::~MainWindow() {
@@ -83,6 +87,26 @@ void MainWindow::SetUpWorker() {
     connect(ui->comboBox_sensor, SIGNAL(currentIndexChanged(QString)), this,
             SLOT(slot_comboBox_sensor_currentIndexChanged(QString)));
     worker->start();
+}
+
+/// What stands beside the controls: keys, guards, and the state in the status bar.
+void MainWindow::SetUpAdditions() {
+    undoActions =
+        std::make_unique<UndoActions>(*this, *ui->label_mask, [this] { return spinner->isSpinning(); });
+    auto* const guard = new InputGuard(this);
+    for (QWidget* const control :
+         std::initializer_list<QWidget*>{ui->comboBox_sensor, ui->comboBox_file, ui->comboBox_operation,
+                                         ui->comboBox_lineType, ui->spinBox_pathId, ui->spinBox_segmentId})
+        guard->ignoreWheel(*control);
+    guard->openByKeys(*ui->comboBox_operation);
+    stateLabel = new StateLabel({}, this);
+    ui->statusBar->addPermanentWidget(stateLabel);
+    connect(&document, &TrackDocument::modifiedChanged, this, &MainWindow::ShowState);
+    connect(&document, &TrackDocument::restored, segments.get(), &SegmentPanel::followRestored);
+}
+
+void MainWindow::ShowState() {
+    stateLabel->showState(document.isModified(), false);
 }
 
 void MainWindow::RunSlot(const std::function<void()>& body, const std::function<void()>& onFailure) {
@@ -177,6 +201,7 @@ void MainWindow::on_comboBox_operation_currentIndexChanged(const QString& text) 
     if (finished && ui->comboBox_operation->currentText() != tr("Normal"))
         ui->statusBar->showMessage(text + tr(" successfully."));
     trackPanel->returnToNormal();
+    ui->label_mask->setFocus(Qt::OtherFocusReason); // the next key is not meant for the list
 }
 
 bool MainWindow::RunOperation(const QString& operation) {

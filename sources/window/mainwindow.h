@@ -10,12 +10,15 @@
 #include <functional>
 #include <memory>
 
+class InputGuard;
 class RulerControl;
 class SegmentPanel;
 class SourcePanel;
 class SourceWorkflow;
 class TrackOperations;
+class StateLabel;
 class TrackPanel;
+class UndoActions;
 class ViewScale;
 class WaitingSpinnerWidget;
 class WorkerThread;
@@ -74,6 +77,8 @@ class MainWindow final : public QMainWindow, public RulerOwner {
     void SetUpPanels();
     void SetUpCanvas();
     void SetUpWorker();
+    void SetUpAdditions();
+    void ShowState();
     /// Runs a slot's body. A Ve::Exception from it is logged and shown, after `onFailure` has put things
     /// right; any other passes through.
     void RunSlot(const std::function<void()>& body, const std::function<void()>& onFailure = {});
@@ -91,5 +96,7 @@ class MainWindow final : public QMainWindow, public RulerOwner {
     std::unique_ptr<TrackOperations> tracks;
     std::unique_ptr<SourceWorkflow> sources;
     std::unique_ptr<WorkerThread> worker;
-    WaitingSpinnerWidget* spinner = nullptr; ///< a child of the window
+    std::unique_ptr<UndoActions> undoActions;
+    WaitingSpinnerWidget* spinner = nullptr; ///< this and the following are children of the window
+    StateLabel* stateLabel = nullptr;
 };
