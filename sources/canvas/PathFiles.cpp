@@ -17,11 +17,12 @@ SaveResult ResultOf(int code) {
 }
 
 /// Reads what a binary track takes over from a text track. Without its last rows the track cannot be opened,
-/// and without its paths' section neither: what was cut must not take the place of what was opened.
+/// and without its paths' section neither: what was cut must not take the place of what was opened. Nor must
+/// a map whose heights the raw values do not hold.
 bool ReadWhole(ConvertCSV& text, const std::string& original, bool wasOpened, TrackInfo& info,
                HeightMap& heights, std::int64_t& size) {
     return text.ReadInfo(original, info) == 0 &&
-           text.ReadWholeHeightMap(original, info, heights, size) == 0 &&
+           text.ReadHeightMapToStore(original, info, heights, size) == 0 &&
            (!wasOpened || ConvertCSV::HasPathSection(original));
 }
 
