@@ -4,6 +4,7 @@
 
 #include <QPointF>
 
+#include <cstddef>
 #include <vector>
 
 /// One path over the height map. The four parameter lists have as many entries as `points`; entry j belongs
@@ -17,3 +18,13 @@ struct TrackPath {
     std::vector<int> spaces;
     std::vector<RulerMarks> rulerMarks; ///< derived: one entry a segment, or none
 };
+
+/// How many ruler ticks the marks of all paths hold.
+inline std::size_t RulerTicksHeld(const std::vector<TrackPath>& paths) {
+    std::size_t count = 0;
+    for (const TrackPath& path : paths) {
+        for (const RulerMarks& marks : path.rulerMarks)
+            count += marks.tickStarts.size();
+    }
+    return count;
+}

@@ -3,6 +3,8 @@
 #include "LogCapture.h"
 #include "SmallTrack.h"
 #include "TemporaryFolder.h"
+#include "canvas/RulerMarksBuilder.h"
+#include "canvas/RulerMarksCache.h"
 
 #include <gmock/gmock.h>
 
@@ -69,6 +71,54 @@ TEST_F(SavingHeights, succeedsWithAResolutionThatHoldsThem) {
     EXPECT_THAT(log.Lines(), Not(Contains(StartsWith("ERROR"))));
     EXPECT_THAT(independent::ReadBinary(FileContent("a.trk")).cells,
                 ElementsAre(10, 20, 40, 60, 64, 65, 80, 100, 120, 140));
+}
+
+/// Saves paths whose ruler has more ticks than marks are built for.
+class SavingRulers : public testing::Test {
+  protected:
+    /// A path across a map of 1000 x 1000 with a tick at every pixel.
+    static TrackPath DensePath() { return {{{0.0, 0.5}, {1.0, 0.5}}, {1, 1}, {10, 10}, {2, 2}, {0, 0}, {}}; }
+
+    SaveResult Save(const std::vector<TrackPath>& paths) {
+        return SaveWithPaths("a.trk", "b.trk", paths, WorldTransform{}, true, builder.TickCount(paths));
+    }
+
+    TemporaryFolder folder;
+    LogCapture log;
+    RulerMarksBuilder builder{QSize(1000, 1000)};
+};
+
+TEST_F(SavingRulers, isRefusedWhenMarksWereLeftOut) {
+    std::vector<TrackPath> paths(2'001, DensePath());
+    RulerMarksCache().Update(paths, QSize(1000, 1000), [](std::size_t, const RulerMarks&) {});
+    ASSERT_EQ(RulerTicksHeld(paths), 2'000'000U);
+    for (const std::string& original : {independent::BinaryFile(::SmallTrack(PathAcross(0, 2, 0.5, 1))),
+                                        independent::TextFile(::SmallTrack(PathAcross(0, 2, 0.5, 1)))}) {
+        WriteFile("a.trk", original);
+        WriteFile("b.trk", "old");
+        EXPECT_EQ(Save(paths), SaveResult::OriginalUnreadable);
+        EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Cannot store the ruler: its marks hold 2000000 of "
+                                             "2001000 ticks"));
+        EXPECT_EQ(FileContent("b.trk"), "old");
+    }
+}
+
+TEST_F(SavingRulers, isRefusedWhenASegmentHasTooMany) {
+    WriteFile("a.trk", independent::BinaryFile(::SmallTrack()));
+    TrackPath path = DensePath();
+    path.points.back().setX(100.001);
+    path.rulerMarks = builder.MarksOfPath(path);
+    EXPECT_EQ(Save({path}), SaveResult::OriginalUnreadable);
+    EXPECT_THAT(log.Lines(),
+                ElementsAre("ERROR: Cannot store the ruler: its marks hold 100000 of 100001 ticks"));
+}
+
+TEST_F(SavingRulers, succeedsWithAllOfThem) {
+    WriteFile("a.trk", independent::BinaryFile(::SmallTrack()));
+    TrackPath path = DensePath();
+    path.rulerMarks = builder.MarksOfPath(path);
+    EXPECT_EQ(Save({path, path}), SaveResult::Saved);
+    EXPECT_EQ(independent::ReadBinary(FileContent("b.trk")).rulers.size(), 2'000U);
 }
 
 } // namespace
