@@ -1,15 +1,11 @@
 #include "server/BackupArchive.h"
 
+#include "basalt/FolderReader.h"
+#include "basalt/InputFile.h"
 #include "server/RequestError.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <memory>
 #include <utility>
-
-#include <dirent.h>
-#include <fcntl.h>
-#include <sys/stat.h>
 
 namespace {
 
@@ -23,22 +19,14 @@ constexpr const char* kInnerName = "workspaces/Workspace.osws";
     throw RequestError(500, "The workspace cannot be read.");
 }
 
-std::vector<std::string> NamesIn(int folder) {
-    FileDescriptor own(openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    const auto close = [](DIR* list) { closedir(list); };
-    const std::unique_ptr<DIR, decltype(close)> entries(own.IsOpen() ? fdopendir(own.Number()) : nullptr);
-    if (!entries)
-        Unreadable();
-    (void)own.Release(); // closedir closes it
+std::vector<std::string> NamesIn(const FolderHandle& folder) {
     std::vector<std::string> names;
-    errno = 0;
-    while (const dirent* entry = readdir(entries.get())) {
-        std::string name = entry->d_name;
-        if (name != "." && name != "..")
-            names.push_back(std::move(name));
-        errno = 0;
-    }
-    if (errno != 0) // the list ends as if it were whole
+    FolderReader reader(folder);
+    FolderEntry entry;
+    bStatus status = bOK;
+    while ((status = reader.Next(&entry)) == bOK)
+        names.emplace_back(entry.name);
+    if (status != bERROR_END)
         Unreadable();
     std::sort(names.begin(), names.end());
     return names;
@@ -57,14 +45,14 @@ bool SendZeros(std::uint64_t count, const ByteSink& sink) {
 }
 
 /// Gives `size` bytes of an open file. @return false when it holds fewer, or the sink wants no more
-bool SendBytes(int file, std::uint64_t size, const ByteSink& sink) {
+bool SendBytes(InputFile& file, std::uint64_t size, const ByteSink& sink) {
     std::vector<char> chunk(static_cast<std::size_t>(std::min<std::uint64_t>(size, kChunk)));
     while (size > 0) {
         const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(size, chunk.size()));
-        const ssize_t got = read(file, chunk.data(), wanted);
-        if (got <= 0 || !sink(chunk.data(), static_cast<std::size_t>(got)))
+        std::size_t got = 0;
+        if (!file.Read(chunk.data(), wanted, &got) || got == 0 || !sink(chunk.data(), got))
             return false;
-        size -= static_cast<std::uint64_t>(got);
+        size -= got;
     }
     return true;
 }
@@ -73,38 +61,36 @@ bool SendBytes(int file, std::uint64_t size, const ByteSink& sink) {
 
 BackupArchive::BackupArchive(Workspace::Snapshot snapshot, std::string info)
     : workspace(std::move(snapshot)), info(std::move(info)) {
-    AddFolder(workspace.folder.Number(), "", kDeepest);
+    AddFolder(workspace.folder, "", kDeepest);
     for (const Item& item : items)
         innerSize += Header(item).size() + Padded(item.size);
 }
 
-void BackupArchive::AddFolder(int folder, const std::string& prefix, unsigned depth) {
+void BackupArchive::AddFolder(const FolderHandle& folder, const std::string& prefix, unsigned depth) {
     std::vector<Item> subfolders;
     for (const std::string& name : NamesIn(folder)) {
-        struct stat status {};
-        if (fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0)
+        FileFacts facts;
+        if (folder.Ask(name, &facts))
             Unreadable();
-        const auto modified = static_cast<std::uint64_t>(std::max<time_t>(status.st_mtime, 0));
-        if (S_ISREG(status.st_mode))
-            items.push_back(
-                {prefix + name, TarKind::File, static_cast<std::uint64_t>(status.st_size), modified});
-        else if (S_ISDIR(status.st_mode))
+        const auto modified = static_cast<std::uint64_t>(std::max<std::int64_t>(facts.modified, 0));
+        if (facts.kind == FileKind::File)
+            items.push_back({prefix + name, TarKind::File, static_cast<std::uint64_t>(facts.size), modified});
+        else if (facts.kind == FileKind::Folder)
             subfolders.push_back({prefix + name, TarKind::Folder, 0, modified});
     }
     for (const Item& subfolder : subfolders)
         AddSubfolder(folder, subfolder, depth);
 }
 
-void BackupArchive::AddSubfolder(int parent, const Item& item, unsigned depth) {
+void BackupArchive::AddSubfolder(const FolderHandle& parent, const Item& item, unsigned depth) {
     if (depth == 0)
         throw RequestError(500, "The workspace's folders nest too deep.");
     items.push_back(item);
     const std::string name = item.name.substr(item.name.rfind('/') + 1);
-    const FileDescriptor folder(
-        openat(parent, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    const FolderHandle folder = parent.OpenFolder(name);
     if (!folder.IsOpen())
         Unreadable();
-    AddFolder(folder.Number(), item.name + "/", depth - 1);
+    AddFolder(folder, item.name + "/", depth - 1);
 }
 
 std::string BackupArchive::Header(const Item& item) {
@@ -128,10 +114,8 @@ bool BackupArchive::Send(const ByteSink& sink) const {
 }
 
 bool BackupArchive::SendFile(const Item& item, const ByteSink& sink) const {
-    const FileDescriptor file(
-        openat(workspace.folder.Number(), item.name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    struct stat status {};
-    return file.IsOpen() && fstat(file.Number(), &status) == 0 && S_ISREG(status.st_mode) &&
-           static_cast<std::uint64_t>(status.st_size) == item.size &&
-           SendBytes(file.Number(), item.size, sink) && SendZeros(TarPadding(item.size), sink);
+    InputFile file(workspace.folder, item.name);
+    FileFacts facts;
+    return file.IsOpen() && file.Ask(&facts) && static_cast<std::uint64_t>(facts.size) == item.size &&
+           SendBytes(file, item.size, sink) && SendZeros(TarPadding(item.size), sink);
 }

@@ -37,8 +37,8 @@ class BackupArchive final {
         std::uint64_t modified;
     };
 
-    void AddFolder(int folder, const std::string& prefix, unsigned depth);
-    void AddSubfolder(int parent, const Item& item, unsigned depth);
+    void AddFolder(const FolderHandle& folder, const std::string& prefix, unsigned depth);
+    void AddSubfolder(const FolderHandle& parent, const Item& item, unsigned depth);
     [[nodiscard]] bool SendFile(const Item& item, const ByteSink& sink) const;
     [[nodiscard]] static std::string Header(const Item& item);
 

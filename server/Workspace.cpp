@@ -1,16 +1,16 @@
 #include "server/Workspace.h"
 
-#include <cerrno>
+#include "basalt/FileOwnership.h"
+#include "basalt/FolderReader.h"
+#include "basalt/RandomName.h"
+
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
 #include <system_error>
 #include <vector>
 
 #include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -101,42 +101,39 @@ void Workspace::Recover() const {
 void Workspace::RemoveLeftovers() const {
     const std::string staged = "." + name + ".ostra-new-";
     const std::string old = "." + name + ".ostra-old";
-    std::vector<fs::path> leftovers;
-    std::error_code error;
-    for (fs::directory_iterator entry(parent, error); !error && entry != fs::directory_iterator();
-         entry.increment(error)) {
-        const std::string each = entry->path().filename().string();
-        if (each.rfind(staged, 0) == 0 || each == old)
-            leftovers.push_back(entry->path());
-    }
-    for (const fs::path& leftover : leftovers)
-        RemoveTree(leftover.string());
+    std::vector<std::string> leftovers;
+    FolderReader reader(parent.c_str());
+    for (FolderEntry entry; reader.Next(&entry) == bOK;)
+        if (entry.name.starts_with(staged) || entry.name == old)
+            leftovers.emplace_back(entry.name);
+    for (const std::string& leftover : leftovers)
+        RemoveTree(parent + "/" + leftover);
 }
 
 Workspace::Snapshot Workspace::Open() const {
     const std::lock_guard lock(mutex);
-    FileDescriptor folder(open(target.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    FolderHandle folder(target, FolderHandle::Links::Followed);
     if (!folder.IsOpen())
         throw std::runtime_error("The workspace cannot be opened.");
     return {std::move(folder), current};
 }
 
 StagedFolder Workspace::Stage() const {
-    std::string path = Beside("new-XXXXXX");
-    if (mkdtemp(path.data()) == nullptr)
+    constexpr unsigned kPrivate = 0700;
+    const std::string path = RandomName(Beside("new-"));
+    const FolderHandle beside(parent, FolderHandle::Links::Followed);
+    if (!beside.MakeFolder(path.substr(parent.size() + 1), kPrivate))
         throw std::runtime_error("No folder can be made beside the workspace.");
     return StagedFolder(path);
 }
 
 void Workspace::Replace(StagedFolder staged) {
-    constexpr mode_t kPermissionBits = 0777;
     const std::string tree = staged.Tree();
     // Removing the old content may take a while: it happens after the lock is gone.
     std::shared_ptr<Generation> before;
     const std::lock_guard lock(mutex);
-    struct stat served {};
-    const bool replaced = stat(target.c_str(), &served) == 0 &&
-                          chmod(tree.c_str(), served.st_mode & kPermissionBits) == 0 &&
+    const auto ownership = FileOwnership::Of(target);
+    const bool replaced = ownership && ownership->GiveTo(tree) &&
                           (Exchange(tree, target) || ExchangeBySteps(tree, target, Beside("old")));
     if (!replaced)
         throw std::runtime_error("The workspace cannot be replaced.");

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "server/FileDescriptor.h"
+#include "basalt/FolderHandle.h"
 
 #include <memory>
 #include <mutex>
@@ -37,7 +37,7 @@ class Workspace final {
     /// The workspace as it stands at one moment. Its files stay readable until the object goes, even when the
     /// workspace is replaced meanwhile.
     struct Snapshot {
-        FileDescriptor folder;
+        FolderHandle folder;
         std::shared_ptr<Generation> generation;
     };
 

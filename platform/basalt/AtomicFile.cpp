@@ -1,147 +1,103 @@
 #include "basalt/AtomicFile.h"
 
-#include <cerrno>
 #include <filesystem>
-#include <random>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
+namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t kBufferSize = std::size_t{64} * 1024;
-constexpr mode_t kPermissionBits = 0777;
-constexpr uid_t kSameId = static_cast<uid_t>(-1); ///< for fchown: leave the owner, or the group, as it is
-
-/// The file that a name stands for: the far end of a chain of links, whether or not it exists yet.
+/// The file that a name leads to: the far end of a chain of links, whether or not it exists yet.
 std::string LinksFollowed(const std::string& path) {
     std::error_code failure;
-    std::filesystem::path place(path);
-    constexpr int kLongestChain = 40;
-    for (int step = 0; step < kLongestChain && std::filesystem::is_symlink(place, failure); ++step) {
-        // Joined to a folder, an absolute path stands for itself.
-        place = place.parent_path() / std::filesystem::read_symlink(place, failure);
+    fs::path place(path);
+    constexpr int kMaxLinks = 40;
+    for (int step = 0; step < kMaxLinks && fs::is_symlink(place, failure); ++step) {
+        // Joined to a folder, an absolute path remains itself.
+        place = place.parent_path() / fs::read_symlink(place, failure);
     }
     return place.string();
 }
 
 std::string FolderOf(const std::string& path) {
-    const std::string folder = std::filesystem::path(path).parent_path().string();
+    const std::string folder = fs::path(path).parent_path().string();
     return folder.empty() ? "." : folder;
 }
 
-/// Creates a file of a new name in `folder` and says which in `path`. The permissions are given at creation,
-/// because asking for the process's mask means changing it for a moment, under the feet of other threads.
-int CreateBeside(const std::string& folder, mode_t permissions, std::string& path) {
-    constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
-    constexpr int kTries = 100;
-    std::random_device random;
-    for (int i = 0; i < kTries; ++i) {
-        path = folder + "/.corvane-";
-        for (int letter = 0; letter < 6; ++letter)
-            path += kLetters[random() % kLetters.size()];
-        const int file = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, permissions);
-        if (file >= 0 || errno != EEXIST)
-            return file;
-    }
-    return -1;
-}
-
-/// Hands a new file to whom the old one belonged, as far as this user may give files away, and gives it the
-/// old one's permissions. A group that could not be kept gets no more than everybody has: its rights were
-/// another group's. @return false when the permissions could not be set
-bool TakeOver(int file, const struct stat& old) {
-    struct stat own {};
-    if (fstat(file, &own) != 0)
-        return false;
-    mode_t permissions = old.st_mode & kPermissionBits;
-    if (own.st_gid != old.st_gid && fchown(file, kSameId, old.st_gid) != 0)
-        permissions &= ~mode_t{S_IRWXG} | (permissions & S_IRWXO) << 3;
-    if (own.st_uid != old.st_uid)
-        static_cast<void>(fchown(file, old.st_uid, static_cast<gid_t>(kSameId)) == 0);
-    // A file system without permissions may refuse even those that the file has anyway.
-    return (own.st_mode & kPermissionBits) == permissions || fchmod(file, permissions) == 0;
+/// Why an existing file may not be replaced.
+std::error_code RefusalOf(const fs::file_status& status, const std::string& path) {
+    if (fs::is_directory(status))
+        return std::make_error_code(std::errc::is_a_directory);
+    if (!fs::is_regular_file(status))
+        return std::make_error_code(std::errc::not_supported);
+    return MayWrite(path) ? std::error_code() : std::make_error_code(std::errc::permission_denied);
 }
 
 } // namespace
 
-bool SyncFolderOf(const std::string& path) {
-    const int folder = open(FolderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder < 0)
-        return errno == EACCES;
-    const bool synced = fsync(folder) == 0 || errno == EINVAL || errno == ENOTSUP;
-    return close(folder) == 0 && synced;
+AtomicFile::AtomicFile(const std::string& path, std::size_t bufferSize, std::pmr::memory_resource* memory)
+    : target(LinksFollowed(path)), buffer(memory), bufferSize(bufferSize) {
+    const fs::file_status status = fs::status(path, failure);
+    const bool exists = fs::exists(status);
+    if (exists)
+        failure = RefusalOf(status, target);
+    else if (status.type() == fs::file_type::not_found)
+        failure.clear(); // any other failure is one: a ring of links, say, where a file would end the links
+    if (!failure)
+        Open(exists);
+    failed = failed || !IsOpen();
 }
 
-AtomicFile::AtomicFile(const std::string& path) : target(LinksFollowed(path)) {
-    struct stat old {};
-    const bool exists = stat(path.c_str(), &old) == 0;
-    if (!exists && errno != ENOENT) // a ring of links, say, where a file would end the links
-        return;
-    if (exists && (!S_ISREG(old.st_mode) || faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0))
-        return;
-    buffer.reserve(kBufferSize); // before there is a file that a lack of memory would leave behind
+void AtomicFile::Open(bool exists) {
+    buffer.reserve(bufferSize); // before there is a file that a lack of memory would leave behind
+    folder = FolderHandle(FolderOf(target), FolderHandle::Links::Followed);
     // A file that replaces another is private until it has the other's permissions.
-    descriptor = CreateBeside(FolderOf(target), exists ? 0600 : 0666, beside);
-    if (descriptor < 0)
+    file.emplace(folder, exists ? 0600U : 0666U);
+    failure = file->Failure();
+    if (!exists || !IsOpen())
         return;
-    if (exists && !TakeOver(descriptor, old))
-        failed = true;
+    const auto ownership = FileOwnership::Of(target);
+    if (!ownership || !file->TakeOver(*ownership))
+        Fail(file->Failure());
 }
 
-AtomicFile::~AtomicFile() {
-    Discard();
+void AtomicFile::SetBufferSize(std::size_t size) {
+    buffer.reserve(size);
+    bufferSize = size;
 }
 
 void AtomicFile::Write(const void* data, std::size_t size) {
-    if (buffer.size() + size > kBufferSize && !FlushBuffer())
-        return;
-    if (size >= kBufferSize)
-        WriteThrough(static_cast<const char*>(data), size);
-    else
-        buffer.append(static_cast<const char*>(data), size);
+    const auto* const bytes = static_cast<const char*>(data);
+    if (buffer.size() + size > bufferSize)
+        FlushBuffer();
+    if (size >= bufferSize)
+        WriteThrough(bytes, size);
+    else if (!failed)
+        buffer.insert(buffer.end(), bytes, bytes + size);
 }
 
 bool AtomicFile::Commit() {
     if (!IsOpen())
         return false;
-    const bool written = FlushBuffer() && fsync(descriptor) == 0;
-    const bool closed = close(descriptor) == 0;
-    descriptor = -1;
-    if (!written || !closed || rename(beside.c_str(), target.c_str()) != 0) {
-        unlink(beside.c_str());
-        return false;
-    }
-    return SyncFolderOf(target);
+    FlushBuffer();
+    if (!failed && !(file->Sync() && file->Keep(fs::path(target).filename().string())))
+        Fail(file->Failure());
+    file.reset(); // and with it what could not be kept
+    if (!failed)
+        failure = folder.Sync();
+    return !failed && !failure;
 }
 
-void AtomicFile::WriteThrough(const char* data, std::size_t size) {
-    while (size > 0 && !failed) {
-        const ssize_t written = write(descriptor, data, size);
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0) {
-            failed = true;
-            return;
-        }
-        data += written;
-        size -= static_cast<std::size_t>(written);
-    }
+void AtomicFile::WriteThrough(const void* data, std::size_t size) {
+    if (!failed && size > 0 && !file->Write(data, size))
+        Fail(file->Failure());
 }
 
-bool AtomicFile::FlushBuffer() {
-    if (!IsOpen())
-        failed = true;
-    WriteThrough(buffer.data(), failed ? 0 : buffer.size());
+void AtomicFile::FlushBuffer() {
+    WriteThrough(buffer.data(), buffer.size());
     buffer.clear();
-    return !failed;
 }
 
-void AtomicFile::Discard() {
-    if (!IsOpen())
-        return;
-    close(descriptor);
-    descriptor = -1;
-    unlink(beside.c_str());
+void AtomicFile::Fail(std::error_code reason) {
+    failed = true;
+    failure = reason;
 }

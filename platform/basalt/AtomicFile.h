@@ -1,54 +1,68 @@
 #pragma once
 
+#include "basalt/FolderHandle.h"
+#include "basalt/HiddenFile.h"
+
 #include <cstddef>
+#include <memory_resource>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
+#include <vector>
 
-/// A file that appears under its name whole or not at all.
+/// A file that appears under its name atomically: complete, or not at all.
 ///
-/// The bytes go to a hidden file beside the target (".corvane-" and six letters); Commit checks that every
-/// one of them has reached the disk and puts the file in place by renaming. Until then, and after any
-/// failure, whatever stood under the name is untouched. An existing target keeps its permissions, and its
-/// owner and group where this user may give them; a symbolic link is followed, so that the link stays a link.
-/// Not safe for use from two threads at once.
-class AtomicFile {
+/// The bytes go to a hidden file beside the target; Commit checks that every one of them has reached the disk
+/// and puts the file in place by renaming. Until then, and after any failure, what has the name is untouched.
+/// An existing target keeps its permissions, and its owner and group where this user may give them; a
+/// symbolic link is followed, so that the link stays a link. Not safe for use from two threads at once.
+class AtomicFile final {
   public:
-    /// Starts writing beside `path`; IsOpen tells whether that was possible. A target that exists and is not
-    /// a regular file, or that this user may not write, is not opened.
-    explicit AtomicFile(const std::string& path);
+    static constexpr std::size_t kBufferSize = std::size_t{64} * 1024;
+
+    /// Starts writing beside `path`; IsOpen says whether that was possible. A target that exists and is not a
+    /// regular file, or that this user may not write, is not opened.
+    /// @param bufferSize bytes that are collected before they are written; 0 for none
+    /// @param memory where the buffer comes from; outlives the file
+    /// @throws std::bad_alloc
+    explicit AtomicFile(const std::string& path, std::size_t bufferSize = kBufferSize,
+                        std::pmr::memory_resource* memory = std::pmr::get_default_resource());
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
     /// Removes what was written unless it was committed.
-    ~AtomicFile();
+    ~AtomicFile() = default;
 
-    [[nodiscard]] bool IsOpen() const { return descriptor >= 0; }
+    [[nodiscard]] bool IsOpen() const { return file && file->IsOpen(); }
 
     /// Whether a write has failed already, so that a long job can stop early.
     [[nodiscard]] bool HasFailed() const { return failed; }
+    /// The system's reason for not opening, writing or committing the file.
+    [[nodiscard]] std::error_code Failure() const { return failure; }
+
+    /// Gives the buffer another size. @throws std::bad_alloc, std::length_error
+    void SetBufferSize(std::size_t size);
 
     /// Appends bytes. A failure (a full disk) is remembered: later writes do nothing and Commit fails.
     void Write(const void* data, std::size_t size);
     void Write(std::string_view text) { Write(text.data(), text.size()); }
 
     /// Flushes, syncs, renames and syncs the folder; the object is closed afterwards.
-    /// @return false when any byte could not be written safely; the old file then still stands, but for a
-    /// failed
-    ///         sync of the folder, where the new one does.
+    /// @return false when any byte could not be written safely; the old file is still in place then, but for
+    ///         a failed sync of the folder, where the new one is
     [[nodiscard]] bool Commit();
 
   private:
-    void WriteThrough(const char* data, std::size_t size);
-    bool FlushBuffer();
-    void Discard();
+    void Open(bool exists);
+    void WriteThrough(const void* data, std::size_t size);
+    void FlushBuffer();
+    void Fail(std::error_code reason);
 
     std::string target;
-    std::string beside;
-    std::string buffer;
-    int descriptor = -1;
+    FolderHandle folder;
+    std::optional<HiddenFile> file;
+    std::pmr::vector<char> buffer;
+    std::size_t bufferSize;
     bool failed = false;
+    std::error_code failure;
 };
-
-/// Brings the names of the folder that the file lies in to the disk: after a renaming, the new one. A folder
-/// that this user may not list, and one of a file system that syncs no folders, are left to the system.
-/// @return false when that failed
-[[nodiscard]] bool SyncFolderOf(const std::string& path);

@@ -1,29 +1,13 @@
 #include "basalt/bFile.h"
 
-#include <algorithm>
-#include <cerrno>
 #include <filesystem>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-bFile::bFile(bAlloc allocator) : bObject(allocator), buffer(allocator) {
-}
-
-bFile::~bFile() {
-    if (descriptor >= 0)
-        close(descriptor);
-}
+#include <stdexcept>
 
 bStatus bFile::OpenToRead(const char* path) {
-    // Without blocking, because opening a FIFO that nobody writes would wait for ever.
-    descriptor = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (descriptor < 0)
-        return errno == ENOENT ? bERROR_NOT_FOUND : bERROR_FILE;
-    struct stat state {};
-    const bool regular = fstat(descriptor, &state) == 0 && S_ISREG(state.st_mode);
-    return regular ? bOK : bERROR_FILE;
+    input = InputFile(path);
+    if (input.IsOpen())
+        return bOK;
+    return input.Failure() == std::errc::no_such_file_or_directory ? bERROR_NOT_FOUND : bERROR_FILE;
 }
 
 void bFile::OpenToRead(Source from, std::int64_t size) {
@@ -32,24 +16,14 @@ void bFile::OpenToRead(Source from, std::int64_t size) {
 }
 
 bStatus bFile::OpenToWrite(const char* path) try {
-    output.emplace(path);
+    output.emplace(path, 0, Allocator());
     return output->IsOpen() ? bOK : bERROR_FILE;
 } catch (const std::bad_alloc&) {
     return bERROR_MEMORY;
 }
 
 bStatus bFile::Read(void* data, std::size_t capacity, std::size_t* count) {
-    *count = 0;
-    while (*count < capacity) {
-        const ssize_t got = read(descriptor, static_cast<char*>(data) + *count, capacity - *count);
-        if (got == 0)
-            return bOK;
-        if (got < 0 && errno != EINTR)
-            return bERROR_FILE;
-        if (got > 0)
-            *count += static_cast<std::size_t>(got);
-    }
-    return bOK;
+    return input.Read(data, capacity, count) ? bOK : bERROR_FILE;
 }
 
 bStatus bFile::ReadBlock(char* room, std::size_t capacity, std::string_view* block) {
@@ -62,45 +36,28 @@ bStatus bFile::ReadBlock(char* room, std::size_t capacity, std::string_view* blo
 }
 
 std::int64_t bFile::Skip(std::int64_t size) {
-    if (source)
-        return 0; // which makes the reader read over what it does not want
-    const off_t here = lseek(descriptor, 0, SEEK_CUR);
-    Facts facts;
-    if (here < 0 || size < 0 || Ask(&facts) != bOK)
-        return -1;
-    const std::int64_t step = std::clamp<std::int64_t>(facts.size - here, 0, size);
-    return lseek(descriptor, step, SEEK_CUR) < 0 ? -1 : step;
+    return source ? 0 : input.Skip(size); // 0 makes the reader read over what it does not want
 }
 
-bStatus bFile::Ask(Facts* facts) const {
+bStatus bFile::Ask(FileFacts* facts) {
     if (source) {
         *facts = {.size = sourceSize};
         return bOK;
     }
-    struct stat state {};
-    if (descriptor < 0 || fstat(descriptor, &state) != 0)
-        return bERROR_FILE;
-    *facts = {state.st_size, state.st_mtim.tv_sec, state.st_mtim.tv_nsec, state.st_mode & 0777U};
-    return bOK;
+    return input.Ask(facts) ? bOK : bERROR_FILE;
 }
 
 bStatus bFile::Write(const void* data, std::size_t size) {
     if (!output || !output->IsOpen())
         return bERROR_FILE;
-    if (buffer.size() + size > bufferSize)
-        FlushBuffer();
-    if (size >= bufferSize)
-        output->Write(data, size);
-    else
-        buffer.insert(buffer.end(), static_cast<const char*>(data), static_cast<const char*>(data) + size);
+    output->Write(data, size);
     return output->HasFailed() ? bERROR_FILE : bOK;
 }
 
 bStatus bFile::SetWriteBuffer(std::size_t size) try {
     if (!output)
         return bERROR_PARAMETER;
-    buffer.reserve(size);
-    bufferSize = size;
+    output->SetBufferSize(size);
     return bOK;
 } catch (const std::bad_alloc&) {
     return bERROR_MEMORY;
@@ -109,15 +66,7 @@ bStatus bFile::SetWriteBuffer(std::size_t size) try {
 }
 
 bStatus bFile::Commit() {
-    if (!output)
-        return bERROR_FILE;
-    FlushBuffer();
-    return output->Commit() ? bOK : bERROR_FILE;
-}
-
-void bFile::FlushBuffer() {
-    output->Write(buffer.data(), buffer.size());
-    buffer.clear();
+    return output && output->Commit() ? bOK : bERROR_FILE;
 }
 
 int bFile_Exists(const char* path) {
@@ -133,10 +82,9 @@ bStatus bFile_Delete(const char* path) {
 }
 
 std::int64_t bFile_Size(const char* path) {
-    struct stat state {};
-    if (stat(path, &state) != 0 || !S_ISREG(state.st_mode))
-        return -1;
-    return state.st_size;
+    std::error_code failure; // a folder and the like have none
+    const auto size = std::filesystem::file_size(path, failure);
+    return failure ? -1 : static_cast<std::int64_t>(size);
 }
 
 bStatus bFile_Construct(bFile** file, const char* path, int mode, bAlloc allocator) {

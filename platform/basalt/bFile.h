@@ -1,6 +1,7 @@
 #pragma once
 
 #include "basalt/AtomicFile.h"
+#include "basalt/InputFile.h"
 #include "basalt/bObject.h"
 #include "basalt/bStatus.h"
 
@@ -8,33 +9,22 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
-#include <string>
 #include <string_view>
-#include <vector>
+#include <system_error>
 
 constexpr int bFile_READ = 1;  ///< mode of a file, and of an archive in it, that is read
 constexpr int bFile_WRITE = 2; ///< mode of a file, and of an archive in it, that is written
 
 /// A regular file that is open for reading from its start, or for writing. What is written appears under the
-/// name when bFile_Commit says so, whole; destroyed without it, the old file stands untouched.
+/// name atomically with bFile_Commit; destroyed without it, the old file is untouched.
 class bFile final : public bObject {
   public:
-    /// What the system knows of an open file.
-    struct Facts {
-        std::int64_t size = 0;             ///< bytes
-        std::int64_t modified = 0;         ///< seconds since 1970
-        std::int64_t modifiedFraction = 0; ///< and nanoseconds
-        unsigned permissions = 0;          ///< within 0777
-        bool operator==(const Facts&) const = default;
-    };
-
     /// Gives the next bytes in `*block`, none only at the end: bytes that lie somewhere already as they are,
     /// others read into `room`. They live until the next call.
     /// @return 1; another status on failure.
     using Source = std::function<bStatus(char* room, std::size_t capacity, std::string_view* block)>;
 
-    explicit bFile(bAlloc allocator);
-    ~bFile() override;
+    explicit bFile(bAlloc allocator) : bObject(allocator) {}
 
     /// @return 1; bERROR_NOT_FOUND; bERROR_FILE when it cannot be opened or is not a regular file.
     [[nodiscard]] bStatus OpenToRead(const char* path);
@@ -53,7 +43,7 @@ class bFile final : public bObject {
     /// @return the bytes really passed over; -1 on failure
     [[nodiscard]] std::int64_t Skip(std::int64_t size);
     /// Facts of a file that is read. @return 1; bERROR_FILE.
-    [[nodiscard]] bStatus Ask(Facts* facts) const;
+    [[nodiscard]] bStatus Ask(FileFacts* facts);
 
     /// Appends bytes. A failure of the disk is found by bFile_Commit at the latest.
     /// @return 1; bERROR_FILE when the file is not open for writing or a write has failed already.
@@ -61,15 +51,14 @@ class bFile final : public bObject {
     [[nodiscard]] bStatus SetWriteBuffer(std::size_t size);
     [[nodiscard]] bStatus Commit();
 
-  private:
-    void FlushBuffer();
+    /// The system's reason for the last failure of the file.
+    [[nodiscard]] std::error_code Failure() const { return output ? output->Failure() : input.Failure(); }
 
-    int descriptor = -1;
-    Source source; ///< instead of the descriptor
+  private:
+    InputFile input;
+    Source source; ///< instead of a file that is read
     std::int64_t sourceSize = 0;
     std::optional<AtomicFile> output;
-    std::pmr::vector<char> buffer;
-    std::size_t bufferSize = 0;
 };
 
 /// Nonzero when `path` names an existing regular file.

@@ -46,7 +46,7 @@ TarReader::TarReader(bAlloc allocator, bFile* file)
 bStatus TarReader::Open() {
     if (!handle || !entry)
         return bERROR_MEMORY;
-    bFile::Facts facts;
+    FileFacts facts;
     if (file->Ask(&facts) != bOK)
         return bERROR_FILE;
     archiveSize = facts.size;

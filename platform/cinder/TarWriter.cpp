@@ -56,18 +56,18 @@ bStatus TarWriter::Open() {
 bStatus TarWriter::BeginWrite(const char* name, int kind, std::int64_t size) {
     if (size != 0 || (kind != bTar_FILE && kind != bTar_DIRECTORY))
         return bERROR_PARAMETER;
-    bFile::Facts facts;
+    FileFacts facts;
     facts.permissions = kind == bTar_DIRECTORY ? kDirectoryPermissions : 0644;
     return WriteHeader(name, kind, facts);
 }
 
 bStatus TarWriter::WriteFile(const char* name, bFile* source, std::int64_t size) {
-    bFile::Facts before;
+    FileFacts before;
     if (source == nullptr || source->Ask(&before) != bOK || before.size != size)
         return bERROR_FILE;
     if (const bStatus status = WriteHeader(name, bTar_FILE, before); status != bOK)
         return status;
-    bFile::Facts after;
+    FileFacts after;
     const bool whole = CopyData(source, size) == bOK && source->Ask(&after) == bOK && after == before;
     broken = broken || !whole;
     return whole ? bOK : bERROR_FILE;
@@ -80,7 +80,7 @@ bStatus TarWriter::Close() {
     return !broken && archive_write_close(handle.get()) == ARCHIVE_OK ? bOK : bERROR_FILE;
 }
 
-bStatus TarWriter::WriteHeader(const char* name, int kind, const bFile::Facts& facts) {
+bStatus TarWriter::WriteHeader(const char* name, int kind, const FileFacts& facts) {
     if (broken)
         return bERROR_FILE;
     if (const bStatus status = NameStatus(name); status != bOK)

@@ -21,7 +21,7 @@ class TarWriter final : public bTar {
     [[nodiscard]] bStatus Close() override;
 
   private:
-    [[nodiscard]] bStatus WriteHeader(const char* name, int kind, const bFile::Facts& facts);
+    [[nodiscard]] bStatus WriteHeader(const char* name, int kind, const FileFacts& facts);
     [[nodiscard]] bStatus CopyData(bFile* source, std::int64_t size);
 
     bFile* file;

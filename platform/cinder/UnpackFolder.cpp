@@ -1,10 +1,10 @@
 #include "cinder/UnpackFolder.h"
 
 #include "basalt/Exception.h"
+#include "basalt/HiddenFile.h"
 #include "basalt/bDirectory.h"
 #include "basalt/bFile.h"
 #include "cinder/ConfinedFolder.h"
-#include "cinder/PartialFile.h"
 #include "cinder/TarName.h"
 #include "cinder/bTar.h"
 
@@ -61,14 +61,24 @@ class Unpacker {
         if (!IsNarrowTarName(name) || parts.empty() || !name.ends_with(parts.back()))
             Fail(__LINE__, bERROR_FILE, "Failed to open file - " + PathOf(name));
         MakeParent(name, parts);
-        PartialFile file(folder.OpenParent(parts), parts.back(), bTar_Permissions(tar));
+        const FolderHandle parent = folder.OpenParent(parts);
+        if (!IsFree(parent, parts.back()))
+            Fail(__LINE__, bERROR_FILE, "Failed to open file - " + PathOf(name));
+        HiddenFile file(parent, bTar_Permissions(tar) | 0600U);
         if (!file.IsOpen())
             Fail(__LINE__, bERROR_FILE, "Failed to open file - " + PathOf(name));
         for (; status == bOK; status = ReadBlock(name, &block))
-            if (!file.Write(block))
+            if (!file.Write(block.data(), block.size()))
                 Fail(__LINE__, bERROR_FILE, "Failed to write " + PathOf(name));
-        if (!file.Keep())
+        if (!file.Keep(parts.back()))
             Fail(__LINE__, bERROR_FILE, "Failed to write " + PathOf(name));
+    }
+
+    /// A file may be replaced; anything else that has the name is in the way.
+    static bool IsFree(const FolderHandle& parent, const std::string& name) {
+        FileFacts facts;
+        const std::error_code failure = parent.Ask(name, &facts);
+        return failure ? failure == std::errc::no_such_file_or_directory : facts.kind == FileKind::File;
     }
 
     /// @return 1 or bERROR_END

@@ -1,52 +1,38 @@
 #include "window/TrackFolder.h"
 
 #include "basalt/Exception.h"
-#include "basalt/bStatus.h"
+#include "basalt/FolderReader.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
-#include <cerrno>
-#include <memory>
-
-#include <dirent.h>
 
 namespace {
 
-struct FolderCloser {
-    void operator()(DIR* folder) const { closedir(folder); }
-};
-
 /// A file or a folder, or a link to one.
-bool IsFileOrFolder(const dirent& entry, const QString& path) {
-    if (entry.d_type != DT_LNK && entry.d_type != DT_UNKNOWN)
-        return entry.d_type == DT_REG || entry.d_type == DT_DIR;
+bool IsFileOrFolder(const FolderEntry& entry, const QString& path) {
+    if (entry.kind != FileKind::Link)
+        return entry.kind != FileKind::Other;
     const QFileInfo info(path);
     return info.isFile() || info.isDir();
 }
 
-bStatus StatusOfErrno() {
-    return errno == ENOMEM ? bERROR_MEMORY : bERROR_FILE;
-}
-
-/// The names as the toolkit lists them, without hidden ones and those that are no text. It would take a
-/// folder that cannot be read for an empty one, and one that can be read in part for a smaller one.
+/// The names as Qt lists them, without hidden ones and those that are no text. It would mistake a folder that
+/// cannot be read for an empty one, and one that can be read in part for a smaller one.
 bStatus ReadNames(const QString& directory, const QString& pattern, QStringList& names) {
-    const std::unique_ptr<DIR, FolderCloser> folder(opendir(QFile::encodeName(directory).constData()));
-    if (!folder)
-        return StatusOfErrno();
-    errno = 0; // nothing else tells the end from a failure
-    while (const dirent* const entry = readdir(folder.get())) {
-        const QString name = QFile::decodeName(entry->d_name);
-        const bool shown = QFile::encodeName(name) == entry->d_name && !name.startsWith(QLatin1Char('.'));
-        if (shown && QDir::match(pattern, name) &&
-            IsFileOrFolder(*entry, directory + QLatin1Char('/') + name))
+    FolderReader folder(QFile::encodeName(directory).constData());
+    FolderEntry entry;
+    bStatus status = bOK;
+    while ((status = folder.Next(&entry)) == bOK) {
+        const QByteArray bytes(entry.name.data(), static_cast<int>(entry.name.size()));
+        const QString name = QFile::decodeName(bytes);
+        const bool shown = QFile::encodeName(name) == bytes && !name.startsWith(QLatin1Char('.'));
+        if (shown && QDir::match(pattern, name) && IsFileOrFolder(entry, directory + QLatin1Char('/') + name))
             names.append(name);
-        errno = 0;
     }
-    return errno == 0 ? bOK : StatusOfErrno();
+    return status;
 }
 
 bool ComesBefore(const QString& one, const QString& other) {
@@ -60,7 +46,7 @@ QStringList ListFiles(const QString& directory, const QString& pattern) {
     QStringList names;
     if (!QFileInfo(directory).isDir())
         return names;
-    if (const bStatus status = ReadNames(directory, pattern, names); status != bOK)
+    if (const bStatus status = ReadNames(directory, pattern, names); status != bERROR_END)
         throw Ve::Exception(__LINE__, "TrackFolder", status, "ListFiles", "Failed to list files in %s",
                             directory.toStdString().c_str());
     std::sort(names.begin(), names.end(), ComesBefore);

@@ -1,11 +1,11 @@
 #include "window/mainwindow.h"
 
 #include "basalt/Exception.h"
+#include "basalt/FileReplacement.h"
 #include "basalt/bFile.h"
 #include "basalt/bStatus.h"
 #include "document/formats/Converter.h"
 #include "ui_mainwindow.h"
-#include "window/FileReplacement.h"
 #include "window/TrackFolder.h"
 #include "window/WaitCursor.h"
 
@@ -249,7 +249,7 @@ void MainWindow::SaveInPlace(const QString& track) {
     cleanUp();
     const auto atTheEnd = qScopeGuard(cleanUp);
     WriteTrack(track, kTemporaryTrack);
-    if (!ReplaceFile(kTemporaryTrack.toStdString(), track.toStdString()))
+    if (ReplaceFile(kTemporaryTrack.toStdString(), track.toStdString()))
         throw Ve::Exception(__LINE__, kSourceFile, bERROR_TRACK, "MainWindow::SaveTrack",
                             "Failed to read the target file.");
 }

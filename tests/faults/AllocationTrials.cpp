@@ -4,10 +4,10 @@
 #include "OperatorFiles.h"
 #include "TemporaryFolder.h"
 #include "basalt/Exception.h"
+#include "basalt/FileReplacement.h"
 #include "canvas/qmaskwidget.h"
 #include "document/formats/Converter.h"
 #include "document/formats/TrackInfo.h"
-#include "window/FileReplacement.h"
 #include "window/WorkingFiles.h"
 
 #include <cstdint>
@@ -106,7 +106,7 @@ bool Save(const std::string& path, QMaskWidget& canvas) {
     canvas.SavePath(QString::fromStdString(path), QStringLiteral("temp.trk"), track.yResolution,
                     track.xOffset, track.yOffset, track.width * track.xResolution,
                     track.height * track.yResolution);
-    return ReplaceFile("temp.trk", path);
+    return !ReplaceFile("temp.trk", path);
 }
 
 bool IsSaved(const std::string& file) {

@@ -81,7 +81,7 @@ bool IsWrite(const std::string& call) {
 /// A new name is on the disk when its folder was synced after the renaming.
 bool SyncsAfterRenaming(const std::vector<std::string>& calls) {
     const auto last = std::find_if(calls.rbegin(), calls.rend(),
-                                   [](const std::string& call) { return call.starts_with("rename "); });
+                                   [](const std::string& call) { return call.starts_with("rename"); });
     return last != calls.rend() && std::any_of(calls.rbegin(), last, [](const std::string& call) {
                return call.starts_with("fsync ");
            });

@@ -1,7 +1,6 @@
 #include "OrdinaryUser.h"
 #include "WindowTest.h"
 #include "log/Log.h"
-#include "window/FileReplacement.h"
 #include "window/TrackFolder.h"
 
 #include <QAbstractItemView>
@@ -982,48 +981,6 @@ TEST_F(TrackOperations, LongNamesLeaveTheCanvasItsRoomAndCanBeToldApart) {
     EXPECT_EQ(list.view()->textElideMode(), Qt::ElideMiddle);
     click("toolButton_reset");
     EXPECT_EQ(find<QLabel>("label_fileName").toolTip(), QString());
-}
-
-TEST_F(TrackOperations, ReplacingAFileKeepsItsPermissionsAndItsLinks) {
-    WriteFile("target", "old");
-    fs::permissions("target", fs::perms::owner_read | fs::perms::owner_write);
-    fs::create_symlink("target", "link");
-    WriteFile("from", "new");
-    EXPECT_TRUE(ReplaceFile("from", "link"));
-    EXPECT_EQ(FileContent("target"), "new");
-    EXPECT_TRUE(fs::is_symlink("link"));
-    EXPECT_EQ(fs::status("target").permissions(), fs::perms::owner_read | fs::perms::owner_write);
-}
-
-TEST_F(TrackOperations, ReplacingKeepsTheOwnerAndTheGroup) {
-    WriteFile("target", "old");
-    WriteFile("from", "new");
-    if (chown("target", 12345, 54321) != 0)
-        GTEST_SKIP() << "this user may not give files away";
-    fs::permissions("target", fs::perms::owner_read | fs::perms::owner_write);
-    EXPECT_TRUE(ReplaceFile("from", "target"));
-    EXPECT_EQ(FileContent("target"), "new");
-    struct stat state {};
-    ASSERT_EQ(stat("target", &state), 0);
-    EXPECT_EQ(state.st_uid, 12345U);
-    EXPECT_EQ(state.st_gid, 54321U);
-    EXPECT_EQ(state.st_mode & 07777U, 0600U);
-    WriteFile("from", "other group alone");
-    ASSERT_EQ(chown("target", getuid(), 54321), 0);
-    EXPECT_TRUE(ReplaceFile("from", "target"));
-    ASSERT_EQ(stat("target", &state), 0);
-    EXPECT_EQ(state.st_gid, 54321U);
-    EXPECT_FALSE(ReplaceFile("gone", "target"));
-    EXPECT_EQ(FileContent("target"), "other group alone");
-}
-
-TEST_F(TrackOperations, ReplacingRefusesWhatIsNoFile) {
-    WriteFile("from", "new");
-    EXPECT_FALSE(ReplaceFile("from", "missing"));
-    fs::create_directory("folder");
-    EXPECT_FALSE(ReplaceFile("from", "folder"));
-    EXPECT_FALSE(ReplaceFile("gone", "from"));
-    EXPECT_EQ(FileContent("from"), "new");
 }
 
 } // namespace

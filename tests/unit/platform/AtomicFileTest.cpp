@@ -201,21 +201,22 @@ TEST(AtomicFile, givesAnotherGroupNoMoreThanEverybodyHas) {
     }
 }
 
-/// How replacing a file ends when its first sync, its own, and the second, its folder's, fail with these.
-bool ReplacedDespite(int fileFailure, int folderFailure) {
+/// Why a file is not replaced when its first sync, its own, and the second, its folder's, fail with these.
+std::error_code FailureOf(int fileFailure, int folderFailure) {
     WriteFile("a.trk", "old");
     syncFailures = {folderFailure, fileFailure};
     AtomicFile file("a.trk");
     file.Write("new");
     const bool done = file.Commit();
     syncFailures.clear();
-    return done;
+    EXPECT_EQ(done, !file.Failure());
+    return file.Failure();
 }
 
 TEST(AtomicFile, isNotPutInPlaceBeforeItIsOnTheDisk) {
     const TemporaryFolder folder;
     for (const int failure : {EIO, ENOSPC, EINVAL}) {
-        EXPECT_FALSE(ReplacedDespite(failure, 0));
+        EXPECT_EQ(FailureOf(failure, 0).value(), failure);
         EXPECT_EQ(FileContent("a.trk"), "old");
         EXPECT_EQ(EntriesHere(), 1U);
     }
@@ -223,7 +224,7 @@ TEST(AtomicFile, isNotPutInPlaceBeforeItIsOnTheDisk) {
 
 TEST(AtomicFile, saysWhenItsNameMayNotBeOnTheDisk) {
     const TemporaryFolder folder;
-    EXPECT_FALSE(ReplacedDespite(0, EIO));
+    EXPECT_EQ(FailureOf(0, EIO).value(), EIO);
     EXPECT_EQ(FileContent("a.trk"), "new");
     EXPECT_EQ(EntriesHere(), 1U);
 }
@@ -231,7 +232,7 @@ TEST(AtomicFile, saysWhenItsNameMayNotBeOnTheDisk) {
 TEST(AtomicFile, isDoneWhereFoldersAreNotSynced) {
     const TemporaryFolder folder;
     for (const int failure : {EINVAL, ENOTSUP}) {
-        EXPECT_TRUE(ReplacedDespite(0, failure));
+        EXPECT_EQ(FailureOf(0, failure), std::error_code());
         EXPECT_EQ(FileContent("a.trk"), "new");
     }
 }
@@ -245,7 +246,6 @@ TEST(AtomicFile, isDoneInAFolderThatMayNotBeListed) {
     Replace("box/a.trk");
     Replace("box/a.trk");
     ASSERT_EQ(chmod("box", 0700), 0);
-    EXPECT_FALSE(SyncFolderOf("missing/a.trk"));
 }
 
 TEST(AtomicFile, needsNoPermissionsSetThatItHasAnyway) {
@@ -253,13 +253,13 @@ TEST(AtomicFile, needsNoPermissionsSetThatItHasAnyway) {
     WriteFile("a.trk", "old");
     ASSERT_EQ(chmod("a.trk", 0600), 0);
     modesAreRefused = true;
-    const bool done = ReplacedDespite(0, 0);
+    const bool done = !FailureOf(0, 0);
     modesAreRefused = false;
     EXPECT_TRUE(done);
     EXPECT_EQ(FileContent("a.trk"), "new");
     ASSERT_EQ(chmod("a.trk", 0640), 0);
     modesAreRefused = true;
-    const bool doneAgain = ReplacedDespite(0, 0);
+    const bool doneAgain = !FailureOf(0, 0);
     modesAreRefused = false;
     EXPECT_FALSE(doneAgain) << "it would be closed to those it was open to";
     EXPECT_EQ(FileContent("a.trk"), "old");
@@ -315,10 +315,16 @@ TEST(AtomicFile, takesOverNoPermissionsBeyond0777) {
 TEST(AtomicFile, isNotOpenedWhereNoFileCanStand) {
     const TemporaryFolder folder;
     std::filesystem::create_directory("folder");
-    EXPECT_FALSE(AtomicFile("folder").IsOpen());
-    EXPECT_FALSE(AtomicFile("missing/a.trk").IsOpen());
     ASSERT_EQ(mkfifo("fifo", 0600), 0);
-    EXPECT_FALSE(AtomicFile("fifo").IsOpen());
+    WriteFile("file", "");
+    for (const auto& [path, reason] :
+         {std::pair{"folder", std::errc::is_a_directory},
+          std::pair{"missing/a.trk", std::errc::no_such_file_or_directory},
+          std::pair{"file/a.trk", std::errc::not_a_directory}, std::pair{"fifo", std::errc::not_supported}}) {
+        const AtomicFile file(path);
+        EXPECT_FALSE(file.IsOpen()) << path;
+        EXPECT_EQ(file.Failure(), reason) << path;
+    }
     AtomicFile closed("missing/a.trk");
     closed.Write("x");
     EXPECT_FALSE(closed.Commit());

@@ -238,9 +238,9 @@ TEST(File, mayBeASourceThatGivesItsBytesOneAfterTheOther) {
     EXPECT_EQ(file, nullptr);
     ASSERT_EQ(bFile_ConstructOver(&file, source, 2, bAlloc_Application()), bOK);
     const bOwned<bFile> owned(file);
-    bFile::Facts facts;
+    FileFacts facts;
     EXPECT_EQ(file->Ask(&facts), bOK);
-    EXPECT_EQ(facts, (bFile::Facts{.size = 2}));
+    EXPECT_EQ(facts, (FileFacts{.size = 2}));
     EXPECT_EQ(file->Skip(1), 0) << "it is read over instead";
     std::array<char, 4> room{};
     std::string_view block;

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+
+/// What a name in a folder leads to.
+enum class FileKind {
+    File,
+    Folder,
+    Link,  ///< a symbolic link, whatever it leads to
+    Other, ///< a pipe, a socket, a device
+};
+
+/// The permission bits that are read from files and archives and given to new ones; never more.
+constexpr unsigned kPermissionBits = 0777;
+
+/// What the system knows of a file or a folder.
+struct FileFacts {
+    FileKind kind = FileKind::File;
+    std::int64_t size = 0;             ///< bytes
+    std::int64_t modified = 0;         ///< seconds since 1970
+    std::int64_t modifiedFraction = 0; ///< and nanoseconds
+    unsigned permissions = 0;          ///< within kPermissionBits
+    bool operator==(const FileFacts&) const = default;
+};

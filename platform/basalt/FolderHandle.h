@@ -1,0 +1,44 @@
+#pragma once
+
+#include "basalt/FileDescriptor.h"
+#include "basalt/FileFacts.h"
+
+#include <string>
+#include <system_error>
+
+/// An open folder. What lies in it is reached by a bare name, without "/", and never through a symbolic link;
+/// it stays the same folder whatever happens to its path meanwhile.
+class FolderHandle final {
+  public:
+    enum class Links { Followed, Refused };
+
+    /// Not open.
+    FolderHandle() = default;
+    /// Opens the folder at a path. @param links whether the path's last part may be a symbolic link
+    FolderHandle(const std::string& path, Links links);
+
+    [[nodiscard]] bool IsOpen() const { return descriptor.IsOpen(); }
+    /// For the system's calls.
+    [[nodiscard]] int Number() const { return descriptor.Number(); }
+
+    /// The system's reason why the folder is not open.
+    [[nodiscard]] std::error_code Failure() const { return failure; }
+
+    /// Opens a folder in this one; the result is not open when there is none.
+    [[nodiscard]] FolderHandle OpenFolder(const std::string& name) const;
+    /// @return false when the name is taken, or the folder cannot be made
+    [[nodiscard]] bool MakeFolder(const std::string& name, unsigned permissions) const;
+    /// What has this name. @return the system's reason when that cannot be found out
+    [[nodiscard]] std::error_code Ask(const std::string& name, FileFacts* facts) const;
+
+    /// Brings the names in the folder to the disk: after a renaming, the new one. A folder that this user may
+    /// not list, and one of a file system that syncs no folders, are left to the system.
+    /// @return the reason when that failed
+    [[nodiscard]] std::error_code Sync() const;
+
+  private:
+    explicit FolderHandle(int opened);
+
+    FileDescriptor descriptor;
+    std::error_code failure = std::make_error_code(std::errc::bad_file_descriptor);
+};

@@ -1,0 +1,8 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// A name that nobody can foresee: `prefix` and six letters or digits.
+/// @throws std::bad_alloc
+std::string RandomName(std::string_view prefix);

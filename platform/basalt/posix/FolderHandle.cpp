@@ -1,0 +1,46 @@
+#include "basalt/FolderHandle.h"
+
+#include "basalt/posix/FileState.h"
+#include "basalt/posix/SystemError.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int kFolderFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+
+} // namespace
+
+FolderHandle::FolderHandle(int opened)
+    : descriptor(opened), failure(opened < 0 ? LastError() : std::error_code()) {
+}
+
+FolderHandle::FolderHandle(const std::string& path, Links links)
+    : FolderHandle(open(path.c_str(), kFolderFlags | (links == Links::Refused ? O_NOFOLLOW : 0))) {
+}
+
+FolderHandle FolderHandle::OpenFolder(const std::string& name) const {
+    return FolderHandle(openat(Number(), name.c_str(), kFolderFlags | O_NOFOLLOW));
+}
+
+bool FolderHandle::MakeFolder(const std::string& name, unsigned permissions) const {
+    return mkdirat(Number(), name.c_str(), permissions) == 0;
+}
+
+std::error_code FolderHandle::Ask(const std::string& name, FileFacts* facts) const {
+    struct stat state {};
+    if (fstatat(Number(), name.c_str(), &state, AT_SYMLINK_NOFOLLOW) != 0)
+        return LastError();
+    *facts = FactsOf(state);
+    return {};
+}
+
+std::error_code FolderHandle::Sync() const {
+    // A folder that is open for steps alone cannot be synced.
+    const FileDescriptor folder(openat(Number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder.IsOpen())
+        return errno == EACCES ? std::error_code() : LastError();
+    const bool synced = fsync(folder.Number()) == 0 || errno == EINVAL || errno == ENOTSUP;
+    return synced ? std::error_code() : LastError();
+}

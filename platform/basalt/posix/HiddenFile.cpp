@@ -1,0 +1,66 @@
+#include "basalt/HiddenFile.h"
+
+#include "basalt/RandomName.h"
+#include "basalt/posix/SystemError.h"
+
+#include <cstdio>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+HiddenFile::HiddenFile(const FolderHandle& folder, unsigned permissions) : folder(folder) {
+    constexpr int kTries = 100;
+    constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+    failure = folder.IsOpen() ? std::make_error_code(std::errc::file_exists) : folder.Failure();
+    for (int i = 0; i < kTries && failure == std::errc::file_exists; ++i) {
+        hidden = RandomName(".corvane-");
+        // The permissions are given at creation: asking for the process's mask means changing it for a
+        // moment, under the feet of other threads.
+        file = FileDescriptor(openat(folder.Number(), hidden.c_str(), kFlags, permissions));
+        failure = IsOpen() ? std::error_code() : LastError();
+    }
+}
+
+HiddenFile::~HiddenFile() {
+    if (!IsOpen())
+        return;
+    static_cast<void>(file.Close());
+    unlinkat(folder.Number(), hidden.c_str(), 0);
+}
+
+bool HiddenFile::Write(const void* data, std::size_t size) {
+    const auto* rest = static_cast<const char*>(data);
+    while (size > 0) {
+        const ssize_t written = write(file.Number(), rest, size);
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return Note(false);
+        rest += written;
+        size -= static_cast<std::size_t>(written);
+    }
+    return true;
+}
+
+bool HiddenFile::TakeOver(const FileOwnership& ownership) {
+    return Note(ownership.GiveTo(file));
+}
+
+bool HiddenFile::Sync() {
+    return Note(fsync(file.Number()) == 0);
+}
+
+bool HiddenFile::Keep(const std::string& name) {
+    const bool kept = Note(file.Close()) &&
+                      Note(renameat(folder.Number(), hidden.c_str(), folder.Number(), name.c_str()) == 0);
+    if (!kept)
+        unlinkat(folder.Number(), hidden.c_str(), 0);
+    return kept;
+}
+
+/// Keeps the first reason.
+bool HiddenFile::Note(bool succeeded) {
+    if (!succeeded && !failure)
+        failure = LastError();
+    return succeeded;
+}
