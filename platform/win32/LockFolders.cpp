@@ -1,10 +1,10 @@
 #include "LockFolders.h"
 
+#include "basalt/FolderReader.h"
+
 #include <cerrno>
 #include <cstdlib>
-#include <dirent.h>
 #include <fcntl.h>
-#include <memory>
 #include <set>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -18,37 +18,26 @@ std::string UserId() {
     return std::to_string(::geteuid());
 }
 
-/// Opens a folder that is this user's alone.
-Descriptor OpenPrivate(const std::string& path) {
-    Descriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+void AddPrivate(const std::string& path, std::vector<FolderHandle>& folders) {
+    FolderHandle folder(path, FolderHandle::Links::Refused);
     struct stat state {};
-    if (!folder.IsOpen() || ::fstat(folder.Number(), &state) != 0 || state.st_uid != ::geteuid() ||
-        (state.st_mode & kRightsOfOthers) != 0)
-        return Descriptor(-1);
-    return folder;
-}
-
-void AddPrivate(const std::string& path, std::vector<Descriptor>& folders) {
-    Descriptor folder = OpenPrivate(path);
-    if (folder.IsOpen())
+    if (folder.IsOpen() && ::fstat(folder.Number(), &state) == 0 && state.st_uid == ::geteuid() &&
+        (state.st_mode & kRightsOfOthers) == 0)
         folders.push_back(std::move(folder));
 }
 
 /// The names in `shared` that may be this user's: `name`, and those that only add to it after a point.
 std::set<std::string> NamesOfUser(const std::string& shared, const std::string& name) {
     std::set<std::string> names{name};
-    const std::unique_ptr<DIR, int (*)(DIR*)> folder(::opendir(shared.c_str()), ::closedir);
-    const dirent* entry = nullptr;
-    while (folder && (entry = ::readdir(folder.get())) != nullptr) {
-        const std::string found = entry->d_name;
-        if (found.rfind(name + ".", 0) == 0)
-            names.insert(found);
-    }
+    FolderReader reader(shared.c_str());
+    for (FolderEntry entry; reader.Next(&entry) == bOK;)
+        if (entry.name.starts_with(name + "."))
+            names.emplace(entry.name);
     return names;
 }
 
-std::vector<Descriptor> PrivateFoldersIn(const std::string& shared, const std::string& name) {
-    std::vector<Descriptor> folders;
+std::vector<FolderHandle> PrivateFoldersIn(const std::string& shared, const std::string& name) {
+    std::vector<FolderHandle> folders;
     for (const std::string& found : NamesOfUser(shared, name)) {
         std::string path = shared;
         path += '/';
@@ -69,9 +58,9 @@ void MakePrivateFolder(const std::string& shared, const std::string& name) {
 
 /// All of this user's: two processes may each have made one at the same moment, and whoever sees both must
 /// take both locks.
-std::vector<Descriptor> SharedFolders(const std::string& shared) {
+std::vector<FolderHandle> SharedFolders(const std::string& shared) {
     const std::string name = "corvane-" + UserId();
-    std::vector<Descriptor> folders = PrivateFoldersIn(shared, name);
+    std::vector<FolderHandle> folders = PrivateFoldersIn(shared, name);
     if (!folders.empty())
         return folders;
     MakePrivateFolder(shared, name);
@@ -79,18 +68,18 @@ std::vector<Descriptor> SharedFolders(const std::string& shared) {
 }
 
 /// Opens or makes the lock file. The sticky bit keeps cleaners of old files away from it.
-Descriptor OpenLockFile(const Descriptor& folder, const std::string& name) {
-    Descriptor file(::openat(folder.Number(), name.c_str(),
-                             O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600));
+FileDescriptor OpenLockFile(const FolderHandle& folder, const std::string& name) {
+    FileDescriptor file(::openat(folder.Number(), name.c_str(),
+                                 O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600));
     struct stat state {};
     if (!file.IsOpen() || ::fstat(file.Number(), &state) != 0 || !S_ISREG(state.st_mode) ||
         state.st_uid != ::geteuid())
-        return Descriptor(-1);
+        return {};
     ::fchmod(file.Number(), S_ISVTX | 0600);
     return file;
 }
 
-LockResult Lock(const Descriptor& file) {
+LockResult Lock(const FileDescriptor& file) {
     int result = -1;
     do {
         result = ::flock(file.Number(), LOCK_EX | LOCK_NB);
@@ -102,13 +91,8 @@ LockResult Lock(const Descriptor& file) {
 
 } // namespace
 
-Descriptor::~Descriptor() {
-    if (number >= 0)
-        ::close(number);
-}
-
-std::vector<Descriptor> OpenLockFolders(const LockFolderRoots& roots) {
-    std::vector<Descriptor> folders;
+std::vector<FolderHandle> OpenLockFolders(const LockFolderRoots& roots) {
+    std::vector<FolderHandle> folders;
     const char* const given = std::getenv("CORVANE_INSTANCE");
     if (given != nullptr && *given != '\0') {
         if (*given == '/')
@@ -116,15 +100,15 @@ std::vector<Descriptor> OpenLockFolders(const LockFolderRoots& roots) {
         return folders;
     }
     AddPrivate(roots.runtime + "/" + UserId(), folders);
-    for (Descriptor& folder : SharedFolders(roots.shared))
+    for (FolderHandle& folder : SharedFolders(roots.shared))
         folders.push_back(std::move(folder));
     return folders;
 }
 
-LockResult TakeLock(const std::vector<Descriptor>& folders, const std::string& name,
-                    std::vector<Descriptor>& locks) {
-    for (const Descriptor& folder : folders) {
-        Descriptor file = OpenLockFile(folder, name);
+LockResult TakeLock(const std::vector<FolderHandle>& folders, const std::string& name,
+                    std::vector<FileDescriptor>& locks) {
+    for (const FolderHandle& folder : folders) {
+        FileDescriptor file = OpenLockFile(folder, name);
         const LockResult result = file.IsOpen() ? Lock(file) : LockResult::NoPlace;
         if (result == LockResult::Taken)
             locks.push_back(std::move(file));

@@ -1,25 +1,10 @@
 #pragma once
 
+#include "basalt/FileDescriptor.h"
+#include "basalt/FolderHandle.h"
+
 #include <string>
-#include <utility>
 #include <vector>
-
-/// An open file or folder, closed with the object.
-class Descriptor final {
-  public:
-    explicit Descriptor(int number) : number(number) {}
-    Descriptor(Descriptor&& other) noexcept : number(std::exchange(other.number, -1)) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    Descriptor& operator=(Descriptor&&) = delete;
-    ~Descriptor();
-
-    [[nodiscard]] bool IsOpen() const { return number >= 0; }
-    [[nodiscard]] int Number() const { return number; }
-
-  private:
-    int number;
-};
 
 /// Where OpenLockFolders looks.
 struct LockFolderRoots {
@@ -43,7 +28,7 @@ struct LockFolderRoots {
 /// The variable CORVANE_INSTANCE names one folder to be used instead: processes with different ones do not
 /// see each other's locks. It has to be an absolute path of a folder that is this user's alone.
 /// @return none where the system gives no such folder
-std::vector<Descriptor> OpenLockFolders(const LockFolderRoots& roots = {});
+std::vector<FolderHandle> OpenLockFolders(const LockFolderRoots& roots = {});
 
 enum class LockResult { Taken, HeldByAnother, NoPlace };
 
@@ -51,5 +36,5 @@ enum class LockResult { Taken, HeldByAnother, NoPlace };
 /// processes at once, exactly one takes it where all have a folder in common.
 /// @param locks gets the locks, which end with their descriptors; none unless they are taken
 /// @return HeldByAnother when that is so in any of the folders; NoPlace when no folder gives a file to lock
-LockResult TakeLock(const std::vector<Descriptor>& folders, const std::string& name,
-                    std::vector<Descriptor>& locks);
+LockResult TakeLock(const std::vector<FolderHandle>& folders, const std::string& name,
+                    std::vector<FileDescriptor>& locks);

@@ -16,7 +16,7 @@ thread_local DWORD lastError = ERROR_SUCCESS;
 /// What a HANDLE points to: the locks of the one who made the mutex, none for anybody else. A lock ends with
 /// its descriptor.
 struct NamedMutex {
-    std::vector<Descriptor> locks;
+    std::vector<FileDescriptor> locks;
 };
 
 /// The file name for a mutex; empty when the name is not one of those known here.

@@ -32,9 +32,10 @@ class LockFoldersTest : public testing::Test {
     [[nodiscard]] std::vector<std::string> Opened() const { return PathsOf(OpenLockFolders(roots)); }
 
     /// Relative to the test's folder.
-    [[nodiscard]] std::vector<std::string> PathsOf(const std::vector<Descriptor>& folders) const {
+    template<typename Opened>
+    [[nodiscard]] std::vector<std::string> PathsOf(const std::vector<Opened>& places) const {
         std::vector<std::string> paths;
-        for (const Descriptor& place : folders) {
+        for (const Opened& place : places) {
             const std::filesystem::path link = "/proc/self/fd/" + std::to_string(place.Number());
             paths.push_back(
                 std::filesystem::relative(std::filesystem::read_symlink(link), folder.Path("")).string());
@@ -134,18 +135,18 @@ class TakeLockTest : public LockFoldersTest {};
 
 TEST_F(TakeLockTest, takesItInEveryFolder) {
     MakeRuntimeFolder();
-    const std::vector<Descriptor> both = OpenLockFolders(roots);
-    std::vector<Descriptor> locks;
+    const std::vector<FolderHandle> both = OpenLockFolders(roots);
+    std::vector<FileDescriptor> locks;
     EXPECT_EQ(TakeLock(both, "a.lock", locks), LockResult::Taken);
     EXPECT_THAT(PathsOf(locks), ElementsAre("runtime/" + user + "/a.lock", "shared/" + name + "/a.lock"));
 }
 
 /// The runtime folder may come and go between two starts.
 TEST_F(TakeLockTest, isHeldByAnotherWhoHasOneFolderInCommon) {
-    std::vector<Descriptor> locks;
+    std::vector<FileDescriptor> locks;
     EXPECT_EQ(TakeLock(OpenLockFolders(roots), "a.lock", locks), LockResult::Taken);
     MakeRuntimeFolder();
-    std::vector<Descriptor> others;
+    std::vector<FileDescriptor> others;
     EXPECT_EQ(TakeLock(OpenLockFolders(roots), "a.lock", others), LockResult::HeldByAnother);
     EXPECT_THAT(PathsOf(others), IsEmpty());
     locks.clear();
@@ -157,7 +158,7 @@ TEST_F(TakeLockTest, isHeldByAnotherWhoHasOneFolderInCommon) {
 TEST_F(TakeLockTest, passesOverAFolderThatGivesNoFile) {
     MakeRuntimeFolder();
     ::mkdir(("runtime/" + user + "/a.lock").c_str(), 0700);
-    std::vector<Descriptor> locks;
+    std::vector<FileDescriptor> locks;
     EXPECT_EQ(TakeLock(OpenLockFolders(roots), "a.lock", locks), LockResult::Taken);
     EXPECT_THAT(PathsOf(locks), ElementsAre("shared/" + name + "/a.lock"));
     std::filesystem::remove_all("shared");
@@ -183,7 +184,7 @@ TEST_F(TakeLockTest, isTakenByExactlyOneOfManyThatMakeTheirFoldersAtOnce) {
         char byte = 0;
         if (::read(start[0], &byte, 1) != 0) // until all are ready
             ::_exit(1);
-        std::vector<Descriptor> locks;
+        std::vector<FileDescriptor> locks;
         byte = TakeLock(OpenLockFolders(roots), "a.lock", locks) == LockResult::Taken ? 't' : 'h';
         if (::write(results[1], &byte, 1) != 1)
             ::_exit(1);

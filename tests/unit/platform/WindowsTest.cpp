@@ -247,7 +247,7 @@ TEST_F(MutexTest, HoldsForTheUserWhateverTheRuntimeDirectory) {
     }
     CloseHandle(first);
     EXPECT_TRUE(::rmdir(instance.c_str()) == 0); // nothing was made in it
-    for (const Descriptor& place : OpenLockFolders())
+    for (const FolderHandle& place : OpenLockFolders())
         EXPECT_EQ(::unlinkat(place.Number(), (name + ".lock").c_str(), 0), 0);
 }
 
