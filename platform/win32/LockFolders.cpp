@@ -2,11 +2,8 @@
 
 #include "basalt/FolderReader.h"
 
-#include <cerrno>
 #include <cstdlib>
-#include <fcntl.h>
 #include <set>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -67,28 +64,6 @@ std::vector<FolderHandle> SharedFolders(const std::string& shared) {
     return PrivateFoldersIn(shared, name);
 }
 
-/// Opens or makes the lock file. The sticky bit keeps cleaners of old files away from it.
-FileDescriptor OpenLockFile(const FolderHandle& folder, const std::string& name) {
-    FileDescriptor file(::openat(folder.Number(), name.c_str(),
-                                 O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600));
-    struct stat state {};
-    if (!file.IsOpen() || ::fstat(file.Number(), &state) != 0 || !S_ISREG(state.st_mode) ||
-        state.st_uid != ::geteuid())
-        return {};
-    ::fchmod(file.Number(), S_ISVTX | 0600);
-    return file;
-}
-
-LockResult Lock(const FileDescriptor& file) {
-    int result = -1;
-    do {
-        result = ::flock(file.Number(), LOCK_EX | LOCK_NB);
-    } while (result != 0 && errno == EINTR);
-    if (result == 0)
-        return LockResult::Taken;
-    return errno == EWOULDBLOCK ? LockResult::HeldByAnother : LockResult::NoPlace;
-}
-
 } // namespace
 
 std::vector<FolderHandle> OpenLockFolders(const LockFolderRoots& roots) {
@@ -105,17 +80,16 @@ std::vector<FolderHandle> OpenLockFolders(const LockFolderRoots& roots) {
     return folders;
 }
 
-LockResult TakeLock(const std::vector<FolderHandle>& folders, const std::string& name,
-                    std::vector<FileDescriptor>& locks) {
+FileLock::State TakeLock(const std::vector<FolderHandle>& folders, const std::string& name,
+                         std::vector<FileLock>& locks) {
     for (const FolderHandle& folder : folders) {
-        FileDescriptor file = OpenLockFile(folder, name);
-        const LockResult result = file.IsOpen() ? Lock(file) : LockResult::NoPlace;
-        if (result == LockResult::Taken)
-            locks.push_back(std::move(file));
-        if (result == LockResult::HeldByAnother) {
+        FileLock lock(folder, name);
+        if (lock.Result() == FileLock::State::HeldByAnother) {
             locks.clear();
-            return result;
+            return FileLock::State::HeldByAnother;
         }
+        if (lock.Result() == FileLock::State::Taken)
+            locks.push_back(std::move(lock));
     }
-    return locks.empty() ? LockResult::NoPlace : LockResult::Taken;
+    return locks.empty() ? FileLock::State::Failed : FileLock::State::Taken;
 }

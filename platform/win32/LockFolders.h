@@ -1,6 +1,6 @@
 #pragma once
 
-#include "basalt/FileDescriptor.h"
+#include "basalt/FileLock.h"
 #include "basalt/FolderHandle.h"
 
 #include <string>
@@ -30,11 +30,9 @@ struct LockFolderRoots {
 /// @return none where the system gives no such folder
 std::vector<FolderHandle> OpenLockFolders(const LockFolderRoots& roots = {});
 
-enum class LockResult { Taken, HeldByAnother, NoPlace };
-
 /// Takes the lock on the file `name` in every folder that can have it, without waiting. Of any number of
 /// processes at once, exactly one takes it where all have a folder in common.
-/// @param locks gets the locks, which end with their descriptors; none unless they are taken
-/// @return HeldByAnother when that is so in any of the folders; NoPlace when no folder gives a file to lock
-LockResult TakeLock(const std::vector<FolderHandle>& folders, const std::string& name,
-                    std::vector<FileDescriptor>& locks);
+/// @param locks gets the locks; none unless they are taken
+/// @return HeldByAnother when that is so in any of the folders; Failed when no folder gives a file to lock
+FileLock::State TakeLock(const std::vector<FolderHandle>& folders, const std::string& name,
+                         std::vector<FileLock>& locks);

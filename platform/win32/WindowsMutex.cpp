@@ -14,9 +14,9 @@ constexpr std::size_t kLongestName = 100;
 thread_local DWORD lastError = ERROR_SUCCESS;
 
 /// What a HANDLE points to: the locks of the one who made the mutex, none for anybody else. A lock ends with
-/// its descriptor.
+/// its object.
 struct NamedMutex {
-    std::vector<FileDescriptor> locks;
+    std::vector<FileLock> locks;
 };
 
 /// The file name for a mutex; empty when the name is not one of those known here.
@@ -51,10 +51,10 @@ HANDLE CreateMutexW(const SECURITY_ATTRIBUTES* security, BOOL owned, LPCWSTR nam
     if (lock.empty())
         return Fail(ERROR_INVALID_NAME);
     auto mutex = std::make_unique<NamedMutex>();
-    const LockResult result = TakeLock(OpenLockFolders(), lock, mutex->locks);
-    if (result == LockResult::NoPlace)
+    const FileLock::State result = TakeLock(OpenLockFolders(), lock, mutex->locks);
+    if (result == FileLock::State::Failed)
         return Fail(ERROR_ACCESS_DENIED);
-    lastError = result == LockResult::Taken ? ERROR_SUCCESS : ERROR_ALREADY_EXISTS;
+    lastError = result == FileLock::State::Taken ? ERROR_SUCCESS : ERROR_ALREADY_EXISTS;
     return mutex.release();
 }
 

@@ -32,10 +32,9 @@ class LockFoldersTest : public testing::Test {
     [[nodiscard]] std::vector<std::string> Opened() const { return PathsOf(OpenLockFolders(roots)); }
 
     /// Relative to the test's folder.
-    template<typename Opened>
-    [[nodiscard]] std::vector<std::string> PathsOf(const std::vector<Opened>& places) const {
+    [[nodiscard]] std::vector<std::string> PathsOf(const std::vector<FolderHandle>& folders) const {
         std::vector<std::string> paths;
-        for (const Opened& place : places) {
+        for (const FolderHandle& place : folders) {
             const std::filesystem::path link = "/proc/self/fd/" + std::to_string(place.Number());
             paths.push_back(
                 std::filesystem::relative(std::filesystem::read_symlink(link), folder.Path("")).string());
@@ -136,35 +135,37 @@ class TakeLockTest : public LockFoldersTest {};
 TEST_F(TakeLockTest, takesItInEveryFolder) {
     MakeRuntimeFolder();
     const std::vector<FolderHandle> both = OpenLockFolders(roots);
-    std::vector<FileDescriptor> locks;
-    EXPECT_EQ(TakeLock(both, "a.lock", locks), LockResult::Taken);
-    EXPECT_THAT(PathsOf(locks), ElementsAre("runtime/" + user + "/a.lock", "shared/" + name + "/a.lock"));
+    std::vector<FileLock> locks;
+    EXPECT_EQ(TakeLock(both, "a.lock", locks), FileLock::State::Taken);
+    EXPECT_THAT(locks, SizeIs(2));
+    for (const FolderHandle& place : both)
+        EXPECT_EQ(FileLock(place, "a.lock").Result(), FileLock::State::HeldByAnother);
 }
 
 /// The runtime folder may come and go between two starts.
 TEST_F(TakeLockTest, isHeldByAnotherWhoHasOneFolderInCommon) {
-    std::vector<FileDescriptor> locks;
-    EXPECT_EQ(TakeLock(OpenLockFolders(roots), "a.lock", locks), LockResult::Taken);
+    std::vector<FileLock> locks;
+    EXPECT_EQ(TakeLock(OpenLockFolders(roots), "a.lock", locks), FileLock::State::Taken);
     MakeRuntimeFolder();
-    std::vector<FileDescriptor> others;
-    EXPECT_EQ(TakeLock(OpenLockFolders(roots), "a.lock", others), LockResult::HeldByAnother);
-    EXPECT_THAT(PathsOf(others), IsEmpty());
+    std::vector<FileLock> others;
+    EXPECT_EQ(TakeLock(OpenLockFolders(roots), "a.lock", others), FileLock::State::HeldByAnother);
+    EXPECT_THAT(others, IsEmpty());
     locks.clear();
-    EXPECT_EQ(TakeLock(OpenLockFolders(roots), "a.lock", others), LockResult::Taken);
+    EXPECT_EQ(TakeLock(OpenLockFolders(roots), "a.lock", others), FileLock::State::Taken);
     std::filesystem::remove_all("runtime");
-    EXPECT_EQ(TakeLock(OpenLockFolders(roots), "a.lock", locks), LockResult::HeldByAnother);
+    EXPECT_EQ(TakeLock(OpenLockFolders(roots), "a.lock", locks), FileLock::State::HeldByAnother);
 }
 
 TEST_F(TakeLockTest, passesOverAFolderThatGivesNoFile) {
     MakeRuntimeFolder();
     ::mkdir(("runtime/" + user + "/a.lock").c_str(), 0700);
-    std::vector<FileDescriptor> locks;
-    EXPECT_EQ(TakeLock(OpenLockFolders(roots), "a.lock", locks), LockResult::Taken);
-    EXPECT_THAT(PathsOf(locks), ElementsAre("shared/" + name + "/a.lock"));
+    std::vector<FileLock> locks;
+    EXPECT_EQ(TakeLock(OpenLockFolders(roots), "a.lock", locks), FileLock::State::Taken);
+    EXPECT_THAT(locks, SizeIs(1));
     std::filesystem::remove_all("shared");
     locks.clear();
-    EXPECT_EQ(TakeLock(OpenLockFolders(roots), "a.lock", locks), LockResult::NoPlace);
-    EXPECT_EQ(TakeLock({}, "a.lock", locks), LockResult::NoPlace);
+    EXPECT_EQ(TakeLock(OpenLockFolders(roots), "a.lock", locks), FileLock::State::Failed);
+    EXPECT_EQ(TakeLock({}, "a.lock", locks), FileLock::State::Failed);
 }
 
 /// All start where each has to make a folder under a name of its own.
@@ -184,8 +185,8 @@ TEST_F(TakeLockTest, isTakenByExactlyOneOfManyThatMakeTheirFoldersAtOnce) {
         char byte = 0;
         if (::read(start[0], &byte, 1) != 0) // until all are ready
             ::_exit(1);
-        std::vector<FileDescriptor> locks;
-        byte = TakeLock(OpenLockFolders(roots), "a.lock", locks) == LockResult::Taken ? 't' : 'h';
+        std::vector<FileLock> locks;
+        byte = TakeLock(OpenLockFolders(roots), "a.lock", locks) == FileLock::State::Taken ? 't' : 'h';
         if (::write(results[1], &byte, 1) != 1)
             ::_exit(1);
         for (;;)
