@@ -2,6 +2,7 @@
 
 #include "document/formats/ConvertCSV.h"
 #include "document/formats/TargetFile.h"
+#include "log/Log.h"
 
 namespace {
 
@@ -17,11 +18,12 @@ SaveResult ResultOf(int code) {
 }
 
 /// Reads what a binary track takes over from a text track. Without its last rows the track cannot be opened,
-/// and without its paths' section neither: what was cut must not take the place of what was opened.
+/// and without its paths' section neither: what was cut must not take the place of what was opened. Nor must
+/// a map whose heights the raw values do not hold.
 bool ReadWhole(ConvertCSV& text, const std::string& original, bool wasOpened, TrackInfo& info,
                HeightMap& heights, std::int64_t& size) {
     return text.ReadInfo(original, info) == 0 &&
-           text.ReadWholeHeightMap(original, info, heights, size) == 0 &&
+           text.ReadHeightMapToStore(original, info, heights, size) == 0 &&
            (!wasOpened || ConvertCSV::HasPathSection(original));
 }
 
@@ -39,10 +41,21 @@ SaveResult ConvertTextTrack(ConvertCSV& text, const std::string& original, const
                                                         world.yScale));
 }
 
+bool HoldsAllTicks(const std::vector<TrackPath>& paths, std::uint64_t ticks) {
+    const std::uint64_t held = RulerTicksHeld(paths);
+    if (held >= ticks)
+        return true;
+    LOG_LINE(ERROR) << "Cannot store the ruler: its marks hold " << held << " of " << ticks << " ticks";
+    return false;
+}
+
 } // namespace
 
 SaveResult SaveWithPaths(const std::string& original, const std::string& target,
-                         const std::vector<TrackPath>& paths, const WorldTransform& world, bool wasOpened) {
+                         const std::vector<TrackPath>& paths, const WorldTransform& world, bool wasOpened,
+                         std::optional<std::uint64_t> ticks) {
+    if (ticks && !HoldsAllTicks(paths, *ticks))
+        return SaveResult::OriginalUnreadable;
     const std::shared_ptr<Converter> converter = CreateConverter(original);
     if (auto* const text = dynamic_cast<ConvertCSV*>(converter.get()))
         return ConvertTextTrack(*text, original, target, paths, world, wasOpened);

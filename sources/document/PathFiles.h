@@ -3,6 +3,8 @@
 #include "document/formats/TrackPath.h"
 #include "document/formats/WorldTransform.h"
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,6 +15,10 @@ enum class SaveResult { Saved, OriginalUnreadable, TargetUnwritable };
 /// A target that cannot be written whole, or whose original cannot be read whole, is left as it was.
 /// @param wasOpened whether the paths of `original` were read before: a text track without their section was
 /// cut since, then, and is not whole
+/// @param ticks how many ruler ticks the paths have, where that is known: when their marks hold fewer, some
+/// were left out, and nothing is written
+/// @return OriginalUnreadable also for a text track whose heights a binary one does not hold, and for ticks
+/// left out; the log then says which
 [[nodiscard]] SaveResult SaveWithPaths(const std::string& original, const std::string& target,
                                        const std::vector<TrackPath>& paths, const WorldTransform& world,
-                                       bool wasOpened);
+                                       bool wasOpened, std::optional<std::uint64_t> ticks = {});

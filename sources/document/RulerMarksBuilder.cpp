@@ -76,6 +76,40 @@ class SegmentRuler {
     QPointF halfTick;
 };
 
+/// Where the ticks of a segment are, in pixels from its start: at whole numbers, so that all of this is
+/// exact.
+class TickPositions {
+  public:
+    TickPositions(double offset, int space)
+        : first(RulerMarksBuilder::FirstTick(offset)), step(std::max(1.0, space + 1.0)) {}
+
+    [[nodiscard]] double operator[](std::uint64_t tick) const {
+        return first + static_cast<double>(tick) * step;
+    }
+
+    /// How many there are before a finite distance; kUncountable beyond what doubles count one by one.
+    [[nodiscard]] std::uint64_t CountBefore(double distance) const {
+        constexpr double kCountable = 4503599627370496.0; // 2^52
+        if (distance >= kCountable)
+            return RulerMarksBuilder::kUncountable;
+        if (!(distance > first))
+            return 0;
+        const auto farthest = static_cast<std::uint64_t>(std::ceil(distance) - 1.0 - first);
+        return farthest / static_cast<std::uint64_t>(step) + 1;
+    }
+
+  private:
+    double first;
+    double step;
+};
+
+/// The running offset of the next segment, whose first tick follows at `next`. A segment that ran out of
+/// ticks before its end, or that has no finite length, carries over 0, never a negative offset or NaN.
+double OffsetAfter(double next, double length) {
+    const double beyond = next - length;
+    return beyond >= 0.0 ? beyond : 0.0;
+}
+
 } // namespace
 
 double RulerMarksBuilder::FirstTick(double offset) {
@@ -88,17 +122,15 @@ RulerMarks RulerMarksBuilder::MarksOfSegment(const TrackPath& path, std::size_t 
     if (image.isEmpty())
         return marks;
     const SegmentRuler ruler(image, path, segment);
-    const double step = std::max(1.0, path.spaces[segment] + 1.0);
-    double at = FirstTick(offset);
+    const TickPositions positions(offset, path.spaces[segment]);
+    std::uint64_t ticks = 0;
     if (ruler.CanHoldTicks()) {
-        const int limit = std::min(kMostTicks, most);
-        for (int ticks = 0; ticks < limit && ruler.Length() > at; ++ticks, at += step)
-            ruler.AppendTick(at, marks);
+        const auto limit = static_cast<std::uint64_t>(std::clamp(most, 0, kMostTicks));
+        ticks = std::min(positions.CountBefore(ruler.Length()), limit);
+        for (std::uint64_t tick = 0; tick < ticks; ++tick)
+            ruler.AppendTick(positions[tick], marks);
     }
-    // A segment that ran out of ticks before its end, or has no length to speak of, hands on no distance that
-    // could be negative or not a number.
-    const double beyond = at - ruler.Length();
-    offset = beyond >= 0.0 ? beyond : 0.0;
+    offset = OffsetAfter(positions[ticks], ruler.Length());
     return marks;
 }
 
@@ -108,4 +140,30 @@ std::vector<RulerMarks> RulerMarksBuilder::MarksOfPath(const TrackPath& path) co
     for (std::size_t segment = 0; segment + 1 < path.points.size(); ++segment)
         marks.push_back(MarksOfSegment(path, segment, offset));
     return marks;
+}
+
+std::uint64_t RulerMarksBuilder::TickCount(const std::vector<TrackPath>& paths) const {
+    std::uint64_t count = 0;
+    for (const TrackPath& path : paths) {
+        const std::uint64_t ofPath = TickCountOfPath(path);
+        if (ofPath > kUncountable - count)
+            return kUncountable;
+        count += ofPath;
+    }
+    return count;
+}
+
+std::uint64_t RulerMarksBuilder::TickCountOfPath(const TrackPath& path) const {
+    std::uint64_t count = 0;
+    double offset = 0.0;
+    for (std::size_t segment = 0; segment + 1 < path.points.size() && !image.isEmpty(); ++segment) {
+        const SegmentRuler ruler(image, path, segment);
+        const TickPositions positions(offset, path.spaces[segment]);
+        const std::uint64_t ticks = ruler.CanHoldTicks() ? positions.CountBefore(ruler.Length()) : 0;
+        if (ticks > kUncountable - count)
+            return kUncountable;
+        count += ticks;
+        offset = OffsetAfter(positions[ticks], ruler.Length());
+    }
+    return count;
 }

@@ -41,3 +41,13 @@ struct TrackPath {
 /// the count of paths, otherwise to the last path.
 /// @throws std::runtime_error when there is no path yet for it to belong to
 void AppendPoint(int track, const PathPoint& point, std::vector<TrackPath>& paths);
+
+/// How many ruler ticks the marks of all paths hold.
+inline std::size_t RulerTicksHeld(const std::vector<TrackPath>& paths) {
+    std::size_t count = 0;
+    for (const TrackPath& path : paths) {
+        for (const RulerMarks& marks : path.rulerMarks)
+            count += marks.tickStarts.size();
+    }
+    return count;
+}

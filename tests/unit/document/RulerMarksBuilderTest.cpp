@@ -233,4 +233,72 @@ TEST(RulerMarks, AgreeWithTheGeometryOnRandomPaths) {
     }
 }
 
+std::uint64_t CountOf(const std::vector<QPointF>& imagePixels, int space) {
+    return kBuilder.TickCount({PathOf(imagePixels, {100, 50, space})});
+}
+
+TEST(RulerTickCount, CountsAcrossCornersAndPaths) {
+    EXPECT_EQ(CountOf({{100, 300}, {302, 300}}, 100), 2U); // the next one would be on the end
+    EXPECT_EQ(CountOf({{100, 300}, {302.5, 300}}, 100), 3U);
+    EXPECT_EQ(CountOf({{100, 300}, {300, 300}, {300, 500}}, 100), 4U); // at 2 and 103 after the corner
+    const TrackPath path = PathOf({{0, 300}, {0.5, 300}}, {100, 50, 100});
+    EXPECT_EQ(kBuilder.TickCount({path, path, path}), 3U);
+}
+
+TEST(RulerTickCount, IsThatOfTheMarksOfRandomPaths) {
+    std::mt19937 random(11);
+    std::uniform_real_distribution<double> place(-200.0, 1200.0);
+    std::uniform_int_distribution<int> space(-2, 300);
+    std::vector<TrackPath> paths;
+    std::uint64_t expected = 0;
+    for (int round = 0; round < 200; ++round) {
+        TrackPath path = PathOf(std::vector<QPointF>(9));
+        for (std::size_t point = 0; point < path.points.size(); ++point) {
+            path.points[point] = {place(random) / kSide, place(random) / kSide};
+            path.spaces[point] = space(random);
+        }
+        for (const RulerMarks& marks : kBuilder.MarksOfPath(path))
+            expected += marks.tickStarts.size();
+        paths.push_back(path);
+        ASSERT_EQ(kBuilder.TickCount(paths), expected);
+    }
+}
+
+TEST(RulerTickCount, IsNotLimited) {
+    EXPECT_EQ(CountOf({{0, 300}, {1e12, 300}, {1e12, 400}}, 0), 1'000'000'000'100U);
+    EXPECT_EQ(CountOf({{0, 300}, {1e12, 300}, {1e12, 400}}, 1), 500'000'000'050U);
+    const std::vector<TrackPath> many(3'000, PathOf({{0, 300}, {1000, 300}}, {10, 2, 0}));
+    EXPECT_EQ(kBuilder.TickCount(many), 3'000'000U);
+}
+
+TEST(RulerTickCount, StopsWhereDoublesNoLongerCount) {
+    constexpr double kFar = 4503599627370495.0; // 2^52 - 1
+    EXPECT_EQ(CountOf({{0, 0}, {kFar, 0}}, 0), 4503599627370495U);
+    EXPECT_EQ(CountOf({{0, 0}, {kFar + 1, 0}}, 0), RulerMarksBuilder::kUncountable);
+    EXPECT_EQ(CountOf({{0, 0}, {1e300, 0}, {1e300, 100}}, 100), RulerMarksBuilder::kUncountable);
+    std::vector<QPointF> zigzag;
+    for (int corner = 0; corner <= 4'200; ++corner)
+        zigzag.emplace_back(corner % 2 == 0 ? 0 : kFar, 0);
+    EXPECT_EQ(CountOf(zigzag, 0), RulerMarksBuilder::kUncountable);
+    const TrackPath half = PathOf({zigzag.begin(), zigzag.begin() + 2'100}, {100, 50, 0});
+    EXPECT_EQ(kBuilder.TickCount({half, half}), RulerMarksBuilder::kUncountable);
+    EXPECT_EQ(kBuilder.TickCount({half}), 2'099U * 4503599627370495U);
+}
+
+TEST(RulerTickCount, IsNoneWhereThereAreNoTicks) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_EQ(CountOf({{100, 300}, {100, 300}}, 0), 0U);
+    EXPECT_EQ(CountOf({{nan, 300}, {100, 300}}, 0), 0U);
+    EXPECT_EQ(CountOf({{100, 300}}, 0), 0U);
+    EXPECT_EQ(CountOf({}, 0), 0U);
+    EXPECT_EQ(kBuilder.TickCount(std::vector<TrackPath>()), 0U);
+    EXPECT_EQ(RulerMarksBuilder(QSize()).TickCount({PathOf({{0, 0}, {100, 0}})}), 0U);
+}
+
+TEST(RulerTickCount, HasTheTicksThatAreTooFarAwayForMarks) {
+    const TrackPath path = PathOf({{1e307, 0}, {1e307, 100}});
+    EXPECT_TRUE(kBuilder.MarksOfPath(path).at(0).tickStarts.empty());
+    EXPECT_EQ(kBuilder.TickCount({path}), 1U);
+}
+
 } // namespace

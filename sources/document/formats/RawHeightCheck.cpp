@@ -1,0 +1,72 @@
+#include "document/formats/RawHeightCheck.h"
+
+#include "document/formats/RawHeight.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+
+namespace {
+
+constexpr double kRawValueLimit = 32768.0; ///< of raw values before they are truncated; not itself one
+
+/// The shortest text that reads back as the number.
+std::string TextOf(double number) {
+    std::array<char, 32> text{};
+    return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
+}
+
+std::string NameOf(const RawHeightCheck::Cell& cell) {
+    return "row=" + std::to_string(cell.row) + " column=" + std::to_string(cell.column) +
+           " height=" + TextOf(cell.height);
+}
+
+bool HasRawValues(double zOffset, double zResolution) {
+    return zResolution != 0.0 && std::isfinite(zResolution) && std::isfinite(zOffset);
+}
+
+bool HasRawValue(double height, double zOffset, double zResolution) {
+    return HasRawValues(zOffset, zResolution) && std::abs((height - zOffset) / zResolution) < kRawValueLimit;
+}
+
+} // namespace
+
+RawHeightCheck::RawHeightCheck(double offset, double resolution) : zOffset(offset), zResolution(resolution) {
+}
+
+std::int16_t RawHeightCheck::RawValueOf(const Cell& cell) {
+    const std::int16_t raw = RawHeight(cell.height, zOffset, zResolution);
+    if (!std::isfinite(cell.height))
+        return raw;
+    if (!withoutRawValue && !HasRawValue(cell.height, zOffset, zResolution))
+        withoutRawValue = cell;
+    Compare(cell, raw);
+    return raw;
+}
+
+void RawHeightCheck::Compare(const Cell& cell, std::int16_t raw) {
+    if (!first) {
+        first = cell;
+        firstRaw = raw;
+        return;
+    }
+    rawValuesDiffer = rawValuesDiffer || raw != firstRaw;
+    if (!different && cell.height != first->height)
+        different = cell;
+}
+
+std::string RawHeightCheck::Failure() const {
+    if (withoutRawValue) {
+        const std::string reason = HasRawValues(zOffset, zResolution)
+                                       ? "its raw value " +
+                                             TextOf((withoutRawValue->height - zOffset) / zResolution) +
+                                             " is beyond 16 bits"
+                                       : "ZResolution=" + TextOf(zResolution) +
+                                             " and ZOffset=" + TextOf(zOffset) + " give it no raw value";
+        return "Cannot store " + NameOf(*withoutRawValue) + ": " + reason;
+    }
+    if (different && !rawValuesDiffer)
+        return "Cannot store " + NameOf(*different) + ": with ZResolution=" + TextOf(zResolution) +
+               " all heights become the raw value " + std::to_string(firstRaw);
+    return {};
+}
