@@ -78,14 +78,18 @@ void RemoveKeptFile(const FolderHandle& folder, const std::string& name) {
         throw std::system_error(failure);
 }
 
-void WriteKeptFile(const FolderHandle& folder, const std::string& name, const std::string& content,
-                   Durability durability) {
+void WriteKeptFile(const FolderHandle& folder, const std::string& name, Durability durability,
+                   const WriteContent& writeContent) {
     constexpr unsigned kPrivate = 0600;
     HiddenFile file(folder, kPrivate);
+    const auto require = [&file](bool succeeded) {
+        if (!succeeded)
+            throw std::system_error(file.Failure());
+    };
+    require(file.IsOpen());
+    writeContent([&](const void* data, std::size_t size) { require(file.Write(data, size)); });
     const bool durable = durability == Durability::OfPower;
-    if (!file.IsOpen() || !file.Write(content.data(), content.size()) || (durable && !file.Sync()) ||
-        !file.Keep(name))
-        throw std::system_error(file.Failure());
+    require((!durable || file.Sync()) && file.Keep(name));
     if (const std::error_code failure = durable ? folder.Sync() : std::error_code())
         throw std::system_error(failure);
 }

@@ -2,6 +2,8 @@
 
 #include "basalt/FolderHandle.h"
 
+#include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -20,13 +22,16 @@ std::optional<FolderHandle> OpenExistingKeptFolder(const std::string& path);
 /// The content of a file in the folder; nothing where there is no such file. @throws std::system_error
 std::optional<std::string> ReadKeptFile(const FolderHandle& folder, const std::string& name);
 
-/// Whether a file survives only the end of the program, or a failure of the power too.
-enum class Durability { OfProcess, OfPower };
-
 /// Removes a file where there is one. @throws std::system_error
 void RemoveKeptFile(const FolderHandle& folder, const std::string& name);
 
+/// Whether a file survives only the end of the program, or a failure of the power too.
+enum class Durability { OfProcess, OfPower };
+
+/// Writes the content of a file with a function that is given the bytes, piece by piece.
+using WriteContent = std::function<void(const std::function<void(const void* data, std::size_t size)>& sink)>;
+
 /// Puts a private file in the folder, in place of one that has the name, atomically. @throws
 /// std::system_error
-void WriteKeptFile(const FolderHandle& folder, const std::string& name, const std::string& content,
-                   Durability durability);
+void WriteKeptFile(const FolderHandle& folder, const std::string& name, Durability durability,
+                   const WriteContent& writeContent);

@@ -1,16 +1,14 @@
 #include "workflow/KeptRecord.h"
 
-#include "basalt/Crc32c.h"
-
 #include <utility>
 
 namespace {
 
 constexpr std::size_t kMagicSize = 8;
-constexpr std::size_t kVersionAt = kMagicSize;
-constexpr std::size_t kLengthAt = kVersionAt + sizeof(std::uint32_t);
-constexpr std::size_t kHeadSize = kLengthAt + sizeof(std::uint64_t);
-constexpr std::size_t kChecksumSize = sizeof(std::uint32_t);
+constexpr std::size_t kHeadSize = kMagicSize + sizeof(std::uint32_t);
+constexpr std::size_t kLengthSize = sizeof(std::uint64_t);
+constexpr std::size_t kTailSize = kLengthSize + sizeof(std::uint32_t);
+constexpr std::size_t kBufferSize = std::size_t{64} * 1024;
 
 static_assert(sizeof(QPointF) == 2 * sizeof(double), "points are stored as they are in memory");
 
@@ -29,17 +27,17 @@ Number NumberAt(const std::string& bytes, std::size_t at) {
 
 } // namespace
 
-KeptRecordWriter::KeptRecordWriter(std::string_view magic, std::uint32_t version) {
+KeptRecordWriter::KeptRecordWriter(Sink sink, std::string_view magic, std::uint32_t version)
+    : sink(std::move(sink)) {
+    buffer.reserve(kBufferSize);
     AddBytes(magic.data(), kMagicSize);
     Add(version);
-    Add(std::uint64_t{0}); // the length, once it is known
 }
 
-const std::string& KeptRecordWriter::Finish() {
-    const std::uint64_t length = bytes.size() - kHeadSize;
-    std::memcpy(bytes.data() + kLengthAt, &length, sizeof length);
-    Add(ChecksumOf(bytes.data(), bytes.size()));
-    return bytes;
+void KeptRecordWriter::Finish() {
+    Add(std::uint64_t{length});
+    Add(std::uint32_t{checksum.Value()});
+    Flush();
 }
 
 void KeptRecordWriter::AddCounted(const void* data, std::size_t count, std::size_t size) {
@@ -48,24 +46,38 @@ void KeptRecordWriter::AddCounted(const void* data, std::size_t count, std::size
 }
 
 void KeptRecordWriter::AddBytes(const void* data, std::size_t size) {
-    bytes.append(static_cast<const char*>(data), size);
+    checksum.Take(data, size);
+    length += size;
+    if (buffer.size() + size > kBufferSize)
+        Flush();
+    const auto* const bytes = static_cast<const char*>(data);
+    if (size > kBufferSize)
+        sink(bytes, size);
+    else
+        buffer.insert(buffer.end(), bytes, bytes + size);
+}
+
+void KeptRecordWriter::Flush() {
+    sink(buffer.data(), buffer.size());
+    buffer.clear();
 }
 
 KeptRecordReader::KeptRecordReader(std::string file, std::string_view magic, std::uint32_t version)
     : bytes(std::move(file)) {
     if (bytes.substr(0, kMagicSize) != magic)
         throw std::runtime_error("it is no such file");
-    if (bytes.size() < kHeadSize + kChecksumSize)
+    if (bytes.size() < kHeadSize + kTailSize)
         throw std::runtime_error("it is cut short");
-    // Before the checksum: another version may have another one.
-    if (const auto found = NumberAt<std::uint32_t>(bytes, kVersionAt); found != version)
+    // Before the rest: another version may have another layout.
+    if (const auto found = NumberAt<std::uint32_t>(bytes, kMagicSize); found != version)
         throw std::runtime_error("its version is " + std::to_string(found));
-    end = bytes.size() - kChecksumSize;
-    if (NumberAt<std::uint64_t>(bytes, kLengthAt) != end - kHeadSize)
-        throw std::runtime_error("its length is another than it says");
-    if (NumberAt<std::uint32_t>(bytes, end) != ChecksumOf(bytes.data(), end))
-        throw std::runtime_error("its checksum is wrong");
     at = kHeadSize;
+    end = bytes.size() - kTailSize;
+    if (NumberAt<std::uint64_t>(bytes, end) != end)
+        throw std::runtime_error("its length is another than it says");
+    const std::size_t checked = end + kLengthSize;
+    if (NumberAt<std::uint32_t>(bytes, checked) != ChecksumOf(bytes.data(), checked))
+        throw std::runtime_error("its checksum is wrong");
 }
 
 std::string KeptRecordReader::ReadText() {

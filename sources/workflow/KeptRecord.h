@@ -1,10 +1,13 @@
 #pragma once
 
+#include "basalt/Crc32c.h"
+
 #include <QPointF>
 
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -13,15 +16,18 @@
 
 static_assert(std::endian::native == std::endian::little, "records are little-endian");
 
-// A small file of the program's own beside the kept copies: eight bytes that say what it is, a version, the
-// length of what follows, that content, and a checksum of everything. Such a file is used as it was written
-// or not at all.
+// A file of the program's own beside the kept copies: eight bytes that say what it is, a version, its
+// content, the length of all this, and a checksum of everything. Such a file is used as it was written or not
+// at all.
 
-/// Collects the content of a record.
+/// Writes a record, in pieces: a large one must not need as much memory again.
 class KeptRecordWriter final {
   public:
+    /// Takes the next bytes of the file.
+    using Sink = std::function<void(const void* data, std::size_t size)>;
+
     /// @param magic eight bytes
-    KeptRecordWriter(std::string_view magic, std::uint32_t version);
+    KeptRecordWriter(Sink sink, std::string_view magic, std::uint32_t version);
 
     template<typename Number>
     void Add(Number number) {
@@ -34,14 +40,18 @@ class KeptRecordWriter final {
     void AddList(const std::vector<int>& list) { AddCounted(list.data(), list.size(), sizeof(int)); }
     void AddList(const std::vector<QPointF>& list) { AddCounted(list.data(), list.size(), sizeof(QPointF)); }
 
-    /// The whole file; nothing can be added afterwards.
-    [[nodiscard]] const std::string& Finish();
+    /// Without this the record is one that was cut short.
+    void Finish();
 
   private:
     void AddCounted(const void* data, std::size_t count, std::size_t size);
     void AddBytes(const void* data, std::size_t size);
+    void Flush();
 
-    std::string bytes;
+    Sink sink;
+    std::vector<char> buffer;
+    std::uint64_t length = 0;
+    Crc32c checksum;
 };
 
 /// Takes the content of a record in the order in which it was added.

@@ -53,13 +53,12 @@ std::set<std::string> NamesIn(const std::string& content, const std::string& wor
     return names;
 }
 
-std::string ContentFor(const std::string& workspace, const std::set<std::string>& names) {
-    KeptRecordWriter record(kMagic, kVersion);
+void WriteNames(KeptRecordWriter record, const std::string& workspace, const std::set<std::string>& names) {
     record.AddText(workspace);
     record.Add(std::uint64_t{names.size()});
     for (const std::string& name : names)
         record.AddText(name);
-    return record.Finish();
+    record.Finish();
 }
 
 } // namespace
@@ -115,8 +114,9 @@ void UnsentTracks::Read() try {
 
 void UnsentTracks::Store() try {
     if (!IsEmpty())
-        WriteKeptFile(OpenKeptFolder(copies.Folder()), file, ContentFor(workspace, names),
-                      Durability::OfPower);
+        WriteKeptFile(OpenKeptFolder(copies.Folder()), file, Durability::OfPower, [this](const auto& sink) {
+            WriteNames(KeptRecordWriter(sink, kMagic, kVersion), workspace, names);
+        });
     else if (const auto folder = OpenExistingKeptFolder(copies.Folder()))
         RemoveKeptFile(*folder, file);
 } catch (const std::exception& failure) {

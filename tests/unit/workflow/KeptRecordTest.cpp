@@ -18,14 +18,27 @@ std::vector<QPointF> Points() {
     return {{0.1, -0.0}, {std::nan("7"), std::numeric_limits<double>::infinity()}, {5e-324, 1e308}};
 }
 
+/// The file that `add` makes of a writer.
+template<typename Add>
+std::string FileOf(Add add) {
+    std::string file;
+    const auto sink = [&file](const void* data, std::size_t size) {
+        file.append(static_cast<const char*>(data), size);
+    };
+    KeptRecordWriter record(sink, kMagic, kVersion);
+    add(record);
+    record.Finish();
+    return file;
+}
+
 std::string Sample() {
-    KeptRecordWriter record(kMagic, kVersion);
-    record.AddText(kText);
-    record.Add(std::uint64_t{1} << 63);
-    record.AddList(kNumbers);
-    record.AddList(Points());
-    record.AddText("");
-    return record.Finish();
+    return FileOf([](KeptRecordWriter& record) {
+        record.AddText(kText);
+        record.Add(std::uint64_t{1} << 63);
+        record.AddList(kNumbers);
+        record.AddList(Points());
+        record.AddText("");
+    });
 }
 
 /// What is wrong with a file; empty when it reads as the sample does.
@@ -51,11 +64,23 @@ TEST(KeptRecord, readsBackBitForBit) {
 }
 
 TEST(KeptRecord, hasItsFieldsAtTheirOffsets) {
-    KeptRecordWriter record(kMagic, kVersion);
-    record.AddText("ab");
-    const std::string file = record.Finish();
-    EXPECT_EQ(file.substr(0, 30), std::string("TestFile\3\0\0\0\12\0\0\0\0\0\0\0\2\0\0\0\0\0\0\0ab", 30));
+    const std::string file = FileOf([](KeptRecordWriter& record) { record.AddText("ab"); });
+    EXPECT_EQ(file.substr(0, 30), std::string("TestFile\3\0\0\0\2\0\0\0\0\0\0\0ab\26\0\0\0\0\0\0\0", 30));
     EXPECT_EQ(file.size(), 34U);
+}
+
+TEST(KeptRecord, isWrittenInPieces) {
+    const std::vector<std::size_t> sizes = {0,      1,      30'000, 30'000,    30'000,
+                                            65'535, 65'536, 65'537, 1'000'000, 3};
+    const std::string file = FileOf([&](KeptRecordWriter& record) {
+        for (const std::size_t size : sizes) {
+            record.AddText(std::string(size, static_cast<char>('a' + size % 26)));
+        }
+    });
+    KeptRecordReader record(file, kMagic, kVersion);
+    for (const std::size_t size : sizes)
+        EXPECT_TRUE(record.ReadText() == std::string(size, static_cast<char>('a' + size % 26))) << size;
+    record.ExpectEnd();
 }
 
 TEST(KeptRecord, isRefusedWhenCutAtAnyByte) {
@@ -80,7 +105,7 @@ TEST(KeptRecord, saysWhatIsWrong) {
     const std::string file = Sample();
     EXPECT_EQ(FlawOf(""), "it is no such file");
     EXPECT_EQ(FlawOf("Info\nXResolution"), "it is no such file");
-    EXPECT_EQ(FlawOf(file.substr(0, 20)), "it is cut short");
+    EXPECT_EQ(FlawOf(file.substr(0, 23)), "it is cut short");
     EXPECT_EQ(FlawOf(file, 4), "its version is 3");
     EXPECT_EQ(FlawOf(file.substr(0, file.size() - 1)), "its length is another than it says");
     std::string changed = file;
@@ -90,10 +115,10 @@ TEST(KeptRecord, saysWhatIsWrong) {
 
 /// A record that is sound and holds something else.
 TEST(KeptRecord, isNotReadBeyondItsEnd) {
-    KeptRecordWriter writer(kMagic, kVersion);
-    writer.Add(std::numeric_limits<std::uint64_t>::max());
-    writer.Add(std::uint32_t{0});
-    const std::string file = writer.Finish();
+    const std::string file = FileOf([](KeptRecordWriter& record) {
+        record.Add(std::numeric_limits<std::uint64_t>::max());
+        record.Add(std::uint32_t{0});
+    });
     EXPECT_THROW(KeptRecordReader(file, kMagic, kVersion).ReadText(), std::runtime_error);
     EXPECT_THROW(KeptRecordReader(file, kMagic, kVersion).ReadNumbers(), std::runtime_error);
     EXPECT_THROW(KeptRecordReader(file, kMagic, kVersion).ReadPoints(), std::runtime_error);
