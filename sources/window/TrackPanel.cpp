@@ -104,6 +104,10 @@ void TrackPanel::removeFromTrackList(int index) {
     ui.comboBox_file->removeItem(index);
 }
 
+void TrackPanel::chooseTrack(const QString& name) {
+    ui.comboBox_file->setCurrentText(name);
+}
+
 void TrackPanel::showFileName(const QString& name, bool external) {
     const QString text = external ? MainWindow::tr("External - ") + name : name;
     ui.label_fileName->setText(text);

@@ -1,11 +1,12 @@
-#include "workflow/SafetyCopies.h"
+#include "workflow/WorkProtection.h"
 
 #include "document/formats/CsvPathWriter.h"
-#include "workflow/KeptCopies.h"
 #include "workflow/TextOriginal.h"
-#include "workflow/UnsentTracks.h"
+#include "workflow/TrackFolder.h"
+#include "workflow/WorkingFiles.h"
 
 #include <filesystem>
+#include <utility>
 
 namespace {
 
@@ -16,12 +17,17 @@ bool Exists(const std::string& file) {
 
 } // namespace
 
-SafetyCopies::SafetyCopies(TrackDocument& document, KeptCopies& copies, UnsentTracks& unsent)
-    : document(document), copies(copies), unsent(unsent), keptRevision(document.revision()) {
+WorkProtection::WorkProtection(TrackDocument& document, std::string keptFolder)
+    : document(document),
+      copies(std::move(keptFolder)),
+      unsent(copies, kWorkspaceFolder, kTrackFolder.toStdString()),
+      journal(copies),
+      automaticJournal(document, journal),
+      keptRevision(document.revision()) {
 }
 
 /// The whole track, or the paths alone when its file is lost or damaged.
-void SafetyCopies::KeepUnsaved() {
+void WorkProtection::KeepUnsaved() {
     if (!document.hasImage() || !document.isModified() || document.revision() == keptRevision)
         return;
     keptRevision = document.revision();
@@ -32,25 +38,28 @@ void SafetyCopies::KeepUnsaved() {
     const auto writePaths = [this](const std::string& target) {
         return WriteCsvPathsAlone(target, document.paths()) == 0;
     };
-    if (!copies.KeepWritten(document.file(), KeptReason::Unsaved, writeTrack))
-        copies.KeepWritten(document.file(), KeptReason::Unsaved, writePaths, ".csv");
+    if (copies.KeepWritten(document.file(), KeptReason::Unsaved, writeTrack) ||
+        copies.KeepWritten(document.file(), KeptReason::Unsaved, writePaths, ".csv"))
+        automaticJournal.Discard();
 }
 
-void SafetyCopies::KeepUnsent() {
-    unsent.Keep();
-}
-
-void SafetyCopies::KeepDeleted(const std::string& file) {
+void WorkProtection::KeepDeleted(const std::string& file) {
     if (Exists(file))
         copies.KeepFile(file, KeptReason::Deleted);
 }
 
-void SafetyCopies::KeepReplaced(const std::string& file) {
+void WorkProtection::KeepReplaced(const std::string& file) {
     if (Exists(file))
         copies.KeepFile(file, KeptReason::Replaced);
 }
 
-void SafetyCopies::KeepTextOriginal(const std::string& target) {
+void WorkProtection::KeepTextOriginal(const std::string& target) {
     if (Exists(target))
         ::KeepTextOriginal(copies, target);
+}
+
+void WorkProtection::Recover() {
+    journal.Recover([](const std::string& original, const std::string& target, const auto& paths) {
+        return SaveWithNewMarks(original, target, paths) == SaveResult::Saved;
+    });
 }
