@@ -54,8 +54,7 @@ void WorkProtection::KeepReplaced(const std::string& file) {
 }
 
 void WorkProtection::KeepTextOriginal(const std::string& target) {
-    if (Exists(target))
-        ::KeepTextOriginal(copies, target);
+    ::KeepTextOriginal(copies, target);
 }
 
 void WorkProtection::Recover() {
