@@ -54,6 +54,7 @@ static int RunWindow() {
 
 int main(int argc, char** argv) {
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);
+    QCoreApplication::setApplicationName(QStringLiteral("corvane")); // the user's data folder is called so
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, true); // icons are crisp on finer screens
     // Paths are in UTF-8 throughout. Some builds of the toolkit take file names to be in the desktop's
     // encoding.
