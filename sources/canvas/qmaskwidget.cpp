@@ -229,7 +229,7 @@ void QMaskWidget::PaintPart(QPainter& painter, const QRect& place, double ratio)
     coarse += view.Copy(place, part);
     if (!isEnabled())
         PaintDisabled(part);
-    PathPainter(part, place, ratio, paths(), editor.State(), extents, lineShapes, Scale())
+    PathPainter(part, place, ratio, paths(), editor.State(), extents, shapes, Scale())
         .Paint(RulerShown(), font());
     part.setDevicePixelRatio(1.0);
     painter.drawImage(place.topLeft(), part);
