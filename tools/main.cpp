@@ -1,0 +1,25 @@
+#include "log/Output2FILE.h"
+#include "tools/commandline/CommandLine.h"
+#include "tools/commands/CheckCommand.h"
+#include "tools/commands/InfoCommand.h"
+
+#include <QStringList>
+
+namespace {
+
+Commands AllCommands() {
+    Commands commands;
+    commands.push_back(std::make_unique<InfoCommand>());
+    commands.push_back(std::make_unique<CheckCommand>());
+    return commands;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    Output2FILE::Target() = nullptr; // what the converters log is reported where it matters
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromUtf8(argv[i])); // file names are in UTF-8, as in the editor
+    return CommandLine(AllCommands()).Run(arguments);
+}
