@@ -1,7 +1,10 @@
 #include "log/Output2FILE.h"
 #include "tools/commandline/CommandLine.h"
 #include "tools/commands/CheckCommand.h"
+#include "tools/commands/ConvertCommand.h"
 #include "tools/commands/InfoCommand.h"
+#include "tools/commands/PathsExportCommand.h"
+#include "tools/commands/PathsImportCommand.h"
 
 #include <QStringList>
 
@@ -11,6 +14,9 @@ Commands AllCommands() {
     Commands commands;
     commands.push_back(std::make_unique<InfoCommand>());
     commands.push_back(std::make_unique<CheckCommand>());
+    commands.push_back(std::make_unique<PathsExportCommand>());
+    commands.push_back(std::make_unique<PathsImportCommand>());
+    commands.push_back(std::make_unique<ConvertCommand>());
     return commands;
 }
 

@@ -45,7 +45,7 @@ std::vector<std::string> Completions(const std::vector<std::string>& words) {
     return result.Lines();
 }
 
-const std::vector<std::string> kCommands = {"info", "check"};
+const std::vector<std::string> kCommands = {"info", "check", "paths export", "paths import", "convert"};
 
 TEST_F(CommandLine, helpNamesEveryCommandAndExitCode) {
     const ToolResult help = RunTool({"--help"});

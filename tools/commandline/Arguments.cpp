@@ -28,6 +28,10 @@ std::string Plain(double number) {
 
 } // namespace
 
+OptionText OutputOption(const QString& description) {
+    return {QStringLiteral("output"), QStringLiteral("FILE"), description, QLatin1Char('o')};
+}
+
 Arguments::Arguments(const QStringList& words, const std::vector<OptionText>& options, int least, int most) {
     QCommandLineParser parser;
     for (const OptionText& option : options)

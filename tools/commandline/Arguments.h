@@ -18,6 +18,9 @@ struct OptionText {
     QChar letter; ///< short form; null for none
 };
 
+/// The option that names the file for a command's result.
+OptionText OutputOption(const QString& description);
+
 /// What the command line gives a command. Every access checks its value.
 /// @throws Failure with ExitCode::Misused for a value that is not understood
 class Arguments {

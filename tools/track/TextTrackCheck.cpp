@@ -4,8 +4,6 @@
 #include "tools/commandline/DecimalText.h"
 #include "tools/track/SavePaths.h"
 
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <exception>
 
@@ -17,25 +15,6 @@ constexpr double kPlaceTolerance = 1e-5;
 // The editor starts a text track's height range so.
 constexpr double kLowestStart = 32768.0;
 constexpr double kHighestStart = -32768.0;
-
-std::string_view Trimmed(std::string_view text) {
-    constexpr std::string_view kBlanks = " \t";
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
-/// Whether a field is a number from its first to its last character.
-template<typename Number>
-bool IsNumber(std::string_view field) {
-    field = Trimmed(field);
-    if (field.starts_with('+'))
-        field.remove_prefix(1);
-    Number number{};
-    const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), number);
-    return error == std::errc() && end == field.data() + field.size();
-}
 
 std::string Quoted(std::string_view field) {
     constexpr std::size_t kMaxShown = 40;
@@ -171,7 +150,7 @@ void TextTrackCheck::CheckCells(CsvFields& fields, HeightRange& range) {
             continue;
         const double height = ToDouble(field);
         range.Add(height);
-        if (!IsNumber<double>(field))
+        if (!ParseNumber(field))
             Warning("the height in column " + std::to_string(column) + " is " + Quoted(field) +
                     " and read as " + RoundedDecimal(height));
         else if (!std::isfinite(height))
@@ -232,14 +211,14 @@ void TextTrackCheck::CheckWhatIsMissing() {
 
 double TextTrackCheck::NumberOf(std::string_view field, const std::string& name) {
     const double value = ToDouble(field);
-    if (!IsNumber<double>(field))
+    if (!ParseNumber(field))
         Warning(name + " is " + Quoted(field) + " and read as " + RoundedDecimal(value));
     return value;
 }
 
 std::int32_t TextTrackCheck::WholeNumberOf(std::string_view field, const std::string& name) {
     const std::int32_t value = ToInt32(field);
-    if (!IsNumber<std::int32_t>(field))
+    if (!ParseWhole(field))
         Warning(name + " is " + Quoted(field) + " and read as " + std::to_string(value));
     return value;
 }
