@@ -2,9 +2,12 @@
 #include "tools/commandline/CommandLine.h"
 #include "tools/commands/CheckCommand.h"
 #include "tools/commands/ConvertCommand.h"
+#include "tools/commands/DiffCommand.h"
 #include "tools/commands/InfoCommand.h"
 #include "tools/commands/PathsExportCommand.h"
 #include "tools/commands/PathsImportCommand.h"
+#include "tools/commands/ProfileCommand.h"
+#include "tools/commands/RenderCommand.h"
 
 #include <QStringList>
 
@@ -14,9 +17,12 @@ Commands AllCommands() {
     Commands commands;
     commands.push_back(std::make_unique<InfoCommand>());
     commands.push_back(std::make_unique<CheckCommand>());
+    commands.push_back(std::make_unique<RenderCommand>());
+    commands.push_back(std::make_unique<DiffCommand>());
     commands.push_back(std::make_unique<PathsExportCommand>());
     commands.push_back(std::make_unique<PathsImportCommand>());
     commands.push_back(std::make_unique<ConvertCommand>());
+    commands.push_back(std::make_unique<ProfileCommand>());
     return commands;
 }
 

@@ -116,7 +116,7 @@ TEST_F(CheckCommand, reportsEveryProblemOfATextTrackWithItsLine) {
     const std::string at = "a.trk: line ";
     EXPECT_THAT(LinesOf(content),
                 ElementsAre(at + std::to_string(map + 1) +
-                                ": warning: the height in column 1 is 'high' and read as 0",
+                                ": warning: the height in column 0 is 'high' and read as 0",
                             StartsWith(at + std::to_string(map + 2) + ": error: "),
                             at + std::to_string(map + 3) +
                                 ": warning: 2 cells in a row of 40; the others have no measurement",
@@ -133,7 +133,7 @@ TEST_F(CheckCommand, countsRowsOfATextTrack) {
                                                             ": error: 19 rows in a height map of 20"));
     EXPECT_THAT(LinesOf(WithLine(map + 20, "24.75,1\n25,1")),
                 testing::Contains("a.trk: line " + std::to_string(map + 21) +
-                                  ": error: row 21 of a height map of 20"));
+                                  ": error: a row too many in a height map of 20"));
 }
 
 TEST_F(CheckCommand, reportsTheProblemsOfABinaryTrackWithTheirBytes) {

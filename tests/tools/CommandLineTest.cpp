@@ -45,7 +45,8 @@ std::vector<std::string> Completions(const std::vector<std::string>& words) {
     return result.Lines();
 }
 
-const std::vector<std::string> kCommands = {"info", "check", "paths export", "paths import", "convert"};
+const std::vector<std::string> kCommands = {"info",         "check",        "render",  "diff",
+                                            "paths export", "paths import", "convert", "profile"};
 
 TEST_F(CommandLine, helpNamesEveryCommandAndExitCode) {
     const ToolResult help = RunTool({"--help"});

@@ -131,7 +131,7 @@ void TextTrackCheck::CheckSize() {
 
 void TextTrackCheck::CheckRow(std::int64_t row, HeightRange& range) {
     if (row >= info.height)
-        return Error("row " + std::to_string(row + 1) + " of a height map of " + std::to_string(info.height));
+        return Error("a row too many in a height map of " + std::to_string(info.height));
     const auto cells = static_cast<std::int64_t>(line.FieldCount()) - 1;
     if (cells > info.width)
         Error(std::to_string(cells) + " cells in a row of " + std::to_string(info.width));
@@ -144,7 +144,7 @@ void TextTrackCheck::CheckRow(std::int64_t row, HeightRange& range) {
 }
 
 void TextTrackCheck::CheckCells(CsvFields& fields, HeightRange& range) {
-    for (std::int64_t column = 1; fields.HasNext(); ++column) {
+    for (std::int64_t column = 0; fields.HasNext(); ++column) {
         const std::string_view field = fields.Next();
         if (field.empty())
             continue;
