@@ -3,11 +3,15 @@
 #include "tools/commands/CheckCommand.h"
 #include "tools/commands/ConvertCommand.h"
 #include "tools/commands/DiffCommand.h"
+#include "tools/commands/ExtractCommand.h"
 #include "tools/commands/InfoCommand.h"
+#include "tools/commands/ListCommand.h"
 #include "tools/commands/PathsExportCommand.h"
 #include "tools/commands/PathsImportCommand.h"
 #include "tools/commands/ProfileCommand.h"
 #include "tools/commands/RenderCommand.h"
+#include "tools/commands/ReplaceCommand.h"
+#include "tools/commands/VerifyCommand.h"
 
 #include <QStringList>
 
@@ -23,6 +27,10 @@ Commands AllCommands() {
     commands.push_back(std::make_unique<PathsImportCommand>());
     commands.push_back(std::make_unique<ConvertCommand>());
     commands.push_back(std::make_unique<ProfileCommand>());
+    commands.push_back(std::make_unique<ListCommand>());
+    commands.push_back(std::make_unique<VerifyCommand>());
+    commands.push_back(std::make_unique<ExtractCommand>());
+    commands.push_back(std::make_unique<ReplaceCommand>());
     return commands;
 }
 

@@ -8,6 +8,7 @@
 
 #include <QJsonArray>
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -24,7 +25,7 @@ class CheckCommand : public testing::Test {
     /// The lines of a check of a file with this content.
     static std::vector<std::string> LinesOf(const std::string& content) {
         WriteFile("a.trk", content);
-        return RunTool({"check", "a.trk"}).Lines();
+        return RunTrackTool({"check", "a.trk"}).Lines();
     }
 
     TemporaryFolder folder;
@@ -70,7 +71,7 @@ TEST_F(CheckCommand, findsErrorsInExactlyThoseHostileTracksThatTheEditorRefuses)
         words.push_back(std::to_string(i) + ".trk");
         WriteFile(words.back(), tracks[i].content);
     }
-    const ToolResult result = RunTool(words);
+    const ToolResult result = RunTrackTool(words);
     EXPECT_EQ(result.code, 1);
     EXPECT_EQ(result.errors, "");
     const auto reports = result.Objects();
@@ -92,8 +93,8 @@ TEST_F(CheckCommand, isContentWithGoodTracks) {
     WriteFile("text.trk", TextFile(Sample()));
     const std::string samples = std::string(CORVANE_SAMPLES) + "/tracks/";
     const ToolResult result =
-        RunTool({"check", "--strict", "binary.trk", "text.trk", TestData("fault.trk"),
-                 TestData("fault-binary.trk"), samples + "cover.trk", samples + "housing-binary.trk"});
+        RunTrackTool({"check", "--strict", "binary.trk", "text.trk", TestData("fault.trk"),
+                      TestData("fault-binary.trk"), samples + "cover.trk", samples + "housing-binary.trk"});
     EXPECT_EQ(result.code, 0) << result.output;
     EXPECT_THAT(result.Lines(), ElementsAre("binary.trk: good", "text.trk: good", HasSubstr(": good"),
                                             HasSubstr(": good"), HasSubstr(": good"), HasSubstr(": good")));
@@ -173,12 +174,12 @@ TEST_F(CheckCommand, reportsTheProblemsOfABinaryTrackWithTheirBytes) {
 
 TEST_F(CheckCommand, endsWith1ForWarningsOnlyWhenItIsStrict) {
     WriteFile("a.trk", BinaryFile(Sample()) + "abc");
-    EXPECT_EQ(RunTool({"check", "a.trk"}).code, 0);
-    EXPECT_EQ(RunTool({"check", "--strict", "a.trk"}).code, 1);
+    EXPECT_EQ(RunTrackTool({"check", "a.trk"}).code, 0);
+    EXPECT_EQ(RunTrackTool({"check", "--strict", "a.trk"}).code, 1);
 }
 
 TEST_F(CheckCommand, endsWith3ForAMissingFile) {
-    const ToolResult result = RunTool({"check", "--json", "missing.trk"});
+    const ToolResult result = RunTrackTool({"check", "--json", "missing.trk"});
     EXPECT_EQ(result.code, 3);
     EXPECT_THAT(result.Lines(), IsEmpty());
     EXPECT_EQ(result.errors, "corvane-track check: missing.trk: No such file or directory\n");

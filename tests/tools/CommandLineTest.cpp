@@ -30,7 +30,7 @@ std::vector<std::string> WordsOf(const std::string& command) {
 
 /// What bash offers after these words, the last one being completed.
 std::vector<std::string> Completions(const std::vector<std::string>& words) {
-    WriteFile("completion", RunTool({"completion"}).output);
+    WriteFile("completion", RunTrackTool({"completion"}).output);
     std::string script = "source ./completion; COMP_WORDS=(";
     for (const std::string& word : words)
         script += "'" + word + "' ";
@@ -46,18 +46,19 @@ std::vector<std::string> Completions(const std::vector<std::string>& words) {
 }
 
 const std::vector<std::string> kCommands = {"info",         "check",        "render",  "diff",
-                                            "paths export", "paths import", "convert", "profile"};
+                                            "paths export", "paths import", "convert", "profile",
+                                            "list",         "verify",       "extract", "replace"};
 
 TEST_F(CommandLine, helpNamesEveryCommandAndExitCode) {
-    const ToolResult help = RunTool({"--help"});
+    const ToolResult help = RunTrackTool({"--help"});
     EXPECT_EQ(help.code, 0);
     EXPECT_EQ(help.errors, "");
     for (const std::string& command : kCommands)
         EXPECT_THAT(help.output, HasSubstr("\n  " + command + " "));
     for (const char code : {'0', '1', '2', '3', '4'})
         EXPECT_THAT(help.output, HasSubstr(std::string("\n  ") + code + "  "));
-    EXPECT_EQ(RunTool({"help"}).output, help.output);
-    EXPECT_EQ(RunTool({"-h"}).output, help.output);
+    EXPECT_EQ(RunTrackTool({"help"}).output, help.output);
+    EXPECT_EQ(RunTrackTool({"-h"}).output, help.output);
 }
 
 TEST_F(CommandLine, everyCommandHasHelp) {
@@ -65,7 +66,7 @@ TEST_F(CommandLine, everyCommandHasHelp) {
         SCOPED_TRACE(command);
         std::vector<std::string> words = WordsOf(command);
         words.emplace_back("--help");
-        const ToolResult help = RunTool(words);
+        const ToolResult help = RunTrackTool(words);
         EXPECT_EQ(help.code, 0);
         EXPECT_THAT(help.output, StartsWith("Usage: corvane-track " + command + " [OPTION...] "));
         for (const std::string& line : help.Lines())
@@ -74,21 +75,21 @@ TEST_F(CommandLine, everyCommandHasHelp) {
 }
 
 TEST_F(CommandLine, versionIsTheProjects) {
-    EXPECT_EQ(RunTool({"--version"}).output, "corvane-track " CORVANE_VERSION "\n");
+    EXPECT_EQ(RunTrackTool({"--version"}).output, "corvane-track " CORVANE_VERSION "\n");
 }
 
 TEST_F(CommandLine, endsWith2ForWhatIsNotUnderstood) {
-    const ToolResult nothing = RunTool({});
+    const ToolResult nothing = RunTrackTool({});
     EXPECT_EQ(nothing.code, 2);
     EXPECT_EQ(nothing.errors, "corvane-track: no command\nSee corvane-track --help.\n");
-    const ToolResult command = RunTool({"inform", "a.trk"});
+    const ToolResult command = RunTrackTool({"inform", "a.trk"});
     EXPECT_EQ(command.code, 2);
     EXPECT_THAT(command.errors, StartsWith("corvane-track: unknown command 'inform"));
-    const ToolResult option = RunTool({"info", "--jason", "a.trk"});
+    const ToolResult option = RunTrackTool({"info", "--jason", "a.trk"});
     EXPECT_EQ(option.code, 2);
     EXPECT_THAT(option.errors, AllOf(StartsWith("corvane-track info: "), HasSubstr("jason"),
                                      HasSubstr("\nSee corvane-track info --help.\n")));
-    const ToolResult few = RunTool({"info"});
+    const ToolResult few = RunTrackTool({"info"});
     EXPECT_EQ(few.code, 2);
     EXPECT_THAT(few.errors, StartsWith("corvane-track info: too few arguments\n"));
     EXPECT_EQ(nothing.output + command.output + option.output + few.output, "");
@@ -96,7 +97,7 @@ TEST_F(CommandLine, endsWith2ForWhatIsNotUnderstood) {
 
 TEST_F(CommandLine, aFileThatIsNamedLikeAnOptionFollowsTwoDashes) {
     WriteFile("--help", BinaryFile(SmallTrack()));
-    EXPECT_EQ(RunTool({"check", "--", "--help"}).output, "--help: good\n");
+    EXPECT_EQ(RunTrackTool({"check", "--", "--help"}).output, "--help: good\n");
 }
 
 TEST_F(CommandLine, endsWith4WhenStandardOutputIsFull) {

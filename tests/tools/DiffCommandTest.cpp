@@ -24,7 +24,7 @@ class DiffCommand : public testing::Test {
     /// The lines of a comparison of the sample with another track, which must be different.
     static std::vector<std::string> Differences(const Track& other) {
         WriteFile("b.trk", BinaryFile(other));
-        const ToolResult result = RunTool({"diff", "a.trk", "b.trk"});
+        const ToolResult result = RunTrackTool({"diff", "a.trk", "b.trk"});
         EXPECT_EQ(result.code, 1) << result.errors;
         return result.Lines();
     }
@@ -37,12 +37,12 @@ TEST_F(DiffCommand, findsNothingInEqualTracksOfAnyEncoding) {
     rounded.rulers = {{0, 0, 0, 1, 2, 3, 4, 1, 5}}; // follows from the paths elsewhere
     rounded.heights[3] = *rounded.heights[3] + 0.2; // a binary track has steps of 0.25
     WriteFile("text.trk", TextFile(rounded));
-    const ToolResult result = RunTool({"diff", "a.trk", "text.trk"});
+    const ToolResult result = RunTrackTool({"diff", "a.trk", "text.trk"});
     EXPECT_EQ(result.output, "no differences\n");
     EXPECT_EQ(result.code, 0);
-    EXPECT_EQ(RunTool({"diff", "a.trk", "a.trk"}).code, 0);
+    EXPECT_EQ(RunTrackTool({"diff", "a.trk", "a.trk"}).code, 0);
     WriteFile("other.trk", TextFile(Sample()));
-    EXPECT_THAT(RunTool({"diff", "other.trk", "text.trk"}).Lines(),
+    EXPECT_THAT(RunTrackTool({"diff", "other.trk", "text.trk"}).Lines(),
                 ElementsAre("heights", "  1 cells differ, by 0.2 at most (row 0, column 3)",
                             "  rows 0 to 0, columns 3 to 3"));
 }
@@ -68,7 +68,7 @@ TEST_F(DiffCommand, findsDifferentHeights) {
                 ElementsAre("heights", "  3 cells differ, by 1.5 at most (row 3, column 9)",
                             "  1 cells are measured in the first track alone",
                             "  rows 2 to 7, columns 2 to 10"));
-    const ToolResult reversed = RunTool({"diff", "b.trk", "a.trk"});
+    const ToolResult reversed = RunTrackTool({"diff", "b.trk", "a.trk"});
     EXPECT_EQ(reversed.Lines()[2], "  1 cells are measured in the second track alone");
 }
 
@@ -97,9 +97,9 @@ TEST_F(DiffCommand, toleratesSmallDifferences) {
     other.cells[5] += 2; // 0.5
     other.segments[1].relativeY += 0.5 / 5;
     WriteFile("b.trk", BinaryFile(other));
-    EXPECT_EQ(RunTool({"diff", "--tolerance", "0.51", "a.trk", "b.trk"}).code, 0);
-    EXPECT_EQ(RunTool({"diff", "--tolerance", "0.49", "a.trk", "b.trk"}).code, 1);
-    EXPECT_EQ(RunTool({"diff", "--tolerance", "-1", "a.trk", "b.trk"}).code, 2);
+    EXPECT_EQ(RunTrackTool({"diff", "--tolerance", "0.51", "a.trk", "b.trk"}).code, 0);
+    EXPECT_EQ(RunTrackTool({"diff", "--tolerance", "0.49", "a.trk", "b.trk"}).code, 1);
+    EXPECT_EQ(RunTrackTool({"diff", "--tolerance", "-1", "a.trk", "b.trk"}).code, 2);
 }
 
 TEST_F(DiffCommand, hasAFormForPrograms) {
@@ -108,7 +108,7 @@ TEST_F(DiffCommand, hasAFormForPrograms) {
     other.cells[45] += 4;
     other.segments.pop_back();
     WriteFile("b.trk", BinaryFile(other));
-    const auto objects = RunTool({"diff", "--json", "a.trk", "b.trk"}).Objects();
+    const auto objects = RunTrackTool({"diff", "--json", "a.trk", "b.trk"}).Objects();
     ASSERT_EQ(objects.size(), 1U);
     const QJsonObject& difference = objects.front();
     EXPECT_EQ(difference[QLatin1String("equal")], false);
@@ -125,7 +125,7 @@ TEST_F(DiffCommand, hasAFormForPrograms) {
     ASSERT_EQ(points.size(), 3); // with the other resolution, every place is another
     EXPECT_TRUE(points[2].toObject()[QLatin1String("second")].isNull());
     EXPECT_EQ(points[2].toObject()[QLatin1String("first")].toObject()[QLatin1String("length")], 52);
-    EXPECT_EQ(RunTool({"diff", "--json", "a.trk", "a.trk"}).Objects()[0][QLatin1String("equal")], true);
+    EXPECT_EQ(RunTrackTool({"diff", "--json", "a.trk", "a.trk"}).Objects()[0][QLatin1String("equal")], true);
 }
 
 } // namespace

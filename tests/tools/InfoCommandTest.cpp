@@ -30,7 +30,7 @@ class InfoCommand : public testing::Test {
 };
 
 QJsonObject InfoOf(const std::string& file) {
-    const ToolResult result = RunTool({"info", "--json", file});
+    const ToolResult result = RunTrackTool({"info", "--json", file});
     EXPECT_EQ(result.code, 0) << result.errors;
     EXPECT_EQ(result.errors, "");
     const auto objects = result.Objects();
@@ -89,7 +89,7 @@ TEST_F(InfoCommand, agreesWithTheIndependentReaderOnRealTracks) {
 
 TEST_F(InfoCommand, isReadable) {
     WriteFile("a.trk", BinaryFile(Sample()));
-    EXPECT_THAT(RunTool({"info", "a.trk"}).Lines(),
+    EXPECT_THAT(RunTrackTool({"info", "a.trk"}).Lines(),
                 ElementsAre("a.trk", "  Encoding              binary",
                             "  Height map            40 x 20 cells, 799 measured",
                             "  Heights               0 to 43.75", "  Resolution X, Y, Z    0.5, 0.25, 0.25",
@@ -102,7 +102,7 @@ TEST_F(InfoCommand, saysThatATextTrackHasNoPathSection) {
     const std::string whole = TextFile(Sample());
     WriteFile("a.trk", whole.substr(0, whole.find("Ruler")));
     EXPECT_TRUE(InfoOf("a.trk").value(QLatin1String("paths")).isNull());
-    EXPECT_THAT(RunTool({"info", "a.trk"}).output, HasSubstr("no section with paths"));
+    EXPECT_THAT(RunTrackTool({"info", "a.trk"}).output, HasSubstr("no section with paths"));
 }
 
 TEST_F(InfoCommand, hasNoHeightsWhereNothingIsMeasured) {
@@ -115,7 +115,7 @@ TEST_F(InfoCommand, hasNoHeightsWhereNothingIsMeasured) {
 TEST_F(InfoCommand, goesOnAfterAFileThatCannotBeRead) {
     WriteFile("good.trk", BinaryFile(Sample()));
     WriteFile("bad.trk", BinaryFile(Sample()).substr(0, 100));
-    const ToolResult result = RunTool({"info", "--json", "bad.trk", "missing.trk", ".", "good.trk"});
+    const ToolResult result = RunTrackTool({"info", "--json", "bad.trk", "missing.trk", ".", "good.trk"});
     EXPECT_EQ(result.code, 3);
     EXPECT_THAT(result.Objects(), SizeIs(1));
     EXPECT_THAT(result.errors,
@@ -128,7 +128,7 @@ TEST_F(InfoCommand, refusesAVersionWhoseLayoutIsUnknown) {
     std::string content = BinaryFile(Sample());
     content[8] = 2;
     WriteFile("a.trk", content);
-    const ToolResult result = RunTool({"info", "a.trk"});
+    const ToolResult result = RunTrackTool({"info", "a.trk"});
     EXPECT_EQ(result.code, 3);
     EXPECT_EQ(result.errors, "corvane-track info: a.trk: Wrong file version (2)\n");
 }

@@ -43,7 +43,7 @@ class PathsCommands : public testing::Test {
                               const std::string& name = "list.csv") {
         const std::string before = FileContent("binary.trk");
         WriteFile(name, list);
-        const ToolResult result = RunTool({"paths", "import", "binary.trk", name});
+        const ToolResult result = RunTrackTool({"paths", "import", "binary.trk", name});
         EXPECT_EQ(result.code, 3);
         EXPECT_EQ(result.errors, "corvane-track paths import: " + name + ": " + reason + "\n");
         EXPECT_EQ(FileContent("binary.trk"), before);
@@ -76,23 +76,23 @@ std::vector<independent::Ruler> TicksOf(const Segment& from, const Segment& to, 
 }
 
 TEST_F(PathsCommands, exportEveryPointWithItsPlaceInTheWorld) {
-    const ToolResult result = RunTool({"paths", "export", "binary.trk"});
+    const ToolResult result = RunTrackTool({"paths", "export", "binary.trk"});
     EXPECT_EQ(result.code, 0) << result.errors;
     EXPECT_THAT(result.Lines(),
                 ElementsAre(kHeader.substr(0, kHeader.size() - 1), "0,0,15,21.25,0.25,0.25,1,50,60,70",
                             "0,1,20,21.25,0.5,0.25,1,51,61,71", "0,2,25,21.25,0.75,0.25,1,52,62,72",
                             HasSubstr(",0.3333333333333333,0.3333333333333333,1,70,80,90"),
                             HasSubstr(",0.6666666666666666,0.3333333333333333,1,71,81,91")));
-    EXPECT_EQ(RunTool({"paths", "export", "binary.trk", "--output", "list.csv"}).output, "");
+    EXPECT_EQ(RunTrackTool({"paths", "export", "binary.trk", "--output", "list.csv"}).output, "");
     EXPECT_EQ(FileContent("list.csv"), result.output);
 }
 
 TEST_F(PathsCommands, importWhatTheyExportedBitForBit) {
-    RunTool({"paths", "export", "binary.trk", "-o", "list.csv"});
+    RunTrackTool({"paths", "export", "binary.trk", "-o", "list.csv"});
     Track other = Sample();
     other.segments = SmallTrack(PathAcross(0, 5, 0.75, 20)).segments;
     WriteFile("other.trk", BinaryFile(other));
-    EXPECT_EQ(RunTool({"paths", "import", "other.trk", "list.csv"}).errors, "");
+    EXPECT_EQ(RunTrackTool({"paths", "import", "other.trk", "list.csv"}).errors, "");
     Track written = ReadTrack("other.trk");
     EXPECT_FALSE(written.rulers.empty());
     written.rulers.clear();
@@ -106,7 +106,7 @@ TEST_F(PathsCommands, importWhatTheyExportedBitForBit) {
 TEST_F(PathsCommands, importComputesTheRulerMarks) {
     WriteFile("list.csv", "Track,RelativeX,RelativeY,Method,Length,Width,Space\n"
                           "0,0.25,0.5,2,8,6,9\n0,0.75,0.5,1,1,1,1\n");
-    EXPECT_EQ(RunTool({"paths", "import", "binary.trk", "list.csv"}).errors, "");
+    EXPECT_EQ(RunTrackTool({"paths", "import", "binary.trk", "list.csv"}).errors, "");
     const Track written = ReadTrack("binary.trk");
     ASSERT_EQ(written.segments.size(), 2U);
     const auto expected = TicksOf(written.segments[0], written.segments[1], written);
@@ -131,7 +131,7 @@ TEST_F(PathsCommands, importTakesWhatTheEditorKeepsAfterACrash) {
     path.AppendPoint({{1.0 / 3.0, 0.1}, 2, 30, 40, 50});
     path.AppendPoint({{0.7, 2.0 / 3.0}, 3, 31, 41, 51});
     ASSERT_EQ(WriteCsvPathsAlone("part (crash).csv", {path}), 0);
-    EXPECT_EQ(RunTool({"paths", "import", "binary.trk", "part (crash).csv"}).errors, "");
+    EXPECT_EQ(RunTrackTool({"paths", "import", "binary.trk", "part (crash).csv"}).errors, "");
     const Track written = ReadTrack("binary.trk");
     ASSERT_EQ(written.segments.size(), 2U);
     const Segment& point = written.segments[0];
@@ -145,7 +145,8 @@ TEST_F(PathsCommands, importTakesWhatTheEditorKeepsAfterACrash) {
 
 TEST_F(PathsCommands, importCanGoByWorldCoordinates) {
     WriteFile("list.csv", "X,Y,Track\n15,21.25,0\n20,22.5,0\n");
-    EXPECT_EQ(RunTool({"paths", "import", "binary.trk", "list.csv", "--coordinates", "world"}).errors, "");
+    EXPECT_EQ(RunTrackTool({"paths", "import", "binary.trk", "list.csv", "--coordinates", "world"}).errors,
+              "");
     const Track written = ReadTrack("binary.trk");
     ASSERT_EQ(written.segments.size(), 2U);
     EXPECT_EQ(written.segments[1].relativeX, 0.5);
@@ -157,7 +158,7 @@ TEST_F(PathsCommands, importCanGoByWorldCoordinates) {
 }
 
 TEST_F(PathsCommands, jsonHasALineStringInWorldCoordinatesForEachPath) {
-    EXPECT_EQ(RunTool({"paths", "export", "text.trk", "-o", "list.geojson"}).errors, "");
+    EXPECT_EQ(RunTrackTool({"paths", "export", "text.trk", "-o", "list.geojson"}).errors, "");
     const QJsonObject collection =
         QJsonDocument::fromJson(QByteArray::fromStdString(FileContent("list.geojson"))).object();
     EXPECT_EQ(collection[QLatin1String("type")], QStringLiteral("FeatureCollection"));
@@ -174,11 +175,11 @@ TEST_F(PathsCommands, jsonHasALineStringInWorldCoordinatesForEachPath) {
 }
 
 TEST_F(PathsCommands, jsonComesBackToTheSamePlaces) {
-    RunTool({"paths", "export", "binary.trk", "-o", "list.json"});
+    RunTrackTool({"paths", "export", "binary.trk", "-o", "list.json"});
     Track blank = Sample();
     blank.segments.clear();
     WriteFile("blank.trk", BinaryFile(blank));
-    EXPECT_EQ(RunTool({"paths", "import", "blank.trk", "list.json"}).errors, "");
+    EXPECT_EQ(RunTrackTool({"paths", "import", "blank.trk", "list.json"}).errors, "");
     const Track written = ReadTrack("blank.trk");
     const Track expected = Sample();
     ASSERT_EQ(written.segments.size(), expected.segments.size());
@@ -193,7 +194,7 @@ TEST_F(PathsCommands, jsonComesBackToTheSamePlaces) {
 TEST_F(PathsCommands, jsonMayHaveOneNumberForAllSegments) {
     WriteFile("list.json", R"({"type": "FeatureCollection", "features": [{"type": "Feature",
         "properties": {"width": 7}, "geometry": {"type": "LineString", "coordinates": [[10, 20], [30, 25]]}}]})");
-    EXPECT_EQ(RunTool({"paths", "import", "binary.trk", "list.json"}).errors, "");
+    EXPECT_EQ(RunTrackTool({"paths", "import", "binary.trk", "list.json"}).errors, "");
     const Track written = ReadTrack("binary.trk");
     ASSERT_EQ(written.segments.size(), 2U);
     EXPECT_EQ(written.segments[1].width, 7);
@@ -203,25 +204,25 @@ TEST_F(PathsCommands, jsonMayHaveOneNumberForAllSegments) {
 }
 
 TEST_F(PathsCommands, importIntoATextTrackNamesItsTarget) {
-    RunTool({"paths", "export", "binary.trk", "-o", "list.csv"});
+    RunTrackTool({"paths", "export", "binary.trk", "-o", "list.csv"});
     const std::string before = FileContent("text.trk");
-    const ToolResult unnamed = RunTool({"paths", "import", "text.trk", "list.csv"});
+    const ToolResult unnamed = RunTrackTool({"paths", "import", "text.trk", "list.csv"});
     EXPECT_EQ(unnamed.code, 2);
     EXPECT_THAT(unnamed.errors, HasSubstr("would become a binary one"));
-    EXPECT_EQ(RunTool({"paths", "import", "text.trk", "list.csv", "-o", "new.trk"}).code, 0);
+    EXPECT_EQ(RunTrackTool({"paths", "import", "text.trk", "list.csv", "-o", "new.trk"}).code, 0);
     EXPECT_EQ(FileContent("text.trk"), before);
     EXPECT_EQ(ReadTrack("new.trk").cells, Sample().cells);
     EXPECT_EQ(ReadTrack("new.trk").segments, Sample().segments);
-    EXPECT_EQ(RunTool({"paths", "import", "text.trk", "list.csv", "-o", "text.trk"}).code, 0);
+    EXPECT_EQ(RunTrackTool({"paths", "import", "text.trk", "list.csv", "-o", "text.trk"}).code, 0);
     EXPECT_EQ(ReadTrack("text.trk").segments, Sample().segments);
 }
 
 TEST_F(PathsCommands, importGivesATextTrackThePathSectionThatItLacks) {
     const std::string whole = TextFile(Sample());
     WriteFile("blank.trk", whole.substr(0, whole.find("Ruler")));
-    RunTool({"paths", "export", "binary.trk", "-o", "list.csv"});
-    EXPECT_EQ(RunTool({"paths", "export", "blank.trk"}).code, 3);
-    EXPECT_EQ(RunTool({"paths", "import", "blank.trk", "list.csv", "-o", "new.trk"}).errors, "");
+    RunTrackTool({"paths", "export", "binary.trk", "-o", "list.csv"});
+    EXPECT_EQ(RunTrackTool({"paths", "export", "blank.trk"}).code, 3);
+    EXPECT_EQ(RunTrackTool({"paths", "import", "blank.trk", "list.csv", "-o", "new.trk"}).errors, "");
     EXPECT_EQ(ReadTrack("new.trk").segments, Sample().segments);
 }
 
@@ -259,27 +260,28 @@ TEST_F(PathsCommands, importRefusesWhatIsNotClear) {
 }
 
 TEST_F(PathsCommands, importLeavesTheTrackWhereItCannotBeWritten) {
-    RunTool({"paths", "export", "binary.trk", "-o", "list.csv"});
+    RunTrackTool({"paths", "export", "binary.trk", "-o", "list.csv"});
     const std::string before = FileContent("binary.trk");
-    const ToolResult result = RunTool({"paths", "import", "binary.trk", "list.csv", "-o", "missing/new.trk"});
+    const ToolResult result =
+        RunTrackTool({"paths", "import", "binary.trk", "list.csv", "-o", "missing/new.trk"});
     EXPECT_EQ(result.code, 4);
     EXPECT_EQ(result.errors, "corvane-track paths import: missing/new.trk: No such file or directory\n");
     EXPECT_EQ(FileContent("binary.trk"), before);
-    EXPECT_EQ(RunTool({"paths", "export", "binary.trk", "-o", "missing/list.csv"}).code, 4);
+    EXPECT_EQ(RunTrackTool({"paths", "export", "binary.trk", "-o", "missing/list.csv"}).code, 4);
 }
 
 TEST_F(PathsCommands, importRefusesMoreRulerMarksThanAFileHolds) {
     // 2^31 pixels in steps of one: more ticks than are ever built.
     WriteFile("list.csv", "Track,RelativeX,RelativeY,Space\n0,0,0,0\n0,20000000,0,0\n");
     const std::string before = FileContent("binary.trk");
-    const ToolResult result = RunTool({"paths", "import", "binary.trk", "list.csv"});
+    const ToolResult result = RunTrackTool({"paths", "import", "binary.trk", "list.csv"});
     EXPECT_EQ(result.code, 3);
     EXPECT_THAT(result.errors, HasSubstr("Cannot store the ruler"));
     EXPECT_EQ(FileContent("binary.trk"), before);
 }
 
 TEST_F(PathsCommands, convertWritesWhatATextTrackHoldsAsABinaryOne) {
-    EXPECT_EQ(RunTool({"convert", "text.trk", "new.trk"}).errors, "");
+    EXPECT_EQ(RunTrackTool({"convert", "text.trk", "new.trk"}).errors, "");
     const Track written = ReadTrack("new.trk");
     EXPECT_EQ(written.cells, Sample().cells);
     EXPECT_EQ(written.anchor, Sample().anchor);
@@ -291,21 +293,21 @@ TEST_F(PathsCommands, convertWritesWhatATextTrackHoldsAsABinaryOne) {
 }
 
 TEST_F(PathsCommands, convertRefusesWhatItWouldNotKeep) {
-    const ToolResult binary = RunTool({"convert", "binary.trk", "new.trk"});
+    const ToolResult binary = RunTrackTool({"convert", "binary.trk", "new.trk"});
     EXPECT_EQ(binary.code, 3);
     EXPECT_EQ(binary.errors, "corvane-track convert: binary.trk: a binary track already\n");
     Track high = Sample();
     high.heights[5] = 1e9;
     WriteFile("high.trk", TextFile(high));
-    const ToolResult lost = RunTool({"convert", "high.trk", "new.trk"});
+    const ToolResult lost = RunTrackTool({"convert", "high.trk", "new.trk"});
     EXPECT_EQ(lost.code, 3);
     EXPECT_THAT(lost.errors, HasSubstr("row=0 column=5"));
     const std::string whole = TextFile(Sample());
     WriteFile("blank.trk", whole.substr(0, whole.find("Ruler")));
-    EXPECT_EQ(RunTool({"convert", "blank.trk", "new.trk"}).errors,
+    EXPECT_EQ(RunTrackTool({"convert", "blank.trk", "new.trk"}).errors,
               "corvane-track convert: blank.trk: no section with paths\n");
     EXPECT_FALSE(std::filesystem::exists("new.trk"));
-    EXPECT_EQ(RunTool({"convert", "--without-paths", "blank.trk", "new.trk"}).code, 0);
+    EXPECT_EQ(RunTrackTool({"convert", "--without-paths", "blank.trk", "new.trk"}).code, 0);
     EXPECT_TRUE(ReadTrack("new.trk").segments.empty());
 }
 

@@ -68,29 +68,29 @@ TEST_F(ProfileCommand, isThatOfTheCellsBelowThePath) {
         "5,16.25,22.375,1,12,9,14.25",
         "6,16.25,23.375,1,12,13,15.25",
     };
-    EXPECT_EQ(RunTool({"profile", "a.trk", "--step", "1"}).Lines(), expected);
-    EXPECT_EQ(RunTool({"profile", "text.trk", "--step", "1"}).Lines(), expected);
+    EXPECT_EQ(RunTrackTool({"profile", "a.trk", "--step", "1"}).Lines(), expected);
+    EXPECT_EQ(RunTrackTool({"profile", "text.trk", "--step", "1"}).Lines(), expected);
 }
 
 TEST_F(ProfileCommand, endsAtTheLastPointWhateverTheStep) {
-    EXPECT_THAT(RunTool({"profile", "a.trk", "--step", "4"}).Lines(),
+    EXPECT_THAT(RunTrackTool({"profile", "a.trk", "--step", "4"}).Lines(),
                 ElementsAre("Distance,X,Y,Segment,Column,Row,Height", "0,12.25,21.375,0,4,5,5.25",
                             "4,16.25,21.375,1,12,5,13.25", "6,16.25,23.375,1,12,13,15.25"));
 }
 
 TEST_F(ProfileCommand, stepsByTheFinerResolutionUnlessToldOtherwise) {
-    EXPECT_EQ(RunTool({"profile", "a.trk"}).Lines().size(), 1 + 6 / 0.25 + 1);
+    EXPECT_EQ(RunTrackTool({"profile", "a.trk"}).Lines().size(), 1 + 6 / 0.25 + 1);
 }
 
 TEST_F(ProfileCommand, hasNoHeightOutsideTheMap) {
-    EXPECT_THAT(RunTool({"profile", "a.trk", "--path", "2", "--step", "1"}).Lines(),
+    EXPECT_THAT(RunTrackTool({"profile", "a.trk", "--path", "2", "--step", "1"}).Lines(),
                 ElementsAre("Distance,X,Y,Segment,Column,Row,Height", "0,29,20.25,0,38,1,38.25",
                             "1,30,20.25,0,39,1,39.25", // the border belongs to the map
                             "2,31,20.25,0,,1,"));
 }
 
 TEST_F(ProfileCommand, ofASinglePointHasOneHeight) {
-    EXPECT_THAT(RunTool({"profile", "a.trk", "--path", "3"}).Lines(),
+    EXPECT_THAT(RunTrackTool({"profile", "a.trk", "--path", "3"}).Lines(),
                 ElementsAre("Distance,X,Y,Segment,Column,Row,Height", "0,30,25,0,39,19,43.75"));
 }
 
@@ -98,11 +98,11 @@ TEST_F(ProfileCommand, givesTheHeightsOfATextTrackAsTheyAreWritten) {
     Track track = Sample();
     track.heights[5 * 40 + 4] = 5.37; // no multiple of the Z resolution
     WriteFile("text.trk", TextFile(track));
-    EXPECT_EQ(RunTool({"profile", "text.trk", "--step", "4"}).Lines()[1], "0,12.25,21.375,0,4,5,5.37");
+    EXPECT_EQ(RunTrackTool({"profile", "text.trk", "--step", "4"}).Lines()[1], "0,12.25,21.375,0,4,5,5.37");
 }
 
 TEST_F(ProfileCommand, plotsTheCurve) {
-    const ToolResult result = RunTool({"profile", "a.trk", "--plot", "a.png", "--size", "640x320"});
+    const ToolResult result = RunTrackTool({"profile", "a.trk", "--plot", "a.png", "--size", "640x320"});
     EXPECT_EQ(result.code, 0);
     EXPECT_EQ(result.output + result.errors, "");
     const QImage plot(QStringLiteral("a.png"));
@@ -121,13 +121,13 @@ TEST_F(ProfileCommand, plotsTheCurve) {
             EXPECT_NEAR(distance, 1.25, 0.03);
         }
     }
-    RunTool({"profile", "a.trk", "--plot", "b.png", "-o", "b.csv"});
-    EXPECT_EQ(FileContent("b.csv"), RunTool({"profile", "a.trk"}).output);
+    RunTrackTool({"profile", "a.trk", "--plot", "b.png", "-o", "b.csv"});
+    EXPECT_EQ(FileContent("b.csv"), RunTrackTool({"profile", "a.trk"}).output);
     EXPECT_TRUE(std::filesystem::exists("b.png"));
 }
 
 TEST_F(ProfileCommand, leavesNothingBehindForThePlot) {
-    RunTool({"profile", "a.trk", "--plot", "a.png"});
+    RunTrackTool({"profile", "a.trk", "--plot", "a.png"});
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator("."))
         names.push_back(entry.path().filename().string());
@@ -135,23 +135,23 @@ TEST_F(ProfileCommand, leavesNothingBehindForThePlot) {
 }
 
 TEST_F(ProfileCommand, refusesWhatGivesNoProfile) {
-    const ToolResult path = RunTool({"profile", "a.trk", "--path", "4"});
+    const ToolResult path = RunTrackTool({"profile", "a.trk", "--path", "4"});
     EXPECT_EQ(path.code, 2);
     EXPECT_THAT(path.errors, HasSubstr("has 3 paths, and none with number 4"));
-    EXPECT_EQ(RunTool({"profile", "a.trk", "--path", "0"}).code, 2);
-    EXPECT_EQ(RunTool({"profile", "a.trk", "--step", "0"}).code, 2);
-    const ToolResult step = RunTool({"profile", "a.trk", "--step", "1e-9"});
+    EXPECT_EQ(RunTrackTool({"profile", "a.trk", "--path", "0"}).code, 2);
+    EXPECT_EQ(RunTrackTool({"profile", "a.trk", "--step", "0"}).code, 2);
+    const ToolResult step = RunTrackTool({"profile", "a.trk", "--step", "1e-9"});
     EXPECT_EQ(step.code, 2);
     EXPECT_THAT(step.errors, HasSubstr("more than 10 million steps"));
     Track track = Sample();
     track.xResolution = 0;
     WriteFile("flat.trk", BinaryFile(track));
-    EXPECT_THAT(RunTool({"profile", "flat.trk"}).errors, HasSubstr("choose one with --step"));
+    EXPECT_THAT(RunTrackTool({"profile", "flat.trk"}).errors, HasSubstr("choose one with --step"));
     track = Sample();
     track.segments[1].relativeX = 1e308;
     track.segments[2].relativeX = -1e308;
     WriteFile("far.trk", BinaryFile(track));
-    const ToolResult far = RunTool({"profile", "far.trk"});
+    const ToolResult far = RunTrackTool({"profile", "far.trk"});
     EXPECT_EQ(far.code, 3);
     EXPECT_THAT(far.errors, HasSubstr("points that are not finite"));
 }

@@ -8,6 +8,7 @@
 
 #include <QImage>
 
+#include <algorithm>
 #include <filesystem>
 
 namespace {
@@ -40,7 +41,7 @@ class RenderCommand : public testing::Test {
         WriteFile("a.trk", BinaryFile(track));
         std::vector<std::string> words = {"render", "a.trk", "a.png"};
         words.insert(words.end(), options.begin(), options.end());
-        const ToolResult result = RunTool(words);
+        const ToolResult result = RunTrackTool(words);
         EXPECT_EQ(result.code, 0) << result.errors;
         return QImage(QStringLiteral("a.png")).convertToFormat(QImage::Format_RGB32);
     }
@@ -57,7 +58,7 @@ QImage MapOf(const Track& track) {
     const double high = *std::max_element(track.cells.begin(), track.cells.end());
     for (int row = 0; row < track.height; ++row)
         for (int column = 0; column < track.width; ++column) {
-            const auto cell = track.cells[static_cast<std::size_t>(row * track.width + column)];
+            const auto cell = track.cells.at(static_cast<unsigned>(row * track.width + column));
             const auto colour = independent::RampColour(cell, low, high);
             const bool measured = cell != independent::kNoMeasurement;
             map.setPixel(column, row, measured ? qRgb(colour[0], colour[1], colour[2]) : qRgb(0, 0, 0));
@@ -133,20 +134,20 @@ TEST_F(RenderCommand, showsATextTrackLikeABinaryOne) {
     Track text = Sample();
     text.heights[3].reset();
     WriteFile("b.trk", TextFile(text));
-    EXPECT_EQ(RunTool({"render", "b.trk", "b.png"}).code, 0);
+    EXPECT_EQ(RunTrackTool({"render", "b.trk", "b.png"}).code, 0);
     EXPECT_EQ(CountDifferences(QImage(QStringLiteral("b.png")).convertToFormat(QImage::Format_RGB32), binary),
               0);
 }
 
 TEST_F(RenderCommand, refusesAPictureThatIsTooLarge) {
     WriteFile("a.trk", BinaryFile(Sample()));
-    const ToolResult wide = RunTool({"render", "a.trk", "a.png", "--scale", "10000"});
+    const ToolResult wide = RunTrackTool({"render", "a.trk", "a.png", "--scale", "10000"});
     EXPECT_EQ(wide.code, 2);
     EXPECT_THAT(wide.errors, HasSubstr("a picture of 24000 x 10000 pixels"));
-    EXPECT_EQ(RunTool({"render", "a.trk", "a.png", "--scale", "0"}).code, 2);
-    EXPECT_EQ(RunTool({"render", "a.trk", "a.png", "--size", "0x5"}).code, 2);
-    EXPECT_EQ(RunTool({"render", "a.trk", "a.png", "--size", "5"}).code, 2);
-    EXPECT_EQ(RunTool({"render", "a.trk", "a.png", "--size", "5x5", "--scale", "10"}).code, 2);
+    EXPECT_EQ(RunTrackTool({"render", "a.trk", "a.png", "--scale", "0"}).code, 2);
+    EXPECT_EQ(RunTrackTool({"render", "a.trk", "a.png", "--size", "0x5"}).code, 2);
+    EXPECT_EQ(RunTrackTool({"render", "a.trk", "a.png", "--size", "5"}).code, 2);
+    EXPECT_EQ(RunTrackTool({"render", "a.trk", "a.png", "--size", "5x5", "--scale", "10"}).code, 2);
     EXPECT_FALSE(std::filesystem::exists("a.png"));
 }
 
@@ -154,10 +155,10 @@ TEST_F(RenderCommand, saysWhatCannotBeReadOrWritten) {
     Track flat = Sample();
     flat.cells.assign(flat.cells.size(), 7);
     WriteFile("flat.trk", BinaryFile(flat));
-    EXPECT_EQ(RunTool({"render", "flat.trk", "a.png"}).errors,
+    EXPECT_EQ(RunTrackTool({"render", "flat.trk", "a.png"}).errors,
               "corvane-track render: flat.trk: Invalid depth range for pixel retrieval from CSV\n");
     WriteFile("a.trk", BinaryFile(Sample()));
-    const ToolResult result = RunTool({"render", "a.trk", "missing/a.png"});
+    const ToolResult result = RunTrackTool({"render", "a.trk", "missing/a.png"});
     EXPECT_EQ(result.code, 4);
     EXPECT_EQ(result.errors, "corvane-track render: missing/a.png: No such file or directory\n");
 }

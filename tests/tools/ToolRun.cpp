@@ -24,7 +24,7 @@ std::string ToolProgram() {
     return CORVANE_TRACK_PROGRAM;
 }
 
-ToolResult RunTool(const std::vector<std::string>& words) {
+ToolResult RunTrackTool(const std::vector<std::string>& words) {
     QStringList arguments;
     for (const std::string& word : words)
         arguments.append(QString::fromStdString(word));

@@ -21,4 +21,4 @@ struct ToolResult {
 std::string ToolProgram();
 
 /// Runs the built program in the current directory, and waits for its end.
-ToolResult RunTool(const std::vector<std::string>& words);
+ToolResult RunTrackTool(const std::vector<std::string>& words);
