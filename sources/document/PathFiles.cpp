@@ -1,8 +1,12 @@
 #include "document/PathFiles.h"
 
+#include "document/ImageProportions.h"
+#include "document/RulerMarksCache.h"
 #include "document/formats/ConvertCSV.h"
 #include "document/formats/TargetFile.h"
 #include "log/Log.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -61,4 +65,21 @@ SaveResult SaveWithPaths(const std::string& original, const std::string& target,
         return ConvertTextTrack(*text, original, target, paths, world, wasOpened);
     return ResultOf(converter->UpdatePath(original, target, paths, world.widthScale, world.xOffset,
                                           world.yOffset, world.xScale, world.yScale));
+}
+
+SaveResult SaveWithNewMarks(const std::string& original, const std::string& target,
+                            std::vector<TrackPath> paths) {
+    TrackInfo info;
+    if (CreateConverter(original)->ReadInfo(original, info) != 0)
+        return SaveResult::OriginalUnreadable;
+    const QSize map(info.width, info.height);
+    const QSize shown = ShownImageSize(map, info.xResolution, info.yResolution);
+    RulerMarksCache().Update(paths, shown, [](std::size_t, const RulerMarks&) {});
+    return SaveWithPaths(original, target, paths, WorldOf(info, map), true,
+                         RulerMarksBuilder(shown).TickCount(paths));
+}
+
+WorldTransform WorldOf(const TrackInfo& info, const QSize& map) {
+    return {std::min(info.xResolution, info.yResolution), info.xOffset, info.yOffset,
+            map.width() * info.xResolution, map.height() * info.yResolution};
 }

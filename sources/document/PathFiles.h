@@ -1,12 +1,18 @@
 #pragma once
 
+#include "document/formats/TrackInfo.h"
 #include "document/formats/TrackPath.h"
 #include "document/formats/WorldTransform.h"
+
+#include <QSize>
 
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
+
+/// What ties the normalised points of a track to world units in its file. @param map columns x rows
+[[nodiscard]] WorldTransform WorldOf(const TrackInfo& info, const QSize& map);
 
 /// How writing a track with new paths ended.
 enum class SaveResult { Saved, OriginalUnreadable, TargetUnwritable };
@@ -22,3 +28,8 @@ enum class SaveResult { Saved, OriginalUnreadable, TargetUnwritable };
 [[nodiscard]] SaveResult SaveWithPaths(const std::string& original, const std::string& target,
                                        const std::vector<TrackPath>& paths, const WorldTransform& world,
                                        bool wasOpened, std::optional<std::uint64_t> ticks = {});
+
+/// The same for a track that is not open: ruler marks and world coordinates are those that it would have if
+/// it were.
+[[nodiscard]] SaveResult SaveWithNewMarks(const std::string& original, const std::string& target,
+                                          std::vector<TrackPath> paths);

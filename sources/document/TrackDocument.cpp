@@ -169,6 +169,7 @@ void TrackDocument::computeRulerMarks(const QSize& image) {
             change.paths.push_back(touched);
         change.extent.Add(of);
     });
+    marksSize = image;
     emit rulerMarksChanged(change);
 }
 
@@ -180,18 +181,24 @@ void TrackDocument::clearRulerMarks() {
             change.extent.Add(of);
     }
     marks.Forget();
+    marksSize = {};
     emit rulerMarksChanged(change);
 }
 
 WorldTransform TrackDocument::worldTransform() const {
-    const TrackInfo& info = content.info;
-    return {std::min(info.xResolution, info.yResolution), info.xOffset, info.yOffset,
-            content.image.width() * info.xResolution, content.image.height() * info.yResolution};
+    return WorldOf(content.info, content.image.size());
 }
 
 SaveResult TrackDocument::write(const std::string& original, const std::string& target,
                                 const WorldTransform& world) const {
-    return SaveWithPaths(original, target, paths(), world, original == pathsFile);
+    return SaveWithPaths(original, target, paths(), world, original == pathsFile, ExpectedTicks());
+}
+
+/// How many ticks there should be, when the marks are those of the paths.
+std::optional<std::uint64_t> TrackDocument::ExpectedTicks() const {
+    if (marksSize.isEmpty())
+        return std::nullopt;
+    return RulerMarksBuilder(marksSize).TickCount(paths());
 }
 
 void TrackDocument::save(const std::string& original, const std::string& target,
@@ -211,8 +218,9 @@ void TrackDocument::Push(std::unique_ptr<PathStep> step) {
     emit modifiedChanged();
 }
 
-/// The marks are told first: whoever follows the signal may have them brought up to date.
+/// The marks follow first: whoever follows the signal may have them brought up to date.
 void TrackDocument::Follow(const PathsChange& change) {
     marks.Follow(change);
+    marksSize = {};
     emit pathsChanged(change);
 }

@@ -11,6 +11,9 @@
 #include <QObject>
 #include <QSize>
 
+#include <cstdint>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -133,7 +136,8 @@ class TrackDocument final : public QObject {
     /// What ties normalised points to world units in a file.
     [[nodiscard]] WorldTransform worldTransform() const;
     /// Writes the paths with their ruler marks, and the rest of `original`, into the binary track file
-    /// `target`. A target that cannot be written whole is left as it was.
+    /// `target`. A target that cannot be written whole is left as it was. Marks that are up to date but were
+    /// limited in number are a failure: they would be lost in the file.
     [[nodiscard]] SaveResult write(const std::string& original, const std::string& target,
                                    const WorldTransform& world) const;
     /// The same. @throws Ve::Exception with status bERROR_TRACK: "Failed to read the original file." or
@@ -154,6 +158,7 @@ class TrackDocument final : public QObject {
 
   private:
     void Follow(const PathsChange& change);
+    [[nodiscard]] std::optional<std::uint64_t> ExpectedTicks() const;
     void Push(std::unique_ptr<PathStep> step);
     void ReplacePaths(std::vector<TrackPath> paths, int finishedCount);
 
@@ -161,6 +166,8 @@ class TrackDocument final : public QObject {
     PathList list;
     UndoHistory history;
     RulerMarksCache marks;
+    QSize marksSize; ///< the image size that the present marks are for; empty when there are none, or older
+                     ///< ones
     std::string path;
     TrackOrigin origin = TrackOrigin::Workspace;
     bool opened = false;

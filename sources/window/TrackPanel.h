@@ -41,6 +41,7 @@ class TrackPanel final : public TrackView {
     QString askForCopyName() override;
     void showTrackList(const QStringList& names) override;
     void removeFromTrackList(int index) override;
+    void chooseTrack(const QString& name) override;
     void showFileName(const QString& name, bool external) override;
     void showHeights(double lowest, double highest) override;
     void showTrack() override;

@@ -5,6 +5,7 @@
 #include "link/WorkerThread.h"
 #include "log/Log.h"
 #include "ui_mainwindow.h"
+#include "window/ControlNames.h"
 #include "window/InputGuard.h"
 #include "window/RulerControl.h"
 #include "window/SegmentPanel.h"
@@ -14,8 +15,10 @@
 #include "window/UndoActions.h"
 #include "window/ViewScale.h"
 #include "window/WaitingSpinnerWidget.h"
+#include "workflow/KeptFolder.h"
 #include "workflow/SourceWorkflow.h"
 #include "workflow/TrackOperations.h"
+#include "workflow/WorkProtection.h"
 
 #include <QCloseEvent>
 
@@ -48,6 +51,9 @@ MainWindow::~MainWindow() {
 
 void MainWindow::SetUpPanels() {
     ui->label_mask->setDocument(document);
+    protection = std::make_unique<WorkProtection>(document, DefaultKeptFolder());
+    stateLabel = new StateLabel(QString::fromStdString(protection->Folder()), this);
+    ui->statusBar->addPermanentWidget(stateLabel);
     ruler = std::make_unique<RulerControl>(*ui->pushButton_getRuler, *ui->label_mask);
     scale = std::make_unique<ViewScale>(*ui->horizontalSlider_resizeImage, *ui->label_scale, *ui->scrollArea,
                                         *ui->label_mask, document);
@@ -55,8 +61,10 @@ void MainWindow::SetUpPanels() {
     trackPanel =
         std::make_unique<TrackPanel>(*ui, *this, document, TrackPanel::Neighbours{*scale, *segments, *ruler});
     sourcePanel = std::make_unique<SourcePanel>(*ui, *this);
-    tracks = std::make_unique<TrackOperations>(document, *trackPanel, [this] { return sources->IsOpen(); });
-    sources = std::make_unique<SourceWorkflow>(client, *tracks, *sourcePanel);
+    tracks = std::make_unique<TrackOperations>(
+        TrackOperations::Context{document, *trackPanel, *protection, [this] { return sources->IsOpen(); }});
+    sources =
+        std::make_unique<SourceWorkflow>(SourceWorkflow::Context{client, *tracks, *sourcePanel, *protection});
 }
 
 void MainWindow::SetUpCanvas() {
@@ -73,6 +81,8 @@ void MainWindow::SetUpWorker() {
     spinner = new WaitingSpinnerWidget(Qt::WindowModal, this, true, true);
     spinner->setInnerRadius(kSpinnerSize);
     spinner->setLineLength(kSpinnerSize);
+    spinner->setLineColor(palette().color(QPalette::WindowText)); // seen on a dark desktop too
+    spinner->setAccessibleName(tr("Busy"));
     BlockingController* const controller = &worker->controller();
     connect(sourcePanel.get(), &SourcePanel::restoreRequested, this, &MainWindow::SignalRestore);
     connect(sourcePanel.get(), &SourcePanel::backupRequested, this, &MainWindow::SignalBackup);
@@ -91,6 +101,7 @@ void MainWindow::SetUpWorker() {
 
 /// What stands beside the controls: keys, guards, and the state in the status bar.
 void MainWindow::SetUpAdditions() {
+    NameControls(*ui);
     undoActions =
         std::make_unique<UndoActions>(*this, *ui->label_mask, [this] { return spinner->isSpinning(); });
     auto* const guard = new InputGuard(this);
@@ -99,14 +110,14 @@ void MainWindow::SetUpAdditions() {
                                          ui->comboBox_lineType, ui->spinBox_pathId, ui->spinBox_segmentId})
         guard->ignoreWheel(*control);
     guard->openByKeys(*ui->comboBox_operation);
-    stateLabel = new StateLabel({}, this);
-    ui->statusBar->addPermanentWidget(stateLabel);
     connect(&document, &TrackDocument::modifiedChanged, this, &MainWindow::ShowState);
     connect(&document, &TrackDocument::restored, segments.get(), &SegmentPanel::followRestored);
+    protection->Recover();
+    ShowState();
 }
 
 void MainWindow::ShowState() {
-    stateLabel->showState(document.isModified(), false);
+    stateLabel->showState(document.hasImage() && document.isModified(), !protection->Unsent().IsEmpty());
 }
 
 void MainWindow::RunSlot(const std::function<void()>& body, const std::function<void()>& onFailure) {
@@ -117,8 +128,10 @@ void MainWindow::RunSlot(const std::function<void()>& body, const std::function<
             onFailure();
         const std::string status = bStatus_Name(failure.Status());
         LOG_LINE(ERROR) << "(" << status << ") " << failure.what();
+        ShowState();
         trackPanel->showError(QString::fromStdString(status + " - " + failure.what()));
     }
+    ShowState();
 }
 
 bool MainWindow::rulerShown() const {

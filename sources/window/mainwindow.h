@@ -21,6 +21,7 @@ class TrackPanel;
 class UndoActions;
 class ViewScale;
 class WaitingSpinnerWidget;
+class WorkProtection;
 class WorkerThread;
 
 namespace Ui {
@@ -88,6 +89,7 @@ class MainWindow final : public QMainWindow, public RulerOwner {
     const std::unique_ptr<Ui::MainWindow> ui;
     TrackDocument document;
     OstraSdkClient client; ///< not to be used while the spinner spins: the worker uses it then
+    std::unique_ptr<WorkProtection> protection;
     std::unique_ptr<RulerControl> ruler;
     std::unique_ptr<ViewScale> scale;
     std::unique_ptr<SegmentPanel> segments;

@@ -4,9 +4,12 @@
 #include "log/Log.h"
 #include "workflow/TrackOperations.h"
 #include "workflow/WaitCursor.h"
+#include "workflow/WorkProtection.h"
 #include "workflow/WorkingFiles.h"
 
 #include <QCoreApplication>
+
+#include <set>
 
 namespace {
 
@@ -32,8 +35,8 @@ void RequireSuccess(const Ve::Exception& result) {
 
 } // namespace
 
-SourceWorkflow::SourceWorkflow(OstraSdkClient& client, TrackOperations& tracks, SourceView& view)
-    : client(client), tracks(tracks), view(view) {
+SourceWorkflow::SourceWorkflow(Context context)
+    : client(context.client), tracks(context.tracks), view(context.view), protection(context.protection) {
 }
 
 void SourceWorkflow::FillSourceList() {
@@ -117,12 +120,28 @@ void SourceWorkflow::LoadBackup() {
     if (chosen.isEmpty())
         return;
     const WaitCursor waiting;
-    UnpackBackup(backupFile);
+    Unpack();
+    operatorsBackup = backupFile;
+    tracks.CloseWorkspaceTrack();
     Enter(State::BackupOpen);
     view.showStatus(Text("Load backup file successfully."));
     tracks.RefreshTrackList();
     view.enableOperations(true);
     view.showOpenSource(QStringLiteral("Backup File"), chosen);
+}
+
+/// The paths of an open track of the workspace, and its tracks that were not sent, are kept once the backup
+/// is known to be good, and before its workspace takes their place.
+void SourceWorkflow::Unpack() {
+    for (const std::string& file : std::set{backupFile, operatorsBackup})
+        if (IsInWorkingFolder(file)) // it is removed with the folder
+            protection.KeepDeleted(file);
+    UnpackBackup(backupFile);
+    if (HasWorkspace()) {
+        tracks.KeepUnsavedOfWorkspace();
+        protection.KeepUnsent();
+    }
+    UnpackWorkspace();
 }
 
 void SourceWorkflow::Connect() {
@@ -132,6 +151,8 @@ void SourceWorkflow::Connect() {
                             "MainWindow::on_pushButton_sensor_clicked", "Please select a sensor server.");
     const WaitCursor waiting;
     client.Connect(servers[chosen].address, servers[chosen].controlPort);
+    if (IsServerBackup(operatorsBackup)) // the download replaces it
+        protection.KeepReplaced(operatorsBackup);
     view.showStatus(Text("Connecting to the sensor ..."));
     view.requestBackup(QString::fromLatin1(kServerBackup));
 }
@@ -140,7 +161,9 @@ void SourceWorkflow::FinishBackup(const Ve::Exception& result) {
     RequireSuccess(result);
     const WaitCursor waiting;
     backupFile = kServerBackup;
-    UnpackBackup(backupFile);
+    Unpack();
+    operatorsBackup.clear();
+    tracks.CloseWorkspaceTrack();
     if (state == State::ServerChosen) {
         Enter(State::ServerOpen);
         view.enableSources(false);
@@ -154,6 +177,7 @@ void SourceWorkflow::FinishBackup(const Ve::Exception& result) {
 
 void SourceWorkflow::FinishRestore(const Ve::Exception& result) {
     RequireSuccess(result);
+    protection.Unsent().Clear();
     view.showStatus(Text("Restoring successfully."));
 }
 
@@ -170,6 +194,7 @@ void SourceWorkflow::SaveToBackupFile() {
     const WaitCursor waiting;
     view.showStatus(Text("Saving the backup file..."));
     PackBackup(backupFile);
+    protection.Unsent().Clear();
     view.showStatus(Text("Saved the backup file successfully."));
 }
 
@@ -202,6 +227,10 @@ void SourceWorkflow::Reset() {
 void SourceWorkflow::Leave() {
     if (state == State::ServerOpen)
         DisconnectAnyway();
+    protection.KeepUnsaved();
+    protection.KeepUnsent();
+    if (IsServerBackup(operatorsBackup) || IsInWorkingFolder(operatorsBackup))
+        protection.KeepDeleted(operatorsBackup);
     RemoveWorkingFiles();
 }
 

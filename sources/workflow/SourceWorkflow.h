@@ -8,15 +8,22 @@
 #include <vector>
 
 class TrackOperations;
+class WorkProtection;
 
 /// Where tracks come from: connects to sensor servers and disconnects, opens backup files, and sends the
 /// workspace back. Failures are thrown as Ve::Exception with the text that the operator is shown; what was
 /// done before the failing step stays done.
 class SourceWorkflow {
   public:
-    /// @param client used here only while no request of the view's is under way
-    /// All are borrowed and outlive the object.
-    SourceWorkflow(OstraSdkClient& client, TrackOperations& tracks, SourceView& view);
+    /// What the workflow works with; all are borrowed and outlive the object.
+    struct Context {
+        OstraSdkClient& client; ///< used here only while no request of the view's is under way
+        TrackOperations& tracks;
+        SourceView& view;
+        WorkProtection& protection;
+    };
+
+    explicit SourceWorkflow(Context context);
 
     /// Looks for servers, which takes up to a second, and lists them.
     void FillSourceList();
@@ -38,7 +45,8 @@ class SourceWorkflow {
     void FinishBackup(const Ve::Exception& result);
     void FinishRestore(const Ve::Exception& result);
 
-    /// Disconnects, when connected, and removes the working files. A failure is logged.
+    /// Disconnects, when connected, and removes the working files, of which what would be lost is kept first.
+    /// A failure is logged.
     void Leave();
 
   private:
@@ -50,6 +58,7 @@ class SourceWorkflow {
     [[nodiscard]] SourceView::ConnectionAction Action() const;
     void Connect();
     void Disconnect();
+    void Unpack();
     void LoadBackup();
     void SaveToBackupFile();
     void SyncToServer();
@@ -58,7 +67,9 @@ class SourceWorkflow {
     OstraSdkClient& client;
     TrackOperations& tracks;
     SourceView& view;
+    WorkProtection& protection;
     State state = State::ServerChosen;
     std::vector<OstraServerInfo> servers; ///< in the order of the list
     std::string backupFile;               ///< the backup in use
+    std::string operatorsBackup;          ///< the backup that the operator opened last, if any
 };

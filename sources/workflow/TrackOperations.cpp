@@ -8,11 +8,13 @@
 #include "workflow/TrackFolder.h"
 #include "workflow/TrackView.h"
 #include "workflow/WaitCursor.h"
+#include "workflow/WorkProtection.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QScopeGuard>
 
+#include <filesystem>
 #include <utility>
 
 namespace {
@@ -35,14 +37,23 @@ Ve::Exception LoadFailure(int line, const char* message) {
     return {line, kSourceFile, bERROR_TRACK, "MainWindow::LoadTrack", "%s", message};
 }
 
+/// Whether two paths lead to one existing file.
+bool IsSameFile(const QString& one, const QString& other) {
+    std::error_code failure;
+    return std::filesystem::equivalent(one.toStdString(), other.toStdString(), failure);
+}
+
 bool IsTemporaryTrack(const QString& path) {
     return QFileInfo(path).canonicalFilePath() == QFileInfo(kTemporaryTrack).canonicalFilePath();
 }
 
 } // namespace
 
-TrackOperations::TrackOperations(TrackDocument& document, TrackView& view, std::function<bool()> sourceIsOpen)
-    : document(document), view(view), sourceIsOpen(std::move(sourceIsOpen)) {
+TrackOperations::TrackOperations(Context context)
+    : document(context.document),
+      view(context.view),
+      protection(context.protection),
+      sourceIsOpen(std::move(context.sourceIsOpen)) {
 }
 
 void TrackOperations::RefreshTrackList() {
@@ -71,6 +82,7 @@ bool TrackOperations::Load() {
 
 void TrackOperations::LoadTrack(const QString& path, TrackOrigin origin) {
     const WaitCursor waiting;
+    protection.KeepUnsaved();
     const std::string file = path.toStdString();
     const std::shared_ptr<Converter> converter = CreateConverter(file);
     TrackContent content;
@@ -106,21 +118,45 @@ bool TrackOperations::Save() {
     if (document.isExternal())
         SaveExternalTrack(path);
     else
-        SaveTrack(path, path);
+        SaveIntoWorkspace(path, FileNameOf(path));
     document.setSaved();
     return true;
 }
 
 /// An external track joins the workspace; its own file is never written.
 void TrackOperations::SaveExternalTrack(const QString& path) {
-    QString name = FileNameOf(path);
-    if (trackFiles.contains(name))
-        name = NewTrackName(name);
+    const QString name = NameInWorkspace(path);
     const QString target = WorkspaceTrack(name);
-    SaveTrack(path, target);
+    protection.KeepReplaced(target.toStdString());
+    SaveIntoWorkspace(path, name);
     document.moveToWorkspace(target.toStdString());
     view.showFileName(name, false);
     RefreshTrackList();
+    view.chooseTrack(name);
+}
+
+/// A name that is taken, or is the external file itself, gets another ending.
+QString TrackOperations::NameInWorkspace(const QString& externalPath) const {
+    QString name = FileNameOf(externalPath);
+    if (trackFiles.contains(name))
+        name = NewTrackName(name);
+    while (IsSameFile(WorkspaceTrack(name), externalPath))
+        name = NewTrackName(name);
+    return name;
+}
+
+/// The track counts as not sent from before its file is another, so that a crash in between loses nothing.
+void TrackOperations::SaveIntoWorkspace(const QString& source, const QString& name) {
+    const std::string recorded = name.toStdString();
+    const bool wasUnsent = protection.Unsent().Names().count(recorded) > 0;
+    protection.Unsent().Record(recorded);
+    try {
+        SaveTrack(source, WorkspaceTrack(name));
+    } catch (const Ve::Exception&) {
+        if (!wasUnsent)
+            protection.Unsent().Forget(recorded);
+        throw;
+    }
 }
 
 /// The window keeps editing the file that it has open.
@@ -138,9 +174,9 @@ bool TrackOperations::SaveAs() {
 void TrackOperations::SaveTrack(const QString& source, const QString& target) {
     const WaitCursor waiting;
     if (source == target && !IsTemporaryTrack(source))
-        SaveInPlace(source);
-    else
-        document.save(source.toStdString(), target.toStdString(), document.worldTransform());
+        return SaveInPlace(source);
+    protection.KeepTextOriginal(target.toStdString());
+    document.save(source.toStdString(), target.toStdString(), document.worldTransform());
 }
 
 /// By way of a temporary track; the old file goes only when that one is complete.
@@ -149,6 +185,7 @@ void TrackOperations::SaveInPlace(const QString& track) {
     cleanUp();
     const auto atTheEnd = qScopeGuard(cleanUp);
     document.save(track.toStdString(), kTemporaryTrack.toStdString(), document.worldTransform());
+    protection.KeepTextOriginal(track.toStdString());
     if (ReplaceFile(kTemporaryTrack.toStdString(), track.toStdString()))
         throw Ve::Exception(__LINE__, kSourceFile, bERROR_TRACK, "MainWindow::SaveTrack",
                             "Failed to read the target file.");
@@ -157,17 +194,20 @@ void TrackOperations::SaveInPlace(const QString& track) {
 bool TrackOperations::Delete() {
     const int chosen = view.chosenTrackIndex();
     const std::string path = WorkspaceTrack(trackFiles.value(chosen)).toStdString();
+    protection.KeepDeleted(path);
     const bStatus status = bFile_Delete(path.c_str());
     if (status != bOK)
         throw Ve::Exception(kDeleteFailureLine, kSourceFile, status,
                             "MainWindow::on_comboBox_operation_currentIndexChanged", "Failed to delete %s",
                             path.c_str());
+    protection.Unsent().Forget(trackFiles.value(chosen).toStdString());
     view.removeFromTrackList(chosen);
     trackFiles.removeAt(chosen);
     return true;
 }
 
 void TrackOperations::CloseTrack() {
+    protection.KeepUnsaved();
     document.close();
     view.showNoTrack();
     view.showFileName({}, false);
@@ -177,4 +217,9 @@ void TrackOperations::CloseTrack() {
 void TrackOperations::CloseWorkspaceTrack() {
     if (document.isWorkspaceTrack())
         CloseTrack();
+}
+
+void TrackOperations::KeepUnsavedOfWorkspace() {
+    if (document.isWorkspaceTrack())
+        protection.KeepUnsaved();
 }

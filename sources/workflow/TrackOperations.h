@@ -7,14 +7,21 @@
 #include <functional>
 
 class TrackView;
+class WorkProtection;
 
 /// What the operator does with track files: lists, loads, saves and deletes them. Failures are thrown as
 /// Ve::Exception with the text that the operator is shown.
 class TrackOperations {
   public:
-    /// @param sourceIsOpen says whether there is an unpacked workspace to be listed
-    /// All are borrowed and outlive the object.
-    TrackOperations(TrackDocument& document, TrackView& view, std::function<bool()> sourceIsOpen);
+    /// What the operations work with; all are borrowed and outlive the object.
+    struct Context {
+        TrackDocument& document;
+        TrackView& view;
+        WorkProtection& protection;
+        std::function<bool()> sourceIsOpen; ///< whether there is an unpacked workspace to be listed
+    };
+
+    explicit TrackOperations(Context context);
 
     /// Lists the workspace's tracks anew; none while no source is open.
     void RefreshTrackList();
@@ -31,20 +38,25 @@ class TrackOperations {
     void LoadTrack(const QString& path, TrackOrigin origin);
     /// Writes the document's paths, with the rest of `source`, to `target`.
     void SaveTrack(const QString& source, const QString& target);
-    /// Nothing is shown any more.
+    /// Nothing is shown any more. Paths that no file has are kept first.
     void CloseTrack();
     /// The same when the open track is one of the workspace.
     void CloseWorkspaceTrack();
+    /// The workspace is about to be replaced: keeps the paths of its open track that no file has.
+    void KeepUnsavedOfWorkspace();
     /// Removes the paths of a track that was closed.
     void ResetPaths() { document.resetPaths(); }
 
   private:
     [[nodiscard]] bool HasTrackToSave();
     void SaveExternalTrack(const QString& path);
+    void SaveIntoWorkspace(const QString& source, const QString& name);
     void SaveInPlace(const QString& track);
+    [[nodiscard]] QString NameInWorkspace(const QString& externalPath) const;
 
     TrackDocument& document;
     TrackView& view;
+    WorkProtection& protection;
     std::function<bool()> sourceIsOpen;
     QStringList trackFiles; ///< names in the workspace's track folder, as last listed
 };

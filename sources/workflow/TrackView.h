@@ -19,6 +19,8 @@ class TrackView {
     /// Lists these tracks of the workspace, and "External" after them.
     virtual void showTrackList(const QStringList& names) = 0;
     virtual void removeFromTrackList(int index) = 0;
+    /// Makes the track of this name the chosen entry of the list.
+    virtual void chooseTrack(const QString& name) = 0;
 
     /// The name of the open track; empty when none is open.
     virtual void showFileName(const QString& name, bool external) = 0;

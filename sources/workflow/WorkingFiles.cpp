@@ -6,6 +6,10 @@
 #include "link/FileUtils.h"
 #include "log/Log.h"
 
+#include <filesystem>
+
+namespace fs = std::filesystem;
+
 namespace {
 
 void LogLeftover(const char* path, bStatus status) {
@@ -18,7 +22,29 @@ void LogLeftover(const char* path, bStatus status) {
 
 void UnpackBackup(const std::string& backup) {
     TarUncompress(backup, kBackupFolder, bAlloc_Application());
+}
+
+bool HasWorkspace() {
+    return bFile_Exists(kWorkspaceArchive) != 0;
+}
+
+void UnpackWorkspace() {
     TarUncompress(kWorkspaceArchive, kWorkspaceFolder, bAlloc_Application());
+}
+
+bool IsServerBackup(const std::string& file) {
+    std::error_code failure;
+    return fs::equivalent(file, kServerBackup, failure);
+}
+
+bool IsInWorkingFolder(const std::string& file) {
+    std::error_code failure;
+    for (fs::path folder = fs::canonical(file, failure).parent_path(); folder.has_relative_path();
+         folder = folder.parent_path())
+        if (fs::equivalent(folder, kBackupFolder, failure) ||
+            fs::equivalent(folder, kWorkspaceFolder, failure))
+            return true;
+    return false;
 }
 
 void PackBackup(const std::string& backup) {

@@ -14,8 +14,20 @@ constexpr const char* kWorkspaceArchive = "./TmpDirBackup/workspaces/Workspace.o
 /// That archive unpacked.
 constexpr const char* kWorkspaceFolder = "./TmpDirOsws";
 
-/// Unpacks a backup and the workspace in it. @throws Ve::Exception; what was unpacked before stays
+/// Unpacks a backup. @throws Ve::Exception; what was unpacked before stays
 void UnpackBackup(const std::string& backup);
+
+/// Whether there is a workspace archive in the unpacked backup.
+[[nodiscard]] bool HasWorkspace();
+
+/// Unpacks the workspace in the unpacked backup. @throws Ve::Exception; what was unpacked before stays
+void UnpackWorkspace();
+
+/// Whether a file is one that the next download from a server replaces.
+[[nodiscard]] bool IsServerBackup(const std::string& file);
+
+/// Whether a file lies in a folder that the next unpacking replaces.
+[[nodiscard]] bool IsInWorkingFolder(const std::string& file);
 
 /// Packs the workspace, and the backup with it. A backup that cannot be packed whole stays as it was.
 /// @throws Ve::Exception

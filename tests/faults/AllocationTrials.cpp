@@ -132,6 +132,7 @@ AllocationRoad UnpackRoad() {
     return {[] {},
             [] {
                 UnpackBackup(kBackup);
+                UnpackWorkspace();
                 return true;
             },
             [](Outcome outcome) {
@@ -147,7 +148,10 @@ AllocationRoad UnpackRoad() {
 }
 
 AllocationRoad PackRoad() {
-    return {[] { UnpackBackup(kBackup); },
+    return {[] {
+                UnpackBackup(kBackup);
+                UnpackWorkspace();
+            },
             [] {
                 PackBackup(kBackup);
                 return true;

@@ -21,6 +21,7 @@ class CopiesTest : public ::testing::Test {
     CopiesTest() {
         ::mkdir("instance", 0700);
         ::setenv("CORVANE_INSTANCE", folder.Path("instance").c_str(), 1);
+        ::setenv("CORVANE_KEPT", folder.Path("kept").c_str(), 1);
         ::setenv("OSTRA_DISCOVERY", "127.0.0.1:9", 1); // also when this is not started by ctest
     }
 

@@ -53,6 +53,7 @@ class StartUpTest : public ::testing::Test {
     StartUpTest() {
         ::mkdir("instance", 0700);
         ::setenv("CORVANE_INSTANCE", folder.Path("instance").c_str(), 1);
+        ::setenv("CORVANE_KEPT", folder.Path("kept").c_str(), 1);
         ::setenv("OSTRA_DISCOVERY", "127.0.0.1:9", 1); // also when this is not started by ctest
         whenShown = [](QMainWindow& window) { window.close(); };
     }

@@ -1,14 +1,9 @@
 #include "document/formats/RawHeightCheck.h"
 
-#include "document/formats/RawHeight.h"
-
 #include <array>
 #include <charconv>
-#include <cmath>
 
 namespace {
-
-constexpr double kRawValueLimit = 32768.0; ///< of raw values before they are truncated; not itself one
 
 /// The shortest text that reads back as the number.
 std::string TextOf(double number) {
@@ -21,27 +16,20 @@ std::string NameOf(const RawHeightCheck::Cell& cell) {
            " height=" + TextOf(cell.height);
 }
 
-bool HasRawValues(double zOffset, double zResolution) {
-    return zResolution != 0.0 && std::isfinite(zResolution) && std::isfinite(zOffset);
-}
-
-bool HasRawValue(double height, double zOffset, double zResolution) {
-    return HasRawValues(zOffset, zResolution) && std::abs((height - zOffset) / zResolution) < kRawValueLimit;
-}
-
 } // namespace
 
-RawHeightCheck::RawHeightCheck(double offset, double resolution) : zOffset(offset), zResolution(resolution) {
+RawHeightCheck::RawHeightCheck(double offset, double resolution)
+    : zOffset(offset),
+      zResolution(resolution),
+      hasRawValues(resolution != 0.0 && std::isfinite(resolution) && std::isfinite(offset)) {
 }
 
-std::int16_t RawHeightCheck::RawValueOf(const Cell& cell) {
-    const std::int16_t raw = RawHeight(cell.height, zOffset, zResolution);
+void RawHeightCheck::Note(const Cell& cell, std::int16_t raw) {
     if (!std::isfinite(cell.height))
-        return raw;
-    if (!withoutRawValue && !HasRawValue(cell.height, zOffset, zResolution))
+        return;
+    if (!withoutRawValue && !HasRawValue(cell.height))
         withoutRawValue = cell;
     Compare(cell, raw);
-    return raw;
 }
 
 void RawHeightCheck::Compare(const Cell& cell, std::int16_t raw) {
@@ -57,12 +45,11 @@ void RawHeightCheck::Compare(const Cell& cell, std::int16_t raw) {
 
 std::string RawHeightCheck::Failure() const {
     if (withoutRawValue) {
-        const std::string reason = HasRawValues(zOffset, zResolution)
-                                       ? "its raw value " +
-                                             TextOf((withoutRawValue->height - zOffset) / zResolution) +
-                                             " is beyond 16 bits"
-                                       : "ZResolution=" + TextOf(zResolution) +
-                                             " and ZOffset=" + TextOf(zOffset) + " give it no raw value";
+        const std::string reason =
+            hasRawValues ? "its raw value " + TextOf((withoutRawValue->height - zOffset) / zResolution) +
+                               " is beyond 16 bits"
+                         : "ZResolution=" + TextOf(zResolution) + " and ZOffset=" + TextOf(zOffset) +
+                               " give it no raw value";
         return "Cannot store " + NameOf(*withoutRawValue) + ": " + reason;
     }
     if (different && !rawValuesDiffer)
