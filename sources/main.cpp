@@ -67,6 +67,11 @@ static int SayWhetherRunning() {
     return running ? 0 : 1;
 }
 
+/// Qt ends the program where no display answers.
+static int SayWhichDisplay() {
+    return Print(QStringLiteral("Windows are shown by \"%1\".\n").arg(QGuiApplication::platformName()));
+}
+
 /// A start from a terminal that must end says nothing more than its exit code and its log; one from the
 /// desktop would seem to do nothing.
 static void ShowWhyItEnds(StartMode mode, const QString& reason) {
@@ -114,5 +119,5 @@ int main(int argc, char** argv) {
     // encoding.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     const QApplication application(argc, argv);
-    return RunEditor(mode);
+    return mode == StartMode::Display ? SayWhichDisplay() : RunEditor(mode);
 }

@@ -16,6 +16,7 @@ constexpr std::array kOptions{
     Option{"--help", StartMode::Help},
     Option{"-h", StartMode::Help},
     Option{"--version", StartMode::Version},
+    Option{"--display", StartMode::Display},
 };
 
 } // namespace

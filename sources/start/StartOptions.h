@@ -9,6 +9,7 @@ enum class StartMode {
     Help,
     Version,
     Running, ///< say whether a copy of this user runs
+    Display, ///< say where a window would be shown
 };
 
 /// The first argument that is one of ours decides. Qt takes its own ("-platform", "-style" …) from the

@@ -58,12 +58,14 @@ class CopiesTest : public ::testing::Test {
         return waitUntil([this] { return !log().empty() && log().back() == '\n'; });
     }
 
-    /// The first line on standard error, once it arrives.
+    /// The first line on standard error that is the program's own, once it arrives.
     [[nodiscard]] static std::string messageOf(QProcess& copy) {
-        std::string message;
-        while (message.find('\n') == std::string::npos && copy.waitForReadyRead(60'000))
-            message += copy.readAllStandardError().toStdString();
-        return message;
+        while (copy.canReadLine() || copy.waitForReadyRead(60'000)) {
+            const std::string line = copy.readLine().toStdString();
+            if (line.starts_with("corvane: "))
+                return line;
+        }
+        return {};
     }
 
     [[nodiscard]] static bool hasEnded(QProcess& copy) {
@@ -141,6 +143,20 @@ TEST_F(CopiesTest, ShowsItsVersionAndItsOptionsWithoutADisplay) {
     EXPECT_THAT(help.readAllStandardOutput().toStdString(),
                 testing::AllOf(testing::HasSubstr("\n  --desktop "), testing::HasSubstr("\n  --running ")));
     EXPECT_EQ(version.exitCode() + help.exitCode(), 0);
+    EXPECT_NE(::access("Corvane.log", F_OK), 0);
+}
+
+TEST_F(CopiesTest, SaysWhetherADisplayAnswers) {
+    QProcess& shown = start({QStringLiteral("--display")});
+    ASSERT_TRUE(shown.waitForFinished(60'000));
+    EXPECT_EQ(shown.exitCode(), 0);
+    EXPECT_EQ(shown.readAllStandardOutput().toStdString(), "Windows are shown by \"offscreen\".\n");
+    ::setenv("QT_QPA_PLATFORM", "xcb", 1);
+    ::setenv("DISPLAY", "127.0.0.1:65000", 1); // beyond the ports that exist
+    QProcess& dead = start({QStringLiteral("--display")});
+    ASSERT_TRUE(dead.waitForFinished(60'000));
+    EXPECT_EQ(dead.readAllStandardOutput().toStdString(), "");
+    EXPECT_NE(dead.exitStatus(), QProcess::NormalExit);
     EXPECT_NE(::access("Corvane.log", F_OK), 0);
 }
 
