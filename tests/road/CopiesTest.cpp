@@ -61,7 +61,7 @@ class CopiesTest : public ::testing::Test {
     /// The first line on standard error that is the program's own, once it arrives.
     [[nodiscard]] static std::string messageOf(QProcess& copy) {
         while (copy.canReadLine() || copy.waitForReadyRead(60'000)) {
-            const std::string line = copy.readLine().toStdString();
+            std::string line = copy.readLine().toStdString();
             if (line.starts_with("corvane: "))
                 return line;
         }
