@@ -1,7 +1,7 @@
 #include "Check.h"
 #include "basalt/Exception.h"
 #include "ostrasdk/ReplyBody.h"
-#include "ostrasdk/WireBody.h"
+#include "wire/WireBody.h"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/beast/http/parser.hpp>

@@ -1,6 +1,6 @@
 #include "server/JsonObject.h"
 
-#include "basalt/JsonFlaw.h"
+#include "wire/JsonFlaw.h"
 
 #include <QJsonDocument>
 

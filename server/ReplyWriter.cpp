@@ -1,7 +1,7 @@
 #include "server/ReplyWriter.h"
 
-#include "basalt/ContentDigest.h"
 #include "server/PlainText.h"
+#include "wire/ContentDigest.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #include "server/RequestReader.h"
 
-#include "basalt/ContentDigest.h"
+#include "wire/ContentDigest.h"
 
 #include <array>
 #include <limits>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "basalt/Crc32c.h"
 #include "server/RequestError.h"
 #include "server/TimedStream.h"
+#include "wire/Crc32c.h"
 
 #include <chrono>
 #include <cstdint>

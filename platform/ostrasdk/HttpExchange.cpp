@@ -1,8 +1,8 @@
 #include "ostrasdk/HttpExchange.h"
 
-#include "basalt/ContentDigest.h"
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
+#include "wire/ContentDigest.h"
 
 #include <boost/asio/connect.hpp>
 #include <boost/asio/write.hpp>

@@ -2,8 +2,8 @@
 
 #include "ostrasdk/HttpRequest.h"
 #include "ostrasdk/ReplyBody.h"
-#include "ostrasdk/VeJson.h"
-#include "ostrasdk/WireBody.h"
+#include "wire/VeJson.h"
+#include "wire/WireBody.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>

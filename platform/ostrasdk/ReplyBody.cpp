@@ -2,8 +2,8 @@
 
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
-#include "ostrasdk/JsonText.h"
-#include "ostrasdk/WireBody.h"
+#include "wire/JsonText.h"
+#include "wire/WireBody.h"
 
 namespace OstraSdk {
 

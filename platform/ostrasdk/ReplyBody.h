@@ -1,8 +1,8 @@
 #pragma once
 
-#include "basalt/Crc32c.h"
-#include "ostrasdk/CborReader.h"
-#include "ostrasdk/VeJson.h"
+#include "wire/CborReader.h"
+#include "wire/Crc32c.h"
+#include "wire/VeJson.h"
 
 #include <boost/beast/core/buffers_range.hpp>
 #include <boost/beast/http/message.hpp>

@@ -1,7 +1,7 @@
 #include "ServerTest.h"
 
 #include "SlowCrc32c.h"
-#include "basalt/ContentDigest.h"
+#include "wire/ContentDigest.h"
 
 #include <string>
 

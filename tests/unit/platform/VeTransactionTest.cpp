@@ -3,10 +3,10 @@
 #include "LoopbackSocket.h"
 #include "ScriptedServer.h"
 #include "ThrownBy.h"
-#include "basalt/ContentDigest.h"
-#include "basalt/Crc32c.h"
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
+#include "wire/ContentDigest.h"
+#include "wire/Crc32c.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
-#include "ostrasdk/WireBody.h"
+#include "wire/WireBody.h"
 
-#include "ostrasdk/CborWriter.h"
-#include "ostrasdk/JsonText.h"
+#include "wire/CborWriter.h"
+#include "wire/JsonText.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "basalt/ContentDigest.h"
+#include "wire/ContentDigest.h"
 
 #include <algorithm>
 

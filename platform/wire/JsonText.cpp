@@ -1,8 +1,8 @@
-#include "ostrasdk/JsonText.h"
+#include "wire/JsonText.h"
 
 #include "basalt/Exception.h"
-#include "basalt/JsonFlaw.h"
 #include "basalt/bStatus.h"
+#include "wire/JsonFlaw.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,6 +1,6 @@
-#include "basalt/ContentDigest.h"
+#include "wire/ContentDigest.h"
 #include "SlowCrc32c.h"
-#include "basalt/Crc32c.h"
+#include "wire/Crc32c.h"
 
 #include <gtest/gtest.h>
 

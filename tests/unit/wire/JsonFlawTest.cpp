@@ -1,4 +1,4 @@
-#include "basalt/JsonFlaw.h"
+#include "wire/JsonFlaw.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
-#include "ostrasdk/CborReader.h"
+#include "wire/CborReader.h"
 
 #include "ScriptedServer.h"
 #include "ThrownBy.h"
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
-#include "ostrasdk/JsonText.h"
+#include "wire/JsonText.h"
 
 #include <gtest/gtest.h>
 

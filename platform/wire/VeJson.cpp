@@ -1,8 +1,8 @@
-#include "ostrasdk/VeJson.h"
+#include "wire/VeJson.h"
 
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
-#include "ostrasdk/JsonText.h"
+#include "wire/JsonText.h"
 
 namespace OstraSdk {
 

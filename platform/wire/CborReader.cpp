@@ -1,10 +1,10 @@
-#include "ostrasdk/CborReader.h"
+#include "wire/CborReader.h"
 
 #include "basalt/Exception.h"
 #include "basalt/LargePages.h"
 #include "basalt/bStatus.h"
-#include "ostrasdk/CborFrame.h"
-#include "ostrasdk/JsonText.h"
+#include "wire/CborFrame.h"
+#include "wire/JsonText.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "ostrasdk/CborWriter.h"
+#include "wire/CborWriter.h"
 
 #include <QCborStreamWriter>
 

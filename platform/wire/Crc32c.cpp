@@ -1,4 +1,4 @@
-#include "basalt/Crc32c.h"
+#include "wire/Crc32c.h"
 
 #include <array>
 #include <cstring>

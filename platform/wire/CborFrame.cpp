@@ -1,4 +1,4 @@
-#include "ostrasdk/CborFrame.h"
+#include "wire/CborFrame.h"
 
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"

@@ -1,4 +1,4 @@
-#include "ostrasdk/WireBody.h"
+#include "wire/WireBody.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
-#include "ostrasdk/VeJson.h"
+#include "wire/VeJson.h"
 
 #include "ThrownBy.h"
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
-#include "ostrasdk/JsonText.h"
+#include "wire/JsonText.h"
 
 #include <gtest/gtest.h>
 
