@@ -110,7 +110,7 @@ void CheckFlaws(std::string_view text) {
 } // namespace
 
 VeJson FromJsonText(std::string_view text) {
-    if (text.size() > kLongestText)
+    if (text.size() > kMaxText)
         throw Ve::Exception(__LINE__, __FILE__, bERROR_LIMIT, "FromJsonText", "The text is too long.");
     CheckFlaws(text);
     QJsonParseError error;

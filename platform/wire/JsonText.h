@@ -9,7 +9,7 @@ namespace OstraSdk {
 
 /// The longest JSON text, or body without its byte strings, that is read: a bound on the memory of its
 /// values.
-constexpr std::size_t kLongestText = std::size_t{1024} * 1024;
+constexpr std::size_t kMaxText = std::size_t{1024} * 1024;
 
 /// Reads a JSON text (UTF-8) whose outermost value is an object or an array; an integer up to 2^53 is an
 /// integer however it is written. Throws Ve::Exception: bERROR_FORMAT, also for a key that stands twice in an

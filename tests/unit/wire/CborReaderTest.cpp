@@ -17,16 +17,28 @@ using OstraSdk::CborReader;
 using OstraSdk::VeJson;
 using namespace std::string_literals;
 
-/// Reads a body that comes in pieces of a size.
-VeJson Read(const std::string& body, std::size_t pieceSize = SIZE_MAX, bool sizeIsKnown = true) {
-    CborReader reader(sizeIsKnown ? std::optional<std::uint64_t>(body.size()) : std::nullopt);
-    const auto* const data = reinterpret_cast<const std::uint8_t*>(body.data());
-    for (std::size_t at = 0; at < body.size();) {
-        const std::size_t size = std::min(pieceSize, body.size() - at);
-        reader.Take(data + at, size);
-        at += size;
+/// A body that comes in pieces of a size.
+class Pieces final : public OstraSdk::ByteSource {
+  public:
+    Pieces(std::string bytes, std::size_t pieceSize) : bytes(std::move(bytes)), pieceSize(pieceSize) {}
+
+    std::size_t Read(char* target, std::size_t capacity) override {
+        const std::size_t count = std::min({pieceSize, capacity, bytes.size() - at});
+        at += bytes.copy(target, count, at);
+        return count;
     }
-    return reader.Finish();
+    [[nodiscard]] std::size_t Taken() const { return at; }
+
+  private:
+    std::string bytes;
+    std::size_t pieceSize;
+    std::size_t at = 0;
+};
+
+VeJson Read(const std::string& body, std::size_t pieceSize = SIZE_MAX, bool sizeIsKnown = true) {
+    Pieces pieces(body, pieceSize);
+    return CborReader(pieces, {sizeIsKnown ? body.size() : std::uint64_t{1} << 40U, OstraSdk::kMaxText})
+        .Read();
 }
 
 /// A one-member map {"a": <item>}.
@@ -86,7 +98,8 @@ TEST(CborReader, keepsSeveralByteStringsApart) {
 }
 
 TEST(CborReader, refusesABodyThatIsCutAnywhere) {
-    for (std::size_t size = 0; size < kEverything.size(); ++size) {
+    EXPECT_TRUE(Read("").IsEmpty());
+    for (std::size_t size = 1; size < kEverything.size(); ++size) {
         EXPECT_EQ(StatusOf(kEverything.substr(0, size)), bERROR_FORMAT) << size;
         EXPECT_THROW(Read(kEverything.substr(0, size), 1, false), Ve::Exception) << size;
     }
@@ -100,13 +113,36 @@ TEST(CborReader, refusesWhatFollowsTheValue) {
 TEST(CborReader, refusesALengthBeyondTheBodyBeforeItsBytesCome) {
     for (const std::uint64_t size : {11ULL, 10'000'000'000ULL, 1ULL << 62U, 1ULL << 63U, ~0ULL}) {
         const std::string head = CborDataHead(size);
-        CborReader reader(head.size() + 10);
-        EXPECT_THROW(reader.Take(reinterpret_cast<const std::uint8_t*>(head.data()), head.size()),
-                     Ve::Exception);
+        Pieces body(head + std::string(10, 'x'), 1);
+        EXPECT_THROW(CborReader(body, {head.size() + 10, OstraSdk::kMaxText}).Read(), Ve::Exception);
+        EXPECT_EQ(body.Taken(), head.size());
     }
-    const std::string head = CborDataHead(10);
-    CborReader reader(head.size() + 10);
-    EXPECT_NO_THROW(reader.Take(reinterpret_cast<const std::uint8_t*>(head.data()), head.size()));
+    EXPECT_NO_THROW(Read(CborDataHead(10) + std::string(10, 'x')));
+}
+
+TEST(CborReader, givesByteStringsToASinkThatMayLeaveAPartOfThem) {
+    const std::string body = "\xA3\x61"
+                             "a\x43"
+                             "123\x61"
+                             "b\x81\x42"
+                             "45\x61"
+                             "c\x07"s;
+    for (const std::size_t taken : {0U, 1U, 2U, 3U}) {
+        Pieces pieces(body, 2);
+        std::string seen;
+        const VeJson json = CborReader(pieces, {body.size(), OstraSdk::kMaxText}).Read([&](auto& bytes) {
+            seen += bytes.Key() + std::to_string(bytes.Left()) + ':';
+            std::string part(taken, '\0');
+            std::size_t count = 0;
+            while (const std::size_t some = bytes.Read(part.data() + count, part.size() - count))
+                count += some;
+            seen += part.substr(0, count) + ' ';
+            return VeJson::Bytes();
+        });
+        EXPECT_EQ(seen, "a3:" + "123"s.substr(0, taken) + " 2:" + "45"s.substr(0, taken) + ' ');
+        EXPECT_TRUE(json.At("a").GetBinary().empty());
+        EXPECT_EQ(json.At("c").Get<std::int64_t>(), 7);
+    }
 }
 
 TEST(CborReader, refusesALengthThatDoesNotComeWhenTheBodysSizeIsUnknown) {

@@ -104,7 +104,7 @@ TEST(VeJson, readsSixtyFourLevelsAndNoMore) {
 }
 
 TEST(VeJson, refusesATextBeyondItsLimit) {
-    const std::string filler(OstraSdk::kLongestText - 4, 'a');
+    const std::string filler(OstraSdk::kMaxText - 4, 'a');
     EXPECT_NO_THROW(VeJson::ParseString("[\"" + filler + "\"]"));
     EXPECT_EQ(StatusOf([&] { VeJson::ParseString("[\"a" + filler + "\"]"); }), bERROR_LIMIT);
 }
