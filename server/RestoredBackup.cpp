@@ -74,12 +74,14 @@ void RestoredBackup::ReadEntries(const std::string& target) {
     while ((status = bTar_BeginRead(outer.get(), name.data(), name.size(), &kind, &size)) == bOK) {
         if (!IsNarrowTarName(name.data()))
             Refuse("The archive has an unsafe name.");
+        if (bTar_LinkTarget(outer.get()) != nullptr)
+            Refuse("The archive holds links or special files.");
         if (kind == bTar_FILE)
             ReadEntry(PlainName(name.data()), size, target);
     }
     if (status != bERROR_END)
         Refuse("The archive is damaged.");
-    if (bTar_PassedOver(outer.get()) != 0)
+    if (bTar_LeftOut(outer.get()).count != 0)
         Refuse("The archive holds links or special files.");
 }
 

@@ -13,6 +13,13 @@ enum class FileKind {
 /// The permission bits that are read from files and archives and given to new ones; never more.
 constexpr unsigned kPermissionBits = 0777;
 
+/// The permissions that something unpacked gets: its own, and what its owner needs to go on with it. A file
+/// can always be read, so that it can be packed again; a folder can always be changed, so that a file in it
+/// can be replaced and the folder removed.
+constexpr unsigned UsablePermissions(FileKind kind, unsigned permissions) {
+    return (permissions & kPermissionBits) | (kind == FileKind::Folder ? 0700U : 0400U);
+}
+
 /// What the system knows of a file or a folder.
 struct FileFacts {
     FileKind kind = FileKind::File;

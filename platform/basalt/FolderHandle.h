@@ -31,6 +31,10 @@ class FolderHandle final {
     /// What has this name. @return the system's reason when that cannot be found out
     [[nodiscard]] std::error_code Ask(const std::string& name, FileFacts* facts) const;
 
+    /// Gives this folder permissions and a time of modification, as far as its file system has them.
+    /// @return the reason when that failed
+    [[nodiscard]] std::error_code Describe(const FileFacts& facts) const;
+
     /// Brings the names in the folder to the disk: after a renaming, the new one. A folder that this user may
     /// not list, and one of a file system that syncs no folders, are left to the system.
     /// @return the reason when that failed
@@ -38,6 +42,8 @@ class FolderHandle final {
 
   private:
     explicit FolderHandle(int opened);
+
+    [[nodiscard]] FileDescriptor OpenItself() const;
 
     FileDescriptor descriptor;
     std::error_code failure = std::make_error_code(std::errc::bad_file_descriptor);

@@ -23,10 +23,10 @@ class Packer {
     /// @param relativePath below the source directory; empty for itself
     void PackDirectory(const std::string& relativePath) const {
         bOwned<bArrayList> files = NewList();
-        if (!relativePath.empty())
-            WriteDirectoryEntry(relativePath);
         const std::string directory =
             relativePath.empty() ? sourceDirectory : sourceDirectory + "/" + relativePath;
+        if (!relativePath.empty())
+            WriteDirectoryEntry(directory, relativePath);
         if (const bStatus status = bDirectory_ListFiles(directory.c_str(), files.get()); status != bOK)
             Fail(__LINE__, status, "Failed to list files in " + directory);
         for (const bString& name : files->Items())
@@ -44,7 +44,12 @@ class Packer {
         return bOwned<bArrayList>(list);
     }
 
-    void WriteDirectoryEntry(const std::string& relativePath) const {
+    void WriteDirectoryEntry(const std::string& directory, const std::string& relativePath) const {
+        FileFacts facts;
+        const FolderHandle folder(directory, FolderHandle::Links::Refused);
+        if (!folder.IsOpen() || folder.Ask(".", &facts)) // a folder that has gone since it was listed
+            Fail(__LINE__, bERROR_FILE, "Failed to list files in " + directory);
+        bTar_Describe(tar, facts);
         const bStatus status = bTar_BeginWrite(tar, relativePath.c_str(), bTar_DIRECTORY, 0);
         // The text names another directory than this one; it is the one that operators know.
         if (status != bOK)

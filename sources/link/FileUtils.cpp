@@ -7,6 +7,23 @@
 
 #include <new>
 
+namespace {
+
+/// The operator's next save will not have them.
+void LogLeftOut(const std::string& archive, const LeftOut& leftOut) {
+    if (leftOut.count == 0)
+        return;
+    std::string names;
+    for (const std::string& name : leftOut.names)
+        names += (names.empty() ? "" : ", ") + name;
+    if (leftOut.count > static_cast<std::int64_t>(leftOut.names.size()))
+        names += ", ...";
+    LOG_LINE(INFO) << "Links and special files left out of " << archive << ": " << leftOut.count << " ("
+                   << names << ')';
+}
+
+} // namespace
+
 void TarCompress(const std::string& sourceDirectory, const std::string& tarFileName, bAlloc allocator) {
     try {
         PackFolder(sourceDirectory, tarFileName, allocator);
@@ -17,15 +34,23 @@ void TarCompress(const std::string& sourceDirectory, const std::string& tarFileN
     }
 }
 
-void TarUncompress(const std::string& tarFileName, const std::string& targetDirectory, bAlloc allocator) {
+LeftOut TarUncompressReporting(const std::string& tarFileName, const std::string& targetDirectory,
+                               bAlloc allocator) {
     try {
-        const bStatus end = UnpackFolder(tarFileName, targetDirectory, allocator);
-        if (end != bERROR_END) {
-            LOG_LINE(ERROR) << '(' << bStatus_Name(end) << ") The archive is damaged - " << tarFileName;
+        const Unpacking result = UnpackFolder(tarFileName, targetDirectory, allocator);
+        LogLeftOut(tarFileName, result.leftOut);
+        if (result.end != bERROR_END) {
+            LOG_LINE(ERROR) << '(' << bStatus_Name(result.end) << ") The archive is damaged - "
+                            << tarFileName;
         }
+        return result.leftOut;
     } catch (const Ve::Exception& failure) {
         throw Ve::Exception(__LINE__, __FILE__, failure.Status(), "TarUncompress", "%s", failure.what());
     } catch (const std::bad_alloc&) {
         throw Ve::Exception(__LINE__, __FILE__, bERROR_MEMORY, "TarUncompress", "Failed to allocate memory.");
     }
+}
+
+void TarUncompress(const std::string& tarFileName, const std::string& targetDirectory, bAlloc allocator) {
+    static_cast<void>(TarUncompressReporting(tarFileName, targetDirectory, allocator));
 }

@@ -36,9 +36,18 @@ std::error_code FolderHandle::Ask(const std::string& name, FileFacts* facts) con
     return {};
 }
 
+/// A folder that is open for steps alone can neither be described nor synced.
+FileDescriptor FolderHandle::OpenItself() const {
+    return FileDescriptor(openat(Number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
+std::error_code FolderHandle::Describe(const FileFacts& facts) const {
+    const FileDescriptor folder = OpenItself();
+    return folder.IsOpen() ? ::Describe(folder.Number(), facts) : LastError();
+}
+
 std::error_code FolderHandle::Sync() const {
-    // A folder that is open for steps alone cannot be synced.
-    const FileDescriptor folder(openat(Number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const FileDescriptor folder = OpenItself();
     if (!folder.IsOpen())
         return errno == EACCES ? std::error_code() : LastError();
     const bool synced = fsync(folder.Number()) == 0 || errno == EINVAL || errno == ENOTSUP;
