@@ -122,7 +122,7 @@ StagedFolder Workspace::Stage() const {
     constexpr unsigned kPrivate = 0700;
     const std::string path = RandomName(Beside("new-"));
     const FolderHandle beside(parent, FolderHandle::Links::Followed);
-    if (!beside.MakeFolder(path.substr(parent.size() + 1), kPrivate))
+    if (beside.MakeFolder(path.substr(parent.size() + 1), kPrivate))
         throw std::runtime_error("No folder can be made beside the workspace.");
     return StagedFolder(path);
 }

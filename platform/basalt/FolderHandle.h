@@ -26,8 +26,8 @@ class FolderHandle final {
 
     /// Opens a folder in this one; the result is not open when there is none.
     [[nodiscard]] FolderHandle OpenFolder(const std::string& name) const;
-    /// @return false when the name is taken, or the folder cannot be made
-    [[nodiscard]] bool MakeFolder(const std::string& name, unsigned permissions) const;
+    /// @return the reason when the name is taken, or the folder cannot be made
+    [[nodiscard]] std::error_code MakeFolder(const std::string& name, unsigned permissions) const;
     /// What has this name. @return the system's reason when that cannot be found out
     [[nodiscard]] std::error_code Ask(const std::string& name, FileFacts* facts) const;
 

@@ -87,13 +87,15 @@ std::int64_t bFile_Size(const char* path) {
     return failure ? -1 : static_cast<std::int64_t>(size);
 }
 
-bStatus bFile_Construct(bFile** file, const char* path, int mode, bAlloc allocator) {
+bStatus bFile_Construct(bFile** file, const char* path, int mode, bAlloc allocator, std::error_code* why) {
     if (path == nullptr || (mode != bFile_READ && mode != bFile_WRITE))
         return bERROR_PARAMETER;
     if (const bStatus status = bObject_New(file, allocator); status != bOK)
         return status;
     const bStatus opened = mode == bFile_READ ? (*file)->OpenToRead(path) : (*file)->OpenToWrite(path);
     if (opened != bOK) {
+        if (why != nullptr)
+            *why = (*file)->Failure();
         xbObject_DestroyImpl(*file);
         *file = nullptr;
     }

@@ -72,8 +72,10 @@ bStatus bFile_Delete(const char* path);
 std::int64_t bFile_Size(const char* path);
 
 /// Opens a file; `mode` is bFile_READ or bFile_WRITE.
+/// @param why gets the system's reason when it cannot be opened
 /// @return 1; bERROR_NOT_FOUND; bERROR_FILE; bERROR_MEMORY; bERROR_PARAMETER. `*file` is null unless 1.
-bStatus bFile_Construct(bFile** file, const char* path, int mode, bAlloc allocator);
+bStatus bFile_Construct(bFile** file, const char* path, int mode, bAlloc allocator,
+                        std::error_code* why = nullptr);
 
 /// Opens a source of `size` bytes as a file that is read.
 /// @return 1; bERROR_MEMORY; bERROR_PARAMETER. `*file` is null unless 1.

@@ -15,8 +15,10 @@ const FolderHandle& ConfinedFolder::Descend(const Parts& parts, std::size_t coun
     LeaveDownTo(common);
     for (std::size_t i = common; i < count; ++i) {
         FolderHandle next = (i == 0 ? root : levels.back().folder).OpenFolder(parts[i]);
-        if (!next.IsOpen())
+        if (!next.IsOpen()) {
+            none = std::move(next);
             return none;
+        }
         Level& level = levels.emplace_back(Level{parts[i], std::move(next), std::nullopt});
         FileFacts facts;
         if (ofFolders == Facts::Kept && !level.folder.Ask(".", &facts))
@@ -25,12 +27,16 @@ const FolderHandle& ConfinedFolder::Descend(const Parts& parts, std::size_t coun
     return count == 0 ? root : levels.back().folder;
 }
 
-bool ConfinedFolder::MakeFolder(const Parts& parts, bool* isNew) {
+std::error_code ConfinedFolder::MakeFolder(const Parts& parts, bool* isNew) {
     if (parts.empty() || IsOpen(parts))
-        return Enter(parts, parts.size()).IsOpen();
-    *isNew = Descend(parts, parts.size() - 1, Facts::Kept).MakeFolder(parts.back(), kNewFolder);
+        return Enter(parts, parts.size()).Failure();
+    const std::error_code refusal =
+        Descend(parts, parts.size() - 1, Facts::Kept).MakeFolder(parts.back(), kNewFolder);
+    if (refusal && refusal != std::errc::file_exists)
+        return refusal;
+    *isNew = !refusal;
     // A folder that no entry describes is left as it was made.
-    return Descend(parts, parts.size(), *isNew ? Facts::Ignored : Facts::Kept).IsOpen();
+    return Descend(parts, parts.size(), *isNew ? Facts::Ignored : Facts::Kept).Failure();
 }
 
 bool ConfinedFolder::IsOpen(const Parts& parts) const {
@@ -39,12 +45,11 @@ bool ConfinedFolder::IsOpen(const Parts& parts) const {
                       [](const std::string& part, const Level& level) { return part == level.name; });
 }
 
-bool ConfinedFolder::MakeFolder(const Parts& parts, const FileFacts& facts, bool* isNew) {
-    if (!MakeFolder(parts, isNew))
-        return false;
-    if (!parts.empty())
+std::error_code ConfinedFolder::MakeFolder(const Parts& parts, const FileFacts& facts, bool* isNew) {
+    const std::error_code reason = MakeFolder(parts, isNew);
+    if (!reason && !parts.empty())
         levels.back().atLast = facts;
-    return true;
+    return reason;
 }
 
 std::error_code ConfinedFolder::Leave() {

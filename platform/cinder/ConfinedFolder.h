@@ -31,9 +31,10 @@ class ConfinedFolder final {
     /// Makes a folder unless it exists; the one it lies in must exist. Folders on the way that exist keep
     /// their permissions and times, whatever is put into them before they are left.
     /// @param isNew is set when the folder did not exist
-    [[nodiscard]] bool MakeFolder(const Parts& parts, bool* isNew);
+    /// @return the reason when it is not there in the end
+    [[nodiscard]] std::error_code MakeFolder(const Parts& parts, bool* isNew);
     /// The same, and the folder gets these permissions and this time when it is left.
-    [[nodiscard]] bool MakeFolder(const Parts& parts, const FileFacts& facts, bool* isNew);
+    [[nodiscard]] std::error_code MakeFolder(const Parts& parts, const FileFacts& facts, bool* isNew);
 
     /// Leaves all folders. @return the first reason why one could not be given its permissions and its time
     [[nodiscard]] std::error_code Leave();
@@ -53,6 +54,6 @@ class ConfinedFolder final {
 
     FolderHandle root;
     std::vector<Level> levels;
-    FolderHandle none;
+    FolderHandle none; ///< says why a step failed
     std::error_code failure;
 };

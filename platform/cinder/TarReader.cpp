@@ -133,6 +133,16 @@ bStatus TarReader::ReadBlock(std::string_view* block) {
     return bOK;
 }
 
+std::string TarReader::Reason() const {
+    const std::string at = " at byte " + std::to_string(archive_filter_bytes(handle.get(), -1));
+    if (fileFailed)
+        return file->Failure() ? file->Failure().message() + at : "unreadable" + at;
+    if (entrySize > 0 && !holds)
+        return "an entry claims more bytes than the archive can hold" + at;
+    const char* const words = archive_error_string(handle.get());
+    return (words == nullptr ? "it ends without its end mark" : std::string(words)) + at;
+}
+
 la_ssize_t TarReader::Fill(archive* handle, void* reader, const void** data) {
     auto* const self = static_cast<TarReader*>(reader);
     std::string_view block;

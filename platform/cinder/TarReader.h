@@ -19,6 +19,7 @@ class TarReader final : public bTar {
     [[nodiscard]] bStatus ReadBlock(std::string_view* block);
     [[nodiscard]] const FileFacts& Facts() const { return facts; }
     [[nodiscard]] const char* LinkTarget() const { return linkTarget; }
+    [[nodiscard]] std::string Reason() const;
     [[nodiscard]] const LeftOut& Links() const { return leftOut; }
 
   private:

@@ -19,11 +19,14 @@ namespace {
 /// What the copies of hard links may have in all: as much as the largest archive that a request carries.
 constexpr std::int64_t kMaxCopied = std::int64_t{4} << 30U;
 
+const std::string kUnsafe = "the name leads outside, is no file's, or nests too deep";
+
 constexpr unsigned kPrivateFile = 0600;
 constexpr unsigned kPrivateFolder = 0700;
 
-[[noreturn]] void Fail(int line, bStatus status, const std::string& message) {
-    throw Ve::Exception(line, __FILE__, status, "UnpackFolder", "%s", message.c_str());
+template<typename Reason = std::error_code>
+[[noreturn]] void Fail(int line, bStatus status, const std::string& message, const Reason& why = {}) {
+    throw Ve::Exception(line, __FILE__, status, "UnpackFolder", "%s", message.c_str()).Because(why);
 }
 
 FileFacts Usable(FileFacts facts) {
@@ -61,9 +64,10 @@ class Unpacker {
         // What comes after the name is lost with it, so this end is not a quiet one.
         if (result.end == bERROR_TOO_LONG)
             Fail(__LINE__, result.end, "Failed to read item - " + PrintableTarName(name.data()));
-        if (folder.Leave())
-            Fail(__LINE__, bERROR_FILE, "Failed to write " + prefix);
+        if (const std::error_code reason = folder.Leave())
+            Fail(__LINE__, bERROR_FILE, "Failed to write " + prefix, reason);
         result.leftOut.Add(bTar_LeftOut(tar));
+        result.reason = result.end == bERROR_END ? "" : bTar_Reason(tar);
         return result;
     }
 
@@ -79,7 +83,7 @@ class Unpacker {
         const ConfinedFolder::Parts parts = PartsOfFile(name);
         HiddenFile file(ParentOf(name, parts), kPrivateFile);
         if (!file.IsOpen())
-            Fail(__LINE__, bERROR_FILE, "Failed to open file - " + PathOf(name));
+            Fail(__LINE__, bERROR_FILE, "Failed to open file - " + PathOf(name), file.Failure());
         for (; status == bOK; status = ReadBlock(name, &block))
             Write(file, name, block);
         Keep(file, name, parts, bTar_Facts(tar));
@@ -96,7 +100,7 @@ class Unpacker {
         const ConfinedFolder::Parts parts = PartsOfFile(name);
         HiddenFile file(ParentOf(name, parts), kPrivateFile);
         if (!file.IsOpen())
-            Fail(__LINE__, bERROR_FILE, "Failed to open file - " + PathOf(name));
+            Fail(__LINE__, bERROR_FILE, "Failed to open file - " + PathOf(name), file.Failure());
         Copy(source, file, name);
         Keep(file, name, parts, facts);
     }
@@ -113,7 +117,8 @@ class Unpacker {
         std::size_t count = piece.size();
         while (count == piece.size()) {
             if (!source.Read(piece.data(), piece.size(), &count))
-                Fail(__LINE__, bERROR_FILE, "Failed to read item - " + PrintableTarName(name));
+                Fail(__LINE__, bERROR_FILE, "Failed to read item - " + PrintableTarName(name),
+                     source.Failure());
             copied += static_cast<std::int64_t>(count);
             if (copied > kMaxCopied)
                 Fail(__LINE__, bERROR_LIMIT, "Failed to read item - " + PrintableTarName(name));
@@ -123,22 +128,24 @@ class Unpacker {
 
     void UnpackDirectory(const std::string& name) {
         const ConfinedFolder::Parts parts = TarNameParts(name);
-        if (!IsNarrowTarName(name) || !MakeFolder(parts, Usable(bTar_Facts(tar))))
-            Fail(__LINE__, bERROR_FILE, "Failed to create the directory - " + PathOf(name));
+        if (!IsNarrowTarName(name))
+            Fail(__LINE__, bERROR_FILE, "Failed to create the directory - " + PathOf(name), kUnsafe);
+        if (const std::error_code reason = MakeFolder(parts, Usable(bTar_Facts(tar))))
+            Fail(__LINE__, bERROR_FILE, "Failed to create the directory - " + PathOf(name), reason);
     }
 
     /// @return 1 or bERROR_END
     bStatus ReadBlock(const std::string& name, std::string_view* block) {
         const bStatus status = bTar_ReadBlock(tar, block);
         if (status != bOK && status != bERROR_END)
-            Fail(__LINE__, status, "Failed to read item - " + PrintableTarName(name));
+            Fail(__LINE__, status, "Failed to read item - " + PrintableTarName(name), bTar_Reason(tar));
         return status;
     }
 
     [[nodiscard]] ConfinedFolder::Parts PartsOfFile(const std::string& name) const {
         ConfinedFolder::Parts parts = TarNameParts(name);
         if (!IsNarrowTarName(name) || parts.empty() || !name.ends_with(parts.back()))
-            Fail(__LINE__, bERROR_FILE, "Failed to open file - " + PathOf(name));
+            Fail(__LINE__, bERROR_FILE, "Failed to open file - " + PathOf(name), kUnsafe);
         return parts;
     }
 
@@ -146,8 +153,8 @@ class Unpacker {
     /// have entries of their own before. A file may be replaced; anything else that has the name is in the
     /// way.
     [[nodiscard]] const FolderHandle& ParentOf(const std::string& name, const ConfinedFolder::Parts& parts) {
-        if (!MakeFolder({parts.begin(), parts.end() - 1}))
-            Fail(__LINE__, bERROR_FILE, "Failed to create the directory - " + PathOf(name));
+        if (const std::error_code reason = MakeFolder({parts.begin(), parts.end() - 1}))
+            Fail(__LINE__, bERROR_FILE, "Failed to create the directory - " + PathOf(name), reason);
         const FolderHandle& parent = folder.Enter(parts, parts.size() - 1);
         replaced = {};
         const std::error_code missing = parent.Ask(parts.back(), &replaced.emplace());
@@ -159,23 +166,23 @@ class Unpacker {
     }
 
     template<typename... Facts>
-    [[nodiscard]] bool MakeFolder(const ConfinedFolder::Parts& parts, const Facts&... facts) {
+    [[nodiscard]] std::error_code MakeFolder(const ConfinedFolder::Parts& parts, const Facts&... facts) {
         bool isNew = false;
-        const bool made = folder.MakeFolder(parts, facts..., &isNew);
+        const std::error_code reason = folder.MakeFolder(parts, facts..., &isNew);
         result.folders += isNew ? 1 : 0;
-        return made;
+        return reason;
     }
 
     void Write(HiddenFile& file, const std::string& name, std::string_view block) {
         if (!file.Write(block.data(), block.size()))
-            Fail(__LINE__, bERROR_FILE, "Failed to write " + PathOf(name));
+            Fail(__LINE__, bERROR_FILE, "Failed to write " + PathOf(name), file.Failure());
         written += static_cast<std::int64_t>(block.size());
     }
 
     void Keep(HiddenFile& file, const std::string& name, const ConfinedFolder::Parts& parts,
               const FileFacts& facts) {
         if (!file.Describe(Usable(facts)) || !file.Keep(parts.back()))
-            Fail(__LINE__, bERROR_FILE, "Failed to write " + PathOf(name));
+            Fail(__LINE__, bERROR_FILE, "Failed to write " + PathOf(name), file.Failure());
         result.files += replaced ? 0 : 1;
         result.bytes += std::exchange(written, 0) - (replaced ? replaced->size : 0);
     }
@@ -194,9 +201,10 @@ bOwned<bFile> OpenArchiveFile(const std::string& tarFileName, bAlloc allocator) 
     if (bFile_Exists(tarFileName.c_str()) == 0)
         Fail(__LINE__, bERROR_NOT_FOUND, tarFileName + " doesn't exist.");
     bFile* file = nullptr;
-    if (const bStatus status = bFile_Construct(&file, tarFileName.c_str(), bFile_READ, allocator);
+    std::error_code why;
+    if (const bStatus status = bFile_Construct(&file, tarFileName.c_str(), bFile_READ, allocator, &why);
         status != bOK)
-        Fail(__LINE__, status, "Failed to construct a bFile object.");
+        Fail(__LINE__, status, "Failed to construct a bFile object.", why);
     return bOwned<bFile>(file);
 }
 
@@ -210,17 +218,19 @@ bOwned<bTar> OpenArchive(bFile* file, bAlloc allocator) {
 /// Whatever permissions a file has in the archive, nobody else reaches it in a folder of the owner alone.
 FolderHandle MakeFresh(const std::string& directory) {
     bStatus status = bOK;
-    if (bDirectory_Exists(directory.c_str()) != 0 && (status = bDirectory_Delete(directory.c_str())) != bOK)
-        Fail(__LINE__, status, "Failed to delete the existing directory - " + directory);
-    if ((status = bDirectory_Create(directory.c_str())) != bOK)
-        Fail(__LINE__, status, "Failed to create the directory - " + directory);
+    std::error_code why;
+    if (bDirectory_Exists(directory.c_str()) != 0 &&
+        (status = bDirectory_Delete(directory.c_str(), &why)) != bOK)
+        Fail(__LINE__, status, "Failed to delete the existing directory - " + directory, why);
+    if ((status = bDirectory_Create(directory.c_str(), &why)) != bOK)
+        Fail(__LINE__, status, "Failed to create the directory - " + directory, why);
     FolderHandle made(directory, FolderHandle::Links::Refused);
     FileFacts facts;
     if (made.Ask(".", &facts))
         Fail(__LINE__, bERROR_FILE, "Failed to create the directory - " + directory);
     facts.permissions = kPrivateFolder;
-    if (made.Describe(facts))
-        Fail(__LINE__, bERROR_FILE, "Failed to create the directory - " + directory);
+    if (const std::error_code reason = made.Describe(facts))
+        Fail(__LINE__, bERROR_FILE, "Failed to create the directory - " + directory, reason);
     return made;
 }
 
@@ -234,15 +244,15 @@ Unpacking UnpackFolder(const std::string& tarFileName, const std::string& target
     // A disk that cannot be read and a bound of our own are no end of the archive: the rest of it is there,
     // and would be missing from the next backup.
     if (result.end == bERROR_FILE || result.end == bERROR_LIMIT)
-        Fail(__LINE__, result.end, "Failed to read item - " + tarFileName);
+        Fail(__LINE__, result.end, "Failed to read item - " + tarFileName, result.reason);
     return result;
 }
 
 void UnpackFolderStrictly(const std::string& tarFileName, const std::string& targetDirectory,
                           bAlloc allocator) {
-    const bStatus end = UnpackFolder(tarFileName, targetDirectory, allocator).end;
-    if (end != bERROR_END)
-        Fail(__LINE__, end, "The archive is damaged - " + tarFileName);
+    const Unpacking result = UnpackFolder(tarFileName, targetDirectory, allocator);
+    if (result.end != bERROR_END)
+        Fail(__LINE__, result.end, "The archive is damaged - " + tarFileName, result.reason);
 }
 
 Unpacking UnpackFolderStrictly(bFile* archive, const std::string& targetDirectory, bAlloc allocator) {
@@ -250,7 +260,7 @@ Unpacking UnpackFolderStrictly(bFile* archive, const std::string& targetDirector
     Unpacking result =
         Unpacker(tar.get(), targetDirectory, MakeFresh(targetDirectory), HardLinks::Refused).UnpackEntries();
     if (result.end != bERROR_END)
-        Fail(__LINE__, result.end, "The archive is damaged.");
+        Fail(__LINE__, result.end, "The archive is damaged.", result.reason);
     if (result.leftOut.count != 0)
         Fail(__LINE__, bERROR_FORMAT, "The archive holds links or special files.");
     return result;

@@ -12,6 +12,7 @@
 struct Unpacking {
     bStatus end = bERROR_END; ///< how it ended: bERROR_END regularly; another status when it is damaged after
                               ///< the entries that were unpacked (see bTar_BeginRead)
+    std::string reason;       ///< of an end that is not regular
     LeftOut leftOut;          ///< the links and special files in it
     std::int64_t files = 0;   ///< what lies in the folder now: its files,
     std::int64_t folders = 0; ///< its folders

@@ -73,6 +73,11 @@ const char* bTar_LinkTarget(const bTar* tar) {
     return reader == nullptr ? nullptr : reader->LinkTarget();
 }
 
+std::string bTar_Reason(const bTar* tar) {
+    const auto* const reader = dynamic_cast<const TarReader*>(tar);
+    return reader == nullptr ? std::string() : reader->Reason();
+}
+
 const LeftOut& bTar_LeftOut(const bTar* tar) {
     static const LeftOut kNone;
     const auto* const reader = dynamic_cast<const TarReader*>(tar);

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 /// A tar archive in an open file. Written as ustar, with pax headers where a name or a size needs them; read
@@ -75,6 +76,9 @@ const FileFacts& bTar_Facts(const bTar* tar);
 /// of the kind bTar_FILE and has no data of its own.
 /// @return null when the entry is none
 const char* bTar_LinkTarget(const bTar* tar);
+
+/// What was wrong where reading ended or failed, and at which byte of the archive.
+std::string bTar_Reason(const bTar* tar);
 
 /// The entries that were left out so far.
 const LeftOut& bTar_LeftOut(const bTar* tar);

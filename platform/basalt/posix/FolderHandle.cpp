@@ -24,8 +24,8 @@ FolderHandle FolderHandle::OpenFolder(const std::string& name) const {
     return FolderHandle(openat(Number(), name.c_str(), kFolderFlags | O_NOFOLLOW));
 }
 
-bool FolderHandle::MakeFolder(const std::string& name, unsigned permissions) const {
-    return mkdirat(Number(), name.c_str(), permissions) == 0;
+std::error_code FolderHandle::MakeFolder(const std::string& name, unsigned permissions) const {
+    return mkdirat(Number(), name.c_str(), permissions) == 0 ? std::error_code() : LastError();
 }
 
 std::error_code FolderHandle::Ask(const std::string& name, FileFacts* facts) const {

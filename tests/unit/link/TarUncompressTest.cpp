@@ -314,7 +314,8 @@ TEST(TarUncompress, ofADamagedArchiveGivesWhatStandsBeforeAndALineInTheLog) {
     spoilt.spoiltChecksum = true;
     EXPECT_EQ(UnpackingOf(TarFile("a", "x") + TarBlocks(spoilt) + TarFile("c", "x") + TarEnd()), "unpacked");
     EXPECT_EQ(FolderTree("out"), (Tree{{"a", "x"}}));
-    EXPECT_THAT(log.Lines(), ElementsAre("ERROR: (ERROR_FORMAT) The archive is damaged - in.tar"));
+    EXPECT_THAT(log.Lines(), ElementsAre("INFO: The archive is damaged - Damaged tar archive at byte 1536",
+                                         "ERROR: (ERROR_FORMAT) The archive is damaged - in.tar"));
     EXPECT_EQ(UnpackingOf(TarFile("a", "x") + TarEnd()), "unpacked");
     EXPECT_THAT(log.Lines(), IsEmpty());
     EXPECT_EQ(UnpackingOf(""), "unpacked");
@@ -339,7 +340,35 @@ TEST(TarUncompress, failsWhereTheArchiveIsNotAtItsEndButCannotBeReadOn) {
         EXPECT_EQ(FolderTree("out"), (Tree{{"a", "x"}})) << end;
     }
     endBehindTheFirstEntry = bOK;
-    EXPECT_THAT(log.Lines(), ElementsAre("ERROR: (ERROR_FORMAT) The archive is damaged - in.tar"));
+    std::vector<std::string> errors = log.Lines();
+    std::erase_if(errors, [](const std::string& line) { return line.starts_with("INFO"); });
+    EXPECT_THAT(errors, ElementsAre("ERROR: (ERROR_FORMAT) The archive is damaged - in.tar"));
+}
+
+TEST(TarUncompress, tellsTheLogWhyItFailed) {
+    const TemporaryFolder folder;
+    LogCapture log;
+    WriteFile("in.tar", TarFile("large", std::string(300'000, 'l')) + TarEnd());
+    {
+        const FileSizeLimit limit(200'000);
+        EXPECT_NE(Unpacking("in.tar", "out"), "unpacked");
+    }
+    EXPECT_THAT(log.Lines(), ElementsAre("INFO: Failed to write out/large - File too large"));
+    EXPECT_NE(UnpackingOf(TarFile("../evil", "x") + TarEnd()), "unpacked");
+    EXPECT_THAT(log.Lines(),
+                ElementsAre("INFO: Failed to open file - out/../evil - the name leads outside, is no "
+                            "file's, or nests too deep"));
+    TarBlockEntry lie;
+    lie.name = "lie";
+    lie.size = 100'000;
+    EXPECT_NE(UnpackingOf(TarBlocks(lie) + TarEnd()), "unpacked");
+    EXPECT_THAT(log.Lines(),
+                ElementsAre("INFO: Failed to read item - lie - an entry claims more bytes than the "
+                            "archive can hold at byte 512"));
+    EXPECT_NE(Unpacking("in.tar", "missing/out"), "unpacked");
+    EXPECT_THAT(
+        log.Lines(),
+        ElementsAre("INFO: Failed to create the directory - missing/out - No such file or directory"));
 }
 
 TEST(TarUncompress, strictlyTakesNothingThatIsCutOrDamaged) {
