@@ -27,5 +27,6 @@ struct FileFacts {
     std::int64_t modified = 0;         ///< seconds since 1970
     std::int64_t modifiedFraction = 0; ///< and nanoseconds
     unsigned permissions = 0;          ///< within kPermissionBits
+    std::uint64_t id = 0;              ///< tells it from all others of its file system
     bool operator==(const FileFacts&) const = default;
 };

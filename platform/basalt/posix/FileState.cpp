@@ -7,7 +7,8 @@ FileFacts FactsOf(const struct stat& state) {
             .size = state.st_size,
             .modified = state.st_mtim.tv_sec,
             .modifiedFraction = state.st_mtim.tv_nsec,
-            .permissions = state.st_mode & kPermissionBits};
+            .permissions = state.st_mode & kPermissionBits,
+            .id = state.st_ino};
 }
 
 namespace {

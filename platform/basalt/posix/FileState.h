@@ -9,7 +9,8 @@
 /// The system's answer about a file or a folder.
 FileFacts FactsOf(const struct stat& state);
 
-/// Gives an open file or folder the permissions and the time of modification, unless its file system has none.
+/// Gives an open file or folder the permissions and the time of modification, unless its file system has
+/// none.
 /// @return the reason when that failed
 std::error_code Describe(int descriptor, const FileFacts& facts);
 
