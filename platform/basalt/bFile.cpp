@@ -48,6 +48,8 @@ bStatus bFile::Ask(FileFacts* facts) {
 }
 
 bStatus bFile::Write(const void* data, std::size_t size) {
+    if (sink)
+        return sink(data, size);
     if (!output || !output->IsOpen())
         return bERROR_FILE;
     output->Write(data, size);
@@ -108,6 +110,15 @@ bStatus bFile_ConstructOver(bFile** file, bFile::Source source, std::int64_t siz
     const bStatus status = bObject_New(file, allocator);
     if (status == bOK)
         (*file)->OpenToRead(std::move(source), size);
+    return status;
+}
+
+bStatus bFile_ConstructInto(bFile** file, bFile::Sink sink, bAlloc allocator) {
+    if (!sink)
+        return bERROR_PARAMETER;
+    const bStatus status = bObject_New(file, allocator);
+    if (status == bOK)
+        (*file)->OpenToWrite(std::move(sink));
     return status;
 }
 
