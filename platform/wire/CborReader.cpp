@@ -118,7 +118,8 @@ VeJson CborReader::Read(const ByteStringSink& sink) {
 }
 
 VeJson CborReader::ReadValue(const Head& head, int depth, const std::string& key) {
-    if (depth > VeJson::kDeepest)
+    const bool isContainer = head.kind == Kind::Map || head.kind == Kind::Array;
+    if (isContainer && depth > VeJson::kDeepest)
         Throw(__LINE__, bERROR_LIMIT, "The values nest too deep.");
     switch (head.kind) {
     case Kind::Unsigned:

@@ -221,8 +221,8 @@ TEST(CborReader, refusesAKeyThatStandsTwiceInAMap) {
 
 TEST(CborReader, readsSixtyFourLevelsAndNoMore) {
     EXPECT_NO_THROW(Read(std::string(63, '\x81') + "\x80"));
-    EXPECT_NO_THROW(Read(std::string(63, '\x81') + "\x01"));
-    EXPECT_EQ(StatusOf(std::string(64, '\x81') + "\x01"), bERROR_LIMIT);
+    EXPECT_NO_THROW(Read(std::string(64, '\x81') + "\x01"));
+    EXPECT_EQ(StatusOf(std::string(65, '\x81') + "\x01"), bERROR_LIMIT);
     EXPECT_EQ(StatusOf(std::string(64, '\x81') + "\x80"), bERROR_LIMIT);
     EXPECT_EQ(StatusOf(std::string(100'000, '\x81')), bERROR_LIMIT);
     std::string maps;
