@@ -2,6 +2,7 @@
 
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
+#include "wire/AccessToken.h"
 #include "wire/BodyReader.h"
 #include "wire/ContentDigest.h"
 #include "wire/JsonText.h"
@@ -58,6 +59,8 @@ std::string Head(const HttpRequest& request, const WireBody& body) {
         head.set(http::field::content_type, std::string(body.ContentType()));
     if (request.verb != HttpVerb::Get || body.Size() > 0)
         head.content_length(body.Size());
+    if (!request.token.empty())
+        head.set(http::field::authorization, BearerOf(request.token));
     head.set(kWantContentDigest, kWantedDigest);
     if (body.Size() > 0)
         head.set(kContentDigest, DigestOf(body));

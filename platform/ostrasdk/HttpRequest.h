@@ -14,8 +14,9 @@ struct HttpRequest {
     bIpAddress address;
     unsigned int port = 0;
     HttpVerb verb = HttpVerb::Get;
-    std::string path; ///< begins with "/"; no blanks or control characters
-    VeJson body;      ///< empty for none
+    std::string path;  ///< begins with "/"; no blanks or control characters
+    VeJson body;       ///< empty for none
+    std::string token; ///< empty for none
 };
 
 } // namespace OstraSdk

@@ -30,6 +30,14 @@ char LowerCase(char letter) {
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
+bool Names(std::string_view contentType, std::string_view wanted) {
+    std::string_view type = contentType.substr(0, contentType.find(';'));
+    while (!type.empty() && type.back() == ' ')
+        type.remove_suffix(1);
+    return std::equal(type.begin(), type.end(), wanted.begin(), wanted.end(),
+                      [](char one, char other) { return LowerCase(one) == other; });
+}
+
 } // namespace
 
 WireBody::WireBody(const VeJson& json) {
@@ -52,11 +60,11 @@ std::vector<std::string_view> WireBody::Parts() const {
 }
 
 bool IsCborType(std::string_view contentType) {
-    std::string_view type = contentType.substr(0, contentType.find(';'));
-    while (!type.empty() && type.back() == ' ')
-        type.remove_suffix(1);
-    return std::equal(type.begin(), type.end(), kCborType.begin(), kCborType.end(),
-                      [](char one, char other) { return LowerCase(one) == other; });
+    return Names(contentType, kCborType);
+}
+
+bool IsJsonType(std::string_view contentType) {
+    return Names(contentType, kJsonType);
 }
 
 } // namespace OstraSdk

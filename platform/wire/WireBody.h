@@ -34,7 +34,8 @@ class WireBody {
     std::uint64_t size = 0;
 };
 
-/// Whether a Content-Type names CBOR; letters' case and parameters after a semicolon do not matter.
+// Whether a Content-Type names CBOR, or JSON; letters' case and parameters after a semicolon do not matter.
 bool IsCborType(std::string_view contentType);
+bool IsJsonType(std::string_view contentType);
 
 } // namespace OstraSdk
