@@ -120,21 +120,51 @@ QPointF DraggedPlace(const CanvasStage& stage) {
     return {point.x() * stage.Widget().width(), point.y() * stage.Widget().height()};
 }
 
+/// A stage with paths, the ruler and all of the map shown, and a point in the middle under the mouse button.
+class DragStage {
+  public:
+    explicit DragStage(const Arguments& arguments)
+        : stage(CanvasStage::Kind::Canvas, SurfaceImage(kRuledMap, kRuledMap)) {
+        stage.Zoom(20); // all of the map is seen, and so every path
+        LayPaths(stage, arguments.at(0), NumberAt(arguments, 1), NumberAt(arguments, 2), 0.01);
+        stage.ShowRuler(true);
+        start = DraggedPlace(stage);
+        stage.MoveMouse(start, Qt::NoButton);
+        stage.PressMouse(start);
+    }
+
+    void Step(int time) { stage.MoveMouse(start + QPointF(time % 7, time % 5), Qt::LeftButton); }
+    [[nodiscard]] TrackDocument& Document() const { return stage.Canvas().document(); }
+    [[nodiscard]] double Bands() const {
+        std::size_t bands = 0;
+        for (const TrackPath& path : Document().paths())
+            for (const RulerMarks& segment : path.rulerMarks)
+                bands += segment.bands.size();
+        return static_cast<double>(bands);
+    }
+
+  private:
+    CanvasStage stage;
+    QPointF start;
+};
+
 Figures Drag(const Arguments& arguments) {
-    CanvasStage stage(CanvasStage::Kind::Canvas, SurfaceImage(kRuledMap, kRuledMap));
-    stage.Zoom(20); // all of the map is seen, and so every path
-    LayPaths(stage, arguments.at(0), NumberAt(arguments, 1), NumberAt(arguments, 2), 0.01);
-    stage.ShowRuler(true);
-    const QPointF start = DraggedPlace(stage);
-    stage.MoveMouse(start, Qt::NoButton);
-    stage.PressMouse(start);
-    std::size_t marks = 0;
-    for (const TrackPath& path : stage.Canvas().paths())
-        for (const RulerMarks& segment : path.rulerMarks)
-            marks += segment.bands.size();
-    const double seconds = UsualSecondsOf(
-        [&](int time) { stage.MoveMouse(start + QPointF(time % 7, time % 5), Qt::LeftButton); });
-    return {{"seconds", seconds}, {"bands", static_cast<double>(marks)}};
+    DragStage stage(arguments);
+    const double bands = stage.Bands();
+    return {{"seconds", UsualSecondsOf([&](int time) { stage.Step(time); })}, {"bands", bands}};
+}
+
+/// Takes back a drag and makes it again, in turns.
+Figures Undo(const Arguments& arguments) {
+    DragStage stage(arguments);
+    stage.Step(8);
+    return {{"seconds", UsualSecondsOf([&](int time) {
+                 if (time % 2 == 0)
+                     stage.Document().undo();
+                 else
+                     stage.Document().redo();
+                 QApplication::processEvents();
+             })}};
 }
 
 Figures LongestOperation(const Arguments& arguments) {
@@ -180,5 +210,6 @@ Contestants CanvasContestants() {
             {"pixels", ComparePixels},
             {"points", PaintPoints},
             {"drag", Drag},
+            {"undo", Undo},
             {"blocking", LongestOperation}};
 }

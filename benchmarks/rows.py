@@ -212,6 +212,9 @@ def path_rows(bench):
                         lambda count: points(count, 100))
     rows.append(Row("12-drag", f"one drag step, ruler shown, {paths} paths of 100 points",
                     bench.ours("drag", bench.path("drag.trk"), paths, 100), 0.002))
+    rows.append(Row("12-undo", "taking a drag step back, or making it again, there",
+                    bench.ours("undo", bench.path("drag.trk"), paths, 100), 1.1,
+                    bench.ours("drag", bench.path("drag.trk"), paths, 100), "a drag step"))
     large = bench.size(10_000, 1000)
     rows.append(Row("alive", f"the longest operation on a canvas of {large} x {large}", bench.ours("blocking", large),
                     0.05))

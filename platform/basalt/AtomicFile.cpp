@@ -1,5 +1,6 @@
 #include "basalt/AtomicFile.h"
 
+#include <array>
 #include <filesystem>
 
 namespace fs = std::filesystem;
@@ -73,6 +74,20 @@ void AtomicFile::Write(const void* data, std::size_t size) {
         WriteThrough(bytes, size);
     else if (!failed)
         buffer.insert(buffer.end(), bytes, bytes + size);
+}
+
+std::int64_t AtomicFile::Append(InputFile& source) {
+    FlushBuffer();
+    std::int64_t appended = failed ? 0 : file->Append(source);
+    std::array<char, kBufferSize> piece{};
+    std::size_t count = piece.size();
+    while (count == piece.size() && !failed) {
+        if (!source.Read(piece.data(), piece.size(), &count))
+            Fail(source.Failure());
+        WriteThrough(piece.data(), count);
+        appended += static_cast<std::int64_t>(count);
+    }
+    return appended;
 }
 
 bool AtomicFile::Commit() {

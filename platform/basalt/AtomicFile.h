@@ -4,6 +4,7 @@
 #include "basalt/HiddenFile.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <memory_resource>
 #include <optional>
 #include <string>
@@ -46,6 +47,10 @@ class AtomicFile final {
     /// Appends bytes. A failure (a full disk) is remembered: later writes do nothing and Commit fails.
     void Write(const void* data, std::size_t size);
     void Write(std::string_view text) { Write(text.data(), text.size()); }
+
+    /// Appends another file, from its place of reading on. A failure is remembered as one of writing is.
+    /// @return the bytes appended
+    std::int64_t Append(InputFile& source);
 
     /// Flushes, syncs, renames and syncs the folder; the object is closed afterwards.
     /// @return false when any byte could not be written safely; the old file is still in place then, but for

@@ -4,27 +4,11 @@
 #include "basalt/FileOwnership.h"
 #include "basalt/InputFile.h"
 
-#include <array>
 #include <filesystem>
 
 namespace fs = std::filesystem;
 
 namespace {
-
-std::error_code CopyTo(const std::string& target, const std::string& from) {
-    InputFile source(from.c_str());
-    if (!source.IsOpen())
-        return source.Failure();
-    AtomicFile copy(target);
-    std::array<char, AtomicFile::kBufferSize> piece{};
-    std::size_t count = piece.size();
-    while (count == piece.size() && !copy.HasFailed()) {
-        if (!source.Read(piece.data(), piece.size(), &count))
-            return source.Failure();
-        copy.Write(piece.data(), count);
-    }
-    return copy.Commit() ? std::error_code() : copy.Failure();
-}
 
 /// Whether `from` can have the place, the owner and the permissions of `target` by being renamed to it.
 bool MoveTo(const std::string& target, const std::string& from) {
@@ -39,6 +23,20 @@ bool MoveTo(const std::string& target, const std::string& from) {
 
 } // namespace
 
+std::error_code CopyFile(const std::string& from, const std::string& target) {
+    InputFile source(from.c_str());
+    if (!source.IsOpen())
+        return source.Failure();
+    AtomicFile copy(target, 0);
+    const std::int64_t size = copy.Append(source);
+    FileFacts facts;
+    if (!source.Ask(&facts))
+        return source.Failure();
+    if (!copy.HasFailed() && size != facts.size)
+        return std::make_error_code(std::errc::resource_unavailable_try_again);
+    return copy.Commit() ? std::error_code() : copy.Failure();
+}
+
 std::error_code ReplaceFile(const std::string& from, const std::string& target) {
     std::error_code failure;
     const fs::path place = fs::canonical(target, failure);
@@ -49,6 +47,6 @@ std::error_code ReplaceFile(const std::string& from, const std::string& target) 
     if (!MayWrite(place.string()))
         return std::make_error_code(std::errc::permission_denied);
     if (!MoveTo(place.string(), from))
-        return CopyTo(place.string(), from);
+        return CopyFile(from, place.string());
     return FolderHandle(place.parent_path().string(), FolderHandle::Links::Followed).Sync();
 }

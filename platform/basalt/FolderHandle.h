@@ -34,6 +34,11 @@ class FolderHandle final {
     /// Gives this folder permissions and a time of modification, as far as its file system has them.
     /// @return the reason when that failed
     [[nodiscard]] std::error_code Describe(const FileFacts& facts) const;
+    /// Removes a file, or a link. @return the reason when that failed
+    [[nodiscard]] std::error_code RemoveFile(const std::string& name) const;
+    /// Gives a file another name in the folder. @return the reason when that failed: file_exists where the
+    ///         name is taken, which then stays as it is
+    [[nodiscard]] std::error_code RenameToFree(const std::string& name, const std::string& free) const;
 
     /// Brings the names in the folder to the disk: after a renaming, the new one. A folder that this user may
     /// not list, and one of a file system that syncs no folders, are left to the system.

@@ -3,8 +3,10 @@
 #include "basalt/FileDescriptor.h"
 #include "basalt/FileOwnership.h"
 #include "basalt/FolderHandle.h"
+#include "basalt/InputFile.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <system_error>
 
@@ -27,6 +29,10 @@ class HiddenFile final {
 
     /// Appends bytes. @return false when not all of them could be written; then the file is of no more use
     [[nodiscard]] bool Write(const void* data, std::size_t size);
+    /// Appends what can be appended of another file, from its place of reading on, without it coming through
+    /// this process: the file system may share it. What is left, often nothing and at worst everything, is to
+    /// be read and written. @return the bytes appended
+    [[nodiscard]] std::int64_t Append(const InputFile& source);
     /// Gives the file to whom another one belongs, with that one's permissions.
     [[nodiscard]] bool TakeOver(const FileOwnership& ownership);
     /// Gives the file permissions and a time of modification, as far as its file system has them; the time

@@ -20,6 +20,8 @@ class InputFile final {
     InputFile(const FolderHandle& folder, const std::string& name);
 
     [[nodiscard]] bool IsOpen() const { return file.IsOpen(); }
+    /// For the system's calls.
+    [[nodiscard]] int Number() const { return file.Number(); }
     /// The system's reason for the last failure.
     [[nodiscard]] std::error_code Failure() const { return failure; }
 

@@ -38,14 +38,14 @@ DWORD GetLastError();
 /// ends, however it ends: the kernel holds it. Of any number of callers at once, exactly one makes it; each
 /// of the others gets a handle, and ERROR_ALREADY_EXISTS from GetLastError.
 ///
-/// It is a lock on the file NAME.lock in the user's runtime directory: XDG_RUNTIME_DIR, or else
-/// /run/user/UID, or else /tmp/corvane-UID, the first that is a directory of this user that nobody else may
-/// enter. The file is never removed, for a copy that starts meanwhile would lock another one.
+/// It is a lock on the file NAME.lock in each of the folders that OpenLockFolders finds: two callers of one
+/// user meet whatever their environments are. The files are never removed, for a copy that starts meanwhile
+/// would lock another one.
 ///
 /// Only null `security`, FALSE for `owned` and a name of up to 100 letters, digits, "-", "_" and "." that
 /// does not begin with a point are known here.
 /// @return null on failure: ERROR_INVALID_PARAMETER or ERROR_INVALID_NAME for other arguments;
-///         ERROR_ACCESS_DENIED when the system gives no such file or lock
+///         ERROR_ACCESS_DENIED when no folder gives such a file and lock
 HANDLE CreateMutexW(const SECURITY_ATTRIBUTES* security, BOOL owned, LPCWSTR name);
 
 /// Gives the handle of a mutex back; the mutex ends with the handle that made it.

@@ -1,13 +1,8 @@
 #include "canvas/PathExtents.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
-
-double Finite(double value) {
-    return std::isnan(value) ? 0.0 : std::clamp(value, -1e307, 1e307);
-}
 
 PathExtents::OfPath ExtentsOf(const TrackPath& path) {
     PathExtents::OfPath extents;
@@ -20,21 +15,6 @@ PathExtents::OfPath ExtentsOf(const TrackPath& path) {
 
 } // namespace
 
-void Extent::Add(const QPointF& point) {
-    const double x = Finite(point.x());
-    const double y = Finite(point.y());
-    left = std::min(left, x);
-    right = std::max(right, x);
-    top = std::min(top, y);
-    bottom = std::max(bottom, y);
-}
-
-void Extent::Add(const RulerMarks& marks) {
-    for (const RulerMarks::Band& band : marks.bands)
-        for (const QPointF& corner : band)
-            Add(corner);
-}
-
 const PathExtents::OfPath& PathExtents::Of(const std::vector<TrackPath>& paths, std::size_t index) {
     entries.resize(paths.size());
     Entry& entry = entries[index];
@@ -43,12 +23,30 @@ const PathExtents::OfPath& PathExtents::Of(const std::vector<TrackPath>& paths, 
     return entry.extents;
 }
 
+void PathExtents::Follow(const PathsChange& change) {
+    const auto changed = [this](PointIndex at) { PathChanged(static_cast<std::size_t>(at.path)); };
+    const ChangeHandlers handlers{
+        [](const PathAppended&) {},
+        [this](const LastPathRemoved& removed) {
+            entries.resize(std::min(entries.size(), static_cast<std::size_t>(removed.path)));
+        },
+        [&](const PointInserted& inserted) { changed(inserted.at); },
+        [&](const PointRemoved& removed) { changed(removed.at); },
+        [&](const PointMoved& moved) { changed(moved.at); },
+        [](const ParameterSet&) {},
+        [](const ParameterSetEverywhere&) {},
+        [](const FinishedCountSet&) {},
+        [this](const AllPathsReplaced&) { entries.clear(); },
+    };
+    std::visit(handlers, change);
+}
+
+void PathExtents::Follow(const RulerMarksChange& change) {
+    for (const std::size_t path : change.paths)
+        PathChanged(path);
+}
+
 void PathExtents::PathChanged(std::size_t index) {
     if (index < entries.size())
         entries[index].known = false;
-}
-
-void PathExtents::PathsRemoved(std::size_t count) {
-    if (count < entries.size())
-        entries.resize(count);
 }

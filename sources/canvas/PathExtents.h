@@ -1,42 +1,11 @@
 #pragma once
 
-#include "document/formats/TrackPath.h"
+#include "document/TrackDocument.h"
 
 #include <vector>
 
-/// A rectangle in normalised coordinates that grows round points; empty at first.
-class Extent {
-  public:
-    /// A point that is not a number counts as 0, where it is painted.
-    void Add(const QPointF& point);
-    void Add(const RulerMarks& marks);
-
-    [[nodiscard]] bool IsEmpty() const { return !(left <= right); }
-    [[nodiscard]] bool Meets(const Extent& other) const {
-        return left <= other.right && other.left <= right && top <= other.bottom && other.top <= bottom;
-    }
-    /// Whether a line cannot come in: both ends lie beyond one side. What is not a number may come in.
-    [[nodiscard]] bool Misses(const QPointF& one, const QPointF& other) const {
-        return (one.x() < left && other.x() < left) || (one.x() > right && other.x() > right) ||
-               (one.y() < top && other.y() < top) || (one.y() > bottom && other.y() > bottom);
-    }
-    /// The same for the outline of a band.
-    [[nodiscard]] bool Misses(const RulerMarks::Band& band) const {
-        return Misses(band[0], band[1]) && Misses(band[1], band[2]) && Misses(band[2], band[3]) &&
-               Misses(band[3], band[0]);
-    }
-    [[nodiscard]] QPointF TopLeft() const { return {left, top}; }
-    [[nodiscard]] QPointF BottomRight() const { return {right, bottom}; }
-
-  private:
-    double left = 1e308;
-    double right = -1e308;
-    double top = 1e308;
-    double bottom = -1e308;
-};
-
-/// How far each path and its ruler marks reach, worked out when asked for and kept until the path changes, so
-/// that painting a small place does not look at every point.
+/// How far each path and its ruler marks reach, computed when asked for and kept until the path changes, so
+/// that painting a small place does not visit every point.
 class PathExtents {
   public:
     struct OfPath {
@@ -44,18 +13,19 @@ class PathExtents {
         Extent marks;
     };
 
-    /// Path `index` of `paths`, whose extents are looked up.
+    /// The extents of path `index` of `paths`.
     const OfPath& Of(const std::vector<TrackPath>& paths, std::size_t index);
 
-    void PathChanged(std::size_t index);
-    /// Paths from number `count` on are gone.
-    void PathsRemoved(std::size_t count);
-    void AllChanged() { entries.clear(); }
+    void Follow(const PathsChange& change);
+    void Follow(const RulerMarksChange& change);
 
   private:
     struct Entry {
         OfPath extents;
         bool known = false;
     };
+
+    void PathChanged(std::size_t index);
+
     std::vector<Entry> entries;
 };

@@ -32,11 +32,13 @@ PointLabel::PointLabel(const QPoint& point, int canvasWidth)
       text(QString::number(point.x()) + QLatin1Char(',') + QString::number(point.y())) {
 }
 
-PathPainter::PathPainter(QImage& part, const QRect& place, double ratio, const EditingState& state,
-                         PathExtents& extents, LineShapes& shapes, const CanvasScale& scale)
+PathPainter::PathPainter(QImage& part, const QRect& place, double ratio, const std::vector<TrackPath>& paths,
+                         const EditingState& state, PathExtents& extents, LineShapes& shapes,
+                         const CanvasScale& scale)
     : part(part),
       place(place),
       ratio(ratio),
+      paths(paths),
       state(state),
       extents(extents),
       scale(scale),
@@ -72,10 +74,10 @@ void PathPainter::Dot(const QPoint& point, QRgb colour) {
 }
 
 void PathPainter::PaintSegments() {
-    for (std::size_t index = 0; index < state.paths.size(); ++index) {
-        if (!extents.Of(state.paths, index).points.Meets(shown))
+    for (std::size_t index = 0; index < paths.size(); ++index) {
+        if (!extents.Of(paths, index).points.Meets(shown))
             continue;
-        const auto& points = state.paths[index].points;
+        const auto& points = paths[index].points;
         QPoint from = scale.toWidgetPixels(points.front());
         for (std::size_t j = 1; j < points.size(); ++j) {
             const QPoint to = scale.toWidgetPixels(points[j]);
@@ -86,16 +88,15 @@ void PathPainter::PaintSegments() {
 }
 
 void PathPainter::PaintRubberBand() {
-    if (state.paths.empty() || state.paths.back().points.empty() || state.rubberPoint.isNull())
+    if (paths.empty() || paths.back().points.empty() || state.rubberPoint.isNull())
         return;
-    Line(scale.toWidgetPixels(state.paths.back().points.back()), scale.toWidgetPixels(state.rubberPoint),
-         kRed);
+    Line(scale.toWidgetPixels(paths.back().points.back()), scale.toWidgetPixels(state.rubberPoint), kRed);
 }
 
 void PathPainter::PaintCurrentSegment() {
-    if (state.currentPath < 0 || state.currentPath >= static_cast<int>(state.paths.size()))
+    if (state.currentPath < 0 || state.currentPath >= static_cast<int>(paths.size()))
         return;
-    const auto& points = state.paths[static_cast<std::size_t>(state.currentPath)].points;
+    const auto& points = paths[static_cast<std::size_t>(state.currentPath)].points;
     if (state.currentSegment < 0 || state.currentSegment >= static_cast<int>(points.size()) - 1)
         return;
     const auto segment = static_cast<std::size_t>(state.currentSegment);
@@ -103,9 +104,9 @@ void PathPainter::PaintCurrentSegment() {
 }
 
 void PathPainter::PaintPoints() {
-    for (std::size_t index = 0; index < state.paths.size(); ++index)
-        if (extents.Of(state.paths, index).points.Meets(shown))
-            for (const QPointF& point : state.paths[index].points)
+    for (std::size_t index = 0; index < paths.size(); ++index)
+        if (extents.Of(paths, index).points.Meets(shown))
+            for (const QPointF& point : paths[index].points)
                 Dot<kPointSide>(scale.toWidgetPixels(point), kGreen);
 }
 
@@ -128,10 +129,10 @@ void PathPainter::PaintLabel(const QPoint& point, const QFont& font) {
 }
 
 void PathPainter::PaintBands() {
-    for (std::size_t index = 0; index < state.paths.size(); ++index) {
-        if (!extents.Of(state.paths, index).marks.Meets(shown))
+    for (std::size_t index = 0; index < paths.size(); ++index) {
+        if (!extents.Of(paths, index).marks.Meets(shown))
             continue;
-        for (const RulerMarks& marks : state.paths[index].rulerMarks)
+        for (const RulerMarks& marks : paths[index].rulerMarks)
             for (const RulerMarks::Band& band : marks.bands)
                 PaintBand(band);
     }
@@ -148,10 +149,10 @@ void PathPainter::PaintBand(const RulerMarks::Band& band) {
 }
 
 void PathPainter::PaintBandCorners() {
-    for (std::size_t index = 0; index < state.paths.size(); ++index) {
-        if (!extents.Of(state.paths, index).marks.Meets(shown))
+    for (std::size_t index = 0; index < paths.size(); ++index) {
+        if (!extents.Of(paths, index).marks.Meets(shown))
             continue;
-        for (const RulerMarks& marks : state.paths[index].rulerMarks)
+        for (const RulerMarks& marks : paths[index].rulerMarks)
             for (const RulerMarks::Band& band : marks.bands)
                 if (!shown.Misses(band))
                     for (const QPointF& corner : band)

@@ -30,8 +30,9 @@ class PathPainter {
 
     /// @param part the image to paint on, in Format_RGB32, `ratio` device pixels a widget pixel
     /// @param place the part's place on the canvas, in device pixels
-    PathPainter(QImage& part, const QRect& place, double ratio, const EditingState& state,
-                PathExtents& extents, LineShapes& shapes, const CanvasScale& scale);
+    PathPainter(QImage& part, const QRect& place, double ratio, const std::vector<TrackPath>& paths,
+                const EditingState& state, PathExtents& extents, LineShapes& shapes,
+                const CanvasScale& scale);
 
     void Paint(bool rulerShown, const QFont& font);
 
@@ -52,6 +53,7 @@ class PathPainter {
     QImage& part;
     QRect place;
     double ratio;
+    const std::vector<TrackPath>& paths;
     const EditingState& state;
     PathExtents& extents;
     CanvasScale scale;

@@ -1,18 +1,11 @@
 #pragma once
 
 #include "canvas/CanvasScale.h"
+#include "document/PathsChange.h"
 #include "document/formats/TrackPath.h"
 
 #include <optional>
 #include <vector>
-
-/// The place of a point in a list of paths.
-struct PointIndex {
-    int path = 0;
-    int point = 0;
-
-    friend bool operator==(const PointIndex&, const PointIndex&) = default;
-};
 
 /// The hit radius, in widget pixels, round a path's point.
 constexpr double kHitRadius = 5.0;

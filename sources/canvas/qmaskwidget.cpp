@@ -1,27 +1,20 @@
 #include "canvas/qmaskwidget.h"
 
-#include "basalt/Exception.h"
-#include "basalt/bStatus.h"
-#include "canvas/PathFiles.h"
+#include "canvas/AccessibleCanvas.h"
 #include "canvas/PathPainter.h"
 #include "canvas/RulerOwner.h"
-#include "document/formats/Converter.h"
 
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QScopedValueRollback>
 #include <QStyle>
 #include <QStyleOption>
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 namespace {
-
-[[noreturn]] void ThrowTrackError(int line, const char* message) {
-    throw Ve::Exception(line, "qmaskwidget", bERROR_TRACK, "QMaskWidget::SavePath", "%s", message);
-}
 
 /// Pixels that are painted at once; a larger place is painted in strips that stay in the processor's cache.
 constexpr int kMostPainted = 1024 * 1024 / 4;
@@ -49,84 +42,76 @@ QRegion FewRects(const QRegion& region) {
 
 QMaskWidget::QMaskWidget(QWidget* parent)
     : QLabel(parent),
-      mainWindow(parent != nullptr ? dynamic_cast<RulerOwner*>(parent->parentWidget()) : nullptr) {
+      mainWindow(parent != nullptr ? dynamic_cast<RulerOwner*>(parent->parentWidget()) : nullptr),
+      ownDocument(std::make_unique<TrackDocument>()),
+      doc(ownDocument.get()),
+      editor(*doc) {
     setAttribute(Qt::WA_MouseTracking);
     setScaledContents(true);
+    setFocusPolicy(Qt::ClickFocus);
+    AccessibleCanvas::Install();
+    setDocument(*doc);
 }
 
 QMaskWidget::~QMaskWidget() = default;
 
+void QMaskWidget::setDocument(TrackDocument& other) {
+    doc->disconnect(this);
+    doc = &other;
+    if (doc != ownDocument.get())
+        ownDocument.reset();
+    editor = PathEditor(*doc);
+    connect(doc, &TrackDocument::pathsChanged, this, &QMaskWidget::FollowPaths);
+    connect(doc, &TrackDocument::rulerMarksChanged, this, &QMaskWidget::FollowRulerMarks);
+    connect(doc, &TrackDocument::imageChanged, this, [this] { editor.Reset(); });
+    connect(doc, &TrackDocument::restored, this, &QMaskWidget::FollowRestored);
+    FollowPaths(AllPathsReplaced{});
+}
+
 void QMaskWidget::clearAll() {
-    resetPaths();
+    editor.Reset();
+    doc->deleteAll();
     update();
 }
 
 void QMaskWidget::resetPaths() {
+    const QScopedValueRollback<bool> quietly(repaintsReplacedPaths, false);
     editor.Reset();
-    AllChanged();
+    doc->resetPaths();
 }
 
 void QMaskWidget::deleteLast() {
     if (paths().empty())
         return;
-    editor.DeleteLast();
-    marks.PathsRemoved(paths().size());
-    extents.AllChanged();
+    editor.ForgetCursor();
+    doc->deleteLast();
     update();
 }
 
 bool QMaskWidget::segmentExists(int path, int segment) const {
-    return editor.SegmentExists(path, segment);
+    return doc->segmentExists(path, segment);
 }
 
 void QMaskWidget::clearRulerMarks() {
-    for (TrackPath& path : editor.PathsForMarks())
-        path.rulerMarks.clear();
-    AllChanged();
+    doc->clearRulerMarks();
     update();
 }
 
 void QMaskWidget::computeRulerMarks(int imageWidth, int imageHeight) {
-    Extent changed;
-    marks.Update(editor.PathsForMarks(), QSize(imageWidth, imageHeight),
-                 [&](std::size_t path, const RulerMarks& touched) {
-                     changed.Add(touched);
-                     extents.PathChanged(path);
-                 });
-    if (RulerShown() != bandsPainted)
-        update(); // marks that were computed while the ruler was hidden are seen only now
-    else if (!changed.IsEmpty())
-        update(PlaceOf(changed));
+    doc->computeRulerMarks(QSize(imageWidth, imageHeight));
 }
 
 int QMaskWidget::loadPaths(const QString& fileName) {
-    const std::string file = fileName.toStdString();
-    std::vector<TrackPath> read;
-    const int status = CreateConverter(file)->ReadPath(file, read);
-    if (status == 0)
-        openedTrack = file;
-    editor.TakePaths(std::move(read));
-    AllChanged();
-    update();
-    return status;
+    return doc->loadPaths(fileName.toStdString());
 }
 
 void QMaskWidget::SavePath(const QString& original, const QString& target, double widthScale, double xOffset,
                            double yOffset, double xScale, double yScale) {
-    const WorldTransform world{widthScale, xOffset, yOffset, xScale, yScale};
-    const std::string file = original.toStdString();
-    switch (SaveWithPaths(file, target.toStdString(), paths(), world, file == openedTrack)) {
-    case SaveResult::Saved:
-        return;
-    case SaveResult::OriginalUnreadable:
-        ThrowTrackError(__LINE__, "Failed to read the original file.");
-    case SaveResult::TargetUnwritable:
-        ThrowTrackError(__LINE__, "Failed to read the target file.");
-    }
+    doc->save(original.toStdString(), target.toStdString(), {widthScale, xOffset, yOffset, xScale, yScale});
 }
 
 const std::vector<TrackPath>& QMaskWidget::paths() const {
-    return editor.State().paths;
+    return doc->paths();
 }
 
 int QMaskWidget::currentPath() const {
@@ -148,43 +133,32 @@ void QMaskWidget::setCurrentSegment(int segment) {
 }
 
 int QMaskWidget::segmentParameter(SegmentParameter parameter) const {
-    return editor.Parameter(parameter);
+    return doc->parameter({currentPath(), currentSegment()}, parameter);
 }
 
 void QMaskWidget::setSegmentParameter(SegmentParameter parameter, int value) {
-    if (editor.SetParameter(parameter, value))
-        marks.SegmentChanged(static_cast<std::size_t>(currentPath()),
-                             static_cast<std::size_t>(currentSegment()));
+    doc->setParameter({currentPath(), currentSegment()}, parameter, value);
 }
 
 void QMaskWidget::setParameterEverywhere(SegmentParameter parameter, int value) {
-    editor.SetParameterEverywhere(parameter, value);
-    marks.AllChanged();
+    doc->setParameterEverywhere(parameter, value);
 }
 
 void QMaskWidget::mousePressEvent(QMouseEvent* event) {
     if (!HasImage() || event->button() != Qt::LeftButton)
         return;
-    const std::size_t before = paths().size();
+    pressed = true;
+    doc->endGesture();
     editor.Press(Scale(), event->localPos());
-    if (paths().size() > before)
-        PointChanged(static_cast<int>(before), 0);
 }
 
 void QMaskWidget::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton)
+        pressed = false;
     if (!HasImage() || event->button() != Qt::LeftButton)
         return;
-    const bool drags = !editor.State().dragPoint.isNull();
-    const int path = drags ? editor.State().hoverPath : static_cast<int>(paths().size()) - 1;
     update(PlaceOfCursor());
-    if (drags)
-        update(PlaceOfPoint(path, editor.State().hoverPoint));
-    const bool added = editor.Release(Scale(), event->localPos());
-    if (added)
-        PointChanged(path, static_cast<int>(paths().back().points.size()) - 1);
-    else if (drags)
-        PointChanged(path, editor.State().hoverPoint);
-    if (added)
+    if (editor.Release(Scale(), event->localPos()))
         RefreshRulerIfShown();
     update(PlaceOfCursor());
 }
@@ -198,17 +172,11 @@ void QMaskWidget::mouseMoveEvent(QMouseEvent* event) {
     if (!HasImage())
         return;
     update(PlaceOfCursor());
-    if (!(event->buttons() & Qt::LeftButton)) {
+    pressed = (event->buttons() & Qt::LeftButton) != 0; // a release may have gone to another window
+    if (!pressed) {
         editor.Hover(Scale(), event->localPos());
-    } else {
-        const int path = editor.State().hoverPath;
-        const int point = editor.State().hoverPoint;
-        const QRect before = PlaceOfPoint(path, point);
-        if (editor.Drag(Scale(), event->localPos())) {
-            update(before);
-            PointChanged(path, point);
-            RefreshRulerIfShown();
-        }
+    } else if (editor.Drag(Scale(), event->localPos())) {
+        RefreshRulerIfShown();
     }
     update(PlaceOfCursor());
 }
@@ -261,7 +229,8 @@ void QMaskWidget::PaintPart(QPainter& painter, const QRect& place, double ratio)
     coarse += view.Copy(place, part);
     if (!isEnabled())
         PaintDisabled(part);
-    PathPainter(part, place, ratio, editor.State(), extents, lineShapes, Scale()).Paint(RulerShown(), font());
+    PathPainter(part, place, ratio, paths(), editor.State(), extents, lineShapes, Scale())
+        .Paint(RulerShown(), font());
     part.setDevicePixelRatio(1.0);
     painter.drawImage(place.topLeft(), part);
 }
@@ -275,23 +244,25 @@ void QMaskWidget::PaintDisabled(QImage& part) const {
                .convertToFormat(QImage::Format_RGB32);
 }
 
-QRect QMaskWidget::PlaceOfPoint(int path, int point) const {
-    if (path < 0 || path >= static_cast<int>(paths().size()))
-        return {};
-    const auto& points = paths()[static_cast<std::size_t>(path)].points;
+Extent QMaskWidget::ExtentOfPoint(PointIndex at) const {
     Extent extent;
-    for (int index = std::max(0, point - 1); index <= point + 1 && index < static_cast<int>(points.size());
-         ++index)
-        extent.Add(points[static_cast<std::size_t>(index)]);
-    return PlaceOf(extent);
+    for (PointIndex near{at.path, at.point - 1}; near.point <= at.point + 1; ++near.point)
+        if (doc->hasPoint(near))
+            extent.Add(
+                paths()[static_cast<std::size_t>(near.path)].points[static_cast<std::size_t>(near.point)]);
+    return extent;
+}
+
+QRect QMaskWidget::PlaceOfPoint(PointIndex at) const {
+    return PlaceOf(ExtentOfPoint(at));
 }
 
 QRegion QMaskWidget::PlaceOfCursor() const {
     const EditingState& state = editor.State();
     QRegion place;
-    if (!state.rubberPoint.isNull() && !state.paths.empty() && !state.paths.back().points.empty()) {
+    if (!state.rubberPoint.isNull() && !paths().empty() && !paths().back().points.empty()) {
         Extent band;
-        band.Add(state.paths.back().points.back());
+        band.Add(paths().back().points.back());
         band.Add(state.rubberPoint);
         place += PlaceOf(band);
     }
@@ -314,15 +285,43 @@ QRect QMaskWidget::PlaceOf(const Extent& extent) const {
         .adjusted(-reach, -reach, reach, reach);
 }
 
-void QMaskWidget::PointChanged(int path, int point) {
-    marks.PointChanged(static_cast<std::size_t>(path), static_cast<std::size_t>(point));
-    extents.PathChanged(static_cast<std::size_t>(path));
-    update(PlaceOfPoint(path, point));
+/// Repaints what a change concerns. A parameter is seen by its ruler marks only, and closing a path not at
+/// all.
+void QMaskWidget::FollowPaths(const PathsChange& change) {
+    extents.Follow(change);
+    const ChangeHandlers handlers{
+        [this](const PathAppended& appended) { update(PlaceOf(extents.Of(paths(), appended.path).points)); },
+        [this](const LastPathRemoved&) { update(); },
+        [this](const PointInserted& inserted) { update(PlaceOfPoint(inserted.at)); },
+        [this](const PointRemoved&) { update(); },
+        [this](const PointMoved& moved) {
+            Extent extent = ExtentOfPoint(moved.at);
+            extent.Add(moved.before);
+            update(PlaceOf(extent));
+        },
+        [](const ParameterSet&) {},
+        [](const ParameterSetEverywhere&) {},
+        [](const FinishedCountSet&) {},
+        [this](const AllPathsReplaced&) {
+            if (repaintsReplacedPaths)
+                update();
+        },
+    };
+    std::visit(handlers, change);
 }
 
-void QMaskWidget::AllChanged() {
-    marks.AllChanged();
-    extents.AllChanged();
+void QMaskWidget::FollowRulerMarks(const RulerMarksChange& change) {
+    extents.Follow(change);
+    if (RulerShown() != bandsPainted)
+        update(); // marks that were computed while the ruler was hidden are seen only now
+    else if (!change.extent.IsEmpty())
+        update(PlaceOf(change.extent));
+}
+
+void QMaskWidget::FollowRestored() {
+    update(PlaceOfCursor());
+    editor.ForgetCursor();
+    RefreshRulerIfShown();
 }
 
 QPixmap QMaskWidget::Image() const {

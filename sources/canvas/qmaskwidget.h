@@ -3,7 +3,6 @@
 #include "canvas/HeightMapView.h"
 #include "canvas/PathEditor.h"
 #include "canvas/PathExtents.h"
-#include "canvas/RulerMarksCache.h"
 #include "raster/LineShapes.h"
 
 #include <QBasicTimer>
@@ -11,15 +10,16 @@
 #include <QPixmap>
 #include <QRegion>
 
-#include <string>
+#include <memory>
 #include <vector>
 
 class RulerOwner;
 
 /// The canvas: shows the height map and lets the operator draw, reshape and measure paths with the mouse.
 ///
-/// All of it runs on the window's thread. Mouse positions are widget pixels; everything stored is normalised
-/// to the canvas (x = pixel / width, y = pixel / height), so that a resize leaves the paths as they are.
+/// The paths are those of a document; the canvas asks it to change and follows its signals. All of it runs on
+/// the window's thread. Mouse positions are widget pixels; everything stored is normalised to the canvas
+/// (x = pixel / width, y = pixel / height), so that a resize leaves the paths as they are.
 ///
 /// The height map is the label's pixmap, stretched to the canvas: `setPixmap` shows one, `clear` takes it
 /// away. Without a pixmap every mouse event is ignored and nothing is painted; the operations below work all
@@ -35,9 +35,14 @@ class QMaskWidget : public QLabel {
     explicit QMaskWidget(QWidget* parent = nullptr);
     ~QMaskWidget() override;
 
-    /// Removes every path and resets the editing state, then repaints.
+    /// Edits another document from now on, which is borrowed and outlives the canvas. Until the first call
+    /// the canvas has an empty document of its own.
+    void setDocument(TrackDocument& other);
+    [[nodiscard]] TrackDocument& document() const { return *doc; }
+
+    /// Removes every path in one step and resets the editing state, then repaints.
     void clearAll();
-    /// The same without the repaint.
+    /// The same without the repaint and without a step.
     void resetPaths();
     /// Removes the last point, or the last path when it has fewer than 3 points; nothing without paths. The
     /// ruler marks are left to the caller's refresh.
@@ -80,7 +85,10 @@ class QMaskWidget : public QLabel {
     /// averaged bit by bit, so that the window stays alive, and what is done is repainted.
     [[nodiscard]] bool isRefining() const { return refining.isActive(); }
 
-    /// For tests and tools: the whole editing state.
+    /// Whether the left button is held on the canvas: something is being drawn or dragged.
+    [[nodiscard]] bool isGestureActive() const { return pressed; }
+
+    /// What the mouse has begun, and the chosen segment.
     [[nodiscard]] const EditingState& editingState() const { return editor.State(); }
 
   protected:
@@ -99,19 +107,24 @@ class QMaskWidget : public QLabel {
     void RefreshRulerIfShown();
 
     /// Where a point of a path and the segments that meet in it are painted.
-    [[nodiscard]] QRect PlaceOfPoint(int path, int point) const;
+    [[nodiscard]] QRect PlaceOfPoint(PointIndex at) const;
+    /// Around a point and its neighbours in the path.
+    [[nodiscard]] Extent ExtentOfPoint(PointIndex at) const;
     /// Where the rubber band and the point under the cursor with its label are painted.
     [[nodiscard]] QRegion PlaceOfCursor() const;
     [[nodiscard]] QRect PlaceOf(const Extent& extent) const;
-    void PointChanged(int path, int point);
-    void AllChanged();
+    void FollowPaths(const PathsChange& change);
+    void FollowRulerMarks(const RulerMarksChange& change);
+    void FollowRestored();
     void PaintPart(QPainter& painter, const QRect& place, double ratio);
     void PaintDisabled(QImage& part) const;
 
     RulerOwner* mainWindow;
+    std::unique_ptr<TrackDocument> ownDocument; ///< until another is set
+    TrackDocument* doc;
     PathEditor editor;
-    std::string openedTrack; ///< the last file whose paths could be read
-    RulerMarksCache marks;
+    bool pressed = false;              ///< the left button is held
+    bool repaintsReplacedPaths = true; ///< false while paths are reset quietly
     PathExtents extents;
     LineShapes lineShapes;
     HeightMapView view;

@@ -2,20 +2,26 @@
 
 #include "basalt/Exception.h"
 #include "canvas/RulerOwner.h"
-#include "canvas/SegmentParameter.h"
-#include "document/formats/TrackInfo.h"
+#include "document/TrackDocument.h"
 #include "link/OstraSdkClient.h"
 
-#include <QImage>
 #include <QMainWindow>
-#include <QStringList>
 
 #include <functional>
 #include <memory>
-#include <string>
-#include <vector>
 
+class InputGuard;
+class RulerControl;
+class SegmentPanel;
+class SourcePanel;
+class SourceWorkflow;
+class TrackOperations;
+class StateLabel;
+class TrackPanel;
+class UndoActions;
+class ViewScale;
 class WaitingSpinnerWidget;
+class WorkProtection;
 class WorkerThread;
 
 namespace Ui {
@@ -23,16 +29,17 @@ class MainWindow;
 }
 
 /// The program's only window: chooses where tracks come from, opens and saves them, and sets the parameters
-/// of the paths drawn on its canvas. Its slots are where failures end: each is logged and shown in a box.
+/// of the paths drawn on its canvas. It only connects the controls with the panels and workflows that do the
+/// work. Its slots are where failures end: each is logged and shown in a box.
 class MainWindow final : public QMainWindow, public RulerOwner {
     Q_OBJECT
 
   public:
     explicit MainWindow(QWidget* parent = nullptr);
-    /// Leaves nothing of the working folders and files behind.
+    /// Leaves nothing of the working folders and files.
     ~MainWindow() override;
 
-    [[nodiscard]] bool rulerShown() const override { return showsRuler; }
+    [[nodiscard]] bool rulerShown() const override;
     void refreshRuler() override;
 
   signals:
@@ -68,82 +75,30 @@ class MainWindow final : public QMainWindow, public RulerOwner {
     void resizeEvent(QResizeEvent* event) override;
 
   private:
-    void SetUpFileNames();
+    void SetUpPanels();
     void SetUpCanvas();
-    void SetUpSegmentControls();
     void SetUpWorker();
-
+    void SetUpAdditions();
+    void ShowState();
     /// Runs a slot's body. A Ve::Exception from it is logged and shown, after `onFailure` has put things
     /// right; any other passes through.
     void RunSlot(const std::function<void()>& body, const std::function<void()>& onFailure = {});
-    static void LogFailure(const Ve::Exception& failure);
-    /// The "Error" box; the text is shown as it stands.
-    void ShowError(const QString& text);
-
-    /// Looks for servers, which takes up to a second.
-    void FillSourceList();
-    [[nodiscard]] bool SourceIsOpen() const;
-    /// Connected to a server whose workspace is in the working folders.
-    [[nodiscard]] bool ServerIsOpen() const;
-    /// Both fit the controls to an entry of the list of sources.
-    void ShowUploadTarget(const QString& source);
-    void ShowConnection(const QString& source);
-    void ConnectServer();
-    void DisconnectServer();
-    void LoadBackup();
-    void SaveToBackupFile();
-    void SyncToServer();
-    void LeaveServer();
-    void CloseTrack();
-    void ShowStatusNow(const QString& text);
-
-    void RefreshTrackList();
-    /// @throws Ve::Exception; the track shown before stays as it was while the new one's head and height map
-    /// cannot be read
-    void LoadTrack(const QString& path);
-    void LoadPaths(const QString& path);
-    /// Writes the canvas's paths, with the rest of `source`, to `target`.
-    void SaveTrack(const QString& source, const QString& target);
-    void SaveInPlace(const QString& track);
-    void WriteTrack(const QString& source, const QString& target);
-    void ShowFileName(const QString& text);
-    void ShowHeights(double lowest, double highest);
-    void FitToView();
-
-    // Each returns whether it came to its end, which the status bar then tells.
+    /// @return whether the operation of this name came to its end
     bool RunOperation(const QString& operation);
-    bool LoadChosenTrack();
-    bool SaveOpenTrack();
-    bool SaveOpenTrackAs();
-    bool DeleteChosenTrack();
-    [[nodiscard]] bool HasTrackToSave();
-    void SaveExternalTrack(const QString& path);
-    void ReturnToNormal();
-
-    void resetSegmentControls();
-    void ShowSegment();
-    void SetParameter(SegmentParameter parameter, int value);
-    void SetParameterAndRefresh(SegmentParameter parameter, const QString& text);
-    [[nodiscard]] int PathCount() const;
-    /// Points of a path (from 0); none of a path that does not exist.
-    [[nodiscard]] int PointCount(int path) const;
 
     const std::unique_ptr<Ui::MainWindow> ui;
-
-    TrackInfo info;   ///< of the open track
-    QImage heightMap; ///< of the open track; null while there is none
-    bool showsRuler = true;
-    bool showingSegment = false; ///< the controls are being filled, nobody sets a parameter
-
-    std::string currentTrackPath; ///< of the open track, as it was opened
-    bool trackLoaded = false;
-    bool externalTrack = false; ///< the open track is not one of the workspace
-    QStringList trackFiles;     ///< names in the workspace's track folder, as last listed
-
-    std::vector<OstraServerInfo> servers; ///< in the order of the source list
-    std::string backupFilePath;           ///< the backup in use
-    bool backupFileOpen = false;          ///< the source is a backup file that is open
-    OstraSdkClient client;                ///< not to be used while the spinner spins: the worker uses it then
+    TrackDocument document;
+    OstraSdkClient client; ///< not to be used while the spinner spins: the worker uses it then
+    std::unique_ptr<WorkProtection> protection;
+    std::unique_ptr<RulerControl> ruler;
+    std::unique_ptr<ViewScale> scale;
+    std::unique_ptr<SegmentPanel> segments;
+    std::unique_ptr<TrackPanel> trackPanel;
+    std::unique_ptr<SourcePanel> sourcePanel;
+    std::unique_ptr<TrackOperations> tracks;
+    std::unique_ptr<SourceWorkflow> sources;
     std::unique_ptr<WorkerThread> worker;
-    WaitingSpinnerWidget* spinner = nullptr; ///< a child of the window
+    std::unique_ptr<UndoActions> undoActions;
+    WaitingSpinnerWidget* spinner = nullptr; ///< this and the following are children of the window
+    StateLabel* stateLabel = nullptr;
 };

@@ -8,7 +8,7 @@
 #include "canvas/qmaskwidget.h"
 #include "document/formats/Converter.h"
 #include "document/formats/TrackInfo.h"
-#include "window/WorkingFiles.h"
+#include "workflow/WorkingFiles.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -132,6 +132,7 @@ AllocationRoad UnpackRoad() {
     return {[] {},
             [] {
                 UnpackBackup(kBackup);
+                UnpackWorkspace();
                 return true;
             },
             [](Outcome outcome) {
@@ -147,7 +148,10 @@ AllocationRoad UnpackRoad() {
 }
 
 AllocationRoad PackRoad() {
-    return {[] { UnpackBackup(kBackup); },
+    return {[] {
+                UnpackBackup(kBackup);
+                UnpackWorkspace();
+            },
             [] {
                 PackBackup(kBackup);
                 return true;

@@ -28,6 +28,8 @@ class Road {
     /// What is wrong with what the operator owns.
     /// @param finished the operation has succeeded: the new content has to stand
     [[nodiscard]] virtual Problems Check(bool finished) const = 0;
+    /// What is wrong with the kept copies: each is complete.
+    [[nodiscard]] static Problems CheckKept();
     /// What is wrong with what the window shows after success.
     [[nodiscard]] virtual Problems CheckShown(WindowOperator& /*window*/) const { return {}; }
 
@@ -63,6 +65,8 @@ class Road {
 /// The roads through the window by their names in the order of the documentation.
 std::vector<std::pair<std::string, std::unique_ptr<Road>>> TrackRoads();
 std::vector<std::pair<std::string, std::unique_ptr<Road>>> BackupRoads();
+/// The roads on which copies are kept of what they discard.
+std::vector<std::pair<std::string, std::unique_ptr<Road>>> KeepingRoads();
 /// The roads that only read.
 std::vector<std::pair<std::string, std::unique_ptr<Road>>> LoadRoads();
 /// The roads on which only failing reads are new: what they write, others write in the same way.

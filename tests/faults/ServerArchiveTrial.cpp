@@ -83,7 +83,7 @@ Problems ServerArchiveTrial::Run(const Trial& trial, FileCallReport& report) con
     report.armed = false;
 
     Problems problems;
-    JudgeAnswer(problems, report, outcome.archive.has_value(), IsTold(outcome));
+    JudgeAnswer(problems, report, {outcome.archive.has_value(), IsTold(outcome)});
     CheckArchive(problems, outcome, "");
     const Outcome next = fetch(server);
     if (!next.archive)

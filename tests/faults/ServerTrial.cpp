@@ -104,7 +104,7 @@ Problems ServerTrial::Run(const Trial& trial, FileCallReport& report) const {
     // What a restore opens and lists after the new workspace stands is the old one, to remove it.
     const bool removes = FallsOn(report, "getdents64") || FallsOn(report, "open to read");
     if (status != 200 || !removes)
-        JudgeAnswer(problems, report, status == 200, shown);
+        JudgeAnswer(problems, report, {status == 200, shown});
     Check(problems, "", status == 200);
     RestoreWell(problems, server, "next time: ");
     return problems;

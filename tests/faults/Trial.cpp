@@ -91,7 +91,8 @@ bool MayBeSurvived(const FileCallReport& report) {
     if (name == "close")
         return std::string_view(call->place.data()).ends_with(" (deleted)");
     return name.starts_with("unlink") || name == "rmdir" || name.starts_with("rename") ||
-           name.starts_with("chmod") || name.starts_with("fchmod") || name == "open nameless";
+           name.starts_with("chmod") || name.starts_with("fchmod") || name == "open nameless" ||
+           name.starts_with("copy_file_rang");
 }
 
 bool FallsOn(const FileCallReport& report, std::string_view name) {
@@ -99,8 +100,9 @@ bool FallsOn(const FileCallReport& report, std::string_view name) {
     return call != nullptr && name == call->name.data();
 }
 
-void JudgeAnswer(Problems& problems, const FileCallReport& report, bool succeeded, bool shown) {
-    if (!succeeded && !shown)
+void JudgeAnswer(Problems& problems, const FileCallReport& report, const Answer& answer) {
+    const bool succeeded = answer.succeeded;
+    if (!succeeded && !answer.shown)
         problems.emplace_back("a failure was not shown");
     if (!report.injected && report.at > 0 && !succeeded)
         problems.emplace_back("failed without a fault");
@@ -108,8 +110,8 @@ void JudgeAnswer(Problems& problems, const FileCallReport& report, bool succeede
         return;
     if (report.fault == Fault::Short && !succeeded)
         problems.emplace_back("a short write ended the operation");
-    const bool survivable =
-        report.fault == Fault::Short || (report.fault != Fault::DiskDead && MayBeSurvived(report));
+    const bool survivable = answer.keptLess || report.fault == Fault::Short ||
+                            (report.fault != Fault::DiskDead && MayBeSurvived(report));
     if (succeeded && !survivable)
         problems.emplace_back("the fault was passed over in silence");
 }

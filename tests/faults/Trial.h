@@ -40,17 +40,23 @@ std::string Describe(const Trial& trial, const FileCallReport& report);
 
 /// Whether an operation may succeed although this call of it failed: what is removed may stay until the next
 /// time; for renaming, changing permissions and opening a file without a name there is another way, whose
-/// outcome is looked at; a folder that was made before is there; a text track whose encoding cannot be told
-/// is read as a text; what a folder holds may be known before its end is met, or be what a dialog shows.
+/// outcome is checked, as there is for copying within the system; a folder that was made before exists; a
+/// text track whose encoding cannot be told is read as a text; what a folder holds may be known before its
+/// end is met, or be what a dialog shows.
 bool MayBeSurvived(const FileCallReport& report);
 /// Whether the fault was meant for a call of this name.
 bool FallsOn(const FileCallReport& report, std::string_view name);
 
-/// What an operation has shown after a fault, judged by the fault: a short write is no failure; any other is
-/// shown, unless it may be survived.
-/// @param succeeded the operation says so
-/// @param shown a failure was shown in every place that it has to be shown in
-void JudgeAnswer(Problems& problems, const FileCallReport& report, bool succeeded, bool shown);
+/// What an operation has said.
+struct Answer {
+    bool succeeded = false;
+    bool shown = false;    ///< a failure was shown in every place that it has to be shown in
+    bool keptLess = false; ///< the log says that something could not be kept, which stops no operation
+};
+
+/// Judges by the fault what an operation has said: a short write is no failure; any other fault is reported
+/// in one way or the other, unless it may be survived.
+void JudgeAnswer(Problems& problems, const FileCallReport& report, const Answer& answer);
 
 /// The folder that counts for trials: it becomes a file system of its own when the trial wants one.
 class TrialDisk {

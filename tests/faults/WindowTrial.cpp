@@ -24,11 +24,18 @@ void Add(Problems& problems, const Problems& more, const std::string& when) {
         problems.push_back(when + problem);
 }
 
-/// The error lines written since the last call.
-bool LogHasErrors(LogCapture& log) {
-    const std::vector<std::string> lines = log.Lines();
+bool HaveErrors(const std::vector<std::string>& lines) {
     return std::any_of(lines.begin(), lines.end(),
                        [](const std::string& line) { return line.rfind("ERROR", 0) == 0; });
+}
+
+/// Whether the log says that a copy, or the list of what was not sent, could not be kept.
+bool SayKeptLess(const std::vector<std::string>& lines) {
+    return std::any_of(lines.begin(), lines.end(), [](const std::string& line) {
+        return line.rfind("ERROR: Failed to keep ", 0) == 0 ||
+               line.rfind("ERROR: Failed to store the list of unsent tracks ", 0) == 0 ||
+               line.rfind("ERROR: Failed to remove old copies ", 0) == 0;
+    });
 }
 
 } // namespace
@@ -46,7 +53,7 @@ Problems WindowTrial::Run(const Trial& trial, FileCallReport& report) const {
     road->LeadUp(window);
     window.ClearStatus();
     window.TakeErrors();
-    LogHasErrors(log);
+    static_cast<void>(log.Lines());
 
     disk.Fill();
     report.armed = true;
@@ -57,8 +64,10 @@ Problems WindowTrial::Run(const Trial& trial, FileCallReport& report) const {
     Problems problems;
     const bool boxed = window.HasErrors();
     const bool succeeded = !boxed && window.Status() == road->Success();
-    JudgeAnswer(problems, report, succeeded, boxed && LogHasErrors(log));
+    const std::vector<std::string> lines = log.Lines();
+    JudgeAnswer(problems, report, {succeeded, boxed && HaveErrors(lines), SayKeptLess(lines)});
     Add(problems, road->Check(succeeded), "");
+    Add(problems, Road::CheckKept(), "");
     if (succeeded)
         Add(problems, road->CheckShown(window), "");
 
@@ -77,6 +86,7 @@ Problems WindowTrial::RunAfterKill() const {
     Enter(kFolder + "/work");
     Problems problems;
     Add(problems, road->Check(false), "");
+    Add(problems, Road::CheckKept(), "");
     const std::unique_ptr<OstraServerProcess> server = road->Serve();
     const LogCapture log;
     WindowOperator window;

@@ -127,6 +127,7 @@ NamedRoads AllRoads() {
     for (const bool reads : {false, true}) {
         AddWindowRoads(roads, TrackRoads(), reads);
         AddWindowRoads(roads, BackupRoads(), reads);
+        AddWindowRoads(roads, KeepingRoads(), reads);
         roads.emplace_back(reads ? "reads-server-restore" : "server-restore",
                            std::make_unique<ServerTrial>(preload, reads, false));
     }
@@ -191,6 +192,7 @@ int main(int count, char** words) {
     const TemporaryFolder folder;
     setenv("XDG_CONFIG_HOME", folder.Path("config").c_str(), 1);
     setenv("XDG_RUNTIME_DIR", folder.Path("").c_str(), 1);
+    setenv("CORVANE_KEPT", "../kept", 1); // of each run alone, beside its working folder
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
     setenv("QT_LOGGING_RULES", "qt.qpa.*=false;*.debug=false;*.warning=false", 1);
     FileTree served;

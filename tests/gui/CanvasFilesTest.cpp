@@ -73,15 +73,15 @@ TEST_F(CanvasFiles, LoadsTheFilesPathsWithoutMarks) {
 
 TEST_F(CanvasFiles, LoadedPathsTakeADoubleClickEachBeforeANewOneCanBeDrawn) {
     LoadText();
-    EXPECT_EQ(State().finishedCount, 0);
+    EXPECT_EQ(Document().finishedCount(), 0);
     mouse.Press({30, 200});
     EXPECT_EQ(Paths().size(), 2U);
     mouse.Release({30, 200}); // and meanwhile a release far from the last path's end extends that path
     EXPECT_EQ(Paths().at(1).points.size(), 2U);
     mouse.DoubleClick({30, 200});
-    EXPECT_EQ(State().finishedCount, 1);
+    EXPECT_EQ(Document().finishedCount(), 1);
     mouse.DoubleClick({30, 200});
-    EXPECT_EQ(State().finishedCount, 2);
+    EXPECT_EQ(Document().finishedCount(), 2);
     mouse.Move({300, 50});
     mouse.Press({300, 50});
     EXPECT_EQ(Paths().size(), 3U);

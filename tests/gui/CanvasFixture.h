@@ -101,6 +101,7 @@ class Mouse {
 class CanvasTest : public ::testing::Test {
   protected:
     [[nodiscard]] const EditingState& State() const { return window.canvas->editingState(); }
+    [[nodiscard]] TrackDocument& Document() const { return window.canvas->document(); }
     [[nodiscard]] const std::vector<TrackPath>& Paths() const { return window.canvas->paths(); }
     /// A stored point in widget pixels.
     [[nodiscard]] QPointF At(std::size_t path, std::size_t point) const {

@@ -15,7 +15,7 @@ TEST_F(CanvasMouse, IgnoresEverythingWithoutAnImage) {
     window.canvas->clear();
     mouse.Draw({{50, 50}, {150, 50}});
     EXPECT_TRUE(Paths().empty());
-    EXPECT_EQ(State().finishedCount, 0);
+    EXPECT_EQ(Document().finishedCount(), 0);
     mouse.Press({50, 50});
     mouse.Move({100, 100});
     EXPECT_TRUE(State().rubberPoint.isNull());
@@ -30,7 +30,7 @@ TEST_F(CanvasMouse, EachHandlerIgnoresEventsOnceTheImageIsGone) {
     mouse.Move({300, 200});
     EXPECT_FALSE(State().dragPoint.isNull());
     mouse.DoubleClick({300, 200});
-    EXPECT_EQ(State().finishedCount, 1);
+    EXPECT_EQ(Document().finishedCount(), 1);
     EXPECT_EQ(At(0, 1), QPointF(150, 50));
 }
 
@@ -39,7 +39,7 @@ TEST_F(CanvasMouse, AClickWithoutMovingMakesAnOpenPathOfOnePoint) {
     ASSERT_EQ(Paths().size(), 1U);
     EXPECT_EQ(Paths()[0].points.size(), 1U);
     EXPECT_EQ(At(0, 0), QPointF(120, 80));
-    EXPECT_EQ(State().finishedCount, 0);
+    EXPECT_EQ(Document().finishedCount(), 0);
 }
 
 TEST_F(CanvasMouse, AReleaseAtExactlyFivePixelsAddsNothing) {
@@ -74,7 +74,7 @@ TEST_F(CanvasMouse, OnlyTheLeftButtonActs) {
     }
     mouse.Click({50, 200});
     mouse.DoubleClick({300, 200}, Qt::RightButton);
-    EXPECT_EQ(State().finishedCount, 1);
+    EXPECT_EQ(Document().finishedCount(), 1);
     mouse.Press({300, 200}, Qt::RightButton);
     mouse.Move({310, 200});
     EXPECT_TRUE(State().rubberPoint.isNull());
@@ -116,7 +116,7 @@ TEST_F(CanvasMouse, APressWhileAPathIsOpenStartsNone) {
 
 TEST_F(CanvasMouse, ADoubleClickClosesThePath) {
     mouse.Draw({{50, 50}, {150, 50}});
-    EXPECT_EQ(State().finishedCount, 1);
+    EXPECT_EQ(Document().finishedCount(), 1);
     ASSERT_EQ(Paths().size(), 1U);
     EXPECT_EQ(Paths()[0].points.size(), 2U);
     mouse.Move({250, 250});
@@ -127,7 +127,7 @@ TEST_F(CanvasMouse, ADoubleClickClosesThePath) {
 TEST_F(CanvasMouse, ADoubleClickWithoutAnOpenPathChangesNothing) {
     mouse.Draw({{50, 50}, {150, 50}});
     QTest::mouseDClick(window.canvas, Qt::LeftButton, {}, {150, 50});
-    EXPECT_EQ(State().finishedCount, 1);
+    EXPECT_EQ(Document().finishedCount(), 1);
     EXPECT_EQ(Paths().size(), 1U);
 }
 
@@ -135,7 +135,7 @@ TEST_F(CanvasMouse, AReleaseFarFromAClosedPathsLastPointExtendsIt) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Release({150, 150});
     EXPECT_EQ(Paths().at(0).points.size(), 3U);
-    EXPECT_EQ(State().finishedCount, 1);
+    EXPECT_EQ(Document().finishedCount(), 1);
 }
 
 TEST_F(CanvasMouse, AReleaseWithoutPathsDoesNothing) {
@@ -244,7 +244,7 @@ TEST_F(CanvasMouse, APointCanBeDraggedWhileAPathIsOpen) {
     mouse.Move({160, 60});
     mouse.Release({160, 60});
     EXPECT_EQ(At(0, 1), QPointF(160, 60));
-    EXPECT_EQ(State().finishedCount, 1);
+    EXPECT_EQ(Document().finishedCount(), 1);
     EXPECT_EQ(Paths().size(), 2U);
     EXPECT_EQ(Paths()[1].points.size(), 1U);
 }
@@ -266,7 +266,7 @@ TEST_F(CanvasMouse, DeleteLastOnTwoPointsRemovesThePathAndOnThreeLeavesTwo) {
     EXPECT_EQ(Paths()[1].spaces.size(), 2U);
     window.canvas->deleteLast();
     EXPECT_EQ(Paths().size(), 1U);
-    EXPECT_EQ(State().finishedCount, 1);
+    EXPECT_EQ(Document().finishedCount(), 1);
 }
 
 TEST_F(CanvasMouse, ClearAllForgetsEveryPathAndTheState) {
@@ -275,7 +275,7 @@ TEST_F(CanvasMouse, ClearAllForgetsEveryPathAndTheState) {
     window.canvas->setCurrentSegment(3);
     window.canvas->clearAll();
     EXPECT_TRUE(Paths().empty());
-    EXPECT_EQ(State().finishedCount, 0);
+    EXPECT_EQ(Document().finishedCount(), 0);
     EXPECT_EQ(window.canvas->currentPath(), 0);
     EXPECT_EQ(window.canvas->currentSegment(), 0);
 }

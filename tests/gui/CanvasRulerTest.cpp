@@ -1,6 +1,6 @@
 #include "CanvasFixture.h"
 #include "RandomOperator.h"
-#include "canvas/RulerMarksBuilder.h"
+#include "document/RulerMarksBuilder.h"
 
 #include <array>
 #include <bit>

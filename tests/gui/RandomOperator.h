@@ -4,14 +4,15 @@
 
 #include <random>
 
-/// A seeded operator: draws, drags, deletes, sets parameters, hides and shows the ruler, zooms.
+/// A seeded operator: draws, drags, deletes, sets parameters, takes steps back, hides and shows the ruler,
+/// zooms.
 class RandomOperator {
   public:
     RandomOperator(CanvasWindow& window, unsigned seed)
         : window(window), mouse(window.canvas), random(seed) {}
 
     void Act() {
-        switch (Pick(12)) {
+        switch (Pick(14)) {
         case 0:
         case 1:
             return mouse.Draw(Places(2 + Pick(5)));
@@ -30,6 +31,10 @@ class RandomOperator {
             return ToggleRuler();
         case 10:
             return window.Resize(QSize(150 + Pick(400), 150 + Pick(300)));
+        case 11:
+            return window.canvas->document().undo();
+        case 12:
+            return window.canvas->document().redo();
         default:
             mouse.Press(Place());
             mouse.Move(Place());
@@ -59,6 +64,8 @@ class RandomOperator {
         mouse.Release(Place());
     }
     void DeleteLast() {
+        if (Pick(20) == 0)
+            window.canvas->clearAll();
         window.canvas->deleteLast();
         if (window.shown)
             window.refreshRuler();

@@ -4,8 +4,8 @@
 #include "TarBlocks.h"
 #include "link/BlockingController.h"
 #include "link/FileUtils.h"
+#include "link/WorkerThread.h"
 #include "window/WaitingSpinnerWidget.h"
-#include "window/WorkerThread.h"
 
 #include <QElapsedTimer>
 #include <QPointer>

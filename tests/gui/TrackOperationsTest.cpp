@@ -1,7 +1,7 @@
 #include "OrdinaryUser.h"
 #include "WindowTest.h"
 #include "log/Log.h"
-#include "window/TrackFolder.h"
+#include "workflow/TrackFolder.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -359,9 +359,9 @@ TEST_F(TrackOperations, LoadingForgetsHowManyPathsWereClosed) {
     WriteFile(folder.Path("one.trk"), independent::TextFile(track));
     loadExternal(folder.Path("one.trk"));
     QTest::mouseDClick(&canvas(), Qt::LeftButton, Qt::NoModifier, {2, 2});
-    ASSERT_EQ(canvas().editingState().finishedCount, 1);
+    ASSERT_EQ(canvas().document().finishedCount(), 1);
     loadExternal(folder.Path("one.trk"));
-    EXPECT_EQ(canvas().editingState().finishedCount, 0);
+    EXPECT_EQ(canvas().document().finishedCount(), 0);
     find<QSlider>("horizontalSlider_resizeImage").setValue(80); // 320 x 80
     QTest::mousePress(&canvas(), Qt::LeftButton, Qt::NoModifier, {40, 70});
     EXPECT_THAT(paths(), SizeIs(1));

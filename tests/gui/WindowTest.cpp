@@ -8,7 +8,9 @@
 #include <filesystem>
 #include <stdexcept>
 
-WindowTest::WindowTest() = default;
+WindowTest::WindowTest() {
+    qputenv("CORVANE_KEPT", folder.Path("kept").c_str());
+}
 
 WindowTest::~WindowTest() = default;
 

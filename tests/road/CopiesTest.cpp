@@ -19,8 +19,9 @@ using std::chrono::steady_clock;
 class CopiesTest : public ::testing::Test {
   protected:
     CopiesTest() {
-        ::mkdir("runtime", 0700);
-        ::setenv("XDG_RUNTIME_DIR", folder.Path("runtime").c_str(), 1);
+        ::mkdir("instance", 0700);
+        ::setenv("CORVANE_INSTANCE", folder.Path("instance").c_str(), 1);
+        ::setenv("CORVANE_KEPT", folder.Path("kept").c_str(), 1);
         ::setenv("OSTRA_DISCOVERY", "127.0.0.1:9", 1); // also when this is not started by ctest
     }
 

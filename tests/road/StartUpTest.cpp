@@ -51,8 +51,9 @@ Q_COREAPP_STARTUP_FUNCTION(Plan)
 class StartUpTest : public ::testing::Test {
   protected:
     StartUpTest() {
-        ::mkdir("runtime", 0700);
-        ::setenv("XDG_RUNTIME_DIR", folder.Path("runtime").c_str(), 1);
+        ::mkdir("instance", 0700);
+        ::setenv("CORVANE_INSTANCE", folder.Path("instance").c_str(), 1);
+        ::setenv("CORVANE_KEPT", folder.Path("kept").c_str(), 1);
         ::setenv("OSTRA_DISCOVERY", "127.0.0.1:9", 1); // also when this is not started by ctest
         whenShown = [](QMainWindow& window) { window.close(); };
     }
@@ -146,7 +147,7 @@ TEST_F(StartUpTest, MutexThatIsTakenEndsTheStartWithZero) {
 }
 
 TEST_F(StartUpTest, MutexThatCannotBeMadeKeepsNobodyOut) {
-    ::mkdir("runtime/corvane.lock", 0700);
+    ::mkdir("instance/corvane.lock", 0700);
     EXPECT_EQ(CreateMutexW(nullptr, FALSE, L"corvane"), nullptr);
     EXPECT_EQ(start(), 0);
     EXPECT_EQ(fakeLibraries::deviceStarts, 1);

@@ -75,10 +75,10 @@ void ControlHand::checkParameter(std::size_t field, const std::string& text) {
     const EditingState& state = storm.canvas().editingState();
     const auto& valuesOf = kFields.at(field).values;
     if (storm.find<QCheckBox>("checkBox_batchSetting").isChecked()) {
-        for (const TrackPath& path : state.paths)
+        for (const TrackPath& path : storm.paths())
             EXPECT_EQ(path.*valuesOf, std::vector<int>(path.points.size(), value));
     } else if (storm.canvas().segmentExists(state.currentPath, state.currentSegment)) {
-        const TrackPath& path = state.paths[static_cast<std::size_t>(state.currentPath)];
+        const TrackPath& path = storm.paths()[static_cast<std::size_t>(state.currentPath)];
         EXPECT_EQ((path.*valuesOf)[static_cast<std::size_t>(state.currentSegment)], value);
     }
 }
@@ -93,9 +93,12 @@ void ControlHand::turnWheel() {
         return;
     const QPoint place(widget.width() / 2, widget.height() / 2);
     const QPoint turn(0, random.chance(2) ? kNotch : -kNotch);
+    const auto* const list = qobject_cast<QComboBox*>(&widget);
+    const int before = list != nullptr ? list->currentIndex() : 0;
     QWheelEvent event(place, widget.mapToGlobal(place), QPoint(), turn, storm.held, Qt::NoModifier,
                       Qt::NoScrollPhase, false);
     QApplication::sendEvent(&widget, &event);
+    EXPECT_EQ(list != nullptr ? list->currentIndex() : 0, before);
 }
 
 void ControlHand::moveSlider() {
@@ -116,4 +119,15 @@ void ControlHand::pressSomeKey() {
     QTest::keyClick(widget,
                     random.oneOf<Qt::Key>({Qt::Key_Tab, Qt::Key_Backtab, Qt::Key_Escape, Qt::Key_Return,
                                            Qt::Key_Delete, Qt::Key_Home, Qt::Key_F1, Qt::Key_A}));
+}
+
+void ControlHand::pressInWindow(Qt::KeyboardModifiers modifiers) {
+    if (!storm.window->isEnabled())
+        return;
+    QApplication::setActiveWindow(storm.window.get());
+    const int depth = storm.canvas().document().undoDepth();
+    QWidget* const focused = QApplication::focusWidget();
+    QTest::keyClick(focused != nullptr ? focused : storm.window.get(), Qt::Key_Z, modifiers);
+    storm.count(storm.canvas().document().undoDepth() < depth ? "  steps taken back"
+                                                              : "  no step taken back");
 }

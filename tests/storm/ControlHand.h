@@ -14,7 +14,7 @@ class ControlHand {
     void typeIntoSpinBox();
     void typeParameter();
     void moveSlider();
-    /// Over the canvas, the controls, and the lists, where it chooses and so operates.
+    /// Over the canvas, the controls, and the lists, where it chooses nothing.
     void turnWheel();
     void deleteLast() { storm.click("pushButton_deleteLast"); }
     void deleteAll() { storm.click("pushButton_deleteAll"); }
@@ -22,8 +22,12 @@ class ControlHand {
     void toggleBatch() { storm.click("checkBox_batchSetting"); }
     void resizeWindow();
     void pressSomeKey();
+    void pressUndo() { pressInWindow(Qt::ControlModifier); }
+    void pressRedo() { pressInWindow(Qt::ControlModifier | Qt::ShiftModifier); }
 
   private:
+    /// Z, wherever the focus is.
+    void pressInWindow(Qt::KeyboardModifiers modifiers);
     void checkChosen(const QSpinBox& box, int before);
     void checkParameter(std::size_t field, const std::string& text);
 

@@ -1,6 +1,7 @@
 #include "EditingChecks.h"
 
 #include "DocumentSamples.h"
+#include "TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 
 namespace {
 
@@ -51,10 +53,12 @@ void CheckPath(const TrackPath& path, bool rulerShown) {
 
 } // namespace
 
-void CheckEditing(const EditingState& state, bool rulerShown) {
-    const auto count = static_cast<int>(state.paths.size());
-    EXPECT_GE(state.finishedCount, 0);
-    EXPECT_LE(state.finishedCount, count);
+void CheckEditing(const QMaskWidget& canvas, bool rulerShown) {
+    const EditingState& state = canvas.editingState();
+    const std::vector<TrackPath>& paths = canvas.paths();
+    const auto count = static_cast<int>(paths.size());
+    EXPECT_GE(canvas.document().finishedCount(), 0);
+    EXPECT_LE(canvas.document().finishedCount(), count);
     EXPECT_GE(state.currentPath, 0);
     EXPECT_GE(state.currentSegment, 0);
     EXPECT_TRUE(IsFinite(state.rubberPoint));
@@ -63,11 +67,11 @@ void CheckEditing(const EditingState& state, bool rulerShown) {
     ASSERT_GE(state.hoverPoint, 0);
     if (!state.dragPoint.isNull()) {
         ASSERT_LT(state.hoverPath, count);
-        const TrackPath& hovered = state.paths[static_cast<std::size_t>(state.hoverPath)];
+        const TrackPath& hovered = paths[static_cast<std::size_t>(state.hoverPath)];
         ASSERT_LT(static_cast<std::size_t>(state.hoverPoint), hovered.points.size());
         EXPECT_EQ(hovered.points[static_cast<std::size_t>(state.hoverPoint)], state.dragPoint);
     }
-    for (const TrackPath& path : state.paths)
+    for (const TrackPath& path : paths)
         CheckPath(path, rulerShown);
 }
 
@@ -88,6 +92,21 @@ void CheckSaved(const std::string& file, const independent::Track& map, const st
         << saved.segments.size() << " records of " << expected.segments.size() << " points";
     EXPECT_TRUE(saved.rulers == expected.rulers)
         << saved.rulers.size() << " records of " << expected.rulers.size() << " ticks";
+}
+
+unsigned CheckKept(const std::string& folder) {
+    constexpr unsigned kMaxCopies = 50;
+    unsigned copies = 0;
+    std::error_code none;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, none)) {
+        const std::string name = entry.path().filename();
+        copies += name.front() == '.' ? 0 : 1;
+        if (name.ends_with("(unsaved).trk")) {
+            EXPECT_NO_THROW(static_cast<void>(independent::ReadBinary(FileContent(entry.path())))) << name;
+        }
+    }
+    EXPECT_LE(copies, kMaxCopies);
+    return copies;
 }
 
 bool IsKnownMessage(const std::string& text) {

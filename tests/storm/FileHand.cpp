@@ -3,6 +3,7 @@
 #include "DocumentSamples.h"
 #include "EditingChecks.h"
 
+#include <QAbstractItemView>
 #include <QStatusBar>
 
 void FileHand::chooseFile() {
@@ -12,8 +13,12 @@ void FileHand::chooseFile() {
 
 void FileHand::pressKeyOnOperations() {
     auto& combo = storm.find<QComboBox>("comboBox_operation");
+    if (!combo.isEnabled() || !storm.window->isEnabled())
+        return;
     QTest::keyClick(&combo, random.oneOf<Qt::Key>({Qt::Key_Down, Qt::Key_Up, Qt::Key_End, Qt::Key_Home,
                                                    Qt::Key_S, Qt::Key_D, Qt::Key_L, Qt::Key_R}));
+    EXPECT_TRUE(combo.view()->isVisible());
+    QTest::keyClick(combo.view(), Qt::Key_Escape);
 }
 
 void FileHand::operate(const std::string& operation) {

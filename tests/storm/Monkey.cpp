@@ -24,6 +24,8 @@ Monkey::Monkey()
           {4, "delete all", [this] { controls.deleteAll(); }},
           {20, "ruler", [this] { controls.toggleRuler(); }},
           {15, "batch", [this] { controls.toggleBatch(); }},
+          {60, "undo", [this] { controls.pressUndo(); }},
+          {40, "redo", [this] { controls.pressRedo(); }},
           {20, "wheel", [this] { controls.turnWheel(); }},
           {15, "choose a file", [this] { files.chooseFile(); }},
           {14, "operation", [this] { files.operateOnFile(); }},

@@ -39,7 +39,7 @@ void StormWindow::settle() {
 
 void StormWindow::check() {
     // Without a picture nothing is painted, and the ruler is not computed.
-    CheckEditing(canvas().editingState(), window->rulerShown() && hasTrack());
+    CheckEditing(canvas(), window->rulerShown() && hasTrack());
     checkWindow();
     checkBoxes();
 }

@@ -3,6 +3,8 @@
 #include "basalt/posix/FileState.h"
 #include "basalt/posix/SystemError.h"
 
+#include <cstdio>
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -44,6 +46,21 @@ FileDescriptor FolderHandle::OpenItself() const {
 std::error_code FolderHandle::Describe(const FileFacts& facts) const {
     const FileDescriptor folder = OpenItself();
     return folder.IsOpen() ? ::Describe(folder.Number(), facts) : LastError();
+}
+
+std::error_code FolderHandle::RemoveFile(const std::string& name) const {
+    return unlinkat(Number(), name.c_str(), 0) == 0 ? std::error_code() : LastError();
+}
+
+std::error_code FolderHandle::RenameToFree(const std::string& name, const std::string& free) const {
+    if (renameat2(Number(), name.c_str(), Number(), free.c_str(), RENAME_NOREPLACE) == 0)
+        return {};
+    if (errno != EINVAL && errno != ENOSYS)
+        return LastError();
+    // A file system that cannot do it in one step: a second name is never put in place of another.
+    if (linkat(Number(), name.c_str(), Number(), free.c_str(), 0) != 0)
+        return LastError();
+    return RemoveFile(name);
 }
 
 std::error_code FolderHandle::Sync() const {

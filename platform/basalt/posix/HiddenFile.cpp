@@ -43,6 +43,15 @@ bool HiddenFile::Write(const void* data, std::size_t size) {
     return true;
 }
 
+std::int64_t HiddenFile::Append(const InputFile& source) {
+    constexpr std::size_t kPiece = std::size_t{1} << 30;
+    std::int64_t appended = 0;
+    ssize_t got = 0;
+    while ((got = copy_file_range(source.Number(), nullptr, file.Number(), nullptr, kPiece, 0)) > 0)
+        appended += got;
+    return appended;
+}
+
 bool HiddenFile::TakeOver(const FileOwnership& ownership) {
     return Note(ownership.GiveTo(file));
 }

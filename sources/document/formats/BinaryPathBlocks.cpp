@@ -21,15 +21,6 @@ void WriteBlockHead(TrackByteWriter& out, std::int32_t tag, std::size_t count) {
     out.Write(static_cast<std::int32_t>(count));
 }
 
-std::size_t TickCount(const std::vector<TrackPath>& paths) {
-    std::size_t count = 0;
-    for (const TrackPath& path : paths) {
-        for (const RulerMarks& marks : path.rulerMarks)
-            count += marks.tickStarts.size();
-    }
-    return count;
-}
-
 std::size_t PointCount(const std::vector<TrackPath>& paths) {
     std::size_t count = 0;
     for (const TrackPath& path : paths)
@@ -81,7 +72,7 @@ void WriteSegmentRecords(TrackByteWriter& out, const TrackPath& path, std::size_
 
 void WriteBinaryPathBlocks(TrackByteWriter& out, const std::vector<TrackPath>& paths,
                            const WorldTransform& transform) {
-    WriteBlockHead(out, BinaryTrackLayout::kRulerTag, TickCount(paths));
+    WriteBlockHead(out, BinaryTrackLayout::kRulerTag, RulerTicksHeld(paths));
     RulerRecords rulers(out, transform);
     for (std::size_t i = 0; i < paths.size(); ++i)
         rulers.Write(paths[i], i);

@@ -4,7 +4,6 @@
 #include "document/formats/BinaryTrackLayout.h"
 #include "document/formats/Guarded.h"
 #include "document/formats/HeightRamp.h"
-#include "document/formats/PathPoint.h"
 #include "document/formats/SampleRamp.h"
 #include "document/formats/SampleRange.h"
 #include "document/formats/TargetFile.h"
@@ -170,8 +169,7 @@ Number FieldAt(const std::array<char, kRecordSize>& record, std::size_t offset) 
 /// The point of a segment record; its own index (at 4) and its file coordinates (at 8 and 16) are not used.
 PathPoint PointOf(const std::array<char, kRecordSize>& record) {
     PathPoint point;
-    point.track = FieldAt<std::int32_t>(record, 0);
-    point.relative = {FieldAt<double>(record, 24), FieldAt<double>(record, 32)};
+    point.position = {FieldAt<double>(record, 24), FieldAt<double>(record, 32)};
     point.method = FieldAt<std::int32_t>(record, 40);
     point.length = FieldAt<std::int32_t>(record, 44);
     point.width = FieldAt<std::int32_t>(record, 48);
@@ -187,7 +185,7 @@ void ReadSegments(TrackByteReader& bytes, std::vector<TrackPath>& paths) {
     std::array<char, kRecordSize> record{};
     for (std::int32_t i = 0; i < count; ++i) {
         bytes.Read(record.data(), record.size());
-        AppendPoint(PointOf(record), paths);
+        AppendPoint(FieldAt<std::int32_t>(record, 0), PointOf(record), paths);
     }
 }
 

@@ -6,6 +6,7 @@
 #include "document/formats/CsvSteps.h"
 #include "document/formats/Guarded.h"
 #include "document/formats/HeightColours.h"
+#include "document/formats/RawHeightCheck.h"
 #include "document/formats/TargetFile.h"
 #include "document/formats/WorldTransform.h"
 #include "log/Log.h"
@@ -124,9 +125,11 @@ int PaintHeightMap(CsvScan& scan, HeightColours colours, QImage& image) {
     return row < image.height() ? NotEnough() : 0;
 }
 
+/// Reads the raw heights, each row by `fillRow`, which is given the line and the row's number.
 /// @param rows how many rows the file's map has
+template<typename FillRow>
 int ReadRows(const std::string& path, const TrackInfo& info, HeightMap& heights, std::int64_t& size,
-             std::int64_t& rows) {
+             std::int64_t& rows, FillRow fillRow) {
     CsvScan scan(path);
     if (!scan.IsOpen())
         return NoFile(path);
@@ -138,10 +141,18 @@ int ReadRows(const std::string& path, const TrackInfo& info, HeightMap& heights,
     heights.assign(width * static_cast<std::size_t>(info.height), kNoMeasurement);
     size = std::int64_t{info.width} * info.width;
     for (rows = 0; scan.NextInSection(); ++rows) {
-        if (ExtractRowPixelData(scan.Line(), rows, info.width, info.zOffset, info.zResolution, heights) != 0)
+        if (fillRow(scan.Line(), rows) != 0)
             return 1;
     }
     return 0;
+}
+
+int CheckHeights(const RawHeightCheck& check) {
+    const std::string failure = check.Failure();
+    if (failure.empty())
+        return 0;
+    LOG_LINE(ERROR) << failure;
+    return 1;
 }
 
 } // namespace
@@ -172,17 +183,24 @@ int ConvertCSV::ReadHeightMap(const std::string& path, TrackInfo info, HeightMap
                               std::int64_t& size) {
     return Guarded(kImageTag, [&] {
         std::int64_t rows = 0;
-        return ReadRows(path, info, heights, size, rows);
+        return ReadRows(path, info, heights, size, rows, [&](const CsvLine& line, std::int64_t row) {
+            return ExtractRowPixelData(line, row, info.width, info.zOffset, info.zResolution, heights);
+        });
     });
 }
 
-int ConvertCSV::ReadWholeHeightMap(const std::string& path, const TrackInfo& info, HeightMap& heights,
-                                   std::int64_t& size) {
+int ConvertCSV::ReadHeightMapToStore(const std::string& path, const TrackInfo& info, HeightMap& heights,
+                                     std::int64_t& size) {
     return Guarded(kImageTag, [&] {
         std::int64_t rows = 0;
-        if (ReadRows(path, info, heights, size, rows) != 0)
-            return 1;
-        return rows < info.height ? NotEnough() : 0;
+        RawHeightCheck check(info.zOffset, info.zResolution);
+        const int result =
+            ReadRows(path, info, heights, size, rows, [&](const CsvLine& line, std::int64_t row) {
+                return ExtractRowPixelData(line, row, info.width, check, heights);
+            });
+        if (result != 0)
+            return result;
+        return rows < info.height ? NotEnough() : CheckHeights(check);
     });
 }
 

@@ -10,9 +10,10 @@ class ConvertCSV final : public Converter {
                   QImage& image) override;
     int ReadHeightMap(const std::string& path, TrackInfo info, HeightMap& heights,
                       std::int64_t& size) override;
-    /// The same, but a map that lacks rows is a failure, as for an image.
-    int ReadWholeHeightMap(const std::string& path, const TrackInfo& info, HeightMap& heights,
-                           std::int64_t& size);
+    /// The same for a map that is to be stored in raw values alone. A map that lacks rows is a failure, as
+    /// for an image; so is one that would not survive it (RawHeightCheck), and the log says at which cell.
+    int ReadHeightMapToStore(const std::string& path, const TrackInfo& info, HeightMap& heights,
+                             std::int64_t& size);
     /// Whether the file has the section that `ReadPath` reads.
     [[nodiscard]] static bool HasPathSection(const std::string& path);
     int ReadPath(const std::string& path, std::vector<TrackPath>& paths) override;

@@ -10,8 +10,11 @@
 
 namespace {
 
-/// One line of numbers joined by commas: integers in full, others in the general format with 6 significant
-/// digits, whatever the process's locale.
+constexpr int kSignificantDigits = 6;
+constexpr int kRoundTripDigits = 17; ///< by which every double reads back as it was
+
+/// One line of numbers joined by commas: integers in full, others in the general format, whatever the
+/// process's locale.
 class NumberLine {
   public:
     explicit NumberLine(AtomicFile& atomicFile) : file(atomicFile) {}
@@ -21,14 +24,15 @@ class NumberLine {
         return Take(std::to_chars(text.data(), text.data() + text.size(), number));
     }
 
-    NumberLine& Add(double number) {
-        constexpr int kSignificantDigits = 6;
+    NumberLine& Add(double number, int digits = kSignificantDigits) {
         Begin();
         return Take(std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::general,
-                                  kSignificantDigits));
+                                  digits));
     }
 
-    NumberLine& Add(const QPointF& point) { return Add(double{point.x()}).Add(double{point.y()}); }
+    NumberLine& Add(const QPointF& point, int digits = kSignificantDigits) {
+        return Add(double{point.x()}, digits).Add(double{point.y()}, digits);
+    }
 
     void End() {
         file.Write("\n");
@@ -77,14 +81,18 @@ class PathSections {
     PathSections(AtomicFile& atomicFile, const WorldTransform& worldTransform)
         : file(atomicFile), line(atomicFile), transform(worldTransform) {}
 
-    void Write(const std::vector<TrackPath>& paths) {
+    void WriteRulerSection(const std::vector<TrackPath>& paths) {
         file.Write("Ruler\nRuler,Track,Segment,X1,Y1,X2,Y2,Method,Width\n");
         for (std::size_t i = 0; i < paths.size(); ++i)
             WriteRulers(paths[i], i);
         file.Write("End\n\n");
+    }
+
+    /// @param digits of the relative coordinates, which are what is read back
+    void WriteSegmentSection(const std::vector<TrackPath>& paths, int digits) {
         file.Write("Segment\nTrack,Segment,X,Y,RelativeX,RelativeY,Method,Length,Width,Space\n");
         for (std::size_t i = 0; i < paths.size(); ++i)
-            WritePoints(paths[i], i);
+            WritePoints(paths[i], i, digits);
         file.Write("End\n");
     }
 
@@ -103,10 +111,10 @@ class PathSections {
         }
     }
 
-    void WritePoints(const TrackPath& path, std::size_t pathIndex) {
+    void WritePoints(const TrackPath& path, std::size_t pathIndex, int digits) {
         for (std::size_t point = 0; point < path.points.size(); ++point) {
             line.Add(Index(pathIndex)).Add(Index(point));
-            line.Add(transform.PointOf(path.points[point])).Add(path.points[point]);
+            line.Add(transform.PointOf(path.points[point])).Add(path.points[point], digits);
             for (const std::vector<int>* list : {&path.methods, &path.lengths, &path.widths, &path.spaces})
                 line.Add(std::int64_t{list->at(point)});
             line.End();
@@ -131,6 +139,17 @@ int WriteCsvPaths(const std::string& original, const std::string& target, const 
         return kTargetNotWritable;
     if (!CopyUpToRulers(lines, file))
         file.Write("Anchor\nX,Y,Angle\n0,0,0\nEnd\n\n");
-    PathSections(file, transform).Write(paths);
+    PathSections sections(file, transform);
+    sections.WriteRulerSection(paths);
+    sections.WriteSegmentSection(paths, kSignificantDigits);
+    return CommitTarget(file, target);
+}
+
+int WriteCsvPathsAlone(const std::string& target, const std::vector<TrackPath>& paths) {
+    AtomicFile file(target);
+    if (!file.IsOpen())
+        return kTargetNotWritable;
+    const WorldTransform none;
+    PathSections(file, none).WriteSegmentSection(paths, kRoundTripDigits);
     return CommitTarget(file, target);
 }

@@ -13,3 +13,9 @@
 /// @throws std::exception for a line that cannot be split, and for a path whose parallel lists are too short
 int WriteCsvPaths(const std::string& original, const std::string& target, const std::vector<TrackPath>& paths,
                   const WorldTransform& transform);
+
+/// Writes paths without a track: a text file of their section alone, whose points read back bit for bit.
+/// Their world coordinates are unknown, and are written as the relative ones.
+/// @return kWritten or kTargetNotWritable, where the target is as it was
+/// @throws std::exception for a path whose parallel lists are too short
+int WriteCsvPathsAlone(const std::string& target, const std::vector<TrackPath>& paths);

@@ -1,7 +1,6 @@
 #include "document/formats/CsvPaths.h"
 
 #include "document/formats/CsvLine.h"
-#include "document/formats/PathPoint.h"
 
 #include <array>
 #include <stdexcept>
@@ -31,11 +30,10 @@ Fields PathFields(const CsvLine& line) {
 void AppendPathPoint(const CsvLine& line, std::vector<TrackPath>& paths) {
     const Fields fields = PathFields(line);
     PathPoint point;
-    point.track = ToInt32(fields[Track]);
-    point.relative = {ToDouble(fields[RelativeX]), ToDouble(fields[RelativeY])};
+    point.position = {ToDouble(fields[RelativeX]), ToDouble(fields[RelativeY])};
     point.method = ToInt32(fields[Method]);
     point.length = ToInt32(fields[Length]);
     point.width = ToInt32(fields[Width]);
     point.space = ToInt32(fields[Space]);
-    AppendPoint(point, paths);
+    AppendPoint(ToInt32(fields[Track]), point, paths);
 }

@@ -4,6 +4,7 @@
 #include "document/formats/HeightColours.h"
 #include "document/formats/HeightRange.h"
 #include "document/formats/RawHeight.h"
+#include "document/formats/RawHeightCheck.h"
 #include "document/formats/TrackInfo.h"
 #include "log/Log.h"
 
@@ -56,6 +57,27 @@ void WidenRange(CsvFields& fields, HeightRange& range) {
         else if (fields.NextNumber(height))
             range.Add(height);
     }
+}
+
+/// Fills one row of raw heights with what `rawValue` makes of a column and its height.
+template<typename RawValue>
+int FillRow(const CsvLine& line, std::int64_t row, std::int32_t width, HeightMap& heights,
+            RawValue rawValue) {
+    return Guarded("[ExtractRowPixelData] (EXCEPTION) ", [&] {
+        if (!line.HasFields())
+            return EmptyRow(row);
+        const auto cells = static_cast<std::int64_t>(heights.size());
+        if (row < 0 || width <= 0 || row >= cells / width)
+            return InvalidRow(row);
+        CsvFields fields(line);
+        fields.Next();
+        auto cell = heights.begin() + row * width;
+        for (std::int32_t column = 0; column < width && fields.HasNext(); ++column, ++cell) {
+            double height = 0.0;
+            *cell = fields.NextNumber(height) ? rawValue(column, height) : kNoMeasurement;
+        }
+        return 0;
+    });
 }
 
 } // namespace
@@ -143,19 +165,14 @@ int ExtractRowPixelValues(const CsvLine& line, std::int64_t row, HeightColours& 
 
 int ExtractRowPixelData(const CsvLine& line, std::int64_t row, std::int32_t width, double zOffset,
                         double zResolution, HeightMap& heights) {
-    return Guarded("[ExtractRowPixelData] (EXCEPTION) ", [&] {
-        if (!line.HasFields())
-            return EmptyRow(row);
-        const auto cells = static_cast<std::int64_t>(heights.size());
-        if (row < 0 || width <= 0 || row >= cells / width)
-            return InvalidRow(row);
-        CsvFields fields(line);
-        fields.Next();
-        auto cell = heights.begin() + row * width;
-        for (std::int32_t column = 0; column < width && fields.HasNext(); ++column, ++cell) {
-            double height = 0.0;
-            *cell = fields.NextNumber(height) ? RawHeight(height, zOffset, zResolution) : kNoMeasurement;
-        }
-        return 0;
+    return FillRow(line, row, width, heights, [&](std::int32_t /*column*/, double height) {
+        return RawHeight(height, zOffset, zResolution);
+    });
+}
+
+int ExtractRowPixelData(const CsvLine& line, std::int64_t row, std::int32_t width, RawHeightCheck& check,
+                        HeightMap& heights) {
+    return FillRow(line, row, width, heights, [&](std::int32_t column, double height) {
+        return check.RawValueOf({row, column, height});
     });
 }

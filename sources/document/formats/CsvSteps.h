@@ -8,6 +8,7 @@
 
 class HeightColours;
 class QImage;
+class RawHeightCheck;
 struct TrackInfo;
 struct TrackPath;
 
@@ -30,3 +31,7 @@ int ExtractRowPixelValues(const CsvLine& line, std::int64_t row, HeightColours& 
 /// Fills one row of raw heights. Cells that the row does not have stay as they are.
 int ExtractRowPixelData(const CsvLine& line, std::int64_t row, std::int32_t width, double zOffset,
                         double zResolution, HeightMap& heights);
+
+/// The same for a map that is to be stored: `check` sees each height on its way.
+int ExtractRowPixelData(const CsvLine& line, std::int64_t row, std::int32_t width, RawHeightCheck& check,
+                        HeightMap& heights);

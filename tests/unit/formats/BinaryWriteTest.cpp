@@ -206,6 +206,21 @@ TEST_F(BinaryUpdate, copiesALargeMap) {
     EXPECT_TRUE(Updated(BinaryFile(original), SamplePaths()) == BinaryFile(LargeTrack()));
 }
 
+/// Maps are copied in pieces of 65,536 cells.
+TEST_F(BinaryUpdate, copiesMapsThatDoNotFillTheirLastPiece) {
+    for (const int cells : {1, 2, 65'535, 65'536, 65'537, 131'073}) {
+        Track track = SampleTrack();
+        track.width = cells;
+        track.height = 1;
+        track.cells.clear();
+        for (int i = 0; i < cells; ++i)
+            track.cells.push_back(static_cast<std::int16_t>(i * 7919 + 1));
+        Track expected = track;
+        SetRecords(expected, SamplePaths(), SampleTransform());
+        EXPECT_TRUE(Updated(BinaryFile(track), SamplePaths()) == BinaryFile(expected)) << cells;
+    }
+}
+
 TEST_F(BinaryUpdate, ofTheRealTrackIsAsTheIndependentWriterMakesIt) {
     const std::string content = FileContent(TestData("fault-binary.trk"));
     Track expected = independent::ReadBinary(content);

@@ -1,6 +1,7 @@
 #include "document/formats/ConvertBIN.h"
 #include "document/formats/ConvertCSV.h"
 #include "document/formats/Converter.h"
+#include "document/formats/TrackEncoding.h"
 
 #include "LogCapture.h"
 #include "TemporaryFolder.h"
@@ -124,6 +125,17 @@ TEST_F(CreateConverterTest, neverWritesAWholeTextTrack) {
     WriteFile("a.trk", "before");
     EXPECT_EQ(CreateConverter("none")->WriteTrack("a.trk", {}, {}, 0, {}, 1, 0, 0, 1, 1), -1);
     EXPECT_EQ(FileContent("a.trk"), "before");
+}
+
+TEST(EncodingOf, isNoneForWhatCannotBeOpened) {
+    const TemporaryFolder folder;
+    LogCapture log;
+    std::filesystem::create_directory("folder");
+    EXPECT_EQ(EncodingOf("folder"), std::nullopt);
+    EXPECT_EQ(EncodingOf("missing"), std::nullopt);
+    EXPECT_EQ(EncodingOf(TestData("fault.trk")), TrackEncoding::Text);
+    EXPECT_EQ(EncodingOf(TestData("fault-binary.trk")), TrackEncoding::Binary);
+    EXPECT_THAT(log.Lines(), testing::IsEmpty());
 }
 
 TEST(ConverterInterface, hasNeitherDataNorAVirtualDestructor) {

@@ -1,3 +1,4 @@
+#include "document/formats/CsvPathWriter.h"
 #include "document/formats/ConvertCSV.h"
 
 #include "DocumentSamples.h"
@@ -262,6 +263,52 @@ TEST_F(CsvUpdate, neverWritesAWholeTrack) {
     EXPECT_EQ(
         converter.WriteTrack("a.trk", InfoOf(SampleTrack()), SampleTrack().cells, 25, {}, 1, 0, 0, 1, 1), -1);
     EXPECT_THAT(NamesHere(), IsEmpty());
+}
+
+using CsvPathsAlone = UpdateTest<ConvertCSV>;
+
+TEST_F(CsvPathsAlone, areTheSegmentSection) {
+    TrackPath path;
+    path.points = {{0.5, 0.1}, {1.0 / 3.0, 12345678.75}};
+    path.methods = {1, 2};
+    path.lengths = {100, 101};
+    path.widths = {50, 51};
+    path.spaces = {99, 98};
+    path.rulerMarks.resize(1);
+    path.rulerMarks[0].tickStarts = {{0.5, 0.25}};
+    path.rulerMarks[0].tickEnds = {{0.75, 1}};
+    EXPECT_EQ(WriteCsvPathsAlone("a.csv", {path}), 0);
+    EXPECT_EQ(FileContent("a.csv"),
+              "Segment\nTrack,Segment,X,Y,RelativeX,RelativeY,Method,Length,Width,Space\n"
+              "0,0,0.5,0.1,0.5,0.10000000000000001,1,100,50,99\n"
+              "0,1,0.333333,1.23457e+07,0.33333333333333331,12345678.75,2,101,51,98\n"
+              "End\n");
+}
+
+TEST_F(CsvPathsAlone, readBackBitForBit) {
+    std::mt19937_64 random(3);
+    std::uniform_real_distribution<double> place(-1, 2);
+    std::vector<TrackPath> paths(5);
+    for (TrackPath& path : paths) {
+        for (int point = 0; point < 200; ++point)
+            path.points.emplace_back(place(random), std::ldexp(place(random), point - 100));
+        path.methods.assign(200, 1);
+        path.lengths.assign(200, -2147483647 - 1);
+        path.widths.assign(200, 2147483647);
+        path.spaces.assign(200, 0);
+    }
+    EXPECT_EQ(WriteCsvPathsAlone("a.csv", paths), 0);
+    std::vector<TrackPath> read;
+    EXPECT_EQ(converter.ReadPath("a.csv", read), 0);
+    ExpectSamePaths(read, paths);
+}
+
+TEST_F(CsvPathsAlone, leaveTheTargetWhenItCannotBeWritten) {
+    EXPECT_EQ(WriteCsvPathsAlone("missing/a.csv", {}), kTargetNotWritable);
+    WriteFile("a.csv", "old");
+    const FileSizeLimit full(10);
+    EXPECT_EQ(WriteCsvPathsAlone("a.csv", {}), kTargetNotWritable);
+    EXPECT_EQ(FileContent("a.csv"), "old");
 }
 
 } // namespace

@@ -163,4 +163,63 @@ TEST_F(ReadTextHeightMap, logsTheTokenizersComplaintsLikeTheImage) {
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: [ReadImageFromCsv] (EXCEPTION) unknown escape sequence"));
 }
 
+/// The same files, read to be stored in raw values alone.
+class ReadTextHeightMapToStore : public ReadTextHeightMap {
+  protected:
+    int ReadToStore(const std::string& content) {
+        WriteFile("a.trk", content);
+        return ConvertCSV().ReadHeightMapToStore("a.trk", info, heights, size);
+    }
+
+    int ReadRowsToStore(const std::string& rows, double zResolution, double zOffset = 0.0) {
+        info = InfoOfSize(3, 2);
+        info.zResolution = zResolution;
+        info.zOffset = zOffset;
+        return ReadToStore("YX,0,1,2\n" + rows + "End\n");
+    }
+};
+
+TEST_F(ReadTextHeightMapToStore, givesTheSameMapAndSize) {
+    info.zResolution = 0.03125;
+    EXPECT_EQ(ReadToStore(SmallTrack()), 0);
+    EXPECT_THAT(heights, ElementsAre(200, -32768, 201, 200, 201, 201)); // (1.25 + 5) x 32 and up to 201.92
+    EXPECT_EQ(size, 9);
+    EXPECT_THAT(log.Lines(), IsEmpty());
+}
+
+TEST_F(ReadTextHeightMapToStore, refusesAMapThatLacksRows) {
+    EXPECT_EQ(ReadToStore(Replaced(SmallTrack(), "10.1,1.27,1.29,1.31\n", "")), 1);
+    EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Height map data is no enough"));
+}
+
+TEST_F(ReadTextHeightMapToStore, refusesAResolutionOfZero) {
+    EXPECT_EQ(ReadRowsToStore("0,,5,6\n1,7,8,9\n", 0.0, 2.5), 1);
+    EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Cannot store row=0 column=1 height=5: ZResolution=0 and "
+                                         "ZOffset=2.5 give it no raw value"));
+}
+
+TEST_F(ReadTextHeightMapToStore, refusesHeightsThatWouldAllBecomeOne) {
+    EXPECT_EQ(ReadRowsToStore("0,5,5,\n1,5,8.25,9\n", 10.0), 1);
+    EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Cannot store row=1 column=1 height=8.25: with "
+                                         "ZResolution=10 all heights become the raw value 0"));
+}
+
+TEST_F(ReadTextHeightMapToStore, refusesHeightsBeyondSixteenBits) {
+    EXPECT_EQ(ReadRowsToStore("0,5,20,32\n1,33,70,40\n", 0.001), 1);
+    EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Cannot store row=1 column=0 height=33: its raw value 33000 "
+                                         "is beyond 16 bits"));
+}
+
+/// Reading alone stays as tolerant as it was.
+TEST_F(ReadTextHeightMapToStore, refusesWhatReadingStillTakes) {
+    EXPECT_EQ(ReadRowsToStore("0,1,40000,2\n1,1,1,1\n", 1.0), 1);
+    EXPECT_EQ(ConvertCSV().ReadHeightMap("a.trk", info, heights, size), 0);
+    EXPECT_THAT(heights, ElementsAre(1, 32767, 2, 1, 1, 1));
+}
+
+TEST_F(ReadTextHeightMapToStore, takesAMapWithoutAnyMeasurement) {
+    EXPECT_EQ(ReadRowsToStore("0,,,\n1,nan,,inf\n", 0.0), 0);
+    EXPECT_THAT(log.Lines(), IsEmpty());
+}
+
 } // namespace

@@ -1,5 +1,6 @@
 #include "basalt/FileReplacement.h"
 
+#include "FileSizeLimit.h"
 #include "TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -58,6 +59,56 @@ TEST(ReplaceFile, refusesWhatIsNoFile) {
     EXPECT_EQ(ReplaceFile("from", "folder"), std::errc::not_supported);
     EXPECT_EQ(ReplaceFile("gone", "from"), std::errc::no_such_file_or_directory);
     EXPECT_EQ(FileContent("from"), "new");
+}
+
+/// Larger than a piece, and than what is copied at once.
+std::string ManyBytes() {
+    std::string bytes;
+    for (unsigned i = 0; i < 300'000; ++i)
+        bytes += static_cast<char>(i * 7919 >> 3);
+    return bytes;
+}
+
+TEST(CopyFile, copiesEveryByte) {
+    const TemporaryFolder folder;
+    for (const std::string& content :
+         {std::string(), std::string("x"), std::string(65'536, 'y'), ManyBytes()}) {
+        WriteFile("from", content);
+        EXPECT_EQ(CopyFile("from", "to"), kDone);
+        EXPECT_TRUE(FileContent("to") == content);
+        EXPECT_TRUE(FileContent("from") == content);
+    }
+}
+
+/// Files that say they are empty, and are not, are read to their end; such a copy is not the file that was
+/// announced.
+TEST(CopyFile, refusesAFileWhoseSizeIsAnother) {
+    const TemporaryFolder folder;
+    WriteFile("to", "old");
+    EXPECT_EQ(CopyFile("/proc/self/status", "to"), std::errc::resource_unavailable_try_again);
+    EXPECT_EQ(FileContent("to"), "old");
+}
+
+TEST(CopyFile, leavesTheTargetOnAFullDisk) {
+    const TemporaryFolder folder;
+    WriteFile("from", ManyBytes());
+    WriteFile("to", "old");
+    for (const rlim_t size : {rlim_t{0}, rlim_t{1}, rlim_t{65'536}, rlim_t{299'999}}) {
+        const FileSizeLimit full(size);
+        EXPECT_EQ(CopyFile("from", "to"), std::errc::file_too_large) << size;
+        EXPECT_EQ(FileContent("to"), "old");
+    }
+    EXPECT_EQ(std::distance(fs::directory_iterator("."), fs::directory_iterator()), 2);
+}
+
+TEST(CopyFile, refusesWhatIsNoFile) {
+    const TemporaryFolder folder;
+    fs::create_directory("folder");
+    EXPECT_EQ(CopyFile("missing", "to"), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(CopyFile("folder", "to"), std::errc::is_a_directory);
+    WriteFile("from", "new");
+    EXPECT_EQ(CopyFile("from", "folder"), std::errc::is_a_directory);
+    EXPECT_EQ(CopyFile("from", "missing/to"), std::errc::no_such_file_or_directory);
 }
 
 } // namespace

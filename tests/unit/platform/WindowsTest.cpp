@@ -1,3 +1,4 @@
+#include "LockFolders.h"
 #include "TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -20,9 +21,9 @@ namespace {
 
 class MutexTest : public ::testing::Test {
   protected:
-    MutexTest() : runtime(folder.Path("runtime")) {
-        ::mkdir(runtime.c_str(), 0700);
-        ::setenv("XDG_RUNTIME_DIR", runtime.c_str(), 1);
+    MutexTest() : instance(folder.Path("instance")) {
+        ::mkdir(instance.c_str(), 0700);
+        ::setenv("CORVANE_INSTANCE", instance.c_str(), 1);
     }
 
     /// Runs `work` in a process of its own, which then holds what it has until it is killed.
@@ -53,7 +54,7 @@ class MutexTest : public ::testing::Test {
     }
 
     TemporaryFolder folder;
-    std::string runtime;
+    std::string instance;
 };
 
 TEST_F(MutexTest, FirstMakesItAndSecondFindsIt) {
@@ -104,7 +105,7 @@ TEST_F(MutexTest, NamesThatCouldLeaveTheFolderAreRefused) {
         EXPECT_EQ(CreateMutexW(nullptr, FALSE, name), nullptr);
         EXPECT_EQ(GetLastError(), ERROR_INVALID_NAME);
     }
-    EXPECT_TRUE(::rmdir(runtime.c_str()) == 0); // nothing was made in it
+    EXPECT_TRUE(::rmdir(instance.c_str()) == 0); // nothing was made in it
 }
 
 TEST_F(MutexTest, NullHandleCannotBeClosed) {
@@ -175,13 +176,13 @@ TEST_F(MutexTest, ProgramsStartedMeanwhileDoNotHoldIt) {
 TEST_F(MutexTest, LockFileIsPrivateAndStays) {
     CloseHandle(CreateMutexW(nullptr, FALSE, L"corvane"));
     struct stat state {};
-    ASSERT_EQ(::stat((runtime + "/corvane.lock").c_str(), &state), 0);
+    ASSERT_EQ(::stat((instance + "/corvane.lock").c_str(), &state), 0);
     EXPECT_EQ(state.st_mode, static_cast<mode_t>(S_IFREG | S_ISVTX | 0600));
 }
 
 TEST_F(MutexTest, LinkInPlaceOfTheLockFileIsNotFollowed) {
     WriteFile(folder.Path("precious"), "keep");
-    ASSERT_EQ(::symlink(folder.Path("precious").c_str(), (runtime + "/corvane.lock").c_str()), 0);
+    ASSERT_EQ(::symlink(folder.Path("precious").c_str(), (instance + "/corvane.lock").c_str()), 0);
     EXPECT_EQ(CreateMutexW(nullptr, FALSE, L"corvane"), nullptr);
     EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
     struct stat state {};
@@ -191,45 +192,63 @@ TEST_F(MutexTest, LinkInPlaceOfTheLockFileIsNotFollowed) {
 }
 
 TEST_F(MutexTest, FolderInPlaceOfTheLockFileIsRefused) {
-    ::mkdir((runtime + "/corvane.lock").c_str(), 0700);
+    ::mkdir((instance + "/corvane.lock").c_str(), 0700);
     EXPECT_EQ(CreateMutexW(nullptr, FALSE, L"corvane"), nullptr);
     EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
 }
 
 TEST_F(MutexTest, PipeInPlaceOfTheLockFileIsRefused) {
-    ASSERT_EQ(::mkfifo((runtime + "/corvane.lock").c_str(), 0600), 0);
+    ASSERT_EQ(::mkfifo((instance + "/corvane.lock").c_str(), 0600), 0);
     EXPECT_EQ(CreateMutexW(nullptr, FALSE, L"corvane"), nullptr);
     EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
 }
 
-/// A runtime directory that is not this user's alone, or none at all, is left alone for another one, where
-/// the mutex is as good.
-TEST_F(MutexTest, UnusableRuntimeDirectoriesArePassedOver) {
-    ASSERT_EQ(::symlink(runtime.c_str(), folder.Path("link").c_str()), 0);
-    ::mkdir(folder.Path("open").c_str(), 0700);
-    ::chmod(folder.Path("open").c_str(), 0755);
-    ::mkdir(folder.Path("group").c_str(), 0700);
-    ::chmod(folder.Path("group").c_str(), 0710);
+TEST_F(MutexTest, OtherInstanceFoldersHaveOtherMutexes) {
+    const HANDLE one = CreateMutexW(nullptr, FALSE, L"corvane");
+    ::mkdir("other", 0700);
+    ::setenv("CORVANE_INSTANCE", folder.Path("other").c_str(), 1);
+    const HANDLE other = CreateMutexW(nullptr, FALSE, L"corvane");
+    EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
+    CloseHandle(other);
+    CloseHandle(one);
+}
+
+TEST_F(MutexTest, InstanceFolderThatIsNotThisUsersAloneIsRefused) {
+    ASSERT_EQ(::symlink(instance.c_str(), folder.Path("link").c_str()), 0);
+    ::mkdir("open", 0700);
+    ::chmod("open", 0755);
+    ::mkdir("group", 0700);
+    ::chmod("group", 0710);
     ::mkdir("relative", 0700);
+    for (const std::string& given : {folder.Path("absent"), folder.Path("link"), folder.Path("open"),
+                                     folder.Path("group"), std::string("relative")}) {
+        ::setenv("CORVANE_INSTANCE", given.c_str(), 1);
+        EXPECT_EQ(CreateMutexW(nullptr, FALSE, L"corvane"), nullptr) << given;
+        EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED) << given;
+        EXPECT_NE(::access((given + "/corvane.lock").c_str(), F_OK), 0) << given;
+    }
+}
+
+/// Its files have a name of their own in the user's own places, and are removed afterwards.
+TEST_F(MutexTest, HoldsForTheUserWhateverTheRuntimeDirectory) {
     const std::string name = "corvane-test-" + std::to_string(::getpid());
     const std::wstring wide(name.begin(), name.end());
-    for (const std::string& directory : {folder.Path("absent"), folder.Path("link"), folder.Path("open"),
-                                         folder.Path("group"), std::string("relative"), std::string()}) {
-        ::setenv("XDG_RUNTIME_DIR", directory.c_str(), 1);
-        const HANDLE first = CreateMutexW(nullptr, FALSE, wide.c_str());
-        EXPECT_NE(first, nullptr) << directory;
-        EXPECT_EQ(GetLastError(), ERROR_SUCCESS) << directory;
-        ::unsetenv("XDG_RUNTIME_DIR");
+    ::unsetenv("CORVANE_INSTANCE");
+    ::unsetenv("XDG_RUNTIME_DIR");
+    const HANDLE first = CreateMutexW(nullptr, FALSE, wide.c_str());
+    EXPECT_NE(first, nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
+    for (const std::string& given :
+         {instance, folder.Path("absent"), std::string("relative"), std::string()}) {
+        ::setenv("XDG_RUNTIME_DIR", given.c_str(), 1);
         const HANDLE second = CreateMutexW(nullptr, FALSE, wide.c_str());
-        EXPECT_EQ(GetLastError(), ERROR_ALREADY_EXISTS) << directory;
+        EXPECT_EQ(GetLastError(), ERROR_ALREADY_EXISTS) << given;
         CloseHandle(second);
-        CloseHandle(first);
-        EXPECT_EQ(FileContent(directory + "/" + name + ".lock"), "");
-        EXPECT_NE(::access((directory + "/" + name + ".lock").c_str(), F_OK), 0) << directory;
     }
-    const std::string user = std::to_string(::geteuid());
-    ::unlink(("/run/user/" + user + "/" + name + ".lock").c_str());
-    ::unlink(("/tmp/corvane-" + user + "/" + name + ".lock").c_str());
+    CloseHandle(first);
+    EXPECT_TRUE(::rmdir(instance.c_str()) == 0); // nothing was made in it
+    for (const FolderHandle& place : OpenLockFolders())
+        EXPECT_EQ(::unlinkat(place.Number(), (name + ".lock").c_str(), 0), 0);
 }
 
 TEST(FopenSTest, OpensEmptiesAndReportsFailures) {

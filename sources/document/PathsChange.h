@@ -1,0 +1,69 @@
+#pragma once
+
+#include "document/SegmentParameter.h"
+
+#include <QPointF>
+
+#include <variant>
+
+/// The place of a point in a list of paths.
+struct PointIndex {
+    int path = 0;
+    int point = 0;
+
+    friend bool operator==(const PointIndex&, const PointIndex&) = default;
+};
+
+/// A path was added after all others.
+struct PathAppended {
+    int path;
+};
+
+/// The last path was removed.
+struct LastPathRemoved {
+    int path; ///< the index it had
+};
+
+/// A point was inserted; those after it in its path moved up by one.
+struct PointInserted {
+    PointIndex at;
+};
+
+/// The point that was at `at` was removed; those after it in its path moved down by one.
+struct PointRemoved {
+    PointIndex at;
+};
+
+/// A point is at another position.
+struct PointMoved {
+    PointIndex at;
+    QPointF before; ///< where it was, normalised to the canvas
+};
+
+/// A parameter of one point, and so of the segment that it starts, was set.
+struct ParameterSet {
+    PointIndex at;
+    SegmentParameter parameter;
+};
+
+/// A parameter of every point of every path was set.
+struct ParameterSetEverywhere {
+    SegmentParameter parameter;
+};
+
+/// The number of closed paths is another.
+struct FinishedCountSet {};
+
+/// All paths were replaced by others.
+struct AllPathsReplaced {};
+
+/// What changed in a list of paths, said after the change. What is kept for single paths, points or segments
+/// follows from this what to forget.
+using PathsChange = std::variant<PathAppended, LastPathRemoved, PointInserted, PointRemoved, PointMoved,
+                                 ParameterSet, ParameterSetEverywhere, FinishedCountSet, AllPathsReplaced>;
+
+/// Builds a visitor for a PathsChange from one lambda for each kind of change.
+template<typename... Handlers>
+struct ChangeHandlers : Handlers... {
+    using Handlers::operator()...;
+};

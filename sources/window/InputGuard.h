@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QObject>
+
+class QComboBox;
+class QWidget;
+
+/// Keeps a stray turn of the wheel, or a key that was meant for something else, from choosing anything: what
+/// a list chooses takes effect at once.
+class InputGuard final : public QObject {
+  public:
+    using QObject::QObject;
+
+    /// The wheel over this list or spin box does nothing.
+    void ignoreWheel(QWidget& control);
+    /// On the closed list, letters and arrows open it instead of choosing.
+    void openByKeys(QComboBox& list);
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    QComboBox* openedByKeys = nullptr;
+};

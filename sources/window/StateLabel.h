@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QLabel>
+
+/// Says in the status bar what would be lost without further work: an edit that is in no file, or a saved
+/// track that was not sent.
+class StateLabel final : public QLabel {
+    Q_OBJECT
+
+  public:
+    /// @param keptFolder where copies of what is discarded are kept, for the tool tip
+    StateLabel(const QString& keptFolder, QWidget* parent);
+
+    /// @param modified the open track has edits that were not saved
+    /// @param unsent the workspace holds a saved track that was not sent
+    void showState(bool modified, bool unsent);
+};

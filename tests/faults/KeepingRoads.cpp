@@ -1,0 +1,150 @@
+#include "Road.h"
+
+namespace {
+
+const independent::Track& Original() {
+    static const independent::Track track = OperatorTrack(120, 80);
+    return track;
+}
+
+const std::string& Binary() {
+    static const std::string file = independent::BinaryFile(Original());
+    return file;
+}
+
+FileTree Tracks() {
+    return {{"a.trk", Binary()}, {"text.trk", independent::TextFile(Original())}};
+}
+
+FileTree Desk(const FileTree& tracks) {
+    return {{"station.osbak", BackupArchive(tracks)}, {"mine.trk", "mine"}};
+}
+
+FileTree OnDesk(const FileTree& tracks) {
+    FileTree files;
+    for (const auto& [name, content] : Desk(tracks))
+        files[kDesk + name] = content;
+    return files;
+}
+
+bool Never(const std::string& /*content*/) {
+    return false;
+}
+
+void OpenAndEdit(WindowOperator& window) {
+    window.LoadBackup(kDesk + "station.osbak");
+    window.Expect("Load backup file successfully.");
+    window.LoadTrack("a.trk");
+    window.Edit();
+}
+
+/// A track is left with unsaved paths, by loading another one.
+class LoadOverUnsaved final : public Road {
+  public:
+    [[nodiscard]] FileTree Before() const override { return OnDesk(Tracks()); }
+    void LeadUp(WindowOperator& window) const override {
+        OpenAndEdit(window);
+        window.Choose("comboBox_file", "text.trk");
+    }
+    void Operate(WindowOperator& window) const override { window.Choose("comboBox_operation", "Load"); }
+    [[nodiscard]] std::string Success() const override { return "Load successfully."; }
+    [[nodiscard]] Problems Check(bool /*finished*/) const override {
+        Problems problems;
+        CheckFolder(problems, kTracks, Tracks(), "", false, Never);
+        CheckFolder(problems, kDesk, Desk(Tracks()), "", false, Never);
+        return problems;
+    }
+};
+
+/// A track is left with unsaved paths by "Reset", which closes everything.
+class ResetOverUnsaved final : public Road {
+  public:
+    [[nodiscard]] FileTree Before() const override { return OnDesk(Tracks()); }
+    void LeadUp(WindowOperator& window) const override { OpenAndEdit(window); }
+    void Operate(WindowOperator& window) const override { window.Click("toolButton_reset"); }
+    [[nodiscard]] std::string Success() const override { return "Reset successfully."; }
+    [[nodiscard]] Problems Check(bool /*finished*/) const override {
+        Problems problems;
+        CheckFolder(problems, kTracks, Tracks(), "", false, Never);
+        CheckFolder(problems, kDesk, Desk(Tracks()), "", false, Never);
+        return problems;
+    }
+};
+
+/// "Delete" of one track after the other.
+class DeleteTrack final : public Road {
+  public:
+    [[nodiscard]] FileTree Before() const override { return OnDesk(Doomed()); }
+    void LeadUp(WindowOperator& window) const override {
+        window.LoadBackup(kDesk + "station.osbak");
+        window.Expect("Load backup file successfully.");
+    }
+    void Operate(WindowOperator& window) const override { window.Choose("comboBox_operation", "Delete"); }
+    [[nodiscard]] std::string Success() const override { return "Delete successfully."; }
+    [[nodiscard]] Problems Check(bool finished) const override {
+        Problems problems;
+        const FileTree now = FilesIn(kTracks);
+        for (const auto& [name, content] : now)
+            if (LooksLikeContent(name) && content != Binary())
+                problems.push_back(kTracks + name + " has changed");
+        if (finished && now.size() == Doomed().size())
+            problems.emplace_back("nothing was deleted");
+        CheckFolder(problems, kDesk, Desk(Doomed()), "", false, Never);
+        return problems;
+    }
+
+  private:
+    static FileTree Doomed() { return {{"1.trk", Binary()}, {"2.trk", Binary()}, {"3.trk", Binary()}}; }
+};
+
+/// "Load Backup" over a workspace with a track that was saved and not sent, and then edited further.
+class LoadBackupOverWork final : public Road {
+  public:
+    [[nodiscard]] FileTree Before() const override { return OnDesk(Tracks()); }
+    void LeadUp(WindowOperator& window) const override {
+        OpenAndEdit(window);
+        window.Choose("comboBox_operation", "Save");
+        window.Expect("Save successfully.");
+        window.Type("lineEdit_lineLength", "44");
+    }
+    void Operate(WindowOperator& window) const override { window.LoadBackup(kDesk + "station.osbak"); }
+    [[nodiscard]] std::string Success() const override { return "Load backup file successfully."; }
+    [[nodiscard]] Problems Check(bool finished) const override {
+        Problems problems;
+        CheckFolder(problems, kDesk, Desk(Tracks()), "", finished, Never);
+        if (finished && FilesIn(kTracks) != Tracks())
+            problems.push_back(kTracks + " is not what the backup holds");
+        return problems;
+    }
+};
+
+/// Whether a reader of the tests' own finds a complete track or backup.
+template<typename Read>
+bool IsComplete(const std::string& content, Read read) {
+    try {
+        static_cast<void>(read(content));
+        return true;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+} // namespace
+
+Problems Road::CheckKept() {
+    Problems problems;
+    for (const auto& [name, content] : FilesIn("../kept"))
+        if (LooksLikeContent(name) && !IsComplete(content, independent::ReadBinary) &&
+            !IsComplete(content, independent::ReadText) && !IsComplete(content, TracksInBackup))
+            problems.push_back("the kept copy " + name + " is not complete");
+    return problems;
+}
+
+std::vector<std::pair<std::string, std::unique_ptr<Road>>> KeepingRoads() {
+    std::vector<std::pair<std::string, std::unique_ptr<Road>>> roads;
+    roads.emplace_back("load-over-unsaved", std::make_unique<LoadOverUnsaved>());
+    roads.emplace_back("reset-over-unsaved", std::make_unique<ResetOverUnsaved>());
+    roads.emplace_back("delete-track", std::make_unique<DeleteTrack>());
+    roads.emplace_back("load-backup-over-work", std::make_unique<LoadBackupOverWork>());
+    return roads;
+}
