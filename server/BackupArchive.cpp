@@ -63,6 +63,11 @@ class SentTar {
     bOwned<bTar> tar; ///< goes before its file
 };
 
+/// How many of the bytes that are left go into one piece.
+std::size_t PieceOf(std::int64_t left) {
+    return static_cast<std::size_t>(std::min<std::uint64_t>(static_cast<std::uint64_t>(left), kPiece));
+}
+
 /// Writes the bytes of a file that has to be as it was when its facts were asked for.
 void Copy(InputFile file, const FileFacts& facts, std::vector<char>& piece, SentTar& tar) {
     FileFacts now;
@@ -70,7 +75,7 @@ void Copy(InputFile file, const FileFacts& facts, std::vector<char>& piece, Sent
         return tar.Fail(bERROR_FILE);
     for (std::int64_t left = facts.size; left > 0 && tar.IsGood();) {
         std::size_t count = 0;
-        const auto wanted = static_cast<std::size_t>(std::min<std::int64_t>(left, piece.size()));
+        const auto wanted = PieceOf(left);
         if (!file.Read(piece.data(), wanted, &count) || count < wanted)
             return tar.Fail(bERROR_FILE);
         tar.Write({piece.data(), count});
@@ -81,7 +86,7 @@ void Copy(InputFile file, const FileFacts& facts, std::vector<char>& piece, Sent
 /// Writes as many bytes as a file has.
 void Count(const FileFacts& facts, const std::vector<char>& piece, SentTar& tar) {
     for (std::int64_t left = facts.size; left > 0 && tar.IsGood();) {
-        const auto count = static_cast<std::size_t>(std::min<std::int64_t>(left, piece.size()));
+        const auto count = PieceOf(left);
         tar.Write({piece.data(), count});
         left -= static_cast<std::int64_t>(count);
     }
