@@ -36,9 +36,14 @@ void RequestLog::NoteLeftOut(std::string_view what, const LeftOut& leftOut) {
     std::string names;
     for (const std::string& name : leftOut.names)
         names += (names.empty() ? "" : ", ") + PlainText(name);
+    if (leftOut.count > static_cast<std::int64_t>(leftOut.names.size()))
+        names += ", ...";
+    NoteRemark(std::string(what) + ": " + std::to_string(leftOut.count) + " links and special files (" +
+               names + ")");
+}
+
+void RequestLog::NoteRemark(const std::string& remark) {
     const std::lock_guard lock(mutex);
-    std::fprintf(file, "# %.*s: %" PRId64 " links and special files (%s%s)\n", static_cast<int>(what.size()),
-                 what.data(), leftOut.count, names.c_str(),
-                 leftOut.count > static_cast<std::int64_t>(leftOut.names.size()) ? ", ..." : "");
+    std::fprintf(file, "# %s\n", remark.c_str());
     std::fflush(file);
 }

@@ -29,6 +29,8 @@ class RequestLog final {
     /// @param bodySize bytes of the body that were read
     void Note(std::string_view verb, std::string_view path, std::uint64_t bodySize, unsigned status);
 
+    /// Notes what is of interest beside a request, in a line that begins with "#".
+    void NoteRemark(const std::string& remark);
     /// Notes links and special files that a request did not carry, in a line that begins with "#"; nothing
     /// when there are none.
     void NoteLeftOut(std::string_view what, const LeftOut& leftOut);

@@ -67,17 +67,18 @@ void RestoredBackup::Unpack(OstraSdk::ByteString& bytes) {
     }
 }
 
-LeftOut RestoredBackup::PutInPlace() {
+RestoredBackup::Replaced RestoredBackup::PutInPlace() {
     if (failure)
         std::rethrow_exception(failure);
     CheckUnpacked();
     const Workspace::Snapshot before = workspace.Open();
-    workspace.Replace(std::move(staged.value()));
+    Replaced replaced;
+    replaced.isKept = workspace.Replace(std::move(staged.value()));
     try {
-        return WorkspaceTree(before.folder).LinksLeftOut();
-    } catch (const HttpError&) { // what was replaced cannot be read; the restore is done
-        return {};
+        replaced.links = WorkspaceTree(before.folder).LinksLeftOut();
+    } catch (const HttpError&) { // NOLINT(bugprone-empty-catch): the restore is done, its names are unknown
     }
+    return replaced;
 }
 
 /// Whoever removes a part of what was unpacked, by mistake, must not make that the workspace.

@@ -22,13 +22,17 @@ class RestoredBackup final {
     /// read.
     void Unpack(OstraSdk::ByteString& bytes);
 
+    /// What happened to the content that was the workspace before.
+    struct Replaced {
+        LeftOut links; ///< what it had beside files and folders, and the new one does not have
+        bool isKept = false;
+    };
+
     /// Puts what was unpacked in the workspace's place.
-    /// @return what the workspace had beside files and folders, and the new one does not have
     /// @throws HttpError with status 422 when any of the archive, on either level, is damaged, cut, unsafely
-    /// named or
-    ///         linked, or no workspace; HttpError with status 500 or std::exception when the disk fails. The
-    ///         served workspace is as before then.
-    LeftOut PutInPlace();
+    ///         named or linked, or no workspace; HttpError with status 500 or std::exception when the disk
+    ///         fails. The served workspace is as before then.
+    [[nodiscard]] Replaced PutInPlace();
 
     /// The replay mode that the archive notes.
     [[nodiscard]] std::optional<bool> Replay() const { return replay; }

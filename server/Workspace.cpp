@@ -172,16 +172,18 @@ bool Workspace::TakePlace(const std::string& tree) const {
            (Exchange(tree, target) || ExchangeBySteps(tree, target, Beside("old")));
 }
 
-void Workspace::Replace(StagedFolder staged) {
+bool Workspace::Replace(StagedFolder staged) {
     Generations unused; // removing them may take a while: it happens after the lock is gone
     const std::lock_guard guard(mutex);
     if (!(std::ofstream(staged.Mark()) << IdOf(staged.Tree()) << std::flush) || !TakePlace(staged.Tree()))
         throw std::runtime_error("The workspace cannot be replaced.");
     auto before = std::exchange(current, std::make_shared<Generation>());
-    if (Keep(staged.Tree(), before).empty())
+    const bool isKept = !Keep(staged.Tree(), before).empty();
+    if (!isKept)
         before->RemoveAtLast(staged.Release()); // someone may still read from it
     unused.push_back(std::move(before));
     TakeSurplus(unused);
+    return isKept;
 }
 
 std::string Workspace::PutBack(const std::string& time) {

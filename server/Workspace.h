@@ -70,8 +70,9 @@ class Workspace final {
 
     /// Puts a filled folder in the workspace's place, with the workspace's owner and permissions. The old
     /// content is kept; one that is no longer to be kept is removed when its last snapshot has gone.
+    /// @return whether the old content could be kept
     /// @throws std::runtime_error when that fails; the old workspace is served as before
-    void Replace(StagedFolder staged);
+    [[nodiscard]] bool Replace(StagedFolder staged);
 
     /// The contents that are kept, by the time when each was replaced, the newest first.
     [[nodiscard]] std::vector<std::string> Kept() const { return kept.Times(); }

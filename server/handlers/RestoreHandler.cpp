@@ -22,8 +22,10 @@ Answer RestoreHandler::Handle(Request& request) const {
     RequireAllWorkspaces(body);
     if (!body.Has("data"))
         throw HttpError(400, "\"data\" is missing.");
-    const LeftOut links = backup.PutInPlace();
-    sensor.log.NoteLeftOut("not in the restored workspace", links);
+    const RestoredBackup::Replaced replaced = backup.PutInPlace();
+    sensor.log.NoteLeftOut("not in the restored workspace", replaced.links);
+    if (!replaced.isKept)
+        sensor.log.NoteRemark("the workspace that was replaced could not be kept");
     sensor.replay.Restored(backup.Replay());
     return Answer::Json({});
 }

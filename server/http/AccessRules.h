@@ -16,8 +16,7 @@ class AccessRules final {
         : hostNames(std::move(hostNames)), token(std::move(token)) {}
 
     /// @throws HttpError: 400 without a host; 401 without the token; 403 for another host name and for a
-    /// request of
-    ///         a web page; 501 for a transfer coding that is unknown
+    ///         request of a web page; 501 for a transfer coding that is unknown
     void Check(const Request& request) const;
 
   private:
