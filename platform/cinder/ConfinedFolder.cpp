@@ -30,8 +30,10 @@ const FolderHandle& ConfinedFolder::Descend(const Parts& parts, std::size_t coun
 std::error_code ConfinedFolder::MakeFolder(const Parts& parts, bool* isNew) {
     if (parts.empty() || IsOpen(parts))
         return Enter(parts, parts.size()).Failure();
-    const std::error_code refusal =
-        Descend(parts, parts.size() - 1, Facts::Kept).MakeFolder(parts.back(), kNewFolder);
+    const FolderHandle& parent = Descend(parts, parts.size() - 1, Facts::Kept);
+    if (!parent.IsOpen())
+        return parent.Failure();
+    const std::error_code refusal = parent.MakeFolder(parts.back(), kNewFolder);
     if (refusal && refusal != std::errc::file_exists)
         return refusal;
     *isNew = !refusal;
