@@ -8,8 +8,7 @@
 
 /// The token in the first line of a file.
 /// @throws Ve::Exception: bERROR_FILE when it cannot be read, bERROR_FORMAT when the line is no token: 1 to
-/// 1,000
-///         letters, digits or any of "-._~+/="
+///         1,000 letters, digits or any of "-._~+/="
 std::string ReadAccessToken(const std::string& path);
 
 /// The value of the field for a token.
