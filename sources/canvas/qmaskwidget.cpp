@@ -288,8 +288,11 @@ QRect QMaskWidget::PlaceOf(const Extent& extent) const {
 void QMaskWidget::FollowPaths(const PathsChange& change) {
     extents.Follow(change);
     const ChangeHandlers handlers{
-        [this](const PathAppended& appended) { update(PlaceOf(extents.Of(paths(), appended.path).points)); },
-        [this](const LastPathRemoved&) { update(); },
+        [this](const PathInserted& inserted) {
+            const auto index = static_cast<std::size_t>(inserted.path);
+            update(PlaceOf(extents.Of(paths(), index).points));
+        },
+        [this](const PathRemoved&) { update(); },
         [this](const PointInserted& inserted) { update(PlaceOfPoint(inserted.at)); },
         [this](const PointRemoved&) { update(); },
         [this](const PointMoved& moved) {
