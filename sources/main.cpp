@@ -55,7 +55,11 @@ static int RunWindow() {
 int main(int argc, char** argv) {
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);
     QCoreApplication::setApplicationName(QStringLiteral("corvane")); // the user's data folder is called so
-    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, true); // icons are crisp on finer screens
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, true);  // icons are crisp on finer screens
+#if QT_VERSION >= QT_VERSION_CHECK(5, 14, 0)
+    // Rounded, a desktop at 150 % would get a window of twice its size, which leaves the screen.
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+#endif
     // Paths are in UTF-8 throughout. Some builds of the toolkit take file names to be in the desktop's
     // encoding.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));

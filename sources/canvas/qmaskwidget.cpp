@@ -1,5 +1,6 @@
 #include "canvas/qmaskwidget.h"
 
+#include "canvas/AccessibleCanvas.h"
 #include "canvas/PathPainter.h"
 #include "canvas/RulerOwner.h"
 
@@ -48,6 +49,7 @@ QMaskWidget::QMaskWidget(QWidget* parent)
     setAttribute(Qt::WA_MouseTracking);
     setScaledContents(true);
     setFocusPolicy(Qt::ClickFocus);
+    AccessibleCanvas::Install();
     setDocument(*doc);
 }
 

@@ -2,6 +2,7 @@
 
 #include "document/TrackDocument.h"
 #include "ui_mainwindow.h"
+#include "window/ControlNames.h"
 #include "window/RulerControl.h"
 #include "window/SegmentPanel.h"
 #include "window/ViewScale.h"
@@ -17,12 +18,7 @@
 namespace {
 
 constexpr int kDeleteItem = 4;
-
-/// A tool tip that shows the text as it is, also one that looks like markup.
-QString ToolTipText(const QString& text) {
-    return text.isEmpty() ? text
-                          : QStringLiteral("<span>") + text.toHtmlEscaped() + QStringLiteral("</span>");
-}
+constexpr int kMinVisibleLetters = 10; ///< of a list's chosen entry
 
 /// How wide an open list must be for its items to be legible.
 int OpenListWidth(const QComboBox& box) {
@@ -46,15 +42,23 @@ TrackPanel::TrackPanel(Ui::MainWindow& ui, QWidget& window, const TrackDocument&
     setUp();
 }
 
-/// However long a file name is, the canvas keeps its space; the tool tip says the whole name.
+/// However long a file name is, the canvas keeps its space; the tool tip says the whole name. The name is on
+/// white, so it is black whatever the desktop's colours are.
 void TrackPanel::setUp() {
+    QPalette onWhite = ui.label_fileName->palette();
+    onWhite.setColor(QPalette::WindowText, Qt::black);
+    ui.label_fileName->setPalette(onWhite);
+    for (QComboBox* const list : {ui.comboBox_file, ui.comboBox_sensor}) {
+        list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+        list->setMinimumContentsLength(kMinVisibleLetters);
+    }
     ui.label_fileName->setTextFormat(Qt::PlainText);
     ui.label_fileName->setSizePolicy(QSizePolicy::Ignored, ui.label_fileName->sizePolicy().verticalPolicy());
     ui.comboBox_file->view()->setTextElideMode(Qt::ElideMiddle);
 }
 
 void TrackPanel::followChosenTrack(const QString& text) {
-    ui.comboBox_file->setToolTip(ToolTipText(text));
+    SetPlainToolTip(*ui.comboBox_file, text);
     const bool external = text == MainWindow::tr("External");
     auto* items = qobject_cast<QStandardItemModel*>(ui.comboBox_operation->model());
     items->item(kDeleteItem)
@@ -111,7 +115,7 @@ void TrackPanel::chooseTrack(const QString& name) {
 void TrackPanel::showFileName(const QString& name, bool external) {
     const QString text = external ? MainWindow::tr("External - ") + name : name;
     ui.label_fileName->setText(text);
-    ui.label_fileName->setToolTip(ToolTipText(text));
+    SetPlainToolTip(*ui.label_fileName, text);
 }
 
 void TrackPanel::showHeights(double lowest, double highest) {

@@ -23,6 +23,9 @@ class WaitingSpinnerWidget final : public QWidget {
     /// The length of a bar in pixels; the widget's size follows.
     void setLineLength(int pixels);
 
+    /// The colour of the leading bar, black unless it is set.
+    void setLineColor(const QColor& colour) { lineColor = colour; }
+
     [[nodiscard]] bool isSpinning() const { return spinning; }
 
   public slots:

@@ -5,6 +5,7 @@
 #include "link/WorkerThread.h"
 #include "log/Log.h"
 #include "ui_mainwindow.h"
+#include "window/ControlNames.h"
 #include "window/InputGuard.h"
 #include "window/RulerControl.h"
 #include "window/SegmentPanel.h"
@@ -80,6 +81,8 @@ void MainWindow::SetUpWorker() {
     spinner = new WaitingSpinnerWidget(Qt::WindowModal, this, true, true);
     spinner->setInnerRadius(kSpinnerSize);
     spinner->setLineLength(kSpinnerSize);
+    spinner->setLineColor(palette().color(QPalette::WindowText)); // seen on a dark desktop too
+    spinner->setAccessibleName(tr("Busy"));
     BlockingController* const controller = &worker->controller();
     connect(sourcePanel.get(), &SourcePanel::restoreRequested, this, &MainWindow::SignalRestore);
     connect(sourcePanel.get(), &SourcePanel::backupRequested, this, &MainWindow::SignalBackup);
@@ -98,6 +101,7 @@ void MainWindow::SetUpWorker() {
 
 /// What stands beside the controls: keys, guards, and the state in the status bar.
 void MainWindow::SetUpAdditions() {
+    NameControls(*ui);
     undoActions =
         std::make_unique<UndoActions>(*this, *ui->label_mask, [this] { return spinner->isSpinning(); });
     auto* const guard = new InputGuard(this);

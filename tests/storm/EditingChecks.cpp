@@ -1,6 +1,7 @@
 #include "EditingChecks.h"
 
 #include "DocumentSamples.h"
+#include "TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 
 namespace {
 
@@ -90,6 +92,21 @@ void CheckSaved(const std::string& file, const independent::Track& map, const st
         << saved.segments.size() << " records of " << expected.segments.size() << " points";
     EXPECT_TRUE(saved.rulers == expected.rulers)
         << saved.rulers.size() << " records of " << expected.rulers.size() << " ticks";
+}
+
+unsigned CheckKept(const std::string& folder) {
+    constexpr unsigned kMaxCopies = 50;
+    unsigned copies = 0;
+    std::error_code none;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, none)) {
+        const std::string name = entry.path().filename();
+        copies += name.front() == '.' ? 0 : 1;
+        if (name.ends_with("(unsaved).trk")) {
+            EXPECT_NO_THROW(static_cast<void>(independent::ReadBinary(FileContent(entry.path())))) << name;
+        }
+    }
+    EXPECT_LE(copies, kMaxCopies);
+    return copies;
 }
 
 bool IsKnownMessage(const std::string& text) {

@@ -18,5 +18,10 @@ void CheckEditing(const QMaskWidget& canvas, bool rulerShown);
 /// @param file the whole content
 void CheckSaved(const std::string& file, const independent::Track& map, const std::vector<TrackPath>& paths);
 
+/// There are not too many kept copies in a folder, and those of unsaved paths are complete, as the tests' own
+/// reader finds. Others may be damaged as their files were.
+/// @return how many there are
+unsigned CheckKept(const std::string& folder);
+
 /// Whether a text of the "Error" box is one of the system's own.
 bool IsKnownMessage(const std::string& text);

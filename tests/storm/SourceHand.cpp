@@ -1,5 +1,6 @@
 #include "SourceHand.h"
 
+#include "EditingChecks.h"
 #include "FolderTree.h"
 
 #include <QStatusBar>
@@ -79,6 +80,7 @@ void SourceHand::reopenWindow() {
     storm.closeWindow();
     for (const char* working : {"TmpDirBackup", "TmpDirOsws", "Ostra.osbak", "temp.trk"})
         EXPECT_FALSE(fs::exists(working)) << working;
+    storm.count("  copies kept", CheckKept(storm.folder.Path("kept")));
     storm.checkBoxes();
     storm.held = Qt::NoButton;
     storm.openWindow();

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+namespace Ui {
+class MainWindow;
+}
+
+/// Gives each control the name by which a screen reader calls it, and each label the control that it is for.
+void NameControls(Ui::MainWindow& ui);
+
+/// Gives a widget a tool tip that shows the text as it is, also one that looks like markup. A screen reader
+/// gets the text without the markup that this takes.
+void SetPlainToolTip(QWidget& widget, const QString& text);
