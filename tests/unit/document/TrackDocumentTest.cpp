@@ -129,8 +129,9 @@ TEST_F(TrackDocumentTest, DeletingAWholePathClosesEveryOther) {
 }
 
 TEST_F(TrackDocumentTest, RemovingAPointOfFewerThanThreeRemovesItsPathAndClosesEveryOther) {
-    document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}}, 10), Path({{0.3, 0.3}, {0.4, 0.4}, {0.5, 0.4}}, 20)}),
-                  "a.trk", TrackOrigin::External);
+    document.open(
+        Content({Path({{0.1, 0.1}, {0.2, 0.2}}, 10), Path({{0.3, 0.3}, {0.4, 0.4}, {0.5, 0.4}}, 20)}),
+        "a.trk", TrackOrigin::External);
     document.addPath({0.6, 0.6});
     document.removePoint({1, 1});
     EXPECT_EQ(Paths().at(1).points, (std::vector<QPointF>{{0.3, 0.3}, {0.5, 0.4}}));
