@@ -148,8 +148,23 @@ void QMaskWidget::mousePressEvent(QMouseEvent* event) {
     if (!HasImage() || event->button() != Qt::LeftButton)
         return;
     pressed = true;
+    cursor = event->localPos();
     doc->endGesture();
-    editor.Press(Scale(), event->localPos());
+    if (editor.IsHoverByKey())
+        update(PlaceOfCursor()); // the press may find another point under the cursor
+    if ((event->modifiers() & Qt::ControlModifier) == 0 || !SplitByMouse())
+        editor.Press(Scale(), *cursor);
+    emit cursorChanged();
+}
+
+bool QMaskWidget::SplitByMouse() {
+    update(PlaceOfCursor());
+    if (!editor.PressOnSegment(Scale(), *cursor))
+        return false;
+    RefreshRulerIfShown();
+    update(PlaceOfCursor());
+    emit segmentsShifted();
+    return true;
 }
 
 void QMaskWidget::mouseReleaseEvent(QMouseEvent* event) {
@@ -161,6 +176,7 @@ void QMaskWidget::mouseReleaseEvent(QMouseEvent* event) {
     if (editor.Release(Scale(), event->localPos()))
         RefreshRulerIfShown();
     update(PlaceOfCursor());
+    emit cursorChanged();
 }
 
 void QMaskWidget::mouseDoubleClickEvent(QMouseEvent* event) {
@@ -172,13 +188,110 @@ void QMaskWidget::mouseMoveEvent(QMouseEvent* event) {
     if (!HasImage())
         return;
     update(PlaceOfCursor());
+    cursor = event->localPos();
     pressed = (event->buttons() & Qt::LeftButton) != 0; // a release may have gone to another window
     if (!pressed) {
-        editor.Hover(Scale(), event->localPos());
-    } else if (editor.Drag(Scale(), event->localPos())) {
+        editor.Hover(Scale(), *cursor);
+    } else if (editor.Drag(Scale(), *cursor)) {
         RefreshRulerIfShown();
     }
     update(PlaceOfCursor());
+    emit cursorChanged();
+}
+
+void QMaskWidget::leaveEvent(QEvent* event) {
+    cursor.reset();
+    QLabel::leaveEvent(event);
+    emit cursorChanged();
+}
+
+void QMaskWidget::moveEvent(QMoveEvent* event) {
+    QLabel::moveEvent(event);
+    if (cursor)
+        *cursor -= event->pos() - event->oldPos(); // it stays where it is on the screen
+    FollowGeometry();
+}
+
+void QMaskWidget::resizeEvent(QResizeEvent* event) {
+    QLabel::resizeEvent(event);
+    FollowGeometry();
+}
+
+/// Scrolled or scaled, another point may be under the cursor: a press must not drag the one that was.
+void QMaskWidget::FollowGeometry() {
+    if (cursor && !pressed && !editor.IsHoverByKey() && HasImage()) {
+        update(PlaceOfCursor());
+        editor.Hover(Scale(), *cursor);
+        update(PlaceOfCursor());
+    }
+    emit cursorChanged();
+}
+
+bool QMaskWidget::EditByKey(const std::function<bool()>& edit) {
+    if (!HasImage() || pressed)
+        return false;
+    update(PlaceOfCursor());
+    const bool edited = edit();
+    if (edited)
+        RefreshRulerIfShown();
+    update(PlaceOfCursor());
+    emit cursorChanged();
+    return edited;
+}
+
+std::optional<QPoint> QMaskWidget::touchedPlace() const {
+    const auto at = editor.TouchedPoint();
+    if (!at)
+        return std::nullopt;
+    return Scale().toWidgetPixels(
+        paths()[static_cast<std::size_t>(at->path)].points[static_cast<std::size_t>(at->point)]);
+}
+
+bool QMaskWidget::isPointChosenByKey() const {
+    return editor.IsHoverByKey() && !editor.State().dragPoint.isNull();
+}
+
+bool QMaskWidget::nudgePoint(const QPoint& tenths) {
+    return EditByKey([&] { return editor.MoveTouched(Scale(), tenths, Image().size()); });
+}
+
+bool QMaskWidget::removePoint() {
+    const bool removed = EditByKey([&] { return editor.RemoveTouched(); });
+    if (removed)
+        emit segmentsShifted();
+    return removed;
+}
+
+bool QMaskWidget::addPoint(const QPointF& place) {
+    return EditByKey([&] { return editor.AddPoint(Scale(), place); });
+}
+
+bool QMaskWidget::splitSegment() {
+    const bool split = EditByKey([&] { return editor.SplitSegment(Scale(), cursor); });
+    if (split)
+        emit segmentsShifted();
+    return split;
+}
+
+bool QMaskWidget::choosePoint(int delta) {
+    return EditByKey([&] { return editor.ChoosePoint(delta); });
+}
+
+void QMaskWidget::closePaths() {
+    EditByKey([&] {
+        doc->closeAllPaths();
+        return false; // which is not seen
+    });
+}
+
+void QMaskWidget::giveUp() {
+    update(PlaceOfCursor());
+    if (!pressed)
+        editor.LetGo();
+    else if (editor.GiveUpGesture())
+        RefreshRulerIfShown();
+    update(PlaceOfCursor());
+    emit cursorChanged();
 }
 
 void QMaskWidget::paintEvent(QPaintEvent* event) {
@@ -289,6 +402,7 @@ QRect QMaskWidget::PlaceOf(const Extent& extent) const {
 /// all.
 void QMaskWidget::FollowPaths(const PathsChange& change) {
     extents.Follow(change);
+    editor.Follow(change);
     const ChangeHandlers handlers{
         [this](const PathInserted& inserted) {
             const auto index = static_cast<std::size_t>(inserted.path);
