@@ -149,6 +149,7 @@ void TrackDocument::redo() {
 void TrackDocument::setSaved() {
     history.EndGesture(); // the saved state can be come back to
     savedRevision = history.CurrentRevision();
+    emit saved();
     emit modifiedChanged();
 }
 

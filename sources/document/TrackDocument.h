@@ -161,6 +161,8 @@ class TrackDocument final : public QObject {
     void imageChanged();
     /// A step was taken back or made again.
     void restored();
+    /// The paths were saved: the open track's file may be another, of the same map.
+    void saved();
     /// `isModified` may give another answer than before.
     void modifiedChanged();
 
