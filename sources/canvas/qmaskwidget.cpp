@@ -148,18 +148,18 @@ void QMaskWidget::mousePressEvent(QMouseEvent* event) {
     if (!HasImage() || event->button() != Qt::LeftButton)
         return;
     pressed = true;
-    cursor = event->localPos();
+    cursorAt = event->localPos();
     doc->endGesture();
     if (editor.IsHoverByKey())
         update(PlaceOfCursor()); // the press may find another point under the cursor
     if ((event->modifiers() & Qt::ControlModifier) == 0 || !SplitByMouse())
-        editor.Press(Scale(), *cursor);
+        editor.Press(Scale(), *cursorAt);
     emit cursorChanged();
 }
 
 bool QMaskWidget::SplitByMouse() {
     update(PlaceOfCursor());
-    if (!editor.PressOnSegment(Scale(), *cursor))
+    if (!editor.PressOnSegment(Scale(), *cursorAt))
         return false;
     RefreshRulerIfShown();
     update(PlaceOfCursor());
@@ -188,11 +188,11 @@ void QMaskWidget::mouseMoveEvent(QMouseEvent* event) {
     if (!HasImage())
         return;
     update(PlaceOfCursor());
-    cursor = event->localPos();
+    cursorAt = event->localPos();
     pressed = (event->buttons() & Qt::LeftButton) != 0; // a release may have gone to another window
     if (!pressed) {
-        editor.Hover(Scale(), *cursor);
-    } else if (editor.Drag(Scale(), *cursor)) {
+        editor.Hover(Scale(), *cursorAt);
+    } else if (editor.Drag(Scale(), *cursorAt)) {
         RefreshRulerIfShown();
     }
     update(PlaceOfCursor());
@@ -200,15 +200,15 @@ void QMaskWidget::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void QMaskWidget::leaveEvent(QEvent* event) {
-    cursor.reset();
+    cursorAt.reset();
     QLabel::leaveEvent(event);
     emit cursorChanged();
 }
 
 void QMaskWidget::moveEvent(QMoveEvent* event) {
     QLabel::moveEvent(event);
-    if (cursor)
-        *cursor -= event->pos() - event->oldPos(); // it stays where it is on the screen
+    if (cursorAt)
+        *cursorAt -= event->pos() - event->oldPos(); // it stays where it is on the screen
     FollowGeometry();
 }
 
@@ -219,9 +219,9 @@ void QMaskWidget::resizeEvent(QResizeEvent* event) {
 
 /// Scrolled or scaled, another point may be under the cursor: a press must not drag the one that was.
 void QMaskWidget::FollowGeometry() {
-    if (cursor && !pressed && !editor.IsHoverByKey() && HasImage()) {
+    if (cursorAt && !pressed && !editor.IsHoverByKey() && HasImage()) {
         update(PlaceOfCursor());
-        editor.Hover(Scale(), *cursor);
+        editor.Hover(Scale(), *cursorAt);
         update(PlaceOfCursor());
     }
     emit cursorChanged();
@@ -267,7 +267,7 @@ bool QMaskWidget::addPoint(const QPointF& place) {
 }
 
 bool QMaskWidget::splitSegment() {
-    const bool split = EditByKey([&] { return editor.SplitSegment(Scale(), cursor); });
+    const bool split = EditByKey([&] { return editor.SplitSegment(Scale(), cursorAt); });
     if (split)
         emit segmentsShifted();
     return split;

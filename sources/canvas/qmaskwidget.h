@@ -95,7 +95,7 @@ class QMaskWidget : public QLabel {
     [[nodiscard]] const EditingState& editingState() const { return editor.State(); }
 
     /// The widget pixel of the cursor; none while it is not over the canvas.
-    [[nodiscard]] std::optional<QPointF> cursorPlace() const { return cursor; }
+    [[nodiscard]] std::optional<QPointF> cursorPlace() const { return cursorAt; }
 
     // What keys do. Each change is one step; nothing happens without an image or while a button is held.
 
@@ -166,8 +166,8 @@ class QMaskWidget : public QLabel {
     std::unique_ptr<TrackDocument> ownDocument; ///< until another is set
     TrackDocument* doc;
     PathEditor editor;
-    bool pressed = false; ///< the left button is held
-    std::optional<QPointF> cursor;
+    bool pressed = false;              ///< the left button is held
+    std::optional<QPointF> cursorAt;   ///< in widget pixels, while it is over the canvas
     bool repaintsReplacedPaths = true; ///< false while paths are reset quietly
     PathExtents extents;
     LineShapes lineShapes;

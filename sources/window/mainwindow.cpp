@@ -8,6 +8,7 @@
 #include "window/CanvasKeys.h"
 #include "window/ControlNames.h"
 #include "window/InputGuard.h"
+#include "window/ReadOuts.h"
 #include "window/RulerControl.h"
 #include "window/SegmentPanel.h"
 #include "window/SourcePanel.h"
@@ -126,6 +127,7 @@ void MainWindow::SetUpKeys() {
         ViewNavigation::Context{*this, *ui->scrollArea, canvas, *scale, isBusy});
     canvasKeys = std::make_unique<CanvasKeys>(
         CanvasKeys::Context{*this, *ui->scrollArea, canvas, *segments, mayNotEdit});
+    readOuts = std::make_unique<ReadOuts>(*ui->statusBar, canvas);
     connect(&canvas, &QMaskWidget::segmentsShifted, segments.get(), &SegmentPanel::followPaths);
 }
 

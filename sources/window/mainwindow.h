@@ -11,6 +11,7 @@
 #include <memory>
 
 class CanvasKeys;
+class ReadOuts;
 class RulerControl;
 class SegmentPanel;
 class SourcePanel;
@@ -103,6 +104,7 @@ class MainWindow final : public QMainWindow, public RulerOwner {
     std::unique_ptr<UndoActions> undoActions;
     std::unique_ptr<ViewNavigation> navigation;
     std::unique_ptr<CanvasKeys> canvasKeys;
+    std::unique_ptr<ReadOuts> readOuts;
     WaitingSpinnerWidget* spinner = nullptr; ///< this and the following are children of the window
     StateLabel* stateLabel = nullptr;
 };

@@ -95,7 +95,8 @@ void ControlHand::turnWheel() {
     const QPoint turn(0, random.chance(2) ? kNotch : -kNotch);
     const auto* const list = qobject_cast<QComboBox*>(&widget);
     const int before = list != nullptr ? list->currentIndex() : 0;
-    QWheelEvent event(place, widget.mapToGlobal(place), QPoint(), turn, storm.held, Qt::NoModifier,
+    const Qt::KeyboardModifiers modifiers = random.chance(2) ? Qt::ControlModifier : Qt::NoModifier;
+    QWheelEvent event(place, widget.mapToGlobal(place), QPoint(), turn, storm.held, modifiers,
                       Qt::NoScrollPhase, false);
     QApplication::sendEvent(&widget, &event);
     EXPECT_EQ(list != nullptr ? list->currentIndex() : 0, before);
@@ -119,6 +120,15 @@ void ControlHand::pressSomeKey() {
     QTest::keyClick(widget,
                     random.oneOf<Qt::Key>({Qt::Key_Tab, Qt::Key_Backtab, Qt::Key_Escape, Qt::Key_Return,
                                            Qt::Key_Delete, Qt::Key_Home, Qt::Key_F1, Qt::Key_A}));
+}
+
+void ControlHand::pressZoomKey() {
+    if (!storm.window->isEnabled())
+        return;
+    QApplication::setActiveWindow(storm.window.get());
+    QTest::keyClick(storm.window.get(),
+                    random.oneOf<Qt::Key>({Qt::Key_Plus, Qt::Key_Minus, Qt::Key_Equal, Qt::Key_0, Qt::Key_1}),
+                    Qt::ControlModifier);
 }
 
 void ControlHand::pressInWindow(Qt::KeyboardModifiers modifiers) {
