@@ -72,7 +72,8 @@ void CanvasHand::pressKey() {
     // Where the first point lies in the margin, a click and so a key adds a second one.
     const int most = key == Qt::Key_A ? 2 : 1;
     EXPECT_LE(document.undoDepth(), steps + most);
-    if (drawing) {
+    // Escape takes a drag back by one more step where a parameter was typed in the middle of it.
+    if (drawing && key != Qt::Key_Escape) {
         EXPECT_LE(document.undoDepth(), steps) << "while the button is down";
     }
     storm.count(document.undoDepth() > steps ? "  steps by key" : "  no step by key");

@@ -23,6 +23,7 @@ constexpr std::array<ParameterField, 3> kFields{{{"lineEdit_lineLength", &TrackP
 void ControlHand::turnSpinBox() {
     auto& box = storm.find<QSpinBox>(random.chance(2) ? "spinBox_pathId" : "spinBox_segmentId");
     const int before = box.value();
+    box.setFocus();
     QTest::keyClick(&box, random.oneOf<Qt::Key>(
                               {Qt::Key_Up, Qt::Key_Up, Qt::Key_Down, Qt::Key_PageUp, Qt::Key_PageDown}));
     checkChosen(box, before);
@@ -57,6 +58,7 @@ void ControlHand::typeParameter() {
     const auto index = static_cast<std::size_t>(random.pick(static_cast<int>(kFields.size())));
     auto& field = storm.find<QLineEdit>(kFields.at(index).name);
     const QString before = field.text();
+    field.setFocus();
     if (random.chance(3))
         field.selectAll();
     const std::string letters = "0123456789-+.,e x\b";
@@ -103,7 +105,9 @@ void ControlHand::turnWheel() {
 }
 
 void ControlHand::moveSlider() {
-    QTest::keyClick(&storm.find<QSlider>("horizontalSlider_resizeImage"),
+    auto& slider = storm.find<QSlider>("horizontalSlider_resizeImage");
+    slider.setFocus();
+    QTest::keyClick(&slider,
                     random.oneOf<Qt::Key>({Qt::Key_Left, Qt::Key_Right, Qt::Key_PageUp, Qt::Key_PageDown,
                                            Qt::Key_PageUp, Qt::Key_Home, Qt::Key_End}));
 }
@@ -117,6 +121,7 @@ void ControlHand::pressSomeKey() {
     QWidget* const widget = widgets[random.pick(widgets.size())];
     if (qobject_cast<QComboBox*>(widget) != nullptr || !widget->isVisible() || !widget->isEnabled())
         return;
+    widget->setFocus();
     QTest::keyClick(widget,
                     random.oneOf<Qt::Key>({Qt::Key_Tab, Qt::Key_Backtab, Qt::Key_Escape, Qt::Key_Return,
                                            Qt::Key_Delete, Qt::Key_Home, Qt::Key_F1, Qt::Key_A}));
