@@ -151,7 +151,7 @@ bool SetParameterEverywhereStep::ChangesNothing() const {
 }
 
 std::size_t SetParameterEverywhereStep::Bytes() const {
-    std::size_t bytes = others.capacity() * sizeof(others[0]);
+    std::size_t bytes = others.capacity() * sizeof(std::vector<int>);
     for (const std::vector<int>& list : others)
         bytes += list.capacity() * sizeof(int);
     return bytes;

@@ -67,3 +67,5 @@ template<typename... Handlers>
 struct ChangeHandlers : Handlers... {
     using Handlers::operator()...;
 };
+template<typename... Handlers>
+ChangeHandlers(Handlers...) -> ChangeHandlers<Handlers...>;
