@@ -157,8 +157,23 @@ void QMaskWidget::mousePressEvent(QMouseEvent* event) {
     if (!HasImage() || event->button() != Qt::LeftButton)
         return;
     pressed = true;
+    cursorAt = event->localPos();
     doc->endGesture();
-    editor.Press(Scale(), event->localPos());
+    if (editor.IsHoverByKey())
+        update(PlaceOfCursor()); // the press may find another point under the cursor
+    if ((event->modifiers() & Qt::ControlModifier) == 0 || !SplitByMouse())
+        editor.Press(Scale(), *cursorAt);
+    emit cursorChanged();
+}
+
+bool QMaskWidget::SplitByMouse() {
+    update(PlaceOfCursor());
+    if (!editor.PressOnSegment(Scale(), *cursorAt))
+        return false;
+    RefreshRulerIfShown();
+    update(PlaceOfCursor());
+    emit segmentsShifted();
+    return true;
 }
 
 void QMaskWidget::mouseReleaseEvent(QMouseEvent* event) {
@@ -170,6 +185,7 @@ void QMaskWidget::mouseReleaseEvent(QMouseEvent* event) {
     if (editor.Release(Scale(), event->localPos()))
         RefreshRulerIfShown();
     update(PlaceOfCursor());
+    emit cursorChanged();
 }
 
 void QMaskWidget::mouseDoubleClickEvent(QMouseEvent* event) {
@@ -181,13 +197,110 @@ void QMaskWidget::mouseMoveEvent(QMouseEvent* event) {
     if (!HasImage())
         return;
     update(PlaceOfCursor());
+    cursorAt = event->localPos();
     pressed = (event->buttons() & Qt::LeftButton) != 0; // a release may have gone to another window
     if (!pressed) {
-        editor.Hover(Scale(), event->localPos());
-    } else if (editor.Drag(Scale(), event->localPos())) {
+        editor.Hover(Scale(), *cursorAt);
+    } else if (editor.Drag(Scale(), *cursorAt)) {
         RefreshRulerIfShown();
     }
     update(PlaceOfCursor());
+    emit cursorChanged();
+}
+
+void QMaskWidget::leaveEvent(QEvent* event) {
+    cursorAt.reset();
+    QLabel::leaveEvent(event);
+    emit cursorChanged();
+}
+
+void QMaskWidget::moveEvent(QMoveEvent* event) {
+    QLabel::moveEvent(event);
+    if (cursorAt)
+        *cursorAt -= event->pos() - event->oldPos(); // it stays where it is on the screen
+    FollowGeometry();
+}
+
+void QMaskWidget::resizeEvent(QResizeEvent* event) {
+    QLabel::resizeEvent(event);
+    FollowGeometry();
+}
+
+/// Scrolled or scaled, another point may be under the cursor: a press must not drag the one that was.
+void QMaskWidget::FollowGeometry() {
+    if (cursorAt && !pressed && !editor.IsHoverByKey() && HasImage()) {
+        update(PlaceOfCursor());
+        editor.Hover(Scale(), *cursorAt);
+        update(PlaceOfCursor());
+    }
+    emit cursorChanged();
+}
+
+bool QMaskWidget::EditByKey(const std::function<bool()>& edit) {
+    if (!HasImage() || pressed)
+        return false;
+    update(PlaceOfCursor());
+    const bool edited = edit();
+    if (edited)
+        RefreshRulerIfShown();
+    update(PlaceOfCursor());
+    emit cursorChanged();
+    return edited;
+}
+
+std::optional<QPoint> QMaskWidget::touchedPlace() const {
+    const auto at = editor.TouchedPoint();
+    if (!at)
+        return std::nullopt;
+    return Scale().toWidgetPixels(
+        paths()[static_cast<std::size_t>(at->path)].points[static_cast<std::size_t>(at->point)]);
+}
+
+bool QMaskWidget::isPointChosenByKey() const {
+    return editor.IsHoverByKey() && !editor.State().dragPoint.isNull();
+}
+
+bool QMaskWidget::nudgePoint(const QPoint& tenths) {
+    return EditByKey([&] { return editor.MoveTouched(Scale(), tenths, Image().size()); });
+}
+
+bool QMaskWidget::removePoint() {
+    const bool removed = EditByKey([&] { return editor.RemoveTouched(); });
+    if (removed)
+        emit segmentsShifted();
+    return removed;
+}
+
+bool QMaskWidget::addPoint(const QPointF& place) {
+    return EditByKey([&] { return editor.AddPoint(Scale(), place); });
+}
+
+bool QMaskWidget::splitSegment() {
+    const bool split = EditByKey([&] { return editor.SplitSegment(Scale(), cursorAt); });
+    if (split)
+        emit segmentsShifted();
+    return split;
+}
+
+bool QMaskWidget::choosePoint(int delta) {
+    return EditByKey([&] { return editor.ChoosePoint(delta); });
+}
+
+void QMaskWidget::closePaths() {
+    EditByKey([&] {
+        doc->closeAllPaths();
+        return false; // which is not seen
+    });
+}
+
+void QMaskWidget::giveUp() {
+    update(PlaceOfCursor());
+    if (!pressed)
+        editor.LetGo();
+    else if (editor.GiveUpGesture())
+        RefreshRulerIfShown();
+    update(PlaceOfCursor());
+    emit cursorChanged();
 }
 
 void QMaskWidget::paintEvent(QPaintEvent* event) {
@@ -301,9 +414,13 @@ QRect QMaskWidget::PlaceOf(const Extent& extent) const {
 /// all.
 void QMaskWidget::FollowPaths(const PathsChange& change) {
     extents.Follow(change);
+    editor.Follow(change);
     const ChangeHandlers handlers{
-        [this](const PathAppended& appended) { update(PlaceOf(extents.Of(paths(), appended.path).points)); },
-        [this](const LastPathRemoved&) { update(); },
+        [this](const PathInserted& inserted) {
+            const auto index = static_cast<std::size_t>(inserted.path);
+            update(PlaceOf(extents.Of(paths(), index).points));
+        },
+        [this](const PathRemoved&) { update(); },
         [this](const PointInserted& inserted) { update(PlaceOfPoint(inserted.at)); },
         [this](const PointRemoved&) { update(); },
         [this](const PointMoved& moved) {
