@@ -9,7 +9,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bStatus List(const char* path, FileKind kind, bArrayList* list) {
+void Tell(std::error_code* why, const std::error_code& reason) {
+    if (why != nullptr)
+        *why = reason;
+}
+
+bStatus List(const char* path, FileKind kind, bArrayList* list, std::error_code* why) {
     list->Clear();
     FolderReader reader(path);
     FolderEntry entry;
@@ -17,6 +22,7 @@ bStatus List(const char* path, FileKind kind, bArrayList* list) {
     while ((status = reader.Next(&entry)) == bOK)
         if (entry.kind == kind && (status = list->Add(entry.name)) != bOK)
             return status;
+    Tell(why, reader.Failure());
     if (status != bERROR_END)
         return status;
     list->Sort();
@@ -37,26 +43,31 @@ int bDirectory_Exists(const char* path) {
     return fs::is_directory(path, ignored) ? 1 : 0;
 }
 
-bStatus bDirectory_Create(const char* path) {
+bStatus bDirectory_Create(const char* path, std::error_code* why) {
     std::error_code failure;
-    return fs::create_directory(path, failure) && !failure ? bOK : bERROR_FILE;
+    if (!fs::create_directory(path, failure) && !failure)
+        failure = make_error_code(std::errc::file_exists);
+    Tell(why, failure);
+    return failure ? bERROR_FILE : bOK;
 }
 
-bStatus bDirectory_Delete(const char* path) {
+bStatus bDirectory_Delete(const char* path, std::error_code* why) {
     std::error_code failure;
     const std::string place = WithoutSlashAtTheEnd(path);
     if (fs::symlink_status(place, failure).type() == fs::file_type::not_found)
         return bERROR_NOT_FOUND;
-    if (!fs::is_directory(place, failure))
-        return bERROR_FILE;
-    fs::remove_all(place, failure);
+    if (fs::is_directory(place, failure))
+        fs::remove_all(place, failure);
+    else if (!failure)
+        failure = make_error_code(std::errc::not_a_directory);
+    Tell(why, failure);
     return failure ? bERROR_FILE : bOK;
 }
 
-bStatus bDirectory_ListFiles(const char* path, bArrayList* list) {
-    return List(path, FileKind::File, list);
+bStatus bDirectory_ListFiles(const char* path, bArrayList* list, std::error_code* why) {
+    return List(path, FileKind::File, list, why);
 }
 
-bStatus bDirectory_ListDirectories(const char* path, bArrayList* list) {
-    return List(path, FileKind::Folder, list);
+bStatus bDirectory_ListDirectories(const char* path, bArrayList* list, std::error_code* why) {
+    return List(path, FileKind::Folder, list, why);
 }

@@ -4,7 +4,9 @@
 #include "canvas/PathPainter.h"
 #include "canvas/RulerOwner.h"
 
+#include <QBackingStore>
 #include <QMouseEvent>
+#include <QPaintEngine>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScopedValueRollback>
@@ -13,6 +15,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -36,6 +39,12 @@ QRegion FewRects(const QRegion& region) {
         whole += area(rect);
     const QRect round = region.boundingRect();
     return area(round) <= 2 * whole ? QRegion(round) : region;
+}
+
+/// Whether a picture of the widget is made for somebody, as by grab(), while the screen stays as it is.
+bool IsGrabbed(const QPainter& painter, const QWidget& widget) {
+    QBackingStore* const screen = widget.window()->backingStore();
+    return screen == nullptr || painter.paintEngine()->paintDevice() != screen->paintDevice();
 }
 
 } // namespace
@@ -307,9 +316,12 @@ void QMaskWidget::paintEvent(QPaintEvent* event) {
     const QRect canvas = DeviceRect(rect(), ratio);
     bandsPainted = RulerShown();
     painter.scale(1.0 / ratio, 1.0 / ratio); // from here on in device pixels, so that none is resampled
-    view.Show(image, canvas.size(), DeviceRect(visibleRegion().boundingRect(), ratio).intersected(canvas));
-    for (const QRect& exposed : event->region()) // what is painted beside it does not reach the screen
-        coarse -= DeviceRect(exposed, ratio);
+    const bool grabbed = IsGrabbed(painter, *this);
+    view.Show(image, canvas.size(), DeviceRect(visibleRegion().boundingRect(), ratio).intersected(canvas),
+              grabbed ? std::numeric_limits<double>::max() : HeightMapView::kMostRead);
+    if (!grabbed)
+        for (const QRect& exposed : event->region()) // what is painted beside it does not reach the screen
+            coarse -= DeviceRect(exposed, ratio);
     for (const QRect& exposed : FewRects(event->region())) {
         const QRect place = DeviceRect(exposed, ratio).intersected(canvas);
         const int rows = std::max(1, kMostPainted / std::max(1, place.width()));
@@ -342,7 +354,7 @@ void QMaskWidget::PaintPart(QPainter& painter, const QRect& place, double ratio)
     coarse += view.Copy(place, part);
     if (!isEnabled())
         PaintDisabled(part);
-    PathPainter(part, place, ratio, paths(), editor.State(), extents, lineShapes, Scale())
+    PathPainter(part, place, ratio, paths(), editor.State(), extents, shapes, Scale())
         .Paint(RulerShown(), font());
     part.setDevicePixelRatio(1.0);
     painter.drawImage(place.topLeft(), part);

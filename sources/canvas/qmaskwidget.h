@@ -3,7 +3,7 @@
 #include "canvas/HeightMapView.h"
 #include "canvas/PathEditor.h"
 #include "canvas/PathExtents.h"
-#include "raster/LineShapes.h"
+#include "raster/ShapeCache.h"
 
 #include <QBasicTimer>
 #include <QLabel>
@@ -170,7 +170,7 @@ class QMaskWidget : public QLabel {
     std::optional<QPointF> cursorAt;   ///< in widget pixels, while it is over the canvas
     bool repaintsReplacedPaths = true; ///< false while paths are reset quietly
     PathExtents extents;
-    LineShapes lineShapes;
+    ShapeCache shapes;
     HeightMapView view;
     QRegion coarse;            ///< what of the canvas is painted coarsely, in device pixels
     QBasicTimer refining;      ///< active while there is such a place

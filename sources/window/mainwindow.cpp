@@ -132,7 +132,8 @@ void MainWindow::SetUpKeys() {
 }
 
 void MainWindow::ShowState() {
-    stateLabel->showState(document.hasImage() && document.isModified(), !protection->Unsent().IsEmpty());
+    stateLabel->showState(document.hasImage() && document.isModified(), !protection->Unsent().IsEmpty(),
+                          sources->LinksLeftOut());
 }
 
 void MainWindow::RunSlot(const std::function<void()>& body, const std::function<void()>& onFailure) {
@@ -160,6 +161,8 @@ void MainWindow::refreshRuler() {
 /// While the worker uses the client, the window stays.
 void MainWindow::closeEvent(QCloseEvent* event) {
     event->setAccepted(!spinner->isSpinning());
+    if (spinner->isSpinning())
+        stateLabel->showCloseRefused();
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event) {
