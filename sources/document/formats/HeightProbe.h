@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <exception>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -37,6 +38,7 @@ class HeightProbe {
         friend bool operator==(const Identity&, const Identity&) = default;
     };
 
+    void GiveUp(const std::exception& failure);
     static Identity IdentityOf(const std::string& file);
     [[nodiscard]] CellHeight BinaryHeightAt(int column, int row) const;
 

@@ -24,6 +24,8 @@ TextHeights::TextHeights(std::string path, int columns)
     : file(std::move(path)),
       rowsPerStart(std::max(1, kCellsPerStart / columns)),
       scan(std::make_unique<CsvScan>(file)) {
+    if (!TakeLine())
+        scan.reset();
 }
 
 bool TextHeights::Prepare(std::chrono::microseconds time) {
