@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <system_error>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -119,11 +121,24 @@ void ForEachCovered(const Averaging& tap, const Covered& covered, const Add& add
         add(tap.first + tap.last, tap.lastWeight);
 }
 
+/// Where a part's pixels are written.
+struct Destination {
+    uchar* firstLine = nullptr;
+    std::ptrdiff_t bytesPerLine = 0;
+    int left = 0; ///< in pixels
+
+    [[nodiscard]] QRgb* Row(int row) const {
+        return reinterpret_cast<QRgb*>(firstLine + row * bytesPerLine) + left;
+    }
+};
+
 /// Scales row by row for one choice of growing and shrinking axes.
 class PartRenderer {
   public:
-    PartRenderer(const QImage& source, const QSize& target, const QRect& part)
-        : pixels(reinterpret_cast<const QRgb*>(source.constBits())),
+    PartRenderer(const QImage& source, const QSize& target, const QRect& part, const Destination& destination)
+        : rowCount(part.height()),
+          destination(destination),
+          pixels(reinterpret_cast<const QRgb*>(source.constBits())),
           stride(source.bytesPerLine() / static_cast<int>(sizeof(QRgb))),
           growsAcross(ScalingTaps::Grows(source.width(), target.width())),
           growsDown(ScalingTaps::Grows(source.height(), target.height())),
@@ -141,8 +156,18 @@ class PartRenderer {
         else
             averageDown =
                 ScalingTaps::AveragingTaps(source.height(), target.height(), part.top(), part.height());
+        if (growsAcross)
+            blended.resize(static_cast<std::size_t>(ColumnCount()));
+        total.resize(growsAcross ? blended.size() : averageAcross.size());
     }
 
+    /// Writes all rows. It allocates no memory and throws nothing, so that any thread can run it.
+    void Render() noexcept {
+        for (int row = 0; row < rowCount; ++row)
+            RenderRow(static_cast<std::size_t>(row), destination.Row(row));
+    }
+
+  private:
     void RenderRow(std::size_t row, QRgb* out) {
         if (growsAcross && growsDown)
             BlendBoth(blendDown[row], out);
@@ -154,7 +179,6 @@ class PartRenderer {
             AverageBoth(averageDown[row], out);
     }
 
-  private:
     [[nodiscard]] const QRgb* Line(int row) const { return pixels + row * stride; }
 
     /// The source columns that a row of a growing axis needs.
@@ -167,7 +191,6 @@ class PartRenderer {
         const int firstColumn = FirstColumn();
         const QRgb* const line = Line(tap.first) + firstColumn;
         const QRgb* const below = Line(tap.first + tap.next) + firstColumn;
-        blended.resize(static_cast<std::size_t>(ColumnCount()));
         Lanes* const between = blended.data();
         for (std::size_t column = 0; column < blended.size(); ++column)
             between[column] = Blend(Spread(line[column]), Spread(below[column]), tap.weight);
@@ -179,7 +202,7 @@ class PartRenderer {
 
     void AverageDown(const Averaging& tap, QRgb* out) {
         const int firstColumn = FirstColumn();
-        total.assign(static_cast<std::size_t>(ColumnCount()), Sum{});
+        std::fill(total.begin(), total.end(), Sum{});
         ForEachCovered(tap, coveredDown, [&](int row, unsigned weight) {
             const QRgb* const line = Line(row) + firstColumn;
             for (std::size_t column = 0; column < total.size(); ++column)
@@ -201,7 +224,7 @@ class PartRenderer {
 
     /// Rows are averaged across one after the other, as they lie in memory, and added up.
     void AverageBoth(const Averaging& tap, QRgb* out) {
-        total.assign(averageAcross.size(), Sum{});
+        std::fill(total.begin(), total.end(), Sum{});
         ForEachCovered(tap, coveredDown, [&](int row, unsigned weight) {
             const QRgb* const line = Line(row);
             for (std::size_t column = 0; column < total.size(); ++column)
@@ -211,6 +234,8 @@ class PartRenderer {
             *out++ = sum.Pixel(24);
     }
 
+    int rowCount;
+    Destination destination;
     const QRgb* pixels;
     std::ptrdiff_t stride;
     bool growsAcross;
@@ -225,6 +250,33 @@ class PartRenderer {
     std::vector<Sum> total;
 };
 
+/// Source pixels that each thread reads at least: for less, starting a thread costs more than it saves.
+constexpr double kMinReadPerThread = 500'000;
+
+/// Among how many threads the rows of a part are divided.
+int ThreadsFor(const QSize& source, const QSize& target, const QRect& part) {
+    const double across = std::max(1.0, static_cast<double>(source.width()) / target.width());
+    const double down = std::max(1.0, static_cast<double>(source.height()) / target.height());
+    const double useful = part.width() * across * part.height() * down / kMinReadPerThread;
+    const auto processors = static_cast<int>(std::thread::hardware_concurrency());
+    return static_cast<int>(std::clamp<double>(useful, 1, std::clamp(processors, 1, part.height())));
+}
+
+/// Renders the first band on this thread and each other one on a thread of its own, or on this one when the
+/// system has no more threads.
+void RenderAll(std::vector<PartRenderer>& bands) {
+    std::vector<std::jthread> threads;
+    threads.reserve(bands.size());
+    for (std::size_t band = 1; band < bands.size(); ++band) {
+        try {
+            threads.emplace_back([&renderer = bands[band]] { renderer.Render(); });
+        } catch (const std::system_error&) {
+            bands[band].Render();
+        }
+    }
+    bands.front().Render();
+}
+
 } // namespace
 
 SmoothScaler::SmoothScaler(const QImage& source, const QSize& target) : source(source), target(target) {
@@ -233,8 +285,15 @@ SmoothScaler::SmoothScaler(const QImage& source, const QSize& target) : source(s
 void SmoothScaler::Render(const QRect& part, QImage& out, const QPoint& place) const {
     if (part.isEmpty())
         return;
-    PartRenderer renderer(source, target, part);
-    for (int row = 0; row < part.height(); ++row)
-        renderer.RenderRow(static_cast<std::size_t>(row),
-                           reinterpret_cast<QRgb*>(out.scanLine(place.y() + row)) + place.x());
+    const int count = ThreadsFor(source.size(), target, part);
+    uchar* const pixels = out.bits(); // once, before the threads: the first call may copy the image
+    std::vector<PartRenderer> bands;
+    for (int band = 0; band < count; ++band) {
+        const int first = part.height() * band / count;
+        const int end = part.height() * (band + 1) / count;
+        const std::ptrdiff_t offset = (place.y() + first) * std::ptrdiff_t{out.bytesPerLine()};
+        bands.emplace_back(source, target, QRect(part.left(), part.top() + first, part.width(), end - first),
+                           Destination{pixels + offset, out.bytesPerLine(), place.x()});
+    }
+    RenderAll(bands);
 }

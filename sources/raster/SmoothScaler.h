@@ -13,7 +13,8 @@ class SmoothScaler {
     /// @param target the size that the whole is scaled to, at least 1 x 1
     SmoothScaler(const QImage& source, const QSize& target);
 
-    /// Writes the part of the scaled image that `part` cuts out, which must lie inside the target.
+    /// Writes the part of the scaled image that `part` cuts out, which must lie inside the target. A large
+    /// part is divided among the processors; all threads have ended when this returns.
     /// @param out an image in Format_RGB32; the part's top left pixel goes to (column, row) of it
     void Render(const QRect& part, QImage& out, const QPoint& place) const;
 

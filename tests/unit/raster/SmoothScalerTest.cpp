@@ -58,6 +58,18 @@ TEST(SmoothScaler, GivesThePixelsOfTheWholeWhenOneAxisGrowsAndTheOtherShrinks) {
         EXPECT_EQ(DifferenceAt(source, target, random), 0) << target.width() << " x " << target.height();
 }
 
+// Large enough for a thread for each of up to eight processors, with a height that none of these numbers
+// divides.
+TEST(SmoothScaler, rendersLargePartsAsQtDoes) {
+    const QImage source = Noise({2600, 2000}, 14);
+    for (const QSize target : {QSize(701, 541), QSize(2500, 421), QSize(600, 2003), QSize(2700, 2111)}) {
+        QImage rendered(target, QImage::Format_RGB32);
+        SmoothScaler(source, target).Render(QRect(QPoint(0, 0), target), rendered, {0, 0});
+        const QImage expected = source.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        EXPECT_EQ(LargestDifference(rendered, expected), 0) << target.width() << " x " << target.height();
+    }
+}
+
 TEST(SmoothScaler, TheSameSizeIsTheSourceItself) {
     const QImage source = Noise({50, 40}, 13);
     QImage rendered(50, 40, QImage::Format_RGB32);
