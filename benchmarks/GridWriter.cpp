@@ -106,6 +106,13 @@ Figures MakeGrid(const Arguments& arguments) {
     return {{"cells", static_cast<double>(width) * height}};
 }
 
+Figures MakeText(const Arguments& arguments) {
+    const int width = NumberAt(arguments, 1);
+    const int height = NumberAt(arguments, 2);
+    WriteTrack(arguments.at(0), width, height);
+    return {{"cells", static_cast<double>(width) * height}};
+}
+
 Figures MakeBinary(const Arguments& arguments) {
     TrackInfo info;
     info.xResolution = info.yResolution = 0.1;
@@ -127,5 +134,5 @@ Figures MakeBinary(const Arguments& arguments) {
 } // namespace
 
 Contestants GridWriters() {
-    return {{"make-grid", MakeGrid}, {"make-binary", MakeBinary}};
+    return {{"make-grid", MakeGrid}, {"make-text", MakeText}, {"make-binary", MakeBinary}};
 }

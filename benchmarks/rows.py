@@ -51,6 +51,9 @@ class Bench:
     def binary(self, side):
         return self.once(f"binary{side}.trk", lambda path: self.make("make-binary", path, side, side))
 
+    def text(self, side):
+        return self.once(f"text{side}.trk", lambda path: self.make("make-text", path, side, side))
+
     def tree(self, small, large):
         def maker(path):
             os.mkdir(path)
@@ -219,7 +222,10 @@ def path_rows(bench):
     rows.append(Row("alive", f"the longest operation on a canvas of {large} x {large}", bench.ours("blocking", large),
                     0.05))
     rows.append(Row("wheel", f"a step of the wheel with Ctrl to the complete picture, {large} x {large} from 25 % up",
-                    bench.ours("wheel", large), 0.03))
+                    bench.ours("wheel", large, figure="wall"), 0.03))
+    for encoding, file in (("text", bench.text), ("binary", bench.binary)):
+        rows.append(Row(f"hover-{encoding}", f"the longest move of the mouse over a {encoding} track of {large} x {large}",
+                        bench.ours("hover", figure="wall", data=lambda file=file: [file(large)]), 0.02))
     return rows
 
 
