@@ -96,9 +96,10 @@ std::size_t ByteString::Read(char* bytes, std::size_t capacity) {
 VeJson::Bytes KeepBytes(ByteString& bytes) {
     constexpr std::size_t kPiece = std::size_t{256} * 1024; // stays in the processor's cache until it is kept
     VeJson::Bytes kept;
-    std::vector<char> piece(static_cast<std::size_t>(std::min<std::uint64_t>(kPiece, bytes.Left())));
-    while (const std::size_t count = bytes.Read(piece.data(), piece.size())) {
+    VeJson::Bytes piece(static_cast<std::size_t>(std::min<std::uint64_t>(kPiece, bytes.Left())));
+    while (const std::size_t count = bytes.Read(reinterpret_cast<char*>(piece.data()), piece.size())) {
         MakeRoom(kept, count, bytes.Left());
+        // Elements of one type are copied as one block, others byte by byte.
         kept.insert(kept.end(), piece.data(), piece.data() + count);
     }
     return kept;
