@@ -51,6 +51,14 @@ HttpError Reported(const Ve::Exception& failure, const std::string& target) {
     return {IsOfTheArchive(failure.Cause()) ? 422U : 500U, "workspaces/Workspace.osws: " + text};
 }
 
+/// Fills the buffer unless the byte string ends before: files are written in few large pieces then.
+std::size_t ReadUpTo(OstraSdk::ByteString& bytes, char* buffer, std::size_t capacity) {
+    std::size_t filled = 0;
+    while (const std::size_t count = bytes.Read(buffer + filled, capacity - filled))
+        filled += count;
+    return filled;
+}
+
 } // namespace
 
 void RestoredBackup::Unpack(OstraSdk::ByteString& bytes) {
@@ -96,9 +104,9 @@ void RestoredBackup::CheckUnpacked() const {
 }
 
 void RestoredBackup::ReadEntries(OstraSdk::ByteString& bytes) {
-    const auto read = [&](char* room, std::size_t capacity, std::string_view* block) {
+    const auto read = [&](char* buffer, std::size_t capacity, std::string_view* block) {
         try {
-            *block = {room, bytes.Read(room, capacity)};
+            *block = {buffer, ReadUpTo(bytes, buffer, capacity)};
             return bOK;
         } catch (const Ve::Exception&) {
             // No exception may pass through the archive library; whoever reads on in the body meets it again.
