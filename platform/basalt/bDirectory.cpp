@@ -1,13 +1,11 @@
 #include "basalt/bDirectory.h"
 
+#include "basalt/FilePath.h"
 #include "basalt/FolderReader.h"
 
-#include <filesystem>
 #include <string>
 
 namespace {
-
-namespace fs = std::filesystem;
 
 bStatus List(const char* path, FileKind kind, bArrayList* list) {
     list->Clear();
@@ -23,34 +21,25 @@ bStatus List(const char* path, FileKind kind, bArrayList* list) {
     return bOK;
 }
 
-/// "link/" would name what the link leads to; "link" names the link.
-std::string WithoutSlashAtTheEnd(std::string path) {
-    while (path.size() > 1 && path.back() == '/')
-        path.pop_back();
-    return path;
-}
-
 } // namespace
 
 int bDirectory_Exists(const char* path) {
-    std::error_code ignored;
-    return fs::is_directory(path, ignored) ? 1 : 0;
+    FileFacts facts;
+    return !AskPath(path, &facts) && facts.kind == FileKind::Folder ? 1 : 0;
 }
 
 bStatus bDirectory_Create(const char* path) {
-    std::error_code failure;
-    return fs::create_directory(path, failure) && !failure ? bOK : bERROR_FILE;
+    return MakeFolderAt(path) ? bERROR_FILE : bOK;
 }
 
 bStatus bDirectory_Delete(const char* path) {
-    std::error_code failure;
-    const std::string place = WithoutSlashAtTheEnd(path);
-    if (fs::symlink_status(place, failure).type() == fs::file_type::not_found)
+    FileFacts facts;
+    const std::error_code missing = AskPathItself(path, &facts);
+    if (missing == std::errc::no_such_file_or_directory || missing == std::errc::not_a_directory)
         return bERROR_NOT_FOUND;
-    if (!fs::is_directory(place, failure))
+    if (bDirectory_Exists(path) == 0)
         return bERROR_FILE;
-    fs::remove_all(place, failure);
-    return failure ? bERROR_FILE : bOK;
+    return RemoveTreeAt(path) ? bERROR_FILE : bOK;
 }
 
 bStatus bDirectory_ListFiles(const char* path, bArrayList* list) {
