@@ -18,7 +18,7 @@ bool MoveTo(const std::string& target, const std::string& from) {
 
 } // namespace
 
-std::error_code CopyFile(const std::string& from, const std::string& target) {
+std::error_code CopyAtomically(const std::string& from, const std::string& target) {
     InputFile source(from.c_str());
     if (!source.IsOpen())
         return source.Failure();
@@ -32,7 +32,7 @@ std::error_code CopyFile(const std::string& from, const std::string& target) {
     return copy.Commit() ? std::error_code() : copy.Failure();
 }
 
-std::error_code ReplaceFile(const std::string& from, const std::string& target) {
+std::error_code ReplaceAtomically(const std::string& from, const std::string& target) {
     FileFacts facts;
     if (const std::error_code failure = AskPath(target, &facts))
         return failure;
@@ -42,6 +42,6 @@ std::error_code ReplaceFile(const std::string& from, const std::string& target) 
     if (!MayWrite(place))
         return std::make_error_code(std::errc::permission_denied);
     if (!MoveTo(place, from))
-        return CopyFile(from, place);
+        return CopyAtomically(from, place);
     return FolderHandle(FolderOf(place), FolderHandle::Links::Followed).Sync();
 }

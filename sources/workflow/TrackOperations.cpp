@@ -186,7 +186,7 @@ void TrackOperations::SaveInPlace(const QString& track) {
     const auto atTheEnd = qScopeGuard(cleanUp);
     document.save(track.toStdString(), kTemporaryTrack.toStdString(), document.worldTransform());
     protection.KeepTextOriginal(track.toStdString());
-    if (ReplaceFile(kTemporaryTrack.toStdString(), track.toStdString()))
+    if (ReplaceAtomically(kTemporaryTrack.toStdString(), track.toStdString()))
         throw Ve::Exception(__LINE__, kSourceFile, bERROR_TRACK, "MainWindow::SaveTrack",
                             "Failed to read the target file.");
 }
