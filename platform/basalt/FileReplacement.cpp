@@ -38,7 +38,7 @@ std::error_code ReplaceAtomically(const std::string& from, const std::string& ta
         return failure;
     if (facts.kind != FileKind::File)
         return std::make_error_code(std::errc::not_supported);
-    const std::string place = RealPath(target);
+    const std::string place = LinksFollowed(target);
     if (!MayWrite(place))
         return std::make_error_code(std::errc::permission_denied);
     if (!MoveTo(place, from))
