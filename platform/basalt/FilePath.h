@@ -28,8 +28,10 @@
 
 /// Gives a file another path in the same file system, in place of a file that has it, atomically.
 [[nodiscard]] std::error_code MoveFileTo(const std::string& target, const std::string& from);
+/// The permissions of a new folder that anybody may enter whom the process's mask does not keep out.
+constexpr unsigned kOpenFolder = 0777;
 /// Makes one folder. @return file_exists when the name is taken
-[[nodiscard]] std::error_code MakeFolderAt(const std::string& path);
+[[nodiscard]] std::error_code MakeFolderAt(const std::string& path, unsigned permissions = kOpenFolder);
 [[nodiscard]] std::error_code RemoveFileAt(const std::string& path);
 /// Removes a folder with everything in it. Links are removed and never followed, `path` included.
 [[nodiscard]] std::error_code RemoveTreeAt(const std::string& path);

@@ -79,9 +79,8 @@ std::error_code MoveFileTo(const std::string& target, const std::string& from) {
     return failure;
 }
 
-std::error_code MakeFolderAt(const std::string& path) {
-    constexpr mode_t kNewFolder = 0777; // less what the process's mask takes
-    return mkdir(path.c_str(), kNewFolder) == 0 ? std::error_code() : LastError();
+std::error_code MakeFolderAt(const std::string& path, unsigned permissions) {
+    return mkdir(path.c_str(), permissions) == 0 ? std::error_code() : LastError();
 }
 
 std::error_code RemoveFileAt(const std::string& path) {

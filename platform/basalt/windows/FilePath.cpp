@@ -127,12 +127,12 @@ std::error_code MoveFileTo(const std::string& target, const std::string& from) {
                               MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE);
 }
 
-std::error_code MakeFolderAt(const std::string& path) {
+std::error_code MakeFolderAt(const std::string& path, unsigned permissions) {
     const std::string name = NameOf(path);
     const FolderHandle above(FolderOf(path), FolderHandle::Links::Followed);
     if (!above.IsOpen())
         return above.Failure();
-    return Result(above.MakeFolder(name, 0));
+    return Result(above.MakeFolder(name, permissions));
 }
 
 std::error_code RemoveFileAt(const std::string& path) {
