@@ -93,7 +93,7 @@ bStatus TarWriter::WriteHeader(const char* name, int kind, const FileFacts& fact
     archive_entry_clear(entry.get());
     SetName(entry.get(), name);
     archive_entry_set_filetype(entry.get(), kind == bTar_DIRECTORY ? AE_IFDIR : AE_IFREG);
-    archive_entry_set_perm(entry.get(), facts.permissions);
+    archive_entry_set_perm(entry.get(), static_cast<mode_t>(facts.permissions));
     archive_entry_set_size(entry.get(), facts.size);
     archive_entry_set_mtime(entry.get(), facts.modified, 0);
     // A warning is about a name that is not UTF-8; its bytes are kept.

@@ -4,6 +4,7 @@
 #include "FileSizeLimit.h"
 #include "FolderTree.h"
 #include "OrdinaryUser.h"
+#include "RunTool.h"
 #include "TemporaryFolder.h"
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
