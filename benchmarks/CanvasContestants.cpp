@@ -3,6 +3,10 @@
 #include "CanvasStage.h"
 #include "PathLayouts.h"
 #include "canvas/qmaskwidget.h"
+#include "window/ViewNavigation.h"
+#include "window/ViewScale.h"
+
+#include <QWheelEvent>
 
 #include <algorithm>
 #include <stdexcept>
@@ -200,6 +204,64 @@ Figures LongestOperation(const Arguments& arguments) {
     return longest;
 }
 
+/// A stage whose wheel zooms as the program's window does.
+class WheelStage {
+  public:
+    explicit WheelStage(int side) : stage(CanvasStage::Kind::Canvas, SurfaceImage(side, side)) {
+        TrackContent content;
+        content.info.xResolution = content.info.yResolution = 1.0;
+        content.image = SurfaceImage(side, side);
+        stage.Canvas().document().open(std::move(content), {}, TrackOrigin::External);
+        slider.setRange(1, 80);
+        QObject::connect(&slider, &QSlider::valueChanged, [this](int value) { scale.apply(value); });
+    }
+
+    /// Goes to a scale in steps of 5 % and waits for the complete picture.
+    void Show(int value) {
+        slider.setValue(value);
+        Finish();
+    }
+    void Turn(int steps) {
+        const QPoint place = stage.View().rect().center() - stage.Widget().pos();
+        QWheelEvent event(place, stage.Widget().mapToGlobal(place), QPoint(),
+                          QPoint(0, steps * QWheelEvent::DefaultDeltasPerStep), Qt::NoButton,
+                          Qt::ControlModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&stage.Widget(), &event);
+        Finish();
+    }
+
+  private:
+    void Finish() {
+        do
+            QApplication::processEvents();
+        while (stage.Canvas().isRefining());
+    }
+
+    CanvasStage stage;
+    QSlider slider;
+    QLabel label;
+    ViewScale scale{slider, label, stage.View(), stage.Canvas(), stage.Canvas().document()};
+    ViewNavigation navigation{{stage.View(), stage.View(), stage.Canvas(), scale, [] { return false; }}};
+};
+
+/// The slowest step of the wheel from 25 % up, each the usual one of several.
+Figures TurnWheel(const Arguments& arguments) {
+    constexpr int kLowest = 5;
+    constexpr int kHighest = 80;
+    constexpr int kTurns = 5;
+    WheelStage stage(NumberAt(arguments, 0));
+    double slowest = 0;
+    for (int value = kLowest; value <= kHighest; ++value) {
+        std::vector<double> seconds;
+        for (int turn = 0; turn < kTurns; ++turn) {
+            stage.Show(value - 1);
+            seconds.push_back(SecondsOf([&] { stage.Turn(1); }));
+        }
+        slowest = std::max(slowest, Median(seconds));
+    }
+    return {{"seconds", slowest}};
+}
+
 } // namespace
 
 Contestants CanvasContestants() {
@@ -211,5 +273,6 @@ Contestants CanvasContestants() {
             {"points", PaintPoints},
             {"drag", Drag},
             {"undo", Undo},
+            {"wheel", TurnWheel},
             {"blocking", LongestOperation}};
 }

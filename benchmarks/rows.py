@@ -218,6 +218,8 @@ def path_rows(bench):
     large = bench.size(10_000, 1000)
     rows.append(Row("alive", f"the longest operation on a canvas of {large} x {large}", bench.ours("blocking", large),
                     0.05))
+    rows.append(Row("wheel", f"a step of the wheel with Ctrl to the complete picture, {large} x {large} from 25 % up",
+                    bench.ours("wheel", large), 0.03))
     return rows
 
 

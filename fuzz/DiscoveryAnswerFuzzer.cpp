@@ -1,9 +1,9 @@
 #include "Check.h"
 #include "basalt/bStatus.h"
 #include "ostrasdk/DiscoveryKeys.h"
-#include "ostrasdk/JsonText.h"
 #include "ostrasdk/VeInstance.h"
 #include "server/DiscoveryResponder.h"
+#include "wire/JsonText.h"
 
 #include <array>
 

@@ -6,37 +6,37 @@
 namespace {
 
 /// Usual coordinates, or any bits at all.
-double TakeDouble(FuzzedDataProvider& input) {
+double TakeDouble(InputBytes& input) {
     constexpr double kSteps = 256;
-    if (input.ConsumeBool())
-        return input.ConsumeIntegral<std::uint8_t>() / kSteps;
-    return std::bit_cast<double>(input.ConsumeIntegral<std::uint64_t>());
+    if (input.TakeBool())
+        return input.Take<std::uint8_t>() / kSteps;
+    return std::bit_cast<double>(input.Take<std::uint64_t>());
 }
 
-QPointF TakePoint(FuzzedDataProvider& input) {
+QPointF TakePoint(InputBytes& input) {
     const double x = TakeDouble(input);
     return {x, TakeDouble(input)};
 }
 
-RulerMarks TakeMarks(FuzzedDataProvider& input) {
-    constexpr int kMostTicks = 3;
+RulerMarks TakeMarks(InputBytes& input) {
+    constexpr int kMaxTicks = 3;
     RulerMarks marks;
-    for (int ticks = input.ConsumeIntegralInRange(0, kMostTicks); ticks > 0; --ticks) {
+    for (int ticks = input.TakeInRange(0, kMaxTicks); ticks > 0; --ticks) {
         marks.tickStarts.push_back(TakePoint(input));
         marks.tickEnds.push_back(TakePoint(input));
     }
     return marks;
 }
 
-TrackPath TakePath(FuzzedDataProvider& input) {
-    constexpr int kMostPoints = 6;
+TrackPath TakePath(InputBytes& input) {
+    constexpr int kMaxPoints = 6;
     TrackPath path;
-    for (int points = input.ConsumeIntegralInRange(1, kMostPoints); points > 0; --points) {
+    for (int points = input.TakeInRange(1, kMaxPoints); points > 0; --points) {
         path.points.push_back(TakePoint(input));
         for (std::vector<int>* list : {&path.methods, &path.lengths, &path.widths, &path.spaces})
-            list->push_back(input.ConsumeIntegral<std::int32_t>());
+            list->push_back(input.Take<std::int32_t>());
     }
-    if (input.ConsumeBool()) {
+    if (input.TakeBool()) {
         for (std::size_t segment = 0; segment + 1 < path.points.size(); ++segment)
             path.rulerMarks.push_back(TakeMarks(input));
     }
@@ -45,15 +45,15 @@ TrackPath TakePath(FuzzedDataProvider& input) {
 
 } // namespace
 
-std::vector<TrackPath> TakePaths(FuzzedDataProvider& input) {
-    constexpr int kMostPaths = 4;
+std::vector<TrackPath> TakePaths(InputBytes& input) {
+    constexpr int kMaxPaths = 4;
     std::vector<TrackPath> paths;
-    for (int count = input.ConsumeIntegralInRange(0, kMostPaths); count > 0; --count)
+    for (int count = input.TakeInRange(0, kMaxPaths); count > 0; --count)
         paths.push_back(TakePath(input));
     return paths;
 }
 
-WorldTransform TakeTransform(FuzzedDataProvider& input) {
+WorldTransform TakeTransform(InputBytes& input) {
     WorldTransform transform{};
     for (double* factor : {&transform.widthScale, &transform.xOffset, &transform.yOffset, &transform.xScale,
                            &transform.yScale})

@@ -1,15 +1,14 @@
 #pragma once
 
+#include "InputBytes.h"
 #include "document/formats/TrackPath.h"
 #include "document/formats/WorldTransform.h"
 
 #include <vector>
 
-#include <fuzzer/FuzzedDataProvider.h>
-
 /// A few paths with any coordinates and parameters, with ruler marks on some segments; the lists are parallel
 /// as those of the canvas always are.
-std::vector<TrackPath> TakePaths(FuzzedDataProvider& input);
+std::vector<TrackPath> TakePaths(InputBytes& input);
 
 /// Any factors.
-WorldTransform TakeTransform(FuzzedDataProvider& input);
+WorldTransform TakeTransform(InputBytes& input);

@@ -1,7 +1,7 @@
 #include "FuzzedServer.h"
 
 #include "Check.h"
-#include "server/HttpSession.h"
+#include "server/http/Session.h"
 
 #include <array>
 #include <filesystem>
@@ -23,7 +23,7 @@ std::unique_ptr<Workspace> FreshWorkspace() {
     Store("served/space/vdk/ContourPath/one.trk", "a track");
     Store("served/canary", "alive");
     Store("canary", "alive");
-    return std::make_unique<Workspace>("served/space");
+    return std::make_unique<Workspace>("served/space", 0);
 }
 
 ServerOptions Options() {
@@ -59,7 +59,8 @@ std::vector<std::string> Verbs(const std::string& log) {
     std::vector<std::string> verbs;
     std::istringstream lines(log);
     for (std::string line; std::getline(lines, line);)
-        verbs.push_back(line.substr(0, line.find(' ')));
+        if (!line.starts_with('#'))
+            verbs.push_back(line.substr(0, line.find(' ')));
     return verbs;
 }
 
@@ -72,13 +73,15 @@ FuzzedServer::FuzzedServer()
       replay(false, std::nullopt),
       faults(options.faults),
       log(kLog),
-      sensor{options, identity, *workspace, replay, faults, log},
+      access({"x"}, ""),
+      sensor{options, identity, access, *workspace, replay, faults, log},
+      router(sensor),
       first(Served()),
       beside(Beside()) {
 }
 
 std::vector<FuzzedServer::Reply> FuzzedServer::Talk(const std::string& request) {
-    static const std::set<unsigned> kStatuses{200, 400, 404, 405, 413, 422};
+    static const std::set<unsigned> kStatuses{200, 400, 403, 404, 405, 413, 422, 501};
     const int freeDescriptor = FreeDescriptor();
     fs::resize_file(kLog, 0);
     const std::string answers = Answers(request);
@@ -103,11 +106,9 @@ std::string FuzzedServer::Answers(const std::string& request) {
           "a request fits the sockets");
     shutdown(ends[0], SHUT_WR);
     {
-        HttpSession session(sensor);
-        boost::asio::ip::tcp::socket socket(session.Stream().Context());
-        socket.assign(boost::asio::ip::tcp::v4(), ends[1]);
-        session.Stream().Accept(std::move(socket));
-        session.Run();
+        boost::asio::io_context io(1);
+        boost::asio::ip::tcp::socket socket(io, boost::asio::ip::tcp::v4(), ends[1]);
+        Session(sensor, router, std::move(socket)).Run();
     }
     std::string answers = ReadAll(ends[0]);
     close(ends[0]);

@@ -9,6 +9,8 @@
 #include "server/ServerIdentity.h"
 #include "server/ServerOptions.h"
 #include "server/Workspace.h"
+#include "server/handlers/Router.h"
+#include "server/http/AccessRules.h"
 
 #include <memory>
 #include <string>
@@ -44,7 +46,9 @@ class FuzzedServer {
     ReplayMode replay;
     FaultPlan faults;
     RequestLog log;
+    AccessRules access;
     Sensor sensor;
+    Router router;
     Tree first;
     Tree beside;
 };

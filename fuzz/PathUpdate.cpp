@@ -3,15 +3,16 @@
 #include "Check.h"
 #include "FuzzFolder.h"
 #include "FuzzPaths.h"
+#include "InputBytes.h"
 
 PathUpdate UpdateAnyPaths(Converter& converter, const std::uint8_t* data, std::size_t size) {
     static const FuzzFolder folder;
     const int freeDescriptor = FreeDescriptor();
-    FuzzedDataProvider input(data, size);
+    InputBytes input(data, size);
     PathUpdate update;
     update.paths = TakePaths(input);
     const WorldTransform t = TakeTransform(input);
-    update.original = input.ConsumeRemainingBytesAsString();
+    update.original = input.Rest();
     Store("original.trk", update.original);
     Store("target.trk", "old");
 

@@ -1,8 +1,8 @@
 #include "ReplyStream.h"
 
 #include "Check.h"
-#include "basalt/ContentDigest.h"
-#include "basalt/Crc32c.h"
+#include "wire/ContentDigest.h"
+#include "wire/Crc32c.h"
 
 #include <charconv>
 #include <system_error>

@@ -1,74 +1,76 @@
 #include "Check.h"
 #include "basalt/Exception.h"
-#include "ostrasdk/ReplyBody.h"
-#include "ostrasdk/WireBody.h"
+#include "wire/BodyReader.h"
+#include "wire/JsonText.h"
+#include "wire/MessageReader.h"
+#include "wire/WireBody.h"
 
-#include <boost/asio/buffer.hpp>
-#include <boost/beast/http/parser.hpp>
+#include <boost/asio/error.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 
 namespace {
 
-namespace http = boost::beast::http;
+using OstraSdk::ReplyMessage;
 using OstraSdk::VeJson;
 
-/// Offers a parser the bytes of a reply as a connection does: some more each time, and what it left again.
-class Arrival {
+constexpr std::uint64_t kMaxReply = std::uint64_t{4} << 30U;
+
+/// A connection over which these bytes come in pieces of a size.
+class Arrival final : public OstraSdk::InputStream {
   public:
     Arrival(const std::uint8_t* data, std::size_t size, std::size_t pieceSize)
-        : data(data), size(size), pieceSize(pieceSize) {}
+        : data(data), left(size), pieceSize(pieceSize) {}
 
-    /// @return false when the reply is broken, or ends before `done` is true
-    template<typename Parser, typename Done>
-    bool GiveUntil(Parser& parser, Done done) {
-        while (!done()) {
-            if (arrived == size && (isStuck || taken == size))
-                return false;
-            arrived = std::min(size, arrived + pieceSize);
-            boost::beast::error_code error;
-            const std::size_t used = parser.put(boost::asio::buffer(data + taken, arrived - taken), error);
-            taken += used;
-            isStuck = used == 0;
-            if (error && error != http::error::need_more)
-                return false;
-        }
-        return true;
+    std::size_t ReadSome(void* bytes, std::size_t capacity, boost::system::error_code& error) override {
+        const std::size_t count = std::min({capacity, left, pieceSize});
+        error = count == 0 ? boost::asio::error::eof : boost::system::error_code();
+        std::copy_n(data, count, static_cast<std::uint8_t*>(bytes));
+        data += count;
+        left -= count;
+        return count;
     }
-
-    [[nodiscard]] bool IsAtEnd() const { return taken == size; }
 
   private:
     const std::uint8_t* data;
-    std::size_t size;
+    std::size_t left;
     std::size_t pieceSize;
-    std::size_t arrived = 0;
-    std::size_t taken = 0;
-    bool isStuck = false;
 };
 
-/// The value in a reply that arrives in pieces of this size; nothing when it is refused.
-std::optional<VeJson> Received(const std::uint8_t* data, std::size_t size, std::size_t pieceSize) {
-    http::response_parser<OstraSdk::BeastReplyBody> parser;
-    parser.body_limit(std::uint64_t{4} << 30U);
-    Arrival arrival(data, size, pieceSize);
-    if (!arrival.GiveUntil(parser, [&] { return parser.is_header_done(); }))
-        return std::nullopt;
-    std::optional<std::uint64_t> length;
-    if (const auto declared = parser.content_length())
-        length = *declared;
-    const auto type = parser.get()[http::field::content_type];
-    parser.get().body().Start({type.data(), type.size()}, length);
-    parser.eager(true);
-    if (!arrival.GiveUntil(parser, [&] { return parser.is_done(); })) {
-        boost::beast::error_code error;
-        if (arrival.IsAtEnd())
-            parser.put_eof(error);
-        if (error || !parser.is_done())
-            return std::nullopt;
+/// A body in memory.
+class Held final : public OstraSdk::ByteSource {
+  public:
+    explicit Held(std::vector<std::string_view> parts) : parts(std::move(parts)) {}
+
+    std::size_t Read(char* bytes, std::size_t capacity) override {
+        while (at < parts.size() && parts[at].empty())
+            ++at;
+        if (at == parts.size())
+            return 0;
+        const std::size_t count = parts[at].copy(bytes, capacity);
+        parts[at].remove_prefix(count);
+        return count;
     }
-    return parser.get().body().Finish();
+
+  private:
+    std::vector<std::string_view> parts;
+    std::size_t at = 0;
+};
+
+/// The value in a reply that arrives in pieces of this size; nothing when there is none.
+std::optional<VeJson> Received(const std::uint8_t* data, std::size_t size, std::size_t pieceSize) {
+    Arrival arrival(data, size, pieceSize);
+    OstraSdk::ReadAhead ahead;
+    ReplyMessage reply(arrival, ahead);
+    if (!reply.ReadHead())
+        return std::nullopt;
+    reply.BeginBody(kMaxReply);
+    VeJson value = OstraSdk::ReadBody(reply, reply.Value(ReplyMessage::Field::content_type),
+                                      {reply.MaxBytes(), OstraSdk::kMaxText});
+    reply.CheckDigest(false);
+    return value;
 }
 
 std::optional<VeJson> ReceivedOrRefused(const std::uint8_t* data, std::size_t size, std::size_t pieceSize) {
@@ -153,12 +155,11 @@ int DepthOf(const VeJson& json) {
 /// Sends a value as this program would and takes it back.
 void CheckRoundTrip(const VeJson& json) {
     const OstraSdk::WireBody body(json);
-    OstraSdk::ReplyBody reply;
-    reply.Start(body.ContentType(), body.Size());
-    for (const std::string_view part : body.Parts())
-        reply.Take(part.data(), part.size());
+    Held held(body.Parts());
+    const VeJson received =
+        OstraSdk::ReadBody(held, body.ContentType(), {body.Size(), static_cast<std::size_t>(kMaxReply)});
     const Exactness exactness = OstraSdk::IsCborType(body.ContentType()) ? Exactness::Bits : Exactness::Text;
-    Check(Same(json, reply.Finish(), exactness), "a value is received as it was sent");
+    Check(Same(json, received, exactness), "a value is received as it was sent");
 }
 
 } // namespace

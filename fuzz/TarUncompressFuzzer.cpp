@@ -25,7 +25,7 @@ void LayOut() {
 Tree TreeOutside() {
     Tree outside;
     for (auto& [name, what] : TreeOf(".")) {
-        if (!name.starts_with("stage/target/") && !name.starts_with("archive") && !name.starts_with("again"))
+        if (!name.starts_with("stage/target") && !name.starts_with("archive") && !name.starts_with("again"))
             outside.emplace(name, what);
     }
     return outside;

@@ -1,5 +1,9 @@
 #!/usr/bin/env python3
-"""Writes the first inputs of each fuzzer: small, whole files of each format, and a real track cut down."""
+"""Writes fuzz/corpus: what each fuzzer starts from (small complete inputs of each format, and a real track cut down), and
+every input that once broke a promise, by its name ("regression-...").
+
+    fuzz/seeds.py [FOLDER]
+"""
 import io
 import pathlib
 import struct
@@ -15,6 +19,12 @@ def put(target, name, content):
     folder = OUT / target
     folder.mkdir(parents=True, exist_ok=True)
     (folder / name).write_bytes(content)
+
+
+def put_track(encoding, name, track):
+    """One to read, and the same one to write paths into."""
+    put(encoding + "_reader", name, track)
+    put(encoding + "_update", name, track + paths_to_write())
 
 
 def text_track():
@@ -49,6 +59,20 @@ def binary_track(version=1, magic=b"Track  \0", blocks="ARS"):
             for path, point in ((0, 0), (0, 1), (1, 0))),
     }
     return head + cells + b"".join(block[letter] for letter in blocks)
+
+
+def paths_to_write():
+    """Two paths and a transform, as the fuzzers of path updates take them from an input's end: last byte first."""
+    whole = bytes([1])  # a number of one byte follows, in steps of 1/256
+    taken = bytes([2])
+    for points in (2, 1):
+        taken += bytes([points - 1])
+        for point in range(points):
+            taken += whole + bytes([40 + point]) + whole + bytes([90])  # x and y
+            taken += struct.pack("<4i", point % 3, 100, 50, 20)  # method, length, width, space
+        taken += bytes([1]) + bytes([1] + [1, 64] * 4) * (points - 1)  # ruler marks: one tick a segment
+    taken += (whole + bytes([128])) * 5
+    return taken[::-1]
 
 
 def archive(entries, kind):
@@ -110,20 +134,34 @@ EVERYTHING = b"\xa8\x61a\x01\x61b\x20\x61c\xfb\x40\x09\x21\xfb\x54\x44\x2d\x18\x
              b"\x61g\xa1\x61h\xf9\x3c\x00\x61i\x43xyz"
 
 
+def regressions():
+    """Inputs that once broke a promise."""
+    other_size = text_track().replace(b"-5,3,2", b"-5,2,3").split(b"YX")[0] + b"End\n"
+    negative = binary_track().replace(struct.pack("<2i", 3, 2), struct.pack("<2i", -3, -2))
+    put_track("text", "regression-information-after-the-map", text_track() + other_size)
+    put_track("binary", "regression-negative-width", negative)
+    put_track("binary", "regression-end-within-the-first-tag", binary_track(blocks="") + b"A\0")
+    put("rest_reply", "regression-last-chunk-in-single-bytes", reply(
+        b"0\r\n\r\n", length=False, extra=b"Transfer-Encoding: chunked\r\n"))
+    put("rest_reply", "regression-keys-that-differ-after-a-zero-byte", reply(b'{"a\0b":1,"a\0c":2}'))
+    put("rest_reply", "regression-escaped-zero-bytes-in-keys", reply(b'{"a\\u0000b":1,"a\\u0000c":2}'))
+    answer = b'{"SerialNumber":1,"ControlPort":65535,"Address":"10.0.0.1%s"}'
+    put("discovery_answer", "regression-zero-byte-in-the-address", answer % b"\\u0000.9")
+    put("discovery_answer", "regression-keys-that-differ-after-a-zero-byte", b'{"a\0b":1,"a\0c":2,' + answer[1:] % b"")
+    put("server_request", "regression-last-chunk-in-single-bytes",
+        b"POST /system/commands/archive HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n\r\n")
+
+
 def main():
-    for target in ("text_reader", "text_update"):
-        put(target, "small", text_track())
-        put(target, "real", real_text_track())
-        put(target, "windows-lines", text_track().replace(b"\n", b"\r\n"))
-        put(target, "quotes", text_track().replace(b"1.25", b'"1.25"').replace(b"Anchor", b'"An\\"chor"'))
-        put(target, "two-maps", text_track() + text_track())
-    for target in ("binary_reader", "binary_update"):
-        put(target, "small", binary_track())
-        put(target, "no-anchor", binary_track(blocks="RS"))
-        put(target, "segments-only", binary_track(blocks="S"))
-        put(target, "map-only", binary_track(blocks=""))
-        put(target, "version-2", binary_track(version=2))
-        put(target, "magic-inside", binary_track(magic=b"xxxTraxx"))
+    for name, track in (("small", text_track()), ("real", real_text_track()),
+                        ("windows-lines", text_track().replace(b"\n", b"\r\n")),
+                        ("quotes", text_track().replace(b"1.25", b'"1.25"').replace(b"Anchor", b'"An\\"chor"')),
+                        ("two-maps", text_track() + text_track())):
+        put_track("text", name, track)
+    for name, track in (("small", binary_track()), ("no-anchor", binary_track(blocks="RS")),
+                        ("segments-only", binary_track(blocks="S")), ("map-only", binary_track(blocks="")),
+                        ("version-2", binary_track(version=2)), ("magic-inside", binary_track(magic=b"xxxTraxx"))):
+        put_track("binary", name, track)
     for name, data in archives():
         put("tar_uncompress", name, data)
         put("server_restore", name, data)
@@ -160,6 +198,7 @@ def main():
     put("server_request", "head", b"HEAD /system/info HTTP/1.1\r\n\r\n" * 2)
     put("server_request", "digest", b"GET /system/info HTTP/1.1\r\nWant-Content-Digest: crc32c=1\r\n\r\n" * 2)
     put("server_request", "wrong", request(b"GET /system/commands/archive") + request(b"GET /nowhere"))
+    regressions()
 
 
 main()

@@ -1,121 +1,161 @@
 #include "server/BackupArchive.h"
 
-#include "basalt/FolderReader.h"
 #include "basalt/InputFile.h"
-#include "server/RequestError.h"
+#include "cinder/ConfinedFolder.h"
+#include "server/http/HttpError.h"
 
 #include <algorithm>
+#include <memory>
 #include <utility>
+#include <vector>
 
 namespace {
 
-constexpr unsigned kDeepest = 100;
-constexpr std::size_t kChunk = std::size_t{256} * 1024;
-constexpr const char* kInfoName = "info.json";
-constexpr const char* kFolderName = "workspaces";
-constexpr const char* kInnerName = "workspaces/Workspace.osws";
+constexpr std::size_t kPiece = std::size_t{256} * 1024;
 
-[[noreturn]] void Unreadable() {
-    throw RequestError(500, "The workspace cannot be read.");
-}
-
-std::vector<std::string> NamesIn(const FolderHandle& folder) {
-    std::vector<std::string> names;
-    FolderReader reader(folder);
-    FolderEntry entry;
-    bStatus status = bOK;
-    while ((status = reader.Next(&entry)) == bOK)
-        names.emplace_back(entry.name);
-    if (status != bERROR_END)
-        Unreadable();
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-std::uint64_t Padded(std::uint64_t size) {
-    return size + TarPadding(size);
-}
-
-bool SendText(const std::string& text, const ByteSink& sink) {
-    return sink(text.data(), text.size());
-}
-
-bool SendZeros(std::uint64_t count, const ByteSink& sink) {
-    return SendText(std::string(static_cast<std::size_t>(count), '\0'), sink);
-}
-
-/// Gives `size` bytes of an open file. @return false when it holds fewer, or the sink wants no more
-bool SendBytes(InputFile& file, std::uint64_t size, const ByteSink& sink) {
-    std::vector<char> chunk(static_cast<std::size_t>(std::min<std::uint64_t>(size, kChunk)));
-    while (size > 0) {
-        const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(size, chunk.size()));
-        std::size_t got = 0;
-        if (!file.Read(chunk.data(), wanted, &got) || got == 0 || !sink(chunk.data(), got))
-            return false;
-        size -= got;
+/// An archive that is written to a sink.
+class SentTar {
+  public:
+    explicit SentTar(const bFile::Sink& sink) {
+        bFile* opened = nullptr;
+        // After a failure not even its end is written: the archive must not look complete.
+        const auto whileGood = [this, sink](const void* bytes, std::size_t size) {
+            return status == bOK ? sink(bytes, size) : status;
+        };
+        status = bFile_ConstructInto(&opened, whileGood, bAlloc_Application());
+        file.reset(opened);
+        bTar* archive = nullptr;
+        if (status == bOK)
+            status = bTar_Construct(&archive, opened, bFile_WRITE, bAlloc_Application());
+        tar.reset(archive);
     }
-    return true;
+
+    void AddFolder(const std::string& name) {
+        Do(&bTar_BeginWrite, name.c_str(), bTar_DIRECTORY, std::int64_t{0});
+    }
+    void BeginFile(const std::string& name, std::uint64_t size) {
+        Do(&bTar_BeginWrite, name.c_str(), bTar_FILE, static_cast<std::int64_t>(size));
+    }
+    void Describe(const FileFacts& facts) { bTar_Describe(tar.get(), facts); }
+    bStatus Write(std::string_view bytes) { return Do(&bTar_WriteBlock, bytes); }
+    /// Notes a failure from elsewhere.
+    void Fail(bStatus failure) { status = status == bOK ? failure : status; }
+    [[nodiscard]] bool IsGood() const { return status == bOK; }
+    SentTar(const SentTar&) = delete;
+    SentTar& operator=(const SentTar&) = delete;
+
+    bStatus End() {
+        const bStatus ended = xbObject_DestroyImpl(tar.release());
+        Fail(ended);
+        return status;
+    }
+
+  private:
+    template<typename Step, typename... Arguments>
+    bStatus Do(Step step, Arguments... arguments) {
+        if (status == bOK)
+            status = step(tar.get(), arguments...);
+        return status;
+    }
+
+    bStatus status = bOK;
+    bOwned<bFile> file;
+    bOwned<bTar> tar; ///< goes before its file
+};
+
+/// How many of the bytes that are left go into one piece.
+std::size_t PieceOf(std::int64_t left) {
+    return static_cast<std::size_t>(std::min<std::uint64_t>(static_cast<std::uint64_t>(left), kPiece));
+}
+
+/// Writes the bytes of a file that has to be as it was when its facts were asked for.
+void Copy(InputFile file, const FileFacts& facts, std::vector<char>& piece, SentTar& tar) {
+    FileFacts now;
+    if (!file.IsOpen() || !file.Ask(&now) || now.size != facts.size)
+        return tar.Fail(bERROR_FILE);
+    for (std::int64_t left = facts.size; left > 0 && tar.IsGood();) {
+        std::size_t count = 0;
+        const auto wanted = PieceOf(left);
+        if (!file.Read(piece.data(), wanted, &count) || count < wanted)
+            return tar.Fail(bERROR_FILE);
+        tar.Write({piece.data(), count});
+        left -= static_cast<std::int64_t>(count);
+    }
+}
+
+/// Writes as many bytes as a file has.
+void Count(const FileFacts& facts, const std::vector<char>& piece, SentTar& tar) {
+    for (std::int64_t left = facts.size; left > 0 && tar.IsGood();) {
+        const auto count = PieceOf(left);
+        tar.Write({piece.data(), count});
+        left -= static_cast<std::int64_t>(count);
+    }
 }
 
 } // namespace
 
 BackupArchive::BackupArchive(Workspace::Snapshot snapshot, std::string info)
-    : workspace(std::move(snapshot)), info(std::move(info)) {
-    AddFolder(workspace.folder, "", kDeepest);
-    for (const Item& item : items)
-        innerSize += Header(item).size() + Padded(item.size);
+    : workspace(std::move(snapshot)), info(std::move(info)), tree(workspace.folder) {
+    innerSize = Measured(&BackupArchive::WriteInner);
+    size = Measured(&BackupArchive::Write);
 }
 
-void BackupArchive::AddFolder(const FolderHandle& folder, const std::string& prefix, unsigned depth) {
-    std::vector<Item> subfolders;
-    for (const std::string& name : NamesIn(folder)) {
-        FileFacts facts;
-        if (folder.Ask(name, &facts))
-            Unreadable();
-        const auto modified = static_cast<std::uint64_t>(std::max<std::int64_t>(facts.modified, 0));
-        if (facts.kind == FileKind::File)
-            items.push_back({prefix + name, TarKind::File, static_cast<std::uint64_t>(facts.size), modified});
-        else if (facts.kind == FileKind::Folder)
-            subfolders.push_back({prefix + name, TarKind::Folder, 0, modified});
+/// What an archive has before and between its files depends on their names and facts; whoever writes it
+/// knows.
+std::uint64_t BackupArchive::Measured(bStatus (BackupArchive::*write)(const bFile::Sink&, Data) const) const {
+    std::uint64_t bytes = 0;
+    const bStatus status = (this->*write)(
+        [&](const void*, std::size_t count) {
+            bytes += count;
+            return bOK;
+        },
+        Data::Counted);
+    if (status != bOK)
+        throw HttpError(500, "The workspace has a name that clients do not accept.");
+    return bytes;
+}
+
+void BackupArchive::Send(const ByteSink& sink) const {
+    static_cast<void>(Write(
+        [&](const void* bytes, std::size_t count) {
+            return sink({static_cast<const char*>(bytes), count}) ? bOK : bERROR_CONNECTION;
+        },
+        Data::Read));
+}
+
+bStatus BackupArchive::Write(const bFile::Sink& sink, Data data) const {
+    SentTar tar(sink);
+    tar.BeginFile("info.json", info.size());
+    tar.Write(info);
+    tar.AddFolder("workspaces");
+    tar.BeginFile("workspaces/Workspace.osws", innerSize);
+    if (tar.IsGood())
+        tar.Fail(WriteInner(
+            [&](const void* bytes, std::size_t count) {
+                return tar.Write({static_cast<const char*>(bytes), count});
+            },
+            data));
+    return tar.End();
+}
+
+bStatus BackupArchive::WriteInner(const bFile::Sink& sink, Data data) const {
+    SentTar tar(sink);
+    ConfinedFolder folders(workspace.folder.OpenFolder("."));
+    std::vector<char> piece(kPiece);
+    for (const WorkspaceTree::Item& item : tree.Items()) {
+        if (!tar.IsGood())
+            break;
+        tar.Describe(item.facts);
+        if (item.facts.kind == FileKind::Folder) {
+            tar.AddFolder(item.name);
+            continue;
+        }
+        tar.BeginFile(item.name, static_cast<std::uint64_t>(item.facts.size));
+        const ConfinedFolder::Parts parts = TarNameParts(item.name);
+        if (data == Data::Counted)
+            Count(item.facts, piece, tar);
+        else
+            Copy({folders.Enter(parts, parts.size() - 1), parts.back()}, item.facts, piece, tar);
     }
-    for (const Item& subfolder : subfolders)
-        AddSubfolder(folder, subfolder, depth);
-}
-
-void BackupArchive::AddSubfolder(const FolderHandle& parent, const Item& item, unsigned depth) {
-    if (depth == 0)
-        throw RequestError(500, "The workspace's folders nest too deep.");
-    items.push_back(item);
-    const std::string name = item.name.substr(item.name.rfind('/') + 1);
-    const FolderHandle folder = parent.OpenFolder(name);
-    if (!folder.IsOpen())
-        Unreadable();
-    AddFolder(folder, item.name + "/", depth - 1);
-}
-
-std::string BackupArchive::Header(const Item& item) {
-    return TarHeader(item.name, item.kind, item.size, item.modified);
-}
-
-std::uint64_t BackupArchive::Size() const {
-    return TarHeader(kInfoName, TarKind::File, info.size(), 0).size() + Padded(info.size()) +
-           TarHeader(kFolderName, TarKind::Folder, 0, 0).size() +
-           TarHeader(kInnerName, TarKind::File, innerSize, 0).size() + Padded(innerSize) + kTarEnd;
-}
-
-bool BackupArchive::Send(const ByteSink& sink) const {
-    bool wanted = SendText(TarHeader(kInfoName, TarKind::File, info.size(), 0), sink) &&
-                  SendText(info, sink) && SendZeros(TarPadding(info.size()), sink) &&
-                  SendText(TarHeader(kFolderName, TarKind::Folder, 0, 0), sink) &&
-                  SendText(TarHeader(kInnerName, TarKind::File, innerSize, 0), sink);
-    for (auto item = items.begin(); wanted && item != items.end(); ++item)
-        wanted = SendText(Header(*item), sink) && (item->kind == TarKind::Folder || SendFile(*item, sink));
-    return wanted && SendZeros(kTarEnd + TarPadding(innerSize) + kTarEnd, sink);
-}
-
-bool BackupArchive::SendFile(const Item& item, const ByteSink& sink) const {
-    InputFile file(workspace.folder, item.name);
-    FileFacts facts;
-    return file.IsOpen() && file.Ask(&facts) && static_cast<std::uint64_t>(facts.size) == item.size &&
-           SendBytes(file, item.size, sink) && SendZeros(TarPadding(item.size), sink);
+    return tar.End();
 }

@@ -1,10 +1,9 @@
 #include "server/DiscoveryResponder.h"
 
-#include "server/JsonObject.h"
+#include "basalt/Exception.h"
+#include "wire/JsonText.h"
 
 #include <boost/asio/buffer.hpp>
-
-#include <QJsonDocument>
 
 using boost::asio::ip::address_v4;
 using boost::asio::ip::udp;
@@ -25,9 +24,13 @@ void DiscoveryResponder::Close() {
 }
 
 bool DiscoveryResponder::IsQuestion(const char* bytes, std::size_t size) {
-    const auto question = ParseJsonObject({bytes, size});
-    return question && question->value(QLatin1String("ostra")) == QLatin1String("discover") &&
-           question->value(QLatin1String("version")).toInt() == 1;
+    try {
+        const OstraSdk::VeJson question = OstraSdk::FromJsonText({bytes, size});
+        return question.At("ostra").Get<std::string>() == "discover" &&
+               question.At("version").Get<std::int64_t>() == 1;
+    } catch (const Ve::Exception&) { // no JSON, or something else
+        return false;
+    }
 }
 
 void DiscoveryResponder::Receive() {
@@ -45,11 +48,9 @@ void DiscoveryResponder::Answer(std::size_t size) {
     // A datagram that fills the buffer may have been cut; no question is that long.
     if (size == datagram.size() || !IsQuestion(datagram.data(), size))
         return;
-    const QByteArray answer =
-        QJsonDocument(identity.Members(AddressTowards(sender))).toJson(QJsonDocument::Compact);
+    const std::string answer = OstraSdk::ToJsonText(identity.Members(AddressTowards(sender)));
     boost::system::error_code lost; // as any datagram may be; the client asks again
-    socket.send_to(boost::asio::buffer(answer.constData(), static_cast<std::size_t>(answer.size())), sender,
-                   0, lost);
+    socket.send_to(boost::asio::buffer(answer), sender, 0, lost);
 }
 
 std::string DiscoveryResponder::AddressTowards(const udp::endpoint& client) const {

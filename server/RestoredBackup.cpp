@@ -2,26 +2,25 @@
 
 #include "basalt/Exception.h"
 #include "cinder/TarName.h"
-#include "cinder/UnpackFolder.h"
-#include "server/JsonObject.h"
-#include "server/RequestError.h"
+#include "server/WorkspaceTree.h"
+#include "server/http/HttpError.h"
+#include "wire/JsonText.h"
 
-#include <algorithm>
 #include <array>
 #include <filesystem>
-#include <vector>
 
 namespace {
 
-constexpr std::size_t kLargestInfo = std::size_t{64} * 1024;
+constexpr std::int64_t kMaxInfo = std::int64_t{64} * 1024;
 
 [[noreturn]] void Refuse(const std::string& text) {
-    throw RequestError(422, text);
+    throw HttpError(422, text);
 }
 
-bOwned<bFile> OpenOver(bFile::Source source, std::int64_t size) {
+bOwned<bFile> OpenOver(bFile::Source source, std::uint64_t size) {
     bFile* file = nullptr;
-    if (bFile_ConstructOver(&file, std::move(source), size, bAlloc_Application()) != bOK)
+    if (bFile_ConstructOver(&file, std::move(source), static_cast<std::int64_t>(size),
+                            bAlloc_Application()) != bOK)
         throw std::bad_alloc();
     return bOwned<bFile>(file);
 }
@@ -34,65 +33,111 @@ std::string PlainName(const std::string& name) {
     return plain;
 }
 
+/// Whether the archive is to blame for a failure: its names may fit no file system.
+bool IsOfTheArchive(const std::error_code& cause) {
+    for (const std::errc ofNames :
+         {std::errc::no_such_file_or_directory, std::errc::not_a_directory, std::errc::file_exists,
+          std::errc::filename_too_long, std::errc::illegal_byte_sequence, std::errc::invalid_argument})
+        if (cause == ofNames)
+            return true;
+    return !cause;
+}
+
 /// What went wrong with the inner archive, without the path of the folder it was to be unpacked into.
-RequestError Reported(const Ve::Exception& failure, const std::string& target) {
+HttpError Reported(const Ve::Exception& failure, const std::string& target) {
     std::string text = failure.what();
     for (std::size_t at = 0; (at = text.find(target, at)) != std::string::npos;)
         text.erase(at, target.size());
-    const bool diskFailed = text.rfind("Failed to write ", 0) == 0;
-    return {diskFailed ? 500U : 422U, "workspaces/Workspace.osws: " + text};
+    return {IsOfTheArchive(failure.Cause()) ? 422U : 500U, "workspaces/Workspace.osws: " + text};
 }
 
 } // namespace
 
-void RestoredBackup::Unpack(const std::string& target) {
-    const bOwned<bFile> file =
-        OpenOver([this](char* room, std::size_t capacity,
-                        std::string_view* block) { return ReadBody(room, capacity, block); },
-                 static_cast<std::int64_t>(left));
-    bTar* tar = nullptr;
-    if (bTar_Construct(&tar, file.get(), bFile_READ, bAlloc_Application()) != bOK)
-        Refuse("The archive is no tar archive.");
-    outer.reset(tar);
+void RestoredBackup::Unpack(OstraSdk::ByteString& bytes) {
     try {
-        ReadEntries(target);
-    } catch (const Ve::Exception& failure) {
-        throw Reported(failure, target);
+        staged.emplace(workspace.Stage());
+        ReadEntries(bytes);
+        if (!unpacked)
+            Refuse("The archive holds no workspaces/Workspace.osws.");
+        if (!std::filesystem::is_directory(staged->Tree() + "/vdk/ContourPath"))
+            Refuse("The workspace has no vdk/ContourPath.");
+    } catch (...) {
+        failure = std::current_exception();
+        staged.reset(); // a full disk has its space again while the rest arrives
     }
-    outer.reset();
-    if (!workspaceSeen)
-        Refuse("The archive holds no workspaces/Workspace.osws.");
-    if (!std::filesystem::is_directory(target + "/vdk/ContourPath"))
-        Refuse("The workspace has no vdk/ContourPath.");
 }
 
-void RestoredBackup::ReadEntries(const std::string& target) {
+RestoredBackup::Replaced RestoredBackup::PutInPlace() {
+    if (failure)
+        std::rethrow_exception(failure);
+    CheckUnpacked();
+    const Workspace::Snapshot before = workspace.Open();
+    Replaced replaced;
+    replaced.isKept = workspace.Replace(std::move(staged.value()));
+    try {
+        replaced.links = WorkspaceTree(before.folder).LinksLeftOut();
+    } catch (const HttpError&) { // NOLINT(bugprone-empty-catch): the restore is done, its names are unknown
+    }
+    return replaced;
+}
+
+/// Whoever removes a part of what was unpacked, by mistake, must not make that the workspace.
+void RestoredBackup::CheckUnpacked() const {
+    const WorkspaceTree tree(FolderHandle(staged->Tree(), FolderHandle::Links::Refused));
+    Unpacking found;
+    for (const WorkspaceTree::Item& item : tree.Items()) {
+        const bool isFile = item.facts.kind == FileKind::File;
+        (isFile ? found.files : found.folders) += 1;
+        found.bytes += isFile ? item.facts.size : 0;
+    }
+    if (found.files != unpacked->files || found.folders != unpacked->folders ||
+        found.bytes != unpacked->bytes)
+        throw HttpError(500, "What was unpacked has been changed since.");
+}
+
+void RestoredBackup::ReadEntries(OstraSdk::ByteString& bytes) {
+    const auto read = [&](char* room, std::size_t capacity, std::string_view* block) {
+        try {
+            *block = {room, bytes.Read(room, capacity)};
+            return bOK;
+        } catch (const Ve::Exception&) {
+            // No exception may pass through the archive library; whoever reads on in the body meets it again.
+            return bERROR_FILE;
+        }
+    };
+    outerFile = OpenOver(read, bytes.Left());
+    bTar* tar = nullptr;
+    if (bTar_Construct(&tar, outerFile.get(), bFile_READ, bAlloc_Application()) != bOK)
+        Refuse("The archive is no tar archive.");
+    outer.reset(tar);
     std::array<char, bTar_NAME_SIZE> name{};
     int kind = 0;
     std::int64_t size = 0;
     bStatus status = bOK;
-    while ((status = bTar_BeginRead(outer.get(), name.data(), name.size(), &kind, &size)) == bOK) {
+    while ((status = bTar_BeginRead(tar, name.data(), name.size(), &kind, &size)) == bOK) {
         if (!IsNarrowTarName(name.data()))
             Refuse("The archive has an unsafe name.");
+        if (bTar_LinkTarget(tar) != nullptr)
+            Refuse("The archive holds links or special files.");
         if (kind == bTar_FILE)
-            ReadEntry(PlainName(name.data()), size, target);
+            ReadEntry(PlainName(name.data()), size);
     }
     if (status != bERROR_END)
         Refuse("The archive is damaged.");
-    if (bTar_PassedOver(outer.get()) != 0)
+    if (bTar_LeftOut(tar).count != 0)
         Refuse("The archive holds links or special files.");
 }
 
-void RestoredBackup::ReadEntry(const std::string& name, std::int64_t size, const std::string& target) {
+void RestoredBackup::ReadEntry(const std::string& name, std::int64_t size) {
     if (name == "info.json")
         ReadInfo(size);
     else if (name == "workspaces/Workspace.osws")
-        UnpackInner(size, target);
+        UnpackInner(size);
 }
 
 void RestoredBackup::ReadInfo(std::int64_t size) {
-    if (infoSeen || size > static_cast<std::int64_t>(kLargestInfo))
-        Refuse("info.json is there twice or too large.");
+    if (infoSeen || size > kMaxInfo)
+        Refuse("info.json is repeated or too large.");
     infoSeen = true;
     std::string text;
     std::string_view block;
@@ -101,38 +146,33 @@ void RestoredBackup::ReadInfo(std::int64_t size) {
             Refuse("info.json is damaged.");
         text.append(block);
     } while (!block.empty());
-    const auto info = ParseJsonObject(text);
-    if (!info)
-        Refuse("info.json is no JSON object, repeats a key or nests too deep.");
-    if (const QJsonValue mode = info->value(QLatin1String("replay")); mode.isBool())
-        replay = mode.toBool();
-}
-
-void RestoredBackup::UnpackInner(std::int64_t size, const std::string& target) {
-    if (workspaceSeen)
-        Refuse("workspaces/Workspace.osws is there twice.");
-    workspaceSeen = true;
-    const bOwned<bFile> inner =
-        OpenOver([this](char*, std::size_t, std::string_view* block) { return ReadOuter(block); }, size);
-    UnpackFolderStrictly(inner.get(), target, bAlloc_Application());
-}
-
-bStatus RestoredBackup::ReadBody(char* room, std::size_t capacity, std::string_view* block) {
-    *block = {};
-    if (left == 0)
-        return bOK;
     try {
-        *block = {room, body.Take(room, static_cast<std::size_t>(std::min<std::uint64_t>(capacity, left)))};
-    } catch (const RequestError&) {
-        // No exception may pass through the archive library; whoever reads on in the body meets it again.
-        return bERROR_FILE;
+        const OstraSdk::VeJson info = OstraSdk::FromJsonText(text);
+        if (!info.IsObject())
+            Refuse("info.json is no object.");
+        if (info.Has("replay"))
+            if (const bool* const mode = std::get_if<bool>(&info.At("replay").Content()))
+                replay = *mode;
+    } catch (const Ve::Exception& reason) {
+        Refuse(std::string("info.json: ") + reason.what());
     }
-    left -= block->size();
-    return bOK;
+}
+
+void RestoredBackup::UnpackInner(std::int64_t size) {
+    if (unpacked)
+        Refuse("workspaces/Workspace.osws is repeated.");
+    const bOwned<bFile> inner =
+        OpenOver([this](char*, std::size_t, std::string_view* block) { return ReadOuter(block); },
+                 static_cast<std::uint64_t>(size));
+    try {
+        unpacked = UnpackFolderStrictly(inner.get(), staged->Tree(), bAlloc_Application());
+    } catch (const Ve::Exception& reason) {
+        throw Reported(reason, staged->Tree());
+    }
 }
 
 /// The next bytes of the outer archive's entry, none at its end.
-bStatus RestoredBackup::ReadOuter(std::string_view* block) {
+bStatus RestoredBackup::ReadOuter(std::string_view* block) const {
     *block = {};
     const bStatus status = bTar_ReadBlock(outer.get(), block);
     return status == bERROR_END ? bOK : status;

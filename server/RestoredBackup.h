@@ -1,42 +1,56 @@
 #pragma once
 
-#include "server/CborCursor.h"
+#include "cinder/UnpackFolder.h"
+#include "cinder/bTar.h"
+#include "server/Workspace.h"
+#include "wire/CborReader.h"
 
 #include <cstdint>
+#include <exception>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "cinder/bTar.h"
-
-/// A backup archive that a client sends, read in one pass while the request's body arrives: the workspace
-/// archive inside it is unpacked while the outer one is read, so that each byte is stored once.
+/// A backup archive that a client sends, unpacked beside the workspace in one pass while the request's body
+/// arrives: the workspace archive inside it is unpacked while the outer one is read, so that each byte is
+/// stored once. What was unpacked is removed with the object unless it was put in place.
 class RestoredBackup final {
   public:
-    /// @param body stands before the archive's `size` bytes
-    RestoredBackup(CborCursor& body, std::uint64_t size) : body(body), left(size) {}
+    explicit RestoredBackup(Workspace& workspace) : workspace(workspace) {}
 
-    /// Unpacks the workspace into a fresh folder and looks at everything else in the archive.
-    /// @throws RequestError with status 422 when any of it, on either level, is damaged, cut, unsafely named
-    /// or
-    ///         linked, or no workspace; with 500 when the disk fails. The folder is then of no use.
-    void Unpack(const std::string& target);
+    /// Unpacks an archive. What is wrong with it is reported by PutInPlace: first the whole request has to be
+    /// read.
+    void Unpack(OstraSdk::ByteString& bytes);
 
-    /// The replay mode that the archive notes, known once it is unpacked.
+    /// What happened to the content that was the workspace before.
+    struct Replaced {
+        LeftOut links; ///< what it had beside files and folders, and the new one does not have
+        bool isKept = false;
+    };
+
+    /// Puts what was unpacked in the workspace's place.
+    /// @throws HttpError with status 422 when any of the archive, on either level, is damaged, cut, unsafely
+    ///         named or linked, or no workspace; HttpError with status 500 or std::exception when the disk
+    ///         fails. The served workspace is as before then.
+    [[nodiscard]] Replaced PutInPlace();
+
+    /// The replay mode that the archive notes.
     [[nodiscard]] std::optional<bool> Replay() const { return replay; }
 
   private:
-    void ReadEntries(const std::string& target);
-    void ReadEntry(const std::string& name, std::int64_t size, const std::string& target);
+    void ReadEntries(OstraSdk::ByteString& bytes);
+    void ReadEntry(const std::string& name, std::int64_t size);
     void ReadInfo(std::int64_t size);
-    void UnpackInner(std::int64_t size, const std::string& target);
-    bStatus ReadBody(char* room, std::size_t capacity, std::string_view* block);
-    bStatus ReadOuter(std::string_view* block);
+    void UnpackInner(std::int64_t size);
+    [[nodiscard]] bStatus ReadOuter(std::string_view* block) const;
+    void CheckUnpacked() const;
 
-    CborCursor& body;
-    std::uint64_t left; ///< bytes of the archive that are still in the body
-    bOwned<bTar> outer; ///< while Unpack runs
+    Workspace& workspace;
+    std::optional<StagedFolder> staged;
+    bOwned<bFile> outerFile;
+    bOwned<bTar> outer; ///< goes before its file
+    std::optional<Unpacking> unpacked;
     std::optional<bool> replay;
     bool infoSeen = false;
-    bool workspaceSeen = false;
+    std::exception_ptr failure;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+class AccessRules;
 class FaultPlan;
 class ReplayMode;
 class RequestLog;
@@ -12,6 +13,7 @@ struct ServerOptions;
 struct Sensor {
     const ServerOptions& options;
     const ServerIdentity& identity;
+    const AccessRules& access;
     Workspace& workspace;
     ReplayMode& replay;
     FaultPlan& faults;

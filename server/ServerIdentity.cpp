@@ -37,21 +37,21 @@ ServerIdentity::ServerIdentity(std::uint32_t serialNumber, std::string model, st
     : serialNumber(serialNumber), model(std::move(model)), controlPort(controlPort) {
 }
 
-QJsonObject ServerIdentity::Members(const std::string& address) const {
-    return {
-        {QStringLiteral("SerialNumber"), static_cast<double>(serialNumber)},
-        {QStringLiteral("DeviceModel"), QString::fromStdString(model)},
-        {QStringLiteral("AppName"), QStringLiteral("ostra-server")},
-        {QStringLiteral("AppId"), QStringLiteral("corvane.ostra-server")},
-        {QStringLiteral("AppVersion"), QStringLiteral(CORVANE_VERSION)},
-        {QStringLiteral("ControlPort"), controlPort},
-        {QStringLiteral("WebPort"), 0},
-        {QStringLiteral("VdpPort"), 0},
-        {QStringLiteral("Address"), QString::fromStdString(address)},
-        {QStringLiteral("Mask"), QString::fromStdString(MaskOf(address))},
-        {QStringLiteral("Gateway"), QStringLiteral("0.0.0.0")},
-        {QStringLiteral("Dhcp"), false},
-        {QStringLiteral("IsRemote"), false},
-        {QStringLiteral("AddressConflict"), false},
-    };
+OstraSdk::VeJson ServerIdentity::Members(const std::string& address) const {
+    OstraSdk::VeJson members;
+    members.Set("SerialNumber", serialNumber);
+    members.Set("DeviceModel", model);
+    members.Set("AppName", "ostra-server");
+    members.Set("AppId", "corvane.ostra-server");
+    members.Set("AppVersion", CORVANE_VERSION);
+    members.Set("ControlPort", controlPort);
+    members.Set("WebPort", 0);
+    members.Set("VdpPort", 0);
+    members.Set("Address", address);
+    members.Set("Mask", MaskOf(address));
+    members.Set("Gateway", "0.0.0.0");
+    members.Set("Dhcp", false);
+    members.Set("IsRemote", false);
+    members.Set("AddressConflict", false);
+    return members;
 }

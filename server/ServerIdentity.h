@@ -1,10 +1,9 @@
 #pragma once
 
+#include "wire/VeJson.h"
+
 #include <cstdint>
 #include <string>
-
-#include <QByteArray>
-#include <QJsonObject>
 
 /// Who this server is: the members of a discovery answer, which a client also reads when it connects.
 class ServerIdentity final {
@@ -14,7 +13,7 @@ class ServerIdentity final {
     [[nodiscard]] std::uint32_t SerialNumber() const { return serialNumber; }
 
     /// @param address the dotted IPv4 address under which the asking client reaches this server
-    [[nodiscard]] QJsonObject Members(const std::string& address) const;
+    [[nodiscard]] OstraSdk::VeJson Members(const std::string& address) const;
 
   private:
     std::uint32_t serialNumber;

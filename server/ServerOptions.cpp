@@ -18,11 +18,19 @@ constexpr std::array kOptions{
     OptionText{"port", "Control port, TCP (3600); 0 lets the system pick.", "PORT"},
     OptionText{"discovery-port", "Discovery port, UDP (3601); 0 lets the system pick.", "PORT"},
     OptionText{"workspace", "Folder to serve: the one that holds vdk/ContourPath. Needed.", "FOLDER"},
-    OptionText{"serial", "Serial number told in discovery (100001).", "NUMBER"},
-    OptionText{"model", "Device model told in discovery (Desk sensor).", "TEXT"},
+    OptionText{"host-name", "A name of this server; requests to other names are refused. May be repeated.",
+               "NAME"},
+    OptionText{"token-file", "File whose first line every request has to bring as a token.", "FILE"},
+    OptionText{"keep", "Contents before the last restores that are kept beside the folder (3).", "COUNT"},
+    OptionText{"list-kept", "Only lists them, the newest first.", nullptr},
+    OptionText{"put-back", "Only makes one of them the workspace again, as listed; no server may run.",
+               "TIME"},
+    OptionText{"serial", "Serial number given in discovery (100001).", "NUMBER"},
+    OptionText{"model", "Device model given in discovery (Desk sensor).", "TEXT"},
     OptionText{"request-limit", "Largest body of a request in bytes (4294967296).", "BYTES"},
     OptionText{"connections", "Connections served at a time (32).", "COUNT"},
-    OptionText{"idle-timeout", "Time for the head of a request to arrive (30000).", "MS"},
+    OptionText{"idle-timeout", "Time for a request to begin (30000).", "MS"},
+    OptionText{"head-timeout", "Time for its head to arrive then (5000).", "MS"},
     OptionText{"transfer-timeout", "Time for a body to arrive, and for a reply to be taken (180000).", "MS"},
     OptionText{"log", "File for the request log (standard output).", "FILE"},
     OptionText{"replay", "Replay mode at start: on or off (off).", "MODE"},
@@ -44,6 +52,11 @@ class GivenValues final {
     [[nodiscard]] bool Has(const char* name) const { return parser.isSet(QLatin1String(name)); }
     [[nodiscard]] std::string Text(const char* name) const {
         return parser.value(QLatin1String(name)).toStdString();
+    }
+
+    void Read(const char* name, std::vector<std::string>& values) const {
+        for (const QString& value : parser.values(QLatin1String(name)))
+            values.push_back(value.toStdString());
     }
 
     void Read(const char* name, std::string& value) const {
@@ -113,13 +126,23 @@ ServerOptions ReadOptions(const GivenValues& given) {
     given.Read("model", options.model);
     given.Read("request-limit", options.requestLimit);
     given.Read("connections", options.connectionLimit, 1, 1000);
+    given.Read("keep", options.keep, 0, 1000);
+    given.Read("host-name", options.hostNames);
+    given.Read("token-file", options.tokenFile);
     given.Read("idle-timeout", options.idleTimeout, 1);
+    given.Read("head-timeout", options.headTimeout, 1);
     given.Read("transfer-timeout", options.transferTimeout, 1);
     given.Read("log", options.logFile);
     if (given.Has("replay"))
         options.replay = given.Mode("replay");
     if (given.Has("restore-sets-replay"))
         options.restoreSetsReplay = given.Mode("restore-sets-replay");
+    given.Read("put-back", options.keptTime);
+    if (given.Has("list-kept") && given.Has("put-back"))
+        throw UsageError("--list-kept and --put-back exclude each other");
+    options.task = given.Has("list-kept")  ? ServerTask::ListKept
+                   : given.Has("put-back") ? ServerTask::PutBack
+                                           : ServerTask::Serve;
     ReadFaults(given, options.faults);
     if (options.workspace.empty())
         throw UsageError("--workspace is needed");

@@ -8,11 +8,21 @@
 #include <stdexcept>
 #include <string>
 #include <variant>
+#include <vector>
 
 #include <QStringList>
 
+/// What the command line asks for.
+enum class ServerTask {
+    Serve,
+    ListKept, ///< says which earlier contents of the workspace are kept
+    PutBack,  ///< makes one of them the workspace again
+};
+
 /// What the command line asks of the server.
 struct ServerOptions {
+    ServerTask task = ServerTask::Serve;
+    std::string keptTime; ///< for PutBack
     std::string address = "127.0.0.1";
     std::uint16_t port = 3600;          ///< control port; 0 lets the system pick
     std::uint16_t discoveryPort = 3601; ///< 0 lets the system pick
@@ -21,7 +31,11 @@ struct ServerOptions {
     std::string model = "Desk sensor";
     std::uint64_t requestLimit = 4ULL << 30U; ///< bytes of a request's body
     unsigned connectionLimit = 32;
-    std::chrono::milliseconds idleTimeout{30'000};      ///< for a request's head to arrive
+    std::size_t keep = 3;                               ///< earlier contents of the workspace
+    std::vector<std::string> hostNames;                 ///< of this server, beside its addresses
+    std::string tokenFile;                              ///< empty for none
+    std::chrono::milliseconds idleTimeout{30'000};      ///< for a request to begin
+    std::chrono::milliseconds headTimeout{5'000};       ///< for its head to arrive then
     std::chrono::milliseconds transferTimeout{180'000}; ///< for a body to arrive, and for a reply to be taken
     std::string logFile;                                ///< empty for standard output
     bool replay = false;

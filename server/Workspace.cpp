@@ -6,9 +6,9 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <stdexcept>
 #include <system_error>
-#include <vector>
 
 #include <fcntl.h>
 
@@ -22,6 +22,10 @@ void RemoveTree(const std::string& path) {
     fs::remove_all(path, remains);
 }
 
+bool IsFolder(const std::string& path) {
+    return FolderHandle(path, FolderHandle::Links::Refused).IsOpen();
+}
+
 bool Rename(const std::string& from, const std::string& to) {
     return rename(from.c_str(), to.c_str()) == 0;
 }
@@ -31,16 +35,32 @@ bool Exchange(const std::string& one, const std::string& other) {
 }
 
 /// Exchanges two folders by way of a third name, for file systems that cannot do it in one step.
-bool ExchangeBySteps(const std::string& staged, const std::string& target, const std::string& aside) {
+bool ExchangeBySteps(const std::string& tree, const std::string& target, const std::string& aside) {
     RemoveTree(aside); // what an earlier exchange could not move on
     if (!Rename(target, aside))
         return false;
-    if (!Rename(staged, target)) {
+    if (!Rename(tree, target)) {
         Rename(aside, target); // should this fail too, the next start does it
         return false;
     }
-    Rename(aside, staged); // or it is removed before the next exchange, or at the next start
+    Rename(aside, tree); // or the next start keeps it
     return true;
+}
+
+/// Which folder this is; 0 for none.
+std::uint64_t IdOf(const std::string& path) {
+    FileFacts facts;
+    return FolderHandle(path, FolderHandle::Links::Refused).Ask(".", &facts) ? 0 : facts.id;
+}
+
+/// The absolute path without links and without a "/" at its end.
+fs::path PlaceOf(const std::string& path) {
+    fs::path place = fs::absolute(path).lexically_normal();
+    if (!place.has_filename())
+        place = place.parent_path();
+    std::error_code missing;
+    const fs::path real = fs::canonical(place, missing);
+    return missing ? place : real;
 }
 
 } // namespace
@@ -52,15 +72,15 @@ class Workspace::Generation final {
     Generation(const Generation&) = delete;
     Generation& operator=(const Generation&) = delete;
     ~Generation() {
-        if (!replaced.empty())
-            RemoveTree(replaced);
+        if (!surplus.empty())
+            RemoveTree(surplus);
     }
 
-    /// Says where the content lies now that another one has taken its place.
-    void Replaced(std::string path) { replaced = std::move(path); }
+    /// The content is to be removed from this path in the end.
+    void RemoveAtLast(std::string path) { surplus = std::move(path); }
 
   private:
-    std::string replaced;
+    std::string surplus;
 };
 
 StagedFolder::~StagedFolder() {
@@ -68,50 +88,68 @@ StagedFolder::~StagedFolder() {
         RemoveTree(path);
 }
 
-Workspace::Workspace(const std::string& path) : current(std::make_shared<Generation>()) {
-    fs::path place = fs::absolute(path).lexically_normal();
-    if (!place.has_filename())
-        place = place.parent_path();
-    std::error_code missing;
-    if (const fs::path real = fs::canonical(place, missing); !missing)
-        place = real;
-    parent = place.parent_path().string();
-    name = place.filename().string();
-    target = place.string();
+Workspace::Workspace(const std::string& path, std::size_t keep)
+    : parent(PlaceOf(path).parent_path().string()),
+      name(PlaceOf(path).filename().string()),
+      target(PlaceOf(path).string()),
+      keep(keep),
+      kept(parent, "." + name + ".ostra-kept-"),
+      current(std::make_shared<Generation>()) {
     if (name.empty())
         throw std::runtime_error("cannot serve the root folder");
-    Recover();
-    if (!fs::is_directory(target, missing))
+    if (!IsFolder(target) && !IsFolder(Beside("old")))
         throw std::runtime_error("there is no folder " + path);
 }
 
-std::string Workspace::Beside(const char* role) const {
+std::string Workspace::Beside(const std::string& role) const {
     return parent + "/." + name + ".ostra-" + role;
 }
 
-void Workspace::Recover() const {
-    std::error_code ignored;
-    const std::string old = Beside("old");
-    const bool missing = fs::symlink_status(target, ignored).type() == fs::file_type::not_found;
-    if (missing && fs::is_directory(old, ignored) && !Rename(old, target))
-        throw std::runtime_error("cannot put the workspace back from " + old);
-    RemoveLeftovers();
+void Workspace::Lock() {
+    lock.emplace(FolderHandle(parent, FolderHandle::Links::Followed), "." + name + ".ostra-lock");
+    const std::error_code reason = lock->Failure();
+    if (lock->Result() == FileLock::State::HeldByAnother)
+        throw std::runtime_error("another ostra-server uses " + target);
+    // Where nothing can be made beside the workspace, nobody can replace it either.
+    if (reason && reason != std::errc::permission_denied && reason != std::errc::read_only_file_system)
+        throw std::runtime_error("cannot lock " + target + ": " + reason.message());
 }
 
-void Workspace::RemoveLeftovers() const {
-    const std::string staged = "." + name + ".ostra-new-";
-    const std::string old = "." + name + ".ostra-old";
-    std::vector<std::string> leftovers;
+void Workspace::Recover() {
+    RecoverOld();
+    const std::string prefix = "." + name + ".ostra-new-";
+    std::vector<std::string> staged;
     FolderReader reader(parent.c_str());
     for (FolderEntry entry; reader.Next(&entry) == bOK;)
-        if (entry.name.starts_with(staged) || entry.name == old)
-            leftovers.emplace_back(entry.name);
-    for (const std::string& leftover : leftovers)
-        RemoveTree(parent + "/" + leftover);
+        if (entry.name.starts_with(prefix))
+            staged.emplace_back(parent + "/" + std::string(entry.name));
+    for (const std::string& path : staged)
+        RecoverStaged(path);
+    Generations unused;
+    TakeSurplus(unused);
+}
+
+void Workspace::RecoverOld() {
+    const std::string old = Beside("old");
+    if (!IsFolder(old))
+        return;
+    if (IsFolder(target))
+        Keep(old, nullptr);
+    else if (!Rename(old, target))
+        throw std::runtime_error("cannot put the workspace back from " + old);
+}
+
+/// What a restore left that was cut short. Once the folders are exchanged, it is the old workspace.
+void Workspace::RecoverStaged(const std::string& path) {
+    const StagedFolder staged(path);
+    std::uint64_t id = 0;
+    const std::uint64_t idNow = IdOf(staged.Tree());
+    if (std::ifstream(staged.Mark()) >> id && idNow != 0 && idNow != id)
+        Keep(staged.Tree(), nullptr);
 }
 
 Workspace::Snapshot Workspace::Open() const {
-    const std::lock_guard lock(mutex);
+    const std::lock_guard guard(mutex);
     FolderHandle folder(target, FolderHandle::Links::Followed);
     if (!folder.IsOpen())
         throw std::runtime_error("The workspace cannot be opened.");
@@ -122,21 +160,59 @@ StagedFolder Workspace::Stage() const {
     constexpr unsigned kPrivate = 0700;
     const std::string path = RandomName(Beside("new-"));
     const FolderHandle beside(parent, FolderHandle::Links::Followed);
-    if (!beside.MakeFolder(path.substr(parent.size() + 1), kPrivate))
+    if (beside.MakeFolder(path.substr(parent.size() + 1), kPrivate))
         throw std::runtime_error("No folder can be made beside the workspace.");
     return StagedFolder(path);
 }
 
-void Workspace::Replace(StagedFolder staged) {
-    const std::string tree = staged.Tree();
-    // Removing the old content may take a while: it happens after the lock is gone.
-    std::shared_ptr<Generation> before;
-    const std::lock_guard lock(mutex);
+/// Puts a tree in the workspace's place; the workspace is where the tree was then.
+bool Workspace::TakePlace(const std::string& tree) const {
     const auto ownership = FileOwnership::Of(target);
-    const bool replaced = ownership && ownership->GiveTo(tree) &&
-                          (Exchange(tree, target) || ExchangeBySteps(tree, target, Beside("old")));
-    if (!replaced)
+    return ownership && ownership->GiveTo(tree) &&
+           (Exchange(tree, target) || ExchangeBySteps(tree, target, Beside("old")));
+}
+
+bool Workspace::Replace(StagedFolder staged) {
+    Generations unused; // removing them may take a while: it happens after the lock is gone
+    const std::lock_guard guard(mutex);
+    if (!(std::ofstream(staged.Mark()) << IdOf(staged.Tree()) << std::flush) || !TakePlace(staged.Tree()))
         throw std::runtime_error("The workspace cannot be replaced.");
-    before = std::exchange(current, std::make_shared<Generation>());
-    before->Replaced(staged.Release());
+    auto before = std::exchange(current, std::make_shared<Generation>());
+    const bool isKept = !Keep(staged.Tree(), before).empty();
+    if (!isKept)
+        before->RemoveAtLast(staged.Release()); // someone may still read from it
+    unused.push_back(std::move(before));
+    TakeSurplus(unused);
+    return isKept;
+}
+
+std::string Workspace::PutBack(const std::string& time) {
+    const std::lock_guard guard(mutex);
+    const std::string tree = kept.PathOf(time);
+    if (time.find('/') != std::string::npos || !IsFolder(tree))
+        throw std::runtime_error("there is no kept workspace " + time);
+    if (!TakePlace(tree))
+        throw std::runtime_error("the workspace cannot be replaced");
+    const std::string replaced = Keep(tree, nullptr);
+    return replaced.empty() ? time : replaced;
+}
+
+/// @return the time under which the tree is kept; empty when it cannot be moved
+std::string Workspace::Keep(const std::string& tree, std::shared_ptr<Generation> generation) {
+    std::string time = kept.NewTime();
+    if (!Rename(tree, kept.PathOf(time)))
+        return {};
+    if (generation)
+        keptGenerations.emplace(time, std::move(generation));
+    return time;
+}
+
+/// Has the oldest contents removed that are more than are to be kept.
+void Workspace::TakeSurplus(Generations& unused) {
+    const std::vector<std::string> times = kept.Times();
+    for (std::size_t i = keep; i < times.size(); ++i) {
+        const auto user = keptGenerations.extract(times[i]);
+        unused.push_back(user ? user.mapped() : std::make_shared<Generation>());
+        unused.back()->RemoveAtLast(kept.PathOf(times[i]));
+    }
 }

@@ -1,11 +1,17 @@
+#include "basalt/DescriptorLimit.h"
+#include "basalt/Exception.h"
 #include "server/DiscoveryResponder.h"
 #include "server/FaultPlan.h"
 #include "server/ReplayMode.h"
 #include "server/RequestLog.h"
-#include "server/SensorServer.h"
+#include "server/Sensor.h"
 #include "server/ServerIdentity.h"
 #include "server/ServerOptions.h"
 #include "server/Workspace.h"
+#include "server/handlers/Router.h"
+#include "server/http/AccessRules.h"
+#include "server/http/Listener.h"
+#include "wire/AccessToken.h"
 
 #include <csignal>
 #include <cstdio>
@@ -28,34 +34,90 @@ void Announce(const char* what, const Endpoint& endpoint) {
     std::fflush(stdout);
 }
 
-/// Serves until a signal asks to stop.
+/// A server that ran out of descriptors could serve nobody.
+void CheckDescriptors(unsigned connections) {
+    const std::size_t needed = Listener::DescriptorsFor(connections);
+    const std::size_t allowed = RaiseDescriptorLimit(needed);
+    if (allowed < needed)
+        throw std::runtime_error("--connections " + std::to_string(connections) + " needs " +
+                                 std::to_string(needed) + " open files, and the system allows " +
+                                 std::to_string(allowed));
+}
+
+/// @param what runs into the port: its protocol
+template<typename Open>
+auto Bound(const char* what, const std::string& address, std::uint16_t port, const Open& open) {
+    try {
+        return open();
+    } catch (const boost::system::system_error& error) {
+        throw std::runtime_error("cannot listen on " + address + " port " + std::to_string(port) + " (" +
+                                 what + "): " + error.code().message());
+    }
+}
+
+/// Serves until a signal asks to stop. Nothing on the disk is changed before the workspace is locked and both
+/// ports are bound: another server may be using it.
 void Serve(const ServerOptions& options) {
     const address_v4 address = boost::asio::ip::make_address_v4(options.address);
-    Workspace workspace(options.workspace);
+    CheckDescriptors(options.connectionLimit);
+    const AccessRules access(options.hostNames,
+                             options.tokenFile.empty() ? "" : ReadAccessToken(options.tokenFile));
+    Workspace workspace(options.workspace, options.keep);
+    workspace.Lock();
     ReplayMode replay(options.replay, options.restoreSetsReplay);
     FaultPlan faults(options.faults);
-    RequestLog log(options.logFile);
 
     boost::asio::io_context io(1);
     boost::asio::signal_set stopSignals(io, SIGINT, SIGTERM);
-    tcp::acceptor acceptor(io, tcp::endpoint(address, options.port));
+    tcp::acceptor acceptor = Bound("TCP", options.address, options.port,
+                                   [&] { return tcp::acceptor(io, tcp::endpoint(address, options.port)); });
     const ServerIdentity identity(options.serialNumber, options.model, acceptor.local_endpoint().port());
-    DiscoveryResponder discovery(io, address, options.discoveryPort, identity);
-    const Sensor sensor{options, identity, workspace, replay, faults, log};
-    const SensorServer server(io, acceptor, sensor);
+    const auto discovery = Bound("UDP", options.address, options.discoveryPort, [&] {
+        return std::make_unique<DiscoveryResponder>(io, address, options.discoveryPort, identity);
+    });
+    workspace.Recover();
+    RequestLog log(options.logFile);
+    const Sensor sensor{options, identity, access, workspace, replay, faults, log};
+    const Router router(sensor);
+    const Listener listener(io, acceptor, sensor, router);
     stopSignals.async_wait([&](const boost::system::error_code&, int) { io.stop(); });
 
     Announce("control", acceptor.local_endpoint());
-    Announce("discovery", discovery.Endpoint());
+    Announce("discovery", discovery->Endpoint());
     io.run();
+}
+
+void ListKept(const ServerOptions& options) {
+    for (const std::string& time : Workspace(options.workspace, options.keep).Kept())
+        std::printf("%s\n", time.c_str());
+}
+
+void PutBack(const ServerOptions& options) {
+    Workspace workspace(options.workspace, options.keep);
+    workspace.Lock();
+    const std::string replaced = workspace.PutBack(options.keptTime);
+    std::printf("put back %s; what it has replaced is kept as %s\n", options.keptTime.c_str(),
+                replaced.c_str());
 }
 
 int Run(const QStringList& arguments) {
     const auto wish = ParseServerOptions(arguments);
-    if (const auto* text = std::get_if<UsageText>(&wish))
+    if (const auto* text = std::get_if<UsageText>(&wish)) {
         std::fputs(text->text.c_str(), stdout);
-    else
-        Serve(std::get<ServerOptions>(wish));
+        return 0;
+    }
+    const auto& options = std::get<ServerOptions>(wish);
+    switch (options.task) {
+    case ServerTask::Serve:
+        Serve(options);
+        break;
+    case ServerTask::ListKept:
+        ListKept(options);
+        break;
+    case ServerTask::PutBack:
+        PutBack(options);
+        break;
+    }
     return 0;
 }
 

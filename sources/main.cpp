@@ -1,9 +1,12 @@
 #include "cinder/VeApiLib.h"
 #include "cinder/bCdLib.h"
 #include "log/Log.h"
+#include "start/OwnFolder.h"
+#include "start/StartOptions.h"
 #include "window/mainwindow.h"
 
 #include <QApplication>
+#include <QMessageBox>
 #include <QTextCodec>
 
 #include <cstdio>
@@ -52,7 +55,59 @@ static int RunWindow() {
     return QApplication::exec();
 }
 
+static int Print(const QString& text) {
+    std::fputs(text.toUtf8().constData(), stdout);
+    return 0;
+}
+
+static int SayWhetherRunning() {
+    const bool running = AnotherCopyRuns();
+    Print(running ? QStringLiteral("A copy of Corvane runs.\n")
+                  : QStringLiteral("No copy of Corvane runs.\n"));
+    return running ? 0 : 1;
+}
+
+/// Qt ends the program where no display answers.
+static int SayWhichDisplay() {
+    return Print(QStringLiteral("Windows are shown by \"%1\".\n").arg(QGuiApplication::platformName()));
+}
+
+/// A start from a terminal that must end says nothing more than its exit code and its log; one from the
+/// desktop would seem to do nothing.
+static void ShowWhyItEnds(StartMode mode, const QString& reason) {
+    if (mode != StartMode::DesktopWindow)
+        return;
+    std::fprintf(stderr, "corvane: %s\n", reason.toUtf8().constData());
+    QMessageBox::warning(nullptr, QStringLiteral("Corvane"), reason);
+}
+
+static int RunEditor(StartMode mode) {
+    if (mode == StartMode::DesktopWindow) {
+        if (const QString reason = EnterOwnFolder(); !reason.isEmpty()) {
+            ShowWhyItEnds(mode, reason);
+            return 1;
+        }
+    }
+    if (AnotherCopyRuns()) {
+        ShowWhyItEnds(mode, QStringLiteral("Corvane is already running."));
+        return 0;
+    }
+    if (!OpenLog() || !StartLibraries()) {
+        ShowWhyItEnds(mode,
+                      QStringLiteral("Corvane cannot start: its log file or its libraries cannot be used."));
+        return -1;
+    }
+    return RunWindow();
+}
+
 int main(int argc, char** argv) {
+    const StartMode mode = StartModeOf(argc, argv);
+    if (mode == StartMode::Help)
+        return Print(UsageText());
+    if (mode == StartMode::Version)
+        return Print(VersionText());
+    if (mode == StartMode::Running)
+        return SayWhetherRunning();
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);
     QCoreApplication::setApplicationName(QStringLiteral("corvane")); // the user's data folder is called so
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, true);  // icons are crisp on finer screens
@@ -64,9 +119,5 @@ int main(int argc, char** argv) {
     // encoding.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     const QApplication application(argc, argv);
-    if (AnotherCopyRuns())
-        return 0;
-    if (!OpenLog() || !StartLibraries())
-        return -1;
-    return RunWindow();
+    return mode == StartMode::Display ? SayWhichDisplay() : RunEditor(mode);
 }

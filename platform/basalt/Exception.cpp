@@ -33,4 +33,16 @@ Exception::Exception(int line, const char* file, int status, const char* functio
     va_end(arguments);
 }
 
+Exception Exception::Because(const std::string& why) const {
+    Exception explained = *this;
+    explained.reason = why;
+    return explained;
+}
+
+Exception Exception::Because(std::error_code why) const {
+    Exception explained = why ? Because(why.message()) : *this;
+    explained.cause = why;
+    return explained;
+}
+
 } // namespace Ve

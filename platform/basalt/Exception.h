@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <string>
+#include <system_error>
 
 namespace Ve {
 
@@ -24,6 +25,15 @@ class Exception : public std::exception {
     Exception(int line, const char* file, int status, const char* function, const char* format, ...)
         __attribute__((format(printf, 6, 7)));
 
+    /// The same with the reason: what the system said, or where and what in the data was wrong. It is for the
+    /// log; the message stays as it is.
+    [[nodiscard]] Exception Because(const std::string& why) const;
+    [[nodiscard]] Exception Because(std::error_code why) const;
+    /// Empty when none is known.
+    [[nodiscard]] const std::string& Reason() const noexcept { return reason; }
+    /// The system's own error; none when it is not the system that failed.
+    [[nodiscard]] std::error_code Cause() const noexcept { return cause; }
+
     [[nodiscard]] int Status() const noexcept { return status; }
     [[nodiscard]] int Line() const noexcept { return line; }
     [[nodiscard]] const std::string& File() const noexcept { return file; }
@@ -37,6 +47,8 @@ class Exception : public std::exception {
     std::string file;
     std::string function;
     std::string message;
+    std::string reason;
+    std::error_code cause;
 };
 
 } // namespace Ve

@@ -26,11 +26,14 @@ class FolderHandle final {
 
     /// Opens a folder in this one; the result is not open when there is none.
     [[nodiscard]] FolderHandle OpenFolder(const std::string& name) const;
-    /// @return false when the name is taken, or the folder cannot be made
-    [[nodiscard]] bool MakeFolder(const std::string& name, unsigned permissions) const;
+    /// @return the reason when the name is taken, or the folder cannot be made
+    [[nodiscard]] std::error_code MakeFolder(const std::string& name, unsigned permissions) const;
     /// What has this name. @return the system's reason when that cannot be found out
     [[nodiscard]] std::error_code Ask(const std::string& name, FileFacts* facts) const;
 
+    /// Gives this folder permissions and a time of modification, as far as its file system has them.
+    /// @return the reason when that failed
+    [[nodiscard]] std::error_code Describe(const FileFacts& facts) const;
     /// Removes a file, or a link. @return the reason when that failed
     [[nodiscard]] std::error_code RemoveFile(const std::string& name) const;
     /// Gives a file another name in the folder. @return the reason when that failed: file_exists where the
@@ -44,6 +47,8 @@ class FolderHandle final {
 
   private:
     explicit FolderHandle(int opened);
+
+    [[nodiscard]] FileDescriptor OpenItself() const;
 
     FileDescriptor descriptor;
     std::error_code failure = std::make_error_code(std::errc::bad_file_descriptor);

@@ -35,6 +35,9 @@ class HiddenFile final {
     [[nodiscard]] std::int64_t Append(const InputFile& source);
     /// Gives the file to whom another one belongs, with that one's permissions.
     [[nodiscard]] bool TakeOver(const FileOwnership& ownership);
+    /// Gives the file permissions and a time of modification, as far as its file system has them; the time
+    /// stays only when nothing is written later.
+    [[nodiscard]] bool Describe(const FileFacts& facts);
     /// Brings what was written to the disk.
     [[nodiscard]] bool Sync();
     /// Closes the file and gives it its name; a file that has the name is replaced.

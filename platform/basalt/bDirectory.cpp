@@ -7,7 +7,12 @@
 
 namespace {
 
-bStatus List(const char* path, FileKind kind, bArrayList* list) {
+void Tell(std::error_code* why, const std::error_code& reason) {
+    if (why != nullptr)
+        *why = reason;
+}
+
+bStatus List(const char* path, FileKind kind, bArrayList* list, std::error_code* why) {
     list->Clear();
     FolderReader reader(path);
     FolderEntry entry;
@@ -15,6 +20,7 @@ bStatus List(const char* path, FileKind kind, bArrayList* list) {
     while ((status = reader.Next(&entry)) == bOK)
         if (entry.kind == kind && (status = list->Add(entry.name)) != bOK)
             return status;
+    Tell(why, reader.Failure());
     if (status != bERROR_END)
         return status;
     list->Sort();
@@ -28,24 +34,26 @@ int bDirectory_Exists(const char* path) {
     return !AskPath(path, &facts) && facts.kind == FileKind::Folder ? 1 : 0;
 }
 
-bStatus bDirectory_Create(const char* path) {
-    return MakeFolderAt(path) ? bERROR_FILE : bOK;
+bStatus bDirectory_Create(const char* path, std::error_code* why) {
+    const std::error_code failure = MakeFolderAt(path);
+    Tell(why, failure);
+    return failure ? bERROR_FILE : bOK;
 }
 
-bStatus bDirectory_Delete(const char* path) {
+bStatus bDirectory_Delete(const char* path, std::error_code* why) {
     FileFacts facts;
-    const std::error_code missing = AskPathItself(path, &facts);
-    if (missing == std::errc::no_such_file_or_directory || missing == std::errc::not_a_directory)
+    std::error_code failure = AskPathItself(path, &facts);
+    if (failure == std::errc::no_such_file_or_directory || failure == std::errc::not_a_directory)
         return bERROR_NOT_FOUND;
-    if (bDirectory_Exists(path) == 0)
-        return bERROR_FILE;
-    return RemoveTreeAt(path) ? bERROR_FILE : bOK;
+    failure = bDirectory_Exists(path) != 0 ? RemoveTreeAt(path) : make_error_code(std::errc::not_a_directory);
+    Tell(why, failure);
+    return failure ? bERROR_FILE : bOK;
 }
 
-bStatus bDirectory_ListFiles(const char* path, bArrayList* list) {
-    return List(path, FileKind::File, list);
+bStatus bDirectory_ListFiles(const char* path, bArrayList* list, std::error_code* why) {
+    return List(path, FileKind::File, list, why);
 }
 
-bStatus bDirectory_ListDirectories(const char* path, bArrayList* list) {
-    return List(path, FileKind::Folder, list);
+bStatus bDirectory_ListDirectories(const char* path, bArrayList* list, std::error_code* why) {
+    return List(path, FileKind::Folder, list, why);
 }

@@ -3,24 +3,28 @@
 #include "basalt/bArrayList.h"
 #include "basalt/bStatus.h"
 
+#include <system_error>
+
+// Each call that can fail has a last argument that gets the system's reason, for whoever wants it.
+
 /// Nonzero when `path` names a directory, through a symbolic link too.
 int bDirectory_Exists(const char* path);
 
 /// Makes one directory; the one it lies in must be there.
 /// @return 1; bERROR_FILE when it cannot be made or the name is taken.
-bStatus bDirectory_Create(const char* path);
+bStatus bDirectory_Create(const char* path, std::error_code* why = nullptr);
 
 /// Removes a directory with everything in it. Symbolic links are removed and never followed, `path` included:
 /// nothing outside the tree is touched.
 /// @return 1; bERROR_NOT_FOUND when nothing stands there; bERROR_FILE when it is no directory or something in
 ///         it cannot be removed.
-bStatus bDirectory_Delete(const char* path);
+bStatus bDirectory_Delete(const char* path, std::error_code* why = nullptr);
 
 /// Replaces the content of `list` by the bare names of the regular files directly in `path`; symbolic links,
 /// even to regular files, are left out. The names come in the order of their bytes, so that two equal trees
 /// give equal lists on any file system.
 /// @return 1; bERROR_FILE when the directory cannot be read; bERROR_MEMORY.
-bStatus bDirectory_ListFiles(const char* path, bArrayList* list);
+bStatus bDirectory_ListFiles(const char* path, bArrayList* list, std::error_code* why = nullptr);
 
 /// The same for the directories directly in `path`, "." and ".." and symbolic links left out.
-bStatus bDirectory_ListDirectories(const char* path, bArrayList* list);
+bStatus bDirectory_ListDirectories(const char* path, bArrayList* list, std::error_code* why = nullptr);

@@ -49,6 +49,8 @@ bStatus bFile::Ask(FileFacts* facts) {
 }
 
 bStatus bFile::Write(const void* data, std::size_t size) {
+    if (sink)
+        return sink(data, size);
     if (!output || !output->IsOpen())
         return bERROR_FILE;
     output->Write(data, size);
@@ -86,13 +88,15 @@ std::int64_t bFile_Size(const char* path) {
     return !AskPath(path, &facts) && facts.kind == FileKind::File ? facts.size : -1;
 }
 
-bStatus bFile_Construct(bFile** file, const char* path, int mode, bAlloc allocator) {
+bStatus bFile_Construct(bFile** file, const char* path, int mode, bAlloc allocator, std::error_code* why) {
     if (path == nullptr || (mode != bFile_READ && mode != bFile_WRITE))
         return bERROR_PARAMETER;
     if (const bStatus status = bObject_New(file, allocator); status != bOK)
         return status;
     const bStatus opened = mode == bFile_READ ? (*file)->OpenToRead(path) : (*file)->OpenToWrite(path);
     if (opened != bOK) {
+        if (why != nullptr)
+            *why = (*file)->Failure();
         xbObject_DestroyImpl(*file);
         *file = nullptr;
     }
@@ -105,6 +109,15 @@ bStatus bFile_ConstructOver(bFile** file, bFile::Source source, std::int64_t siz
     const bStatus status = bObject_New(file, allocator);
     if (status == bOK)
         (*file)->OpenToRead(std::move(source), size);
+    return status;
+}
+
+bStatus bFile_ConstructInto(bFile** file, bFile::Sink sink, bAlloc allocator) {
+    if (!sink)
+        return bERROR_PARAMETER;
+    const bStatus status = bObject_New(file, allocator);
+    if (status == bOK)
+        (*file)->OpenToWrite(std::move(sink));
     return status;
 }
 

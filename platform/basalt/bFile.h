@@ -24,6 +24,9 @@ class bFile final : public bObject {
     /// @return 1; another status on failure.
     using Source = std::function<bStatus(char* room, std::size_t capacity, std::string_view* block)>;
 
+    /// Takes the next bytes that are written. @return 1; another status on failure.
+    using Sink = std::function<bStatus(const void* data, std::size_t size)>;
+
     explicit bFile(bAlloc allocator) : bObject(allocator) {}
 
     /// @return 1; bERROR_NOT_FOUND; bERROR_FILE when it cannot be opened or is not a regular file.
@@ -33,6 +36,8 @@ class bFile final : public bObject {
     void OpenToRead(Source from, std::int64_t size);
     /// @return 1; bERROR_FILE; bERROR_MEMORY.
     [[nodiscard]] bStatus OpenToWrite(const char* path);
+    /// Opens what is no file of its own to be written by Write; it is never committed.
+    void OpenToWrite(Sink to) { sink = std::move(to); }
 
     /// Reads up to `capacity` bytes; fewer only at the end of the file.
     /// @return 1 and the number of bytes in `*count`; bERROR_FILE, also for a source.
@@ -59,6 +64,7 @@ class bFile final : public bObject {
     Source source; ///< instead of a file that is read
     std::int64_t sourceSize = 0;
     std::optional<AtomicFile> output;
+    Sink sink; ///< instead of a file that is written
 };
 
 /// Nonzero when `path` names an existing regular file.
@@ -72,12 +78,18 @@ bStatus bFile_Delete(const char* path);
 std::int64_t bFile_Size(const char* path);
 
 /// Opens a file; `mode` is bFile_READ or bFile_WRITE.
+/// @param why gets the system's reason when it cannot be opened
 /// @return 1; bERROR_NOT_FOUND; bERROR_FILE; bERROR_MEMORY; bERROR_PARAMETER. `*file` is null unless 1.
-bStatus bFile_Construct(bFile** file, const char* path, int mode, bAlloc allocator);
+bStatus bFile_Construct(bFile** file, const char* path, int mode, bAlloc allocator,
+                        std::error_code* why = nullptr);
 
 /// Opens a source of `size` bytes as a file that is read.
 /// @return 1; bERROR_MEMORY; bERROR_PARAMETER. `*file` is null unless 1.
 bStatus bFile_ConstructOver(bFile** file, bFile::Source source, std::int64_t size, bAlloc allocator);
+
+/// Opens a sink as a file that is written.
+/// @return 1; bERROR_MEMORY; bERROR_PARAMETER. `*file` is null unless 1.
+bStatus bFile_ConstructInto(bFile** file, bFile::Sink sink, bAlloc allocator);
 
 /// Gives a file opened for writing a buffer of `size` bytes.
 /// @return 1; bERROR_MEMORY; bERROR_PARAMETER for a file that is read.

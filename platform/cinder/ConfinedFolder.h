@@ -1,26 +1,59 @@
 #pragma once
 
+#include "basalt/FileFacts.h"
 #include "basalt/FolderHandle.h"
 
+#include <optional>
 #include <string>
+#include <system_error>
 #include <vector>
 
-/// A folder into which files and folders are put by names from outside. Every step goes from the folder that
-/// is open down, one part of the name at a time, and never through a symbolic link.
+/// A folder in which files and folders are reached by names from outside. Every step goes from the folder
+/// that is open down, one part of the name at a time, and never through a symbolic link. The folders down to
+/// the last one stay open, so that neighbours cost no further steps.
+///
+/// A name is given in parts, none of them ".", ".." or with "/".
 class ConfinedFolder final {
   public:
-    /// @param path not a symbolic link
-    explicit ConfinedFolder(const std::string& path) : root(path, FolderHandle::Links::Refused) {}
+    using Parts = std::vector<std::string>;
 
-    [[nodiscard]] bool IsOpen() const { return root.IsOpen(); }
+    explicit ConfinedFolder(FolderHandle root) : root(std::move(root)) {}
+    ConfinedFolder(const ConfinedFolder&) = delete;
+    ConfinedFolder& operator=(const ConfinedFolder&) = delete;
+    ~ConfinedFolder() { static_cast<void>(Leave()); }
 
-    /// Makes a folder unless it exists; the one it lies in must exist. The owner may always use it.
-    /// @param parts the name, none of them ".", ".." or with "/"
-    [[nodiscard]] bool MakeFolder(const std::vector<std::string>& parts, unsigned permissions) const;
-    /// Opens the folder that a name lies in; the result is not open when there is none.
-    /// @param parts at least one
-    [[nodiscard]] FolderHandle OpenParent(const std::vector<std::string>& parts) const;
+    /// The folder that the first `count` parts name; not open when there is none. It lives until the next
+    /// call.
+    [[nodiscard]] const FolderHandle& Enter(const Parts& parts, std::size_t count) {
+        return Descend(parts, count, Facts::Ignored);
+    }
+
+    /// Makes a folder unless it exists; the one it lies in must exist. Folders on the way that exist keep
+    /// their permissions and times, whatever is put into them before they are left.
+    /// @param isNew is set when the folder did not exist
+    /// @return the reason when it is not there in the end
+    [[nodiscard]] std::error_code MakeFolder(const Parts& parts, bool* isNew);
+    /// The same, and the folder gets these permissions and this time when it is left.
+    [[nodiscard]] std::error_code MakeFolder(const Parts& parts, const FileFacts& facts, bool* isNew);
+
+    /// Leaves all folders. @return the first reason why one could not be given its permissions and its time
+    [[nodiscard]] std::error_code Leave();
 
   private:
+    struct Level {
+        std::string name;
+        FolderHandle folder;
+        std::optional<FileFacts> atLast; ///< what it is given when it is left
+    };
+
+    enum class Facts { Ignored, Kept };
+
+    const FolderHandle& Descend(const Parts& parts, std::size_t count, Facts ofFolders);
+    [[nodiscard]] bool IsOpen(const Parts& parts) const;
+    void LeaveDownTo(std::size_t count);
+
     FolderHandle root;
+    std::vector<Level> levels;
+    FolderHandle none; ///< says why a step failed
+    std::error_code failure;
 };

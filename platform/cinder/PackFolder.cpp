@@ -11,24 +11,27 @@ namespace {
 constexpr std::size_t kWriteBufferSize = 65536;
 constexpr std::size_t kListCapacity = 10;
 
-[[noreturn]] void Fail(int line, bStatus status, const std::string& message) {
-    throw Ve::Exception(line, __FILE__, status, "PackFolder", "%s", message.c_str());
+[[noreturn]] void Fail(int line, bStatus status, const std::string& message, std::error_code why = {}) {
+    throw Ve::Exception(line, __FILE__, status, "PackFolder", "%s", message.c_str()).Because(why);
 }
 
 /// The walk through one tree, into one archive.
 class Packer {
   public:
-    Packer(bTar* tar, const std::string& sourceDirectory) : tar(tar), sourceDirectory(sourceDirectory) {}
+    /// @param output the file that the archive is written to
+    Packer(bTar* tar, const bFile* output, const std::string& sourceDirectory)
+        : tar(tar), output(output), sourceDirectory(sourceDirectory) {}
 
     /// @param relativePath below the source directory; empty for itself
     void PackDirectory(const std::string& relativePath) const {
         bOwned<bArrayList> files = NewList();
-        if (!relativePath.empty())
-            WriteDirectoryEntry(relativePath);
         const std::string directory =
             relativePath.empty() ? sourceDirectory : sourceDirectory + "/" + relativePath;
-        if (const bStatus status = bDirectory_ListFiles(directory.c_str(), files.get()); status != bOK)
-            Fail(__LINE__, status, "Failed to list files in " + directory);
+        if (!relativePath.empty())
+            WriteDirectoryEntry(directory, relativePath);
+        std::error_code why;
+        if (const bStatus status = bDirectory_ListFiles(directory.c_str(), files.get(), &why); status != bOK)
+            Fail(__LINE__, status, "Failed to list files in " + directory, why);
         for (const bString& name : files->Items())
             PackFile(directory + "/" + std::string(name));
         files.reset();
@@ -44,7 +47,13 @@ class Packer {
         return bOwned<bArrayList>(list);
     }
 
-    void WriteDirectoryEntry(const std::string& relativePath) const {
+    void WriteDirectoryEntry(const std::string& directory, const std::string& relativePath) const {
+        FileFacts facts;
+        const FolderHandle folder(directory, FolderHandle::Links::Refused);
+        const std::error_code why = folder.IsOpen() ? folder.Ask(".", &facts) : folder.Failure();
+        if (why) // a folder that has gone since it was listed
+            Fail(__LINE__, bERROR_FILE, "Failed to list files in " + directory, why);
+        bTar_Describe(tar, facts);
         const bStatus status = bTar_BeginWrite(tar, relativePath.c_str(), bTar_DIRECTORY, 0);
         // The text names another directory than this one; it is the one that operators know.
         if (status != bOK)
@@ -55,34 +64,40 @@ class Packer {
         const std::string entryName = path.substr(sourceDirectory.size() + 1);
         const std::int64_t size = bFile_Size(path.c_str());
         bFile* file = nullptr;
-        bStatus status = bFile_Construct(&file, path.c_str(), bFile_READ, tar->Allocator());
-        if (status == bOK)
+        std::error_code why;
+        bStatus status = bFile_Construct(&file, path.c_str(), bFile_READ, tar->Allocator(), &why);
+        if (status == bOK) {
             status = xbTar_WriteFile(tar, entryName.c_str(), file, size);
+            why = output->Failure() ? output->Failure() : file->Failure();
+        }
         const bStatus closed = xbObject_DestroyImpl(file);
         if (status == bOK)
             status = closed;
         if (status != bOK)
-            Fail(__LINE__, status, "Failed to write " + path);
+            Fail(__LINE__, status, "Failed to write " + path, why);
     }
 
     void PackDirectoriesIn(const std::string& directory, const std::string& relativePath) const {
         const bOwned<bArrayList> directories = NewList();
-        const bStatus status = bDirectory_ListDirectories(directory.c_str(), directories.get());
+        std::error_code why;
+        const bStatus status = bDirectory_ListDirectories(directory.c_str(), directories.get(), &why);
         if (status != bOK)
-            Fail(__LINE__, status, "Failed to list directories in " + directory);
+            Fail(__LINE__, status, "Failed to list directories in " + directory, why);
         for (const bString& name : directories->Items())
             PackDirectory(relativePath.empty() ? std::string(name) : relativePath + "/" + std::string(name));
     }
 
     bTar* tar;
+    const bFile* output;
     const std::string& sourceDirectory;
 };
 
 bOwned<bFile> NewArchiveFile(const std::string& tarFileName, bAlloc allocator) {
     bFile* file = nullptr;
-    if (const bStatus status = bFile_Construct(&file, tarFileName.c_str(), bFile_WRITE, allocator);
+    std::error_code why;
+    if (const bStatus status = bFile_Construct(&file, tarFileName.c_str(), bFile_WRITE, allocator, &why);
         status != bOK)
-        Fail(__LINE__, status, "Failed to construct " + tarFileName);
+        Fail(__LINE__, status, "Failed to construct " + tarFileName, why);
     bOwned<bFile> owned(file);
     if (const bStatus status = bFile_SetWriteBuffer(file, kWriteBufferSize); status != bOK)
         Fail(__LINE__, status, "Failed to allocate memory.");
@@ -103,10 +118,10 @@ void PackFolder(const std::string& sourceDirectory, const std::string& tarFileNa
         Fail(__LINE__, bERROR_FILE, sourceDirectory + " is not a directory.");
     const bOwned<bFile> file = NewArchiveFile(tarFileName, allocator);
     bOwned<bTar> tar = NewArchive(file.get(), allocator);
-    Packer(tar.get(), sourceDirectory).PackDirectory("");
+    Packer(tar.get(), file.get(), sourceDirectory).PackDirectory("");
     bStatus status = xbObject_DestroyImpl(tar.release());
     if (status == bOK)
         status = bFile_Commit(file.get());
     if (status != bOK)
-        Fail(__LINE__, status, "Failed to write " + tarFileName);
+        Fail(__LINE__, status, "Failed to write " + tarFileName, file->Failure());
 }

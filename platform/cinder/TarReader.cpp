@@ -6,12 +6,16 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <new>
 
 namespace {
 
 constexpr std::size_t kReadSize = std::size_t{256} * 1024;
 constexpr std::array<char, std::size_t{16} * 1024> kZeros{};
 constexpr std::int64_t kEndMarkSize = 1024; ///< two blocks of zeros
+/// A few bytes can describe a hole of any size, which takes its size on the disk: this bounds all of an
+/// archive.
+constexpr std::int64_t kMaxHoles = std::int64_t{1} << 30U;
 
 /// Old writers mark a directory only by the "/" at the end of its name.
 bool IsDirectory(archive_entry* entry, std::string_view name) {
@@ -20,10 +24,32 @@ bool IsDirectory(archive_entry* entry, std::string_view name) {
             name.ends_with('/'));
 }
 
-bool IsPassedOver(archive_entry* entry) {
+/// A link to another entry without data of its own; some writers store the data with it.
+bool IsHardLink(archive_entry* entry) {
+    return archive_entry_hardlink(entry) != nullptr && archive_entry_size(entry) == 0;
+}
+
+bool IsLeftOut(archive_entry* entry) {
     const auto type = archive_entry_filetype(entry);
-    return (type != AE_IFREG && type != AE_IFDIR) || archive_entry_hardlink(entry) != nullptr ||
-           archive_entry_symlink(entry) != nullptr;
+    const bool isKnown = type == AE_IFREG || type == AE_IFDIR || archive_entry_hardlink(entry) != nullptr;
+    return !isKnown || archive_entry_symlink(entry) != nullptr;
+}
+
+/// The bytes of a sparse file that the archive does not have.
+std::int64_t HolesOf(archive_entry* entry, std::int64_t size) {
+    if (archive_entry_sparse_reset(entry) == 0)
+        return 0;
+    la_int64_t offset = 0;
+    la_int64_t length = 0;
+    std::int64_t data = 0;
+    while (archive_entry_sparse_next(entry, &offset, &length) == ARCHIVE_OK)
+        data += std::clamp<std::int64_t>(length, 0, size - data);
+    return size - data;
+}
+
+std::string_view PathOf(archive_entry* entry) {
+    const char* const path = archive_entry_pathname(entry);
+    return path == nullptr ? "" : path;
 }
 
 bStatus CopyName(std::string_view name, char* room, std::size_t capacity) {
@@ -40,7 +66,8 @@ TarReader::TarReader(bAlloc allocator, bFile* file)
       file(file),
       handle(archive_read_new(), &archive_read_free),
       entry(archive_entry_new(), &archive_entry_free),
-      buffer(kReadSize, allocator) {
+      buffer(kReadSize, allocator),
+      holesLeft(kMaxHoles) {
 }
 
 bStatus TarReader::Open() {
@@ -71,15 +98,20 @@ bStatus TarReader::BeginRead(char* name, std::size_t capacity, int* kind, std::i
     const auto locale = ArchiveLocale::Bytes();
     if (const bStatus status = NextHeader(); status != bOK)
         return status;
-    const char* const path = archive_entry_pathname(entry.get());
-    std::string_view whole = path == nullptr ? "" : path;
-    *kind = IsDirectory(entry.get(), whole) ? bTar_DIRECTORY : bTar_FILE;
-    while (*kind == bTar_DIRECTORY && whole.size() > 1 && whole.ends_with('/'))
-        whole.remove_suffix(1);
-    *size = *kind == bTar_DIRECTORY ? 0 : archive_entry_size(entry.get());
-    permissions = archive_entry_perm(entry.get()) & 0777U;
-    Promise(*size);
-    return CopyName(whole, name, capacity);
+    std::string_view path = PathOf(entry.get());
+    const bool isLink = IsHardLink(entry.get());
+    linkTarget = isLink ? archive_entry_hardlink(entry.get()) : nullptr;
+    *kind = !isLink && IsDirectory(entry.get(), path) ? bTar_DIRECTORY : bTar_FILE;
+    while (*kind == bTar_DIRECTORY && path.size() > 1 && path.ends_with('/'))
+        path.remove_suffix(1);
+    facts = {.kind = *kind == bTar_DIRECTORY ? FileKind::Folder : FileKind::File,
+             .size = *kind == bTar_FILE ? archive_entry_size(entry.get()) : 0,
+             .modified = archive_entry_mtime(entry.get()),
+             .modifiedFraction = archive_entry_mtime_nsec(entry.get()),
+             .permissions = archive_entry_perm(entry.get()) & kPermissionBits};
+    *size = facts.size;
+    StartData();
+    return CopyName(path, name, capacity);
 }
 
 bStatus TarReader::ReadBlock(std::string_view* block) {
@@ -99,6 +131,16 @@ bStatus TarReader::ReadBlock(std::string_view* block) {
     }
     delivered += static_cast<std::int64_t>(block->size());
     return bOK;
+}
+
+std::string TarReader::Reason() const {
+    const std::string at = " at byte " + std::to_string(archive_filter_bytes(handle.get(), -1));
+    if (fileFailed)
+        return file->Failure() ? file->Failure().message() + at : "unreadable" + at;
+    if (entrySize > 0 && !holds)
+        return "an entry claims more bytes than the archive can hold" + at;
+    const char* const words = archive_error_string(handle.get());
+    return (words == nullptr ? "it ends without its end mark" : std::string(words)) + at;
 }
 
 la_ssize_t TarReader::Fill(archive* handle, void* reader, const void** data) {
@@ -123,10 +165,10 @@ bStatus TarReader::Damage() const {
     return fileFailed ? bERROR_FILE : bERROR_FORMAT;
 }
 
-bStatus TarReader::NextHeader() {
+bStatus TarReader::NextHeader() try {
     if (!opened)
         return Damage();
-    for (;; ++passedOver) {
+    for (;;) {
         if (entries >= bTar_MOST_ENTRIES)
             return bERROR_LIMIT;
         ++entries;
@@ -137,9 +179,12 @@ bStatus TarReader::NextHeader() {
             return Damage();
         if (!TakeNames(entry.get()))
             return bERROR_FORMAT;
-        if (!IsPassedOver(entry.get()))
+        if (!IsLeftOut(entry.get()))
             return bOK;
+        leftOut.Add(PathOf(entry.get()));
     }
+} catch (const std::bad_alloc&) {
+    return bERROR_MEMORY;
 }
 
 /// The warning that names beyond ASCII bring when they are read as bytes. Any other warning means that
@@ -155,12 +200,14 @@ bStatus TarReader::StatusOfTheEnd() const {
     return endMark >= kEndMarkSize ? bERROR_END : Damage();
 }
 
-/// Starts the data of an entry that says it has `size` bytes. Neither one entry nor all together may promise
-/// more than the archive file can hold: a sparse file of terabytes fits into a few blocks.
-void TarReader::Promise(std::int64_t size) {
+/// Starts the data of an entry. What is not a hole has to be in the archive file, and the holes of all
+/// entries have a bound: a sparse file of terabytes fits into a few blocks.
+void TarReader::StartData() {
     const std::int64_t left = archiveSize - archive_filter_bytes(handle.get(), -1);
-    holds = size >= 0 && size <= left && promised <= archiveSize - size;
-    promised += holds ? size : 0;
+    const std::int64_t size = facts.size;
+    const std::int64_t holes = size < 0 ? 0 : HolesOf(entry.get(), size);
+    holds = size >= 0 && size - holes <= left && holes <= holesLeft;
+    holesLeft -= holds ? holes : 0;
     entrySize = size;
     delivered = 0;
     piece = {};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cinder/LeftOut.h"
 #include "cinder/bTar.h"
 
 #include <memory>
@@ -16,8 +17,10 @@ class TarReader final : public bTar {
     [[nodiscard]] bStatus Open();
     [[nodiscard]] bStatus BeginRead(char* name, std::size_t capacity, int* kind, std::int64_t* size);
     [[nodiscard]] bStatus ReadBlock(std::string_view* block);
-    [[nodiscard]] unsigned Permissions() const { return permissions; }
-    [[nodiscard]] std::int64_t PassedOver() const { return passedOver; }
+    [[nodiscard]] const FileFacts& Facts() const { return facts; }
+    [[nodiscard]] const char* LinkTarget() const { return linkTarget; }
+    [[nodiscard]] std::string Reason() const;
+    [[nodiscard]] const LeftOut& Links() const { return leftOut; }
 
   private:
     static la_ssize_t Fill(archive* handle, void* reader, const void** data);
@@ -27,7 +30,7 @@ class TarReader final : public bTar {
     [[nodiscard]] bool OnlyTheNamesCharactersAreOdd(int result) const;
     [[nodiscard]] bStatus StatusOfTheEnd() const;
     [[nodiscard]] bStatus Damage() const;
-    void Promise(std::int64_t size);
+    void StartData();
     [[nodiscard]] bStatus FetchPiece();
 
     bFile* file;
@@ -38,14 +41,15 @@ class TarReader final : public bTar {
     std::int64_t archiveSize = 0;
     std::int64_t entries = 0;
     bool opened = false;
-    std::int64_t passedOver = 0; ///< entries that are neither files nor directories
+    LeftOut leftOut;
+    std::int64_t holesLeft; ///< bytes that the holes of sparse files may still have
     bool fileFailed = false;
 
     // The current entry.
-    unsigned permissions = 0;
+    FileFacts facts;
+    const char* linkTarget = nullptr; ///< of a hard link
     std::int64_t entrySize = 0;
-    std::int64_t promised = 0; ///< the sizes of all entries so far
-    bool holds = false;        ///< the archive is long enough for what the entry says
+    bool holds = false; ///< the archive is long enough for what the entry says
     std::int64_t delivered = 0;
     std::string_view piece; ///< data that is read and not yet delivered, and where it belongs
     std::int64_t pieceOffset = 0;

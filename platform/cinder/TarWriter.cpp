@@ -6,12 +6,14 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 namespace {
 
 constexpr std::size_t kCopySize =
     std::size_t{64} * 1024; // stays in the processor's nearer cache until it is written
 constexpr unsigned kDirectoryPermissions = 0755;
+constexpr unsigned kFilePermissions = 0644;
 
 la_ssize_t AppendToFile(archive* handle, void* file, const void* data, std::size_t size) {
     if (static_cast<bFile*>(file)->Write(data, size) == bOK)
@@ -55,11 +57,24 @@ bStatus TarWriter::Open() {
 }
 
 bStatus TarWriter::BeginWrite(const char* name, int kind, std::int64_t size) {
-    if (size != 0 || (kind != bTar_FILE && kind != bTar_DIRECTORY))
+    const bool isDirectory = kind == bTar_DIRECTORY;
+    if (size < 0 || (isDirectory && size != 0) || (!isDirectory && kind != bTar_FILE))
         return bERROR_PARAMETER;
     FileFacts facts;
-    facts.permissions = kind == bTar_DIRECTORY ? kDirectoryPermissions : 0644;
+    facts.permissions = isDirectory ? kDirectoryPermissions : kFilePermissions;
+    facts = std::exchange(described, std::nullopt).value_or(facts);
+    facts.size = size;
     return WriteHeader(name, kind, facts);
+}
+
+bStatus TarWriter::WriteBlock(std::string_view block) {
+    const auto size = static_cast<std::int64_t>(block.size());
+    if (broken || size > left)
+        return Broken();
+    if (archive_write_data(handle.get(), block.data(), block.size()) != size)
+        return Broken();
+    left -= size;
+    return left > 0 || archive_write_finish_entry(handle.get()) == ARCHIVE_OK ? bOK : Broken();
 }
 
 bStatus TarWriter::WriteFile(const char* name, bFile* source, std::int64_t size) {
@@ -69,21 +84,20 @@ bStatus TarWriter::WriteFile(const char* name, bFile* source, std::int64_t size)
     if (const bStatus status = WriteHeader(name, bTar_FILE, before); status != bOK)
         return status;
     FileFacts after;
-    const bool whole = CopyData(source, size) == bOK && source->Ask(&after) == bOK && after == before;
-    broken = broken || !whole;
-    return whole ? bOK : bERROR_FILE;
+    const bool complete = CopyData(source, size) == bOK && source->Ask(&after) == bOK && after == before;
+    return complete ? bOK : Broken();
 }
 
 bStatus TarWriter::Close() {
     if (!handle)
         return bERROR_MEMORY;
     const auto locale = ArchiveLocale::Utf8();
-    return !broken && archive_write_close(handle.get()) == ARCHIVE_OK ? bOK : bERROR_FILE;
+    return !broken && left == 0 && archive_write_close(handle.get()) == ARCHIVE_OK ? bOK : bERROR_FILE;
 }
 
 bStatus TarWriter::WriteHeader(const char* name, int kind, const FileFacts& facts) {
-    if (broken)
-        return bERROR_FILE;
+    if (broken || left > 0)
+        return Broken();
     if (const bStatus status = NameStatus(name); status != bOK)
         return status;
     if (entries >= bTar_MOST_ENTRIES)
@@ -97,19 +111,26 @@ bStatus TarWriter::WriteHeader(const char* name, int kind, const FileFacts& fact
     archive_entry_set_size(entry.get(), facts.size);
     archive_entry_set_mtime(entry.get(), facts.modified, 0);
     // A warning is about a name that is not UTF-8; its bytes are kept.
-    broken = archive_write_header(handle.get(), entry.get()) < ARCHIVE_WARN;
-    return broken ? bERROR_FILE : bOK;
+    if (archive_write_header(handle.get(), entry.get()) < ARCHIVE_WARN)
+        return Broken();
+    left = facts.size;
+    return bOK;
 }
 
 bStatus TarWriter::CopyData(bFile* source, std::int64_t size) {
-    while (size > 0) {
+    for (; size > 0; size = left) {
         const auto wanted = static_cast<std::size_t>(std::min<std::int64_t>(size, kCopySize));
         std::size_t count = 0;
         if (source->Read(buffer.data(), wanted, &count) != bOK || count < wanted)
             return bERROR_FILE;
-        if (archive_write_data(handle.get(), buffer.data(), count) != static_cast<la_ssize_t>(count))
-            return bERROR_FILE;
-        size -= static_cast<std::int64_t>(count);
+        if (const bStatus status = WriteBlock({buffer.data(), count}); status != bOK)
+            return status;
     }
-    return archive_write_finish_entry(handle.get()) == ARCHIVE_OK ? bOK : bERROR_FILE;
+    return bOK;
+}
+
+/// After a failure nothing more can be written.
+bStatus TarWriter::Broken() {
+    broken = true;
+    return bERROR_FILE;
 }

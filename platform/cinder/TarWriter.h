@@ -3,6 +3,7 @@
 #include "cinder/bTar.h"
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include <archive.h>
@@ -16,6 +17,8 @@ class TarWriter final : public bTar {
 
     [[nodiscard]] bStatus Open();
     [[nodiscard]] bStatus BeginWrite(const char* name, int kind, std::int64_t size);
+    void Describe(const FileFacts& facts) { described = facts; }
+    [[nodiscard]] bStatus WriteBlock(std::string_view block);
     [[nodiscard]] bStatus WriteFile(const char* name, bFile* source, std::int64_t size);
     /// Writes the end mark; fails without it when any entry is not whole.
     [[nodiscard]] bStatus Close() override;
@@ -23,11 +26,14 @@ class TarWriter final : public bTar {
   private:
     [[nodiscard]] bStatus WriteHeader(const char* name, int kind, const FileFacts& facts);
     [[nodiscard]] bStatus CopyData(bFile* source, std::int64_t size);
+    [[nodiscard]] bStatus Broken();
 
     bFile* file;
     std::unique_ptr<archive, decltype(&archive_write_free)> handle;
     std::unique_ptr<archive_entry, decltype(&archive_entry_free)> entry;
     std::pmr::vector<char> buffer;
+    std::optional<FileFacts> described; ///< for the next entry
     std::int64_t entries = 0;
+    std::int64_t left = 0; ///< bytes of the current entry's data that are still to come
     bool broken = false;
 };

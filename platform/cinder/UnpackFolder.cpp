@@ -2,6 +2,7 @@
 
 #include "basalt/Exception.h"
 #include "basalt/HiddenFile.h"
+#include "basalt/InputFile.h"
 #include "basalt/bDirectory.h"
 #include "basalt/bFile.h"
 #include "cinder/ConfinedFolder.h"
@@ -10,42 +11,64 @@
 
 #include <array>
 #include <new>
+#include <optional>
+#include <utility>
 
 namespace {
 
-constexpr unsigned kDirectoryPermissions = 0777;
+/// What the copies of hard links may have in all: as much as the largest archive that a request carries.
+constexpr std::int64_t kMaxCopied = std::int64_t{4} << 30U;
 
-[[noreturn]] void Fail(int line, bStatus status, const std::string& message) {
-    throw Ve::Exception(line, __FILE__, status, "UnpackFolder", "%s", message.c_str());
+const std::string kUnsafe = "the name leads outside, is no file's, or nests too deep";
+
+constexpr unsigned kPrivateFile = 0600;
+constexpr unsigned kPrivateFolder = 0700;
+
+template<typename Reason = std::error_code>
+[[noreturn]] void Fail(int line, bStatus status, const std::string& message, const Reason& why = {}) {
+    throw Ve::Exception(line, __FILE__, status, "UnpackFolder", "%s", message.c_str()).Because(why);
 }
+
+FileFacts Usable(FileFacts facts) {
+    facts.permissions = UsablePermissions(facts.kind, facts.permissions);
+    return facts;
+}
+
+/// What becomes of a hard link to an entry of the archive.
+enum class HardLinks { Copied, Refused };
 
 /// One archive on its way into one fresh folder.
 class Unpacker {
   public:
-    Unpacker(bTar* tar, const std::string& targetDirectory)
+    Unpacker(bTar* tar, const std::string& targetDirectory, FolderHandle target, HardLinks hardLinks)
         : tar(tar),
-          folder(targetDirectory),
-          prefix(targetDirectory.ends_with('/') ? targetDirectory : targetDirectory + "/") {}
+          folder(std::move(target)),
+          prefix(targetDirectory.ends_with('/') ? targetDirectory : targetDirectory + "/"),
+          hardLinks(hardLinks) {}
 
-    /// @return the status that ended the archive
-    bStatus UnpackEntries() {
+    Unpacking UnpackEntries() {
         std::array<char, bTar_NAME_SIZE> name{};
         int kind = 0;
         std::int64_t size = 0;
-        bStatus status = bOK;
-        while ((status = bTar_BeginRead(tar, name.data(), name.size(), &kind, &size)) == bOK) {
-            if (kind == bTar_FILE)
-                UnpackFile(name.data());
-            else
+        while ((result.end = bTar_BeginRead(tar, name.data(), name.size(), &kind, &size)) == bOK) {
+            if (kind != bTar_FILE)
                 UnpackDirectory(name.data());
+            else if (const char* const target = bTar_LinkTarget(tar))
+                UnpackHardLink(name.data(), target);
+            else
+                UnpackFile(name.data());
         }
         // Else what was not read would be missing from the next backup.
-        if (status == bERROR_MEMORY)
+        if (result.end == bERROR_MEMORY)
             throw std::bad_alloc();
         // What comes after the name is lost with it, so this end is not a quiet one.
-        if (status == bERROR_TOO_LONG)
-            Fail(__LINE__, status, "Failed to read item - " + PrintableTarName(name.data()));
-        return status;
+        if (result.end == bERROR_TOO_LONG)
+            Fail(__LINE__, result.end, "Failed to read item - " + PrintableTarName(name.data()));
+        if (const std::error_code reason = folder.Leave())
+            Fail(__LINE__, bERROR_FILE, "Failed to write " + prefix, reason);
+        result.leftOut.Add(bTar_LeftOut(tar));
+        result.reason = result.end == bERROR_END ? "" : bTar_Reason(tar);
+        return result;
     }
 
   private:
@@ -57,62 +80,131 @@ class Unpacker {
         std::string_view block;
         // The first read comes before anything is made: it fails when the archive cannot hold the data.
         bStatus status = ReadBlock(name, &block);
-        const std::vector<std::string> parts = TarNameParts(name);
-        if (!IsNarrowTarName(name) || parts.empty() || !name.ends_with(parts.back()))
-            Fail(__LINE__, bERROR_FILE, "Failed to open file - " + PathOf(name));
-        MakeParent(name, parts);
-        const FolderHandle parent = folder.OpenParent(parts);
-        if (!IsFree(parent, parts.back()))
-            Fail(__LINE__, bERROR_FILE, "Failed to open file - " + PathOf(name));
-        HiddenFile file(parent, bTar_Permissions(tar) | 0600U);
+        const ConfinedFolder::Parts parts = PartsOfFile(name);
+        HiddenFile file(ParentOf(name, parts), kPrivateFile);
         if (!file.IsOpen())
-            Fail(__LINE__, bERROR_FILE, "Failed to open file - " + PathOf(name));
+            Fail(__LINE__, bERROR_FILE, "Failed to open file - " + PathOf(name), file.Failure());
         for (; status == bOK; status = ReadBlock(name, &block))
-            if (!file.Write(block.data(), block.size()))
-                Fail(__LINE__, bERROR_FILE, "Failed to write " + PathOf(name));
-        if (!file.Keep(parts.back()))
-            Fail(__LINE__, bERROR_FILE, "Failed to write " + PathOf(name));
+            Write(file, name, block);
+        Keep(file, name, parts, bTar_Facts(tar));
     }
 
-    /// A file may be replaced; anything else that has the name is in the way.
-    static bool IsFree(const FolderHandle& parent, const std::string& name) {
+    /// A copy of what it leads to, unless that is none of the files that were unpacked.
+    void UnpackHardLink(const std::string& name, const std::string& target) {
+        if (hardLinks == HardLinks::Refused)
+            Fail(__LINE__, bERROR_FORMAT, "The archive holds links or special files.");
+        InputFile source = OpenLinked(target);
         FileFacts facts;
-        const std::error_code failure = parent.Ask(name, &facts);
-        return failure ? failure == std::errc::no_such_file_or_directory : facts.kind == FileKind::File;
+        if (!source.IsOpen() || !source.Ask(&facts))
+            return result.leftOut.Add(name);
+        const ConfinedFolder::Parts parts = PartsOfFile(name);
+        HiddenFile file(ParentOf(name, parts), kPrivateFile);
+        if (!file.IsOpen())
+            Fail(__LINE__, bERROR_FILE, "Failed to open file - " + PathOf(name), file.Failure());
+        Copy(source, file, name);
+        Keep(file, name, parts, facts);
+    }
+
+    [[nodiscard]] InputFile OpenLinked(const std::string& target) {
+        const ConfinedFolder::Parts parts = TarNameParts(target);
+        if (!IsNarrowTarName(target) || parts.empty())
+            return {};
+        return {folder.Enter(parts, parts.size() - 1), parts.back()};
+    }
+
+    void Copy(InputFile& source, HiddenFile& file, const std::string& name) {
+        std::array<char, std::size_t{64} * 1024> piece{};
+        std::size_t count = piece.size();
+        while (count == piece.size()) {
+            if (!source.Read(piece.data(), piece.size(), &count))
+                Fail(__LINE__, bERROR_FILE, "Failed to read item - " + PrintableTarName(name),
+                     source.Failure());
+            copied += static_cast<std::int64_t>(count);
+            if (copied > kMaxCopied)
+                Fail(__LINE__, bERROR_LIMIT, "Failed to read item - " + PrintableTarName(name));
+            Write(file, name, {piece.data(), count});
+        }
+    }
+
+    void UnpackDirectory(const std::string& name) {
+        const ConfinedFolder::Parts parts = TarNameParts(name);
+        if (!IsNarrowTarName(name))
+            Fail(__LINE__, bERROR_FILE, "Failed to create the directory - " + PathOf(name), kUnsafe);
+        if (const std::error_code reason = MakeFolder(parts, Usable(bTar_Facts(tar))))
+            Fail(__LINE__, bERROR_FILE, "Failed to create the directory - " + PathOf(name), reason);
     }
 
     /// @return 1 or bERROR_END
     bStatus ReadBlock(const std::string& name, std::string_view* block) {
         const bStatus status = bTar_ReadBlock(tar, block);
         if (status != bOK && status != bERROR_END)
-            Fail(__LINE__, status, "Failed to read item - " + PrintableTarName(name));
+            Fail(__LINE__, status, "Failed to read item - " + PrintableTarName(name), bTar_Reason(tar));
         return status;
     }
 
-    /// One level only: the directories above have entries of their own before.
-    void MakeParent(const std::string& name, const std::vector<std::string>& parts) const {
-        const std::vector<std::string> parent(parts.begin(), parts.end() - 1);
-        if (!folder.MakeFolder(parent, kDirectoryPermissions))
-            Fail(__LINE__, bERROR_FILE, "Failed to create the directory - " + PathOf(name));
+    [[nodiscard]] ConfinedFolder::Parts PartsOfFile(const std::string& name) const {
+        ConfinedFolder::Parts parts = TarNameParts(name);
+        if (!IsNarrowTarName(name) || parts.empty() || !name.ends_with(parts.back()))
+            Fail(__LINE__, bERROR_FILE, "Failed to open file - " + PathOf(name), kUnsafe);
+        return parts;
     }
 
-    void UnpackDirectory(const std::string& name) const {
-        if (!IsNarrowTarName(name) || !folder.MakeFolder(TarNameParts(name), bTar_Permissions(tar)))
-            Fail(__LINE__, bERROR_FILE, "Failed to create the directory - " + PathOf(name));
+    /// The folder that a file goes into, made when it is missing; one level only, since the directories above
+    /// have entries of their own before. A file may be replaced; anything else that has the name is in the
+    /// way.
+    [[nodiscard]] const FolderHandle& ParentOf(const std::string& name, const ConfinedFolder::Parts& parts) {
+        if (const std::error_code reason = MakeFolder({parts.begin(), parts.end() - 1}))
+            Fail(__LINE__, bERROR_FILE, "Failed to create the directory - " + PathOf(name), reason);
+        const FolderHandle& parent = folder.Enter(parts, parts.size() - 1);
+        replaced = {};
+        const std::error_code missing = parent.Ask(parts.back(), &replaced.emplace());
+        if (missing)
+            replaced.reset();
+        if (missing ? missing != std::errc::no_such_file_or_directory : replaced->kind != FileKind::File)
+            Fail(__LINE__, bERROR_FILE, "Failed to open file - " + PathOf(name));
+        return parent;
+    }
+
+    template<typename... Facts>
+    [[nodiscard]] std::error_code MakeFolder(const ConfinedFolder::Parts& parts, const Facts&... facts) {
+        bool isNew = false;
+        const std::error_code reason = folder.MakeFolder(parts, facts..., &isNew);
+        result.folders += isNew ? 1 : 0;
+        return reason;
+    }
+
+    void Write(HiddenFile& file, const std::string& name, std::string_view block) {
+        if (!file.Write(block.data(), block.size()))
+            Fail(__LINE__, bERROR_FILE, "Failed to write " + PathOf(name), file.Failure());
+        written += static_cast<std::int64_t>(block.size());
+    }
+
+    void Keep(HiddenFile& file, const std::string& name, const ConfinedFolder::Parts& parts,
+              const FileFacts& facts) {
+        if (!file.Describe(Usable(facts)) || !file.Keep(parts.back()))
+            Fail(__LINE__, bERROR_FILE, "Failed to write " + PathOf(name), file.Failure());
+        result.files += replaced ? 0 : 1;
+        result.bytes += std::exchange(written, 0) - (replaced ? replaced->size : 0);
     }
 
     bTar* tar;
     ConfinedFolder folder;
     std::string prefix;
+    HardLinks hardLinks;
+    Unpacking result;
+    std::optional<FileFacts> replaced; ///< the file that had the current entry's name before
+    std::int64_t written = 0;          ///< bytes of the current entry
+    std::int64_t copied = 0;           ///< bytes of all copies of hard links
 };
 
 bOwned<bFile> OpenArchiveFile(const std::string& tarFileName, bAlloc allocator) {
     if (bFile_Exists(tarFileName.c_str()) == 0)
         Fail(__LINE__, bERROR_NOT_FOUND, tarFileName + " doesn't exist.");
     bFile* file = nullptr;
-    if (const bStatus status = bFile_Construct(&file, tarFileName.c_str(), bFile_READ, allocator);
+    std::error_code why;
+    if (const bStatus status = bFile_Construct(&file, tarFileName.c_str(), bFile_READ, allocator, &why);
         status != bOK)
-        Fail(__LINE__, status, "Failed to construct a bFile object.");
+        Fail(__LINE__, status, "Failed to construct a bFile object.", why);
     return bOwned<bFile>(file);
 }
 
@@ -123,41 +215,53 @@ bOwned<bTar> OpenArchive(bFile* file, bAlloc allocator) {
     return bOwned<bTar>(tar);
 }
 
-void MakeFresh(const std::string& directory) {
+/// Whatever permissions a file has in the archive, nobody else reaches it in a folder of the owner alone.
+FolderHandle MakeFresh(const std::string& directory) {
     bStatus status = bOK;
-    if (bDirectory_Exists(directory.c_str()) != 0 && (status = bDirectory_Delete(directory.c_str())) != bOK)
-        Fail(__LINE__, status, "Failed to delete the existing directory - " + directory);
-    if ((status = bDirectory_Create(directory.c_str())) != bOK)
-        Fail(__LINE__, status, "Failed to create the directory - " + directory);
+    std::error_code why;
+    if (bDirectory_Exists(directory.c_str()) != 0 &&
+        (status = bDirectory_Delete(directory.c_str(), &why)) != bOK)
+        Fail(__LINE__, status, "Failed to delete the existing directory - " + directory, why);
+    if ((status = bDirectory_Create(directory.c_str(), &why)) != bOK)
+        Fail(__LINE__, status, "Failed to create the directory - " + directory, why);
+    FolderHandle made(directory, FolderHandle::Links::Refused);
+    FileFacts facts;
+    if (made.Ask(".", &facts))
+        Fail(__LINE__, bERROR_FILE, "Failed to create the directory - " + directory);
+    facts.permissions = kPrivateFolder;
+    if (const std::error_code reason = made.Describe(facts))
+        Fail(__LINE__, bERROR_FILE, "Failed to create the directory - " + directory, reason);
+    return made;
 }
 
 } // namespace
 
-bStatus UnpackFolder(const std::string& tarFileName, const std::string& targetDirectory, bAlloc allocator) {
+Unpacking UnpackFolder(const std::string& tarFileName, const std::string& targetDirectory, bAlloc allocator) {
     const bOwned<bFile> file = OpenArchiveFile(tarFileName, allocator);
     const bOwned<bTar> tar = OpenArchive(file.get(), allocator);
-    MakeFresh(targetDirectory);
-    const bStatus end = Unpacker(tar.get(), targetDirectory).UnpackEntries();
+    Unpacking result =
+        Unpacker(tar.get(), targetDirectory, MakeFresh(targetDirectory), HardLinks::Copied).UnpackEntries();
     // A disk that cannot be read and a bound of our own are no end of the archive: the rest of it is there,
     // and would be missing from the next backup.
-    if (end == bERROR_FILE || end == bERROR_LIMIT)
-        Fail(__LINE__, end, "Failed to read item - " + tarFileName);
-    return end;
+    if (result.end == bERROR_FILE || result.end == bERROR_LIMIT)
+        Fail(__LINE__, result.end, "Failed to read item - " + tarFileName, result.reason);
+    return result;
 }
 
 void UnpackFolderStrictly(const std::string& tarFileName, const std::string& targetDirectory,
                           bAlloc allocator) {
-    const bStatus end = UnpackFolder(tarFileName, targetDirectory, allocator);
-    if (end != bERROR_END)
-        Fail(__LINE__, end, "The archive is damaged - " + tarFileName);
+    const Unpacking result = UnpackFolder(tarFileName, targetDirectory, allocator);
+    if (result.end != bERROR_END)
+        Fail(__LINE__, result.end, "The archive is damaged - " + tarFileName, result.reason);
 }
 
-void UnpackFolderStrictly(bFile* archive, const std::string& targetDirectory, bAlloc allocator) {
+Unpacking UnpackFolderStrictly(bFile* archive, const std::string& targetDirectory, bAlloc allocator) {
     const bOwned<bTar> tar = OpenArchive(archive, allocator);
-    MakeFresh(targetDirectory);
-    const bStatus end = Unpacker(tar.get(), targetDirectory).UnpackEntries();
-    if (end != bERROR_END)
-        Fail(__LINE__, end, "The archive is damaged.");
-    if (bTar_PassedOver(tar.get()) != 0)
+    Unpacking result =
+        Unpacker(tar.get(), targetDirectory, MakeFresh(targetDirectory), HardLinks::Refused).UnpackEntries();
+    if (result.end != bERROR_END)
+        Fail(__LINE__, result.end, "The archive is damaged.", result.reason);
+    if (result.leftOut.count != 0)
         Fail(__LINE__, bERROR_FORMAT, "The archive holds links or special files.");
+    return result;
 }

@@ -3,29 +3,39 @@
 #include "basalt/bAlloc.h"
 #include "basalt/bFile.h"
 #include "basalt/bStatus.h"
+#include "cinder/LeftOut.h"
 
+#include <cstdint>
 #include <string>
 
-/// Unpacks a tar archive into a fresh folder: whatever stood in it is deleted first. Files and directories
-/// are unpacked, with the archive's permissions within 0777 and the process's mask; links and special files
-/// are passed over. An entry that would land outside the folder is refused before anything of it is written,
-/// and no link is followed. A file that cannot be read whole is not left behind. Uses the same memory for any
-/// size.
-/// @return how the archive ended: bERROR_END regularly; another status when it is damaged after the entries
-///         that were unpacked (see bTar_BeginRead)
+/// How an archive was unpacked.
+struct Unpacking {
+    bStatus end = bERROR_END; ///< how it ended: bERROR_END regularly; another status when it is damaged after
+                              ///< the entries that were unpacked (see bTar_BeginRead)
+    std::string reason;       ///< of an end that is not regular
+    LeftOut leftOut;          ///< the links and special files in it
+    std::int64_t files = 0;   ///< what lies in the folder now: its files,
+    std::int64_t folders = 0; ///< its folders
+    std::int64_t bytes = 0;   ///< and the files' bytes
+};
+
+/// Unpacks a tar archive into a fresh folder, which only its owner may enter: whatever was in it is deleted
+/// first. Files and folders get the archive's permissions, as far as UsablePermissions allows, and its times.
+/// A hard link to an entry before it becomes a copy of that; other links and special files are left out. An
+/// entry that would land outside the folder is refused before anything of it is written, and no link is
+/// followed. A file that cannot be read completely is not left in place. Uses the same memory for any size.
 /// @throws Ve::Exception: the step that failed and its status, an archive that cannot be read on or has too
 ///         many entries among them; what was unpacked before stays
-bStatus UnpackFolder(const std::string& tarFileName, const std::string& targetDirectory, bAlloc allocator);
+Unpacking UnpackFolder(const std::string& tarFileName, const std::string& targetDirectory, bAlloc allocator);
 
 /// The same, but an archive that does not end regularly is a failure too: nothing that is cut or damaged,
-/// were it only its end mark, is taken for whole.
+/// were it only its end mark, is mistaken for complete.
 /// @throws Ve::Exception as above; "The archive is damaged - " and its name with the status
 void UnpackFolderStrictly(const std::string& tarFileName, const std::string& targetDirectory,
                           bAlloc allocator);
 
-/// The strict form for an archive that is open for reading. Links and special files are a failure here: who
-/// replaces a whole tree must not lose a part of it unnoticed.
+/// The strict form for an archive that is open for reading. Links of any kind and special files are a failure
+/// here: who replaces a whole tree must not lose a part of it unnoticed.
 /// @throws Ve::Exception as above; "The archive is damaged." with the status, "The archive holds links or
-/// special
-///         files." with bERROR_FORMAT
-void UnpackFolderStrictly(bFile* archive, const std::string& targetDirectory, bAlloc allocator);
+///         special files." with bERROR_FORMAT
+Unpacking UnpackFolderStrictly(bFile* archive, const std::string& targetDirectory, bAlloc allocator);

@@ -37,6 +37,16 @@ bStatus bTar_BeginWrite(bTar* tar, const char* name, int kind, std::int64_t size
     return writer == nullptr ? bERROR_PARAMETER : writer->BeginWrite(name, kind, size);
 }
 
+void bTar_Describe(bTar* tar, const FileFacts& facts) {
+    if (auto* const writer = dynamic_cast<TarWriter*>(tar))
+        writer->Describe(facts);
+}
+
+bStatus bTar_WriteBlock(bTar* tar, std::string_view block) {
+    auto* const writer = dynamic_cast<TarWriter*>(tar);
+    return writer == nullptr ? bERROR_PARAMETER : writer->WriteBlock(block);
+}
+
 bStatus xbTar_WriteFile(bTar* tar, const char* name, bFile* file, std::int64_t size) {
     auto* const writer = dynamic_cast<TarWriter*>(tar);
     return writer == nullptr ? bERROR_PARAMETER : writer->WriteFile(name, file, size);
@@ -52,12 +62,24 @@ bStatus bTar_ReadBlock(bTar* tar, std::string_view* block) {
     return reader == nullptr ? bERROR_PARAMETER : reader->ReadBlock(block);
 }
 
-unsigned bTar_Permissions(const bTar* tar) {
+const FileFacts& bTar_Facts(const bTar* tar) {
+    static const FileFacts kNone;
     const auto* const reader = dynamic_cast<const TarReader*>(tar);
-    return reader == nullptr ? 0 : reader->Permissions();
+    return reader == nullptr ? kNone : reader->Facts();
 }
 
-std::int64_t bTar_PassedOver(const bTar* tar) {
+const char* bTar_LinkTarget(const bTar* tar) {
     const auto* const reader = dynamic_cast<const TarReader*>(tar);
-    return reader == nullptr ? 0 : reader->PassedOver();
+    return reader == nullptr ? nullptr : reader->LinkTarget();
+}
+
+std::string bTar_Reason(const bTar* tar) {
+    const auto* const reader = dynamic_cast<const TarReader*>(tar);
+    return reader == nullptr ? std::string() : reader->Reason();
+}
+
+const LeftOut& bTar_LeftOut(const bTar* tar) {
+    static const LeftOut kNone;
+    const auto* const reader = dynamic_cast<const TarReader*>(tar);
+    return reader == nullptr ? kNone : reader->Links();
 }

@@ -3,9 +3,11 @@
 #include "basalt/bFile.h"
 #include "basalt/bObject.h"
 #include "basalt/bStatus.h"
+#include "cinder/LeftOut.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 /// A tar archive in an open file. Written as ustar, with pax headers where a name or a size needs them; read
@@ -30,11 +32,20 @@ constexpr std::int64_t bTar_MOST_ENTRIES = 1'000'000;
 /// @return 1; bERROR_PARAMETER; bERROR_FILE; bERROR_MEMORY.
 bStatus bTar_Construct(bTar** tar, bFile* file, int mode, bAlloc allocator);
 
-/// Writes the header of an entry that has no data to follow: a directory, or an empty file.
+/// Sets the permissions and the time of the next entry that bTar_BeginWrite writes; without this call they
+/// are those of a new file or directory, and 1970.
+void bTar_Describe(bTar* tar, const FileFacts& facts);
+
+/// Writes the header of an entry: of a directory, or of a file whose data bTar_WriteBlock writes next.
 /// @param name relative, "/" as the separator, none at either end
 /// @return 1; bERROR_TOO_LONG for a name that readers have no room for; bERROR_PARAMETER for a name that
-///         readers refuse, another kind, or a size other than 0; bERROR_LIMIT; bERROR_FILE.
+///         readers refuse, another kind, or a size that does not fit it; bERROR_LIMIT; bERROR_FILE, also when
+///         the data of the entry before is not complete.
 bStatus bTar_BeginWrite(bTar* tar, const char* name, int kind, std::int64_t size);
+
+/// Writes on in the data of the current entry. @return 1; bERROR_FILE, also for more data than the header
+/// says.
+bStatus bTar_WriteBlock(bTar* tar, std::string_view block);
 
 /// Writes one file: the header, with the file's permissions and time, and all `size` bytes of `file`.
 /// @return as bTar_BeginWrite; also bERROR_FILE when the file has another size, or is changed meanwhile.
@@ -42,8 +53,8 @@ bStatus bTar_BeginWrite(bTar* tar, const char* name, int kind, std::int64_t size
 ///         a failure the archive is no longer whole and cannot be finished.
 bStatus xbTar_WriteFile(bTar* tar, const char* name, bFile* file, std::int64_t size);
 
-/// Goes to the next entry that is a file or a directory; links, devices and the like are passed over. What
-/// was not read of the entry before is passed over as well.
+/// Goes to the next entry that is a file, a directory or a hard link (see bTar_LinkTarget); symbolic links,
+/// devices and the like are left out. What was not read of the entry before is passed over.
 /// @param name gets the entry's name as the archive has it, a directory's without "/" at the end
 /// @param size gets what the archive says; whether it can hold that much is told by bTar_ReadBlock
 /// @return 1; bERROR_END at a regular end; bERROR_FORMAT where the archive is damaged, is no tar, or stops
@@ -58,8 +69,16 @@ bStatus bTar_BeginRead(bTar* tar, char* name, std::size_t capacity, int* kind, s
 ///         or does not hold, as much as it says.
 bStatus bTar_ReadBlock(bTar* tar, std::string_view* block);
 
-/// The permissions of the current entry, within 0777.
-unsigned bTar_Permissions(const bTar* tar);
+/// The permissions, within 0777, and the time of the current entry.
+const FileFacts& bTar_Facts(const bTar* tar);
 
-/// How many entries were passed over so far, being neither files nor directories.
-std::int64_t bTar_PassedOver(const bTar* tar);
+/// Where the current entry is a hard link: the name that it leads to, as the archive has it. Such an entry is
+/// of the kind bTar_FILE and has no data of its own.
+/// @return null when the entry is none
+const char* bTar_LinkTarget(const bTar* tar);
+
+/// What was wrong where reading ended or failed, and at which byte of the archive.
+std::string bTar_Reason(const bTar* tar);
+
+/// The entries that were left out so far.
+const LeftOut& bTar_LeftOut(const bTar* tar);

@@ -1,13 +1,14 @@
 #include "ostrasdk/HttpExchange.h"
 
-#include "basalt/ContentDigest.h"
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
+#include "wire/AccessToken.h"
+#include "wire/BodyReader.h"
+#include "wire/ContentDigest.h"
+#include "wire/JsonText.h"
 
-#include <boost/asio/connect.hpp>
-#include <boost/asio/write.hpp>
+#include <boost/beast/core/string.hpp>
 #include <boost/beast/http/empty_body.hpp>
-#include <boost/beast/http/read.hpp>
 #include <boost/beast/http/write.hpp>
 
 #include <algorithm>
@@ -22,9 +23,8 @@ namespace asio = boost::asio;
 namespace {
 
 constexpr std::chrono::seconds kConnectTimeout(5);
-constexpr std::uint64_t kLargestReply = 4ULL * 1024 * 1024 * 1024;
-constexpr std::size_t kSentAtOnce = std::size_t{1024} * 1024;
-constexpr std::size_t kReceivedAtOnce = std::size_t{64} * 1024; // the parser asks for no more
+constexpr std::uint64_t kMaxReply = 4ULL * 1024 * 1024 * 1024;
+constexpr const char* kFunction = "HttpExchange::Run";
 
 http::verb BeastVerb(HttpVerb verb) {
     switch (verb) {
@@ -59,6 +59,8 @@ std::string Head(const HttpRequest& request, const WireBody& body) {
         head.set(http::field::content_type, std::string(body.ContentType()));
     if (request.verb != HttpVerb::Get || body.Size() > 0)
         head.content_length(body.Size());
+    if (!request.token.empty())
+        head.set(http::field::authorization, BearerOf(request.token));
     head.set(kWantContentDigest, kWantedDigest);
     if (body.Size() > 0)
         head.set(kContentDigest, DigestOf(body));
@@ -77,133 +79,91 @@ void CheckRequest(const HttpRequest& request) {
                             request.path.c_str());
 }
 
+bool IsInformational(unsigned status) {
+    return status >= 100 && status < 200;
+}
+
 } // namespace
 
-HttpExchange::HttpExchange(const HttpRequest& request) : request(request), body(request.body) {
+HttpExchange::HttpExchange(const HttpRequest& request)
+    : request(request), body(request.body), stream(asio::ip::tcp::socket(context)) {
     CheckRequest(request);
     head = Head(request, body);
-    parser.body_limit(kLargestReply);
-    buffer.reserve(kReceivedAtOnce);
 }
 
 VeJson HttpExchange::Run(std::chrono::microseconds timeout) {
+    constexpr std::chrono::microseconds kMaxTimeout = std::chrono::hours(24);
+    const Clock::time_point end =
+        Clock::now() + std::clamp(timeout, std::chrono::microseconds(0), kMaxTimeout);
     try {
-        ArmDeadline(deadline, timeout);
-        ArmDeadline(connectDeadline, kConnectTimeout);
-        socket.async_connect(Endpoint(request), [this](const Error& error) { Connected(error); });
-        context.run();
-        return Result();
+        Connect(end);
+        std::vector<std::string_view> pieces = body.Parts();
+        pieces.insert(pieces.begin(), head);
+        stream.WriteMeanwhile(pieces);
+        ReceiveHead();
+        return ReceiveBody();
     } catch (const std::bad_alloc&) {
-        throw Ve::Exception(__LINE__, __FILE__, bERROR_MEMORY, "HttpExchange::Run",
+        throw Ve::Exception(__LINE__, __FILE__, bERROR_MEMORY, kFunction,
                             "There is not enough memory for the reply.");
     }
 }
 
-void HttpExchange::ArmDeadline(asio::steady_timer& timer, std::chrono::microseconds timeout) {
-    constexpr std::chrono::microseconds kLongest = std::chrono::hours(24);
-    timer.expires_after(std::clamp(timeout, std::chrono::microseconds(0), kLongest));
-    timer.async_wait([this](const Error& error) {
-        if (error == asio::error::operation_aborted)
-            return;
-        timedOut = true;
-        Stop();
-    });
-}
-
-void HttpExchange::Connected(const Error& error) {
-    failure = error;
-    if (error) {
-        Stop();
-        return;
-    }
-    connected = true;
-    connectDeadline.cancel();
-    Send();
-    ReceiveHead();
-}
-
-void HttpExchange::Send() {
-    std::vector<asio::const_buffer> buffers{asio::buffer(head)};
-    for (const std::string_view part : body.Parts())
-        buffers.emplace_back(part.data(), part.size());
-    const auto inLargePieces = [](const Error& error, std::size_t) { return error ? 0 : kSentAtOnce; };
-    // A failure is not looked at: what matters is the reply, and without one receiving fails as well.
-    asio::async_write(socket, buffers, inLargePieces, [](const Error&, std::size_t) {});
-}
-
-void HttpExchange::ReceiveHead() {
-    http::async_read_header(socket, buffer, parser,
-                            [this](const Error& error, std::size_t) { HeadReceived(error); });
-}
-
-void HttpExchange::HeadReceived(const Error& error) {
-    failure = error;
-    if (error) {
-        Stop();
-        return;
-    }
-    std::optional<std::uint64_t> size;
-    if (const auto length = parser.content_length())
-        size = *length;
-    const auto contentType = parser.get()[http::field::content_type];
-    parser.get().body().Start({contentType.data(), contentType.size()}, size);
-    http::async_read(socket, buffer, parser, [this](const Error& readError, std::size_t) {
-        failure = readError;
-        Stop();
-    });
-}
-
-/// Ends everything that is under way, so that the context has nothing left to run.
-void HttpExchange::Stop() {
-    Error ignored;
-    socket.close(ignored);
-    deadline.cancel();
-    connectDeadline.cancel();
-}
-
-VeJson HttpExchange::Result() {
-    constexpr const char* kFunction = "HttpExchange::Run";
-    if (timedOut)
-        throw Ve::Exception(__LINE__, __FILE__, bERROR_TIMEOUT, kFunction, "%s in time.",
-                            connected ? "The server did not answer" : "The server could not be reached");
-    if (failure == http::error::body_limit)
-        throw Ve::Exception(__LINE__, __FILE__, bERROR_LIMIT, kFunction, "The reply is too large.");
+void HttpExchange::Connect(Clock::time_point end) {
+    const auto left = [&] {
+        return std::chrono::duration_cast<std::chrono::microseconds>(end - Clock::now());
+    };
+    stream.ExpireAfter(std::min<std::chrono::microseconds>(left(), kConnectTimeout));
+    const TimedStream::Error failure = stream.Connect(context, Endpoint(request));
+    if (failure == asio::error::timed_out)
+        throw Ve::Exception(__LINE__, __FILE__, bERROR_TIMEOUT, kFunction,
+                            "The server could not be reached in time.");
     if (failure)
         throw Ve::Exception(__LINE__, __FILE__, bERROR_CONNECTION, kFunction, "%s",
                             failure.message().c_str());
-    if (parser.get().result() != http::status::ok)
-        throw Ve::Exception(__LINE__, __FILE__, bERROR_REFUSED, kFunction, "The server answered %u: %s",
-                            parser.get().result_int(), WordsOfTheServer().c_str());
-    CheckDigest();
-    return parser.get().body().Finish();
+    stream.ExpireAfter(left());
 }
 
-/// Before the body is looked at: a flipped bit in the middle of a file would not show.
-void HttpExchange::CheckDigest() {
-    const auto& reply = parser.get();
-    const std::uint32_t checksum = reply.body().Checksum();
-    bool told = false;
-    const auto [first, last] = reply.equal_range(kContentDigest);
-    for (auto field = first; field != last; ++field) {
-        const auto value = field->value();
-        const DigestCheck check = CheckContentDigest({value.data(), value.size()}, checksum);
-        if (check == DigestCheck::Different)
-            throw Ve::Exception(__LINE__, __FILE__, bERROR_FORMAT, "HttpExchange::Run",
-                                "The reply was damaged on its way.");
-        told = told || check == DigestCheck::Equal;
+/// Reads up to the head of the final reply: those before it only say that the server is at work.
+void HttpExchange::ReceiveHead() {
+    constexpr int kMaxHeads = 100;
+    for (int heads = 0; heads < kMaxHeads; ++heads) {
+        reply.emplace(stream, ahead);
+        if (!reply->ReadHead())
+            throw Ve::Exception(__LINE__, __FILE__, bERROR_CONNECTION, kFunction,
+                                "The server closed the connection without an answer.");
+        if (!IsInformational(reply->Head().result_int()))
+            return;
     }
-    if (!told && boost::beast::iequals(reply[http::field::trailer], kContentDigest))
-        throw Ve::Exception(__LINE__, __FILE__, bERROR_FORMAT, "HttpExchange::Run",
-                            "The digest that the reply announced is missing.");
+    throw Ve::Exception(__LINE__, __FILE__, bERROR_LIMIT, kFunction, "The server never gives its answer.");
+}
+
+VeJson HttpExchange::ReceiveBody() {
+    if (reply->Head().result() != http::status::ok)
+        ThrowRefusal();
+    // What it says cannot be about a request that it does not have.
+    if (!stream.HasWrittenAll())
+        throw Ve::Exception(__LINE__, __FILE__, bERROR_CONNECTION, kFunction,
+                            "The server answered before it had the whole request.");
+    reply->BeginBody(kMaxReply);
+    VeJson value = ReadBody(*reply, reply->Value(http::field::content_type), {reply->MaxBytes(), kMaxText});
+    reply->CheckDigest(boost::beast::iequals(reply->Value(http::field::trailer), kContentDigest));
+    return value;
 }
 
 /// What a refusal says in its body, which may be anything.
-std::string HttpExchange::WordsOfTheServer() {
+void HttpExchange::ThrowRefusal() {
+    std::string words = "no reason given";
     try {
-        return parser.get().body().Finish().At("error").Get<std::string>();
-    } catch (const Ve::Exception&) {
-        return "no reason given";
+        reply->BeginBody(kMaxText);
+        words = ReadBody(*reply, reply->Value(http::field::content_type), {reply->MaxBytes(), kMaxText})
+                    .At("error")
+                    .Get<std::string>();
+    } catch (const Ve::Exception& failure) {
+        if (failure.Status() == bERROR_TIMEOUT)
+            throw;
     }
+    throw Ve::Exception(__LINE__, __FILE__, bERROR_REFUSED, kFunction, "The server answered %u: %s",
+                        reply->Head().result_int(), words.c_str());
 }
 
 } // namespace OstraSdk

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "basalt/bIpAddress.h"
-#include "ostrasdk/VeJson.h"
+#include "wire/VeJson.h"
 
 #include <string>
 
@@ -14,8 +14,9 @@ struct HttpRequest {
     bIpAddress address;
     unsigned int port = 0;
     HttpVerb verb = HttpVerb::Get;
-    std::string path; ///< begins with "/"; no blanks or control characters
-    VeJson body;      ///< empty for none
+    std::string path;  ///< begins with "/"; no blanks or control characters
+    VeJson body;       ///< empty for none
+    std::string token; ///< empty for none
 };
 
 } // namespace OstraSdk

@@ -23,6 +23,12 @@ constexpr std::string_view kQuestion = R"({"ostra":"discover","version":1})";
 constexpr std::size_t kLargestAnswer = 65507;
 constexpr std::size_t kMostInstances = 1000;
 
+/// Whether one machine can have this address. That of whoever sent the answer always is one.
+bool IsUnicast(const bIpAddress& address) {
+    constexpr unsigned kFirstBeyond = 224; // multicast, reserved ones and broadcast
+    return address.octets[0] > 0 && address.octets[0] < kFirstBeyond;
+}
+
 /// One question and the answers to it.
 class Discovery {
   public:
@@ -58,7 +64,8 @@ class Discovery {
         if (instances.size() == kMostInstances)
             return;
         auto instance = VeInstance::FromAnswer(text);
-        if (instance && known.emplace(instance->GetSerialNumber(), instance->GetIpAddress().octets).second)
+        if (instance && IsUnicast(instance->GetIpAddress()) &&
+            known.emplace(instance->GetSerialNumber(), instance->GetIpAddress().octets).second)
             instances.push_back(std::move(*instance));
     }
 

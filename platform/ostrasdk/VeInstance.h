@@ -1,7 +1,7 @@
 #pragma once
 
 #include "basalt/bIpAddress.h"
-#include "ostrasdk/VeJson.h"
+#include "wire/VeJson.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ostrasdk/VeJson.h"
+#include "wire/VeJson.h"
 
 #include <utility>
 

@@ -2,6 +2,9 @@
 
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
+#include "wire/AccessToken.h"
+
+#include <cstdlib>
 
 namespace OstraSdk {
 
@@ -22,7 +25,9 @@ VeTransaction VeRestClient::Request(HttpVerb verb, const std::string& path, cons
     if (!extra.IsEmpty())
         throw Ve::Exception(__LINE__, __FILE__, bERROR_PARAMETER, "VeRestClient::Request",
                             "A request takes nothing beside its body.");
-    return VeTransaction(HttpRequest{address, port, verb, path, body});
+    const char* const tokenFile = std::getenv("OSTRA_TOKEN_FILE");
+    return VeTransaction(HttpRequest{address, port, verb, path, body,
+                                     tokenFile == nullptr ? std::string() : ReadAccessToken(tokenFile)});
 }
 
 } // namespace OstraSdk

@@ -9,7 +9,9 @@
 namespace OstraSdk {
 
 /// Makes requests to one server. Each has a connection of its own, so that a server that was restarted, or a
-/// connection that died between two requests, is no matter.
+/// connection that died between two requests, is no matter. Each brings the token in the file that the
+/// environment variable OSTRA_TOKEN_FILE names, if it names one; a file that has none throws Ve::Exception
+/// (see ReadAccessToken).
 class VeRestClient {
   public:
     VeRestClient(const bIpAddress& address, unsigned int port) : address(address), port(port) {}

@@ -40,7 +40,15 @@ QString AccessibleCanvas::Describe() const {
     const int segment = canvas.currentSegment();
     if (segment >= 0 && document.segmentExists(path, segment))
         text += QMaskWidget::tr(" Chosen: segment %1 of path %2.").arg(segment + 1).arg(path + 1);
-    return text + DescribePoint();
+    return text + DescribePoint() + Keys();
+}
+
+QString AccessibleCanvas::Keys() {
+    return QMaskWidget::tr(
+        " Keys: A adds a point, Enter closes the paths, Backspace deletes the last point. P and Shift+P "
+        "choose a point, arrows move it by a pixel, with Shift by ten, with Alt by a tenth, Delete removes "
+        "it, Escape lets it go. N and Shift+N choose a segment, Insert puts a point on it. Ctrl+C copies "
+        "the position. Ctrl with plus, minus, 0 and 1 changes the scale. F6 leads here.");
 }
 
 QString AccessibleCanvas::DescribePoint() const {

@@ -22,7 +22,7 @@ void CopyPixels(const QImage& from, const QPoint& fromStart, QImage& to, const Q
 
 } // namespace
 
-void HeightMapView::Show(const QPixmap& pixmap, const QSize& newSize, const QRect& visible) {
+void HeightMapView::Show(const QPixmap& pixmap, const QSize& newSize, const QRect& visible, double mostRead) {
     // The pixmap's own pixels, shared, where it has 32 bits a pixel, as those made from images do.
     source = pixmap.toImage().convertToFormat(QImage::Format_RGB32);
     if (pixmap.cacheKey() != key || newSize != size) {
@@ -31,7 +31,7 @@ void HeightMapView::Show(const QPixmap& pixmap, const QSize& newSize, const QRec
         valid = {};
     }
     mapSize = pixmap.size();
-    mayRead = kMostRead;
+    mayRead = mostRead;
     KeepVisible(visible);
 }
 

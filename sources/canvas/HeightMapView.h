@@ -25,7 +25,8 @@ class HeightMapView {
 
     /// Stretches `pixmap` to `size`. What is kept is forgotten when either is another than before.
     /// @param visible what the operator can see of the canvas now
-    void Show(const QPixmap& pixmap, const QSize& size, const QRect& visible);
+    /// @param mostRead pixels of the map that this paint may average
+    void Show(const QPixmap& pixmap, const QSize& size, const QRect& visible, double mostRead = kMostRead);
 
     /// Lets go of the image, so that it does not outlive the label's pixmap; Show takes it up again.
     void ReleaseImage() { source = {}; }

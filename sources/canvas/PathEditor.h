@@ -4,8 +4,10 @@
 #include "canvas/EditingState.h"
 #include "document/TrackDocument.h"
 
-/// Turns what the mouse does on the canvas into edits of a document, without a widget. Positions are widget
-/// pixels of the canvas that `scale` is made for.
+#include <optional>
+
+/// Turns what the mouse and the keys do on the canvas into edits of a document, without a widget. Positions
+/// are widget pixels of the canvas that `scale` is made for.
 class PathEditor {
   public:
     /// @param document borrowed; it outlives the editor
@@ -16,12 +18,17 @@ class PathEditor {
     /// Left button down: starts a path unless one is open or a point is under the cursor.
     void Press(const CanvasScale& scale, const QPointF& position);
 
+    /// Ctrl and left button down: puts a point on the segment under the cursor, with the parameters that it
+    /// has. The rest of the gesture does nothing. @return false, with nothing done, where there is a point or
+    /// no segment
+    bool PressOnSegment(const CanvasScale& scale, const QPointF& position);
+
     /// Left button up: ends a drag, or adds a point to the last path, open or not, when the cursor has left
     /// the path's last point. @return whether a point was added
     bool Release(const CanvasScale& scale, const QPointF& position);
 
     /// Left button twice: closes the open path.
-    void DoubleClick() { document->closePath(); }
+    void DoubleClick();
 
     /// Cursor moved without the left button: looks for the point under it.
     void Hover(const CanvasScale& scale, const QPointF& position);
@@ -30,18 +37,59 @@ class PathEditor {
     /// @return whether a point was dragged
     bool Drag(const CanvasScale& scale, const QPointF& position);
 
+    /// Ends the gesture of the button that is held: a dragged point goes back, and what follows until the
+    /// button is pressed anew does nothing. @return whether a point went back
+    bool GiveUpGesture();
+
     /// No point is under the cursor, and nothing is drawn to it, until it moves again.
     void ForgetCursor();
 
     /// Forgets the cursor and the chosen segment.
-    void Reset() { state = {}; }
+    void Reset();
+
+    /// Forgets the touched point when its index may be another's.
+    void Follow(const PathsChange& change);
 
     void SetCurrentPath(int path) { state.currentPath = path; }
     void SetCurrentSegment(int segment) { state.currentSegment = segment; }
 
+    // By key, while no button is held. Each change is a step of its own.
+
+    /// The point that keys act on: the one under the cursor, or else the one that was last drawn, dragged,
+    /// inserted or chosen.
+    [[nodiscard]] std::optional<PointIndex> TouchedPoint() const;
+    /// Whether a key, not the cursor, has decided which point is shown as hovered. The next press or move of
+    /// the mouse searches anew.
+    [[nodiscard]] bool IsHoverByKey() const { return hoverByKey; }
+    /// No point is touched or shown.
+    void LetGo();
+    /// Moves the touched point by tenths of a pixel of an image, but not over the margin of the canvas.
+    /// @param image columns x rows. @return whether there is a touched point
+    bool MoveTouched(const CanvasScale& scale, const QPoint& tenths, const QSize& image);
+    /// Removes the touched point by the rule of TrackDocument::removePoint. @return whether there was one
+    bool RemoveTouched();
+    /// Adds a point as a click would, but moves none. @return whether one was added
+    bool AddPoint(const CanvasScale& scale, const QPointF& position);
+    /// Puts a point on the segment under the cursor, or in the middle of the chosen segment when there is no
+    /// cursor or only a point or nothing under it. @return whether there was a segment
+    bool SplitSegment(const CanvasScale& scale, const std::optional<QPointF>& cursor);
+    /// Touches the next (1) or previous (-1) point in list order, or the first of the chosen segment when
+    /// none is touched. @return whether there is such a point
+    bool ChoosePoint(int delta);
+
   private:
     void MoveHoverPoint(const QPointF& point);
+    void ShowByKey(PointIndex at);
+    [[nodiscard]] PointIndex Hovered() const { return {state.hoverPath, state.hoverPoint}; }
+    [[nodiscard]] bool IsPathOpen() const;
+    [[nodiscard]] QPointF PositionOf(PointIndex at) const;
+    [[nodiscard]] std::optional<PointIndex> Neighbour(PointIndex at, int delta) const;
+    void Split(PointIndex start, const QPointF& position);
 
     TrackDocument* document;
     EditingState state;
+    std::optional<PointIndex> touched;
+    std::optional<QPointF> dragStart; ///< where the dragged point was before the gesture
+    bool gestureEnded = false;        ///< what the button does until it is pressed anew is ignored
+    bool hoverByKey = false;
 };

@@ -26,9 +26,13 @@ const PathExtents::OfPath& PathExtents::Of(const std::vector<TrackPath>& paths, 
 void PathExtents::Follow(const PathsChange& change) {
     const auto changed = [this](PointIndex at) { PathChanged(static_cast<std::size_t>(at.path)); };
     const ChangeHandlers handlers{
-        [](const PathAppended&) {},
-        [this](const LastPathRemoved& removed) {
-            entries.resize(std::min(entries.size(), static_cast<std::size_t>(removed.path)));
+        [this](const PathInserted& inserted) {
+            if (static_cast<std::size_t>(inserted.path) < entries.size())
+                entries.insert(entries.begin() + inserted.path, Entry());
+        },
+        [this](const PathRemoved& removed) {
+            if (static_cast<std::size_t>(removed.path) < entries.size())
+                entries.erase(entries.begin() + removed.path);
         },
         [&](const PointInserted& inserted) { changed(inserted.at); },
         [&](const PointRemoved& removed) { changed(removed.at); },

@@ -12,9 +12,7 @@ constexpr QRgb kRed = 0xffff0000U;
 constexpr QRgb kGreen = 0xff00ff00U;
 constexpr QRgb kWhite = 0xffffffffU;
 
-/// Widths in widget pixels.
-constexpr int kPointSide = 5;
-constexpr int kGripSide = 10;
+constexpr double kGripWidth = 10.0; ///< in widget pixels
 
 /// What a part of the canvas shows in normalised coordinates, with room for what reaches into it.
 Extent ShownExtent(const QRect& place, double ratio, const CanvasScale& scale) {
@@ -33,7 +31,7 @@ PointLabel::PointLabel(const QPoint& point, int canvasWidth)
 }
 
 PathPainter::PathPainter(QImage& part, const QRect& place, double ratio, const std::vector<TrackPath>& paths,
-                         const EditingState& state, PathExtents& extents, LineShapes& shapes,
+                         const EditingState& state, PathExtents& extents, ShapeCache& shapes,
                          const CanvasScale& scale)
     : part(part),
       place(place),
@@ -62,15 +60,14 @@ void PathPainter::Line(const QPoint& from, const QPoint& to, QRgb colour) {
     if (ratio == 1.0)
         board.Line(from, to, colour);
     else
-        board.Line(QPointF(from) * ratio, QPointF(to) * ratio, LineShapes::kWidth * ratio, colour);
+        board.Line(QPointF(from) * ratio, QPointF(to) * ratio, ShapeCache::kLineWidth * ratio, colour);
 }
 
-template<int side>
 void PathPainter::Dot(const QPoint& point, QRgb colour) {
     if (ratio == 1.0)
-        board.Square<side>(point, colour);
+        board.Dot(point, colour);
     else
-        board.Square(QPointF(point) * ratio, side * ratio, colour);
+        board.Dot(point, ShapeCache::kDotWidth, ratio, colour);
 }
 
 void PathPainter::PaintSegments() {
@@ -107,14 +104,14 @@ void PathPainter::PaintPoints() {
     for (std::size_t index = 0; index < paths.size(); ++index)
         if (extents.Of(paths, index).points.Meets(shown))
             for (const QPointF& point : paths[index].points)
-                Dot<kPointSide>(scale.toWidgetPixels(point), kGreen);
+                Dot(scale.toWidgetPixels(point), kGreen);
 }
 
 void PathPainter::PaintDragPoint(const QFont& font) {
     if (state.dragPoint.isNull())
         return;
     const QPoint point = scale.toWidgetPixels(state.dragPoint);
-    Dot<kGripSide>(point, kGreen);
+    board.Dot(point, kGripWidth, ratio, kGreen);
     PaintLabel(point, font);
 }
 
@@ -156,6 +153,6 @@ void PathPainter::PaintBandCorners() {
             for (const RulerMarks::Band& band : marks.bands)
                 if (!shown.Misses(band))
                     for (const QPointF& corner : band)
-                        Dot<kPointSide>(scale.toWidgetPixels(corner), kGreen);
+                        Dot(scale.toWidgetPixels(corner), kGreen);
     }
 }

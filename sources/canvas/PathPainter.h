@@ -31,14 +31,13 @@ class PathPainter {
     /// @param part the image to paint on, in Format_RGB32, `ratio` device pixels a widget pixel
     /// @param place the part's place on the canvas, in device pixels
     PathPainter(QImage& part, const QRect& place, double ratio, const std::vector<TrackPath>& paths,
-                const EditingState& state, PathExtents& extents, LineShapes& shapes,
+                const EditingState& state, PathExtents& extents, ShapeCache& shapes,
                 const CanvasScale& scale);
 
     void Paint(bool rulerShown, const QFont& font);
 
   private:
     void Line(const QPoint& from, const QPoint& to, QRgb colour);
-    template<int side>
     void Dot(const QPoint& point, QRgb colour);
     void PaintSegments();
     void PaintRubberBand();

@@ -4,7 +4,9 @@
 #include "canvas/PathPainter.h"
 #include "canvas/RulerOwner.h"
 
+#include <QBackingStore>
 #include <QMouseEvent>
+#include <QPaintEngine>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScopedValueRollback>
@@ -13,6 +15,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -36,6 +39,12 @@ QRegion FewRects(const QRegion& region) {
         whole += area(rect);
     const QRect round = region.boundingRect();
     return area(round) <= 2 * whole ? QRegion(round) : region;
+}
+
+/// Whether a picture of the widget is made for somebody, as by grab(), while the screen stays as it is.
+bool IsGrabbed(const QPainter& painter, const QWidget& widget) {
+    QBackingStore* const screen = widget.window()->backingStore();
+    return screen == nullptr || painter.paintEngine()->paintDevice() != screen->paintDevice();
 }
 
 } // namespace
@@ -148,8 +157,23 @@ void QMaskWidget::mousePressEvent(QMouseEvent* event) {
     if (!HasImage() || event->button() != Qt::LeftButton)
         return;
     pressed = true;
+    cursorAt = event->localPos();
     doc->endGesture();
-    editor.Press(Scale(), event->localPos());
+    if (editor.IsHoverByKey())
+        update(PlaceOfCursor()); // the press may find another point under the cursor
+    if ((event->modifiers() & Qt::ControlModifier) == 0 || !SplitByMouse())
+        editor.Press(Scale(), *cursorAt);
+    emit cursorChanged();
+}
+
+bool QMaskWidget::SplitByMouse() {
+    update(PlaceOfCursor());
+    if (!editor.PressOnSegment(Scale(), *cursorAt))
+        return false;
+    RefreshRulerIfShown();
+    update(PlaceOfCursor());
+    emit segmentsShifted();
+    return true;
 }
 
 void QMaskWidget::mouseReleaseEvent(QMouseEvent* event) {
@@ -161,6 +185,7 @@ void QMaskWidget::mouseReleaseEvent(QMouseEvent* event) {
     if (editor.Release(Scale(), event->localPos()))
         RefreshRulerIfShown();
     update(PlaceOfCursor());
+    emit cursorChanged();
 }
 
 void QMaskWidget::mouseDoubleClickEvent(QMouseEvent* event) {
@@ -172,13 +197,110 @@ void QMaskWidget::mouseMoveEvent(QMouseEvent* event) {
     if (!HasImage())
         return;
     update(PlaceOfCursor());
+    cursorAt = event->localPos();
     pressed = (event->buttons() & Qt::LeftButton) != 0; // a release may have gone to another window
     if (!pressed) {
-        editor.Hover(Scale(), event->localPos());
-    } else if (editor.Drag(Scale(), event->localPos())) {
+        editor.Hover(Scale(), *cursorAt);
+    } else if (editor.Drag(Scale(), *cursorAt)) {
         RefreshRulerIfShown();
     }
     update(PlaceOfCursor());
+    emit cursorChanged();
+}
+
+void QMaskWidget::leaveEvent(QEvent* event) {
+    cursorAt.reset();
+    QLabel::leaveEvent(event);
+    emit cursorChanged();
+}
+
+void QMaskWidget::moveEvent(QMoveEvent* event) {
+    QLabel::moveEvent(event);
+    if (cursorAt)
+        *cursorAt -= event->pos() - event->oldPos(); // it stays where it is on the screen
+    FollowGeometry();
+}
+
+void QMaskWidget::resizeEvent(QResizeEvent* event) {
+    QLabel::resizeEvent(event);
+    FollowGeometry();
+}
+
+/// Scrolled or scaled, another point may be under the cursor: a press must not drag the one that was.
+void QMaskWidget::FollowGeometry() {
+    if (cursorAt && !pressed && !editor.IsHoverByKey() && HasImage()) {
+        update(PlaceOfCursor());
+        editor.Hover(Scale(), *cursorAt);
+        update(PlaceOfCursor());
+    }
+    emit cursorChanged();
+}
+
+bool QMaskWidget::EditByKey(const std::function<bool()>& edit) {
+    if (!HasImage() || pressed)
+        return false;
+    update(PlaceOfCursor());
+    const bool edited = edit();
+    if (edited)
+        RefreshRulerIfShown();
+    update(PlaceOfCursor());
+    emit cursorChanged();
+    return edited;
+}
+
+std::optional<QPoint> QMaskWidget::touchedPlace() const {
+    const auto at = editor.TouchedPoint();
+    if (!at)
+        return std::nullopt;
+    return Scale().toWidgetPixels(
+        paths()[static_cast<std::size_t>(at->path)].points[static_cast<std::size_t>(at->point)]);
+}
+
+bool QMaskWidget::isPointChosenByKey() const {
+    return editor.IsHoverByKey() && !editor.State().dragPoint.isNull();
+}
+
+bool QMaskWidget::nudgePoint(const QPoint& tenths) {
+    return EditByKey([&] { return editor.MoveTouched(Scale(), tenths, Image().size()); });
+}
+
+bool QMaskWidget::removePoint() {
+    const bool removed = EditByKey([&] { return editor.RemoveTouched(); });
+    if (removed)
+        emit segmentsShifted();
+    return removed;
+}
+
+bool QMaskWidget::addPoint(const QPointF& place) {
+    return EditByKey([&] { return editor.AddPoint(Scale(), place); });
+}
+
+bool QMaskWidget::splitSegment() {
+    const bool split = EditByKey([&] { return editor.SplitSegment(Scale(), cursorAt); });
+    if (split)
+        emit segmentsShifted();
+    return split;
+}
+
+bool QMaskWidget::choosePoint(int delta) {
+    return EditByKey([&] { return editor.ChoosePoint(delta); });
+}
+
+void QMaskWidget::closePaths() {
+    EditByKey([&] {
+        doc->closeAllPaths();
+        return false; // which is not seen
+    });
+}
+
+void QMaskWidget::giveUp() {
+    update(PlaceOfCursor());
+    if (!pressed)
+        editor.LetGo();
+    else if (editor.GiveUpGesture())
+        RefreshRulerIfShown();
+    update(PlaceOfCursor());
+    emit cursorChanged();
 }
 
 void QMaskWidget::paintEvent(QPaintEvent* event) {
@@ -194,9 +316,12 @@ void QMaskWidget::paintEvent(QPaintEvent* event) {
     const QRect canvas = DeviceRect(rect(), ratio);
     bandsPainted = RulerShown();
     painter.scale(1.0 / ratio, 1.0 / ratio); // from here on in device pixels, so that none is resampled
-    view.Show(image, canvas.size(), DeviceRect(visibleRegion().boundingRect(), ratio).intersected(canvas));
-    for (const QRect& exposed : event->region()) // what is painted beside it does not reach the screen
-        coarse -= DeviceRect(exposed, ratio);
+    const bool grabbed = IsGrabbed(painter, *this);
+    view.Show(image, canvas.size(), DeviceRect(visibleRegion().boundingRect(), ratio).intersected(canvas),
+              grabbed ? std::numeric_limits<double>::max() : HeightMapView::kMostRead);
+    if (!grabbed)
+        for (const QRect& exposed : event->region()) // what is painted beside it does not reach the screen
+            coarse -= DeviceRect(exposed, ratio);
     for (const QRect& exposed : FewRects(event->region())) {
         const QRect place = DeviceRect(exposed, ratio).intersected(canvas);
         const int rows = std::max(1, kMostPainted / std::max(1, place.width()));
@@ -229,7 +354,7 @@ void QMaskWidget::PaintPart(QPainter& painter, const QRect& place, double ratio)
     coarse += view.Copy(place, part);
     if (!isEnabled())
         PaintDisabled(part);
-    PathPainter(part, place, ratio, paths(), editor.State(), extents, lineShapes, Scale())
+    PathPainter(part, place, ratio, paths(), editor.State(), extents, shapes, Scale())
         .Paint(RulerShown(), font());
     part.setDevicePixelRatio(1.0);
     painter.drawImage(place.topLeft(), part);
@@ -289,9 +414,13 @@ QRect QMaskWidget::PlaceOf(const Extent& extent) const {
 /// all.
 void QMaskWidget::FollowPaths(const PathsChange& change) {
     extents.Follow(change);
+    editor.Follow(change);
     const ChangeHandlers handlers{
-        [this](const PathAppended& appended) { update(PlaceOf(extents.Of(paths(), appended.path).points)); },
-        [this](const LastPathRemoved&) { update(); },
+        [this](const PathInserted& inserted) {
+            const auto index = static_cast<std::size_t>(inserted.path);
+            update(PlaceOf(extents.Of(paths(), index).points));
+        },
+        [this](const PathRemoved&) { update(); },
         [this](const PointInserted& inserted) { update(PlaceOfPoint(inserted.at)); },
         [this](const PointRemoved&) { update(); },
         [this](const PointMoved& moved) {

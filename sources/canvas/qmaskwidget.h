@@ -3,19 +3,22 @@
 #include "canvas/HeightMapView.h"
 #include "canvas/PathEditor.h"
 #include "canvas/PathExtents.h"
-#include "raster/LineShapes.h"
+#include "raster/ShapeCache.h"
 
 #include <QBasicTimer>
 #include <QLabel>
 #include <QPixmap>
 #include <QRegion>
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class RulerOwner;
 
-/// The canvas: shows the height map and lets the operator draw, reshape and measure paths with the mouse.
+/// The canvas: shows the height map and lets the operator draw, reshape and measure paths with the mouse, and
+/// by keys through the operations that a window binds to them.
 ///
 /// The paths are those of a document; the canvas asks it to change and follows its signals. All of it runs on
 /// the window's thread. Mouse positions are widget pixels; everything stored is normalised to the canvas
@@ -91,11 +94,46 @@ class QMaskWidget : public QLabel {
     /// What the mouse has begun, and the chosen segment.
     [[nodiscard]] const EditingState& editingState() const { return editor.State(); }
 
+    /// The widget pixel of the cursor; none while it is not over the canvas.
+    [[nodiscard]] std::optional<QPointF> cursorPlace() const { return cursorAt; }
+
+    // What keys do. Each change is one step; nothing happens without an image or while a button is held.
+
+    /// The widget pixel of the point that keys act on: the one under the cursor, or else the last one that
+    /// was drawn, dragged, inserted or chosen.
+    [[nodiscard]] std::optional<QPoint> touchedPlace() const;
+    /// Whether that point was chosen or moved by a key, and not by the mouse since.
+    [[nodiscard]] bool isPointChosenByKey() const;
+    /// Moves that point by tenths of an image pixel. @return whether there is one
+    bool nudgePoint(const QPoint& tenths);
+    /// Removes that point, or its path when that has fewer than 3 points. @return whether there was one
+    bool removePoint();
+    /// Adds a point at a widget pixel as a click there would.
+    bool addPoint(const QPointF& place);
+    /// Puts a point on the segment under the cursor, or in the middle of the chosen one.
+    bool splitSegment();
+    /// Makes the next (1) or previous (-1) point the touched one.
+    bool choosePoint(int delta);
+    /// Closes every open path.
+    void closePaths();
+    /// Ends what the left button, when it is held, has begun: a dragged point goes back. Then no point is
+    /// touched any more.
+    void giveUp();
+
+  signals:
+    /// The cursor, the point under it, or what is drawn to it may be another; or the canvas was scrolled.
+    void cursorChanged();
+    /// A point was inserted or removed anywhere in a path: a segment's number may be another's now.
+    void segmentsShifted();
+
   protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void timerEvent(QTimerEvent* event) override;
 
@@ -105,6 +143,11 @@ class QMaskWidget : public QLabel {
     [[nodiscard]] CanvasScale Scale() const { return CanvasScale(size()); }
     [[nodiscard]] bool RulerShown() const;
     void RefreshRulerIfShown();
+    void FollowGeometry();
+    /// @return whether there was a segment under the cursor to put a point on
+    bool SplitByMouse();
+    /// Makes an edit that was asked for by key, which says whether it changed anything shown.
+    bool EditByKey(const std::function<bool()>& edit);
 
     /// Where a point of a path and the segments that meet in it are painted.
     [[nodiscard]] QRect PlaceOfPoint(PointIndex at) const;
@@ -124,9 +167,10 @@ class QMaskWidget : public QLabel {
     TrackDocument* doc;
     PathEditor editor;
     bool pressed = false;              ///< the left button is held
+    std::optional<QPointF> cursorAt;   ///< in widget pixels, while it is over the canvas
     bool repaintsReplacedPaths = true; ///< false while paths are reset quietly
     PathExtents extents;
-    LineShapes lineShapes;
+    ShapeCache shapes;
     HeightMapView view;
     QRegion coarse;            ///< what of the canvas is painted coarsely, in device pixels
     QBasicTimer refining;      ///< active while there is such a place

@@ -31,16 +31,17 @@ bool PathList::HasPoint(PointIndex at) const {
            at.point < static_cast<int>(PathOf(at).points.size());
 }
 
-void PathList::AppendPath(TrackPath path) {
-    paths.push_back(std::move(path));
-    report(PathAppended{Count() - 1});
+void PathList::InsertPath(int index, TrackPath path) {
+    paths.insert(paths.begin() + index, std::move(path));
+    report(PathInserted{index});
 }
 
-TrackPath PathList::TakeLastPath() {
-    TrackPath last = std::move(paths.back());
-    paths.pop_back();
-    report(LastPathRemoved{Count()});
-    return last;
+TrackPath PathList::TakePath(int index) {
+    const auto place = paths.begin() + index;
+    TrackPath taken = std::move(*place);
+    paths.erase(place);
+    report(PathRemoved{index});
+    return taken;
 }
 
 void PathList::SetFinishedCount(int count) {

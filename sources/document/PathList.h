@@ -27,8 +27,9 @@ class PathList {
     /// Whether there is a point at this index; negative numbers are no indexes.
     [[nodiscard]] bool HasPoint(PointIndex at) const;
 
-    void AppendPath(TrackPath path);
-    TrackPath TakeLastPath();
+    /// Inserts a path before `index`, at most the number of paths.
+    void InsertPath(int index, TrackPath path);
+    TrackPath TakePath(int index);
     void SetFinishedCount(int count);
     void InsertPoint(PointIndex at, const PathPoint& point);
     void RemovePoint(PointIndex at);

@@ -16,11 +16,11 @@ std::size_t BytesOf(const TrackPath& path) {
 void AddPathStep::Redo(PathList& paths) {
     TrackPath path;
     path.AppendPoint(point);
-    paths.AppendPath(std::move(path));
+    paths.InsertPath(paths.Count(), std::move(path));
 }
 
 void AddPathStep::Undo(PathList& paths) {
-    paths.TakeLastPath();
+    paths.TakePath(paths.Count() - 1);
 }
 
 void InsertPointStep::Redo(PathList& paths) {
@@ -40,19 +40,19 @@ void RemovePointStep::Undo(PathList& paths) {
     paths.InsertPoint(at, point);
 }
 
-void RemoveLastPathStep::Redo(PathList& paths) {
+void RemovePathStep::Redo(PathList& paths) {
     finishedCount = paths.FinishedCount();
-    path = paths.TakeLastPath();
+    path = paths.TakePath(index);
     path.rulerMarks = {};
     paths.SetFinishedCount(paths.Count());
 }
 
-void RemoveLastPathStep::Undo(PathList& paths) {
-    paths.AppendPath(std::exchange(path, {}));
+void RemovePathStep::Undo(PathList& paths) {
+    paths.InsertPath(index, std::exchange(path, {}));
     paths.SetFinishedCount(finishedCount);
 }
 
-std::size_t RemoveLastPathStep::Bytes() const {
+std::size_t RemovePathStep::Bytes() const {
     return BytesOf(path);
 }
 
@@ -95,12 +95,12 @@ bool MovePointStep::ChangesNothing() const {
     return from.x() == to.x() && from.y() == to.y();
 }
 
-void ClosePathStep::Redo(PathList& paths) {
-    paths.SetFinishedCount(paths.FinishedCount() + 1);
+void ClosePathsStep::Redo(PathList& paths) {
+    paths.SetFinishedCount(paths.FinishedCount() + count);
 }
 
-void ClosePathStep::Undo(PathList& paths) {
-    paths.SetFinishedCount(paths.FinishedCount() - 1);
+void ClosePathsStep::Undo(PathList& paths) {
+    paths.SetFinishedCount(paths.FinishedCount() - count);
 }
 
 void SetParameterStep::Redo(PathList& paths) {
@@ -151,7 +151,7 @@ bool SetParameterEverywhereStep::ChangesNothing() const {
 }
 
 std::size_t SetParameterEverywhereStep::Bytes() const {
-    std::size_t bytes = others.capacity() * sizeof(others[0]);
+    std::size_t bytes = others.capacity() * sizeof(std::vector<int>);
     for (const std::vector<int>& list : others)
         bytes += list.capacity() * sizeof(int);
     return bytes;

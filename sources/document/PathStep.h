@@ -33,7 +33,7 @@ class PathStep {
     [[nodiscard]] virtual std::size_t Bytes() const { return 0; }
 };
 
-/// A new path with one point, which is open.
+/// A new path with one point, after all others; it is open.
 class AddPathStep final : public PathStep {
   public:
     explicit AddPathStep(const PathPoint& newPoint) : point(newPoint) {}
@@ -68,14 +68,16 @@ class RemovePointStep final : public PathStep {
     PathPoint point;
 };
 
-/// The last path removed; every path that remains is closed.
-class RemoveLastPathStep final : public PathStep {
+/// A path removed; every path that remains is closed.
+class RemovePathStep final : public PathStep {
   public:
+    explicit RemovePathStep(int pathIndex) : index(pathIndex) {}
     void Redo(PathList& paths) override;
     void Undo(PathList& paths) override;
     [[nodiscard]] std::size_t Bytes() const override;
 
   private:
+    int index;
     TrackPath path;
     int finishedCount = 0; ///< before
 };
@@ -108,12 +110,16 @@ class MovePointStep final : public PathStep {
     QPointF to;
 };
 
-/// An open path closed. A file does not say which paths are.
-class ClosePathStep final : public PathStep {
+/// So many open paths closed. A file does not say which paths are.
+class ClosePathsStep final : public PathStep {
   public:
+    explicit ClosePathsStep(int pathCount) : count(pathCount) {}
     void Redo(PathList& paths) override;
     void Undo(PathList& paths) override;
     [[nodiscard]] bool ChangesContent() const override { return false; }
+
+  private:
+    int count;
 };
 
 /// A parameter of one segment set; what is typed into one field for it is one such step.

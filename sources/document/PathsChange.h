@@ -14,14 +14,14 @@ struct PointIndex {
     friend bool operator==(const PointIndex&, const PointIndex&) = default;
 };
 
-/// A path was added after all others.
-struct PathAppended {
+/// A path was inserted; those from its index on moved up by one.
+struct PathInserted {
     int path;
 };
 
-/// The last path was removed.
-struct LastPathRemoved {
-    int path; ///< the index it had
+/// The path that had this index was removed; those after it moved down by one.
+struct PathRemoved {
+    int path;
 };
 
 /// A point was inserted; those after it in its path moved up by one.
@@ -59,7 +59,7 @@ struct AllPathsReplaced {};
 
 /// What changed in a list of paths, said after the change. What is kept for single paths, points or segments
 /// follows from this what to forget.
-using PathsChange = std::variant<PathAppended, LastPathRemoved, PointInserted, PointRemoved, PointMoved,
+using PathsChange = std::variant<PathInserted, PathRemoved, PointInserted, PointRemoved, PointMoved,
                                  ParameterSet, ParameterSetEverywhere, FinishedCountSet, AllPathsReplaced>;
 
 /// Builds a visitor for a PathsChange from one lambda for each kind of change.
@@ -67,3 +67,5 @@ template<typename... Handlers>
 struct ChangeHandlers : Handlers... {
     using Handlers::operator()...;
 };
+template<typename... Handlers>
+ChangeHandlers(Handlers...) -> ChangeHandlers<Handlers...>;

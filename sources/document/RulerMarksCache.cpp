@@ -52,9 +52,13 @@ void RulerMarksCache::PointsShifted(PointIndex at) {
 
 void RulerMarksCache::Follow(const PathsChange& change) {
     const ChangeHandlers handlers{
-        [](const PathAppended&) {},
-        [this](const LastPathRemoved& removed) {
-            entries.resize(std::min(entries.size(), static_cast<std::size_t>(removed.path)));
+        [this](const PathInserted& inserted) {
+            if (static_cast<std::size_t>(inserted.path) < entries.size())
+                entries.insert(entries.begin() + inserted.path, Entry());
+        },
+        [this](const PathRemoved& removed) {
+            if (static_cast<std::size_t>(removed.path) < entries.size())
+                entries.erase(entries.begin() + removed.path);
         },
         [this](const PointInserted& inserted) { PointsShifted(inserted.at); },
         [this](const PointRemoved& removed) { PointsShifted(removed.at); },

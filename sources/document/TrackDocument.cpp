@@ -87,19 +87,29 @@ void TrackDocument::movePoint(PointIndex at, const QPointF& position) {
         Push(std::make_unique<MovePointStep>(at, position));
 }
 
-void TrackDocument::closePath() {
-    if (list.Count() > list.FinishedCount())
-        Push(std::make_unique<ClosePathStep>());
+void TrackDocument::splitSegment(PointIndex at, const QPointF& position) {
+    PathPoint point = list.PathOf(at).PointAt(static_cast<std::size_t>(at.point));
+    point.position = position;
+    Push(std::make_unique<InsertPointStep>(PointIndex{at.path, at.point + 1}, point));
+}
+
+void TrackDocument::removePoint(PointIndex at) {
+    constexpr std::size_t kMinPointsLeft = 2;
+    if (list.PathOf(at).points.size() <= kMinPointsLeft)
+        Push(std::make_unique<RemovePathStep>(at.path));
+    else
+        Push(std::make_unique<RemovePointStep>(at));
+}
+
+void TrackDocument::ClosePaths(int most) {
+    const int open = list.Count() - list.FinishedCount();
+    if (open > 0)
+        Push(std::make_unique<ClosePathsStep>(std::min(open, most)));
 }
 
 void TrackDocument::deleteLast() {
-    if (paths().empty())
-        return;
-    const auto points = static_cast<int>(paths().back().points.size());
-    if (points < 3)
-        Push(std::make_unique<RemoveLastPathStep>());
-    else
-        Push(std::make_unique<RemovePointStep>(PointIndex{list.Count() - 1, points - 1}));
+    if (!paths().empty())
+        removePoint({list.Count() - 1, static_cast<int>(paths().back().points.size()) - 1});
 }
 
 void TrackDocument::deleteAll() {
@@ -139,6 +149,7 @@ void TrackDocument::redo() {
 void TrackDocument::setSaved() {
     history.EndGesture(); // the saved state can be come back to
     savedRevision = history.CurrentRevision();
+    emit saved();
     emit modifiedChanged();
 }
 

@@ -92,9 +92,17 @@ class TrackDocument final : public QObject {
     /// Adds a point of the default parameters to the last path, which must exist.
     void addPoint(const QPointF& position);
     void movePoint(PointIndex at, const QPointF& position);
+    /// Halves a segment, which must exist: the new point is at `position`, and both halves have the
+    /// parameters that the segment had. @param at the point that the segment starts at
+    void splitSegment(PointIndex at, const QPointF& position);
+    /// Removes a point, which must exist, or its path when that has fewer than 3 points; then every path that
+    /// remains is closed.
+    void removePoint(PointIndex at);
     /// Closes the first open path; nothing when all are closed.
-    void closePath();
-    /// Removes the last point, or the last path when it has fewer than 3 points; then every path is closed.
+    void closePath() { ClosePaths(1); }
+    /// Closes every open path, in one step.
+    void closeAllPaths() { ClosePaths(list.Count()); }
+    /// Removes the last point of the last path by the rule of removePoint; nothing without paths.
     void deleteLast();
     /// Removes every path.
     void deleteAll();
@@ -153,10 +161,13 @@ class TrackDocument final : public QObject {
     void imageChanged();
     /// A step was taken back or made again.
     void restored();
+    /// The paths were saved: the open track's file may be another, of the same map.
+    void saved();
     /// `isModified` may give another answer than before.
     void modifiedChanged();
 
   private:
+    void ClosePaths(int most);
     void Follow(const PathsChange& change);
     [[nodiscard]] std::optional<std::uint64_t> ExpectedTicks() const;
     void Push(std::unique_ptr<PathStep> step);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "basalt/bAlloc.h"
+#include "cinder/LeftOut.h"
 
 #include <string>
 
@@ -10,8 +11,13 @@
 /// @throws Ve::Exception with the function "TarCompress"
 void TarCompress(const std::string& sourceDirectory, const std::string& tarFileName, bAlloc allocator);
 
-/// Unpacks the tar archive `tarFileName` into `targetDirectory`, which is emptied first. Entries that are
-/// neither file nor directory are passed over; one that would land outside ends the work with a failure. A
-/// damaged archive gives what stands before the damage, without a failure but with a line in the log.
+/// Unpacks the tar archive `tarFileName` into `targetDirectory`, which is emptied first. A hard link to an
+/// entry of the archive becomes a copy of it; other entries that are neither file nor directory are left out
+/// and named in the log at INFO; one that would land outside ends the work with a failure. A damaged archive
+/// gives what comes before the damage, without a failure but with a line in the log.
 /// @throws Ve::Exception with the function "TarUncompress"; what was unpacked before stays
 void TarUncompress(const std::string& tarFileName, const std::string& targetDirectory, bAlloc allocator);
+
+/// The same. @return what was left out, for whoever is to be told of it
+LeftOut TarUncompressReporting(const std::string& tarFileName, const std::string& targetDirectory,
+                               bAlloc allocator);

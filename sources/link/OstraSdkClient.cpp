@@ -2,21 +2,23 @@
 
 #include "basalt/AtomicFile.h"
 #include "basalt/Exception.h"
+#include "basalt/InputFile.h"
 #include "basalt/LargePages.h"
 #include "basalt/bFile.h"
 #include "basalt/bStatus.h"
+#include "log/Log.h"
 #include "ostrasdk/OstraSdk.h"
 
 #include <algorithm>
 #include <array>
-#include <fstream>
+#include <new>
 #include <utility>
 
 namespace {
 
 constexpr std::int64_t kDiscoveryTimeout = 10000; // microseconds
 
-constexpr std::streamoff kLargestArchive = 4LL * 1024 * 1024 * 1024;
+constexpr std::int64_t kMaxArchive = 4LL * 1024 * 1024 * 1024;
 
 constexpr const char* kAllWorkspaces = "{\"contents\" : [\"allWorkspaces\"]}";
 
@@ -57,27 +59,46 @@ void SendArchive(OstraSdk::VeRestClient& client, std::vector<std::uint8_t>&& arc
     client.Call("/system/commands/restore", body, OstraSdk::VeJson()).CheckResponse(timeout);
 }
 
-/// False when the file cannot be read whole, or is not the size that it was found to have. No archive is
-/// larger than what a request can carry.
-bool ReadWhole(std::ifstream& file, std::streamoff size, std::vector<std::uint8_t>& buffer) {
+/// A failure, with its reason in the log and in itself: the message is the one that operators know.
+Ve::Exception Explained(const Ve::Exception& failure, const std::string& reason) {
+    LOG_LINE(INFO) << failure.what() << " - " << reason;
+    return failure.Because(reason);
+}
+
+/// The failure of a request, in whose handler this is called.
+Ve::Exception RequestFailure(int line, const char* function, const char* message) {
+    std::string reason = "unknown error";
+    try {
+        throw;
+    } catch (const std::exception& failure) {
+        reason = failure.what();
+    } catch (...) { // NOLINT(bugprone-empty-catch): all that is known of it is said already
+    }
+    return Explained(Ve::Exception(line, __FILE__, bERROR_REQUEST, function, "%s", message), reason);
+}
+
+/// Reads a file of this size. @return why that is not possible; empty when it was
+std::string ReadWhole(InputFile& file, std::int64_t size, std::vector<std::uint8_t>& buffer) {
     // A vector cannot grow without being cleared: done for all at once, the bytes would leave the processor's
     // cache before they are read.
-    constexpr std::streamoff kStep = std::streamoff{256} * 1024;
-    if (size > kLargestArchive)
-        return false;
+    constexpr std::int64_t kStep = std::int64_t{256} * 1024;
+    if (size > kMaxArchive)
+        return "it has " + std::to_string(size) + " bytes, and a request carries no more than 4 GiB";
     buffer.clear();
-    try {
-        ReserveInLargePages(buffer, static_cast<std::size_t>(size));
-    } catch (const std::bad_alloc&) {
-        return false;
+    ReserveInLargePages(buffer, static_cast<std::size_t>(size));
+    std::size_t count = 0;
+    for (std::int64_t done = 0; done < size; done += static_cast<std::int64_t>(count)) {
+        const auto step = static_cast<std::size_t>(std::min(kStep, size - done));
+        buffer.resize(static_cast<std::size_t>(done) + step);
+        if (!file.Read(buffer.data() + done, step, &count))
+            return file.Failure().message();
+        if (count < step)
+            return "it became shorter while it was read";
     }
-    file.seekg(0);
-    for (std::streamoff read = 0; read < size && file.good(); read += kStep) {
-        const std::streamoff step = std::min(kStep, size - read);
-        buffer.resize(static_cast<std::size_t>(read + step));
-        file.read(reinterpret_cast<char*>(buffer.data()) + read, step);
-    }
-    return file.good() && file.peek() == std::ifstream::traits_type::eof() && !file.bad();
+    char more = 0;
+    if (!file.Read(&more, 1, &count))
+        return file.Failure().message();
+    return count == 0 ? "" : "it became longer while it was read";
 }
 
 } // namespace
@@ -115,8 +136,9 @@ void OstraSdkClient::Connect(const std::string& address, const unsigned int& con
     try {
         system->Connect();
     } catch (const Ve::Exception& e) {
-        throw Ve::Exception(__LINE__, __FILE__, e.Status(), kFunction,
-                            "Failed to connect the OstraServer (%s).", address.c_str());
+        throw Explained(Ve::Exception(__LINE__, __FILE__, e.Status(), kFunction,
+                                      "Failed to connect the OstraServer (%s).", address.c_str()),
+                        e.what());
     }
 }
 
@@ -144,15 +166,15 @@ void OstraSdkClient::Backup(const std::string& backupFileName) {
     try {
         payload = FetchArchive(system->Client(), timeouts.archive);
     } catch (...) {
-        throw Ve::Exception(__LINE__, __FILE__, bERROR_REQUEST, kFunction,
-                            "Failed to call the Backup request.");
+        throw RequestFailure(__LINE__, kFunction, "Failed to call the Backup request.");
     }
     const std::vector<std::uint8_t>& archive = payload.At("data").GetBinary();
     AtomicFile file(backupFileName);
     file.Write(archive.data(), archive.size());
     if (!file.Commit())
-        throw Ve::Exception(__LINE__, __FILE__, bERROR_FILE, kFunction, "Failed to open the file - %s",
-                            backupFileName.c_str());
+        throw Explained(Ve::Exception(__LINE__, __FILE__, bERROR_FILE, kFunction,
+                                      "Failed to open the file - %s", backupFileName.c_str()),
+                        file.Failure().message());
 }
 
 void OstraSdkClient::Restore(const std::string& fileName) {
@@ -166,8 +188,7 @@ void OstraSdkClient::Restore(const std::string& fileName) {
     try {
         SendArchive(system->Client(), std::move(archive), timeouts.archive);
     } catch (...) {
-        throw Ve::Exception(__LINE__, __FILE__, bERROR_REQUEST, kFunction,
-                            "Failed to call the Restore request.");
+        throw RequestFailure(__LINE__, kFunction, "Failed to call the Restore request.");
     }
 }
 
@@ -179,8 +200,7 @@ bool OstraSdkClient::GetReplayMode() {
         OstraSdk::VeTransaction transaction = system->Client().Read("/replay/playback", empty, empty);
         return transaction.GetResponse(timeouts.replay).Payload().At("enabled").Get<bool>();
     } catch (...) {
-        throw Ve::Exception(__LINE__, __FILE__, bERROR_REQUEST, kFunction,
-                            "Failed to get the status of the replay mode.");
+        throw RequestFailure(__LINE__, kFunction, "Failed to get the status of the replay mode.");
     }
 }
 
@@ -192,21 +212,25 @@ void OstraSdkClient::SetReplayMode(bool enabled) {
             OstraSdk::VeJson::ParseString(enabled ? "{\"enabled\": true}" : "{\"enabled\": false}");
         system->Client().Update("/replay/playback", body, OstraSdk::VeJson()).CheckResponse(timeouts.replay);
     } catch (...) {
-        throw Ve::Exception(__LINE__, __FILE__, bERROR_REQUEST, kFunction, "Failed to set the replay mode.");
+        throw RequestFailure(__LINE__, kFunction, "Failed to set the replay mode.");
     }
 }
 
 void OstraSdkClient::ReadFileBuffer(const std::string& fileName, std::vector<std::uint8_t>& buffer) {
     constexpr const char* kFunction = "ReadFileBuffer";
-    std::ifstream file;
-    // A folder can be opened as a file can, and has no size.
-    if (bFile_Exists(fileName.c_str()) != 0)
-        file.open(fileName, std::ios::binary);
-    file.seekg(0, std::ios::end);
-    const std::streamoff size = file.is_open() ? static_cast<std::streamoff>(file.tellg()) : -1;
-    if (size == 0)
+    InputFile file(fileName.c_str());
+    FileFacts facts;
+    std::string reason = file.IsOpen() && file.Ask(&facts) ? "" : file.Failure().message();
+    if (reason.empty() && facts.size == 0)
         throw Ve::Exception(__LINE__, __FILE__, bERROR_FILE, kFunction, "%s is empty.", fileName.c_str());
-    if (size < 0 || !ReadWhole(file, size, buffer))
-        throw Ve::Exception(__LINE__, __FILE__, bERROR_FILE, kFunction, "Failed to open %s.",
-                            fileName.c_str());
+    try {
+        if (reason.empty())
+            reason = ReadWhole(file, facts.size, buffer);
+    } catch (const std::bad_alloc&) {
+        reason = "there is not enough memory for its " + std::to_string(facts.size) + " bytes";
+    }
+    if (!reason.empty())
+        throw Explained(
+            Ve::Exception(__LINE__, __FILE__, bERROR_FILE, kFunction, "Failed to open %s.", fileName.c_str()),
+            reason);
 }

@@ -44,7 +44,7 @@ void SegmentPanel::setUp() {
         connect(field, &QLineEdit::editingFinished, this, [this] { canvas.document().endGesture(); });
 }
 
-void SegmentPanel::followRestored() {
+void SegmentPanel::followPaths() {
     const QSignalBlocker quietPath(ui.spinBox_pathId);
     const QSignalBlocker quietSegment(ui.spinBox_segmentId);
     ui.spinBox_pathId->setValue(std::min(ui.spinBox_pathId->value(), std::max(pathCount(), kFirst)));
@@ -111,6 +111,21 @@ void SegmentPanel::chooseSegment(int number) {
     canvas.setCurrentSegment(number - 1);
     if (canvas.segmentExists(canvas.currentPath(), number - 1))
         showSegment();
+}
+
+void SegmentPanel::chooseNeighbour(int delta) {
+    if (ui.checkBox_batchSetting->isChecked())
+        return;
+    int path = canvas.currentPath();
+    int segment = canvas.currentSegment() + delta;
+    while (segment < 0 || !canvas.segmentExists(path, segment)) {
+        path += delta;
+        if (path < 0 || path >= pathCount())
+            return;
+        segment = delta > 0 ? 0 : pointCount(path) - 2;
+    }
+    ui.spinBox_pathId->setValue(path + 1);
+    ui.spinBox_segmentId->setValue(segment + 1);
 }
 
 // What a segment has is shown, not set: in batch mode, writing it back would give every segment the values of

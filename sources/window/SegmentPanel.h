@@ -36,8 +36,13 @@ class SegmentPanel final : public QObject {
     /// Sets what the text says and refreshes the ruler; a text that is no number counts as 0.
     void setFromText(SegmentParameter parameter, const QString& text);
 
-    /// After a step back or forth: the numbers are of what exists, and the parameters those of the segment.
-    void followRestored();
+    /// Chooses the next (1) or previous (-1) segment of all paths; the numbers follow. In batch mode, and
+    /// beyond the last or first one, nothing.
+    void chooseNeighbour(int delta);
+
+    /// After a step back or forth, or when segments were shifted: the numbers are of what exists, and the
+    /// parameters those of the segment.
+    void followPaths();
 
   private:
     void set(SegmentParameter parameter, int value);

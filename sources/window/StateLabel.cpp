@@ -3,15 +3,42 @@
 #include "window/ControlNames.h"
 #include "window/mainwindow.h"
 
-StateLabel::StateLabel(const QString& keptFolder, QWidget* parent) : QLabel(parent) {
-    setObjectName(QStringLiteral("label_state"));
-    setTextFormat(Qt::PlainText);
-    SetPlainToolTip(*this, MainWindow::tr("Copies of what is discarded are kept in %1").arg(keptFolder));
+namespace {
+
+QString NamesOf(const LeftOut& links) {
+    QStringList names;
+    for (const std::string& name : links.names)
+        names << QString::fromStdString(name);
+    if (links.count > names.size())
+        names << QStringLiteral("...");
+    return names.join(QStringLiteral(", "));
 }
 
-void StateLabel::showState(bool modified, bool unsent) {
+} // namespace
+
+StateLabel::StateLabel(const QString& keptFolder, QWidget* parent)
+    : QLabel(parent),
+      toolTipText(MainWindow::tr("Copies of what is discarded are kept in %1").arg(keptFolder)) {
+    setObjectName(QStringLiteral("label_state"));
+    setTextFormat(Qt::PlainText);
+    SetPlainToolTip(*this, toolTipText);
+}
+
+void StateLabel::showState(bool modified, bool unsent, const LeftOut& links) {
+    QStringList states;
     if (modified)
-        setText(MainWindow::tr("Unsaved"));
-    else
-        setText(unsent ? MainWindow::tr("Saved, not sent") : QString());
+        states << MainWindow::tr("Unsaved");
+    else if (unsent)
+        states << MainWindow::tr("Saved, not sent");
+    QString toolTip = toolTipText;
+    if (links.count > 0) {
+        states << MainWindow::tr("Links left out");
+        toolTip += QStringLiteral(". ") + MainWindow::tr("Links left out: %1").arg(NamesOf(links));
+    }
+    setText(states.join(QStringLiteral("; ")));
+    SetPlainToolTip(*this, toolTip);
+}
+
+void StateLabel::showCloseRefused() {
+    setText(MainWindow::tr("Cannot close while the server is at work"));
 }

@@ -19,15 +19,15 @@ namespace {
 
 constexpr int kDeleteItem = 4;
 constexpr int kMinVisibleLetters = 10; ///< of a list's chosen entry
+constexpr int kMaxListWidth = 600;     ///< of an open list: fits any screen; longer names are elided
 
 /// How wide an open list must be for its items to be legible.
 int OpenListWidth(const QComboBox& box) {
-    constexpr int kFrame = 40;     // the frame and a scroll bar
-    constexpr int kMaxWidth = 600; // fits any screen; what is longer is cut in its middle
+    constexpr int kFrame = 40; // the frame and a scroll bar
     int widest = 0;
     for (int index = 0; index < box.count(); ++index)
         widest = std::max(widest, box.view()->fontMetrics().horizontalAdvance(box.itemText(index)));
-    return std::min(widest + kFrame, kMaxWidth);
+    return std::min(widest + kFrame, kMaxListWidth);
 }
 
 QString TrackFilter() {
@@ -51,6 +51,7 @@ void TrackPanel::setUp() {
     for (QComboBox* const list : {ui.comboBox_file, ui.comboBox_sensor}) {
         list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
         list->setMinimumContentsLength(kMinVisibleLetters);
+        list->view()->parentWidget()->setMaximumWidth(kMaxListWidth);
     }
     ui.label_fileName->setTextFormat(Qt::PlainText);
     ui.label_fileName->setSizePolicy(QSizePolicy::Ignored, ui.label_fileName->sizePolicy().verticalPolicy());

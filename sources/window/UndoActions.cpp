@@ -1,6 +1,7 @@
 #include "window/UndoActions.h"
 
 #include "canvas/qmaskwidget.h"
+#include "window/KeyAction.h"
 #include "window/mainwindow.h"
 
 #include <QAbstractSpinBox>
@@ -24,29 +25,17 @@ QLineEdit* FocusedField() {
 } // namespace
 
 UndoActions::UndoActions(QWidget& window, QMaskWidget& canvas, std::function<bool()> isBusy)
-    : window(window),
-      canvas(canvas),
+    : canvas(canvas),
       isBusy(std::move(isBusy)),
-      undoAction(
-          addAction("action_undo", MainWindow::tr("Undo"), {QStringLiteral("Ctrl+Z")}, &UndoActions::undo)),
-      redoAction(addAction("action_redo", MainWindow::tr("Redo"),
-                           {QStringLiteral("Ctrl+Shift+Z"), QStringLiteral("Ctrl+Y")}, &UndoActions::redo)) {
+      undoAction(AddToWindow(
+          window, {"action_undo", MainWindow::tr("Undo"), {QStringLiteral("Ctrl+Z")}, [this] { undo(); }})),
+      redoAction(AddToWindow(window, {"action_redo",
+                                      MainWindow::tr("Redo"),
+                                      {QStringLiteral("Ctrl+Shift+Z"), QStringLiteral("Ctrl+Y")},
+                                      [this] { redo(); }})) {
     for (QWidget* const child : window.findChildren<QWidget*>())
         if (qobject_cast<QLineEdit*>(child) != nullptr || qobject_cast<QAbstractSpinBox*>(child) != nullptr)
             child->installEventFilter(this);
-}
-
-QAction* UndoActions::addAction(const char* name, const QString& text, const QStringList& keys,
-                                void (UndoActions::*act)()) {
-    auto* const action = new QAction(text, &window);
-    action->setObjectName(QString::fromLatin1(name));
-    QList<QKeySequence> shortcuts;
-    for (const QString& key : keys)
-        shortcuts.append(QKeySequence(key));
-    action->setShortcuts(shortcuts);
-    connect(action, &QAction::triggered, this, act);
-    window.addAction(action);
-    return action;
 }
 
 /// A field claims these keys even when it has nothing to take back. They are the actions', which ask the
@@ -56,7 +45,7 @@ bool UndoActions::eventFilter(QObject* watched, QEvent* event) {
         return QObject::eventFilter(watched, event);
     const auto& key = static_cast<const QKeyEvent&>(*event);
     const QKeySequence pressed(key.key() | static_cast<int>(key.modifiers()));
-    if (!undoAction->shortcuts().contains(pressed) && !redoAction->shortcuts().contains(pressed))
+    if (!undoAction.shortcuts().contains(pressed) && !redoAction.shortcuts().contains(pressed))
         return QObject::eventFilter(watched, event);
     event->ignore();
     return true;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QObject>
-#include <QStringList>
 
 #include <functional>
 
@@ -21,15 +20,12 @@ class UndoActions final : public QObject {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
-    QAction* addAction(const char* name, const QString& text, const QStringList& keys,
-                       void (UndoActions::*act)());
     void undo();
     void redo();
     [[nodiscard]] bool mayAct() const;
 
-    QWidget& window;
     QMaskWidget& canvas;
     std::function<bool()> isBusy;
-    QAction* undoAction; ///< both are children of the window
-    QAction* redoAction;
+    QAction& undoAction; ///< both are children of the window
+    QAction& redoAction;
 };

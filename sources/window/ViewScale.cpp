@@ -4,6 +4,9 @@
 #include "document/ImageProportions.h"
 #include "document/TrackDocument.h"
 
+#include <QScopedValueRollback>
+#include <QScrollBar>
+
 #include <algorithm>
 #include <cmath>
 
@@ -22,9 +25,46 @@ ViewScale::ViewScale(QSlider& slider, QLabel& label, QScrollArea& area, QMaskWid
 
 void ViewScale::apply(int value) {
     label.setText(QStringLiteral("Scale:%1%").arg(value * kPercentPerStep));
-    if (document.hasImage())
-        canvas.resize(ShownImageSize(document.image().size(), document.info().xResolution,
-                                     document.info().yResolution, value * kScalePerStep));
+    if (!document.hasImage())
+        return;
+    Anchor anchor = anchorAt(fixedPlace.value_or(centre()));
+    canvas.resize(ShownImageSize(document.image().size(), document.info().xResolution,
+                                 document.info().yResolution, value * kScalePerStep));
+    scrollTo({anchor.place.x() - qRound(anchor.point.x() * canvas.width()),
+              anchor.place.y() - qRound(anchor.point.y() * canvas.height())});
+    anchor.canvas = canvas.geometry();
+    last = anchor;
+}
+
+ViewScale::Anchor ViewScale::anchorAt(const QPoint& place) const {
+    if (last && last->place == place && last->canvas == canvas.geometry())
+        return *last;
+    const QPointF onCanvas = place - canvas.pos();
+    return {place, {onCanvas.x() / canvas.width(), onCanvas.y() / canvas.height()}, canvas.geometry()};
+}
+
+void ViewScale::scrollTo(const QPoint& topLeft) {
+    const int hidden =
+        area.isRightToLeft() ? topLeft.x() + canvas.width() - area.viewport()->width() : -topLeft.x();
+    area.horizontalScrollBar()->setValue(hidden);
+    area.verticalScrollBar()->setValue(-topLeft.y());
+}
+
+QPoint ViewScale::centre() const {
+    return area.viewport()->rect().center();
+}
+
+void ViewScale::zoomBy(int steps, const QPoint& place) {
+    setValue(slider.value() + steps, place);
+}
+
+void ViewScale::showFullSize(const QPoint& place) {
+    setValue(kStepsAtFullSize, place);
+}
+
+void ViewScale::setValue(int value, const QPoint& place) {
+    const QScopedValueRollback<std::optional<QPoint>> fixed(fixedPlace, place);
+    slider.setValue(value);
 }
 
 /// The value that fits is applied as it is, also beyond the slider's end; below the slider's start, where the

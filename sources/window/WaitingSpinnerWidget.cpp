@@ -1,5 +1,6 @@
 #include "window/WaitingSpinnerWidget.h"
 
+#include <QCloseEvent>
 #include <QPainter>
 #include <QTimer>
 
@@ -56,6 +57,10 @@ void WaitingSpinnerWidget::rotate() {
     if (currentLine >= lineCount)
         currentLine = 0;
     update();
+}
+
+void WaitingSpinnerWidget::closeEvent(QCloseEvent* event) {
+    event->ignore();
 }
 
 void WaitingSpinnerWidget::paintEvent(QPaintEvent* /*event*/) {

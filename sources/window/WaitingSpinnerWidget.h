@@ -37,6 +37,8 @@ class WaitingSpinnerWidget final : public QWidget {
     void rotate();
 
   protected:
+    /// Only stop() ends the spinning: a window manager's key does not.
+    void closeEvent(QCloseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
   private:

@@ -5,14 +5,17 @@
 #include "link/WorkerThread.h"
 #include "log/Log.h"
 #include "ui_mainwindow.h"
+#include "window/CanvasKeys.h"
 #include "window/ControlNames.h"
 #include "window/InputGuard.h"
+#include "window/ReadOuts.h"
 #include "window/RulerControl.h"
 #include "window/SegmentPanel.h"
 #include "window/SourcePanel.h"
 #include "window/StateLabel.h"
 #include "window/TrackPanel.h"
 #include "window/UndoActions.h"
+#include "window/ViewNavigation.h"
 #include "window/ViewScale.h"
 #include "window/WaitingSpinnerWidget.h"
 #include "workflow/KeptFolder.h"
@@ -102,8 +105,7 @@ void MainWindow::SetUpWorker() {
 /// What stands beside the controls: keys, guards, and the state in the status bar.
 void MainWindow::SetUpAdditions() {
     NameControls(*ui);
-    undoActions =
-        std::make_unique<UndoActions>(*this, *ui->label_mask, [this] { return spinner->isSpinning(); });
+    SetUpKeys();
     auto* const guard = new InputGuard(this);
     for (QWidget* const control :
          std::initializer_list<QWidget*>{ui->comboBox_sensor, ui->comboBox_file, ui->comboBox_operation,
@@ -111,13 +113,27 @@ void MainWindow::SetUpAdditions() {
         guard->ignoreWheel(*control);
     guard->openByKeys(*ui->comboBox_operation);
     connect(&document, &TrackDocument::modifiedChanged, this, &MainWindow::ShowState);
-    connect(&document, &TrackDocument::restored, segments.get(), &SegmentPanel::followRestored);
+    connect(&document, &TrackDocument::restored, segments.get(), &SegmentPanel::followPaths);
     protection->Recover();
     ShowState();
 }
 
+void MainWindow::SetUpKeys() {
+    const auto isBusy = [this] { return spinner->isSpinning(); };
+    const auto mayNotEdit = [this, isBusy] { return isBusy() || navigation->isPanning(); };
+    QMaskWidget& canvas = *ui->label_mask;
+    undoActions = std::make_unique<UndoActions>(*this, canvas, isBusy);
+    navigation = std::make_unique<ViewNavigation>(
+        ViewNavigation::Context{*this, *ui->scrollArea, canvas, *scale, isBusy});
+    canvasKeys = std::make_unique<CanvasKeys>(
+        CanvasKeys::Context{*this, *ui->scrollArea, canvas, *segments, mayNotEdit});
+    readOuts = std::make_unique<ReadOuts>(*ui->statusBar, canvas);
+    connect(&canvas, &QMaskWidget::segmentsShifted, segments.get(), &SegmentPanel::followPaths);
+}
+
 void MainWindow::ShowState() {
-    stateLabel->showState(document.hasImage() && document.isModified(), !protection->Unsent().IsEmpty());
+    stateLabel->showState(document.hasImage() && document.isModified(), !protection->Unsent().IsEmpty(),
+                          sources->LinksLeftOut());
 }
 
 void MainWindow::RunSlot(const std::function<void()>& body, const std::function<void()>& onFailure) {
@@ -145,6 +161,8 @@ void MainWindow::refreshRuler() {
 /// While the worker uses the client, the window stays.
 void MainWindow::closeEvent(QCloseEvent* event) {
     event->setAccepted(!spinner->isSpinning());
+    if (spinner->isSpinning())
+        stateLabel->showCloseRefused();
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event) {

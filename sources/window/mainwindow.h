@@ -10,7 +10,8 @@
 #include <functional>
 #include <memory>
 
-class InputGuard;
+class CanvasKeys;
+class ReadOuts;
 class RulerControl;
 class SegmentPanel;
 class SourcePanel;
@@ -19,6 +20,7 @@ class TrackOperations;
 class StateLabel;
 class TrackPanel;
 class UndoActions;
+class ViewNavigation;
 class ViewScale;
 class WaitingSpinnerWidget;
 class WorkProtection;
@@ -79,6 +81,7 @@ class MainWindow final : public QMainWindow, public RulerOwner {
     void SetUpCanvas();
     void SetUpWorker();
     void SetUpAdditions();
+    void SetUpKeys();
     void ShowState();
     /// Runs a slot's body. A Ve::Exception from it is logged and shown, after `onFailure` has put things
     /// right; any other passes through.
@@ -99,6 +102,9 @@ class MainWindow final : public QMainWindow, public RulerOwner {
     std::unique_ptr<SourceWorkflow> sources;
     std::unique_ptr<WorkerThread> worker;
     std::unique_ptr<UndoActions> undoActions;
+    std::unique_ptr<ViewNavigation> navigation;
+    std::unique_ptr<CanvasKeys> canvasKeys;
+    std::unique_ptr<ReadOuts> readOuts;
     WaitingSpinnerWidget* spinner = nullptr; ///< this and the following are children of the window
     StateLabel* stateLabel = nullptr;
 };

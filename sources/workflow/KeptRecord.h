@@ -1,6 +1,6 @@
 #pragma once
 
-#include "basalt/Crc32c.h"
+#include "wire/Crc32c.h"
 
 #include <QPointF>
 

@@ -51,6 +51,8 @@ bool SourceWorkflow::IsOpen() const {
 
 void SourceWorkflow::Enter(State newState) {
     state = newState;
+    if (state == State::ServerChosen || state == State::BackupChosen)
+        leftOut = {};
     view.showConnectionAction(Action());
 }
 
@@ -136,12 +138,14 @@ void SourceWorkflow::Unpack() {
     for (const std::string& file : std::set{backupFile, operatorsBackup})
         if (IsInWorkingFolder(file)) // it is removed with the folder
             protection.KeepDeleted(file);
-    UnpackBackup(backupFile);
+    leftOut = {};
+    LeftOut found = UnpackBackup(backupFile);
     if (HasWorkspace()) {
         tracks.KeepUnsavedOfWorkspace();
         protection.KeepUnsent();
     }
-    UnpackWorkspace();
+    found.Add(UnpackWorkspace());
+    leftOut = std::move(found);
 }
 
 void SourceWorkflow::Connect() {

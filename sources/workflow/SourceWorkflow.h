@@ -1,6 +1,7 @@
 #pragma once
 
 #include "basalt/Exception.h"
+#include "cinder/LeftOut.h"
 #include "link/OstraSdkClient.h"
 #include "workflow/SourceView.h"
 
@@ -30,6 +31,10 @@ class SourceWorkflow {
 
     /// Whether there is an unpacked workspace: connected to a server, or a backup file is open.
     [[nodiscard]] bool IsOpen() const;
+
+    /// The links and special files of the backup that is open: they are not in the working folders, and will
+    /// not be in what is saved.
+    [[nodiscard]] const LeftOut& LinksLeftOut() const { return leftOut; }
 
     /// Fits the controls to the chosen entry of the list of sources, before anything is open.
     void ShowChosenSource(bool backupFile);
@@ -71,5 +76,6 @@ class SourceWorkflow {
     State state = State::ServerChosen;
     std::vector<OstraServerInfo> servers; ///< in the order of the list
     std::string backupFile;               ///< the backup in use
-    std::string operatorsBackup;          ///< the backup that the operator opened last, if any
+    LeftOut leftOut;
+    std::string operatorsBackup; ///< the backup that the operator opened last, if any
 };

@@ -17,16 +17,16 @@ void LogLeftover(const char* path, bStatus status) {
 
 } // namespace
 
-void UnpackBackup(const std::string& backup) {
-    TarUncompress(backup, kBackupFolder, bAlloc_Application());
+LeftOut UnpackBackup(const std::string& backup) {
+    return TarUncompressReporting(backup, kBackupFolder, bAlloc_Application());
 }
 
 bool HasWorkspace() {
     return bFile_Exists(kWorkspaceArchive) != 0;
 }
 
-void UnpackWorkspace() {
-    TarUncompress(kWorkspaceArchive, kWorkspaceFolder, bAlloc_Application());
+LeftOut UnpackWorkspace() {
+    return TarUncompressReporting(kWorkspaceArchive, kWorkspaceFolder, bAlloc_Application());
 }
 
 bool IsServerBackup(const std::string& file) {

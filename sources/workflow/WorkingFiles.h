@@ -1,5 +1,7 @@
 #pragma once
 
+#include "cinder/LeftOut.h"
+
 #include <string>
 
 // The working files, relative to the working directory. They are made by opening a source, written over by
@@ -14,14 +16,16 @@ constexpr const char* kWorkspaceArchive = "./TmpDirBackup/workspaces/Workspace.o
 /// That archive unpacked.
 constexpr const char* kWorkspaceFolder = "./TmpDirOsws";
 
-/// Unpacks a backup. @throws Ve::Exception; what was unpacked before stays
-void UnpackBackup(const std::string& backup);
+/// Unpacks a backup. @return what it holds beside files and folders. @throws Ve::Exception; what was unpacked
+/// before stays
+[[nodiscard]] LeftOut UnpackBackup(const std::string& backup);
 
 /// Whether there is a workspace archive in the unpacked backup.
 [[nodiscard]] bool HasWorkspace();
 
-/// Unpacks the workspace in the unpacked backup. @throws Ve::Exception; what was unpacked before stays
-void UnpackWorkspace();
+/// Unpacks the workspace in the unpacked backup. @return what it holds beside files and folders. @throws
+/// Ve::Exception; what was unpacked before stays
+[[nodiscard]] LeftOut UnpackWorkspace();
 
 /// Whether a file is one that the next download from a server replaces.
 [[nodiscard]] bool IsServerBackup(const std::string& file);

@@ -131,8 +131,8 @@ AllocationRoad SaveRoad(const std::string& name, QMaskWidget& canvas) {
 AllocationRoad UnpackRoad() {
     return {[] {},
             [] {
-                UnpackBackup(kBackup);
-                UnpackWorkspace();
+                static_cast<void>(UnpackBackup(kBackup));
+                static_cast<void>(UnpackWorkspace());
                 return true;
             },
             [](Outcome outcome) {
@@ -149,8 +149,8 @@ AllocationRoad UnpackRoad() {
 
 AllocationRoad PackRoad() {
     return {[] {
-                UnpackBackup(kBackup);
-                UnpackWorkspace();
+                static_cast<void>(UnpackBackup(kBackup));
+                static_cast<void>(UnpackWorkspace());
             },
             [] {
                 PackBackup(kBackup);

@@ -3,6 +3,7 @@
 #include "RawHttp.h"
 #include "WatchedServer.h"
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
 
@@ -44,20 +45,26 @@ unsigned Restore(const OstraServerProcess& server, std::string& text) {
     return reply.Whole() ? reply.status : 0;
 }
 
+/// What a server leaves beside the workspace on purpose: its lock, and earlier contents.
+bool IsMeantToStay(const std::string& name) {
+    return name.ends_with(".ostra-lock") || name.find(".ostra-kept-") != std::string::npos;
+}
+
 void Check(Problems& problems, const std::string& when, bool finished) {
     const FileTree tracks = FilesIn(kServedTracks);
     if (tracks != New() && (finished || tracks != Old()))
         problems.push_back(when + "the workspace is neither the old nor the new one");
     FileTree beside = FilesIn(kServerFolder);
+    std::erase_if(beside, [](const auto& file) { return IsMeantToStay(file.first); });
     if (beside != Neighbours())
         problems.push_back(when + "something beside the workspace has changed");
 }
 
 bool HasHidden(const std::string& folder) {
-    for (const auto& entry : fs::directory_iterator(folder))
-        if (entry.path().filename().string().front() == '.')
-            return true;
-    return false;
+    return std::any_of(fs::directory_iterator(folder), {}, [](const fs::directory_entry& entry) {
+        const std::string name = entry.path().filename().string();
+        return name.front() == '.' && !IsMeantToStay(name);
+    });
 }
 
 void RestoreWell(Problems& problems, const OstraServerProcess& server, const std::string& when) {

@@ -17,6 +17,7 @@ void WindowOperator::Choose(const char* name, const std::string& text) {
     auto& combo = Find<QComboBox>(name);
     const QString item = QString::fromStdString(text);
     QAbstractItemView* const list = combo.view();
+    combo.setFocus(); // as a click or Tab does
     QTest::keyClick(&combo, Qt::Key_Space);
     if (!Await([list] { return list->isVisible(); }))
         throw std::runtime_error(std::string(name) + " does not open");

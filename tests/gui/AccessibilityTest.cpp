@@ -107,6 +107,10 @@ TEST_F(Accessibility, TheCanvasDescribesItself) {
     EXPECT_THAT(canvasDescription(), HasSubstr("Under the cursor: point 2 of path 1, at " +
                                                std::to_string(pixel.x()) + ", " + std::to_string(pixel.y())));
     EXPECT_EQ(QAccessible::queryAccessibleInterface(&canvas())->role(), QAccessible::Canvas);
+    for (const char* const key :
+         {"arrows move it", "Delete removes it", "Insert puts a point", "Backspace", "Enter closes the paths",
+          "Escape", "N and Shift+N", "P and Shift+P", "A adds a point", "Ctrl+C", "F6"})
+        EXPECT_THAT(canvasDescription(), HasSubstr(key));
 }
 
 } // namespace

@@ -73,6 +73,11 @@ class Mouse {
         Press(at, button);
         Release(at, button);
     }
+    void CtrlClick(const QPointF& at) {
+        modifiers = Qt::ControlModifier;
+        Click(at);
+        modifiers = Qt::NoModifier;
+    }
     /// All that a window system sends for a double click.
     void DoubleClick(const QPointF& at, Qt::MouseButton button = Qt::LeftButton) {
         Click(at, button);
@@ -89,12 +94,13 @@ class Mouse {
 
   private:
     void Send(QEvent::Type type, const QPointF& at, Qt::MouseButton button) {
-        QMouseEvent event(type, at, widget->mapToGlobal(at.toPoint()), button, down, Qt::NoModifier);
+        QMouseEvent event(type, at, widget->mapToGlobal(at.toPoint()), button, down, modifiers);
         QApplication::sendEvent(widget, &event);
     }
 
     QWidget* widget;
     Qt::MouseButtons down = Qt::NoButton;
+    Qt::KeyboardModifiers modifiers = Qt::NoModifier;
 };
 
 /// A canvas of 400 x 300 pixels over a grey image of the same size.

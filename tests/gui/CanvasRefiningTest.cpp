@@ -59,20 +59,36 @@ class CanvasRefining : public CanvasTest {
         return other.Picture();
     }
 
+    /// The map as Qt's own label scales it.
+    [[nodiscard]] QImage FineMap() const {
+        QLabel label;
+        label.setScaledContents(true);
+        label.setPixmap(map);
+        label.resize(300, 250);
+        return label.grab().toImage().convertToFormat(QImage::Format_RGB32);
+    }
+
     const QPixmap map = LargeNoise();
 };
 
 TEST_F(CanvasRefining, PaintsTheWholeMapFineBitByBit) {
-    QLabel label;
-    label.setScaledContents(true);
-    label.setPixmap(map);
-    label.resize(300, 250);
-    const QImage fine = label.grab().toImage().convertToFormat(QImage::Format_RGB32);
+    const QImage fine = FineMap();
     window.canvas->repaint();
     ASSERT_TRUE(window.canvas->isRefining());
     EXPECT_NE(Screen(), fine); // it would be no test if all were averaged at once
     AwaitTheFineMap();
     EXPECT_EQ(Screen().size(), fine.size());
+    EXPECT_EQ(Screen(), fine);
+}
+
+TEST_F(CanvasRefining, AGrabbedPictureIsFineAtOnceAndTheScreenBecomesSo) {
+    const QImage fine = FineMap();
+    window.canvas->repaint();
+    ASSERT_TRUE(window.canvas->isRefining());
+    EXPECT_EQ(window.canvas->grab().toImage().convertToFormat(QImage::Format_RGB32), fine);
+    EXPECT_TRUE(window.canvas->isRefining());
+    EXPECT_NE(Screen(), fine);
+    AwaitTheFineMap();
     EXPECT_EQ(Screen(), fine);
 }
 

@@ -236,7 +236,6 @@ TEST_F(CanvasRepaint, ALargeMapAtASmallScaleIsRefinedToThatOfAPlainLabel) {
     window.canvas->repaint();
     ASSERT_TRUE(window.canvas->isRefining());
     const QImage final = PlainLabel(pixmap, {300, 250});
-    EXPECT_NE(window.Picture(), final); // it would be no test if all were averaged at once
     painted.Take();
     QTRY_VERIFY(!window.canvas->isRefining());
     EXPECT_TRUE(painted.Take().boundingRect().contains(QRect(0, 240, 300, 10)));

@@ -74,6 +74,8 @@ void DialogAnswers::answer(QFileDialog& dialog) {
     if (!names.empty())
         names.pop_front();
     auto* const field = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    QApplication::setActiveWindow(&dialog); // as a desktop does: keys are not for what had the focus before
+    field->setFocus();
     if (name.isEmpty()) {
         QTest::keyClick(field, Qt::Key_Escape);
         return;

@@ -2,6 +2,7 @@
 
 #include "window/WaitingSpinnerWidget.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QLabel>
 #include <QPalette>
@@ -62,6 +63,18 @@ TEST_F(Legibility, TheBusySignIsLightOnADarkDesktop) {
     picture.fill(QColor(45, 45, 48));
     spinner->render(&picture, QPoint(), QRegion(), QWidget::RenderFlags());
     EXPECT_GT(Extremes(picture).second, 200);
+}
+
+TEST_F(Legibility, AVeryLongNameLeavesTheOpenListHalfAScreenWide) {
+    makeBackup(folder.Path("long.osbak"), {{std::string(200, 'W') + ".trk",
+                                            independent::BinaryFile(SmallTrack(PathAcross(0, 3, 0.5, 1)))}});
+    openWindow();
+    loadBackup(folder.Path("long.osbak"));
+    auto& list = find<QComboBox>("comboBox_file");
+    list.showPopup();
+    const auto closed = qScopeGuard([&list] { list.hidePopup(); });
+    EXPECT_LE(list.view()->window()->width(), 640) << "half of a screen of 1280 pixels";
+    EXPECT_GE(list.view()->window()->width(), list.width());
 }
 
 TEST_F(Legibility, AVeryLongNameWidensNeitherTheListNorTheWindow) {

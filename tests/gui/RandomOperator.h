@@ -4,15 +4,15 @@
 
 #include <random>
 
-/// A seeded operator: draws, drags, deletes, sets parameters, takes steps back, hides and shows the ruler,
-/// zooms.
+/// A seeded operator: draws, drags, gives up, inserts, deletes, by mouse and by keys, sets parameters, takes
+/// steps back, hides and shows the ruler, zooms.
 class RandomOperator {
   public:
     RandomOperator(CanvasWindow& window, unsigned seed)
         : window(window), mouse(window.canvas), random(seed) {}
 
     void Act() {
-        switch (Pick(14)) {
+        switch (Pick(18)) {
         case 0:
         case 1:
             return mouse.Draw(Places(2 + Pick(5)));
@@ -35,6 +35,13 @@ class RandomOperator {
             return window.canvas->document().undo();
         case 12:
             return window.canvas->document().redo();
+        case 13:
+        case 14:
+            return EditByKey();
+        case 15:
+            return mouse.CtrlClick(PlaceOnSegment());
+        case 16:
+            return GiveUpSomeDrag();
         default:
             mouse.Press(Place());
             mouse.Move(Place());
@@ -62,6 +69,48 @@ class RandomOperator {
         mouse.Press(at);
         mouse.Move(Place());
         mouse.Release(Place());
+    }
+    /// Near the middle of some segment, if there is one.
+    QPointF PlaceOnSegment() {
+        const auto& paths = window.canvas->paths();
+        if (paths.empty())
+            return Place();
+        const auto& points = paths[std::size_t(Pick(int(paths.size())))].points;
+        if (points.size() < 2)
+            return Place();
+        const auto start = std::size_t(Pick(int(points.size()) - 1));
+        const QPointF middle = (points[start] + points[start + 1]) / 2;
+        return {middle.x() * window.canvas->width() + Pick(5) - 2, middle.y() * window.canvas->height()};
+    }
+    void GiveUpSomeDrag() {
+        mouse.Press(Place());
+        mouse.Move(Place());
+        window.canvas->giveUp();
+        mouse.Move(Place());
+        mouse.Release(Place());
+    }
+    void EditByKey() {
+        QMaskWidget& canvas = *window.canvas;
+        switch (Pick(8)) {
+        case 0:
+            return canvas.closePaths();
+        case 1:
+            canvas.removePoint();
+            return;
+        case 2:
+            canvas.splitSegment();
+            return;
+        case 3:
+            canvas.addPoint(Place());
+            return;
+        case 4:
+            return canvas.giveUp();
+        case 5:
+            canvas.choosePoint(Pick(2) == 0 ? 1 : -1);
+            return;
+        default:
+            canvas.nudgePoint({Pick(201) - 100, Pick(201) - 100});
+        }
     }
     void DeleteLast() {
         if (Pick(20) == 0)

@@ -76,14 +76,14 @@ std::vector<independent::Segment> Records(const std::vector<TrackPath>& paths) {
     return records;
 }
 
-/// 12 rounds of up to 900 edits, since 1,000 steps are kept; each round begins where the one before ended.
+/// 14 rounds of up to 900 edits, since 1,000 steps are kept; each round begins where the one before ended.
 TEST(RandomUndo, TenThousandEditsGoBackAndForthBitForBit) {
     CanvasWindow window;
     window.shown = true;
     RandomOperator someone(window, 4711);
     TrackDocument& document = window.canvas->document();
     std::size_t edits = 0;
-    for (int round = 0; round < 12; ++round) {
+    for (int round = 0; round < 14; ++round) {
         window.canvas->loadPaths({}); // a file that is not there: no paths, and the history begins anew
         window.canvas->resetPaths();
         StepRecorder recorder(document);

@@ -9,6 +9,7 @@
 
 #include <QEvent>
 
+#include <filesystem>
 #include <functional>
 #include <stdexcept>
 #include <vector>
@@ -195,7 +196,9 @@ TEST_F(SourceConnections, AnotherSourceThatCannotDisconnectTheOldOneStopsThere) 
 
 TEST_F(SourceConnections, TheChosenServerIsConnectedByItsOwnAddressAndPort) {
     startServer();
-    OstraServerProcess other(folder.Path("station"), {"--address", "127.0.0.2", "--serial", "100002"});
+    std::filesystem::copy(folder.Path("station"), folder.Path("station two"),
+                          std::filesystem::copy_options::recursive);
+    OstraServerProcess other(folder.Path("station two"), {"--address", "127.0.0.2", "--serial", "100002"});
     qputenv("OSTRA_DISCOVERY",
             (server->DiscoveryAddress() + ",127.0.0.2:" + std::to_string(other.DiscoveryPort())).c_str());
     openWindow();

@@ -611,6 +611,35 @@ TEST_F(SourceWorkflows, ClosingABackupFileLeavesTheFile) {
     EXPECT_FALSE(fs::exists("TmpDirOsws"));
 }
 
+TEST_F(SourceWorkflows, LinksThatTheNextSaveWillNotHaveAreNamed) {
+    const std::string workspace =
+        TarFolder("vdk") + TarFolder("vdk/ContourPath") + TarFile("vdk/ContourPath/b.trk", "") +
+        TarLink("vdk/ContourPath/hard.trk", '1', "vdk/ContourPath/b.trk") +
+        TarLink("vdk/ContourPath/soft.trk", '2', "b.trk") + TarLink("vdk/pipe", '6', "") + TarEnd();
+    WriteFile(folder.Path("links.osbak"),
+              TarFolder("workspaces") + TarFile("workspaces/Workspace.osws", workspace) + TarEnd());
+    makeBackup(folder.Path("x.osbak"), {{"b.trk", ""}});
+    openWindow();
+    loadBackup(folder.Path("links.osbak"));
+    EXPECT_EQ(status(), "Load backup file successfully.");
+    EXPECT_THAT(items("comboBox_file"), testing::IsSupersetOf({"b.trk", "hard.trk"}));
+    EXPECT_EQ(text("label_state"), "Links left out");
+    EXPECT_THAT(find<QLabel>("label_state").toolTip().toStdString(),
+                testing::HasSubstr("Links left out: vdk/ContourPath/soft.trk, vdk/pipe"));
+    EXPECT_THAT(log.Lines(),
+                testing::Contains(testing::HasSubstr("INFO: Links and special files left out of "
+                                                     "./TmpDirBackup/workspaces/Workspace.osws: 2 "
+                                                     "(vdk/ContourPath/soft.trk, vdk/pipe)")));
+    loadBackup(folder.Path("x.osbak"));
+    EXPECT_EQ(text("label_state"), "");
+    EXPECT_THAT(find<QLabel>("label_state").toolTip().toStdString(),
+                testing::Not(testing::HasSubstr("left out")));
+    loadBackup(folder.Path("links.osbak"));
+    click("toolButton_reset");
+    EXPECT_EQ(text("label_state"), "");
+    expectNoBox();
+}
+
 TEST_F(SourceWorkflows, NothingIsCleanedAtTheStart) {
     fs::create_directories("TmpDirOsws/vdk/ContourPath");
     WriteFile("TmpDirOsws/vdk/ContourPath/left.trk", "");
@@ -626,6 +655,7 @@ TEST_F(SourceWorkflows, TheWindowStaysWhileTheWorkerUsesTheClient) {
     ASSERT_FALSE(window->isEnabled());
     EXPECT_FALSE(window->close());
     EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(text("label_state"), "Cannot close while the server is at work");
     int beats = 0; // the interface lives on meanwhile
     QTimer heart;
     QObject::connect(&heart, &QTimer::timeout, window.get(), [&beats] { ++beats; });
@@ -633,6 +663,7 @@ TEST_F(SourceWorkflows, TheWindowStaysWhileTheWorkerUsesTheClient) {
     awaitWorker();
     EXPECT_GE(beats, 5);
     EXPECT_EQ(status(), "Connect successfully.");
+    EXPECT_EQ(text("label_state"), "");
     EXPECT_TRUE(window->close());
 }
 

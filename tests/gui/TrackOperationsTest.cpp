@@ -99,6 +99,7 @@ TEST_F(TrackOperations, AMissingFolderListsNothing) {
 TEST_F(TrackOperations, AFolderThatCannotBeReadIsAnErrorAndTheListStays) {
     openWorkspace();
     ASSERT_EQ(::chmod(kTracks.c_str(), 0), 0);
+    ASSERT_EQ(::chmod("TmpDirOsws", 0755), 0); // it is open to its owner alone
     {
         const OrdinaryUser user(".");
         ASSERT_TRUE(user.IsReady());
@@ -563,6 +564,7 @@ TEST_F(TrackOperations, ATrackThatMayNotBeWrittenStaysAsItWas) {
     fs::permissions(kTracks + "b.trk",
                     fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
     edit();
+    ASSERT_EQ(::chmod("TmpDirOsws", 0755), 0);                  // it is open to its owner alone
     for (const std::string& own : {kTracks, kTracks + "b.trk"}) // all is the user's, who protected the file
         ASSERT_TRUE(OrdinaryUser(own.c_str()).IsReady());
     ASSERT_EQ(::chown((kTracks + "b.trk").c_str(), static_cast<uid_t>(-1), getegid()), 0);

@@ -209,6 +209,15 @@ TEST_F(WaitingSpinnerWidgetTest, WorksWithoutAParent) {
     EXPECT_TRUE(spinner.isHidden());
 }
 
+TEST_F(WaitingSpinnerWidgetTest, ACloseEventIsIgnored) {
+    const auto spinner = make();
+    spinner->start();
+    EXPECT_FALSE(spinner->close());
+    EXPECT_TRUE(spinner->isVisible());
+    EXPECT_TRUE(spinner->isSpinning());
+    EXPECT_FALSE(parent.isEnabled());
+}
+
 TEST_F(WaitingSpinnerWidgetTest, StopWhileStoppedEnablesTheParent) {
     const auto spinner = make();
     parent.setEnabled(false);

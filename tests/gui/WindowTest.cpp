@@ -28,6 +28,7 @@ void WindowTest::openWindow() {
 void WindowTest::choose(const char* name, const std::string& text) {
     auto& combo = find<QComboBox>(name);
     const QString item = QString::fromStdString(text);
+    combo.setFocus(); // as a click or Tab does
     QTest::keyClick(&combo, Qt::Key_Space);
     QAbstractItemView* const list = combo.view();
     ASSERT_TRUE(QTest::qWaitFor([list] { return list->isVisible(); }));

@@ -174,7 +174,7 @@ void AddLinks(std::vector<HostileArchive>& archives) {
     archives.push_back(Unpacked("link-without-a-target", TarLink("l", '2', "")));
     archives.push_back(Unpacked("hard-link-out", TarLink("l", '1', "../canary")));
     archives.push_back(Unpacked("hard-link-to-an-absolute-place", TarLink("l", '1', "/etc/passwd")));
-    archives.push_back(Unpacked("hard-link-inside", TarLink("l", '1', "first")));
+    archives.push_back(Unpacked("hard-link-inside", TarLink("l", '1', "first"), {{"l", "1"}}));
     // The link is passed over, so that what lies behind it lies in a folder of that name.
     archives.push_back(Unpacked("file-through-a-link", TarLink("l", '2', "..") + TarFile("l/evil", "x"),
                                 {{"l/", ""}, {"l/evil", "x"}}));

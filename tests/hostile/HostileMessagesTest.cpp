@@ -100,7 +100,7 @@ TEST(HostileRequests, mayArriveByteByByte) {
     fs::create_directories("served/vdk/ContourPath");
     const OstraServerProcess server(folder.Path("served"));
     RawHttp http(server.ControlPort());
-    for (const char byte : "PUT /replay/playback HTTP/1.1\r\n" + kEmptyChunks) {
+    for (const char byte : "PUT /replay/playback HTTP/1.1\r\nHost: 127.0.0.1\r\n" + kEmptyChunks) {
         ASSERT_TRUE(http.Send(std::string(1, byte)));
         std::this_thread::sleep_for(kBetweenBytes);
     }

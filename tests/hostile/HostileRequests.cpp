@@ -14,12 +14,13 @@ const std::string kCborContents = "\x68"
 
 std::string Request(const std::string& verb, const std::string& path, const std::string& body,
                     const std::string& type = "application/json") {
-    return verb + " " + path + " HTTP/1.1\r\nHost: x\r\nContent-Type: " + type +
+    return verb + " " + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: " + type +
            "\r\nContent-Length: " + std::to_string(body.size()) + "\r\nConnection: close\r\n\r\n" + body;
 }
 
 std::string Raw(const std::string& fields, const std::string& body = "") {
-    return "POST " + kArchive + " HTTP/1.1\r\nHost: x\r\n" + fields + "\r\n" + body;
+    return "POST " + kArchive + " HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: application/json\r\n" +
+           fields + "\r\n" + body;
 }
 
 std::string Bytes(const std::string& bytes) {

@@ -32,9 +32,10 @@ class CopiesTest : public ::testing::Test {
         }
     }
 
-    QProcess& start() {
+    QProcess& start(const QStringList& arguments = {}) {
         copies.push_back(std::make_unique<QProcess>());
-        copies.back()->start(QStringLiteral(CORVANE_PROGRAM), QStringList());
+        copies.back()->setReadChannel(QProcess::StandardError); // what is waited for
+        copies.back()->start(QStringLiteral(CORVANE_PROGRAM), arguments);
         return *copies.back();
     }
 
@@ -55,6 +56,16 @@ class CopiesTest : public ::testing::Test {
     /// A copy writes its first line when it makes its window.
     [[nodiscard]] bool waitForWindow() const {
         return waitUntil([this] { return !log().empty() && log().back() == '\n'; });
+    }
+
+    /// The first line on standard error that is the program's own, once it arrives.
+    [[nodiscard]] static std::string messageOf(QProcess& copy) {
+        while (copy.canReadLine() || copy.waitForReadyRead(60'000)) {
+            std::string line = copy.readLine().toStdString();
+            if (line.starts_with("corvane: "))
+                return line;
+        }
+        return {};
     }
 
     [[nodiscard]] static bool hasEnded(QProcess& copy) {
@@ -81,6 +92,72 @@ TEST_F(CopiesTest, SecondCopyEndsWithZeroAndLeavesTheLogAlone) {
     EXPECT_EQ(second.readAllStandardOutput().toStdString(), "");
     EXPECT_NE(::access("Corvane.log", F_OK), 0);
     EXPECT_FALSE(hasEnded(first));
+}
+
+TEST_F(CopiesTest, SaysWhetherACopyRuns) {
+    QProcess& none = start({QStringLiteral("--running")});
+    ASSERT_TRUE(none.waitForFinished(60'000));
+    EXPECT_EQ(none.exitCode(), 1);
+    EXPECT_EQ(none.readAllStandardOutput().toStdString(), "No copy of Corvane runs.\n");
+    EXPECT_NE(::access("Corvane.log", F_OK), 0);
+
+    start();
+    ASSERT_TRUE(waitForWindow());
+    QProcess& one = start({QStringLiteral("--running")});
+    ASSERT_TRUE(one.waitForFinished(60'000));
+    EXPECT_EQ(one.exitCode(), 0);
+    EXPECT_EQ(one.readAllStandardOutput().toStdString(), "A copy of Corvane runs.\n");
+}
+
+TEST_F(CopiesTest, FromTheDesktopItWorksInAFolderOfTheUsersOwn) {
+    ::setenv("HOME", folder.Path("home").c_str(), 1);
+    start({QStringLiteral("--desktop")});
+    ASSERT_TRUE(waitUntil([this] { return !FileContent(folder.Path("home/Corvane/Corvane.log")).empty(); }));
+    EXPECT_NE(::access("Corvane.log", F_OK), 0);
+}
+
+TEST_F(CopiesTest, FromTheDesktopItSaysWhyItDoesNotOpen) {
+    ::mkdir("home", 0700);
+    ::setenv("HOME", folder.Path("home").c_str(), 1);
+    WriteFile("home/Corvane", "a file in the folder's place");
+    QProcess& blocked = start({QStringLiteral("--desktop")});
+    EXPECT_EQ(messageOf(blocked),
+              "corvane: The folder " + folder.Path("home/Corvane") + " cannot be made.\n");
+    EXPECT_FALSE(hasEnded(blocked)); // its box waits for an answer
+
+    ASSERT_EQ(::unlink("home/Corvane"), 0);
+    start();
+    ASSERT_TRUE(waitForWindow());
+    QProcess& second = start({QStringLiteral("--desktop")});
+    EXPECT_EQ(messageOf(second), "corvane: Corvane is already running.\n");
+    EXPECT_FALSE(hasEnded(second));
+}
+
+TEST_F(CopiesTest, ShowsItsVersionAndItsOptionsWithoutADisplay) {
+    ::setenv("QT_QPA_PLATFORM", "none", 1); // no window could be made
+    QProcess& version = start({QStringLiteral("--version")});
+    ASSERT_TRUE(version.waitForFinished(60'000));
+    EXPECT_EQ(version.readAllStandardOutput().toStdString(), "corvane " CORVANE_VERSION "\n");
+    QProcess& help = start({QStringLiteral("--help")});
+    ASSERT_TRUE(help.waitForFinished(60'000));
+    EXPECT_THAT(help.readAllStandardOutput().toStdString(),
+                testing::AllOf(testing::HasSubstr("\n  --desktop "), testing::HasSubstr("\n  --running ")));
+    EXPECT_EQ(version.exitCode() + help.exitCode(), 0);
+    EXPECT_NE(::access("Corvane.log", F_OK), 0);
+}
+
+TEST_F(CopiesTest, SaysWhetherADisplayAnswers) {
+    QProcess& shown = start({QStringLiteral("--display")});
+    ASSERT_TRUE(shown.waitForFinished(60'000));
+    EXPECT_EQ(shown.exitCode(), 0);
+    EXPECT_EQ(shown.readAllStandardOutput().toStdString(), "Windows are shown by \"offscreen\".\n");
+    ::setenv("QT_QPA_PLATFORM", "xcb", 1);
+    ::setenv("DISPLAY", "127.0.0.1:65000", 1); // beyond the ports that exist
+    QProcess& dead = start({QStringLiteral("--display")});
+    ASSERT_TRUE(dead.waitForFinished(60'000));
+    EXPECT_EQ(dead.readAllStandardOutput().toStdString(), "");
+    EXPECT_NE(dead.exitStatus(), QProcess::NormalExit);
+    EXPECT_NE(::access("Corvane.log", F_OK), 0);
 }
 
 TEST_F(CopiesTest, KilledCopyLetsTheNextStartAtOnce) {

@@ -9,14 +9,19 @@
 #include <sys/time.h>
 #include <unistd.h>
 
-RawHttp::RawHttp(std::uint16_t port) : connection(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+RawHttp::RawHttp(std::uint16_t port, const std::string& from)
+    : connection(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
     const timeval patience{30, 0};
     setsockopt(connection, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof(patience));
     sockaddr_in server{};
     server.sin_family = AF_INET;
     server.sin_port = htons(port);
     server.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (connect(connection, reinterpret_cast<const sockaddr*>(&server), sizeof(server)) != 0) {
+    sockaddr_in own{};
+    own.sin_family = AF_INET;
+    own.sin_addr.s_addr = inet_addr(from.c_str());
+    if (bind(connection, reinterpret_cast<const sockaddr*>(&own), sizeof(own)) != 0 ||
+        connect(connection, reinterpret_cast<const sockaddr*>(&server), sizeof(server)) != 0) {
         close(connection);
         throw std::runtime_error("no server listens");
     }
@@ -112,7 +117,7 @@ bool RawHttp::Closed() {
 
 std::string RawHttp::Text(const std::string& verb, const std::string& path, const std::string& body,
                           const std::string& type) {
-    std::string text = verb + " " + path + " HTTP/1.1\r\nHost: sensor\r\n";
+    std::string text = verb + " " + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\n";
     if (!body.empty())
         text += "Content-Type: " + type + "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n";
     return text + "\r\n" + body;

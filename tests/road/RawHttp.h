@@ -15,7 +15,8 @@ class RawHttp {
         [[nodiscard]] bool Whole() const { return status != 0 && body.size() == length; }
     };
 
-    explicit RawHttp(std::uint16_t port);
+    /// @param from the address of this machine to connect from: any of 127.0.0.1 to 127.255.255.254
+    explicit RawHttp(std::uint16_t port, const std::string& from = "127.0.0.1");
     RawHttp(const RawHttp&) = delete;
     RawHttp& operator=(const RawHttp&) = delete;
     ~RawHttp();

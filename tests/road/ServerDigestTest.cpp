@@ -1,7 +1,7 @@
 #include "ServerTest.h"
 
 #include "SlowCrc32c.h"
-#include "basalt/ContentDigest.h"
+#include "wire/ContentDigest.h"
 
 #include <string>
 
@@ -69,7 +69,7 @@ TEST_F(ServerDigest, WhoDoesNotAskGetsALengthAndNoDigest) {
 
 TEST_F(ServerDigest, TheDigestStandsBehindTheChunksOfTheReply) {
     RawHttp connection(server.ControlPort());
-    connection.Send("GET /replay/playback HTTP/1.1\r\nHost: x\r\n" + wish + "\r\n");
+    connection.Send("GET /replay/playback HTTP/1.1\r\nHost: 127.0.0.1\r\n" + wish + "\r\n");
     const RawHttp::Reply reply = connection.Read();
     EXPECT_NE(reply.head.find("Transfer-Encoding: chunked\r\n"), std::string::npos);
     EXPECT_NE(reply.head.find("Trailer: Content-Digest\r\n"), std::string::npos);
@@ -81,7 +81,7 @@ TEST_F(ServerDigest, TheDigestStandsBehindTheChunksOfTheReply) {
 TEST_F(ServerDigest, BehindTheDigestTheConnectionServesOn) {
     RawHttp connection(server.ControlPort());
     for (int request = 0; request < 3; ++request) {
-        connection.Send("GET /replay/playback HTTP/1.1\r\nHost: x\r\n" + wish + "\r\n");
+        connection.Send("GET /replay/playback HTTP/1.1\r\nHost: 127.0.0.1\r\n" + wish + "\r\n");
         const RawHttp::Reply reply = connection.Read();
         EXPECT_NE(reply.body.find("Content-Digest: "), std::string::npos);
         EXPECT_NE(reply.head.find("Connection: keep-alive\r\n"), std::string::npos);

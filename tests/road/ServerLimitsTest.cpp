@@ -16,7 +16,9 @@ class ServerLimits : public ServerTest {
     }
     /// A request without its body, which is said to be this long.
     static std::string Head(const std::string& path, const std::string& fields) {
-        return "POST " + path + " HTTP/1.1\r\nHost: sensor\r\n" + fields + "\r\n";
+        const bool isTyped = fields.find("Content-Type") != std::string::npos;
+        return "POST " + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\n" +
+               (isTyped ? "" : "Content-Type: application/json\r\n") + fields + "\r\n";
     }
     static void ExpectWorks(const OstraServerProcess& server) {
         EXPECT_EQ(RawHttp::Request(server.ControlPort(), "GET", "/system/info").status, 200U);
@@ -62,7 +64,7 @@ TEST_F(ServerLimits, HeadIsRefusedWithAHeadAlone) {
     for (const std::string path : {kArchivePath, "/nowhere"}) {
         for (const std::string fields : {"", "Want-Content-Digest: crc32c=1\r\n"}) {
             SCOPED_TRACE(path + " " + fields);
-            const std::string rest = " " + path + " HTTP/1.1\r\nHost: sensor\r\n" + fields + "\r\n";
+            const std::string rest = " " + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\n" + fields + "\r\n";
             RawHttp get(server.ControlPort());
             get.Send("GET" + rest);
             RawHttp head(server.ControlPort());
@@ -193,8 +195,9 @@ TEST_F(ServerLimits, ContentsInCborAreOneListThatMayHoldOtherThings) {
 
 TEST_F(ServerLimits, HeadsAndBodiesUpToTheirLimitsAreTaken) {
     const OstraServerProcess server(Served());
-    const std::string longField = "X: " + std::string(8000, 'x') + "\r\n";
-    EXPECT_EQ(StatusOf(server, "GET /system/info HTTP/1.1\r\nHost: x\r\n" + longField + "\r\n"), 200U);
+    const std::string longField = "X: " + std::string(64'000, 'x') + "\r\n";
+    EXPECT_EQ(StatusOf(server, "GET /system/info HTTP/1.1\r\nHost: 127.0.0.1\r\n" + longField + "\r\n"),
+              200U);
     std::string body = R"({"enabled": true})";
     body += std::string(std::size_t{64} * 1024 - body.size(), ' ');
     EXPECT_EQ(RawHttp::Request(server.ControlPort(), "PUT", kReplayPath, body).status, 200U);
@@ -232,7 +235,7 @@ TEST_F(ServerLimits, AClientThatSendsOnGetsTheRefusalToo) {
 TEST_F(ServerLimits, ChunkedBodiesAreUnderstoodAndLimited) {
     const OstraServerProcess server(Served());
     const std::string chunked = "Transfer-Encoding: chunked\r\n";
-    EXPECT_EQ(StatusOf(server, "PUT /replay/playback HTTP/1.1\r\n" + chunked +
+    EXPECT_EQ(StatusOf(server, "PUT /replay/playback HTTP/1.1\r\nHost: 127.0.0.1\r\n" + chunked +
                                    "\r\n8\r\n{\"enable\r\n9\r\nd\": true}\r\n0\r\n\r\n"),
               200U);
     const std::string body = RestoreBody(Backup(changed));
@@ -267,8 +270,8 @@ TEST_F(ServerLimits, MalformedHeadsAre400) {
     for (const std::string& request :
          {std::string("\r\n\r\nnonsense\r\n\r\n"), std::string("GET\r\n\r\n"),
           std::string("GET / HTTP/9.9\r\n\r\n"), std::string("GET /system/info HTTP/1.1\r\nno colon\r\n\r\n"),
-          std::string(100, '\0'), "GET /" + std::string(10000, 'x') + " HTTP/1.1\r\n\r\n",
-          "GET / HTTP/1.1\r\nX: " + std::string(10000, 'x') + "\r\n\r\n"})
+          std::string(100, '\0'), "GET /" + std::string(66'000, 'x') + " HTTP/1.1\r\n\r\n",
+          "GET / HTTP/1.1\r\nX: " + std::string(66'000, 'x') + "\r\n\r\n"})
         EXPECT_EQ(StatusOf(server, request), 400U) << request.substr(0, 40);
     ExpectWorks(server);
 }
@@ -345,26 +348,11 @@ TEST_F(ServerLimits, AClientThatDoesNotReadIsDropped) {
     EXPECT_FALSE(lazy.Read().Whole());
 }
 
-TEST_F(ServerLimits, OneConnectionTooManyIs503) {
-    const OstraServerProcess server(Served(), {"--connections", "2"});
-    RawHttp first(server.ControlPort());
-    RawHttp second(server.ControlPort());
-    first.Send(RawHttp::Text("GET", "/system/info"));
-    second.Send(RawHttp::Text("GET", "/system/info"));
-    EXPECT_EQ(first.Read().status, 200U);
-    EXPECT_EQ(second.Read().status, 200U);
-    RawHttp third(server.ControlPort());
-    const RawHttp::Reply turnedAway = third.Read();
-    EXPECT_EQ(turnedAway.status, 503U);
-    EXPECT_TRUE(turnedAway.Whole());
-    first.Send(RawHttp::Text("GET", "/system/info"));
-    EXPECT_EQ(first.Read().status, 200U);
-}
-
 TEST_F(ServerLimits, ContinueIsSaidToAClientThatWaitsForIt) {
     const OstraServerProcess server(Served());
     RawHttp http(server.ControlPort());
-    http.Send("PUT /replay/playback HTTP/1.1\r\nExpect: 100-continue\r\nContent-Length: 17\r\n\r\n");
+    http.Send("PUT /replay/playback HTTP/1.1\r\nHost: 127.0.0.1\r\nExpect: 100-continue\r\n"
+              "Content-Length: 17\r\n\r\n");
     EXPECT_EQ(http.Read().status, 100U);
     http.Send("{\"enabled\": true}");
     EXPECT_EQ(http.Read().status, 200U);

@@ -166,10 +166,8 @@ TEST_F(ServerProcess, FaultCutOfZeroGivesNoReply) {
 }
 
 TEST_F(ServerProcess, FaultDamageChangesBytesOfTheBodyOnly) {
-    const OstraServerProcess good(Served());
-    const OstraServerProcess bad(Served(), {"--fault-damage"});
-    const RawHttp::Reply whole = Archive(good);
-    const RawHttp::Reply damaged = Archive(bad);
+    const RawHttp::Reply whole = Archive(OstraServerProcess(Served()));
+    const RawHttp::Reply damaged = Archive(OstraServerProcess(Served(), {"--fault-damage"}));
     EXPECT_EQ(damaged.status, 200U);
     ASSERT_EQ(damaged.body.size(), whole.body.size());
     std::size_t different = 0;

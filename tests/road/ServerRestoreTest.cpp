@@ -1,4 +1,5 @@
 #include "ServerTest.h"
+#include "TarBlocks.h"
 
 #include <atomic>
 #include <csignal>
@@ -104,6 +105,11 @@ TEST_F(ServerRestore, ReplayModeIsWhatTheOptionSays) {
     EXPECT_EQ(Replay(server), "{\"enabled\":false}");
     EXPECT_EQ(Restore(server, Backup(changed, "{\"replay\": false}")).status, 200U);
     EXPECT_EQ(Replay(server), "{\"enabled\":true}");
+}
+
+TEST_F(ServerRestore, RefusesAFolderWithoutTheOneAbove) {
+    const OstraServerProcess server(Served());
+    ExpectRefused(server, BackupAround(TarFolder("missing/vdk") + TarEnd(), "{}"));
 }
 
 TEST_F(ServerRestore, RefusesAnArchiveCutAtAnyBlock) {

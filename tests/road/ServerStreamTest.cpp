@@ -109,7 +109,7 @@ TEST_F(ServerStream, AFaultThatWasAskedForUnpacksNothing) {
 TEST_F(ServerStream, AnArchiveOfALengthThatIsOnlyClaimedIsRefused) {
     const OstraServerProcess server(Served(), {"--request-limit", "100000"});
     const std::string chunked = "POST " + std::string(kRestorePath) +
-                                " HTTP/1.1\r\nContent-Type: application/cbor\r\n"
+                                " HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: application/cbor\r\n"
                                 "Transfer-Encoding: chunked\r\n\r\n";
     const std::string claim = "\xa2" + kContents + "\x64" + "data\x5a";
     for (const std::string& length :

@@ -119,8 +119,10 @@ Tree ServerTest::ServedTree(const OstraServerProcess& server) const {
 std::string ServerTest::Leftovers() const {
     std::string names;
     for (const auto& entry : fs::directory_iterator(folder.Path(""))) {
-        if (entry.path().filename().string().front() == '.')
-            names += entry.path().filename().string() + " ";
+        const std::string name = entry.path().filename().string();
+        if (name.front() == '.' && !name.ends_with(".ostra-lock") &&
+            name.find(".ostra-kept-") == std::string::npos)
+            names += name + " ";
     }
     return names;
 }

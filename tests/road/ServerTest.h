@@ -43,7 +43,7 @@ class ServerTest : public testing::Test {
     static RawHttp::Reply Archive(const OstraServerProcess& server);
     /// The workspace as a client sees it: the archive's inner tree, unpacked by GNU tar.
     Tree ServedTree(const OstraServerProcess& server) const;
-    /// The names beside the workspace, hidden ones too, without those that the test itself made.
+    /// The hidden names beside the workspace, but for the server's lock and what it keeps on purpose.
     [[nodiscard]] std::string Leftovers() const;
 
     TemporaryFolder folder;

@@ -3,7 +3,7 @@
 #include "RandomChoice.h"
 #include "StormWindow.h"
 
-/// The mouse on the canvas, with no regard for which event may follow which.
+/// Mouse and keys on the canvas, with no regard for which event may follow which.
 class CanvasHand {
   public:
     CanvasHand(StormWindow& storm, RandomChoice& random) : storm(storm), random(random) {}
@@ -13,13 +13,23 @@ class CanvasHand {
     void release();
     void doubleClick();
     void otherButton();
+    /// A key of those that edit, with the canvas in focus. It is one step at most, and none while the left
+    /// button draws or drags.
+    void pressKey();
+    /// Space goes down or up.
+    void pressSpace();
+    /// A click with Ctrl, over a segment as likely as not.
+    void clickWithCtrl();
     /// Moves to where a point is, so that dragging happens.
     void goToPoint();
 
   private:
-    void send(QEvent::Type type, Qt::MouseButton button);
+    void send(QEvent::Type type, Qt::MouseButton button, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+    bool focusCanvas();
+    void goToSegment();
 
     StormWindow& storm;
     RandomChoice& random;
     QPoint cursor;
+    bool spaceHeld = false;
 };

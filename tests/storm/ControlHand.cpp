@@ -23,6 +23,7 @@ constexpr std::array<ParameterField, 3> kFields{{{"lineEdit_lineLength", &TrackP
 void ControlHand::turnSpinBox() {
     auto& box = storm.find<QSpinBox>(random.chance(2) ? "spinBox_pathId" : "spinBox_segmentId");
     const int before = box.value();
+    box.setFocus();
     QTest::keyClick(&box, random.oneOf<Qt::Key>(
                               {Qt::Key_Up, Qt::Key_Up, Qt::Key_Down, Qt::Key_PageUp, Qt::Key_PageDown}));
     checkChosen(box, before);
@@ -57,6 +58,7 @@ void ControlHand::typeParameter() {
     const auto index = static_cast<std::size_t>(random.pick(static_cast<int>(kFields.size())));
     auto& field = storm.find<QLineEdit>(kFields.at(index).name);
     const QString before = field.text();
+    field.setFocus();
     if (random.chance(3))
         field.selectAll();
     const std::string letters = "0123456789-+.,e x\b";
@@ -95,14 +97,17 @@ void ControlHand::turnWheel() {
     const QPoint turn(0, random.chance(2) ? kNotch : -kNotch);
     const auto* const list = qobject_cast<QComboBox*>(&widget);
     const int before = list != nullptr ? list->currentIndex() : 0;
-    QWheelEvent event(place, widget.mapToGlobal(place), QPoint(), turn, storm.held, Qt::NoModifier,
+    const Qt::KeyboardModifiers modifiers = random.chance(2) ? Qt::ControlModifier : Qt::NoModifier;
+    QWheelEvent event(place, widget.mapToGlobal(place), QPoint(), turn, storm.held, modifiers,
                       Qt::NoScrollPhase, false);
     QApplication::sendEvent(&widget, &event);
     EXPECT_EQ(list != nullptr ? list->currentIndex() : 0, before);
 }
 
 void ControlHand::moveSlider() {
-    QTest::keyClick(&storm.find<QSlider>("horizontalSlider_resizeImage"),
+    auto& slider = storm.find<QSlider>("horizontalSlider_resizeImage");
+    slider.setFocus();
+    QTest::keyClick(&slider,
                     random.oneOf<Qt::Key>({Qt::Key_Left, Qt::Key_Right, Qt::Key_PageUp, Qt::Key_PageDown,
                                            Qt::Key_PageUp, Qt::Key_Home, Qt::Key_End}));
 }
@@ -116,9 +121,19 @@ void ControlHand::pressSomeKey() {
     QWidget* const widget = widgets[random.pick(widgets.size())];
     if (qobject_cast<QComboBox*>(widget) != nullptr || !widget->isVisible() || !widget->isEnabled())
         return;
+    widget->setFocus();
     QTest::keyClick(widget,
                     random.oneOf<Qt::Key>({Qt::Key_Tab, Qt::Key_Backtab, Qt::Key_Escape, Qt::Key_Return,
                                            Qt::Key_Delete, Qt::Key_Home, Qt::Key_F1, Qt::Key_A}));
+}
+
+void ControlHand::pressZoomKey() {
+    if (!storm.window->isEnabled())
+        return;
+    QApplication::setActiveWindow(storm.window.get());
+    QTest::keyClick(storm.window.get(),
+                    random.oneOf<Qt::Key>({Qt::Key_Plus, Qt::Key_Minus, Qt::Key_Equal, Qt::Key_0, Qt::Key_1}),
+                    Qt::ControlModifier);
 }
 
 void ControlHand::pressInWindow(Qt::KeyboardModifiers modifiers) {

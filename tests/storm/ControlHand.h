@@ -22,6 +22,7 @@ class ControlHand {
     void toggleBatch() { storm.click("checkBox_batchSetting"); }
     void resizeWindow();
     void pressSomeKey();
+    void pressZoomKey();
     void pressUndo() { pressInWindow(Qt::ControlModifier); }
     void pressRedo() { pressInWindow(Qt::ControlModifier | Qt::ShiftModifier); }
 

@@ -8,6 +8,7 @@
 
 void FileHand::chooseFile() {
     auto& combo = storm.find<QComboBox>("comboBox_file");
+    combo.setFocus();
     QTest::keyClick(&combo, random.oneOf<Qt::Key>({Qt::Key_Up, Qt::Key_Down, Qt::Key_Home, Qt::Key_End}));
 }
 
@@ -15,6 +16,7 @@ void FileHand::pressKeyOnOperations() {
     auto& combo = storm.find<QComboBox>("comboBox_operation");
     if (!combo.isEnabled() || !storm.window->isEnabled())
         return;
+    combo.setFocus();
     QTest::keyClick(&combo, random.oneOf<Qt::Key>({Qt::Key_Down, Qt::Key_Up, Qt::Key_End, Qt::Key_Home,
                                                    Qt::Key_S, Qt::Key_D, Qt::Key_L, Qt::Key_R}));
     EXPECT_TRUE(combo.view()->isVisible());
@@ -71,6 +73,7 @@ void FileHand::loadSavedAgain() {
     auto& combo = storm.find<QComboBox>("comboBox_file");
     if (combo.findText(name) < 0)
         return; // deleted from the list while it was open
+    combo.setFocus();
     QTest::keyClick(&combo, Qt::Key_Home);
     while (combo.currentText() != name)
         QTest::keyClick(&combo, Qt::Key_Down);

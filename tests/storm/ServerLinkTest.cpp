@@ -29,6 +29,7 @@ using Kind = LinkFault::Kind;
 using Tree = std::map<std::string, std::string>;
 
 const std::string kServed = "station";
+const std::string kLock = ".station.ostra-lock";
 const std::string kDownloaded = "Ostra.osbak";
 const std::string kUploaded = "restore.osbak";
 
@@ -93,6 +94,7 @@ class ServerLink : public ::testing::Test {
         server = std::make_unique<OstraServerProcess>(kServed);
         idleThreads = ThreadsOf(server->Pid());
         proxy = std::make_unique<FaultyProxy>(server->ControlPort());
+        directClient.Connect("127.0.0.1", server->ControlPort());
     }
 
     unsigned Pick(unsigned count) { return static_cast<unsigned>(random() % count); }
@@ -252,7 +254,8 @@ class ServerLink : public ::testing::Test {
     static void CheckNames() {
         for (const auto& entry : fs::directory_iterator(".")) {
             const std::string name = entry.path().filename().string();
-            EXPECT_THAT(name, testing::AnyOf(kServed, kDownloaded, kUploaded));
+            EXPECT_THAT(name, testing::AnyOf(kServed, kLock, kDownloaded, kUploaded,
+                                             testing::StartsWith("." + kServed + ".ostra-kept-")));
         }
     }
 
@@ -291,11 +294,15 @@ TEST_F(ServerLink, LeavesTheOldWorkspaceOrTheNewOneWhateverTheNetworkDoes) {
 
 // The checks above would pass a proxy that does nothing.
 TEST_F(ServerLink, TheProxyDoesWhatItIsToldTo) {
+    std::string content(100'000, '\0');
+    for (char& byte : content)
+        byte = static_cast<char>(random());
+    WriteFile(kServed + "/vdk/ContourPath/A.trk", content); // it is the first file
     for (const Kind kind : {Kind::Cut, Kind::Reset, Kind::HalfClose, Kind::Repeat, Kind::Lose, Kind::Corrupt,
                             Kind::Swap, Kind::Stop, Kind::Late, Kind::Refuse}) {
         LinkFault fault;
         fault.kind = kind;
-        fault.offset = 2000;
+        fault.offset = 50'000; // within the file's content
         fault.length = 5;
         fault.pause = 2s;
         SCOPED_TRACE(Description(fault));
@@ -308,6 +315,7 @@ TEST_F(ServerLink, TheProxyDoesWhatItIsToldTo) {
 
 // A file's content is the one place where nothing but the digest tells.
 TEST_F(ServerLink, AReplyThatTheServerDamagedIsNoBackup) {
+    server.reset(); // one server serves a folder
     server = std::make_unique<OstraServerProcess>(
         kServed, std::vector<std::string>{"--fault-damage", "--fault-path", "/system/commands/archive"});
     OstraSdkClient client;

@@ -20,13 +20,18 @@ void SourceHand::openSource() {
     if (serverMoved && !serverAway)
         reset();
     if (serverAway)
-        QTest::keyClick(&storm.find<QComboBox>("comboBox_sensor"), Qt::Key_End);
+        pressInSourceList(Qt::Key_End);
     pressSensorButton();
 }
 
 void SourceHand::chooseSource() {
+    pressInSourceList(random.oneOf<Qt::Key>({Qt::Key_Up, Qt::Key_Down}));
+}
+
+void SourceHand::pressInSourceList(Qt::Key key) {
     auto& combo = storm.find<QComboBox>("comboBox_sensor");
-    QTest::keyClick(&combo, random.oneOf<Qt::Key>({Qt::Key_Up, Qt::Key_Down}));
+    combo.setFocus();
+    QTest::keyClick(&combo, key);
 }
 
 void SourceHand::pressSensorButton() {

@@ -23,6 +23,8 @@ class SourceHand {
     void reopenWindow();
 
   private:
+    void pressInSourceList(Qt::Key key);
+
     StormWindow& storm;
     RandomChoice& random;
     std::optional<OstraServerProcess> server;

@@ -131,7 +131,7 @@ std::vector<std::string> OstraServerProcess::Lines() const {
 std::vector<std::string> OstraServerProcess::Requests() const {
     std::vector<std::string> requests;
     for (std::string& line : Lines()) {
-        if (line.rfind("control ", 0) != 0 && line.rfind("discovery ", 0) != 0)
+        if (!line.starts_with("control ") && !line.starts_with("discovery ") && !line.starts_with("#"))
             requests.push_back(std::move(line));
     }
     return requests;

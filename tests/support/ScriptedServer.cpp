@@ -174,7 +174,7 @@ bool ScriptedServer::Receive(int connection, ScriptedRequest& request) const {
 void ScriptedServer::Send(int connection, const ScriptedReply& reply) const {
     const std::uint64_t whole = std::min(reply.bytes.size() + reply.filler, reply.cutAfter);
     const std::string filler(static_cast<std::size_t>(std::min<std::uint64_t>(reply.filler, reply.pieceSize)),
-                             'x');
+                             reply.fillerLetter);
     for (std::uint64_t sent = 0; sent < whole;) {
         const bool inBytes = sent < reply.bytes.size();
         const char* const data = inBytes ? reply.bytes.data() + sent : filler.data();

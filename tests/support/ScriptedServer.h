@@ -31,8 +31,9 @@ struct ScriptedRequest {
 struct ScriptedReply {
     static constexpr std::uint64_t kNever = std::numeric_limits<std::uint64_t>::max();
 
-    std::string bytes;                               ///< the whole reply, its head included
-    std::uint64_t filler = 0;                        ///< so many letters "x" follow
+    std::string bytes;        ///< the whole reply, its head included
+    std::uint64_t filler = 0; ///< so many of these letters follow
+    char fillerLetter = 'x';
     std::size_t pieceSize = std::size_t{256} * 1024; ///< what is sent at once
     std::chrono::milliseconds pause{0};              ///< before each piece
     std::uint64_t cutAfter = kNever;                 ///< ends the reply after so many bytes

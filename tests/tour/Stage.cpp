@@ -18,14 +18,6 @@
 #include <stdexcept>
 #include <thread>
 
-namespace {
-
-QPoint ScreenCentre(const QWidget& widget) {
-    return widget.mapToGlobal(widget.rect().center());
-}
-
-} // namespace
-
 Stage::Stage(MainWindow& window, std::string pictures) : window(window), pictures(std::move(pictures)) {
 }
 
@@ -75,17 +67,22 @@ void Stage::ClickOn(const char* widget) {
     hand.Click(CentreOf(widget));
 }
 
-void Stage::Choose(const char* comboBox, const QString& item) {
+void Stage::OpenList(const char* comboBox) {
     auto* const box = Find<QComboBox>(comboBox);
     WaitUntil([&] { return box->isEnabled() && box->isVisible(); }, std::string(comboBox) + " can be used");
     ClickOn(comboBox);
     WaitUntil([&] { return box->view()->isVisible(); }, std::string(comboBox) + " shows its list");
+}
+
+void Stage::Choose(const char* comboBox, const QString& item) {
+    OpenList(comboBox);
+    auto* const box = Find<QComboBox>(comboBox);
     QPoint place;
     Look([&] {
         const int row = box->findText(item);
         if (row >= 0)
-            place = box->view()->viewport()->mapToGlobal(
-                box->view()->visualRect(box->model()->index(row, 0)).center());
+            place = OnScreen(*box->view()->viewport(),
+                             box->view()->visualRect(box->model()->index(row, 0)).center());
     });
     Expect(!place.isNull(), std::string(comboBox) + " offers " + item.toStdString());
     hand.Click(place);
@@ -112,7 +109,7 @@ void Stage::AnswerFileDialog(const std::string& path) {
     QPoint place;
     Look([&] {
         name->window()->activateWindow();
-        place = ScreenCentre(*name);
+        place = OnScreen(*name, name->rect().center());
     });
     hand.Click(place);
     WaitUntil([&] { return name->hasFocus(); }, "the dialog takes the name");
@@ -135,6 +132,12 @@ QString Stage::TextOf(const char* widget) const {
     auto* const found = Find<QWidget>(widget);
     Look([&] { text = found->property("text").toString(); });
     return text;
+}
+
+bool Stage::IsOnScreen() const {
+    bool inside = false;
+    Look([&] { inside = window.screen()->geometry().contains(window.frameGeometry()); });
+    return inside;
 }
 
 bool Stage::IsEnabled(const char* widget) const {
@@ -164,8 +167,8 @@ QPoint Stage::PlaceOf(const QPointF& point) const {
     QPoint place;
     const auto* const canvas = Find<QMaskWidget>("label_mask");
     Look([&] {
-        place = canvas->mapToGlobal(
-            QPoint(qRound(point.x() * canvas->width()), qRound(point.y() * canvas->height())));
+        place =
+            OnScreen(*canvas, {qRound(point.x() * canvas->width()), qRound(point.y() * canvas->height())});
     });
     return place;
 }
@@ -175,16 +178,21 @@ QPoint Stage::OnCanvas(double across, double down) const {
     auto* const canvas = Find<QWidget>("label_mask");
     Look([&] {
         const QRect seen = canvas->visibleRegion().boundingRect();
-        place = canvas->mapToGlobal(
-            QPoint(seen.left() + qRound(across * seen.width()), seen.top() + qRound(down * seen.height())));
+        place = OnScreen(*canvas, {seen.left() + qRound(across * seen.width()),
+                                   seen.top() + qRound(down * seen.height())});
     });
     return place;
+}
+
+QPoint Stage::OnScreen(const QWidget& widget, const QPoint& place) {
+    const QPointF onDesktop = widget.mapToGlobal(place);
+    return (onDesktop * widget.devicePixelRatioF()).toPoint();
 }
 
 QPoint Stage::CentreOf(const char* widget) const {
     QPoint place;
     auto* const found = Find<QWidget>(widget);
-    Look([&] { place = ScreenCentre(*found); });
+    Look([&] { place = OnScreen(*found, found->rect().center()); });
     return place;
 }
 

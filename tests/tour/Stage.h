@@ -11,6 +11,7 @@
 #include <vector>
 
 class MainWindow;
+class QWidget;
 
 /// What the operator sees and does: finds widgets of the window by their names, looks at them on the window's
 /// thread and works them with the hand. Everything here is called from the tour's thread.
@@ -35,6 +36,8 @@ class Stage {
     void Picture(const std::string& name);
 
     void ClickOn(const char* widget);
+    /// Opens a combo box's list, which stays open.
+    void OpenList(const char* comboBox);
     /// Opens a combo box and clicks an item of its list.
     void Choose(const char* comboBox, const QString& item);
     /// Replaces a line edit's or spin box's text by typing.
@@ -44,19 +47,23 @@ class Stage {
 
     [[nodiscard]] QString StatusText() const;
     [[nodiscard]] QString TextOf(const char* widget) const;
+    /// Whether no part of the window is outside the screen.
+    [[nodiscard]] bool IsOnScreen() const;
     [[nodiscard]] bool IsEnabled(const char* widget) const;
     /// Whether the busy sign turns.
     [[nodiscard]] bool IsBusy() const;
     [[nodiscard]] std::vector<TrackPath> PathsOnCanvas() const;
-    /// A point of a path, in screen pixels.
+    /// A point of a path, in pixels of the screen.
     [[nodiscard]] QPoint PlaceOf(const QPointF& point) const;
-    /// A place on the canvas, given in shares of its visible part, in screen pixels.
+    /// A place on the canvas, given in shares of its visible part, in pixels of the screen.
     [[nodiscard]] QPoint OnCanvas(double across, double down) const;
 
     Hand hand;
 
   private:
     [[nodiscard]] QPoint CentreOf(const char* widget) const;
+    /// A place of a widget in pixels of the screen, which are smaller than the window's on a scaled desktop.
+    [[nodiscard]] static QPoint OnScreen(const QWidget& widget, const QPoint& place);
     template<typename Widget>
     [[nodiscard]] Widget* Find(const char* name) const;
 

@@ -18,8 +18,8 @@ void Say(const std::string& step) {
     std::fflush(stdout);
 }
 
-void Begin(const std::string& road) {
-    std::printf("%s\n", road.c_str());
+void Begin(const std::string& scenario) {
+    std::printf("%s\n", scenario.c_str());
     std::fflush(stdout);
 }
 
@@ -78,8 +78,20 @@ void Tour::Run() {
     stage.Open();
     stage.Picture("start");
     EditABackupFile();
-    EditAnExternalTrack();
+    EditAnExternalTrack("fault.trk");
     EditAServersWorkspace();
+}
+
+void Tour::RunMainScenario() {
+    stage.Open();
+    EditABackupFile();
+    const std::string longName = std::string(120, 'W') + ".trk";
+    std::filesystem::copy_file("fault.trk", longName);
+    EditAnExternalTrack(longName);
+    stage.OpenList("comboBox_file");
+    stage.Picture("list");
+    stage.hand.Key("Escape");
+    Stage::Expect(stage.IsOnScreen(), "the window is on the screen completely");
 }
 
 void Tour::EditABackupFile() {
@@ -109,21 +121,21 @@ void Tour::EditABackupFile() {
                   "the backup file holds the paths that were drawn");
 }
 
-void Tour::EditAnExternalTrack() {
+void Tour::EditAnExternalTrack(const std::string& name) {
     Begin("An external text track");
-    Say("choose \"External\" and load fault.trk");
+    Say("choose \"External\" and load " + name);
     stage.Choose("comboBox_file", QStringLiteral("External"));
     stage.Choose("comboBox_operation", QStringLiteral("Load"));
-    stage.AnswerFileDialog("fault.trk");
+    stage.AnswerFileDialog(name);
     WaitForStatus(QStringLiteral("Load successfully."));
     stage.Picture("text-track-loaded");
     DrawAPath();
 
     Say("save it: it goes into the workspace, the external file stays as it is");
-    const std::string before = FileContent("fault.trk");
+    const std::string before = FileContent(name);
     stage.Choose("comboBox_operation", QStringLiteral("Save"));
     WaitForStatus(QStringLiteral("Save successfully."));
-    Stage::Expect(FileContent("fault.trk") == before, "the external file is unchanged");
+    Stage::Expect(FileContent(name) == before, "the external file is unchanged");
     const QString saved = stage.TextOf("label_fileName");
     Stage::Expect(FileHolds(kTrackFolder + saved.toStdString(), stage.PathsOnCanvas()),
                   "the workspace's file holds the paths that were drawn");

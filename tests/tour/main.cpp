@@ -1,7 +1,8 @@
 // The tour: the editor's own window, worked through the display by a mouse and a keyboard.
-// Usage: corvane-tour PICTURES, in a folder of its own that holds "station.osbak", "fault.trk" and the folder
-// "served", the workspace of the sensor server that it starts.
+// Usage: corvane-tour PICTURES [DESKTOP], in a folder of its own that holds "station.osbak", "fault.trk" and
+// the folder "served", the workspace of the sensor server that it starts. Desktops: see Desktop.h.
 
+#include "Desktop.h"
 #include "OstraServerProcess.h"
 #include "Tour.h"
 #include "window/mainwindow.h"
@@ -15,16 +16,22 @@
 
 namespace {
 
+/// In milliseconds: the simulated user's double clicks are slow on a machine with much else to do.
+constexpr int kDoubleClickInterval = 3000;
+
 int Failed(const char* reason) {
     std::printf("FAILED: %s\n", reason);
     return 1;
 }
 
-/// Goes the tour and ends the application with its result.
-void GoTour(Stage& stage, Tour& tour) {
+/// Runs the tour and ends the application with its result.
+void RunTour(Stage& stage, Tour& tour, bool whole) {
     int result = 0;
     try {
-        tour.Run();
+        if (whole)
+            tour.Run();
+        else
+            tour.RunMainScenario();
         std::printf("The tour is over; every step did what it says.\n");
     } catch (const std::exception& failure) {
         result = Failed(failure.what());
@@ -42,20 +49,24 @@ void GoTour(Stage& stage, Tour& tour) {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2)
-        return Failed("usage: corvane-tour PICTURES");
+    if (argc != 2 && argc != 3)
+        return Failed("usage: corvane-tour PICTURES [DESKTOP]");
     try {
+        Desktop desktop(argc == 3 ? argv[2] : "plain");
         // A slow archive, so that the busy sign is seen.
         const OstraServerProcess server(
             "served", {"--fault-delay", "1500", "--fault-path", "/system/commands/archive"});
         qputenv("OSTRA_DISCOVERY", QByteArray::fromStdString(server.DiscoveryAddress()));
 
-        const QApplication application(argc, argv);
+        desktop.Prepare();
+        QApplication application(argc, argv);
+        desktop.Apply(application);
+        QApplication::setDoubleClickInterval(kDoubleClickInterval);
         MainWindow window;
         window.setWindowTitle(QStringLiteral("Corvane"));
         Stage stage(window, std::filesystem::absolute(argv[1]).string());
         Tour tour(stage, std::filesystem::absolute("served").string());
-        std::thread operatorsThread(GoTour, std::ref(stage), std::ref(tour));
+        std::thread operatorsThread(RunTour, std::ref(stage), std::ref(tour), desktop.IsPlain());
         const int result = QApplication::exec();
         operatorsThread.join();
         return result;

@@ -2,10 +2,17 @@
 
 #include "basalt/FileFacts.h"
 
+#include <system_error>
+
 #include <sys/stat.h>
 
 /// The system's answer about a file or a folder.
 FileFacts FactsOf(const struct stat& state);
+
+/// Gives an open file or folder the permissions and the time of modification, unless its file system has
+/// none.
+/// @return the reason when that failed
+std::error_code Describe(int descriptor, const FileFacts& facts);
 
 /// The kind that the type bits of a mode name.
 FileKind KindOf(mode_t mode);

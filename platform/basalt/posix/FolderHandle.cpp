@@ -26,8 +26,8 @@ FolderHandle FolderHandle::OpenFolder(const std::string& name) const {
     return FolderHandle(openat(Number(), name.c_str(), kFolderFlags | O_NOFOLLOW));
 }
 
-bool FolderHandle::MakeFolder(const std::string& name, unsigned permissions) const {
-    return mkdirat(Number(), name.c_str(), permissions) == 0;
+std::error_code FolderHandle::MakeFolder(const std::string& name, unsigned permissions) const {
+    return mkdirat(Number(), name.c_str(), permissions) == 0 ? std::error_code() : LastError();
 }
 
 std::error_code FolderHandle::Ask(const std::string& name, FileFacts* facts) const {
@@ -36,6 +36,16 @@ std::error_code FolderHandle::Ask(const std::string& name, FileFacts* facts) con
         return LastError();
     *facts = FactsOf(state);
     return {};
+}
+
+/// A folder that is open for steps alone can neither be described nor synced.
+FileDescriptor FolderHandle::OpenItself() const {
+    return FileDescriptor(openat(Number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
+std::error_code FolderHandle::Describe(const FileFacts& facts) const {
+    const FileDescriptor folder = OpenItself();
+    return folder.IsOpen() ? ::Describe(folder.Number(), facts) : LastError();
 }
 
 std::error_code FolderHandle::RemoveFile(const std::string& name) const {
@@ -54,8 +64,7 @@ std::error_code FolderHandle::RenameToFree(const std::string& name, const std::s
 }
 
 std::error_code FolderHandle::Sync() const {
-    // A folder that is open for steps alone cannot be synced.
-    const FileDescriptor folder(openat(Number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const FileDescriptor folder = OpenItself();
     if (!folder.IsOpen())
         return errno == EACCES ? std::error_code() : LastError();
     const bool synced = fsync(folder.Number()) == 0 || errno == EINVAL || errno == ENOTSUP;

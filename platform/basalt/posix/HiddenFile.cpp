@@ -1,6 +1,7 @@
 #include "basalt/HiddenFile.h"
 
 #include "basalt/RandomName.h"
+#include "basalt/posix/FileState.h"
 #include "basalt/posix/SystemError.h"
 
 #include <cstdio>
@@ -53,6 +54,13 @@ std::int64_t HiddenFile::Append(const InputFile& source) {
 
 bool HiddenFile::TakeOver(const FileOwnership& ownership) {
     return Note(ownership.GiveTo(file));
+}
+
+bool HiddenFile::Describe(const FileFacts& facts) {
+    const std::error_code reason = ::Describe(file.Number(), facts);
+    if (reason && !failure)
+        failure = reason;
+    return !reason;
 }
 
 bool HiddenFile::Sync() {

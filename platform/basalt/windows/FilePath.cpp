@@ -132,7 +132,7 @@ std::error_code MakeFolderAt(const std::string& path, unsigned permissions) {
     const FolderHandle above(FolderOf(path), FolderHandle::Links::Followed);
     if (!above.IsOpen())
         return above.Failure();
-    return Result(above.MakeFolder(name, permissions));
+    return above.MakeFolder(name, permissions);
 }
 
 std::error_code RemoveFileAt(const std::string& path) {

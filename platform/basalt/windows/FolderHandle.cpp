@@ -38,10 +38,10 @@ FolderHandle FolderHandle::OpenFolder(const std::string& name) const {
 }
 
 /// Permissions are what the folder above hands down.
-bool FolderHandle::MakeFolder(const std::string& name, unsigned /*permissions*/) const {
+std::error_code FolderHandle::MakeFolder(const std::string& name, unsigned /*permissions*/) const {
     const FileDescriptor made(NumberOf(
         OpenIn(HandleOf(Number()), name, {.disposition = FILE_CREATE, .options = FILE_DIRECTORY_FILE})));
-    return made.IsOpen();
+    return Result(made.IsOpen());
 }
 
 std::error_code FolderHandle::Ask(const std::string& name, FileFacts* facts) const {
@@ -63,9 +63,19 @@ std::error_code FolderHandle::RenameToFree(const std::string& name, const std::s
     return Result(file.IsOpen() && Rename(HandleOf(file.Number()), HandleOf(Number()), free, false));
 }
 
+FileDescriptor FolderHandle::OpenItself() const {
+    return FileDescriptor(
+        NumberOf(OpenIn(HandleOf(Number()), ".",
+                        {.access = FILE_ADD_FILE | FILE_WRITE_ATTRIBUTES, .options = FILE_DIRECTORY_FILE})));
+}
+
+std::error_code FolderHandle::Describe(const FileFacts& facts) const {
+    const FileDescriptor folder = OpenItself();
+    return Result(folder.IsOpen() && ::Describe(HandleOf(folder.Number()), facts));
+}
+
 std::error_code FolderHandle::Sync() const {
-    const FileDescriptor folder(
-        NumberOf(OpenIn(HandleOf(Number()), ".", {.access = FILE_ADD_FILE, .options = FILE_DIRECTORY_FILE})));
+    const FileDescriptor folder = OpenItself();
     if (folder.IsOpen() && FlushFileBuffers(HandleOf(folder.Number())) != FALSE)
         return {};
     const DWORD reason = GetLastError();

@@ -74,6 +74,10 @@ bool HiddenFile::TakeOver(const FileOwnership& ownership) {
     return Note(ownership.GiveTo(file));
 }
 
+bool HiddenFile::Describe(const FileFacts& facts) {
+    return Note(::Describe(HandleOf(file.Number()), facts));
+}
+
 bool HiddenFile::Sync() {
     return Note(FlushFileBuffers(HandleOf(file.Number())) != FALSE);
 }

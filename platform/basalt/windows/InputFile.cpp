@@ -45,6 +45,15 @@ bool InputFile::Read(void* data, std::size_t capacity, std::size_t* count) {
     return true;
 }
 
+bool InputFile::MoveTo(std::int64_t byte) {
+    LARGE_INTEGER place{};
+    place.QuadPart = byte;
+    if (SetFilePointerEx(HandleOf(file.Number()), place, nullptr, FILE_BEGIN) != FALSE)
+        return true;
+    failure = LastError();
+    return false;
+}
+
 std::int64_t InputFile::Skip(std::int64_t size) {
     LARGE_INTEGER here{};
     FileFacts facts;

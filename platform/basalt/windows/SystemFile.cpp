@@ -114,10 +114,11 @@ bool LeadsElsewhere(DWORD attributes, DWORD tag) {
     return (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 && IsReparseTagNameSurrogate(tag);
 }
 
+constexpr std::int64_t kTicks = 10'000'000; // of 100 ns, in a second
+constexpr std::int64_t kFrom1601To1970 = 11'644'473'600;
+constexpr std::int64_t kNanosecondsOfATick = 100;
+
 FileFacts Facts(DWORD attributes, DWORD tag, std::uint64_t size, std::int64_t modified) {
-    constexpr std::int64_t kTicks = 10'000'000; // of 100 ns, in a second
-    constexpr std::int64_t kFrom1601To1970 = 11'644'473'600;
-    constexpr std::int64_t kNanosecondsOfATick = 100;
     FileFacts facts;
     const bool isFolder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     facts.kind = LeadsElsewhere(attributes, tag)             ? FileKind::Link
@@ -206,13 +207,29 @@ bool AskHandle(HANDLE handle, FileFacts* facts) {
         {state.ftLastWriteTime.dwLowDateTime, state.ftLastWriteTime.dwHighDateTime}};
     *facts = Facts(state.dwFileAttributes, tag.ReparseTag, size.QuadPart,
                    static_cast<std::int64_t>(modified.QuadPart));
+    facts->id = ULARGE_INTEGER{{state.nFileIndexLow, state.nFileIndexHigh}}.QuadPart;
     return true;
 }
 
 FileFacts FactsOf(const FILE_ID_BOTH_DIR_INFO& entry) {
     // What leads elsewhere has its tag in the place of another size.
-    return Facts(entry.FileAttributes, entry.EaSize, static_cast<std::uint64_t>(entry.EndOfFile.QuadPart),
-                 entry.LastWriteTime.QuadPart);
+    FileFacts facts =
+        Facts(entry.FileAttributes, entry.EaSize, static_cast<std::uint64_t>(entry.EndOfFile.QuadPart),
+              entry.LastWriteTime.QuadPart);
+    facts.id = static_cast<std::uint64_t>(entry.FileId.QuadPart);
+    return facts;
+}
+
+bool Describe(HANDLE handle, const FileFacts& facts) {
+    constexpr unsigned kOwnerWrites = 0200;
+    FILE_BASIC_INFO basic{}; // a time of 0 stays as it is
+    basic.LastWriteTime.QuadPart =
+        (facts.modified + kFrom1601To1970) * kTicks + facts.modifiedFraction / kNanosecondsOfATick;
+    const bool readOnly = facts.kind == FileKind::File && (facts.permissions & kOwnerWrites) == 0;
+    basic.FileAttributes = readOnly                       ? FILE_ATTRIBUTE_READONLY
+                           : facts.kind == FileKind::File ? FILE_ATTRIBUTE_NORMAL
+                                                          : FILE_ATTRIBUTE_DIRECTORY;
+    return SetFileInformationByHandle(handle, FileBasicInfo, &basic, sizeof basic) != FALSE;
 }
 
 bool Rename(HANDLE file, HANDLE folder, const std::string& name, bool replace) {

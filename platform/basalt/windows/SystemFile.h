@@ -36,6 +36,10 @@ struct Opening {
 /// The same from an entry of a folder's list.
 [[nodiscard]] FileFacts FactsOf(const FILE_ID_BOTH_DIR_INFO& entry);
 
+/// Gives an open file or folder the time of modification, and a file its read-only mark; there are no other
+/// permissions.
+[[nodiscard]] bool Describe(HANDLE handle, const FileFacts& facts);
+
 /// Gives an open file another name in a folder. @param access the handle has to allow DELETE
 [[nodiscard]] bool Rename(HANDLE file, HANDLE folder, const std::string& name, bool replace);
 /// Removes an open file or an empty folder, even one that is marked as read-only.

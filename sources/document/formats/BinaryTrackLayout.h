@@ -15,6 +15,10 @@ constexpr std::string_view kMagicWord = "Tra";
 
 constexpr std::int32_t kVersion = 1;
 
+/// Where the number of columns is, that of rows after it, and where the height map begins.
+constexpr std::int64_t kDimensionsOffset = 60;
+constexpr std::int64_t kMapOffset = 68;
+
 /// The heads of the blocks behind the height map.
 constexpr std::int32_t kAnchorTag = 'A';
 constexpr std::int32_t kRulerTag = 'R';

@@ -221,15 +221,50 @@ int ReadInfoFrom(const std::string& path, TrackInfo& info) {
     return 0;
 }
 
-int ReadImageFrom(const std::string& path, const TrackInfo& info, const HeightRamp& ramp, QImage& image) {
-    TrackByteReader bytes(path);
+/// Goes to the height map, which must have the dimensions in `info`.
+/// @return false after an ERROR line when the file is no track of a known version
+bool GoToMap(TrackByteReader& bytes, const std::string& path, const TrackInfo& info) {
     if (!BeginsAsTrack(bytes, path) || !ReadKnownVersion(bytes))
-        return 1;
+        return false;
     TrackInfo header;
     ReadHeader(bytes, header);
     if (header.width != info.width || header.height != info.height)
         throw std::runtime_error("Height map of " + Dimensions(header) + " cells where " + Dimensions(info) +
                                  " were expected");
+    return true;
+}
+
+int ReadRawHeightsFrom(const std::string& path, const TrackInfo& info, HeightMap& heights) {
+    TrackByteReader bytes(path);
+    if (!GoToMap(bytes, path, info))
+        return 1;
+    const auto size = static_cast<std::size_t>(MapSizeInFile(bytes, info));
+    HeightMap read(size / sizeof(std::int16_t));
+    bytes.Read(read.data(), size);
+    heights = std::move(read);
+    return 0;
+}
+
+int ReadAnchorFrom(const std::string& path, TrackInfo& info) {
+    TrackByteReader bytes(path);
+    if (!BeginsAsTrack(bytes, path) || !ReadKnownVersion(bytes))
+        return 1;
+    TrackInfo header;
+    ReadHeader(bytes, header);
+    bytes.Skip(MapSizeInFile(bytes, header));
+    info.anchorX = info.anchorY = info.anchorAngle = 0.0;
+    if (NextTag(bytes) != kAnchorTag)
+        return 0;
+    info.anchorX = bytes.Read<double>();
+    info.anchorY = bytes.Read<double>();
+    info.anchorAngle = bytes.Read<double>();
+    return 0;
+}
+
+int ReadImageFrom(const std::string& path, const TrackInfo& info, const HeightRamp& ramp, QImage& image) {
+    TrackByteReader bytes(path);
+    if (!GoToMap(bytes, path, info))
+        return 1;
     if (!ramp.IsValid()) {
         LOG_LINE(ERROR) << "Invalid depth range for pixel retrieval from CSV";
         return 1;
@@ -332,6 +367,15 @@ int ConvertBIN::ReadImage(const std::string& path, TrackInfo info, double lowHei
 int ConvertBIN::ReadHeightMap(const std::string& /*path*/, TrackInfo /*info*/, HeightMap& /*heights*/,
                               std::int64_t& /*size*/) {
     return -1;
+}
+
+int ConvertBIN::ReadRawHeights(const std::string& path, const TrackInfo& info, HeightMap& heights) {
+    return Guarded("[ReadRawHeightsFromBin] (EXCEPTION) ",
+                   [&] { return ReadRawHeightsFrom(path, info, heights); });
+}
+
+int ConvertBIN::ReadAnchor(const std::string& path, TrackInfo& info) {
+    return Guarded("[ReadAnchorFromBin] (EXCEPTION) ", [&] { return ReadAnchorFrom(path, info); });
 }
 
 int ConvertBIN::ReadPath(const std::string& path, std::vector<TrackPath>& paths) {

@@ -15,6 +15,11 @@ class ConvertBIN final : public Converter {
     /// Not offered: returns -1.
     int ReadHeightMap(const std::string& path, TrackInfo info, HeightMap& heights,
                       std::int64_t& size) override;
+    /// What ReadHeightMap does not offer: the raw heights as the file has them. `info` must have the file's
+    /// dimensions; `heights` is replaced only when all of them were read. @return 0, or 1 on failure.
+    int ReadRawHeights(const std::string& path, const TrackInfo& info, HeightMap& heights);
+    /// What ReadInfo passes over: the anchor; 0, 0, 0 for a file without one. @return 0, or 1 on failure.
+    int ReadAnchor(const std::string& path, TrackInfo& info);
     int ReadPath(const std::string& path, std::vector<TrackPath>& paths) override;
     /// The map's size is that of the dimensions in `info`; `size` is not used. A map with fewer cells, and
     /// paths whose lists are not parallel, are not written: 2.

@@ -15,6 +15,11 @@ class CsvScan {
     [[nodiscard]] bool IsOpen() const { return lines.IsOpen(); }
     [[nodiscard]] std::uint64_t FileSize() const { return lines.FileSize(); }
 
+    /// The byte that the next line starts at.
+    [[nodiscard]] std::uint64_t Position() const { return lines.Position(); }
+    /// Goes to the line that starts at a byte. @throws std::runtime_error when the file cannot be read there
+    void MoveTo(std::uint64_t byte) { lines.MoveTo(byte); }
+
     /// The line that the last operation moved to; it stays until the next.
     [[nodiscard]] const CsvLine& Line() const { return line; }
 

@@ -47,9 +47,17 @@ std::string_view TextLines::TakeLine(std::size_t length, std::size_t lineEnd) {
     std::string_view line(block.data() + begin, length);
     if (!line.empty() && line.back() == '\r')
         line.remove_suffix(1);
+    position += lineEnd - begin;
     begin = lineEnd;
     searched = 0;
     return line;
+}
+
+void TextLines::MoveTo(std::uint64_t byte) {
+    if (!file.MoveTo(static_cast<std::int64_t>(byte)))
+        throw std::runtime_error("The file cannot be read at byte " + std::to_string(byte));
+    position = byte;
+    begin = end = searched = 0;
 }
 
 /// Moves the unfinished line to the front of the block and reads on behind it. @return false at the file's

@@ -23,6 +23,12 @@ class TextLines {
     /// The size of the file in bytes when it was opened.
     [[nodiscard]] std::uint64_t FileSize() const { return fileSize; }
 
+    /// The byte of the file that the next line starts at.
+    [[nodiscard]] std::uint64_t Position() const { return position; }
+
+    /// Goes to the line that starts at a byte. @throws std::runtime_error when the file cannot be read there
+    void MoveTo(std::uint64_t byte);
+
     /// Hands out the next line without its line feed and without a carriage return before it. The bytes stay
     /// until the next call. The rest behind the last line feed is a line unless it is empty.
     /// @return false at the end of the file
@@ -36,6 +42,7 @@ class TextLines {
 
     InputFile file;
     std::uint64_t fileSize = 0;
+    std::uint64_t position = 0;
     std::vector<char> block;
     std::size_t begin = 0;    ///< where the bytes not yet handed out start in the block
     std::size_t end = 0;      ///< behind the last byte read

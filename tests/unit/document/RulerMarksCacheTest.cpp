@@ -82,7 +82,7 @@ TEST_F(RulerMarksOfAll, CountATickNoMoreWhenItsSegmentIsGone) {
     paths[19].points[1] = PathOfTicks(100'000).points[1];
     cache.Follow(PointMoved{{19, 1}, {}});
     paths.push_back(PathOfTicks(90'000));
-    cache.Follow(PathAppended{20});
+    cache.Follow(PathInserted{20});
     Update();
     EXPECT_EQ(paths[19].rulerMarks.at(0).bands.size(), 100'000U);
     EXPECT_EQ(paths[20].rulerMarks.at(0).bands.size(), 90'000U);

@@ -128,6 +128,51 @@ TEST_F(TrackDocumentTest, DeletingAWholePathClosesEveryOther) {
     EXPECT_EQ(document.finishedCount(), 2);
 }
 
+TEST_F(TrackDocumentTest, RemovingAPointOfFewerThanThreeRemovesItsPathAndClosesEveryOther) {
+    document.open(
+        Content({Path({{0.1, 0.1}, {0.2, 0.2}}, 10), Path({{0.3, 0.3}, {0.4, 0.4}, {0.5, 0.4}}, 20)}),
+        "a.trk", TrackOrigin::External);
+    document.addPath({0.6, 0.6});
+    document.removePoint({1, 1});
+    EXPECT_EQ(Paths().at(1).points, (std::vector<QPointF>{{0.3, 0.3}, {0.5, 0.4}}));
+    EXPECT_THAT(Paths()[1].lengths, ElementsAre(20, 20));
+    EXPECT_EQ(document.finishedCount(), 0) << "the path goes on without the point";
+    document.removePoint({0, 0});
+    ASSERT_EQ(Paths().size(), 2U);
+    EXPECT_THAT(Paths()[0].lengths, ElementsAre(20, 20));
+    EXPECT_EQ(document.finishedCount(), 2);
+    document.undo();
+    EXPECT_THAT(Paths().at(0).lengths, ElementsAre(10, 10));
+    EXPECT_EQ(document.finishedCount(), 0);
+}
+
+TEST_F(TrackDocumentTest, BothHalvesOfASegmentHaveItsParameters) {
+    document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}}, 10)}), "a.trk", TrackOrigin::External);
+    document.setParameter({0, 0}, SegmentParameter::Length, 77);
+    document.setParameter({0, 0}, SegmentParameter::Method, 3);
+    document.splitSegment({0, 0}, {0.12, 0.13});
+    ASSERT_EQ(Paths()[0].points.size(), 3U);
+    EXPECT_EQ(Paths()[0].points[1], QPointF(0.12, 0.13));
+    EXPECT_THAT(Paths()[0].methods, ElementsAre(3, 3, 1));
+    EXPECT_THAT(Paths()[0].lengths, ElementsAre(77, 77, 10));
+    EXPECT_THAT(Paths()[0].widths, ElementsAre(11, 11, 11));
+    EXPECT_THAT(Paths()[0].spaces, ElementsAre(12, 12, 12));
+}
+
+TEST_F(TrackDocumentTest, ClosingAllPathsIsOneStep) {
+    document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}}), Path({{0.3, 0.3}, {0.4, 0.4}})}), "a.trk",
+                  TrackOrigin::External);
+    document.closePath();
+    document.addPath({0.5, 0.5});
+    document.closeAllPaths();
+    EXPECT_EQ(document.finishedCount(), 3);
+    const int steps = document.undoDepth();
+    document.closeAllPaths();
+    EXPECT_EQ(document.undoDepth(), steps) << "all are closed";
+    document.undo();
+    EXPECT_EQ(document.finishedCount(), 1);
+}
+
 TEST_F(TrackDocumentTest, ASegmentExistsBetweenTwoPoints) {
     Draw({{0.1, 0.1}, {0.2, 0.1}, {0.2, 0.2}});
     EXPECT_TRUE(document.segmentExists(0, 0));
@@ -186,7 +231,11 @@ TEST_F(TrackDocumentTest, EveryKindOfEditIsOneStep) {
     });
     ExpectOneStep([this] { document.setParameter({0, 1}, SegmentParameter::Space, 9); });
     ExpectOneStep([this] { document.setParameterEverywhere(SegmentParameter::Length, 9); });
-    ExpectOneStep([this] { document.deleteLast(); }); // the path of two points
+    ExpectOneStep([this] { document.splitSegment({0, 1}, {0.25, 0.15}); });
+    ExpectOneStep([this] { document.removePoint({0, 0}); });
+    ExpectOneStep([this] { document.removePoint({1, 0}); }); // the path of two points, before another
+    ExpectOneStep([this] { document.addPath({0.8, 0.8}); });
+    ExpectOneStep([this] { document.deleteLast(); }); // the path of one point
     ExpectOneStep([this] { document.deleteLast(); }); // the last of three points
     ExpectOneStep([this] { document.deleteAll(); });
 }
@@ -345,17 +394,17 @@ TEST_F(TrackDocumentTest, SaysWhatChanged) {
                      [&](const PathsChange& change) { kinds.push_back(change.index()); });
     const auto kindOf = [](const PathsChange& change) { return change.index(); };
     Draw({{0.1, 0.1}, {0.2, 0.1}, {0.3, 0.1}});
-    EXPECT_THAT(kinds, ElementsAre(kindOf(PathAppended{}), kindOf(PointInserted{}), kindOf(PointInserted{}),
+    EXPECT_THAT(kinds, ElementsAre(kindOf(PathInserted{}), kindOf(PointInserted{}), kindOf(PointInserted{}),
                                    kindOf(FinishedCountSet{})));
     kinds.clear();
     document.movePoint({0, 0}, {0.5, 0.5});
     document.deleteLast();
     document.deleteLast();
-    EXPECT_THAT(kinds, ElementsAre(kindOf(PointMoved{}), kindOf(PointRemoved{}), kindOf(LastPathRemoved{}),
+    EXPECT_THAT(kinds, ElementsAre(kindOf(PointMoved{}), kindOf(PointRemoved{}), kindOf(PathRemoved{}),
                                    kindOf(FinishedCountSet{})));
     kinds.clear();
     document.undo();
-    EXPECT_THAT(kinds, ElementsAre(kindOf(PathAppended{}), kindOf(FinishedCountSet{})));
+    EXPECT_THAT(kinds, ElementsAre(kindOf(PathInserted{}), kindOf(FinishedCountSet{})));
 }
 
 TEST_F(TrackDocumentTest, AMoveSaysWhereThePointWas) {
@@ -375,6 +424,12 @@ TEST_F(TrackDocumentTest, MarksFollowEveryStepBackAndForth) {
     Draw({{0.2, 0.3}, {0.7, 0.35}});
     document.movePoint({0, 1}, {0.7, 0.2});
     document.setParameter({1, 0}, SegmentParameter::Space, 11);
+    Draw({{0.3, 0.5}, {0.9, 0.6}, {0.1, 0.7}});
+    document.computeRulerMarks({400, 300}); // from here on they have something to follow from
+    document.splitSegment({0, 0}, {0.4, 0.2});
+    document.removePoint({2, 0});
+    document.computeRulerMarks({400, 300});
+    document.removePoint({1, 0});
     document.deleteLast();
     document.deleteAll();
     const auto expectMarksOfAll = [this] {

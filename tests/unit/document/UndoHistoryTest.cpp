@@ -24,9 +24,9 @@ TEST(UndoHistory, ForgetsTheOldestStepsThatTakeTooMuchMemory) {
     constexpr std::size_t kPoints = 1000;
     UndoHistory history(paths, UndoHistory::kMaxSteps, 3 * kPoints * kBytesOfAPoint);
     for (int path = 0; path < 5; ++path)
-        paths.AppendPath(PathOf(kPoints));
+        paths.InsertPath(path, PathOf(kPoints));
     for (int step = 0; step < 5; ++step)
-        history.Push(std::make_unique<RemoveLastPathStep>());
+        history.Push(std::make_unique<RemovePathStep>(paths.Count() - 1));
     EXPECT_LE(history.Bytes(), 3 * kPoints * kBytesOfAPoint);
     int undone = 0;
     for (; history.CanUndo(); ++undone)
@@ -44,8 +44,8 @@ TEST(UndoHistory, ForgetsTheOldestStepsThatTakeTooMuchMemory) {
 TEST(UndoHistory, AStepThatIsTooLargeAloneCannotBeTakenBack) {
     PathList paths = EmptyList();
     UndoHistory history(paths, UndoHistory::kMaxSteps, 100);
-    paths.AppendPath(PathOf(1000));
-    history.Push(std::make_unique<RemoveLastPathStep>());
+    paths.InsertPath(0, PathOf(1000));
+    history.Push(std::make_unique<RemovePathStep>(0));
     EXPECT_EQ(paths.Count(), 0);
     EXPECT_FALSE(history.CanUndo());
     EXPECT_EQ(history.Bytes(), 0U);
@@ -54,7 +54,7 @@ TEST(UndoHistory, AStepThatIsTooLargeAloneCannotBeTakenBack) {
 TEST(UndoHistory, DoesNotMergeIntoAStepThatItForgot) {
     PathList paths = EmptyList();
     UndoHistory history(paths, UndoHistory::kMaxSteps, 0);
-    paths.AppendPath(PathOf(2));
+    paths.InsertPath(0, PathOf(2));
     history.Push(std::make_unique<MovePointStep>(PointIndex{0, 0}, QPointF(0.5, 0.5)));
     history.Push(std::make_unique<MovePointStep>(PointIndex{0, 0}, QPointF(0.6, 0.6)));
     EXPECT_EQ(paths.Paths()[0].points[0], QPointF(0.6, 0.6));
@@ -68,7 +68,7 @@ TEST(UndoHistory, NamesEveryContentAnewAndTheSameOneAgain) {
     history.Push(std::make_unique<AddPathStep>(PathPoint{}));
     const auto one = history.CurrentRevision();
     EXPECT_NE(one, empty);
-    history.Push(std::make_unique<ClosePathStep>());
+    history.Push(std::make_unique<ClosePathsStep>(1));
     EXPECT_EQ(history.CurrentRevision(), one) << "no file says which paths are closed";
     history.Undo();
     history.Undo();

@@ -36,6 +36,22 @@ TEST(TextLines, hasNoLineInAnEmptyFile) {
     EXPECT_THAT(LinesOf(""), IsEmpty());
 }
 
+TEST(TextLines, saysWhereLinesStartAndGoesBackThere) {
+    const TemporaryFolder folder;
+    WriteFile("a", "a\r\n\nbc\nd");
+    TextLines lines("a");
+    std::vector<std::uint64_t> starts;
+    std::string_view line;
+    do
+        starts.push_back(lines.Position());
+    while (lines.Next(line));
+    EXPECT_THAT(starts, ElementsAre(0, 3, 4, 7, 8));
+    lines.MoveTo(4);
+    ASSERT_TRUE(lines.Next(line));
+    EXPECT_EQ(line, "bc");
+    EXPECT_EQ(lines.Position(), 7U);
+}
+
 TEST(TextLines, dropsACarriageReturnBeforeTheLineEndOnly) {
     EXPECT_THAT(LinesOf("a\r\n\r\nb\rc\nd\r\r\ne\r"), ElementsAre("a", "", "b\rc", "d\r", "e"));
 }

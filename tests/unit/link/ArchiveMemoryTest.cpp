@@ -111,4 +111,43 @@ TEST(ArchiveMemory, aDeclaredLengthThatDoesNotComeTakesNone) {
     EXPECT_LE(peak.Growth(), 20'000'000U);
 }
 
+/// What a server without good intent sends in place of an archive.
+ScriptedReply Attack(const std::string& start, char letter) {
+    ScriptedReply reply;
+    reply.bytes = "HTTP/1.1 200 OK\r\nContent-Type: application/cbor\r\n" + start;
+    reply.filler = 200'000'000;
+    reply.fillerLetter = letter;
+    return reply;
+}
+
+/// Chunks of one byte each, with an extension that is not too long for itself.
+std::string ChunksWithExtensions() {
+    std::string chunks;
+    for (int i = 0; i < 100; ++i)
+        chunks += "1;" + std::string(10'000, 'x') + "\r\n0\r\n";
+    return chunks;
+}
+
+TEST(ArchiveMemory, noByteBesideABodyTakesMemoryWithoutABound) {
+    if (!kMemoryTells)
+        GTEST_SKIP() << "the sanitizer's own memory hides the program's";
+    constexpr std::uint64_t kMostGrowth = 4'000'000;
+    const std::string chunked = "Transfer-Encoding: chunked\r\n\r\n";
+    const TemporaryFolder folder;
+    for (const auto& [name, attack] :
+         {std::pair{"an endless field", Attack("X: ", 'x')},
+          std::pair{"an endless chunk extension", Attack(chunked + "1;", 'x')},
+          std::pair{"an endless chunk size", Attack(chunked, '0')},
+          std::pair{"an endless trailer", Attack(chunked + "0\r\nX: ", 'x')},
+          std::pair{"chunks with extensions", Attack(chunked + ChunksWithExtensions(), 'x')}}) {
+        const ScriptedServer server(std::map<std::string, ScriptedReply>{
+            {"/system/info", JsonReply("{}")}, {"/system/commands/archive", attack}});
+        OstraSdkClient client;
+        client.Connect("127.0.0.1", server.Port());
+        const PeakMemory peak;
+        EXPECT_THROW(client.Backup("Ostra.osbak"), std::exception) << name;
+        EXPECT_LE(peak.Growth(), kMostGrowth) << name;
+    }
+}
+
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "DiscoveryResponder.h"
 #include "FileSizeLimit.h"
+#include "LogCapture.h"
 #include "LoopbackSocket.h"
 #include "ScriptedServer.h"
 #include "TemporaryFolder.h"
@@ -535,8 +536,40 @@ TEST(ReadFileBuffer, failsForAFileThatNoRequestCanCarry) {
     if (error)
         GTEST_SKIP() << "this file system has no files of 4 GB";
     std::vector<std::uint8_t> buffer;
+    LogCapture log;
     ExpectThrown([&] { OstraSdkClient::ReadFileBuffer("huge", buffer); }, -997, "ReadFileBuffer",
                  "Failed to open huge.");
+    EXPECT_THAT(log.Lines(),
+                ElementsAre("INFO: Failed to open huge. - it has 4294967297 bytes, and a request "
+                            "carries no more than 4 GiB"));
+}
+
+TEST(OstraSdkClient, tellsTheLogWhyItFailed) {
+    const TemporaryFolder folder;
+    const ScriptedServer server(
+        WillingExcept("/system/commands/archive",
+                      HttpReply(500, "application/json", R"({"error":"The workspace cannot be read."})")));
+    OstraSdkClient client;
+    LogCapture log;
+    EXPECT_THROW(client.Connect("127.0.0.1", ClosedPort()), Ve::Exception);
+    EXPECT_THAT(log.Lines(),
+                ElementsAre("INFO: Failed to connect the OstraServer (127.0.0.1). - Connection refused"));
+    client.Connect("127.0.0.1", server.Port());
+    EXPECT_THROW(client.Backup("Ostra.osbak"), Ve::Exception);
+    EXPECT_THAT(log.Lines(),
+                ElementsAre("INFO: Failed to call the Backup request. - The server answered 500: "
+                            "The workspace cannot be read."));
+    std::vector<std::uint8_t> buffer;
+    EXPECT_THROW(OstraSdkClient::ReadFileBuffer("missing", buffer), Ve::Exception);
+    EXPECT_THAT(log.Lines(), ElementsAre("INFO: Failed to open missing. - No such file or directory"));
+    const ScriptedServer good(WillingReplies());
+    client.Connect("127.0.0.1", good.Port());
+    EXPECT_THROW(client.Backup("missing/Ostra.osbak"), Ve::Exception);
+    EXPECT_THAT(
+        log.Lines(),
+        ElementsAre("INFO: Failed to open the file - missing/Ostra.osbak - No such file or directory"));
+    client.Disconnect();
+    EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
 // Discovery

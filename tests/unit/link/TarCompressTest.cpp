@@ -3,6 +3,7 @@
 #include "FailingAllocator.h"
 #include "FileSizeLimit.h"
 #include "FolderTree.h"
+#include "LogCapture.h"
 #include "OrdinaryUser.h"
 #include "RunTool.h"
 #include "TemporaryFolder.h"
@@ -20,6 +21,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using testing::ElementsAre;
 using testing::IsSupersetOf;
 
 /// How packing ends: status, message and function of its failure, or "packed".
@@ -228,6 +230,21 @@ TEST(TarCompress, takesALittleMemoryForALargeFile) {
     EXPECT_EQ(Packing("tree", "out.tar"), "packed");
     getrusage(RUSAGE_SELF, &after);
     EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 16 * 1024) << "kilobytes";
+}
+
+TEST(TarCompress, tellsTheLogWhyItFailed) {
+    const TemporaryFolder folder;
+    fs::create_directory("tree");
+    WriteFile("tree/large", std::string(300'000, 'l'));
+    LogCapture log;
+    {
+        const FileSizeLimit limit(100'000);
+        EXPECT_THROW(TarCompress("tree", "out.tar", bAlloc_Application()), Ve::Exception);
+    }
+    EXPECT_THAT(log.Lines(), ElementsAre("INFO: Failed to write tree/large - File too large"));
+    EXPECT_THROW(TarCompress("tree", "missing/out.tar", bAlloc_Application()), Ve::Exception);
+    EXPECT_THAT(log.Lines(),
+                ElementsAre("INFO: Failed to construct missing/out.tar - No such file or directory"));
 }
 
 } // namespace

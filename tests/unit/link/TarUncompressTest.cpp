@@ -16,8 +16,10 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <map>
 #include <set>
 
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -313,7 +315,8 @@ TEST(TarUncompress, ofADamagedArchiveGivesWhatStandsBeforeAndALineInTheLog) {
     spoilt.spoiltChecksum = true;
     EXPECT_EQ(UnpackingOf(TarFile("a", "x") + TarBlocks(spoilt) + TarFile("c", "x") + TarEnd()), "unpacked");
     EXPECT_EQ(FolderTree("out"), (Tree{{"a", "x"}}));
-    EXPECT_THAT(log.Lines(), ElementsAre("ERROR: (ERROR_FORMAT) The archive is damaged - in.tar"));
+    EXPECT_THAT(log.Lines(), ElementsAre("INFO: The archive is damaged - Damaged tar archive at byte 1536",
+                                         "ERROR: (ERROR_FORMAT) The archive is damaged - in.tar"));
     EXPECT_EQ(UnpackingOf(TarFile("a", "x") + TarEnd()), "unpacked");
     EXPECT_THAT(log.Lines(), IsEmpty());
     EXPECT_EQ(UnpackingOf(""), "unpacked");
@@ -338,7 +341,35 @@ TEST(TarUncompress, failsWhereTheArchiveIsNotAtItsEndButCannotBeReadOn) {
         EXPECT_EQ(FolderTree("out"), (Tree{{"a", "x"}})) << end;
     }
     endBehindTheFirstEntry = bOK;
-    EXPECT_THAT(log.Lines(), ElementsAre("ERROR: (ERROR_FORMAT) The archive is damaged - in.tar"));
+    std::vector<std::string> errors = log.Lines();
+    std::erase_if(errors, [](const std::string& line) { return line.starts_with("INFO"); });
+    EXPECT_THAT(errors, ElementsAre("ERROR: (ERROR_FORMAT) The archive is damaged - in.tar"));
+}
+
+TEST(TarUncompress, tellsTheLogWhyItFailed) {
+    const TemporaryFolder folder;
+    LogCapture log;
+    WriteFile("in.tar", TarFile("large", std::string(300'000, 'l')) + TarEnd());
+    {
+        const FileSizeLimit limit(200'000);
+        EXPECT_NE(Unpacking("in.tar", "out"), "unpacked");
+    }
+    EXPECT_THAT(log.Lines(), ElementsAre("INFO: Failed to write out/large - File too large"));
+    EXPECT_NE(UnpackingOf(TarFile("../evil", "x") + TarEnd()), "unpacked");
+    EXPECT_THAT(log.Lines(),
+                ElementsAre("INFO: Failed to open file - out/../evil - the name leads outside, is no "
+                            "file's, or nests too deep"));
+    TarBlockEntry lie;
+    lie.name = "lie";
+    lie.size = 100'000;
+    EXPECT_NE(UnpackingOf(TarBlocks(lie) + TarEnd()), "unpacked");
+    EXPECT_THAT(log.Lines(),
+                ElementsAre("INFO: Failed to read item - lie - an entry claims more bytes than the "
+                            "archive can hold at byte 512"));
+    EXPECT_NE(Unpacking("in.tar", "missing/out"), "unpacked");
+    EXPECT_THAT(
+        log.Lines(),
+        ElementsAre("INFO: Failed to create the directory - missing/out - No such file or directory"));
 }
 
 TEST(TarUncompress, strictlyTakesNothingThatIsCutOrDamaged) {
@@ -398,9 +429,120 @@ TEST(TarUncompress, givesPermissionsWithin0777AndTheOwnerTheFile) {
         EXPECT_EQ(stat(path, &state), 0);
         return state.st_mode & 07777U;
     };
-    EXPECT_EQ(mode("out/suid"), 0755U);
+    EXPECT_EQ(mode("out/suid"), 0777U);
     EXPECT_EQ(mode("out/closed"), 0700U);
-    EXPECT_EQ(mode("out/secret"), 0600U);
+    EXPECT_EQ(mode("out/secret"), 0400U);
+    EXPECT_EQ(mode("out"), 0700U) << "so that nobody else reaches what everybody may write";
+}
+
+/// Permissions and time, in seconds, of what a path names.
+std::string FactsOf(const std::string& path) {
+    struct stat state {};
+    EXPECT_EQ(lstat(path.c_str(), &state), 0) << path;
+    return std::to_string(state.st_mode & 07777U) + " " + std::to_string(state.st_mtim.tv_sec);
+}
+
+TEST(TarUncompress, permissionsAndTimesSurvivePackingAndUnpacking) {
+    const TemporaryFolder folder;
+    fs::create_directories("tree/a/b");
+    fs::create_directories("tree/c");
+    const std::map<std::string, mode_t> modes{{"a/private", 0600}, {"a/b/run", 0755},  {"a/read", 0444},
+                                              {"c/all", 0666},     {"c/secret", 0400}, {"top", 0640},
+                                              {"a/b", 0711},       {"a", 0700},        {"c", 0777}};
+    for (const auto& [name, mode] : modes)
+        if (!fs::is_directory("tree/" + name))
+            WriteFile("tree/" + name, name);
+    std::map<std::string, std::string> facts;
+    time_t time = 1'000'000'000;
+    for (const char* const name :
+         {"a/private", "a/b/run", "a/read", "c/all", "c/secret", "top", "a/b", "a", "c"}) {
+        const std::string path = "tree/" + std::string(name);
+        ASSERT_EQ(chmod(path.c_str(), modes.at(name)), 0);
+        const timespec times[2] = {{time, 0}, {time, 0}};
+        ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+        time += 1000;
+        facts[name] = FactsOf(path);
+    }
+    TarCompress("tree", "in.tar", bAlloc_Application());
+    umask(077);
+    EXPECT_EQ(Unpacking("in.tar", "out"), "unpacked");
+    umask(022);
+    for (const auto& [name, expected] : facts)
+        EXPECT_EQ(FactsOf("out/" + name), expected) << name;
+}
+
+TEST(TarUncompress, aFolderHasItsTimeWhateverComesIntoItLater) {
+    const TemporaryFolder folder;
+    const std::string early = TarFolder("a");
+    ASSERT_EQ(UnpackingOf(early + TarFolder("b") + TarFile("b/x", "x") + TarFile("a/y", "y") +
+                          TarFolder("a/c") + TarFile("b/z", "z") + TarEnd()),
+              "unpacked");
+    for (const char* const name : {"out/a", "out/b", "out/a/c"})
+        EXPECT_EQ(FactsOf(name), std::to_string(0755) + " 1700000000") << name;
+}
+
+LeftOut Reported(const std::string& archive) {
+    WriteFile("in.tar", archive);
+    return TarUncompressReporting("in.tar", "out", bAlloc_Application());
+}
+
+TEST(TarUncompress, copiesAHardLinkToAnEntryOfTheArchive) {
+    const TemporaryFolder folder;
+    TarBlockEntry first;
+    first.name = "a/first";
+    first.content = "content";
+    first.mode = 0640;
+    const LeftOut leftOut = Reported(TarFolder("a") + TarBlocks(first) + TarLink("a/second", '1', "a/first") +
+                                     TarLink("third", '1', "./a//second") + TarEnd());
+    EXPECT_EQ(leftOut, LeftOut());
+    EXPECT_EQ(FolderTree("out"),
+              (Tree{{"a/", ""}, {"a/first", "content"}, {"a/second", "content"}, {"third", "content"}}));
+    EXPECT_EQ(FactsOf("out/third"), FactsOf("out/a/first"));
+    EXPECT_EQ(fs::hard_link_count("out/third"), 1U) << "changing one must not change the other";
+}
+
+TEST(TarUncompress, readsHardLinksOfOtherTools) {
+    const TemporaryFolder folder;
+    fs::create_directory("tree");
+    WriteFile("tree/a", "content");
+    fs::create_hard_link("tree/a", "tree/b");
+    for (const char* const tool : {"tar -cf in.tar -C tree a b", "bsdtar -cf in.tar -C tree a b",
+                                   "bsdtar -cf in.tar --format=pax -C tree a b"}) {
+        ASSERT_EQ(RunTool(tool), "");
+        EXPECT_EQ(Unpacking("in.tar", "out"), "unpacked");
+        EXPECT_EQ(FolderTree("out"), (Tree{{"a", "content"}, {"b", "content"}})) << tool;
+    }
+}
+
+TEST(TarUncompress, countsAndNamesWhatItLeavesOutInTheLog) {
+    const TemporaryFolder folder;
+    WriteFile("outside", "secret");
+    LogCapture log;
+    const LeftOut leftOut =
+        Reported(TarFile("a", "x") + TarLink("up", '1', "../outside") + TarLink("link", '2', "a") +
+                 TarLink("fifo", '6', "") + TarLink("missing", '1', "b") + TarLink("through", '1', "link") +
+                 TarFolder("folder") + TarLink("toFolder", '1', "folder") + TarEnd());
+    EXPECT_EQ(leftOut.count, 6);
+    EXPECT_THAT(leftOut.names,
+                testing::UnorderedElementsAre("up", "link", "fifo", "missing", "through", "toFolder"));
+    EXPECT_EQ(FolderTree("out"), (Tree{{"a", "x"}, {"folder/", ""}}));
+    EXPECT_THAT(log.Lines(), testing::Contains("INFO: Links and special files left out of in.tar: 6 (up, "
+                                               "missing, through, toFolder, link, fifo)"));
+}
+
+TEST(TarUncompress, namesAHundredOfThoseThatItLeavesOut) {
+    const TemporaryFolder folder;
+    std::string links;
+    for (int i = 0; i < 150; ++i)
+        links += TarLink("l" + std::to_string(i), '2', "a");
+    LogCapture log;
+    const LeftOut leftOut = Reported(links + TarEnd());
+    EXPECT_EQ(leftOut.count, 150);
+    EXPECT_EQ(leftOut.names.size(), 100U);
+    const std::vector<std::string> lines = log.Lines();
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_THAT(lines[0], testing::HasSubstr(": 150 (l0, l1, "));
+    EXPECT_THAT(lines[0], testing::EndsWith(", l99, ...)"));
 }
 
 TEST(TarUncompress, needsAnArchiveThatExists) {

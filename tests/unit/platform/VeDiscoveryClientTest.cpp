@@ -148,6 +148,14 @@ TEST(VeDiscoveryClient, ignoresDatagramsThatAreNoAnswers) {
                 ElementsAre("9@10.0.0.9:3600"));
 }
 
+TEST(VeDiscoveryClient, ignoresAddressesThatAreNoSingleMachines) {
+    EXPECT_THAT(FoundOf({DiscoveryAnswer(1, "0.0.0.0", 3600), DiscoveryAnswer(2, "224.0.0.1", 3600),
+                         DiscoveryAnswer(3, "239.255.255.250", 3600), DiscoveryAnswer(4, "240.0.0.1", 3600),
+                         DiscoveryAnswer(5, "255.255.255.255", 3600), DiscoveryAnswer(6, "127.0.0.1", 3600),
+                         DiscoveryAnswer(7, "223.255.255.1", 3600)}),
+                ElementsAre("6@127.0.0.1:3600", "7@223.255.255.1:3600"));
+}
+
 TEST(VeDiscoveryClient, acceptsAnAnswerOfTheLargestSize) {
     std::string answer = DiscoveryAnswer(9, "10.0.0.9", 3600);
     answer.insert(answer.size() - 1, 65507 - answer.size(), ' ');

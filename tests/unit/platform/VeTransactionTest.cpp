@@ -3,10 +3,10 @@
 #include "LoopbackSocket.h"
 #include "ScriptedServer.h"
 #include "ThrownBy.h"
-#include "basalt/ContentDigest.h"
-#include "basalt/Crc32c.h"
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
+#include "wire/ContentDigest.h"
+#include "wire/Crc32c.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -273,8 +273,23 @@ TEST(VeTransaction, failsForWhatIsNoHttp) {
 }
 
 TEST(VeTransaction, failsForEveryStatusButTwoHundred) {
-    for (const int status : {100, 199, 201, 204, 206, 301, 304, 400, 404, 500, 503, 999})
+    for (const int status : {201, 204, 206, 301, 304, 400, 404, 500, 503, 999})
         EXPECT_EQ(StatusOf(HttpReply(status, "application/json", R"({"a":1})")), bERROR_REFUSED) << status;
+}
+
+TEST(VeTransaction, passesOverWhatTheServerSaysBeforeItsReply) {
+    const std::string final = JsonReply(R"({"a":1})").bytes;
+    for (const std::string before :
+         {"HTTP/1.1 100 Continue\r\n\r\n", "HTTP/1.1 102 Processing\r\nA: b\r\n\r\n",
+          "HTTP/1.1 100 \r\n\r\nHTTP/1.1 199 \r\nContent-Length: 5\r\n\r\n"}) {
+        const ScriptedServer server(Raw(before + final));
+        EXPECT_EQ(Get(server.Port()).At("a").Get<std::int64_t>(), 1) << before;
+        EXPECT_EQ(StatusOf(Raw(before)), bERROR_CONNECTION) << before;
+    }
+    std::string endless;
+    for (int i = 0; i < 1000; ++i)
+        endless += "HTTP/1.1 100 Continue\r\n\r\n";
+    EXPECT_EQ(StatusOf(Raw(endless + final)), bERROR_LIMIT);
 }
 
 TEST(VeTransaction, tellsTheWordsOfAServerThatRefuses) {
@@ -297,6 +312,19 @@ TEST(VeTransaction, takesTheReplyOfAServerThatDoesNotReadTheRequest) {
     EXPECT_EQ(e.Status(), bERROR_REFUSED);
     EXPECT_THAT(e.what(), HasSubstr("too large"));
     EXPECT_LT(std::chrono::steady_clock::now() - start, 10s);
+}
+
+TEST(VeTransaction, failsWhenTheServerSucceedsBeforeItHasTheWholeRequest) {
+    ScriptedReply reply = JsonReply("{}");
+    reply.closes = false;
+    ScriptedServer server(reply);
+    server.LeaveBodiesUnread();
+    VeJson body;
+    body.Set("data", VeJson::Bytes(50'000'000, 'x'));
+    const Ve::Exception e =
+        ThrownBy([&] { ClientOf(server.Port()).Call("/a", body, VeJson()).CheckResponse(kPlenty); });
+    EXPECT_EQ(e.Status(), bERROR_CONNECTION);
+    EXPECT_THAT(e.what(), HasSubstr("before it had the whole request"));
 }
 
 // Time-outs
@@ -334,7 +362,7 @@ TEST(VeTransaction, keepsItsTimeoutWithAServerThatStopsHalfWay) {
 
 TEST(VeTransaction, keepsItsTimeoutWithAServerThatNeverStopsSending) {
     ScriptedReply endless =
-        Raw("HTTP/1.1 500 No\r\nContent-Type: application/cbor\r\n\r\n" + CborDataHead(1ULL << 40U));
+        Raw("HTTP/1.1 200 OK\r\nContent-Type: application/cbor\r\n\r\n" + CborDataHead(1ULL << 30U));
     endless.filler = 1ULL << 40U;
     endless.pieceSize = 1000;
     endless.pause = 1ms;

@@ -168,7 +168,7 @@ TEST_F(WindowsFiles, HaveNoNamesThatTheSystemTakesForSomethingElse) {
         HiddenFile file(handle, 0600);
         ASSERT_TRUE(file.IsOpen());
         EXPECT_FALSE(file.Keep(name)) << name;
-        EXPECT_FALSE(handle.MakeFolder(name, 0700)) << name;
+        EXPECT_EQ(handle.MakeFolder(name, 0700), std::errc::invalid_argument) << name;
         EXPECT_FALSE(handle.OpenFolder(name).IsOpen()) << name;
         EXPECT_FALSE(InputFile(handle, name).IsOpen()) << name;
         FileFacts facts;
@@ -176,20 +176,20 @@ TEST_F(WindowsFiles, HaveNoNamesThatTheSystemTakesForSomethingElse) {
     }
     EXPECT_THAT(NamesIn(folder), IsEmpty());
     for (const char* name : {"CONSOLE", "NULL.txt", "COM", "COM10", "name.trk", "a b", ".hidden"})
-        EXPECT_TRUE(handle.MakeFolder(name, 0700)) << name;
+        EXPECT_FALSE(handle.MakeFolder(name, 0700)) << name;
 }
 
 TEST_F(WindowsFiles, AreNotReplacedByNamesThatDifferOnlyInCase) {
     const FolderHandle handle(folder, FolderHandle::Links::Followed);
     Put(In("Track.trk"), "old");
-    ASSERT_TRUE(handle.MakeFolder("Folder", 0700));
+    ASSERT_FALSE(handle.MakeFolder("Folder", 0700));
     FileFacts facts;
     EXPECT_FALSE(handle.Ask("Track.trk", &facts));
     EXPECT_EQ(facts.size, 3);
     EXPECT_EQ(handle.Ask("track.TRK", &facts), std::errc::file_exists);
     EXPECT_EQ(handle.Ask("other", &facts), std::errc::no_such_file_or_directory);
     EXPECT_FALSE(InputFile(handle, "track.TRK").IsOpen());
-    EXPECT_FALSE(handle.MakeFolder("FOLDER", 0700));
+    EXPECT_EQ(handle.MakeFolder("FOLDER", 0700), std::errc::file_exists);
     EXPECT_FALSE(handle.OpenFolder("FOLDER").IsOpen());
     EXPECT_TRUE(handle.OpenFolder("Folder").IsOpen());
     EXPECT_EQ(handle.RenameToFree("Track.trk", "FOLDER"), std::errc::file_exists);
@@ -213,6 +213,25 @@ TEST_F(WindowsFiles, AreRenamedRemovedAndReplacedInTheirFolder) {
     EXPECT_FALSE(handle.RemoveFile("two"));
     EXPECT_THAT(NamesIn(folder), IsEmpty());
     EXPECT_FALSE(handle.Sync());
+}
+
+TEST_F(WindowsFiles, HaveTheTimeAndTheMarkThatTheyAreGiven) {
+    const FolderHandle handle(folder, FolderHandle::Links::Followed);
+    constexpr std::int64_t kTime = 1'234'567'890;
+    {
+        HiddenFile file(handle, 0600);
+        EXPECT_TRUE(file.Describe({.modified = kTime, .modifiedFraction = 500, .permissions = 0444}));
+        EXPECT_TRUE(file.Keep("file"));
+    }
+    FileFacts facts;
+    EXPECT_FALSE(handle.Ask("file", &facts));
+    EXPECT_EQ(facts.modified, kTime);
+    EXPECT_EQ(facts.modifiedFraction, 500);
+    EXPECT_EQ(facts.permissions, 0444U);
+    EXPECT_FALSE(handle.Describe({.kind = FileKind::Folder, .modified = kTime, .permissions = 0755}));
+    EXPECT_FALSE(handle.Ask(".", &facts));
+    EXPECT_EQ(facts.modified, kTime);
+    EXPECT_EQ(facts.kind, FileKind::Folder);
 }
 
 TEST_F(WindowsFiles, AreListedAllOfThem) {

@@ -1,0 +1,43 @@
+#include "canvas/SegmentFinder.h"
+
+#include "canvas/PointFinder.h"
+
+#include <algorithm>
+
+namespace {
+
+/// The place on the segment from `from` to `to` that is nearest to the cursor on the canvas.
+QPointF NearestOn(const QPointF& from, const QPointF& to, const CanvasScale& scale, const QPointF& cursor) {
+    const QSizeF canvas = scale.Canvas();
+    const auto onCanvas = [&](const QPointF& vector) {
+        return QPointF(vector.x() * canvas.width(), vector.y() * canvas.height());
+    };
+    const QPointF along = onCanvas(to - from);
+    const double squaredLength = QPointF::dotProduct(along, along);
+    if (!(squaredLength > 0.0))
+        return from;
+    const double part = QPointF::dotProduct(cursor - onCanvas(from), along) / squaredLength;
+    return from + (to - from) * std::clamp(part, 0.0, 1.0);
+}
+
+} // namespace
+
+std::optional<SegmentPlace> FindSegment(const std::vector<TrackPath>& paths, const CanvasScale& scale,
+                                        const QPointF& cursor) {
+    std::optional<SegmentPlace> nearest;
+    double limit = kHitRadius;
+    const QSizeF canvas = scale.Canvas();
+    for (std::size_t path = 0; path < paths.size(); ++path) {
+        const std::vector<QPointF>& points = paths[path].points;
+        for (std::size_t point = 0; point + 1 < points.size(); ++point) {
+            const QPointF place = NearestOn(points[point], points[point + 1], scale, cursor);
+            const double distance =
+                Distance({place.x() * canvas.width(), place.y() * canvas.height()}, cursor);
+            if (!(distance < limit))
+                continue;
+            limit = distance;
+            nearest = {{static_cast<int>(path), static_cast<int>(point)}, place};
+        }
+    }
+    return nearest;
+}

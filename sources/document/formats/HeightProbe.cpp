@@ -1,0 +1,90 @@
+#include "document/formats/HeightProbe.h"
+
+#include "basalt/FilePath.h"
+#include "document/formats/BinaryTrackLayout.h"
+#include "document/formats/HeightMap.h"
+#include "document/formats/SampleScale.h"
+#include "document/formats/TrackByteReader.h"
+#include "document/formats/TrackEncoding.h"
+#include "log/Log.h"
+
+#include <cmath>
+#include <exception>
+#include <system_error>
+
+namespace {
+
+/// Whether a binary file has a map of these dimensions.
+bool HasBinaryMap(const std::string& file, int columns, int rows) {
+    TrackByteReader bytes(file);
+    bytes.Skip(BinaryTrackLayout::kDimensionsOffset);
+    return bytes.Read<std::int32_t>() == columns && bytes.Read<std::int32_t>() == rows;
+}
+
+} // namespace
+
+void HeightProbe::Open(const std::string& path, const TrackInfo& info) {
+    Close();
+    try {
+        file = path;
+        identity = IdentityOf(file);
+        if (EncodingOf(file) == TrackEncoding::Text)
+            text.emplace(file, std::max(info.width, 1));
+        else if (!HasBinaryMap(file, info.width, info.height))
+            return;
+        columns = info.width;
+        rows = info.height;
+        zResolution = info.zResolution;
+        zOffset = info.zOffset;
+    } catch (const std::exception& failure) {
+        LOG_LINE(WARNING) << "No single heights can be read (" << failure.what() << ")";
+        Close();
+    }
+}
+
+void HeightProbe::Close() {
+    text.reset();
+    columns = 0;
+    rows = 0;
+}
+
+bool HeightProbe::Prepare(std::chrono::microseconds time) {
+    try {
+        return text && text->Prepare(time);
+    } catch (const std::exception& failure) {
+        LOG_LINE(WARNING) << "No single heights can be read (" << failure.what() << ")";
+        Close();
+        return false;
+    }
+}
+
+CellHeight HeightProbe::At(int column, int row) const {
+    if (column < 0 || column >= columns || row < 0 || row >= rows)
+        return {};
+    try {
+        if (!(IdentityOf(file) == identity))
+            return {};
+        return text ? text->At(column, row) : BinaryHeightAt(column, row);
+    } catch (const std::exception&) {
+        return {}; // asked for with every move of the mouse: a line in the log for each would drown the rest
+    }
+}
+
+FileFacts HeightProbe::IdentityOf(const std::string& file) {
+    FileFacts facts;
+    if (const std::error_code failure = AskPath(file, &facts))
+        throw std::system_error(failure, file);
+    facts.permissions = 0; // they say nothing about the content
+    return facts;
+}
+
+CellHeight HeightProbe::BinaryHeightAt(int column, int row) const {
+    TrackByteReader bytes(file);
+    bytes.Skip(BinaryTrackLayout::kMapOffset +
+               (std::int64_t{row} * columns + column) * std::int64_t{sizeof(std::int16_t)});
+    const auto sample = bytes.Read<std::int16_t>();
+    const double height = SampleScale{zResolution, zOffset}.HeightOf(sample);
+    if (sample == kNoMeasurement || !std::isfinite(height))
+        return {CellHeight::Kind::NotMeasured, 0.0};
+    return {CellHeight::Kind::Measured, height};
+}

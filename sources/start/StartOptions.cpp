@@ -1,0 +1,50 @@
+#include "start/StartOptions.h"
+
+#include <array>
+#include <string_view>
+
+namespace {
+
+struct Option {
+    std::string_view name;
+    StartMode mode;
+};
+
+constexpr std::array kOptions{
+    Option{"--desktop", StartMode::DesktopWindow},
+    Option{"--running", StartMode::Running},
+    Option{"--help", StartMode::Help},
+    Option{"-h", StartMode::Help},
+    Option{"--version", StartMode::Version},
+    Option{"--display", StartMode::Display},
+};
+
+} // namespace
+
+StartMode StartModeOf(int count, const char* const* arguments) {
+    for (int i = 1; i < count; ++i) {
+        for (const Option& option : kOptions) {
+            if (arguments[i] == option.name)
+                return option.mode;
+        }
+    }
+    return StartMode::Window;
+}
+
+QString UsageText() {
+    return QStringLiteral(
+        "Usage: corvane [--desktop]\n\n"
+        "Opens the editor for track files in the current folder, where it keeps its log and\n"
+        "its working files. A second copy of the same user ends at once.\n\n"
+        "Options:\n"
+        "  --desktop   work in ~/Corvane, made when it is missing, and show in a box what\n"
+        "              keeps the editor from opening\n"
+        "  --running   say whether a copy runs; ends with 0 when one does, else with 1\n"
+        "  -h, --help  show this help\n"
+        "  --version   show the version\n\n"
+        "Qt's own options, such as -platform and -style, are understood too.\n");
+}
+
+QString VersionText() {
+    return QStringLiteral("corvane " CORVANE_VERSION "\n");
+}

@@ -1,0 +1,102 @@
+#include "tools/backup/BackupWalk.h"
+
+#include "cinder/TarName.h"
+
+#include <array>
+#include <new>
+
+namespace {
+
+std::string PlainName(const std::string& name) {
+    std::string plain;
+    for (const std::string& part : TarNameParts(name))
+        plain += (plain.empty() ? "" : "/") + part;
+    return plain;
+}
+
+std::string ReasonFor(bStatus status) {
+    switch (status) {
+    case bERROR_FORMAT:
+    case bERROR_FILE:
+        return "the archive is damaged or cut short";
+    case bERROR_TOO_LONG:
+        return "a name is too long";
+    case bERROR_LIMIT:
+        return "there are too many entries";
+    case bERROR_MEMORY:
+        throw std::bad_alloc();
+    default:
+        return "the archive cannot be read on";
+    }
+}
+
+bOwned<bTar> OpenArchive(bFile* file) {
+    bTar* tar = nullptr;
+    if (const bStatus status = bTar_Construct(&tar, file, bFile_READ, bAlloc_Application()); status != bOK)
+        throw BackupDamage(ReasonFor(status));
+    return bOwned<bTar>(tar);
+}
+
+/// Goes through one archive of the two.
+class Walk {
+  public:
+    Walk(bFile* archive, bool isWorkspace, const EntryVisitor& visit)
+        : tar(OpenArchive(archive)), isWorkspace(isWorkspace), visit(visit) {}
+
+    /// @return how many entries were passed over
+    std::int64_t Run() {
+        std::array<char, bTar_NAME_SIZE> name{};
+        int kind = 0;
+        std::int64_t size = 0;
+        bStatus status = bOK;
+        while ((status = bTar_BeginRead(tar.get(), name.data(), name.size(), &kind, &size)) == bOK) {
+            const std::string plain = PlainName(name.data());
+            last = PrintableTarName(plain);
+            Take({isWorkspace, plain, kind != bTar_FILE, size, bTar_Permissions(tar.get()),
+                  IsNarrowTarName(name.data()) && !plain.empty()});
+        }
+        if (status != bERROR_END)
+            throw BackupDamage((isWorkspace ? "workspace: " : "") + ReasonFor(status) +
+                               (last.empty() ? "" : " after " + last));
+        return passedOver + bTar_PassedOver(tar.get());
+    }
+
+  private:
+    void Take(const BackupEntry& entry) {
+        visit(entry, EntryContent(tar.get(), last));
+        if (!isWorkspace && !entry.isFolder && entry.name == kWorkspaceArchive)
+            WalkWorkspace(entry.size);
+    }
+
+    void WalkWorkspace(std::int64_t size) {
+        const auto source = [this](char* /*room*/, std::size_t /*capacity*/, std::string_view* block) {
+            *block = {};
+            const bStatus status = bTar_ReadBlock(tar.get(), block);
+            return status == bERROR_END ? bOK : status;
+        };
+        bFile* opened = nullptr;
+        if (bFile_ConstructOver(&opened, source, size, bAlloc_Application()) != bOK)
+            throw std::bad_alloc();
+        const bOwned<bFile> inner(opened);
+        passedOver += Walk(inner.get(), true, visit).Run();
+    }
+
+    bOwned<bTar> tar;
+    bool isWorkspace;
+    const EntryVisitor& visit;
+    std::string last; ///< the name of the entry, fit for a message
+    std::int64_t passedOver = 0;
+};
+
+} // namespace
+
+bool EntryContent::Next(std::string_view* block) const {
+    const bStatus status = bTar_ReadBlock(tar, block);
+    if (status != bOK && status != bERROR_END)
+        throw BackupDamage(name + ": " + ReasonFor(status));
+    return status == bOK;
+}
+
+std::int64_t WalkBackup(bFile* archive, const EntryVisitor& visit) {
+    return Walk(archive, false, visit).Run();
+}

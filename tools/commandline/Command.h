@@ -1,0 +1,37 @@
+#pragma once
+
+#include "tools/commandline/Arguments.h"
+#include "tools/commandline/Failure.h"
+
+#include <QString>
+
+#include <vector>
+
+/// What the command line layer knows of a command: help, completion and the check of its arguments are made
+/// from this.
+struct CommandText {
+    QString name;      ///< "info", or "paths export"
+    QString summary;   ///< one line, without a full stop
+    QString arguments; ///< "TRACK..."
+    int least = 1;     ///< words that are needed
+    int most = 1;      ///< words that are taken; -1 for any number
+    QString details;   ///< paragraphs for the help, in lines of at most 90 characters
+    QString found;     ///< when the command ends with ExitCode::Found; empty for never
+    std::vector<OptionText> options;
+};
+
+/// One of the things that the program does.
+class Command {
+  public:
+    Command() = default;
+    Command(const Command&) = delete;
+    Command& operator=(const Command&) = delete;
+    virtual ~Command() = default;
+
+    [[nodiscard]] virtual CommandText Text() const = 0;
+
+    /// Does it. Results go to standard output, or to the file that the arguments name.
+    /// @return Done or Found
+    /// @throws Failure
+    virtual ExitCode Run(const Arguments& arguments) const = 0;
+};

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "tools/commandline/CommandLine.h"
+
+#include <QString>
+
+/// What "corvane-track COMMAND --help" shows.
+QString HelpOf(const CommandText& command);
+
+/// What "corvane-track --help" shows: every command in a line, and the exit codes.
+QString OverviewOf(const Commands& commands);

@@ -1,0 +1,44 @@
+#include "tools/commandline/Progress.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::chrono::milliseconds kPatience{300};
+constexpr std::chrono::milliseconds kInterval{100};
+
+} // namespace
+
+Progress::Progress(std::string what)
+    : what(std::move(what)),
+      isShown(isatty(STDERR_FILENO) != 0),
+      next(std::chrono::steady_clock::now() + kPatience) {
+}
+
+void Progress::Begin(std::string part) {
+    what = std::move(part);
+    Update(0, 0);
+}
+
+void Progress::Update(std::int64_t done, std::int64_t total) {
+    const auto now = std::chrono::steady_clock::now();
+    if (!isShown || now < next)
+        return;
+    next = now + kInterval;
+    std::string line = what;
+    if (total > 0)
+        line += "  " + std::to_string(std::min<std::int64_t>(100, done * 100 / total)) + " %";
+    std::fprintf(stderr, "\r\033[K%s", line.c_str());
+    std::fflush(stderr);
+    hasLine = true;
+}
+
+void Progress::Clear() {
+    if (!hasLine)
+        return;
+    std::fputs("\r\033[K", stderr);
+    std::fflush(stderr);
+    hasLine = false;
+}

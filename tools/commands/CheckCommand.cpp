@@ -1,0 +1,108 @@
+#include "tools/commands/CheckCommand.h"
+
+#include "tools/commandline/FileLoop.h"
+#include "tools/commandline/TextOutput.h"
+#include "tools/track/LoadedTrack.h"
+#include "tools/track/TrackCheck.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace {
+
+const char* NameOf(TrackProblem::Severity severity) {
+    return severity == TrackProblem::Severity::Error ? "error" : "warning";
+}
+
+std::string Json(const QJsonObject& object) {
+    return QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString();
+}
+
+/// The problems of one track, written as they are found: there may be millions.
+class Report {
+  public:
+    Report(TextOutput& output, const std::string& file, bool json) : output(output), file(file), json(json) {
+        if (json) {
+            const std::string name = Json({{QStringLiteral("file"), QString::fromStdString(file)}});
+            output.Write(name.substr(0, name.size() - 1) + ",\"problems\":[");
+        }
+    }
+
+    void Take(const TrackProblem& problem) {
+        output.Write(json ? Machine(problem) : Readable(problem));
+        ++(problem.severity == TrackProblem::Severity::Error ? errors : warnings);
+    }
+
+    /// @param strict whether warnings count
+    [[nodiscard]] ExitCode Finish(bool strict) {
+        if (json)
+            output.Write("],\"errors\":" + std::to_string(errors) +
+                         ",\"warnings\":" + std::to_string(warnings) + "}\n");
+        else if (errors == 0)
+            output.Write(file + ": good" + WithWarnings() + '\n');
+        return errors > 0 || (strict && warnings > 0) ? ExitCode::Found : ExitCode::Done;
+    }
+
+  private:
+    [[nodiscard]] std::string WithWarnings() const {
+        if (warnings == 0)
+            return {};
+        return ", with " + std::to_string(warnings) + (warnings == 1 ? " warning" : " warnings");
+    }
+
+    [[nodiscard]] std::string Readable(const TrackProblem& problem) const {
+        std::string place;
+        if (problem.line)
+            place = " line " + std::to_string(*problem.line) + ":";
+        if (problem.offset)
+            place = " byte " + std::to_string(*problem.offset) + ":";
+        return file + ":" + place + ' ' + NameOf(problem.severity) + ": " + problem.text + '\n';
+    }
+
+    [[nodiscard]] std::string Machine(const TrackProblem& problem) const {
+        QJsonObject object{{QStringLiteral("severity"), QLatin1String(NameOf(problem.severity))},
+                           {QStringLiteral("text"), QString::fromStdString(problem.text)}};
+        if (problem.line)
+            object.insert(QStringLiteral("line"), static_cast<qint64>(*problem.line));
+        if (problem.offset)
+            object.insert(QStringLiteral("offset"), static_cast<qint64>(*problem.offset));
+        return (errors + warnings == 0 ? "" : ",") + Json(object);
+    }
+
+    TextOutput& output;
+    std::string file;
+    bool json;
+    std::int64_t errors = 0;
+    std::int64_t warnings = 0;
+};
+
+} // namespace
+
+CommandText CheckCommand::Text() const {
+    CommandText text;
+    text.name = QStringLiteral("check");
+    text.summary = QStringLiteral("Report every problem of track files, with its line or byte offset");
+    text.arguments = QStringLiteral("TRACK...");
+    text.most = -1;
+    text.details = QStringLiteral(
+        "An error is what keeps the editor from opening the file; a warning is what it reads, but\n"
+        "in a way that was hardly meant. Lines of text tracks are counted from 1, bytes of binary\n"
+        "tracks from 0.\n");
+    text.found = QStringLiteral("a file has an error; with --strict also when it has a warning");
+    text.options = {
+        {QStringLiteral("strict"), {}, QStringLiteral("count warnings like errors"), {}},
+        {QStringLiteral("json"), {}, QStringLiteral("print a JSON object on a line for each track"), {}}};
+    return text;
+}
+
+ExitCode CheckCommand::Run(const Arguments& arguments) const {
+    TextOutput output;
+    const ExitCode code = ForEachFile("check", arguments.Words(), [&](const std::string& file) {
+        RequireFile(file);
+        Report report(output, file, arguments.Has("json"));
+        CheckTrack(file, [&report](const TrackProblem& problem) { report.Take(problem); });
+        return report.Finish(arguments.Has("strict"));
+    });
+    output.Finish();
+    return code;
+}

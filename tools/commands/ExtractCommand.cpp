@@ -1,0 +1,104 @@
+#include "tools/commands/ExtractCommand.h"
+
+#include "tools/backup/BackupUnpacking.h"
+#include "tools/backup/BackupWalk.h"
+#include "tools/backup/CountedFile.h"
+#include "tools/backup/WorkspaceName.h"
+#include "tools/commandline/TextOutput.h"
+
+#include <QTemporaryDir>
+
+#include <cstdio>
+#include <filesystem>
+#include <map>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// Where each of the files goes, by its name in the workspace.
+using Targets = std::map<std::string, std::string>;
+
+Targets TargetsFor(const std::vector<std::string>& words, const std::string& output) {
+    Targets targets;
+    std::error_code ignored;
+    const bool isFolder = fs::is_directory(output, ignored);
+    if (words.size() > 2 && !isFolder)
+        throw Failure(ExitCode::Unwritable, output + ": no folder, which several files need");
+    for (std::size_t i = 1; i < words.size(); ++i) {
+        const std::string name = WorkspaceName(words[i]);
+        targets[name] = isFolder ? (fs::path(output) / fs::path(name).filename()).string() : output;
+    }
+    return targets;
+}
+
+void ExtractFiles(const std::string& backup, Targets targets) {
+    Progress progress("Reading " + backup);
+    const bOwned<bFile> file = OpenCounted(backup, progress);
+    Targets missing = targets;
+    try {
+        WalkBackup(file.get(), [&](const BackupEntry& entry, const EntryContent& content) {
+            const auto target = targets.find(entry.name);
+            if (!entry.isInWorkspace || entry.isFolder || target == targets.end())
+                return;
+            TextOutput output(target->second);
+            for (std::string_view block; content.Next(&block);)
+                output.Write(block);
+            output.Finish();
+            missing.erase(entry.name);
+        });
+    } catch (const BackupDamage& damage) {
+        if (!missing.empty())
+            throw Failure(ExitCode::Unreadable, backup + ": " + damage.what());
+        std::fprintf(stderr, "corvane-track extract: warning: %s: %s; what was asked for comes before\n",
+                     backup.c_str(), damage.what());
+    }
+    if (!missing.empty())
+        throw Failure(ExitCode::Unreadable, backup + ": no " + missing.begin()->first + " in the workspace");
+}
+
+void ExtractAll(const std::string& backup, const std::string& folder) {
+    std::error_code ignored;
+    if (fs::exists(fs::symlink_status(folder, ignored)))
+        throw Failure(ExitCode::Unwritable, folder + ": exists already");
+    const QTemporaryDir scratch(QString::fromStdString(folder) + QStringLiteral("-XXXXXX"));
+    if (!scratch.isValid())
+        throw Failure(ExitCode::Unwritable, folder + ": " + scratch.errorString().toStdString());
+    const std::string outer = scratch.filePath(QStringLiteral("backup")).toStdString();
+    Progress progress("Reading " + backup);
+    UnpackInto(backup, outer, progress);
+    progress.Begin("Unpacking the workspace");
+    UnpackInto(outer + "/" + kWorkspaceArchive, folder, progress);
+}
+
+} // namespace
+
+CommandText ExtractCommand::Text() const {
+    CommandText text;
+    text.name = QStringLiteral("extract");
+    text.summary = QStringLiteral("Take files out of the workspace in a backup");
+    text.arguments = QStringLiteral("BACKUP [FILE...]");
+    text.most = -1;
+    text.details = QStringLiteral(
+        "A FILE is named as \"list\" shows it; one without a slash is a track in vdk/ContourPath. It is\n"
+        "written into the current folder, or to what --output names: a folder that exists, or for a\n"
+        "single FILE the name of the new file. With --all the whole workspace is unpacked into the new\n"
+        "folder that --output names.\n");
+    text.options = {OutputOption(QStringLiteral("where to (default: the current folder)")),
+                    {QStringLiteral("all"), {}, QStringLiteral("unpack the whole workspace"), {}}};
+    return text;
+}
+
+ExitCode ExtractCommand::Run(const Arguments& arguments) const {
+    const std::vector<std::string>& words = arguments.Words();
+    const std::optional<std::string> output = arguments.Text("output");
+    if (arguments.Has("all") ? words.size() > 1 : words.size() < 2)
+        throw Failure(ExitCode::Misused, "name the files, or give --all alone");
+    if (arguments.Has("all") && !output)
+        throw Failure(ExitCode::Misused, "--all needs a new folder as --output");
+    if (arguments.Has("all"))
+        ExtractAll(words[0], *output);
+    else
+        ExtractFiles(words[0], TargetsFor(words, output.value_or(".")));
+    return ExitCode::Done;
+}

@@ -1,0 +1,70 @@
+#include "tools/commands/RenderCommand.h"
+
+#include "document/ImageProportions.h"
+#include "tools/commandline/PictureOutput.h"
+#include "tools/track/SavePaths.h"
+#include "tools/track/TrackPicture.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int kMaxSide = 32767;
+constexpr std::int64_t kMaxPixels = std::int64_t{1} << 27; ///< half a gigabyte of them
+
+QSize ScaledSize(const TrackInfo& info, double scale) {
+    return ShownImageSize({info.width, info.height}, info.xResolution, info.yResolution, scale);
+}
+
+/// The largest size with the track's proportions that fits into a frame.
+QSize FittingSize(const TrackInfo& info, const QSize& frame) {
+    const QSize whole = ShownSizeOf(info);
+    const double scale = std::min(static_cast<double>(frame.width()) / whole.width(),
+                                  static_cast<double>(frame.height()) / whole.height());
+    return ScaledSize(info, scale).boundedTo(frame); // rounding may be a pixel beyond
+}
+
+QSize PictureSize(const TrackInfo& info, const Arguments& arguments) {
+    const std::optional<double> percent = arguments.Number("scale", 0.1, 10'000);
+    const std::optional<QSize> frame = arguments.Size("size", kMaxSide);
+    if (percent && frame)
+        throw Failure(ExitCode::Misused, "--scale and --size exclude each other");
+    const QSize size = frame ? FittingSize(info, *frame) : ScaledSize(info, percent.value_or(100) / 100);
+    if (size.width() > kMaxSide || size.height() > kMaxSide ||
+        std::int64_t{size.width()} * size.height() > kMaxPixels)
+        throw Failure(ExitCode::Misused, "a picture of " + std::to_string(size.width()) + " x " +
+                                             std::to_string(size.height()) +
+                                             " pixels is too large: choose a smaller --scale or a --size");
+    return size;
+}
+
+} // namespace
+
+CommandText RenderCommand::Text() const {
+    CommandText text;
+    text.name = QStringLiteral("render");
+    text.summary = QStringLiteral("Draw a track as the editor shows it, as a PNG picture");
+    text.arguments = QStringLiteral("TRACK PICTURE");
+    text.least = text.most = 2;
+    text.details = QStringLiteral(
+        "Shows the height map in colours, stretched along one axis where its resolutions differ, and\n"
+        "over it the paths and the bands of the ruler.\n");
+    text.options = {{QStringLiteral("scale"),
+                     QStringLiteral("PERCENT"),
+                     QStringLiteral("100 (default) shows one pixel for each cell along the finer axis"),
+                     {}},
+                    {QStringLiteral("size"),
+                     QStringLiteral("WxH"),
+                     QStringLiteral("the largest picture that fits into W x H pixels"),
+                     {}},
+                    {QStringLiteral("no-paths"), {}, QStringLiteral("show the height map alone"), {}},
+                    {QStringLiteral("no-ruler"), {}, QStringLiteral("show the paths without the ruler"), {}}};
+    return text;
+}
+
+ExitCode RenderCommand::Run(const Arguments& arguments) const {
+    const LoadedTrack track = LoadTrack(arguments.Words()[0]);
+    const PictureLayers layers{!arguments.Has("no-paths"), !arguments.Has("no-ruler")};
+    WritePicture(DrawTrack(track, PictureSize(track.info, arguments), layers), arguments.Words()[1]);
+    return ExitCode::Done;
+}

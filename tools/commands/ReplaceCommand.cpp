@@ -1,0 +1,87 @@
+#include "tools/commands/ReplaceCommand.h"
+
+#include "basalt/FileReplacement.h"
+#include "tools/backup/BackupUnpacking.h"
+#include "tools/backup/BackupWalk.h"
+#include "tools/backup/WorkspaceName.h"
+#include "tools/track/LoadedTrack.h"
+#include "tools/track/TrackCheck.h"
+
+#include <QTemporaryDir>
+
+#include <filesystem>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// @throws Failure when the editor could not open the track
+void RequireGoodTrack(const std::string& file) {
+    CheckTrack(file, [&](const TrackProblem& problem) {
+        if (problem.severity == TrackProblem::Severity::Error)
+            throw Failure(ExitCode::Unreadable,
+                          file + ": " + problem.text + "; see \"corvane-track check\", or use --force");
+    });
+}
+
+/// Puts a file in place of one in an unpacked workspace.
+void PutInto(const std::string& workspace, const std::string& name, const std::string& file, bool add) {
+    const fs::path target = fs::path(workspace) / name;
+    if (!add && !fs::is_regular_file(fs::symlink_status(target)))
+        throw Failure(ExitCode::Unreadable, "no " + name + " in the workspace; --add puts a new file there");
+    if (fs::is_directory(target))
+        throw Failure(ExitCode::Unreadable, name + " is a folder in the workspace");
+    std::error_code failure;
+    fs::create_directories(target.parent_path(), failure);
+    if (failure)
+        throw Failure(ExitCode::Unwritable, target.parent_path().string() + ": " + failure.message());
+    if (const std::error_code reason = CopyFile(file, target.string()))
+        throw Failure(ExitCode::Unwritable, "copying " + file + " into the workspace: " + reason.message());
+}
+
+} // namespace
+
+CommandText ReplaceCommand::Text() const {
+    CommandText text;
+    text.name = QStringLiteral("replace");
+    text.summary = QStringLiteral("Put a file into the workspace in a backup");
+    text.arguments = QStringLiteral("BACKUP NAME FILE");
+    text.least = text.most = 3;
+    text.details = QStringLiteral(
+        "NAME is that of the file in the workspace, as \"list\" shows it; one without a slash is a track\n"
+        "in vdk/ContourPath. The backup is packed anew, as the editor does, and replaced at once. It is\n"
+        "unpacked beside it meanwhile, so the disk must hold it three times.\n");
+    text.options = {
+        OutputOption(QStringLiteral("write the new backup to FILE, and leave BACKUP as it is")),
+        {QStringLiteral("add"), {}, QStringLiteral("accept a NAME that is not in the workspace"), {}},
+        {QStringLiteral("force"), {}, QStringLiteral("accept a .trk that the editor cannot open"), {}}};
+    return text;
+}
+
+ExitCode ReplaceCommand::Run(const Arguments& arguments) const {
+    const std::string& backup = arguments.Words()[0];
+    const std::string name = WorkspaceName(arguments.Words()[1]);
+    const std::string& file = arguments.Words()[2];
+    const std::string target = arguments.Text("output").value_or(backup);
+
+    RequireFile(file);
+    if (name.ends_with(".trk") && !arguments.Has("force"))
+        RequireGoodTrack(file);
+    const QTemporaryDir scratch(QString::fromStdString(target) + QStringLiteral("-XXXXXX"));
+    if (!scratch.isValid())
+        throw Failure(ExitCode::Unwritable, target + ": " + scratch.errorString().toStdString());
+    const std::string outer = scratch.filePath(QStringLiteral("backup")).toStdString();
+    const std::string workspace = scratch.filePath(QStringLiteral("workspace")).toStdString();
+    const std::string archive = outer + "/" + kWorkspaceArchive;
+
+    Progress progress("Reading " + backup);
+    UnpackInto(backup, outer, progress);
+    progress.Begin("Unpacking the workspace");
+    UnpackInto(archive, workspace, progress);
+    PutInto(workspace, name, file, arguments.Has("add"));
+    progress.Begin("Packing the workspace");
+    PackFrom(workspace, archive);
+    progress.Begin("Packing " + target);
+    PackFrom(outer, target);
+    return ExitCode::Done;
+}

@@ -1,0 +1,45 @@
+#include "log/Output2FILE.h"
+#include "tools/commandline/CommandLine.h"
+#include "tools/commands/CheckCommand.h"
+#include "tools/commands/ConvertCommand.h"
+#include "tools/commands/DiffCommand.h"
+#include "tools/commands/ExtractCommand.h"
+#include "tools/commands/InfoCommand.h"
+#include "tools/commands/ListCommand.h"
+#include "tools/commands/PathsExportCommand.h"
+#include "tools/commands/PathsImportCommand.h"
+#include "tools/commands/ProfileCommand.h"
+#include "tools/commands/RenderCommand.h"
+#include "tools/commands/ReplaceCommand.h"
+#include "tools/commands/VerifyCommand.h"
+
+#include <QStringList>
+
+namespace {
+
+Commands AllCommands() {
+    Commands commands;
+    commands.push_back(std::make_unique<InfoCommand>());
+    commands.push_back(std::make_unique<CheckCommand>());
+    commands.push_back(std::make_unique<RenderCommand>());
+    commands.push_back(std::make_unique<DiffCommand>());
+    commands.push_back(std::make_unique<PathsExportCommand>());
+    commands.push_back(std::make_unique<PathsImportCommand>());
+    commands.push_back(std::make_unique<ConvertCommand>());
+    commands.push_back(std::make_unique<ProfileCommand>());
+    commands.push_back(std::make_unique<ListCommand>());
+    commands.push_back(std::make_unique<VerifyCommand>());
+    commands.push_back(std::make_unique<ExtractCommand>());
+    commands.push_back(std::make_unique<ReplaceCommand>());
+    return commands;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    Output2FILE::Target() = nullptr; // what the converters log is reported where it matters
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromUtf8(argv[i])); // file names are in UTF-8, as in the editor
+    return CommandLine(AllCommands()).Run(arguments);
+}

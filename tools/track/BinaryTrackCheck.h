@@ -1,0 +1,57 @@
+#pragma once
+
+#include "document/formats/TrackByteReader.h"
+#include "document/formats/TrackInfo.h"
+#include "tools/track/PointCheck.h"
+#include "tools/track/TrackCheck.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+/// Reports the problems of a binary track, block by block.
+class BinaryTrackCheck final {
+  public:
+    /// @param file an existing one
+    BinaryTrackCheck(const std::string& file, const ProblemSink& sink);
+
+    void Run();
+
+  private:
+    void CheckMagic();
+    void CheckVersion();
+    void CheckHeader();
+    void CheckMap();
+    void CheckHeights(std::int64_t cells);
+    void CheckBlocks();
+    void CheckAnchor();
+    void CheckRulers();
+    void CheckPoints();
+    void CheckPoint(PointCheck& points);
+    void CheckRulerRecords(const std::vector<std::int64_t>& pointCounts);
+
+    /// Reads a number whose bytes are known to be there.
+    template<typename Number>
+    Number Next() {
+        place = size - bytes.Remaining();
+        return bytes.Read<Number>();
+    }
+    /// Moves to the next tag. @return whether it is this one; otherwise it is the next block's
+    bool NextIs(std::int32_t blockTag);
+    void Require(std::int64_t count, const char* what);
+
+    /// Ends the check: no reader gets beyond this place.
+    [[noreturn]] void Fail(const std::string& text);
+    void Error(const std::string& text) { sink({TrackProblem::Severity::Error, {}, place, text}); }
+    void Warning(const std::string& text) { sink({TrackProblem::Severity::Warning, {}, place, text}); }
+
+    std::string file;
+    TrackByteReader bytes;
+    std::int64_t size; ///< of the file
+    const ProblemSink& sink;
+    std::int64_t place = 0; ///< of what is being checked
+    TrackInfo info;
+    std::optional<std::int32_t> tag; ///< the tag that was read last, while its block is not found yet
+    std::int64_t rulersAt = 0;       ///< where the ruler records begin
+    std::int32_t rulers = 0;
+};

@@ -1,0 +1,126 @@
+#include "tools/track/LoadedTrack.h"
+
+#include "basalt/InputFile.h"
+#include "document/formats/ConvertBIN.h"
+#include "document/formats/ConvertCSV.h"
+#include "document/formats/CsvScan.h"
+#include "document/formats/HeightMap.h"
+#include "document/formats/SampleScale.h"
+#include "tools/commandline/Failure.h"
+#include "tools/track/CapturedLog.h"
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+// The text converter widens the range that it is given; the editor starts with this one.
+constexpr double kLowestStart = 32768.0;
+constexpr double kHighestStart = -32768.0;
+
+/// Has a converter do something. @throws Failure with the converter's own reason when its code is not 0
+template<typename Work>
+void Require(const std::string& file, const char* what, Work&& work) {
+    const CapturedLog log;
+    if (work() == 0)
+        return;
+    const std::string reason = log.FirstError();
+    throw Failure(ExitCode::Unreadable, file + ": " + (reason.empty() ? what : reason));
+}
+
+void LoadText(LoadedTrack& track, PathSection section) {
+    ConvertCSV converter;
+    Require(track.file, "no information", [&] { return converter.ReadInfo(track.file, track.info); });
+    track.hasPaths = ConvertCSV::HasPathSection(track.file);
+    if (!track.hasPaths && section == PathSection::Optional)
+        return;
+    Require(track.file, "no section with paths", [&] { return converter.ReadPath(track.file, track.paths); });
+}
+
+void LoadBinary(LoadedTrack& track) {
+    ConvertBIN converter;
+    // The anchor first: reading it is what refuses a file of another version.
+    Require(track.file, "no anchor", [&] { return converter.ReadAnchor(track.file, track.info); });
+    Require(track.file, "no information", [&] { return converter.ReadInfo(track.file, track.info); });
+    Require(track.file, "no paths", [&] { return converter.ReadPath(track.file, track.paths); });
+}
+
+HeightMap LoadRawHeights(const LoadedTrack& track) {
+    HeightMap heights;
+    std::int64_t size = 0;
+    Require(track.file, "no height map", [&] {
+        return track.encoding == TrackEncoding::Binary
+                   ? ConvertBIN().ReadRawHeights(track.file, track.info, heights)
+                   : ConvertCSV().ReadHeightMap(track.file, track.info, heights, size);
+    });
+    return heights;
+}
+
+/// Puts the heights of a text track in place of those that its raw values hold, which have been read: so the
+/// file has no row too many, and is large enough for its dimensions.
+void ReadHeightsAsWritten(const LoadedTrack& track, std::vector<double>& heights) {
+    CsvScan scan(track.file);
+    auto row = heights.begin();
+    for (bool more = scan.Find("YX"); more && scan.NextInSection() && row != heights.end();
+         row += track.info.width) {
+        CsvFields fields(scan.Line());
+        fields.Next();
+        auto cell = row;
+        for (double height = 0.0; cell != row + track.info.width && fields.HasNext(); ++cell)
+            if (fields.NextNumber(height) && std::isfinite(height))
+                *cell = height;
+    }
+}
+
+} // namespace
+
+void RequireFile(const std::string& file) {
+    const InputFile input(file.c_str());
+    if (!input.IsOpen())
+        throw Failure(ExitCode::Unreadable, file + ": " + input.Failure().message());
+}
+
+LoadedTrack LoadTrack(const std::string& file, PathSection section) {
+    RequireFile(file);
+    LoadedTrack track;
+    track.file = file;
+    track.encoding = EncodingOf(file).value_or(TrackEncoding::Text);
+    track.info.minHeight = kLowestStart;
+    track.info.maxHeight = kHighestStart;
+    if (track.encoding == TrackEncoding::Binary)
+        LoadBinary(track);
+    else
+        LoadText(track, section);
+    return track;
+}
+
+std::vector<double> LoadStoredHeights(const LoadedTrack& track) {
+    const HeightMap raw = LoadRawHeights(track);
+    const SampleScale scale{track.info.zResolution, track.info.zOffset};
+    std::vector<double> heights(raw.size(), std::numeric_limits<double>::quiet_NaN());
+    for (std::size_t cell = 0; cell < raw.size(); ++cell)
+        if (raw[cell] != kNoMeasurement)
+            heights[cell] = scale.HeightOf(raw[cell]);
+    return heights;
+}
+
+std::vector<double> LoadHeights(const LoadedTrack& track) {
+    std::vector<double> heights = LoadStoredHeights(track);
+    if (track.encoding == TrackEncoding::Text)
+        ReadHeightsAsWritten(track, heights);
+    return heights;
+}
+
+QImage LoadImage(const LoadedTrack& track) {
+    QImage image;
+    const double lowest = track.info.minHeight;
+    const double highest = track.info.maxHeight;
+    Require(track.file, "no height map", [&] {
+        return track.encoding == TrackEncoding::Binary
+                   ? ConvertBIN().ReadImage(track.file, track.info, lowest, highest, image)
+                   : ConvertCSV().ReadImage(track.file, track.info, lowest, highest, image);
+    });
+    if (image.isNull())
+        throw Failure(ExitCode::Unreadable, track.file + ": the height map has no cells");
+    return image;
+}
