@@ -140,7 +140,7 @@ bStatus BackupArchive::Write(const bFile::Sink& sink, Data data) const {
 
 bStatus BackupArchive::WriteInner(const bFile::Sink& sink, Data data) const {
     SentTar tar(sink);
-    ConfinedFolder folders(workspace.folder.OpenFolder("."));
+    ConfinedFolder folders(data == Data::Read ? workspace.folder.OpenFolder(".") : FolderHandle());
     std::vector<char> piece(kPiece);
     for (const WorkspaceTree::Item& item : tree.Items()) {
         if (!tar.IsGood())

@@ -53,6 +53,14 @@ std::uint64_t IdOf(const std::string& path) {
     return FolderHandle(path, FolderHandle::Links::Refused).Ask(".", &facts) ? 0 : facts.id;
 }
 
+/// Notes which folder the tree is before it is exchanged.
+bool WriteMark(const StagedFolder& staged) {
+    std::ofstream mark(staged.Mark());
+    mark << IdOf(staged.Tree());
+    mark.close();
+    return mark.good();
+}
+
 /// The absolute path without links and without a "/" at its end.
 fs::path PlaceOf(const std::string& path) {
     fs::path place = fs::absolute(path).lexically_normal();
@@ -175,7 +183,7 @@ bool Workspace::TakePlace(const std::string& tree) const {
 bool Workspace::Replace(StagedFolder staged) {
     Generations unused; // removing them may take a while: it happens after the lock is gone
     const std::lock_guard guard(mutex);
-    if (!(std::ofstream(staged.Mark()) << IdOf(staged.Tree()) << std::flush) || !TakePlace(staged.Tree()))
+    if (!WriteMark(staged) || !TakePlace(staged.Tree()))
         throw std::runtime_error("The workspace cannot be replaced.");
     auto before = std::exchange(current, std::make_shared<Generation>());
     const bool isKept = !Keep(staged.Tree(), before).empty();

@@ -87,8 +87,10 @@ void ReplyWriter::Frame(std::string_view bytes) {
 }
 
 void ReplyWriter::End() {
-    if (!manner.headAlone && bodyWritten != bodySize)
+    if (!manner.headAlone && bodyWritten != bodySize) {
+        Flush(); // a reply that is cut says that it failed
         failed = true;
+    }
     if (manner.digest && !manner.headAlone)
         Write("0\r\n" + std::string(kContentDigest) + ": " + ContentDigest(checksum.Value()) + "\r\n\r\n");
     beforeLastBytes();

@@ -63,7 +63,8 @@ void PixelBoard::Dot(const QPoint& place, QRgb colour) {
     const ShapeCache::Columns shape = shapes.DotAt(place.x());
     const int left = place.x() + shape.first;
     const int top = place.y() - ShapeCache::kDotWidth / 2;
-    if (!columns.Holds(left, left + ShapeCache::kDotWidth) || !rows.Holds(top, top + ShapeCache::kDotWidth - 1)) {
+    if (!columns.Holds(left, left + ShapeCache::kDotWidth) ||
+        !rows.Holds(top, top + ShapeCache::kDotWidth - 1)) {
         for (int row = top; row < top + ShapeCache::kDotWidth; ++row)
             FillRow(row, left, shape.count, colour);
         return;

@@ -3,6 +3,7 @@
 #include "cinder/TarName.h"
 
 #include <array>
+#include <map>
 #include <new>
 
 namespace {
@@ -52,16 +53,26 @@ class Walk {
         while ((status = bTar_BeginRead(tar.get(), name.data(), name.size(), &kind, &size)) == bOK) {
             const std::string plain = PlainName(name.data());
             last = PrintableTarName(plain);
-            Take({isWorkspace, plain, kind != bTar_FILE, size, bTar_Permissions(tar.get()),
-                  IsNarrowTarName(name.data()) && !plain.empty()});
+            Take({isWorkspace, plain, kind != bTar_FILE, size, bTar_Facts(tar.get()).permissions,
+                  IsNarrowTarName(name.data()) && !plain.empty(), Original(plain)});
         }
         if (status != bERROR_END)
             throw BackupDamage((isWorkspace ? "workspace: " : "") + ReasonFor(status) +
                                (last.empty() ? "" : " after " + last));
-        return passedOver + bTar_PassedOver(tar.get());
+        return passedOver + bTar_LeftOut(tar.get()).count;
     }
 
   private:
+    /// The file that the current entry is a hard link to, through others if need be; empty when it is none.
+    std::string Original(const std::string& entry) {
+        const char* const target = bTar_LinkTarget(tar.get());
+        if (target == nullptr)
+            return {};
+        const std::string plain = PlainName(target);
+        const auto link = links.find(plain);
+        return links[entry] = link == links.end() ? plain : link->second;
+    }
+
     void Take(const BackupEntry& entry) {
         visit(entry, EntryContent(tar.get(), last));
         if (!isWorkspace && !entry.isFolder && entry.name == kWorkspaceArchive)
@@ -86,6 +97,7 @@ class Walk {
     const EntryVisitor& visit;
     std::string last; ///< the name of the entry, fit for a message
     std::int64_t passedOver = 0;
+    std::map<std::string, std::string> links; ///< hard links, and what they are copies of
 };
 
 } // namespace

@@ -22,6 +22,8 @@ struct BackupEntry {
     std::int64_t size = 0;
     unsigned permissions = 0;
     bool isSafe = true; ///< whether it lies inside any folder that it is unpacked into
+    std::string
+        copyOf; ///< of a hard link, which has no bytes of its own: the file of the same archive that has them
 };
 
 /// An archive that cannot be read on; the message says where.

@@ -32,20 +32,26 @@ Targets TargetsFor(const std::vector<std::string>& words, const std::string& out
     return targets;
 }
 
-void ExtractFiles(const std::string& backup, Targets targets) {
+/// @return the hard links among the files, by what they are copies of: an earlier file of the archive
+std::multimap<std::string, std::string> ExtractBytes(const std::string& backup, const Targets& targets) {
     Progress progress("Reading " + backup);
     const bOwned<bFile> file = OpenCounted(backup, progress);
     Targets missing = targets;
+    std::multimap<std::string, std::string> links;
     try {
         WalkBackup(file.get(), [&](const BackupEntry& entry, const EntryContent& content) {
             const auto target = targets.find(entry.name);
             if (!entry.isInWorkspace || entry.isFolder || target == targets.end())
                 return;
+            missing.erase(entry.name);
+            if (!entry.copyOf.empty()) {
+                links.emplace(entry.copyOf, target->second);
+                return;
+            }
             TextOutput output(target->second);
             for (std::string_view block; content.Next(&block);)
                 output.Write(block);
             output.Finish();
-            missing.erase(entry.name);
         });
     } catch (const BackupDamage& damage) {
         if (!missing.empty())
@@ -55,6 +61,13 @@ void ExtractFiles(const std::string& backup, Targets targets) {
     }
     if (!missing.empty())
         throw Failure(ExitCode::Unreadable, backup + ": no " + missing.begin()->first + " in the workspace");
+    return links;
+}
+
+void ExtractFiles(const std::string& backup, const Targets& targets) {
+    for (const auto& [original, target] : ExtractBytes(backup, targets))
+        if (!ExtractBytes(backup, {{original, target}}).empty())
+            throw Failure(ExitCode::Unreadable, backup + ": no " + original + " in the workspace");
 }
 
 void ExtractAll(const std::string& backup, const std::string& folder) {

@@ -13,15 +13,19 @@ std::string Readable(const BackupEntry& entry) {
     const std::string size = entry.isFolder ? std::string() : std::to_string(entry.size);
     return std::string(kSizeWidth - std::min(kSizeWidth, size.size()), ' ') + size +
            (entry.isInWorkspace ? "    " : "  ") + PrintableTarName(entry.name) +
-           (entry.isFolder ? "/\n" : "\n");
+           (entry.isFolder ? "/" : "") +
+           (entry.copyOf.empty() ? "" : " = " + PrintableTarName(entry.copyOf)) + '\n';
 }
 
 QJsonObject Machine(const BackupEntry& entry) {
-    return {{QStringLiteral("name"), QString::fromStdString(entry.name)},
-            {QStringLiteral("inWorkspace"), entry.isInWorkspace},
-            {QStringLiteral("folder"), entry.isFolder},
-            {QStringLiteral("size"), static_cast<qint64>(entry.size)},
-            {QStringLiteral("permissions"), static_cast<int>(entry.permissions)}};
+    QJsonObject machine{{QStringLiteral("name"), QString::fromStdString(entry.name)},
+                        {QStringLiteral("inWorkspace"), entry.isInWorkspace},
+                        {QStringLiteral("folder"), entry.isFolder},
+                        {QStringLiteral("size"), static_cast<qint64>(entry.size)},
+                        {QStringLiteral("permissions"), static_cast<int>(entry.permissions)}};
+    if (!entry.copyOf.empty())
+        machine[QStringLiteral("copyOf")] = QString::fromStdString(entry.copyOf);
+    return machine;
 }
 
 } // namespace
@@ -33,7 +37,8 @@ CommandText ListCommand::Text() const {
     text.arguments = QStringLiteral("BACKUP");
     text.details = QStringLiteral(
         "The files of the workspace follow workspaces/Workspace.osws, the archive that holds them, and\n"
-        "are indented. Sizes are in bytes. Links and special files, which nobody unpacks, are not\n"
+        "are indented. Sizes are in bytes. A hard link is followed by \"=\" and\n"
+        "the file that it is a copy of. Other links and special files, which nobody unpacks, are not\n"
         "listed.\n");
     text.options = {{QStringLiteral("json"),
                      {},

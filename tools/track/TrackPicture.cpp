@@ -20,7 +20,7 @@ void DrawPaths(const LoadedTrack& track, bool ruler, QImage& picture) {
     EditingState nothingChosen;
     nothingChosen.currentPath = -1;
     PathExtents extents;
-    LineShapes shapes;
+    ShapeCache shapes;
     PathPainter painter(picture, picture.rect(), 1.0, paths, nothingChosen, extents, shapes,
                         CanvasScale(picture.size()));
     painter.Paint(ruler, {});
