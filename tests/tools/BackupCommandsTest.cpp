@@ -1,8 +1,8 @@
 #include "ToolRun.h"
 
 #include "FolderTree.h"
-#include "RunTool.h"
 #include "HostileArchive.h"
+#include "RunTool.h"
 #include "SmallTrack.h"
 #include "TarBlocks.h"
 #include "TemporaryFolder.h"
