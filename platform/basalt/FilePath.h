@@ -26,8 +26,12 @@
 /// The file that a name leads to: the far end of a chain of links, whether or not it exists yet.
 [[nodiscard]] std::string LinksFollowed(const std::string& path);
 
-/// Gives a file another path in the same file system, in place of a file that has it, atomically.
-[[nodiscard]] std::error_code MoveFileTo(const std::string& target, const std::string& from);
+/// Gives a file or a folder another path in the same file system, atomically. A file takes the place of one
+/// that has it.
+[[nodiscard]] std::error_code MovePath(const std::string& target, const std::string& from);
+/// Has two paths lead to what the other one led to, in one step. @return the reason where the file system
+/// cannot do that
+[[nodiscard]] std::error_code ExchangePaths(const std::string& one, const std::string& other);
 /// The permissions of a new folder that anybody may enter whom the process's mask does not keep out.
 constexpr unsigned kOpenFolder = 0777;
 /// Makes one folder. @return file_exists when the name is taken

@@ -13,7 +13,7 @@ bool MoveTo(const std::string& target, const std::string& from) {
     const auto fresh = FileOwnership::Of(from);
     if (!old || !fresh || !fresh->BelongsLike(*old) || !old->GiveTo(from))
         return false;
-    return !MoveFileTo(target, from);
+    return !MovePath(target, from);
 }
 
 } // namespace

@@ -3,8 +3,10 @@
 #include "basalt/posix/FileState.h"
 #include "basalt/posix/SystemError.h"
 
+#include <cstdio>
 #include <filesystem>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 namespace fs = std::filesystem;
@@ -73,10 +75,15 @@ std::string LinksFollowed(const std::string& path) {
     return place.string();
 }
 
-std::error_code MoveFileTo(const std::string& target, const std::string& from) {
+std::error_code MovePath(const std::string& target, const std::string& from) {
     std::error_code failure;
     fs::rename(from, target, failure);
     return failure;
+}
+
+std::error_code ExchangePaths(const std::string& one, const std::string& other) {
+    const bool done = renameat2(AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(), RENAME_EXCHANGE) == 0;
+    return done ? std::error_code() : LastError();
 }
 
 std::error_code MakeFolderAt(const std::string& path, unsigned permissions) {

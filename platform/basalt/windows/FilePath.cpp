@@ -118,13 +118,17 @@ std::string LinksFollowed(const std::string& path) {
     return real.empty() ? path : real;
 }
 
-std::error_code MoveFileTo(const std::string& target, const std::string& from) {
+std::error_code MovePath(const std::string& target, const std::string& from) {
     const std::optional<std::wstring> source = LongPathOf(from);
     const std::optional<std::wstring> place = LongPathOf(target);
     if (!source || !place)
         return std::make_error_code(std::errc::invalid_argument);
     return Result(MoveFileExW(source->c_str(), place->c_str(),
                               MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE);
+}
+
+std::error_code ExchangePaths(const std::string& /*one*/, const std::string& /*other*/) {
+    return std::make_error_code(std::errc::not_supported);
 }
 
 std::error_code MakeFolderAt(const std::string& path, unsigned permissions) {
