@@ -41,7 +41,11 @@ void TimedStream::ExpireAfter(std::chrono::microseconds time) {
 }
 
 bool TimedStream::AwaitInput() {
-    return Await({.input = true}, deadline) && !stopped;
+    if (!Await({.input = true}, deadline) || stopped)
+        return false;
+    char first = 0;
+    Error error;
+    return socket.receive(asio::buffer(&first, 1), Socket::message_peek, error) > 0;
 }
 
 std::size_t TimedStream::ReadSome(void* bytes, std::size_t capacity, Error& error) {

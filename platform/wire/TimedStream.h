@@ -34,7 +34,8 @@ class TimedStream final : public InputStream {
     /// open.
     void ExpireAfter(std::chrono::microseconds time);
 
-    /// Waits until there is something to read, be it the end. @return false when there is not, in time
+    /// Waits until there is something to read. @return false when there is not, in time, or the peer has
+    /// ended
     [[nodiscard]] bool AwaitInput();
     std::size_t ReadSome(void* bytes, std::size_t capacity, Error& error) override;
 

@@ -50,6 +50,7 @@ ReadOuts::ReadOuts(QStatusBar& bar, QMaskWidget& shown)
     bar.insertPermanentWidget(0, &position);
     bar.insertPermanentWidget(1, &height);
     bar.insertPermanentWidget(2, &length);
+    bar.setMinimumWidth(1); // a narrow window cuts the read-outs off; it stays as narrow as it may be
     AddToFocused(canvas,
                  {"action_copyPosition", MainWindow::tr("Copy Position"), {QStringLiteral("Ctrl+C")}, [this] {
                       copyPosition();

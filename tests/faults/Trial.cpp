@@ -110,7 +110,7 @@ void JudgeAnswer(Problems& problems, const FileCallReport& report, const Answer&
         return;
     if (report.fault == Fault::Short && !succeeded)
         problems.emplace_back("a short write ended the operation");
-    const bool survivable = answer.keptLess || report.fault == Fault::Short ||
+    const bool survivable = answer.lessDone || report.fault == Fault::Short ||
                             (report.fault != Fault::DiskDead && MayBeSurvived(report));
     if (succeeded && !survivable)
         problems.emplace_back("the fault was passed over in silence");

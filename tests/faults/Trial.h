@@ -50,8 +50,9 @@ bool FallsOn(const FileCallReport& report, std::string_view name);
 /// What an operation has said.
 struct Answer {
     bool succeeded = false;
-    bool shown = false;    ///< a failure was shown in every place that it has to be shown in
-    bool keptLess = false; ///< the log says that something could not be kept, which stops no operation
+    bool shown = false; ///< a failure was shown in every place that it has to be shown in
+    bool lessDone =
+        false; ///< the log says that something beside it was left undone, which stops no operation
 };
 
 /// Judges by the fault what an operation has said: a short write is no failure; any other fault is reported

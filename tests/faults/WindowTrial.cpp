@@ -29,10 +29,12 @@ bool HaveErrors(const std::vector<std::string>& lines) {
                        [](const std::string& line) { return line.rfind("ERROR", 0) == 0; });
 }
 
-/// Whether the log says that a copy, or the list of what was not sent, could not be kept.
-bool SayKeptLess(const std::vector<std::string>& lines) {
+/// Whether the log says that something beside the operation was left undone: a copy, or the list of what was
+/// not sent, could not be kept; heights under the pointer cannot be shown.
+bool SayLessDone(const std::vector<std::string>& lines) {
     return std::any_of(lines.begin(), lines.end(), [](const std::string& line) {
-        return line.rfind("ERROR: Failed to keep ", 0) == 0 ||
+        return line.rfind("INFO: No heights can be shown", 0) == 0 ||
+               line.rfind("ERROR: Failed to keep ", 0) == 0 ||
                line.rfind("ERROR: Failed to store the list of unsent tracks ", 0) == 0 ||
                line.rfind("ERROR: Failed to remove old copies ", 0) == 0;
     });
@@ -65,7 +67,7 @@ Problems WindowTrial::Run(const Trial& trial, FileCallReport& report) const {
     const bool boxed = window.HasErrors();
     const bool succeeded = !boxed && window.Status() == road->Success();
     const std::vector<std::string> lines = log.Lines();
-    JudgeAnswer(problems, report, {succeeded, boxed && HaveErrors(lines), SayKeptLess(lines)});
+    JudgeAnswer(problems, report, {succeeded, boxed && HaveErrors(lines), SayLessDone(lines)});
     Add(problems, road->Check(succeeded), "");
     Add(problems, Road::CheckKept(), "");
     if (succeeded)

@@ -46,7 +46,9 @@ class ReadOutsTest : public OperatingTest {
     void expectHeightsOf(const independent::Track& track) {
         for (int row = 0; row < track.height; ++row)
             for (int column = 0; column < track.width; ++column) {
-                const std::int16_t raw = track.cells[std::size_t(row * track.width + column)];
+                const auto cell = static_cast<std::size_t>(row) * static_cast<std::size_t>(track.width) +
+                                  static_cast<std::size_t>(column);
+                const std::int16_t raw = track.cells[cell];
                 const double cellWidth = double(canvas().width()) / track.width;
                 const double cellHeight = double(canvas().height()) / track.height;
                 const QPointF corner(std::ceil(column * cellWidth), std::ceil(row * cellHeight));
@@ -98,7 +100,7 @@ TEST_F(ReadOutsTest, HeightsOfATextTrackAreExactToTheRawUnit) {
     loadExternal(folder.Path("text.trk"));
     showPercent(400);
     mouse().Move({100.0, 70.0});
-    ASSERT_TRUE(QTest::qWaitFor([this] { return height() != ""; }));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !height().empty(); }));
     expectHeightsOf(ReadTrack());
 }
 
@@ -108,7 +110,7 @@ TEST_F(ReadOutsTest, HeightsBeyondSixteenBitsAreShownAsTheyAre) {
     loadExternal(folder.Path("text.trk"));
     canvas().resize(100, 100);
     mouse().Move({20.0, 20.0});
-    ASSERT_TRUE(QTest::qWaitFor([this] { return height() != ""; }));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !height().empty(); }));
     EXPECT_EQ(height(), "123456.789");
     mouse().Move({80.0, 20.0});
     EXPECT_EQ(height(), "-40000.125");

@@ -6,6 +6,8 @@
 #include "link/OstraSdkClient.h"
 
 #include <cstdlib>
+#include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -119,7 +121,8 @@ TEST_F(ServerStrangers, WithATokenNothingIsDoneWithoutIt) {
 }
 
 TEST_F(ServerStrangers, ATokenFileThatIsNoneEndsTheStart) {
-    for (const std::string content : {"", "\n", "two words\n", "tab\t\n", std::string(1001, 'a').c_str()})
+    const std::vector<std::string> unusable = {"", "\n", "two words\n", "tab\t\n", std::string(1001, 'a')};
+    for (const std::string& content : unusable)
         EXPECT_THROW(OstraServerProcess(Served(), {"--token-file", TokenFile(content)}), std::runtime_error);
     EXPECT_THROW(OstraServerProcess(Served(), {"--token-file", folder.Path("missing")}), std::runtime_error);
     EXPECT_NO_THROW(OstraServerProcess(Served(), {"--token-file", TokenFile(std::string(1000, 'a'))}));

@@ -17,6 +17,12 @@ LogCapture::~LogCapture() {
 }
 
 std::vector<std::string> LogCapture::Lines() {
+    std::vector<std::string> lines = LinesWithPlaces();
+    std::erase_if(lines, [](const std::string& line) { return line.rfind("INFO: Line ", 0) == 0; });
+    return lines;
+}
+
+std::vector<std::string> LogCapture::LinesWithPlaces() {
     std::string text(static_cast<std::size_t>(std::ftell(file)), '\0');
     std::rewind(file);
     text.resize(std::fread(text.data(), 1, text.size(), file));

@@ -12,8 +12,11 @@ class LogCapture {
     LogCapture& operator=(const LogCapture&) = delete;
     ~LogCapture();
 
-    /// The lines written since the last call, without their time stamp: "ERROR: No height map data".
+    /// The lines written since the last call, without their time stamp: "ERROR: No height map data". Without
+    /// those that say which line of a text track an error is about.
     [[nodiscard]] std::vector<std::string> Lines();
+    /// The same with those lines: "INFO: Line 12: \"...\"".
+    [[nodiscard]] std::vector<std::string> LinesWithPlaces();
 
   private:
     std::FILE* file;

@@ -19,7 +19,7 @@ bool IsScale(const std::string& name) {
     return std::find(kScales.begin(), kScales.end(), name) != kScales.end();
 }
 
-void Darken(QApplication& application) {
+void Darken() {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QPalette dark(QColor(45, 45, 48));
     dark.setColor(QPalette::Base, QColor(30, 30, 30));
@@ -28,7 +28,7 @@ void Darken(QApplication& application) {
         dark.setColor(role, QColor(230, 230, 230));
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         dark.setColor(QPalette::Disabled, role, QColor(120, 120, 120));
-    application.setPalette(dark);
+    QApplication::setPalette(dark);
 }
 
 } // namespace
@@ -44,9 +44,9 @@ void Desktop::Prepare() const {
         qputenv("QT_SCALE_FACTOR", QByteArray::number(std::stoi(name) / 100.0));
 }
 
-void Desktop::Apply(QApplication& application) {
+void Desktop::Apply() {
     if (name == "dark")
-        Darken(application);
+        Darken();
     if (name == "right-to-left")
         QApplication::setLayoutDirection(Qt::RightToLeft);
     if (name == "comma") {

@@ -5,8 +5,6 @@
 #include <memory>
 #include <string>
 
-class QApplication;
-
 /// A desktop that an operator may have: its scale, colours, fonts, reading direction and locale.
 class Desktop {
   public:
@@ -18,8 +16,9 @@ class Desktop {
 
     /// Sets what Qt reads when the application object is created.
     void Prepare() const;
-    /// Sets the rest. The locale stays until this object is destroyed.
-    void Apply(QApplication& application);
+    /// Sets the rest, of the application that was created by then. The locale stays until this object is
+    /// destroyed.
+    void Apply();
 
     /// Whether the tour has every scenario here, or the main one alone.
     [[nodiscard]] bool IsPlain() const { return name == "plain"; }

@@ -60,7 +60,7 @@ int main(int argc, char** argv) {
 
         desktop.Prepare();
         QApplication application(argc, argv);
-        desktop.Apply(application);
+        desktop.Apply();
         QApplication::setDoubleClickInterval(kDoubleClickInterval);
         MainWindow window;
         window.setWindowTitle(QStringLiteral("Corvane"));

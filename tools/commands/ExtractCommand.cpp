@@ -32,6 +32,10 @@ Targets TargetsFor(const std::vector<std::string>& words, const std::string& out
     return targets;
 }
 
+Failure NotInWorkspace(const std::string& backup, const std::string& name) {
+    return {ExitCode::Unreadable, backup + ": no " + name + " in the workspace"};
+}
+
 /// @return the hard links among the files, by what they are copies of: an earlier file of the archive
 std::multimap<std::string, std::string> ExtractBytes(const std::string& backup, const Targets& targets) {
     Progress progress("Reading " + backup);
@@ -60,14 +64,14 @@ std::multimap<std::string, std::string> ExtractBytes(const std::string& backup, 
                      backup.c_str(), damage.what());
     }
     if (!missing.empty())
-        throw Failure(ExitCode::Unreadable, backup + ": no " + missing.begin()->first + " in the workspace");
+        throw NotInWorkspace(backup, missing.begin()->first);
     return links;
 }
 
 void ExtractFiles(const std::string& backup, const Targets& targets) {
     for (const auto& [original, target] : ExtractBytes(backup, targets))
         if (!ExtractBytes(backup, {{original, target}}).empty())
-            throw Failure(ExitCode::Unreadable, backup + ": no " + original + " in the workspace");
+            throw NotInWorkspace(backup, original);
 }
 
 void ExtractAll(const std::string& backup, const std::string& folder) {

@@ -75,13 +75,16 @@ int ReadHeightRange(CsvScan& scan, TrackInfo& info) {
 int ReadAnchor(CsvScan& scan, TrackInfo& info) {
     scan.MoveBehindHeader();
     if (!scan.Line().HasFields()) {
+        scan.Line().LogPlace();
         LOG_LINE(ERROR) << "Invalid image conversion row (empty)";
         return 1;
     }
     CsvFields fields(scan.Line());
     for (double* const number : {&info.anchorX, &info.anchorY, &info.anchorAngle}) {
-        if (!fields.HasNext())
+        if (!fields.HasNext()) {
+            scan.Line().LogPlace();
             throw std::runtime_error("The anchor line has fewer than three fields");
+        }
         *number = ToDouble(fields.Next());
     }
     return 0;
@@ -122,7 +125,10 @@ int PaintHeightMap(CsvScan& scan, HeightColours colours, QImage& image) {
         if (ExtractRowPixelValues(scan.Line(), row, colours, image) != 0)
             return 1;
     }
-    return row < image.height() ? NotEnough() : 0;
+    if (row >= image.height())
+        return 0;
+    scan.Line().LogPlace();
+    return NotEnough();
 }
 
 /// Reads the raw heights, each row by `fillRow`, which is given the line and the row's number.

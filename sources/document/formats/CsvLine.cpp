@@ -1,5 +1,7 @@
 #include "document/formats/CsvLine.h"
 
+#include "log/Log.h"
+
 #include <boost/tokenizer.hpp>
 
 #include <algorithm>
@@ -44,13 +46,24 @@ std::size_t CommaCount(std::string_view text) {
 
 } // namespace
 
-void CsvLine::Split(std::string_view line) {
+void CsvLine::Split(std::string_view line, std::uint64_t lineNumber) {
+    number = lineNumber;
     hasFields = !line.empty();
     text = line;
     if (!NeedsTokenizer(line))
         return;
     unquoted = Unquoted(line);
     text = unquoted;
+}
+
+void CsvLine::LogPlace() const {
+    constexpr std::size_t kMaxShown = 60;
+    if (number == 0)
+        return;
+    std::string shown(text.substr(0, kMaxShown));
+    std::replace_if(
+        shown.begin(), shown.end(), [](unsigned char letter) { return letter < ' ' || letter > '~'; }, '?');
+    LOG_LINE(INFO) << "Line " << number << ": \"" << shown << (text.size() > kMaxShown ? "..." : "") << '"';
 }
 
 std::size_t CsvLine::FieldCount() const {

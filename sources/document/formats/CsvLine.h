@@ -4,6 +4,7 @@
 #include "document/formats/PackedDecimal.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -17,8 +18,13 @@ class CsvLine {
     CsvLine& operator=(const CsvLine&) = delete;
 
     /// Takes a line, given without its line end; its bytes must stay while the fields are used.
+    /// @param lineNumber of the line in its file, for LogPlace; 0 when it is in none
     /// @throws boost::escaped_list_error for a bad escape anywhere in the line
-    void Split(std::string_view line);
+    void Split(std::string_view line, std::uint64_t lineNumber = 0);
+
+    /// Logs at INFO where the line is and how it begins: what an error that follows is about. Nothing for a
+    /// line of no file.
+    void LogPlace() const;
 
     /// An empty line has no fields; any other has at least one.
     [[nodiscard]] bool HasFields() const { return hasFields; }
@@ -40,6 +46,7 @@ class CsvLine {
   private:
     std::string_view text;
     std::string unquoted;
+    std::uint64_t number = 0;
     bool hasFields = false;
 };
 

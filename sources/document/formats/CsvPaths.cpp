@@ -17,9 +17,11 @@ Fields PathFields(const CsvLine& line) {
     Fields fields;
     CsvFields source(line);
     for (std::string_view& field : fields) {
-        if (!source.HasNext())
+        if (!source.HasNext()) {
+            line.LogPlace();
             throw std::runtime_error("Invalid item count=" + std::to_string(line.FieldCount()) +
                                      " for a point of a path");
+        }
         field = source.Next();
     }
     return fields;

@@ -6,7 +6,7 @@ bool CsvScan::Next() {
         if (!lines.Next(text))
             return false;
     } while (text.empty());
-    line.Split(text);
+    Split(text);
     return true;
 }
 
@@ -26,5 +26,14 @@ void CsvScan::Drop() {
 void CsvScan::MoveBehindHeader() {
     Drop();
     std::string_view text;
-    line.Split(lines.Next(text) ? text : std::string_view());
+    Split(lines.Next(text) ? text : std::string_view());
+}
+
+void CsvScan::Split(std::string_view text) {
+    try {
+        line.Split(text, lines.LineNumber());
+    } catch (...) {
+        line.LogPlace();
+        throw;
+    }
 }

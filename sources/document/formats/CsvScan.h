@@ -40,6 +40,8 @@ class CsvScan {
     void MoveBehindHeader();
 
   private:
+    void Split(std::string_view text);
+
     TextLines lines;
     CsvLine line;
 };

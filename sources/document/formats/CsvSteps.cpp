@@ -17,12 +17,14 @@ namespace {
 
 constexpr std::size_t kPixelBytes = std::tuple_size_v<HeightRamp::Colour>;
 
-int EmptyRow(std::int64_t row) {
+int EmptyRow(const CsvLine& line, std::int64_t row) {
+    line.LogPlace();
     LOG_LINE(ERROR) << "Cannot retrieve pixel values for row=" << row << " empty item vector";
     return 1;
 }
 
-int InvalidRow(std::int64_t row) {
+int InvalidRow(const CsvLine& line, std::int64_t row) {
+    line.LogPlace();
     LOG_LINE(ERROR) << "Invalid row=" << row << " for pixel values retrieval";
     return 1;
 }
@@ -65,10 +67,10 @@ int FillRow(const CsvLine& line, std::int64_t row, std::int32_t width, HeightMap
             RawValue rawValue) {
     return Guarded("[ExtractRowPixelData] (EXCEPTION) ", [&] {
         if (!line.HasFields())
-            return EmptyRow(row);
+            return EmptyRow(line, row);
         const auto cells = static_cast<std::int64_t>(heights.size());
         if (row < 0 || width <= 0 || row >= cells / width)
-            return InvalidRow(row);
+            return InvalidRow(line, row);
         CsvFields fields(line);
         fields.Next();
         auto cell = heights.begin() + row * width;
@@ -85,10 +87,12 @@ int FillRow(const CsvLine& line, std::int64_t row, std::int32_t width, HeightMap
 int ExtractInfo(const CsvLine& line, TrackInfo& info) {
     return Guarded("[ExtractInfo] (EXCEPTION) ", [&] {
         if (!line.HasFields()) {
+            line.LogPlace();
             LOG_LINE(ERROR) << "Cannot retrieve height map info from empty item vector";
             return 1;
         }
         if (const std::size_t count = line.FieldCount(); count != 8) {
+            line.LogPlace();
             LOG_LINE(ERROR) << "Invalid item count=" << count << " for height map info extraction";
             return 1;
         }
@@ -105,11 +109,13 @@ int ExtractInfo(const CsvLine& line, TrackInfo& info) {
 int ExtractYValues(const CsvLine& line, std::int32_t width, std::vector<double>& columnPositions) {
     return Guarded("[ExtractYValues] (EXCEPTION) ", [&] {
         if (!line.HasFields()) {
+            line.LogPlace();
             LOG_LINE(ERROR) << "Cannot retrieve height map y values from empty item vector";
             return 1;
         }
         const std::size_t count = line.FieldCount();
         if (static_cast<std::int64_t>(count) != std::int64_t{width} + 1) {
+            line.LogPlace();
             LOG_LINE(ERROR) << "Invalid item count=" << count << " for column world positions";
             return 1;
         }
@@ -127,9 +133,9 @@ int FindMinMaxHeight(const CsvLine& line, std::int64_t row, std::vector<double>&
                      double& minHeight, double& maxHeight) {
     return Guarded("[FindMinMaxHeight] (EXCEPTION) ", [&] {
         if (!line.HasFields())
-            return EmptyRow(row);
+            return EmptyRow(line, row);
         if (row < 0 || row >= static_cast<std::int64_t>(rowPositions.size()))
-            return InvalidRow(row);
+            return InvalidRow(line, row);
         CsvFields fields(line);
         rowPositions[static_cast<std::size_t>(row)] = TakeDouble(fields);
         HeightRange range(minHeight, maxHeight);
@@ -143,16 +149,18 @@ int FindMinMaxHeight(const CsvLine& line, std::int64_t row, std::vector<double>&
 int ExtractRowPixelValues(const CsvLine& line, std::int64_t row, HeightColours& colours, QImage& image) {
     return Guarded("[ExtractRowPixelValues] (EXCEPTION) ", [&] {
         if (!line.HasFields())
-            return EmptyRow(row);
+            return EmptyRow(line, row);
         if (row < 0 || row >= image.height())
-            return InvalidRow(row);
+            return InvalidRow(line, row);
         if (const std::size_t values = line.FieldCount() - 1;
             static_cast<std::size_t>(image.width()) < values) {
+            line.LogPlace();
             LOG_LINE(ERROR) << "Image width=" << image.width() << " does not match"
                             << " pixel value count=" << values << " from csv file";
             return 1;
         }
         if (!colours.IsValid()) {
+            line.LogPlace();
             LOG_LINE(ERROR) << "Invalid depth range for pixel retrieval from CSV";
             return 1;
         }

@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <exception>
+#include <stdexcept>
 #include <system_error>
 
 namespace {
@@ -28,7 +29,10 @@ void HeightProbe::Open(const std::string& path, const TrackInfo& info) {
     try {
         file = path;
         identity = IdentityOf(file);
-        if (EncodingOf(file) == TrackEncoding::Text)
+        const std::optional<TrackEncoding> encoding = EncodingOf(file);
+        if (!encoding)
+            throw std::runtime_error("File could not be opened");
+        if (encoding == TrackEncoding::Text)
             text.emplace(file, std::max(info.width, 1));
         else if (!HasBinaryMap(file, info.width, info.height))
             return;
@@ -37,9 +41,13 @@ void HeightProbe::Open(const std::string& path, const TrackInfo& info) {
         zResolution = info.zResolution;
         zOffset = info.zOffset;
     } catch (const std::exception& failure) {
-        LOG_LINE(WARNING) << "No single heights can be read (" << failure.what() << ")";
-        Close();
+        GiveUp(failure);
     }
+}
+
+void HeightProbe::GiveUp(const std::exception& failure) {
+    LOG_LINE(INFO) << "No heights can be shown: " << failure.what();
+    Close();
 }
 
 void HeightProbe::Close() {
@@ -52,8 +60,7 @@ bool HeightProbe::Prepare(std::chrono::microseconds time) {
     try {
         return text && text->Prepare(time);
     } catch (const std::exception& failure) {
-        LOG_LINE(WARNING) << "No single heights can be read (" << failure.what() << ")";
-        Close();
+        GiveUp(failure);
         return false;
     }
 }

@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <exception>
 #include <optional>
 #include <string>
 
@@ -30,6 +31,7 @@ class HeightProbe {
     [[nodiscard]] CellHeight At(int column, int row) const;
 
   private:
+    void GiveUp(const std::exception& failure);
     /// What a file that is written anew, or replaced, does not have any more.
     static FileFacts IdentityOf(const std::string& file);
     [[nodiscard]] CellHeight BinaryHeightAt(int column, int row) const;

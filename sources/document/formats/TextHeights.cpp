@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <stdexcept>
 #include <utility>
 
 namespace {
@@ -24,6 +25,10 @@ TextHeights::TextHeights(std::string path, int columns)
     : file(std::move(path)),
       rowsPerStart(std::max(1, kCellsPerStart / columns)),
       scan(std::make_unique<CsvScan>(file)) {
+    if (!scan->IsOpen())
+        throw std::runtime_error("File could not be opened");
+    if (!TakeLine())
+        scan.reset();
 }
 
 bool TextHeights::Prepare(std::chrono::microseconds time) {

@@ -14,6 +14,7 @@
 class TextHeights {
   public:
     /// @param columns of the height map, at least 1
+    /// @throws std::runtime_error when the file cannot be read
     TextHeights(std::string file, int columns);
 
     /// Goes on finding rows for about that time. @return whether there are more to find

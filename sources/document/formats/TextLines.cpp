@@ -47,6 +47,7 @@ std::string_view TextLines::TakeLine(std::size_t length, std::size_t lineEnd) {
     std::string_view line(block.data() + begin, length);
     if (!line.empty() && line.back() == '\r')
         line.remove_suffix(1);
+    ++lineNumber;
     position += lineEnd - begin;
     begin = lineEnd;
     searched = 0;

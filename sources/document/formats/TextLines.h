@@ -26,6 +26,9 @@ class TextLines {
     /// The byte of the file that the next line starts at.
     [[nodiscard]] std::uint64_t Position() const { return position; }
 
+    /// The number of the line that Next returned last, the first being 1; not after MoveTo.
+    [[nodiscard]] std::uint64_t LineNumber() const { return lineNumber; }
+
     /// Goes to the line that starts at a byte. @throws std::runtime_error when the file cannot be read there
     void MoveTo(std::uint64_t byte);
 
@@ -43,6 +46,7 @@ class TextLines {
     InputFile file;
     std::uint64_t fileSize = 0;
     std::uint64_t position = 0;
+    std::uint64_t lineNumber = 0;
     std::vector<char> block;
     std::size_t begin = 0;    ///< where the bytes not yet handed out start in the block
     std::size_t end = 0;      ///< behind the last byte read

@@ -47,7 +47,9 @@ class HeightProbeTest : public ::testing::Test {
     void ExpectHeightsOf(const independent::Track& track) {
         for (int row = 0; row < track.height; ++row)
             for (int column = 0; column < track.width; ++column) {
-                const auto& expected = track.heights[static_cast<std::size_t>(row * track.width + column)];
+                const auto cell = static_cast<std::size_t>(row) * static_cast<std::size_t>(track.width) +
+                                  static_cast<std::size_t>(column);
+                const auto& expected = track.heights[cell];
                 const CellHeight found = probe.At(column, row);
                 ASSERT_EQ(found.kind, expected ? Kind::Measured : Kind::NotMeasured) << column << " " << row;
                 if (expected) {

@@ -318,4 +318,23 @@ TEST_F(ReadTextInfo, givesUpAtALineWithoutEnd) {
                 ElementsAre("ERROR: [ReadInfoFromCsv] (EXCEPTION) A line is longer than 67108864 bytes"));
 }
 
+TEST_F(ReadTextInfo, namesTheLineThatAnErrorIsAbout) {
+    EXPECT_EQ(ReadWith("0.1,0.2,0.01,3,4,-5,3,2\n", "0.1,0.2,0.01,3,4,-5,3\n"), 1);
+    EXPECT_THAT(log.LinesWithPlaces(),
+                ElementsAre("INFO: Line 3: \"0.1,0.2,0.01,3,4,-5,3\"",
+                            "ERROR: Invalid item count=7 for height map info extraction"));
+    EXPECT_EQ(ReadWith("10.1,1.27,1.29,1.31\n", "10.1,\"open\\x\n"), 1);
+    const std::vector<std::string> lines = log.LinesWithPlaces();
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_EQ(lines[0], "INFO: Line 6: \"10.1,\"open\\x\"");
+}
+
+TEST_F(ReadTextInfo, countsEmptyLinesAndShowsNoMoreThanTheBeginningOfALine) {
+    const std::string tooMany = "0.0,0.1,0.2," + std::string(100, '\t');
+    EXPECT_EQ(ReadWith("YX,0.0,0.1,0.2\n", "\n\r\nYX," + tooMany + "\n"), 1);
+    EXPECT_THAT(log.LinesWithPlaces(),
+                ElementsAre("INFO: Line 6: \"YX,0.0,0.1,0.2," + std::string(45, '?') + "...\"",
+                            "ERROR: Invalid item count=5 for column world positions"));
+}
+
 } // namespace

@@ -150,4 +150,12 @@ TEST_F(ReadTextPath, logsTheTokenizersComplaints) {
     EXPECT_THAT(PointCounts(), ElementsAre(1U));
 }
 
+TEST_F(ReadTextPath, namesTheLineThatAnErrorIsAbout) {
+    EXPECT_EQ(Read("Segment\nhead\n0,0,0,0,0.5,0.5,1,100,50,100\n0,1,0\nEnd\n"), 1);
+    EXPECT_THAT(
+        log.LinesWithPlaces(),
+        ElementsAre("INFO: Line 4: \"0,1,0\"",
+                    "ERROR: [ReadPathFromCsv] (EXCEPTION) Invalid item count=3 for a point of a path"));
+}
+
 } // namespace
