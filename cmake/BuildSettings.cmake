@@ -16,6 +16,12 @@ target_compile_options(corvane_settings INTERFACE
 target_compile_definitions(corvane_settings INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_FOREACH)
 
+if(WIN32)
+  # What the system's header takes beside its calls: names such as ERROR, min and DELETE, and narrow forms of the calls.
+  target_compile_definitions(corvane_settings INTERFACE
+    NOGDI NOMINMAX WIN32_LEAN_AND_MEAN UNICODE _UNICODE _WIN32_WINNT=0x0A00)
+endif()
+
 include(CheckPIESupported)
 check_pie_supported(LANGUAGES CXX)
 
@@ -31,12 +37,17 @@ if(CORVANE_SANITIZE)
   endif()
 else()
   add_compile_options(-fstack-protector-strong)
+  if(WIN32)
+    add_link_options(-fstack-protector-strong) # brings the library of the checks
+  endif()
   add_compile_options($<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
 endif()
 if(CORVANE_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
-add_link_options(-Wl,-z,relro -Wl,-z,now)
+if(NOT WIN32)
+  add_link_options(-Wl,-z,relro -Wl,-z,now)
+endif()
 
 # corvane_module(<target> FOLDER <path> [QT] SOURCES ... [PUBLIC ...] [PRIVATE ...])
 # A module: a static library with the headers of one folder, which are included with that folder's path

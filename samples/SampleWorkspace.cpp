@@ -13,13 +13,13 @@ void WriteText(const std::filesystem::path& path, const std::string& text) {
     file << text;
     file.close();
     if (!file.good())
-        throw std::runtime_error("cannot write " + path.string());
+        throw std::runtime_error("cannot write " + path.filename().string());
 }
 
 } // namespace
 
 void WriteSampleWorkspace(const std::string& folder, std::uint32_t seed) {
-    const std::filesystem::path root = std::filesystem::path(folder) / "vdk";
+    const std::filesystem::path root = PathOf(folder) / "vdk";
     const std::filesystem::path tracks = root / "ContourPath";
     std::filesystem::create_directories(tracks);
     std::filesystem::create_directories(root / "empty");
@@ -28,7 +28,8 @@ void WriteSampleWorkspace(const std::string& folder, std::uint32_t seed) {
 
     const MachinedPart housing(MachinedPart::Kind::Groove, 300, 200, seed);
     const MachinedPart cover(MachinedPart::Kind::Seam, 400, 300, seed + 1);
-    WriteTrackFile((tracks / "housing.trk").string(), housing, {TrackFormat::Text, true});
-    WriteTrackFile((tracks / "housing-blank.trk").string(), housing, {TrackFormat::Text, false});
-    WriteTrackFile((tracks / "cover.trk").string(), cover, {TrackFormat::Binary, true});
+    const std::string inTracks = folder + "/vdk/ContourPath/";
+    WriteTrackFile(inTracks + "housing.trk", housing, {TrackFormat::Text, true});
+    WriteTrackFile(inTracks + "housing-blank.trk", housing, {TrackFormat::Text, false});
+    WriteTrackFile(inTracks + "cover.trk", cover, {TrackFormat::Binary, true});
 }

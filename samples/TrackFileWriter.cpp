@@ -3,7 +3,6 @@
 #include "samples/Decimal.h"
 
 #include <bit>
-#include <filesystem>
 #include <fstream>
 #include <stdexcept>
 
@@ -159,8 +158,12 @@ void Write(Track track, const MachinedPart& part, const std::vector<Path>& paths
 
 } // namespace
 
+std::filesystem::path PathOf(const std::string& path) {
+    return std::u8string(path.begin(), path.end());
+}
+
 void WriteTrackFile(const std::string& path, const MachinedPart& part, const SampleOptions& options) {
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    std::ofstream file(PathOf(path), std::ios::binary | std::ios::trunc);
     if (!file)
         throw std::runtime_error("cannot write " + path);
     const std::vector<Path> paths = options.paths ? part.Paths() : std::vector<Path>();
@@ -171,7 +174,7 @@ void WriteTrackFile(const std::string& path, const MachinedPart& part, const Sam
     file.close();
     if (file.good())
         return;
-    if (std::filesystem::is_regular_file(path))
-        std::filesystem::remove(path);
+    if (std::filesystem::is_regular_file(PathOf(path)))
+        std::filesystem::remove(PathOf(path));
     throw std::runtime_error("cannot write all of " + path);
 }

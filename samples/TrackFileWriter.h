@@ -2,6 +2,7 @@
 
 #include "samples/MachinedPart.h"
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,9 @@ struct SampleOptions {
     TrackFormat format = TrackFormat::Text;
     bool paths = true;
 };
+
+/// A path in UTF-8 for the standard library, which takes a narrow one in another encoding on some systems.
+std::filesystem::path PathOf(const std::string& path);
 
 /// Writes the part as a track file, row by row. Both encodings of a part read back as the same raw height
 /// map. This writer is independent of the editor's own: it is made from the description of the format alone.

@@ -1,5 +1,7 @@
 #include "server/RequestLog.h"
 
+#include "basalt/StandardStreams.h"
+
 #include <algorithm>
 #include <cinttypes>
 #include <stdexcept>
@@ -12,8 +14,7 @@ std::string PlainText(std::string_view text) {
     return plain;
 }
 
-RequestLog::RequestLog(const std::string& path)
-    : file(path.empty() ? stdout : std::fopen(path.c_str(), "ae")) {
+RequestLog::RequestLog(const std::string& path) : file(path.empty() ? stdout : OpenToAppend(path)) {
     if (file == nullptr)
         throw std::runtime_error("cannot open the log file " + path);
 }

@@ -1,13 +1,13 @@
 #include "server/RestoredBackup.h"
 
 #include "basalt/Exception.h"
+#include "basalt/bDirectory.h"
 #include "cinder/TarName.h"
 #include "server/WorkspaceTree.h"
 #include "server/http/HttpError.h"
 #include "wire/JsonText.h"
 
 #include <array>
-#include <filesystem>
 
 namespace {
 
@@ -67,7 +67,7 @@ void RestoredBackup::Unpack(OstraSdk::ByteString& bytes) {
         ReadEntries(bytes);
         if (!unpacked)
             Refuse("The archive holds no workspaces/Workspace.osws.");
-        if (!std::filesystem::is_directory(staged->Tree() + "/vdk/ContourPath"))
+        if (bDirectory_Exists((staged->Tree() + "/vdk/ContourPath").c_str()) == 0)
             Refuse("The workspace has no vdk/ContourPath.");
     } catch (...) {
         failure = std::current_exception();

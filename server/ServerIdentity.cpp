@@ -1,34 +1,23 @@
 #include "server/ServerIdentity.h"
 
-#include <memory>
-#include <utility>
+#include "basalt/NetworkInterface.h"
 
-#include <arpa/inet.h>
-#include <ifaddrs.h>
-#include <netinet/in.h>
+#include <array>
+#include <utility>
 
 namespace {
 
-std::string Dotted(const sockaddr* address) {
-    if (address == nullptr || address->sa_family != AF_INET)
-        return {};
-    char text[INET_ADDRSTRLEN] = {};
-    const auto* internet = reinterpret_cast<const sockaddr_in*>(address);
-    return inet_ntop(AF_INET, &internet->sin_addr, text, sizeof(text)) == nullptr ? std::string() : text;
+std::string Dotted(bIpAddress address) {
+    std::array<char, bIpAddress_TEXT_SIZE> text{};
+    return bIpAddress_Format(address, text.data(), text.size()) == bOK ? text.data() : "";
 }
 
 /// The network mask of the interface that has this address.
 std::string MaskOf(const std::string& address) {
-    ifaddrs* first = nullptr;
-    if (getifaddrs(&first) != 0)
-        return "0.0.0.0";
-    const auto release = [](ifaddrs* list) { freeifaddrs(list); };
-    const std::unique_ptr<ifaddrs, decltype(release)> interfaces(first);
-    for (const ifaddrs* each = interfaces.get(); each != nullptr; each = each->ifa_next) {
-        if (Dotted(each->ifa_addr) == address)
-            return Dotted(each->ifa_netmask);
-    }
-    return "0.0.0.0";
+    for (const NetworkInterface& each : NetworkInterfaces())
+        if (Dotted(each.address) == address)
+            return Dotted(each.mask);
+    return Dotted({});
 }
 
 } // namespace

@@ -1,25 +1,22 @@
 #include "server/Workspace.h"
 
+#include "basalt/AtomicFile.h"
 #include "basalt/FileOwnership.h"
+#include "basalt/FilePath.h"
 #include "basalt/FolderReader.h"
+#include "basalt/InputFile.h"
 #include "basalt/RandomName.h"
 
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
+#include <array>
+#include <charconv>
 #include <stdexcept>
 #include <system_error>
-
-#include <fcntl.h>
-
-namespace fs = std::filesystem;
 
 namespace {
 
 /// Removes a folder with all it holds. What cannot be removed stays until the next start, which tries again.
 void RemoveTree(const std::string& path) {
-    std::error_code remains;
-    fs::remove_all(path, remains);
+    static_cast<void>(RemoveTreeAt(path));
 }
 
 bool IsFolder(const std::string& path) {
@@ -27,11 +24,7 @@ bool IsFolder(const std::string& path) {
 }
 
 bool Rename(const std::string& from, const std::string& to) {
-    return rename(from.c_str(), to.c_str()) == 0;
-}
-
-bool Exchange(const std::string& one, const std::string& other) {
-    return renameat2(AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(), RENAME_EXCHANGE) == 0;
+    return !MovePath(to, from);
 }
 
 /// Exchanges two folders by way of a third name, for file systems that cannot do it in one step.
@@ -55,20 +48,29 @@ std::uint64_t IdOf(const std::string& path) {
 
 /// Notes which folder the tree is before it is exchanged.
 bool WriteMark(const StagedFolder& staged) {
-    std::ofstream mark(staged.Mark());
-    mark << IdOf(staged.Tree());
-    mark.close();
-    return mark.good();
+    AtomicFile mark(staged.Mark());
+    mark.Write(std::to_string(IdOf(staged.Tree())));
+    return mark.Commit();
 }
 
 /// The absolute path without links and without a "/" at its end.
-fs::path PlaceOf(const std::string& path) {
-    fs::path place = fs::absolute(path).lexically_normal();
-    if (!place.has_filename())
-        place = place.parent_path();
-    std::error_code missing;
-    const fs::path real = fs::canonical(place, missing);
-    return missing ? place : real;
+std::string PlaceOf(const std::string& path) {
+    std::string place = AbsolutePath(path);
+    if (NameOf(place).empty())
+        place = FolderOf(place);
+    const std::string real = RealPath(place);
+    return real.empty() ? place : real;
+}
+
+/// 0 for none.
+std::uint64_t ReadMark(const std::string& path) {
+    InputFile file(path.c_str());
+    std::array<char, 32> text{};
+    std::size_t count = 0;
+    std::uint64_t id = 0;
+    if (file.IsOpen() && file.Read(text.data(), text.size(), &count))
+        std::from_chars(text.data(), text.data() + count, id);
+    return id;
 }
 
 } // namespace
@@ -97,9 +99,9 @@ StagedFolder::~StagedFolder() {
 }
 
 Workspace::Workspace(const std::string& path, std::size_t keep)
-    : parent(PlaceOf(path).parent_path().string()),
-      name(PlaceOf(path).filename().string()),
-      target(PlaceOf(path).string()),
+    : parent(FolderOf(PlaceOf(path))),
+      name(NameOf(PlaceOf(path))),
+      target(PlaceOf(path)),
       keep(keep),
       kept(parent, "." + name + ".ostra-kept-"),
       current(std::make_shared<Generation>()) {
@@ -150,9 +152,9 @@ void Workspace::RecoverOld() {
 /// What a restore left that was cut short. Once the folders are exchanged, it is the old workspace.
 void Workspace::RecoverStaged(const std::string& path) {
     const StagedFolder staged(path);
-    std::uint64_t id = 0;
+    const std::uint64_t id = ReadMark(staged.Mark());
     const std::uint64_t idNow = IdOf(staged.Tree());
-    if (std::ifstream(staged.Mark()) >> id && idNow != 0 && idNow != id)
+    if (id != 0 && idNow != 0 && idNow != id)
         Keep(staged.Tree(), nullptr);
 }
 
@@ -177,7 +179,7 @@ StagedFolder Workspace::Stage() const {
 bool Workspace::TakePlace(const std::string& tree) const {
     const auto ownership = FileOwnership::Of(target);
     return ownership && ownership->GiveTo(tree) &&
-           (Exchange(tree, target) || ExchangeBySteps(tree, target, Beside("old")));
+           (!ExchangePaths(tree, target) || ExchangeBySteps(tree, target, Beside("old")));
 }
 
 bool Workspace::Replace(StagedFolder staged) {

@@ -1,5 +1,6 @@
 #include "basalt/DescriptorLimit.h"
 #include "basalt/Exception.h"
+#include "basalt/StandardStreams.h"
 #include "server/DiscoveryResponder.h"
 #include "server/FaultPlan.h"
 #include "server/ReplayMode.h"
@@ -126,7 +127,7 @@ int Run(const QStringList& arguments) {
 int main(int count, char* arguments[]) {
     constexpr int kFailed = 1;
     constexpr int kMisused = 2;
-    std::signal(SIGPIPE, SIG_IGN); // a log reader that has gone does not end the server
+    IgnoreBrokenPipes(); // a log reader that has gone does not end the server
     const QCoreApplication application(count, arguments);
     try {
         return Run(QCoreApplication::arguments());

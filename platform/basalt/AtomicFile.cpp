@@ -1,34 +1,16 @@
 #include "basalt/AtomicFile.h"
 
-#include <array>
-#include <filesystem>
+#include "basalt/FilePath.h"
 
-namespace fs = std::filesystem;
+#include <array>
 
 namespace {
 
-/// The file that a name leads to: the far end of a chain of links, whether or not it exists yet.
-std::string LinksFollowed(const std::string& path) {
-    std::error_code failure;
-    fs::path place(path);
-    constexpr int kMaxLinks = 40;
-    for (int step = 0; step < kMaxLinks && fs::is_symlink(place, failure); ++step) {
-        // Joined to a folder, an absolute path remains itself.
-        place = place.parent_path() / fs::read_symlink(place, failure);
-    }
-    return place.string();
-}
-
-std::string FolderOf(const std::string& path) {
-    const std::string folder = fs::path(path).parent_path().string();
-    return folder.empty() ? "." : folder;
-}
-
 /// Why an existing file may not be replaced.
-std::error_code RefusalOf(const fs::file_status& status, const std::string& path) {
-    if (fs::is_directory(status))
+std::error_code RefusalOf(FileKind kind, const std::string& path) {
+    if (kind == FileKind::Folder)
         return std::make_error_code(std::errc::is_a_directory);
-    if (!fs::is_regular_file(status))
+    if (kind != FileKind::File)
         return std::make_error_code(std::errc::not_supported);
     return MayWrite(path) ? std::error_code() : std::make_error_code(std::errc::permission_denied);
 }
@@ -37,11 +19,12 @@ std::error_code RefusalOf(const fs::file_status& status, const std::string& path
 
 AtomicFile::AtomicFile(const std::string& path, std::size_t bufferSize, std::pmr::memory_resource* memory)
     : target(LinksFollowed(path)), buffer(memory), bufferSize(bufferSize) {
-    const fs::file_status status = fs::status(path, failure);
-    const bool exists = fs::exists(status);
+    FileFacts facts;
+    failure = AskPath(path, &facts);
+    const bool exists = !failure;
     if (exists)
-        failure = RefusalOf(status, target);
-    else if (status.type() == fs::file_type::not_found)
+        failure = RefusalOf(facts.kind, target);
+    else if (failure == std::errc::no_such_file_or_directory || failure == std::errc::not_a_directory)
         failure.clear(); // any other failure is one: a ring of links, say, where a file would end the links
     if (!failure)
         Open(exists);
@@ -94,7 +77,7 @@ bool AtomicFile::Commit() {
     if (!IsOpen())
         return false;
     FlushBuffer();
-    if (!failed && !(file->Sync() && file->Keep(fs::path(target).filename().string())))
+    if (!failed && !(file->Sync() && file->Keep(NameOf(target))))
         Fail(file->Failure());
     file.reset(); // and with it what could not be kept
     if (!failed)

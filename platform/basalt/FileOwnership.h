@@ -34,6 +34,8 @@ class FileOwnership final {
     unsigned owner = 0;
     unsigned group = 0;
     unsigned permissions = 0; ///< within kPermissionBits
+    std::string accessList;   ///< Windows: who may do what, where it is more than the folder hands down
+    bool isProtected = false; ///< and whether the folder hands nothing down
 };
 
 /// Whether the user that the process acts as may write an existing file.

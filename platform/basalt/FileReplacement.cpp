@@ -2,11 +2,8 @@
 
 #include "basalt/AtomicFile.h"
 #include "basalt/FileOwnership.h"
+#include "basalt/FilePath.h"
 #include "basalt/InputFile.h"
-
-#include <filesystem>
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -16,14 +13,12 @@ bool MoveTo(const std::string& target, const std::string& from) {
     const auto fresh = FileOwnership::Of(from);
     if (!old || !fresh || !fresh->BelongsLike(*old) || !old->GiveTo(from))
         return false;
-    std::error_code failure;
-    fs::rename(from, target, failure);
-    return !failure;
+    return !MovePath(target, from);
 }
 
 } // namespace
 
-std::error_code CopyFile(const std::string& from, const std::string& target) {
+std::error_code CopyAtomically(const std::string& from, const std::string& target) {
     InputFile source(from.c_str());
     if (!source.IsOpen())
         return source.Failure();
@@ -37,16 +32,16 @@ std::error_code CopyFile(const std::string& from, const std::string& target) {
     return copy.Commit() ? std::error_code() : copy.Failure();
 }
 
-std::error_code ReplaceFile(const std::string& from, const std::string& target) {
-    std::error_code failure;
-    const fs::path place = fs::canonical(target, failure);
-    if (failure)
+std::error_code ReplaceAtomically(const std::string& from, const std::string& target) {
+    FileFacts facts;
+    if (const std::error_code failure = AskPath(target, &facts))
         return failure;
-    if (!fs::is_regular_file(place, failure))
-        return failure ? failure : std::make_error_code(std::errc::not_supported);
-    if (!MayWrite(place.string()))
+    if (facts.kind != FileKind::File)
+        return std::make_error_code(std::errc::not_supported);
+    const std::string place = LinksFollowed(target);
+    if (!MayWrite(place))
         return std::make_error_code(std::errc::permission_denied);
-    if (!MoveTo(place.string(), from))
-        return CopyFile(from, place.string());
-    return FolderHandle(place.parent_path().string(), FolderHandle::Links::Followed).Sync();
+    if (!MoveTo(place, from))
+        return CopyAtomically(from, place);
+    return FolderHandle(FolderOf(place), FolderHandle::Links::Followed).Sync();
 }

@@ -27,6 +27,8 @@ class InputFile final {
 
     /// Reads up to `capacity` bytes; fewer only at the end of the file. @return false on failure
     [[nodiscard]] bool Read(void* data, std::size_t capacity, std::size_t* count);
+    /// Moves the place of reading to a byte of the file. @return false on failure
+    [[nodiscard]] bool MoveTo(std::int64_t byte);
     /// Moves the place of reading on by `size` bytes, not beyond the end.
     /// @return the bytes really passed over; -1 on failure
     [[nodiscard]] std::int64_t Skip(std::int64_t size);

@@ -1,13 +1,11 @@
 #include "basalt/bDirectory.h"
 
+#include "basalt/FilePath.h"
 #include "basalt/FolderReader.h"
 
-#include <filesystem>
 #include <string>
 
 namespace {
-
-namespace fs = std::filesystem;
 
 void Tell(std::error_code* why, const std::error_code& reason) {
     if (why != nullptr)
@@ -29,37 +27,25 @@ bStatus List(const char* path, FileKind kind, bArrayList* list, std::error_code*
     return bOK;
 }
 
-/// "link/" would name what the link leads to; "link" names the link.
-std::string WithoutSlashAtTheEnd(std::string path) {
-    while (path.size() > 1 && path.back() == '/')
-        path.pop_back();
-    return path;
-}
-
 } // namespace
 
 int bDirectory_Exists(const char* path) {
-    std::error_code ignored;
-    return fs::is_directory(path, ignored) ? 1 : 0;
+    FileFacts facts;
+    return !AskPath(path, &facts) && facts.kind == FileKind::Folder ? 1 : 0;
 }
 
 bStatus bDirectory_Create(const char* path, std::error_code* why) {
-    std::error_code failure;
-    if (!fs::create_directory(path, failure) && !failure)
-        failure = make_error_code(std::errc::file_exists);
+    const std::error_code failure = MakeFolderAt(path);
     Tell(why, failure);
     return failure ? bERROR_FILE : bOK;
 }
 
 bStatus bDirectory_Delete(const char* path, std::error_code* why) {
-    std::error_code failure;
-    const std::string place = WithoutSlashAtTheEnd(path);
-    if (fs::symlink_status(place, failure).type() == fs::file_type::not_found)
+    FileFacts facts;
+    std::error_code failure = AskPathItself(path, &facts);
+    if (failure == std::errc::no_such_file_or_directory || failure == std::errc::not_a_directory)
         return bERROR_NOT_FOUND;
-    if (fs::is_directory(place, failure))
-        fs::remove_all(place, failure);
-    else if (!failure)
-        failure = make_error_code(std::errc::not_a_directory);
+    failure = bDirectory_Exists(path) != 0 ? RemoveTreeAt(path) : make_error_code(std::errc::not_a_directory);
     Tell(why, failure);
     return failure ? bERROR_FILE : bOK;
 }

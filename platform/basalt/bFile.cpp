@@ -1,6 +1,7 @@
 #include "basalt/bFile.h"
 
-#include <filesystem>
+#include "basalt/FilePath.h"
+
 #include <stdexcept>
 
 bStatus bFile::OpenToRead(const char* path) {
@@ -72,21 +73,19 @@ bStatus bFile::Commit() {
 }
 
 int bFile_Exists(const char* path) {
-    std::error_code ignored;
-    return std::filesystem::is_regular_file(path, ignored) ? 1 : 0;
+    FileFacts facts;
+    return !AskPath(path, &facts) && facts.kind == FileKind::File ? 1 : 0;
 }
 
 bStatus bFile_Delete(const char* path) {
     if (bFile_Exists(path) == 0)
         return bERROR_NOT_FOUND;
-    std::error_code failure;
-    return std::filesystem::remove(path, failure) ? bOK : bERROR_FILE;
+    return RemoveFileAt(path) ? bERROR_FILE : bOK;
 }
 
 std::int64_t bFile_Size(const char* path) {
-    std::error_code failure; // a folder and the like have none
-    const auto size = std::filesystem::file_size(path, failure);
-    return failure ? -1 : static_cast<std::int64_t>(size);
+    FileFacts facts;
+    return !AskPath(path, &facts) && facts.kind == FileKind::File ? facts.size : -1;
 }
 
 bStatus bFile_Construct(bFile** file, const char* path, int mode, bAlloc allocator, std::error_code* why) {

@@ -1,6 +1,6 @@
 #include "cinder/TarReader.h"
 
-#include "cinder/ArchiveLocale.h"
+#include "cinder/EntryNames.h"
 
 #include <algorithm>
 #include <array>
@@ -81,7 +81,7 @@ bStatus TarReader::Open() {
     archive_read_set_read_callback(handle.get(), &TarReader::Fill);
     archive_read_set_skip_callback(handle.get(), &TarReader::Skip);
     if (archive_read_set_callback_data(handle.get(), this) != ARCHIVE_OK ||
-        archive_read_support_format_tar(handle.get()) != ARCHIVE_OK)
+        archive_read_support_format_tar(handle.get()) != ARCHIVE_OK || !PrepareToReadNames(handle.get()))
         return bERROR_MEMORY;
     // This looks for the first header already. One that is no tar header is met again by BeginRead.
     opened = archive_read_open1(handle.get()) == ARCHIVE_OK;
@@ -177,6 +177,8 @@ bStatus TarReader::NextHeader() try {
             return StatusOfTheEnd();
         if (result != ARCHIVE_OK && !OnlyTheNamesCharactersAreOdd(result))
             return Damage();
+        if (!TakeNames(entry.get()))
+            return bERROR_FORMAT;
         if (!IsLeftOut(entry.get()))
             return bOK;
         leftOut.Add(PathOf(entry.get()));
@@ -188,7 +190,7 @@ bStatus TarReader::NextHeader() try {
 /// The warning that names beyond ASCII bring when they are read as bytes. Any other warning means that
 /// something in a header was ignored, perhaps the very record that has the entry's full name.
 bool TarReader::OnlyTheNamesCharactersAreOdd(int result) const {
-    return result == ARCHIVE_WARN && archive_errno(handle.get()) == EILSEQ;
+    return TakesNamesOfAnyBytes() && result == ARCHIVE_WARN && archive_errno(handle.get()) == EILSEQ;
 }
 
 /// An archive that just stops, cut between two entries, looks finished but for the missing end mark.

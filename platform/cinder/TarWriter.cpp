@@ -1,6 +1,6 @@
 #include "cinder/TarWriter.h"
 
-#include "cinder/ArchiveLocale.h"
+#include "cinder/EntryNames.h"
 #include "cinder/TarName.h"
 
 #include <algorithm>
@@ -50,6 +50,7 @@ bStatus TarWriter::Open() {
         return bERROR_MEMORY;
     if (archive_write_set_format_pax_restricted(handle.get()) != ARCHIVE_OK ||
         archive_write_set_bytes_per_block(handle.get(), 0) != ARCHIVE_OK ||
+        !PrepareToWriteNames(handle.get()) ||
         archive_write_open(handle.get(), file, nullptr, &AppendToFile, nullptr) != ARCHIVE_OK)
         return bERROR_FILE;
     return bOK;
@@ -104,9 +105,9 @@ bStatus TarWriter::WriteHeader(const char* name, int kind, const FileFacts& fact
     ++entries;
     const auto locale = ArchiveLocale::Utf8();
     archive_entry_clear(entry.get());
-    archive_entry_set_pathname(entry.get(), name);
+    SetName(entry.get(), name);
     archive_entry_set_filetype(entry.get(), kind == bTar_DIRECTORY ? AE_IFDIR : AE_IFREG);
-    archive_entry_set_perm(entry.get(), facts.permissions);
+    archive_entry_set_perm(entry.get(), static_cast<mode_t>(facts.permissions));
     archive_entry_set_size(entry.get(), facts.size);
     archive_entry_set_mtime(entry.get(), facts.modified, 0);
     // A warning is about a name that is not UTF-8; its bytes are kept.

@@ -1,17 +1,13 @@
 #include "ostrasdk/DiscoveryTargets.h"
 
+#include "basalt/NetworkInterface.h"
 #include "basalt/bIpAddress.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
-#include <memory>
 #include <optional>
 #include <string>
-
-#include <ifaddrs.h>
-#include <net/if.h>
-#include <netinet/in.h>
 
 namespace OstraSdk {
 
@@ -40,16 +36,6 @@ std::optional<Endpoint> ParseTarget(std::string_view text) {
     return Endpoint(asio::ip::address_v4(address.octets), *port);
 }
 
-/// The broadcast address of an interface, if it is up and has one.
-std::optional<Endpoint> BroadcastOf(const ifaddrs& interface) {
-    const bool broadcasts = (interface.ifa_flags & IFF_UP) != 0 && (interface.ifa_flags & IFF_BROADCAST) != 0;
-    const sockaddr* const address = interface.ifa_broadaddr;
-    if (!broadcasts || address == nullptr || address->sa_family != AF_INET)
-        return std::nullopt;
-    const auto number = ntohl(reinterpret_cast<const sockaddr_in*>(address)->sin_addr.s_addr);
-    return Endpoint(asio::ip::address_v4(number), kDiscoveryPort);
-}
-
 void AddOnce(std::vector<Endpoint>& targets, const Endpoint& target) {
     if (std::find(targets.begin(), targets.end(), target) == targets.end())
         targets.push_back(target);
@@ -57,13 +43,9 @@ void AddOnce(std::vector<Endpoint>& targets, const Endpoint& target) {
 
 std::vector<Endpoint> EveryInterface() {
     std::vector<Endpoint> targets{Endpoint(asio::ip::address_v4::loopback(), kDiscoveryPort)};
-    ifaddrs* found = nullptr;
-    if (getifaddrs(&found) != 0)
-        return targets;
-    const std::unique_ptr<ifaddrs, decltype(&freeifaddrs)> interfaces(found, &freeifaddrs);
-    for (const ifaddrs* interface = found; interface != nullptr; interface = interface->ifa_next)
-        if (const auto target = BroadcastOf(*interface))
-            AddOnce(targets, *target);
+    for (const NetworkInterface& each : NetworkInterfaces())
+        if (each.broadcast)
+            AddOnce(targets, Endpoint(asio::ip::address_v4(each.broadcast->octets), kDiscoveryPort));
     return targets;
 }
 

@@ -7,11 +7,6 @@
 #include <sstream>
 #include <string>
 
-// The Windows headers define a macro of this name; the level below is the one that this program means.
-#ifdef ERROR
-#undef ERROR
-#endif
-
 /// How much a log line matters; a higher value matters less.
 enum LogLevel { ERROR, WARNING, INFO, DEBUG, DEBUG1, DEBUG2, DEBUG3, DEBUG4 };
 

@@ -1,7 +1,9 @@
 #include "workflow/EditJournal.h"
 
+#include "basalt/FilePath.h"
 #include "basalt/FolderReader.h"
 #include "basalt/RandomName.h"
+#include "basalt/bFile.h"
 #include "document/formats/Converter.h"
 #include "document/formats/CsvPathWriter.h"
 #include "log/Log.h"
@@ -10,12 +12,9 @@
 #include "workflow/KeptRecord.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <set>
 #include <system_error>
 #include <utility>
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -54,9 +53,8 @@ std::set<std::string> JournalsIn(const FolderHandle& folder) {
 }
 
 bool HasMap(const std::string& track, const QSize& size) {
-    std::error_code failure;
     TrackInfo info;
-    return fs::is_regular_file(track, failure) && CreateConverter(track)->ReadInfo(track, info) == 0 &&
+    return bFile_Exists(track.c_str()) != 0 && CreateConverter(track)->ReadInfo(track, info) == 0 &&
            QSize(info.width, info.height) == size;
 }
 
@@ -117,7 +115,7 @@ EditJournal::~EditJournal() {
 }
 
 void EditJournal::Write(const std::string& track, const QSize& map, const std::vector<TrackPath>& paths) try {
-    const std::string place = fs::absolute(track).string();
+    const std::string place = AbsolutePath(track);
     Open();
     WriteKeptFile(own->folder, own->name, Durability::OfProcess, [&](const auto& sink) {
         Entry::Write(KeptRecordWriter(sink, kMagic, kVersion), place, map, paths);

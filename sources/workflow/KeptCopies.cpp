@@ -103,7 +103,7 @@ KeptCopies::KeptCopies(std::string folder, Limits limits, Clock clock)
 
 std::optional<std::string> KeptCopies::KeepFile(const std::string& path, KeptReason reason) {
     return Keep(path, reason, {}, [&path](const std::string& place) {
-        if (const std::error_code failure = CopyFile(path, place))
+        if (const std::error_code failure = CopyAtomically(path, place))
             throw std::system_error(failure);
     });
 }

@@ -1,37 +1,37 @@
 #include "workflow/KeptFolder.h"
 
+#include "basalt/FilePath.h"
 #include "basalt/HiddenFile.h"
 #include "basalt/InputFile.h"
 
 #include <QStandardPaths>
 
-#include <cstdlib>
-#include <filesystem>
 #include <system_error>
 
-namespace fs = std::filesystem;
-
 namespace {
-
-void MakePrivate(const fs::path& folder) {
-    const fs::path above = folder.parent_path();
-    if (above.has_relative_path() && !fs::exists(above))
-        MakePrivate(above);
-    if (fs::create_directory(folder))
-        fs::permissions(folder, fs::perms::owner_all);
-}
 
 bool IsMissing(const std::error_code& failure) {
     return failure == std::errc::no_such_file_or_directory;
 }
 
+/// With what is missing above it.
+std::error_code MakePrivate(const std::string& folder) {
+    constexpr unsigned kPrivate = 0700;
+    std::error_code failure = MakeFolderAt(folder, kPrivate);
+    if (const std::string above = FolderOf(folder); IsMissing(failure) && above != folder) {
+        failure = MakePrivate(above);
+        if (!failure || failure == std::errc::file_exists) // somebody else may have made it meanwhile
+            failure = MakeFolderAt(folder, kPrivate);
+    }
+    return failure;
+}
+
 } // namespace
 
 std::string DefaultKeptFolder() {
-    std::error_code failure;
-    const char* const given = std::getenv("CORVANE_KEPT");
-    if (given != nullptr && *given != '\0')
-        return fs::absolute(given, failure).string();
+    const QString given = qEnvironmentVariable("CORVANE_KEPT");
+    if (!given.isEmpty())
+        return AbsolutePath(given.toStdString());
     const QString data = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
     return data.isEmpty() ? std::string() : data.toStdString() + "/kept";
 }
@@ -39,9 +39,10 @@ std::string DefaultKeptFolder() {
 FolderHandle OpenKeptFolder(const std::string& path) {
     FolderHandle folder(path, FolderHandle::Links::Followed);
     if (IsMissing(folder.Failure()) && !path.empty()) {
-        const fs::path place = fs::path(path).lexically_normal();
-        MakePrivate(place.has_filename() ? place : place.parent_path());
+        const std::error_code failure = MakePrivate(AbsolutePath(path));
         folder = FolderHandle(path, FolderHandle::Links::Followed);
+        if (failure && !folder.IsOpen())
+            throw std::system_error(failure);
     }
     if (!folder.IsOpen())
         throw std::system_error(folder.Failure());

@@ -1,5 +1,7 @@
 #include "workflow/KeptName.h"
 
+#include "basalt/LocalTime.h"
+
 #include <QString>
 
 #include <algorithm>
@@ -40,11 +42,11 @@ std::string ExtensionOf(const std::string& name) {
     return name.substr(point);
 }
 
-std::string LocalTime(std::time_t time) {
-    std::tm local{};
+std::string TimeText(std::time_t time) {
+    const std::optional<std::tm> local = LocalTime(time);
     std::array<char, 32> text{};
-    if (localtime_r(&time, &local) == nullptr ||
-        std::strftime(text.data(), text.size(), "%Y-%m-%d %H.%M.%S", &local) != kTimePattern.size() - 1)
+    if (!local ||
+        std::strftime(text.data(), text.size(), "%Y-%m-%d %H.%M.%S", &*local) != kTimePattern.size() - 1)
         return "0000-00-00 00.00.00"; // a year of other than four digits
     return text.data();
 }
@@ -99,7 +101,7 @@ std::string_view WordOf(KeptReason reason) {
 }
 
 KeptName::KeptName(std::time_t time, const std::string& original, KeptReason reason)
-    : time(LocalTime(time)),
+    : time(TimeText(time)),
       original(ReadableName(original)),
       reason(WordOf(reason)),
       extension(ExtensionOf(this->original)) {

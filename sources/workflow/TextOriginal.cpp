@@ -1,14 +1,12 @@
 #include "workflow/TextOriginal.h"
 
+#include "basalt/bFile.h"
 #include "document/formats/TrackEncoding.h"
 #include "log/Log.h"
 #include "workflow/KeptCopies.h"
 
-#include <filesystem>
-
 bool KeepTextOriginal(KeptCopies& copies, const std::string& target) {
-    std::error_code failure;
-    if (!std::filesystem::is_regular_file(target, failure))
+    if (bFile_Exists(target.c_str()) == 0)
         return true;
     const std::optional<TrackEncoding> encoding = EncodingOf(target);
     if (!encoding) {

@@ -1,6 +1,7 @@
 #include "workflow/TrackOperations.h"
 
 #include "basalt/Exception.h"
+#include "basalt/FilePath.h"
 #include "basalt/FileReplacement.h"
 #include "basalt/bFile.h"
 #include "basalt/bStatus.h"
@@ -14,7 +15,6 @@
 #include <QFileInfo>
 #include <QScopeGuard>
 
-#include <filesystem>
 #include <utility>
 
 namespace {
@@ -39,8 +39,7 @@ Ve::Exception LoadFailure(int line, const char* message) {
 
 /// Whether two paths lead to one existing file.
 bool IsSameFile(const QString& one, const QString& other) {
-    std::error_code failure;
-    return std::filesystem::equivalent(one.toStdString(), other.toStdString(), failure);
+    return LeadToTheSame(one.toStdString(), other.toStdString());
 }
 
 bool IsTemporaryTrack(const QString& path) {
@@ -186,7 +185,7 @@ void TrackOperations::SaveInPlace(const QString& track) {
     const auto atTheEnd = qScopeGuard(cleanUp);
     document.save(track.toStdString(), kTemporaryTrack.toStdString(), document.worldTransform());
     protection.KeepTextOriginal(track.toStdString());
-    if (ReplaceFile(kTemporaryTrack.toStdString(), track.toStdString()))
+    if (ReplaceAtomically(kTemporaryTrack.toStdString(), track.toStdString()))
         throw Ve::Exception(__LINE__, kSourceFile, bERROR_TRACK, "MainWindow::SaveTrack",
                             "Failed to read the target file.");
 }

@@ -1,5 +1,7 @@
 #include "workflow/UnsentTracks.h"
 
+#include "basalt/FilePath.h"
+#include "basalt/bFile.h"
 #include "log/Log.h"
 #include "workflow/KeptCopies.h"
 #include "workflow/KeptFolder.h"
@@ -7,22 +9,13 @@
 
 #include <QCryptographicHash>
 
-#include <filesystem>
 #include <system_error>
 #include <utility>
-
-namespace fs = std::filesystem;
 
 namespace {
 
 constexpr std::string_view kMagic = "CorvUnst";
 constexpr std::uint32_t kVersion = 1;
-
-std::string AbsolutePath(const std::string& path) {
-    std::error_code failure;
-    const fs::path absolute = fs::absolute(path, failure);
-    return (failure ? fs::path(path) : absolute).lexically_normal().string();
-}
 
 /// A workspace has the same file in each run, and no other workspace has it.
 std::string FileNameFor(const std::string& workspace) {
@@ -91,8 +84,7 @@ void UnsentTracks::Clear() {
 void UnsentTracks::Keep() {
     for (const std::string& name : names) {
         const std::string path = tracks + "/" + name;
-        std::error_code failure;
-        if (fs::is_regular_file(path, failure))
+        if (bFile_Exists(path.c_str()) != 0)
             copies.KeepFile(path, KeptReason::Unsent);
     }
     Clear();

@@ -1,21 +1,12 @@
 #include "workflow/WorkProtection.h"
 
+#include "basalt/bFile.h"
 #include "document/formats/CsvPathWriter.h"
 #include "workflow/TextOriginal.h"
 #include "workflow/TrackFolder.h"
 #include "workflow/WorkingFiles.h"
 
-#include <filesystem>
 #include <utility>
-
-namespace {
-
-bool Exists(const std::string& file) {
-    std::error_code failure;
-    return std::filesystem::is_regular_file(file, failure);
-}
-
-} // namespace
 
 WorkProtection::WorkProtection(TrackDocument& document, std::string keptFolder)
     : document(document),
@@ -44,12 +35,12 @@ void WorkProtection::KeepUnsaved() {
 }
 
 void WorkProtection::KeepDeleted(const std::string& file) {
-    if (Exists(file))
+    if (bFile_Exists(file.c_str()) != 0)
         copies.KeepFile(file, KeptReason::Deleted);
 }
 
 void WorkProtection::KeepReplaced(const std::string& file) {
-    if (Exists(file))
+    if (bFile_Exists(file.c_str()) != 0)
         copies.KeepFile(file, KeptReason::Replaced);
 }
 

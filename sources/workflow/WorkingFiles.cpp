@@ -1,14 +1,11 @@
 #include "workflow/WorkingFiles.h"
 
+#include "basalt/FilePath.h"
 #include "basalt/bDirectory.h"
 #include "basalt/bFile.h"
 #include "basalt/bStatus.h"
 #include "link/FileUtils.h"
 #include "log/Log.h"
-
-#include <filesystem>
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -33,16 +30,17 @@ LeftOut UnpackWorkspace() {
 }
 
 bool IsServerBackup(const std::string& file) {
-    std::error_code failure;
-    return fs::equivalent(file, kServerBackup, failure);
+    return LeadToTheSame(file, kServerBackup);
 }
 
 bool IsInWorkingFolder(const std::string& file) {
-    std::error_code failure;
-    for (fs::path folder = fs::canonical(file, failure).parent_path(); folder.has_relative_path();
-         folder = folder.parent_path())
-        if (fs::equivalent(folder, kBackupFolder, failure) ||
-            fs::equivalent(folder, kWorkspaceFolder, failure))
+    const std::string place = RealPath(file);
+    if (place.empty())
+        return false;
+    std::string below = place;
+    for (std::string folder = FolderOf(place); folder != below;
+         below = std::exchange(folder, FolderOf(folder)))
+        if (LeadToTheSame(folder, kBackupFolder) || LeadToTheSame(folder, kWorkspaceFolder))
             return true;
     return false;
 }

@@ -106,7 +106,7 @@ bool Save(const std::string& path, QMaskWidget& canvas) {
     canvas.SavePath(QString::fromStdString(path), QStringLiteral("temp.trk"), track.yResolution,
                     track.xOffset, track.yOffset, track.width * track.xResolution,
                     track.height * track.yResolution);
-    return !ReplaceFile("temp.trk", path);
+    return !ReplaceAtomically("temp.trk", path);
 }
 
 bool IsSaved(const std::string& file) {

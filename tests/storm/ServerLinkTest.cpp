@@ -2,6 +2,7 @@
 
 #include "FolderTree.h"
 #include "OstraServerProcess.h"
+#include "RunTool.h"
 #include "TarBlocks.h"
 #include "TemporaryFolder.h"
 #include "basalt/bStatus.h"

@@ -2,37 +2,27 @@
 
 #include "TemporaryFolder.h"
 
-#include <array>
-#include <cstdio>
 #include <filesystem>
-#include <stdexcept>
 
-#include <sys/wait.h>
+namespace {
+
+std::string Utf8Of(const std::filesystem::path& path) {
+    const std::u8string text = path.generic_u8string();
+    return {text.begin(), text.end()};
+}
+
+} // namespace
 
 std::map<std::string, std::string> FolderTree(const std::string& folder) {
     std::map<std::string, std::string> tree;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
-        const std::string name = entry.path().lexically_relative(folder).string();
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(Utf8Path(folder))) {
+        const std::string name = Utf8Of(entry.path().lexically_relative(Utf8Path(folder)));
         if (entry.is_symlink())
-            tree[name] = "-> " + std::filesystem::read_symlink(entry.path()).string();
+            tree[name] = "-> " + Utf8Of(std::filesystem::read_symlink(entry.path()));
         else if (entry.is_directory())
             tree[name + "/"];
         else
-            tree[name] = FileContent(entry.path().string());
+            tree[name] = FileContent(Utf8Of(entry.path()));
     }
     return tree;
-}
-
-std::string RunTool(const std::string& command) {
-    FILE* const pipe = popen((command + " 2>&1").c_str(), "r");
-    if (pipe == nullptr)
-        throw std::runtime_error("could not run " + command);
-    std::string output;
-    std::array<char, 4096> buffer{};
-    for (std::size_t count = 0; (count = fread(buffer.data(), 1, buffer.size(), pipe)) > 0;)
-        output.append(buffer.data(), count);
-    const int result = pclose(pipe);
-    if (result != 0)
-        output += "exit " + std::to_string(WIFEXITED(result) ? WEXITSTATUS(result) : -1);
-    return output;
 }

@@ -1,32 +1,54 @@
 #include "TemporaryFolder.h"
 
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <stdexcept>
 
-TemporaryFolder::TemporaryFolder()
-    : folder((std::filesystem::temp_directory_path() / "corvane bühne XXXXXX").string()),
-      before(std::filesystem::current_path().string()) {
-    if (mkdtemp(folder.data()) == nullptr)
-        throw std::runtime_error("no temporary folder could be made");
-    std::filesystem::current_path(folder);
+namespace fs = std::filesystem;
+
+namespace {
+
+/// A new folder that nobody else may enter.
+std::string MakeFolder() {
+    constexpr int kTries = 100;
+    const std::u8string place = fs::temp_directory_path().generic_u8string();
+    std::random_device random;
+    for (int i = 0; i < kTries; ++i) {
+        const std::string path =
+            std::string(place.begin(), place.end()) + "/corvane bühne " + std::to_string(random());
+        std::error_code failure;
+        if (!fs::create_directory(Utf8Path(path), failure))
+            continue;
+        fs::permissions(Utf8Path(path), fs::perms::owner_all, failure);
+        return path;
+    }
+    throw std::runtime_error("no temporary folder could be made");
+}
+
+} // namespace
+
+fs::path Utf8Path(const std::string& path) {
+    return std::u8string(path.begin(), path.end());
+}
+
+TemporaryFolder::TemporaryFolder() : folder(MakeFolder()), before(fs::current_path()) {
+    fs::current_path(Utf8Path(folder));
 }
 
 TemporaryFolder::~TemporaryFolder() {
     std::error_code ignored;
-    std::filesystem::current_path(before, ignored);
-    std::filesystem::remove_all(folder, ignored);
+    fs::current_path(before, ignored);
+    fs::remove_all(Utf8Path(folder), ignored);
 }
 
 std::string FileContent(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file(Utf8Path(path), std::ios::binary);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 void WriteFile(const std::string& path, const std::string& content) {
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    std::ofstream file(Utf8Path(path), std::ios::binary | std::ios::trunc);
     file << content;
     if (!file.flush())
         throw std::runtime_error("could not write " + path);

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
+
+/// A path in UTF-8 for the standard library.
+std::filesystem::path Utf8Path(const std::string& path);
 
 /// A fresh folder, with a blank and letters beyond ASCII in its name, that is the working directory while the
 /// object lives and is removed with it.
@@ -16,7 +20,7 @@ class TemporaryFolder {
 
   private:
     std::string folder;
-    std::string before;
+    std::filesystem::path before;
 };
 
 /// The whole content of a file; empty when it cannot be read.

@@ -2,6 +2,7 @@
 
 #include "FolderTree.h"
 #include "HostileArchive.h"
+#include "RunTool.h"
 #include "SmallTrack.h"
 #include "TarBlocks.h"
 #include "TemporaryFolder.h"

@@ -35,7 +35,7 @@ void PutInto(const std::string& workspace, const std::string& name, const std::s
     fs::create_directories(target.parent_path(), failure);
     if (failure)
         throw Failure(ExitCode::Unwritable, target.parent_path().string() + ": " + failure.message());
-    if (const std::error_code reason = CopyFile(file, target.string()))
+    if (const std::error_code reason = CopyAtomically(file, target.string()))
         throw Failure(ExitCode::Unwritable, "copying " + file + " into the workspace: " + reason.message());
 }
 

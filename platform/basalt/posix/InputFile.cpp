@@ -51,6 +51,13 @@ bool InputFile::Read(void* data, std::size_t capacity, std::size_t* count) {
     return true;
 }
 
+bool InputFile::MoveTo(std::int64_t byte) {
+    if (lseek(file.Number(), byte, SEEK_SET) == byte)
+        return true;
+    failure = LastError();
+    return false;
+}
+
 std::int64_t InputFile::Skip(std::int64_t size) {
     const off_t here = lseek(file.Number(), 0, SEEK_CUR);
     FileFacts facts;

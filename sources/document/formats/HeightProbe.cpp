@@ -1,5 +1,6 @@
 #include "document/formats/HeightProbe.h"
 
+#include "basalt/FilePath.h"
 #include "document/formats/BinaryTrackLayout.h"
 #include "document/formats/HeightMap.h"
 #include "document/formats/SampleScale.h"
@@ -10,6 +11,7 @@
 #include <cmath>
 #include <exception>
 #include <stdexcept>
+#include <system_error>
 
 namespace {
 
@@ -75,8 +77,12 @@ CellHeight HeightProbe::At(int column, int row) const {
     }
 }
 
-HeightProbe::Identity HeightProbe::IdentityOf(const std::string& file) {
-    return {std::filesystem::file_size(file), std::filesystem::last_write_time(file)};
+FileFacts HeightProbe::IdentityOf(const std::string& file) {
+    FileFacts facts;
+    if (const std::error_code failure = AskPath(file, &facts))
+        throw std::system_error(failure, file);
+    facts.permissions = 0; // they say nothing about the content
+    return facts;
 }
 
 CellHeight HeightProbe::BinaryHeightAt(int column, int row) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "basalt/FileFacts.h"
 #include "document/formats/CellHeight.h"
 #include "document/formats/TextHeights.h"
 #include "document/formats/TrackInfo.h"
@@ -7,7 +8,6 @@
 #include <chrono>
 #include <cstdint>
 #include <exception>
-#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -31,15 +31,9 @@ class HeightProbe {
     [[nodiscard]] CellHeight At(int column, int row) const;
 
   private:
-    /// What a file that is written anew, or replaced, does not have any more.
-    struct Identity {
-        std::uintmax_t size = 0;
-        std::filesystem::file_time_type written;
-        friend bool operator==(const Identity&, const Identity&) = default;
-    };
-
     void GiveUp(const std::exception& failure);
-    static Identity IdentityOf(const std::string& file);
+    /// What a file that is written anew, or replaced, does not have any more.
+    static FileFacts IdentityOf(const std::string& file);
     [[nodiscard]] CellHeight BinaryHeightAt(int column, int row) const;
 
     std::string file;
@@ -47,6 +41,6 @@ class HeightProbe {
     int rows = 0;
     double zResolution = 0.0;
     double zOffset = 0.0;
-    Identity identity;
+    FileFacts identity;
     std::optional<TextHeights> text; ///< none for a binary file
 };

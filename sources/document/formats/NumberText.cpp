@@ -1,36 +1,12 @@
 #include "document/formats/NumberText.h"
 
+#include "basalt/PlainNumber.h"
+
 #include <charconv>
-#include <clocale>
-#include <cstdlib>
 #include <string>
 #include <system_error>
 
 namespace {
-
-#ifdef _WIN32
-_locale_t PlainLocale() {
-    static const _locale_t locale = _create_locale(LC_ALL, "C");
-    return locale;
-}
-double LibraryDouble(const char* text) {
-    return _strtod_l(text, nullptr, PlainLocale());
-}
-long LibraryLong(const char* text) {
-    return _strtol_l(text, nullptr, 10, PlainLocale());
-}
-#else
-locale_t PlainLocale() {
-    static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
-    return locale;
-}
-double LibraryDouble(const char* text) {
-    return strtod_l(text, nullptr, PlainLocale());
-}
-long LibraryLong(const char* text) {
-    return strtol_l(text, nullptr, 10, PlainLocale());
-}
-#endif
 
 bool IsDigit(char character) {
     return character >= '0' && character <= '9';
@@ -58,7 +34,7 @@ double ToDouble(std::string_view text) {
         if (std::from_chars(text.data(), end, value).ec == std::errc{})
             return value;
     }
-    return LibraryDouble(std::string(text).c_str());
+    return PlainDouble(std::string(text).c_str());
 }
 
 std::int32_t ToInt32(std::string_view text) {
@@ -66,5 +42,5 @@ std::int32_t ToInt32(std::string_view text) {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error == std::errc{})
         return value;
-    return static_cast<std::int32_t>(LibraryLong(std::string(text).c_str()));
+    return static_cast<std::int32_t>(PlainInteger(std::string(text).c_str()));
 }

@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
-#include <filesystem>
 #include <stdexcept>
-#include <system_error>
 
 namespace {
 
@@ -18,18 +16,12 @@ void RequireAllowed(std::size_t lineLength) {
 
 } // namespace
 
-TextLines::TextLines(const std::string& path) {
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error))
+TextLines::TextLines(const std::string& path) : file(path.c_str()) {
+    FileFacts facts;
+    if (!file.IsOpen() || !file.Ask(&facts))
         return;
-    const std::uintmax_t size = std::filesystem::file_size(path, error);
-    if (error)
-        return;
-    fileSize = size;
-    file.rdbuf()->pubsetbuf(nullptr, 0);
-    file.open(path, std::ios::binary);
-    if (file.is_open())
-        block.resize(kBlock);
+    fileSize = static_cast<std::uint64_t>(facts.size);
+    block.resize(kBlock);
 }
 
 bool TextLines::Next(std::string_view& line) {
@@ -63,8 +55,7 @@ std::string_view TextLines::TakeLine(std::size_t length, std::size_t lineEnd) {
 }
 
 void TextLines::MoveTo(std::uint64_t byte) {
-    file.clear();
-    if (!file.seekg(static_cast<std::streamoff>(byte)))
+    if (!file.MoveTo(static_cast<std::int64_t>(byte)))
         throw std::runtime_error("The file cannot be read at byte " + std::to_string(byte));
     position = byte;
     begin = end = searched = 0;
@@ -80,9 +71,9 @@ bool TextLines::Refill() {
     end = size;
     if (end == block.size())
         block.resize(block.size() * 2);
-    file.read(block.data() + end, static_cast<std::streamsize>(block.size() - end));
-    if (file.bad())
+    std::size_t count = 0;
+    if (!file.Read(block.data() + end, block.size() - end, &count))
         throw std::runtime_error("The file cannot be read");
-    end += static_cast<std::size_t>(file.gcount());
-    return file.gcount() > 0;
+    end += count;
+    return count > 0;
 }

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "basalt/InputFile.h"
+
 #include <cstddef>
 #include <cstdint>
-#include <fstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,7 +18,7 @@ class TextLines {
     /// Opens a regular file; a folder, pipe or device counts as a file that is not there.
     explicit TextLines(const std::string& path);
 
-    [[nodiscard]] bool IsOpen() const { return file.is_open(); }
+    [[nodiscard]] bool IsOpen() const { return file.IsOpen(); }
 
     /// The size of the file in bytes when it was opened.
     [[nodiscard]] std::uint64_t FileSize() const { return fileSize; }
@@ -42,7 +43,7 @@ class TextLines {
     bool Refill();
     std::string_view TakeLine(std::size_t length, std::size_t lineEnd);
 
-    std::ifstream file;
+    InputFile file;
     std::uint64_t fileSize = 0;
     std::uint64_t position = 0;
     std::uint64_t lineNumber = 0;

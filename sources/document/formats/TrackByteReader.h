@@ -1,13 +1,15 @@
 #pragma once
 
+#include "basalt/InputFile.h"
+
 #include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <fstream>
 #include <string>
 #include <type_traits>
+#include <vector>
 
 static_assert(std::endian::native == std::endian::little, "binary track files are little-endian");
 
@@ -18,7 +20,7 @@ class TrackByteReader {
     /// Only regular files are opened; ask IsOpen. One that is not open has no bytes.
     explicit TrackByteReader(const std::string& path);
 
-    [[nodiscard]] bool IsOpen() const { return file.is_open(); }
+    [[nodiscard]] bool IsOpen() const { return file.IsOpen(); }
 
     /// How many bytes stand between the reading place and the end of the file.
     [[nodiscard]] std::int64_t Remaining() const { return size - place; }
@@ -40,8 +42,13 @@ class TrackByteReader {
 
   private:
     void RequireRemaining(std::int64_t count) const;
+    std::size_t TakeBuffered(char* to, std::size_t count);
+    std::size_t Fetch(char* to, std::size_t capacity, std::size_t least);
+    [[noreturn]] void Fail() const;
 
-    std::ifstream file;
+    InputFile file;
+    std::vector<char> buffer;
+    std::size_t taken = 0; ///< bytes at the buffer's front that were read from it
     std::int64_t size = 0;
     std::int64_t place = 0;
 };

@@ -1,22 +1,25 @@
 #include "document/formats/TrackEncoding.h"
 
+#include "basalt/InputFile.h"
+
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <string_view>
-#include <system_error>
 
 namespace {
 
 /// Whether the first line holds the word that binary files begin with. The line is searched as it is read, in
 /// pieces that overlap by the word's length, since a file without a line feed may be one endless line.
-bool FirstLineIsBinary(std::istream& file) {
+/// @return none when it cannot be read
+std::optional<bool> FirstLineIsBinary(InputFile& file) {
     constexpr std::string_view kWord = "Trac";
     constexpr std::size_t kPiece = 4096;
     std::string seen;
     char piece[kPiece];
-    while (file.read(piece, kPiece), file.gcount() > 0) {
-        const std::string_view bytes(piece, static_cast<std::size_t>(file.gcount()));
+    std::size_t count = 0;
+    while (file.Read(piece, kPiece, &count)) {
+        if (count == 0)
+            return false;
+        const std::string_view bytes(piece, count);
         const std::size_t lineFeed = bytes.find('\n');
         seen.append(bytes.substr(0, lineFeed));
         if (seen.find(kWord) != std::string::npos)
@@ -25,17 +28,15 @@ bool FirstLineIsBinary(std::istream& file) {
             return false;
         seen.erase(0, seen.size() - std::min(seen.size(), kWord.size() - 1));
     }
-    return false;
+    return std::nullopt;
 }
 
 } // namespace
 
 std::optional<TrackEncoding> EncodingOf(const std::string& path) {
-    std::error_code error;
-    std::ifstream file;
-    if (std::filesystem::is_regular_file(path, error)) // a folder opens too, and a pipe would keep us waiting
-        file.open(path, std::ios::binary);
-    if (!file.is_open())
+    InputFile file(path.c_str());
+    const std::optional<bool> isBinary = file.IsOpen() ? FirstLineIsBinary(file) : std::nullopt;
+    if (!isBinary)
         return std::nullopt;
-    return FirstLineIsBinary(file) ? TrackEncoding::Binary : TrackEncoding::Text;
+    return *isBinary ? TrackEncoding::Binary : TrackEncoding::Text;
 }

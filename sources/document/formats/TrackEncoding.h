@@ -8,5 +8,5 @@
 enum class TrackEncoding : std::uint8_t { Text, Binary };
 
 /// The encoding of a file, by its first line: binary when that holds "Trac", else text; none for a file that
-/// cannot be opened.
+/// cannot be read.
 [[nodiscard]] std::optional<TrackEncoding> EncodingOf(const std::string& path);

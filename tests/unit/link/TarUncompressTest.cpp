@@ -5,6 +5,7 @@
 #include "FolderTree.h"
 #include "LogCapture.h"
 #include "OrdinaryUser.h"
+#include "RunTool.h"
 #include "TarBlocks.h"
 #include "TemporaryFolder.h"
 #include "basalt/Exception.h"

@@ -16,26 +16,26 @@ namespace fs = std::filesystem;
 
 const auto kDone = std::error_code();
 
-TEST(ReplaceFile, keepsThePermissionsAndTheLinksOfTheTarget) {
+TEST(ReplaceAtomically, keepsThePermissionsAndTheLinksOfTheTarget) {
     const TemporaryFolder folder;
     WriteFile("target", "old");
     fs::permissions("target", fs::perms::owner_read | fs::perms::owner_write);
     fs::create_symlink("target", "link");
     WriteFile("from", "new");
-    EXPECT_EQ(ReplaceFile("from", "link"), kDone);
+    EXPECT_EQ(ReplaceAtomically("from", "link"), kDone);
     EXPECT_EQ(FileContent("target"), "new");
     EXPECT_TRUE(fs::is_symlink("link"));
     EXPECT_EQ(fs::status("target").permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
-TEST(ReplaceFile, keepsTheOwnerAndTheGroupOfTheTarget) {
+TEST(ReplaceAtomically, keepsTheOwnerAndTheGroupOfTheTarget) {
     const TemporaryFolder folder;
     WriteFile("target", "old");
     WriteFile("from", "new");
     if (chown("target", 12345, 54321) != 0)
         GTEST_SKIP() << "this user may not give files away";
     fs::permissions("target", fs::perms::owner_read | fs::perms::owner_write);
-    EXPECT_EQ(ReplaceFile("from", "target"), kDone);
+    EXPECT_EQ(ReplaceAtomically("from", "target"), kDone);
     EXPECT_EQ(FileContent("target"), "new");
     struct stat state {};
     ASSERT_EQ(stat("target", &state), 0);
@@ -44,20 +44,20 @@ TEST(ReplaceFile, keepsTheOwnerAndTheGroupOfTheTarget) {
     EXPECT_EQ(state.st_mode & 07777U, 0600U);
     WriteFile("from", "other group alone");
     ASSERT_EQ(chown("target", getuid(), 54321), 0);
-    EXPECT_EQ(ReplaceFile("from", "target"), kDone);
+    EXPECT_EQ(ReplaceAtomically("from", "target"), kDone);
     ASSERT_EQ(stat("target", &state), 0);
     EXPECT_EQ(state.st_gid, 54321U);
-    EXPECT_EQ(ReplaceFile("gone", "target"), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(ReplaceAtomically("gone", "target"), std::errc::no_such_file_or_directory);
     EXPECT_EQ(FileContent("target"), "other group alone");
 }
 
-TEST(ReplaceFile, refusesWhatIsNoFile) {
+TEST(ReplaceAtomically, refusesWhatIsNoFile) {
     const TemporaryFolder folder;
     WriteFile("from", "new");
-    EXPECT_EQ(ReplaceFile("from", "missing"), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(ReplaceAtomically("from", "missing"), std::errc::no_such_file_or_directory);
     fs::create_directory("folder");
-    EXPECT_EQ(ReplaceFile("from", "folder"), std::errc::not_supported);
-    EXPECT_EQ(ReplaceFile("gone", "from"), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(ReplaceAtomically("from", "folder"), std::errc::not_supported);
+    EXPECT_EQ(ReplaceAtomically("gone", "from"), std::errc::no_such_file_or_directory);
     EXPECT_EQ(FileContent("from"), "new");
 }
 
@@ -69,12 +69,12 @@ std::string ManyBytes() {
     return bytes;
 }
 
-TEST(CopyFile, copiesEveryByte) {
+TEST(CopyAtomically, copiesEveryByte) {
     const TemporaryFolder folder;
     for (const std::string& content :
          {std::string(), std::string("x"), std::string(65'536, 'y'), ManyBytes()}) {
         WriteFile("from", content);
-        EXPECT_EQ(CopyFile("from", "to"), kDone);
+        EXPECT_EQ(CopyAtomically("from", "to"), kDone);
         EXPECT_TRUE(FileContent("to") == content);
         EXPECT_TRUE(FileContent("from") == content);
     }
@@ -82,33 +82,33 @@ TEST(CopyFile, copiesEveryByte) {
 
 /// Files that say they are empty, and are not, are read to their end; such a copy is not the file that was
 /// announced.
-TEST(CopyFile, refusesAFileWhoseSizeIsAnother) {
+TEST(CopyAtomically, refusesAFileWhoseSizeIsAnother) {
     const TemporaryFolder folder;
     WriteFile("to", "old");
-    EXPECT_EQ(CopyFile("/proc/self/status", "to"), std::errc::resource_unavailable_try_again);
+    EXPECT_EQ(CopyAtomically("/proc/self/status", "to"), std::errc::resource_unavailable_try_again);
     EXPECT_EQ(FileContent("to"), "old");
 }
 
-TEST(CopyFile, leavesTheTargetOnAFullDisk) {
+TEST(CopyAtomically, leavesTheTargetOnAFullDisk) {
     const TemporaryFolder folder;
     WriteFile("from", ManyBytes());
     WriteFile("to", "old");
     for (const rlim_t size : {rlim_t{0}, rlim_t{1}, rlim_t{65'536}, rlim_t{299'999}}) {
         const FileSizeLimit full(size);
-        EXPECT_EQ(CopyFile("from", "to"), std::errc::file_too_large) << size;
+        EXPECT_EQ(CopyAtomically("from", "to"), std::errc::file_too_large) << size;
         EXPECT_EQ(FileContent("to"), "old");
     }
     EXPECT_EQ(std::distance(fs::directory_iterator("."), fs::directory_iterator()), 2);
 }
 
-TEST(CopyFile, refusesWhatIsNoFile) {
+TEST(CopyAtomically, refusesWhatIsNoFile) {
     const TemporaryFolder folder;
     fs::create_directory("folder");
-    EXPECT_EQ(CopyFile("missing", "to"), std::errc::no_such_file_or_directory);
-    EXPECT_EQ(CopyFile("folder", "to"), std::errc::is_a_directory);
+    EXPECT_EQ(CopyAtomically("missing", "to"), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(CopyAtomically("folder", "to"), std::errc::is_a_directory);
     WriteFile("from", "new");
-    EXPECT_EQ(CopyFile("from", "folder"), std::errc::is_a_directory);
-    EXPECT_EQ(CopyFile("from", "missing/to"), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(CopyAtomically("from", "folder"), std::errc::is_a_directory);
+    EXPECT_EQ(CopyAtomically("from", "missing/to"), std::errc::no_such_file_or_directory);
 }
 
 } // namespace

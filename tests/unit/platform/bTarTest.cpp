@@ -1,7 +1,7 @@
 #include "cinder/bTar.h"
 
 #include "FailingAllocator.h"
-#include "FolderTree.h"
+#include "RunTool.h"
 #include "TarBlocks.h"
 #include "TemporaryFolder.h"
 

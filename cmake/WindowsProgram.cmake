@@ -1,0 +1,22 @@
+# corvane_program(<target> <description> [ICON <file>])
+# What a program of ours carries on Windows: its version, a manifest (paths and texts in UTF-8, paths of any length, the
+# scale of each screen) and an icon. With an icon it is a window's program, and no console opens beside it.
+function(corvane_program target description)
+  if(NOT WIN32)
+    return()
+  endif()
+  cmake_parse_arguments(PROGRAM "" "ICON" "" ${ARGN})
+  set(PROGRAM ${target})
+  set(DESCRIPTION "${description}")
+  set(ICON_LINE "")
+  if(PROGRAM_ICON)
+    set(ICON_LINE "1 ICON \"${PROGRAM_ICON}\"")
+    set_target_properties(${target} PROPERTIES WIN32_EXECUTABLE ON)
+  endif()
+  set(folder "${CMAKE_CURRENT_BINARY_DIR}")
+  configure_file("${PROJECT_SOURCE_DIR}/packaging/windows/program.manifest.in" "${folder}/${target}.manifest" @ONLY)
+  configure_file("${PROJECT_SOURCE_DIR}/packaging/windows/program.rc.in" "${folder}/${target}.rc" @ONLY)
+  target_sources(${target} PRIVATE "${folder}/${target}.rc")
+  set_source_files_properties("${folder}/${target}.rc" PROPERTIES
+    COMPILE_OPTIONS "-I${folder}" OBJECT_DEPENDS "${folder}/${target}.manifest")
+endfunction()

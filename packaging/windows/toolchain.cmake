@@ -1,0 +1,14 @@
+# 64-bit Windows by the cross compiler, with Qt and the libraries from the SDK that packaging/windows/sdk makes.
+#   cmake -DCMAKE_TOOLCHAIN_FILE=packaging/windows/toolchain.cmake -DCORVANE_WINDOWS_SDK=FOLDER
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR x86_64)
+set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
+set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
+set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
+
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES CORVANE_WINDOWS_SDK)
+set(CMAKE_FIND_ROOT_PATH "${CORVANE_WINDOWS_SDK}" /usr/x86_64-w64-mingw32)
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
