@@ -1,6 +1,5 @@
 #include "Check.h"
 #include "basalt/Exception.h"
-#include "wire/BodyReader.h"
 #include "wire/JsonText.h"
 #include "wire/MessageReader.h"
 #include "wire/WireBody.h"

@@ -2,9 +2,13 @@
 
 #include "samples/MachinedPart.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
+
+/// The number `value` / 10^`places` in decimal digits, without needless zeros: Decimal(-1250, 3) is "-1.25".
+std::string Decimal(std::int64_t value, int places);
 
 enum class TrackFormat { Text, Binary };
 

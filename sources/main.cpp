@@ -1,7 +1,5 @@
-#include "cinder/VeApiLib.h"
-#include "cinder/bCdLib.h"
+#include "cinder/Libraries.h"
 #include "log/Log.h"
-#include "start/OwnFolder.h"
 #include "start/StartOptions.h"
 #include "window/mainwindow.h"
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+#include <cstdint>
 #include <utility>
 
 /// Owns an open file, folder or socket of the system; closed with the object.
@@ -26,3 +28,15 @@ class FileDescriptor final {
   private:
     int number = -1;
 };
+
+/// What a socket is waited for.
+struct SocketWait {
+    bool input = false;  ///< bytes to read, or the end of them
+    bool output = false; ///< room for bytes to write
+};
+
+/// Waits until a socket is ready, has failed or was shut down.
+/// @param socket the system's own number or handle
+/// @return false when the time is over first
+[[nodiscard]] bool WaitForSocket(std::uintptr_t socket, SocketWait wait,
+                                 std::chrono::steady_clock::time_point end);

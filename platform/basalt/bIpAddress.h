@@ -5,6 +5,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <vector>
 
 /// An IPv4 address: its four numbers in the order in which they are written.
 struct bIpAddress {
@@ -25,3 +27,14 @@ bStatus bIpAddress_Parse(bIpAddress* address, const char* text);
 /// Writes the address in dotted form with a terminating zero.
 /// @return 1; bERROR_PARAMETER when `text` is null or `capacity` characters do not hold it.
 bStatus bIpAddress_Format(bIpAddress address, char* text, std::size_t capacity);
+
+/// An IPv4 address of this computer.
+struct NetworkInterface {
+    bIpAddress address;
+    bIpAddress mask;
+    std::optional<bIpAddress> broadcast; ///< reaches all neighbours; none where there is no such address
+};
+
+/// The addresses of all interfaces that are in use, in the system's order; none when they cannot be found
+/// out.
+[[nodiscard]] std::vector<NetworkInterface> NetworkInterfaces();

@@ -1,11 +1,18 @@
 #pragma once
 
-#include "basalt/bAlloc.h"
 #include "basalt/bStatus.h"
 
 #include <memory>
+#include <memory_resource>
 #include <new>
 #include <utility>
+
+/// Where an object of the platform takes its memory from. The handle is borrowed: what it stands for outlives
+/// every object made with it.
+using bAlloc = std::pmr::memory_resource*;
+
+/// The allocator of the whole program: the heap. Never null; usable from every thread.
+bAlloc bAlloc_Application();
 
 /// What lists, files and archives have in common: they live in memory of their allocator, are made by a
 /// ..._Construct call and ended by xbObject_DestroyImpl.

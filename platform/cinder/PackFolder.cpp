@@ -1,7 +1,6 @@
 #include "cinder/PackFolder.h"
 
 #include "basalt/Exception.h"
-#include "basalt/bArrayList.h"
 #include "basalt/bDirectory.h"
 #include "basalt/bFile.h"
 #include "cinder/bTar.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "basalt/bAlloc.h"
+#include "basalt/bObject.h"
 
 #include <string>
 

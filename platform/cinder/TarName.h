@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,3 +19,23 @@ std::vector<std::string> TarNameParts(std::string_view name);
 
 /// A name fit for a message on one line: control characters show as "?".
 std::string PrintableTarName(std::string_view name);
+
+/// What an archive, or a folder that is packed, has beside files and folders: links and special files.
+struct LeftOut {
+    static constexpr std::size_t kMaxNames = 100;
+
+    std::int64_t count = 0;
+    std::vector<std::string> names; ///< of the first ones, printable
+
+    void Add(std::string_view name) {
+        ++count;
+        if (names.size() < kMaxNames)
+            names.push_back(PrintableTarName(name));
+    }
+    void Add(const LeftOut& more) {
+        for (const std::string& name : more.names)
+            Add(name);
+        count += more.count - static_cast<std::int64_t>(more.names.size());
+    }
+    bool operator==(const LeftOut&) const = default;
+};

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "basalt/bAlloc.h"
 #include "basalt/bFile.h"
+#include "basalt/bObject.h"
 #include "basalt/bStatus.h"
-#include "cinder/LeftOut.h"
+#include "cinder/TarName.h"
 
 #include <cstdint>
 #include <string>

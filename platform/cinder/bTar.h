@@ -3,7 +3,7 @@
 #include "basalt/bFile.h"
 #include "basalt/bObject.h"
 #include "basalt/bStatus.h"
-#include "cinder/LeftOut.h"
+#include "cinder/TarName.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -3,9 +3,9 @@
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
 #include "wire/AccessToken.h"
-#include "wire/BodyReader.h"
 #include "wire/ContentDigest.h"
 #include "wire/JsonText.h"
+#include "wire/WireBody.h"
 
 #include <boost/beast/core/string.hpp>
 #include <boost/beast/http/empty_body.hpp>

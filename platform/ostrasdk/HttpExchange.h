@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ostrasdk/HttpRequest.h"
+#include "ostrasdk/VeTransaction.h"
 #include "wire/MessageReader.h"
 #include "wire/TimedStream.h"
 #include "wire/VeJson.h"

@@ -2,7 +2,7 @@
 
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
-#include "ostrasdk/DiscoveryKeys.h"
+#include "ostrasdk/VeInstance.h"
 
 #include <limits>
 

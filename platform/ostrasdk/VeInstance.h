@@ -5,9 +5,26 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace OstraSdk {
+
+// The keys of a discovery answer.
+inline const std::string kSerialNumber = "SerialNumber";
+inline const std::string kDeviceModel = "DeviceModel";
+inline const std::string kAppName = "AppName";
+inline const std::string kAppId = "AppId";
+inline const std::string kAppVersion = "AppVersion";
+inline const std::string kControlPort = "ControlPort";
+inline const std::string kWebPort = "WebPort";
+inline const std::string kVdpPort = "VdpPort";
+inline const std::string kAddress = "Address";
+inline const std::string kMask = "Mask";
+inline const std::string kGateway = "Gateway";
+inline const std::string kDhcp = "Dhcp";
+inline const std::string kIsRemote = "IsRemote";
+inline const std::string kAddressConflict = "AddressConflict";
 
 /// One server as its answer to a discovery tells.
 class VeInstance {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "basalt/bIpAddress.h"
-#include "ostrasdk/HttpRequest.h"
 #include "ostrasdk/VeTransaction.h"
 
 #include <string>

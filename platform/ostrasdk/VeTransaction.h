@@ -1,12 +1,43 @@
 #pragma once
 
-#include "ostrasdk/HttpRequest.h"
-#include "ostrasdk/VeResponse.h"
+#include "basalt/bIpAddress.h"
+#include "wire/VeJson.h"
 
 #include <cstdint>
 #include <optional>
+#include <string>
+#include <utility>
 
 namespace OstraSdk {
+
+enum class HttpVerb { Get, Post, Put };
+
+/// Everything that one request needs, independent of the object that it was asked of.
+struct HttpRequest {
+    bIpAddress address;
+    unsigned int port = 0;
+    HttpVerb verb = HttpVerb::Get;
+    std::string path;  ///< begins with "/"; no blanks or control characters
+    VeJson body;       ///< empty for none
+    std::string token; ///< empty for none
+};
+
+/// What a server sent back.
+class VeResponse {
+  public:
+    explicit VeResponse(VeJson payload) : payload(std::move(payload)) {}
+
+    [[nodiscard]] const VeJson& Payload() const { return payload; }
+
+  private:
+    VeJson payload;
+};
+
+/// The response to a request that succeeded; a request that failed has none, but an exception.
+class VeRequestResponse final : public VeResponse {
+  public:
+    using VeResponse::VeResponse;
+};
 
 /// One request and the wait for its response.
 ///

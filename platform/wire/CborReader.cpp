@@ -1,7 +1,7 @@
 #include "wire/CborReader.h"
 
 #include "basalt/Exception.h"
-#include "basalt/LargePages.h"
+#include "basalt/SystemCalls.h"
 #include "basalt/bStatus.h"
 
 #include <algorithm>

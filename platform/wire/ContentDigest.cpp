@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include <isa-l/crc.h>
+
 namespace {
 
 constexpr std::string_view kKey = "crc32c=";
@@ -42,6 +44,16 @@ std::string_view Crc32cElement(std::string_view list) {
 }
 
 } // namespace
+
+void Crc32c::Take(const void* data, std::size_t size) {
+    constexpr std::size_t kMaxPiece = std::size_t{1} << 30U; // the library counts with int
+    // It takes a pointer to bytes that may change, and changes none.
+    auto* bytes = static_cast<unsigned char*>(const_cast<void*>(data));
+    for (std::size_t piece = 0; size > 0; bytes += piece, size -= piece) {
+        piece = std::min(size, kMaxPiece);
+        state = crc32_iscsi(bytes, static_cast<int>(piece), state);
+    }
+}
 
 std::string ContentDigest(std::uint32_t crc32c) {
     return std::string(kKey) + ":" + Base64(crc32c) + ":";

@@ -2,8 +2,7 @@
 
 #include "basalt/Exception.h"
 #include "wire/ByteSource.h"
-#include "wire/Crc32c.h"
-#include "wire/InputStream.h"
+#include "wire/ContentDigest.h"
 
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/http/buffer_body.hpp>

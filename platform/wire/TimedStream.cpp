@@ -1,6 +1,6 @@
 #include "wire/TimedStream.h"
 
-#include "basalt/SocketWait.h"
+#include "basalt/FileDescriptor.h"
 
 #include <algorithm>
 #include <array>

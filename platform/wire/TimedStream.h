@@ -1,6 +1,6 @@
 #pragma once
 
-#include "wire/InputStream.h"
+#include "wire/ByteSource.h"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/error.hpp>

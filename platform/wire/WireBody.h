@@ -1,5 +1,6 @@
 #pragma once
 
+#include "wire/CborReader.h"
 #include "wire/VeJson.h"
 
 #include <cstdint>
@@ -37,5 +38,12 @@ class WireBody {
 // Whether a Content-Type names CBOR, or JSON; letters' case and parameters after a semicolon do not matter.
 bool IsCborType(std::string_view contentType);
 bool IsJsonType(std::string_view contentType);
+
+/// Reads a body as its content type says: CBOR, or JSON text under any other type. An empty body is an empty
+/// value.
+/// @param bounds a JSON text has to keep within `beside`
+/// @throws Ve::Exception as CborReader and FromJsonText do, and what reading the body throws
+VeJson ReadBody(ByteSource& body, std::string_view contentType, const CborReader::Bounds& bounds,
+                const ByteStringSink& takeBytes = KeepBytes);
 
 } // namespace OstraSdk

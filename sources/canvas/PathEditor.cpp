@@ -1,7 +1,6 @@
 #include "canvas/PathEditor.h"
 
 #include "canvas/PointFinder.h"
-#include "canvas/SegmentFinder.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "canvas/CanvasScale.h"
-#include "canvas/EditingState.h"
+#include "canvas/PathEditor.h"
 #include "canvas/PathExtents.h"
 #include "raster/PixelBoard.h"
 

@@ -2,7 +2,7 @@
 
 #include "canvas/AccessibleCanvas.h"
 #include "canvas/PathPainter.h"
-#include "canvas/RulerOwner.h"
+#include "canvas/qmaskwidget.h"
 
 #include <QBackingStore>
 #include <QMouseEvent>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "document/formats/RulerMarks.h"
+#include "document/formats/TrackPath.h"
 
 #include <QPointF>
 

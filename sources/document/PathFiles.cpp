@@ -1,9 +1,9 @@
 #include "document/PathFiles.h"
 
-#include "document/ImageProportions.h"
 #include "document/RulerMarksCache.h"
+#include "document/TrackGeometry.h"
 #include "document/formats/ConvertCSV.h"
-#include "document/formats/TargetFile.h"
+#include "document/formats/Converter.h"
 #include "log/Log.h"
 
 #include <algorithm>

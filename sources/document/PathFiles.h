@@ -2,7 +2,6 @@
 
 #include "document/formats/TrackInfo.h"
 #include "document/formats/TrackPath.h"
-#include "document/formats/WorldTransform.h"
 
 #include <QSize>
 

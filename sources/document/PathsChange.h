@@ -1,6 +1,6 @@
 #pragma once
 
-#include "document/SegmentParameter.h"
+#include "document/formats/TrackPath.h"
 
 #include <QPointF>
 

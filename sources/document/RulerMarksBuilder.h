@@ -1,6 +1,5 @@
 #pragma once
 
-#include "document/formats/RulerMarks.h"
 #include "document/formats/TrackPath.h"
 
 #include <QSize>

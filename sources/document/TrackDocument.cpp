@@ -2,7 +2,7 @@
 
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
-#include "document/ImageProportions.h"
+#include "document/TrackGeometry.h"
 #include "document/formats/Converter.h"
 
 #include <algorithm>

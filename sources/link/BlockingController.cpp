@@ -50,3 +50,17 @@ void BlockingController::RestoreAndKeepReplayMode(const std::string& backupFileN
     if (after != before)
         client->SetReplayMode(before);
 }
+
+WorkerThread::WorkerThread(OstraSdkClient& client) : worker(new BlockingController(&client, nullptr)) {
+    worker->moveToThread(&thread);
+    QObject::connect(&thread, &QThread::finished, worker, &QObject::deleteLater);
+}
+
+WorkerThread::~WorkerThread() {
+    finish();
+}
+
+void WorkerThread::finish() {
+    thread.quit();
+    thread.wait();
+}

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "basalt/bAlloc.h"
-#include "cinder/LeftOut.h"
+#include "basalt/bObject.h"
+#include "cinder/TarName.h"
 
 #include <string>
 

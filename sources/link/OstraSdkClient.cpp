@@ -3,7 +3,7 @@
 #include "basalt/AtomicFile.h"
 #include "basalt/Exception.h"
 #include "basalt/InputFile.h"
-#include "basalt/LargePages.h"
+#include "basalt/SystemCalls.h"
 #include "basalt/bFile.h"
 #include "basalt/bStatus.h"
 #include "log/Log.h"

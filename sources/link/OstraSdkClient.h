@@ -1,11 +1,15 @@
 #pragma once
 
-#include "link/OstraServerInfo.h"
-
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
+
+/// A sensor server that discovery found.
+struct OstraServerInfo {
+    std::string address;          ///< dotted IPv4, as bIpAddress_Format writes it
+    unsigned int controlPort = 0; ///< TCP port of its requests, as its answer gives it
+};
 
 namespace OstraSdk {
 class VeSystem;

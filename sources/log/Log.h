@@ -1,11 +1,25 @@
 #pragma once
 
-#include "log/NowTime.h"
-#include "log/Output2FILE.h"
-
+#include <cstdio>
 #include <exception>
 #include <sstream>
 #include <string>
+
+/// The time stamp of a log line: the local time to the second, a point, and the milliseconds elapsed since
+/// the first stamp of the run, modulo 1000 ("14:03:07.042"). The fraction is not the wall clock's: it
+/// advances evenly from line to line, and turns negative after 2^31 milliseconds. "Error in NowTime()" when
+/// the system cannot tell the time.
+std::string NowTime();
+
+/// Where finished log lines go: one stream for the whole process.
+class Output2FILE {
+  public:
+    /// The stream, standard error until somebody assigns another; null switches the log off.
+    static std::FILE*& Target();
+
+    /// Writes the text and flushes at once, so that a line survives whatever comes next.
+    static void Write(const std::string& text);
+};
 
 /// How much a log line matters; a higher value matters less.
 enum LogLevel { ERROR, WARNING, INFO, DEBUG, DEBUG1, DEBUG2, DEBUG3, DEBUG4 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "document/PathLength.h"
+#include "document/TrackGeometry.h"
 #include "document/formats/HeightProbe.h"
 
 #include <QBasicTimer>

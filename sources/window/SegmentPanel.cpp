@@ -26,6 +26,22 @@ QIntValidator* WholeNumbers(int lowest, int highest, QObject* parent) {
 
 } // namespace
 
+void RulerControl::toggle() {
+    shown = !shown;
+    button.setText(shown ? MainWindow::tr("Hide Ruler") : MainWindow::tr("Show Ruler"));
+    if (shown)
+        refresh();
+    else
+        canvas.clearRulerMarks();
+}
+
+void RulerControl::refresh() {
+    if (!canvas.document().hasImage())
+        return;
+    const QSize size = canvas.document().shownSize();
+    canvas.computeRulerMarks(size.width(), size.height());
+}
+
 SegmentPanel::SegmentPanel(Ui::MainWindow& ui, QMaskWidget& canvas, RulerControl& ruler)
     : ui(ui), canvas(canvas), ruler(ruler) {
 }

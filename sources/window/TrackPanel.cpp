@@ -3,7 +3,6 @@
 #include "document/TrackDocument.h"
 #include "ui_mainwindow.h"
 #include "window/ControlNames.h"
-#include "window/RulerControl.h"
 #include "window/SegmentPanel.h"
 #include "window/ViewScale.h"
 #include "window/mainwindow.h"

@@ -1,8 +1,8 @@
 #include "window/ViewScale.h"
 
 #include "canvas/qmaskwidget.h"
-#include "document/ImageProportions.h"
 #include "document/TrackDocument.h"
+#include "document/TrackGeometry.h"
 
 #include <QScopedValueRollback>
 #include <QScrollBar>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "basalt/Exception.h"
-#include "canvas/RulerOwner.h"
+#include "canvas/qmaskwidget.h"
 #include "document/TrackDocument.h"
 #include "link/OstraSdkClient.h"
 

@@ -5,7 +5,7 @@
 #include "basalt/RandomName.h"
 #include "basalt/bFile.h"
 #include "document/formats/Converter.h"
-#include "document/formats/CsvPathWriter.h"
+#include "document/formats/CsvPaths.h"
 #include "log/Log.h"
 #include "workflow/KeptCopies.h"
 #include "workflow/KeptFolder.h"

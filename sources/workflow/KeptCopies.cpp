@@ -1,9 +1,11 @@
 #include "workflow/KeptCopies.h"
 
-#include "basalt/FileReplacement.h"
+#include "basalt/AtomicFile.h"
 #include "basalt/FolderReader.h"
 #include "basalt/HiddenFile.h"
 #include "basalt/RandomName.h"
+#include "basalt/bFile.h"
+#include "document/formats/Converter.h"
 #include "log/Log.h"
 #include "workflow/KeptFolder.h"
 
@@ -169,4 +171,16 @@ void KeptCopies::RemoveOldest(const FolderHandle& opened, const std::string& new
         RemoveCopy(opened, files[old].name);
 } catch (const std::exception& failure) {
     LOG_LINE(ERROR) << "Failed to remove old copies in " << folder << ": " << failure.what();
+}
+
+bool KeepTextOriginal(KeptCopies& copies, const std::string& target) {
+    if (bFile_Exists(target.c_str()) == 0)
+        return true;
+    const std::optional<TrackEncoding> encoding = EncodingOf(target);
+    if (!encoding) {
+        LOG_LINE(ERROR) << "Failed to keep " << target << ": its encoding cannot be read";
+    }
+    if (encoding != TrackEncoding::Text)
+        return encoding.has_value();
+    return copies.KeepFile(target, KeptReason::TextOriginal).has_value();
 }

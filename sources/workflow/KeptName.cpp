@@ -1,6 +1,6 @@
 #include "workflow/KeptName.h"
 
-#include "basalt/LocalTime.h"
+#include "basalt/SystemCalls.h"
 
 #include <QString>
 

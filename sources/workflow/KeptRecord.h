@@ -1,6 +1,6 @@
 #pragma once
 
-#include "wire/Crc32c.h"
+#include "wire/ContentDigest.h"
 
 #include <QPointF>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/OstraServerInfo.h"
+#include "link/OstraSdkClient.h"
 
 #include <QString>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "basalt/Exception.h"
-#include "cinder/LeftOut.h"
+#include "cinder/TarName.h"
 #include "link/OstraSdkClient.h"
 #include "workflow/SourceView.h"
 

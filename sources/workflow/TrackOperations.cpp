@@ -1,15 +1,15 @@
 #include "workflow/TrackOperations.h"
 
+#include "basalt/AtomicFile.h"
 #include "basalt/Exception.h"
 #include "basalt/FilePath.h"
-#include "basalt/FileReplacement.h"
 #include "basalt/bFile.h"
 #include "basalt/bStatus.h"
 #include "document/formats/Converter.h"
-#include "workflow/TrackFolder.h"
 #include "workflow/TrackView.h"
 #include "workflow/WaitCursor.h"
 #include "workflow/WorkProtection.h"
+#include "workflow/WorkingFiles.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,9 +1,8 @@
 #include "workflow/WorkProtection.h"
 
 #include "basalt/bFile.h"
-#include "document/formats/CsvPathWriter.h"
-#include "workflow/TextOriginal.h"
-#include "workflow/TrackFolder.h"
+#include "document/formats/CsvPaths.h"
+#include "workflow/KeptCopies.h"
 #include "workflow/WorkingFiles.h"
 
 #include <utility>

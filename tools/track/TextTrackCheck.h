@@ -1,8 +1,7 @@
 #pragma once
 
-#include "document/formats/CsvLine.h"
+#include "document/formats/CsvScan.h"
 #include "document/formats/HeightRange.h"
-#include "document/formats/TextLines.h"
 #include "document/formats/TrackInfo.h"
 #include "tools/track/PointCheck.h"
 #include "tools/track/TrackCheck.h"

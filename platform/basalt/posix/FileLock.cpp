@@ -1,6 +1,6 @@
 #include "basalt/FileLock.h"
 
-#include "basalt/posix/SystemError.h"
+#include "basalt/posix/FileState.h"
 
 #include <fcntl.h>
 #include <sys/file.h>

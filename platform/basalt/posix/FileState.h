@@ -2,9 +2,15 @@
 
 #include "basalt/FileFacts.h"
 
+#include <cerrno>
 #include <system_error>
 
 #include <sys/stat.h>
+
+/// The reason of the call that just failed.
+inline std::error_code LastError() {
+    return {errno, std::generic_category()};
+}
 
 /// The system's answer about a file or a folder.
 FileFacts FactsOf(const struct stat& state);

@@ -1,7 +1,6 @@
 #include "basalt/FolderReader.h"
 
 #include "basalt/posix/FileState.h"
-#include "basalt/posix/SystemError.h"
 
 #include <dirent.h>
 #include <fcntl.h>

@@ -2,7 +2,6 @@
 
 #include "basalt/RandomName.h"
 #include "basalt/posix/FileState.h"
-#include "basalt/posix/SystemError.h"
 
 #include <cstdio>
 

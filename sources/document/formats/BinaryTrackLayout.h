@@ -1,8 +1,13 @@
 #pragma once
 
+#include "document/formats/TrackBytes.h"
+#include "document/formats/TrackInfo.h"
+#include "document/formats/TrackPath.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
 /// The fixed figures of the binary encoding.
 namespace BinaryTrackLayout {
@@ -29,3 +34,9 @@ constexpr std::int64_t kAnchorSize = 24;
 constexpr std::int64_t kRecordSize = 56;
 
 } // namespace BinaryTrackLayout
+
+/// Writes the ruler block, one record a tick, and the segment block, one record a point.
+/// @throws std::exception when a path's parallel lists are too short or there are more records than a block
+/// can count.
+void WriteBinaryPathBlocks(TrackByteWriter& out, const std::vector<TrackPath>& paths,
+                           const WorldTransform& transform);

@@ -1,13 +1,10 @@
 #include "document/formats/ConvertBIN.h"
 
-#include "document/formats/BinaryPathBlocks.h"
 #include "document/formats/BinaryTrackLayout.h"
-#include "document/formats/Guarded.h"
-#include "document/formats/HeightRamp.h"
-#include "document/formats/SampleRamp.h"
-#include "document/formats/SampleRange.h"
-#include "document/formats/TargetFile.h"
-#include "document/formats/TrackByteReader.h"
+#include "document/formats/Converter.h"
+#include "document/formats/HeightColours.h"
+#include "document/formats/HeightRange.h"
+#include "document/formats/TrackBytes.h"
 #include "log/Log.h"
 
 #include <QImage>

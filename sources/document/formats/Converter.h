@@ -1,11 +1,14 @@
 #pragma once
 
-#include "document/formats/HeightMap.h"
+#include "basalt/AtomicFile.h"
+#include "document/formats/Heights.h"
 #include "document/formats/TrackInfo.h"
 #include "document/formats/TrackPath.h"
 
 #include <cstdint>
+#include <exception>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -62,3 +65,36 @@ std::shared_ptr<Converter> CreateConverter(const std::string& path);
 
 /// The converter that writes binary files.
 std::shared_ptr<Converter> CreateBinaryConverter();
+
+/// How a track file is written.
+enum class TrackEncoding : std::uint8_t { Text, Binary };
+
+/// The encoding of a file, by its first line: binary when that holds "Trac", else text; none for a file that
+/// cannot be opened.
+[[nodiscard]] std::optional<TrackEncoding> EncodingOf(const std::string& path);
+
+/// What WriteTrack and UpdatePath return.
+constexpr int kWritten = 0;
+constexpr int kOriginalNotReadable = 1;
+constexpr int kTargetNotWritable = 2;
+
+/// Puts a finished target in place. @return kWritten, or kTargetNotWritable after an ERROR line.
+[[nodiscard]] int CommitTarget(AtomicFile& file, const std::string& path);
+
+/// Logs a caught exception's text behind a tag, at ERROR. Throws nothing: when there is no memory even for
+/// the line, the result of the operation has to do.
+void LogException(const char* tag, const char* text) noexcept;
+
+/// Does the work of an operation that must not throw. @return the work's result; `failure` when it threw,
+/// with the exception's text logged behind the tag
+template<typename Work>
+int Guarded(const char* tag, Work&& work, int failure = 1) noexcept {
+    try {
+        return work();
+    } catch (const std::exception& exception) {
+        LogException(tag, exception.what());
+    } catch (...) {
+        LogException(tag, "unknown exception");
+    }
+    return failure;
+}

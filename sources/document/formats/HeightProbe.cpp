@@ -2,10 +2,9 @@
 
 #include "basalt/FilePath.h"
 #include "document/formats/BinaryTrackLayout.h"
-#include "document/formats/HeightMap.h"
-#include "document/formats/SampleScale.h"
-#include "document/formats/TrackByteReader.h"
-#include "document/formats/TrackEncoding.h"
+#include "document/formats/Converter.h"
+#include "document/formats/Heights.h"
+#include "document/formats/TrackBytes.h"
 #include "log/Log.h"
 
 #include <cmath>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "basalt/FileFacts.h"
-#include "document/formats/CellHeight.h"
+#include "document/formats/Heights.h"
 #include "document/formats/TextHeights.h"
 #include "document/formats/TrackInfo.h"
 

@@ -1,6 +1,6 @@
 #include "document/formats/NumberText.h"
 
-#include "basalt/PlainNumber.h"
+#include "basalt/SystemCalls.h"
 
 #include <charconv>
 #include <string>

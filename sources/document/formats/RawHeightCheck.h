@@ -1,6 +1,6 @@
 #pragma once
 
-#include "document/formats/RawHeight.h"
+#include "document/formats/Heights.h"
 
 #include <cmath>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "document/formats/CellHeight.h"
 #include "document/formats/CsvScan.h"
+#include "document/formats/Heights.h"
 
 #include <chrono>
 #include <cstdint>

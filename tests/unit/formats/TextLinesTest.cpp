@@ -1,4 +1,4 @@
-#include "document/formats/TextLines.h"
+#include "document/formats/CsvScan.h"
 
 #include "TemporaryFolder.h"
 

@@ -1,6 +1,6 @@
 #include "wire/ContentDigest.h"
 #include "SlowCrc32c.h"
-#include "wire/Crc32c.h"
+#include "wire/ContentDigest.h"
 
 #include <gtest/gtest.h>
 
