@@ -17,7 +17,8 @@ std::error_code RefusalOf(FileKind kind, const std::string& path) {
     return MayWrite(path) ? std::error_code() : std::make_error_code(std::errc::permission_denied);
 }
 
-/// Whether `from` can have the place, the owner and the permissions of `target` by being renamed to it.
+/// Renames `from` to `target` if it can keep the owner, group and permissions of `target`.
+/// @return whether it did
 bool MoveTo(const std::string& target, const std::string& from) {
     const auto old = FileOwnership::Of(target);
     const auto fresh = FileOwnership::Of(from);
@@ -36,14 +37,14 @@ AtomicFile::AtomicFile(const std::string& path, std::size_t bufferSize, std::pmr
     if (exists)
         failure = RefusalOf(facts.kind, target);
     else if (failure == std::errc::no_such_file_or_directory || failure == std::errc::not_a_directory)
-        failure.clear(); // any other failure is one: a ring of links, say, where a file would end the links
+        failure.clear(); // any other failure is reported, such as a cycle of links
     if (!failure)
         Open(exists);
     failed = failed || !IsOpen();
 }
 
 void AtomicFile::Open(bool exists) {
-    buffer.reserve(bufferSize); // before there is a file that a lack of memory would leave behind
+    buffer.reserve(bufferSize); // before the file exists, which a lack of memory would leave behind
     folder = FolderHandle(FolderOf(target), FolderHandle::Links::Followed);
     // A file that replaces another is private until it has the other's permissions.
     file.emplace(folder, exists ? 0600U : 0666U);
@@ -90,7 +91,7 @@ bool AtomicFile::Commit() {
     FlushBuffer();
     if (!failed && !(file->Sync() && file->Keep(NameOf(target))))
         Fail(file->Failure());
-    file.reset(); // and with it what could not be kept
+    file.reset(); // and with it the hidden file, which could not be kept
     if (!failed)
         failure = folder.Sync();
     return !failed && !failure;

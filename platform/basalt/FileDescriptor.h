@@ -20,7 +20,7 @@ class FileDescriptor final {
 
     [[nodiscard]] bool IsOpen() const { return number >= 0; }
     [[nodiscard]] int Number() const { return number; }
-    /// Gives the number to the caller, who closes it.
+    /// Passes the number to the caller, who closes it.
     [[nodiscard]] int Release() { return std::exchange(number, -1); }
     /// Closes now. @return false when the system reports that what was written may be lost
     [[nodiscard]] bool Close();
@@ -29,14 +29,14 @@ class FileDescriptor final {
     int number = -1;
 };
 
-/// What a socket is waited for.
+/// The events to wait for on a socket.
 struct SocketWait {
     bool input = false;  ///< bytes to read, or the end of them
-    bool output = false; ///< room for bytes to write
+    bool output = false; ///< space for bytes to write
 };
 
 /// Waits until a socket is ready, has failed or was shut down.
 /// @param socket the system's own number or handle
-/// @return false when the time is over first
+/// @return false when the time ends first
 [[nodiscard]] bool WaitForSocket(std::uintptr_t socket, SocketWait wait,
                                  std::chrono::steady_clock::time_point end);

@@ -8,7 +8,7 @@
 
 namespace {
 
-void Tell(std::error_code* why, const std::error_code& reason) {
+void SetReason(std::error_code* why, const std::error_code& reason) {
     if (why != nullptr)
         *why = reason;
 }
@@ -21,7 +21,7 @@ bStatus List(const char* path, FileKind kind, bArrayList* list, std::error_code*
     while ((status = reader.Next(&entry)) == bOK)
         if (entry.kind == kind && (status = list->Add(entry.name)) != bOK)
             return status;
-    Tell(why, reader.Failure());
+    SetReason(why, reader.Failure());
     if (status != bERROR_END)
         return status;
     list->Sort();
@@ -60,7 +60,7 @@ int bDirectory_Exists(const char* path) {
 
 bStatus bDirectory_Create(const char* path, std::error_code* why) {
     const std::error_code failure = MakeFolderAt(path);
-    Tell(why, failure);
+    SetReason(why, failure);
     return failure ? bERROR_FILE : bOK;
 }
 
@@ -70,7 +70,7 @@ bStatus bDirectory_Delete(const char* path, std::error_code* why) {
     if (failure == std::errc::no_such_file_or_directory || failure == std::errc::not_a_directory)
         return bERROR_NOT_FOUND;
     failure = bDirectory_Exists(path) != 0 ? RemoveTreeAt(path) : make_error_code(std::errc::not_a_directory);
-    Tell(why, failure);
+    SetReason(why, failure);
     return failure ? bERROR_FILE : bOK;
 }
 

@@ -26,18 +26,17 @@ inline const std::string kDhcp = "Dhcp";
 inline const std::string kIsRemote = "IsRemote";
 inline const std::string kAddressConflict = "AddressConflict";
 
-/// One server as its answer to a discovery tells.
+/// One server as described by its answer to a discovery.
 class VeInstance {
   public:
-    /// Nothing when the answer is not well-formed: no JSON object, without serial number, control port or
-    /// address, or with a known key whose value is of the wrong type or out of range.
+    /// None when the answer is malformed: not a JSON object, without serial number, control port or address,
+    /// or with a known key whose value is of the wrong type or out of range.
     static std::optional<VeInstance> FromAnswer(std::string_view answer);
 
     [[nodiscard]] std::int64_t GetSerialNumber() const { return serialNumber; }
     [[nodiscard]] const bIpAddress& GetIpAddress() const { return address; }
     [[nodiscard]] const unsigned int& GetControlPort() const { return controlPort; }
-    /// The whole answer, whose members are named in DiscoveryKeys.h; those that need not be there may be
-    /// missing.
+    /// The complete answer, whose members are named above; optional ones may be missing.
     [[nodiscard]] const VeJson& GetRecord() const { return record; }
 
   private:

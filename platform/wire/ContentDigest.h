@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-/// The checksum CRC-32C (Castagnoli) of bytes that come piece by piece. It finds what a faulty network or
-/// memory does to data, every burst of up to 32 bits among it; it is no protection against intent.
+/// The checksum CRC-32C (Castagnoli) of bytes that come piece by piece. It detects errors of a faulty network
+/// or memory, including every burst of up to 32 bits; it does not protect against intent.
 class Crc32c final {
   public:
     void Take(const void* data, std::size_t size);
@@ -18,8 +18,8 @@ class Crc32c final {
     std::uint32_t state = 0xFFFFFFFFU;
 };
 
-// What HTTP's fields say about the digest of a body. The one algorithm used here is CRC-32C, since the fault
-// to be found is a bit that flipped on the way, and it costs next to nothing.
+// What HTTP's fields say about the digest of a body. The one algorithm used here is CRC-32C: it detects bits
+// that flipped in transit and takes almost no time.
 
 constexpr const char* kContentDigest = "Content-Digest";
 constexpr const char* kWantContentDigest = "Want-Content-Digest";
@@ -27,9 +27,9 @@ constexpr const char* kWantContentDigest = "Want-Content-Digest";
 constexpr const char* kWantedDigest = "crc32c=1";
 
 enum class DigestCheck {
-    NotTold, ///< the field names other algorithms only, or nothing
+    NotGiven, ///< the field names other algorithms only, or nothing
     Equal,
-    Different, ///< another checksum, or one that cannot be understood
+    Different, ///< another checksum, or an invalid one
 };
 
 /// The value of a Content-Digest field for a body with this checksum.

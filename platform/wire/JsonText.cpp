@@ -15,8 +15,8 @@
 
 namespace {
 
-/// A key as the characters it stands for, in UTF-16, in which an escape names them; each of its functions
-/// takes what it reads off the front of the text.
+/// A key with its escapes resolved, in UTF-16, which is what escapes denote; each function removes what it
+/// reads from the front of the text.
 class KeyDecoder {
   public:
     explicit KeyDecoder(std::string_view written) : written(written) {}
@@ -105,7 +105,7 @@ class KeyDecoder {
 
 class FlawFinder {
   public:
-    FlawFinder(std::string_view text, std::size_t deepest) : text(text), deepest(deepest) {}
+    FlawFinder(std::string_view text, std::size_t maxDepth) : text(text), maxDepth(maxDepth) {}
 
     JsonFlaw Find() {
         for (at = 0; at < text.size(); ++at) {
@@ -124,7 +124,7 @@ class FlawFinder {
         case '{':
         case '[':
             keysOfOpen.emplace_back();
-            return keysOfOpen.size() > deepest ? JsonFlaw::TooDeep : JsonFlaw::None;
+            return keysOfOpen.size() > maxDepth ? JsonFlaw::TooDeep : JsonFlaw::None;
         case '}':
         case ']':
             if (!keysOfOpen.empty())
@@ -137,7 +137,7 @@ class FlawFinder {
         }
     }
 
-    /// Goes to the string's closing quotation mark, or behind the text where it has none.
+    /// Goes to the string's closing quotation mark, or to the end of the text without one.
     void PassString() {
         const std::size_t first = ++at;
         while (at < text.size() && text[at] != '"')
@@ -145,7 +145,7 @@ class FlawFinder {
         lastString = text.substr(first, at - first);
     }
 
-    /// What stands before a colon is a key.
+    /// A string before a colon is a key.
     JsonFlaw LookAtKey() {
         if (lastString.find('\0') != std::string_view::npos)
             return JsonFlaw::ZeroInKey;
@@ -155,17 +155,16 @@ class FlawFinder {
     }
 
     std::string_view text;
-    std::size_t deepest;
+    std::size_t maxDepth;
     std::size_t at = 0;
     std::string_view lastString;
-    std::vector<std::set<std::u16string>>
-        keysOfOpen; ///< of each array or object that is open; none in an array
+    std::vector<std::set<std::u16string>> keysOfOpen; ///< of each open array or object; none in an array
 };
 
 } // namespace
 
-JsonFlaw FindJsonFlaw(std::string_view text, std::size_t deepest) {
-    return FlawFinder(text, deepest).Find();
+JsonFlaw FindJsonFlaw(std::string_view text, std::size_t maxDepth) {
+    return FlawFinder(text, maxDepth).Find();
 }
 
 namespace OstraSdk {
@@ -175,8 +174,8 @@ namespace {
 VeJson FromQt(const QJsonValue& value, int depth);
 
 VeJson FromNumber(double number) {
-    constexpr double kLargestExact = 9007199254740992.0;
-    if (std::abs(number) <= kLargestExact && std::trunc(number) == number)
+    constexpr double kMaxExact = 9007199254740992.0;
+    if (std::abs(number) <= kMaxExact && std::trunc(number) == number)
         return VeJson(VeJson::Value(static_cast<std::int64_t>(number)));
     return VeJson(VeJson::Value(number));
 }
@@ -197,7 +196,7 @@ VeJson FromObject(const QJsonObject& object, int depth) {
 }
 
 VeJson FromQt(const QJsonValue& value, int depth) {
-    if (depth > VeJson::kDeepest)
+    if (depth > VeJson::kMaxDepth)
         throw Ve::Exception(__LINE__, __FILE__, bERROR_LIMIT, "FromJsonText", "The values nest too deep.");
     switch (value.type()) {
     case QJsonValue::Bool:
@@ -256,7 +255,7 @@ QJsonValue ToQt(const VeJson& json) {
 }
 
 void CheckFlaws(std::string_view text) {
-    const JsonFlaw flaw = FindJsonFlaw(text, VeJson::kDeepest);
+    const JsonFlaw flaw = FindJsonFlaw(text, VeJson::kMaxDepth);
     if (flaw == JsonFlaw::TooDeep)
         throw Ve::Exception(__LINE__, __FILE__, bERROR_LIMIT, "FromJsonText", "The values nest too deep.");
     if (flaw == JsonFlaw::RepeatedKey)

@@ -7,8 +7,8 @@
 
 namespace {
 
-/// A coordinate moved by tenths of an image pixel. One that is on a tenth comes to lie on another exactly,
-/// however often it is moved: at the same number as a click on that place gives.
+/// A coordinate moved by tenths of an image pixel. A coordinate on a tenth moves to another tenth exactly,
+/// however often it is moved: it equals the one that a click at that place gives.
 double Moved(double coordinate, int tenths, int pixels) {
     constexpr double kTolerance = 1e-6;
     const double perImage = 10.0 * pixels;
@@ -141,7 +141,7 @@ std::optional<PointIndex> PathEditor::TouchedPoint() const {
 
 void PathEditor::LetGo() {
     ForgetCursor();
-    hoverByKey = true; // the cursor may be over a point, which is searched for before the next press
+    hoverByKey = true; // the cursor may be over a point, which the next press searches for
     touched.reset();
     dragStart.reset();
 }
@@ -241,7 +241,7 @@ QPointF PathEditor::PositionOf(PointIndex at) const {
     return document->paths()[static_cast<std::size_t>(at.path)].points[static_cast<std::size_t>(at.point)];
 }
 
-/// Paths without points, which a file may not hold but a caller may, are passed over.
+/// Skips paths without points: no file has them, but a caller may.
 std::optional<PointIndex> PathEditor::Neighbour(PointIndex at, int delta) const {
     const auto& paths = document->paths();
     at.point += delta;

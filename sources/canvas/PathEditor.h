@@ -31,7 +31,7 @@ class PathEditor {
     void Press(const CanvasScale& scale, const QPointF& position);
 
     /// Ctrl and left button down: puts a point on the segment under the cursor, with the parameters that it
-    /// has. The rest of the gesture does nothing. @return false, with nothing done, where there is a point or
+    /// has. The rest of the gesture is ignored. @return false, with nothing done, where there is a point or
     /// no segment
     bool PressOnSegment(const CanvasScale& scale, const QPointF& position);
 
@@ -59,13 +59,13 @@ class PathEditor {
     /// Forgets the cursor and the chosen segment.
     void Reset();
 
-    /// Forgets the touched point when its index may be another's.
+    /// Forgets the touched point when its index may now belong to another point.
     void Follow(const PathsChange& change);
 
     void SetCurrentPath(int path) { state.currentPath = path; }
     void SetCurrentSegment(int segment) { state.currentSegment = segment; }
 
-    // By key, while no button is held. Each change is a step of its own.
+    // By key, while no button is held. Each change is one step.
 
     /// The point that keys act on: the one under the cursor, or else the one that was last drawn, dragged,
     /// inserted or chosen.

@@ -5,8 +5,8 @@
 
 namespace {
 
-/// Finds most points to be far away without rounding them: those farther from the cursor along either axis
-/// than the radius and what rounding can move them by.
+/// Rejects most points without rounding them: those farther from the cursor along either axis than the radius
+/// and what rounding can move them by.
 class NearbyFilter {
   public:
     NearbyFilter(const CanvasScale& scale, const QPointF& cursor)
@@ -15,7 +15,7 @@ class NearbyFilter {
           reachY((kHitRadius + 1.0) / scale.Canvas().height()) {}
 
     [[nodiscard]] bool MayHit(const QPointF& point) const {
-        // Written so that what is not a number stays a candidate: it counts as pixel 0.
+        // Written so that NaN stays a candidate: it counts as pixel 0.
         return !(std::abs(point.x() - centre.x()) > reachX) && !(std::abs(point.y() - centre.y()) > reachY);
     }
 

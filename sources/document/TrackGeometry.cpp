@@ -6,10 +6,10 @@
 namespace {
 
 /// Widgets cannot be larger than this in either direction.
-constexpr double kLargestSide = (1 << 24) - 1;
+constexpr double kMaxSide = (1 << 24) - 1;
 
-int WholePixels(double length) {
-    return static_cast<int>(std::clamp(std::floor(length + 0.5), 1.0, kLargestSide));
+int RoundedPixels(double length) {
+    return static_cast<int>(std::clamp(std::floor(length + 0.5), 1.0, kMaxSide));
 }
 
 /// A side stretched by the larger resolution over the smaller one. Resolutions that give no ratio leave it as
@@ -36,8 +36,8 @@ QSize ShownImageSize(const QSize& image, double xResolution, double yResolution,
     const double width = image.width() * scale;
     const double height = image.height() * scale;
     if (yResolution > xResolution)
-        return {WholePixels(width), WholePixels(Stretched(height, yResolution, xResolution))};
-    return {WholePixels(Stretched(width, xResolution, yResolution)), WholePixels(height)};
+        return {RoundedPixels(width), RoundedPixels(Stretched(height, yResolution, xResolution))};
+    return {RoundedPixels(Stretched(width, xResolution, yResolution)), RoundedPixels(height)};
 }
 
 DrawnLengths LengthsTo(const QPointF& end, const TrackPath& path, const WorldTransform& world) {

@@ -7,17 +7,17 @@
 
 #include <optional>
 
-/// The size of a height-map image at a view scale, stretched along one axis so that one unit of distance is
-/// as long across as down: the axis with the larger resolution grows. Rounded to whole pixels, halves
-/// upwards; at least 1 x 1. At scale 1 this is the aspect-corrected image size that segment parameters and
-/// ruler marks are measured in.
+/// The size of a height-map image at a view scale, stretched along one axis so that a unit of distance has
+/// the same length across and down: the axis with the larger resolution grows. Rounded to whole pixels,
+/// halves upwards; at least 1 x 1. At scale 1 this is the aspect-corrected image size that segment parameters
+/// and ruler marks are measured in.
 /// @param image columns x rows
 QSize ShownImageSize(const QSize& image, double xResolution, double yResolution, double scale = 1.0);
 
 /// Lengths of what is drawn or dragged, in world units.
 struct DrawnLengths {
     double segment = 0.0;
-    double path = 0.0; ///< of the whole path that the segment belongs to
+    double path = 0.0; ///< of the complete path that the segment belongs to
 };
 
 /// Of a path that is drawn on to `end`, which is normalised to the canvas: the new segment, and the path with

@@ -12,7 +12,7 @@ Ve::Exception Unforeseen(const char* reason) {
             reason};
 }
 
-/// Runs the work and tells how it ended. Whatever it throws becomes a result: the window waits for one, and
+/// Runs the work and returns how it ended. Whatever it throws becomes a result: the window waits for one, and
 /// stays disabled until it comes.
 template<typename Work>
 Ve::Exception Outcome(Work work) {

@@ -11,8 +11,8 @@ class OstraSdkClient;
 
 Q_DECLARE_METATYPE(Ve::Exception)
 
-/// The two operations that may take minutes, for a thread of their own: a signal asks for one of them, and
-/// exactly one finished-signal tells how it ended. Status 1 is success; any other value is what stopped it.
+/// The two operations that may take minutes, for a worker thread: a signal requests one of them, and exactly
+/// one finished-signal reports how it ended. Status 1 is success; any other value is the failure.
 class BlockingController final : public QObject {
     Q_OBJECT
 
@@ -25,7 +25,7 @@ class BlockingController final : public QObject {
     void SignalBackupFinished(Ve::Exception result);
 
   public slots:
-    /// Has the server restore the backup file, then sets its replay mode back when that changed it.
+    /// Has the server restore the backup file, then resets its replay mode if the restore changed it.
     void SlotRestore(const QString& backupFileName);
     /// Writes the server's archive to the file.
     void SlotBackup(const QString& fileName);
@@ -35,9 +35,6 @@ class BlockingController final : public QObject {
 
     OstraSdkClient* client;
 };
-
-class BlockingController;
-class OstraSdkClient;
 
 /// The background thread with the controller that lives in it.
 class WorkerThread final {
@@ -53,11 +50,11 @@ class WorkerThread final {
 
     void start() { thread.start(QThread::TimeCriticalPriority); }
 
-    /// Lets the job at hand come to its end, which its time-outs bound, and ends the thread: from then on
-    /// nobody but the caller uses the client. Jobs that wait are dropped.
+    /// Waits for the running job, which its time-outs bound, and ends the thread: from then on only the
+    /// caller uses the client. Waiting jobs are dropped.
     void finish();
 
   private:
     QThread thread;
-    BlockingController* worker; ///< disposed of by the thread's end
+    BlockingController* worker; ///< deleted when the thread ends
 };

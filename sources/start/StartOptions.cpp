@@ -22,7 +22,7 @@ constexpr std::array kOptions{
     Option{"--display", StartMode::Display},
 };
 
-/// A full disk and a file system that is read-only are seen only by writing.
+/// Only writing detects a full disk or a read-only file system.
 bool CanWriteInto(const QDir& folder) {
     QTemporaryFile file(folder.filePath(QStringLiteral(".corvane-XXXXXX")));
     return file.open() && file.write("x") == 1 && file.flush();

@@ -31,8 +31,8 @@ bool IsFileOrFolder(const FolderEntry& entry, const QString& path) {
     return info.isFile() || info.isDir();
 }
 
-/// The names as Qt lists them, without hidden ones and those that are no text. It would mistake a folder that
-/// cannot be read for an empty one, and one that can be read in part for a smaller one.
+/// The names as Qt lists them, without hidden ones and those that are not valid text. Not read with Qt, which
+/// would treat an unreadable folder as empty, and a partly readable one as smaller.
 bStatus ReadNames(const QString& directory, const QString& pattern, QStringList& names) {
     FolderReader folder(QFile::encodeName(directory).constData());
     FolderEntry entry;

@@ -20,7 +20,7 @@ class TextTrackCheck final {
   private:
     bool NextLine();
     bool NextInSection();
-    bool MoveBehindHeader();
+    bool MoveAfterHeader();
     bool TakeLine(std::string_view& text);
     void Split(std::string_view text);
 

@@ -22,7 +22,7 @@ bool WaitForSocket(std::uintptr_t socket, SocketWait wait, std::chrono::steady_c
                                   : end - now > kMaxStep ? kMaxStep
                                                          : std::chrono::ceil<Milliseconds>(end - now);
         const int ready = poll(&polled, 1, static_cast<int>(left.count()));
-        if (ready > 0 || (ready < 0 && errno != EINTR)) // a failure shows in the call that is waited for
+        if (ready > 0 || (ready < 0 && errno != EINTR)) // a failure shows in the call that follows
             return true;
         if (ready == 0 && left < kMaxStep)
             return false;

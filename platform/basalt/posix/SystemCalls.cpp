@@ -45,11 +45,11 @@ void ReserveInLargePages(std::vector<std::uint8_t>& bytes, std::size_t size) {
     bytes.reserve(size);
     if (bytes.capacity() < kLarge)
         return;
-    // The wish is for whole pages; what shares the first and the last one with other data goes without.
+    // madvise takes complete pages; the bytes at either end that share a page with other data are left out.
     const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
     const std::uintptr_t before = (page - reinterpret_cast<std::uintptr_t>(bytes.data()) % page) % page;
-    const std::uintptr_t whole = (bytes.capacity() - before) / page * page;
-    madvise(bytes.data() + before, whole, MADV_HUGEPAGE); // a system without them goes on with small ones
+    const std::uintptr_t pages = (bytes.capacity() - before) / page * page;
+    madvise(bytes.data() + before, pages, MADV_HUGEPAGE); // systems without large pages use small ones
 }
 
 std::optional<std::tm> LocalTime(std::time_t moment) {

@@ -12,7 +12,7 @@ void WritePoint(TrackByteWriter& out, const QPointF& point) {
 }
 
 /// A block's tag and the number of its records.
-void WriteBlockHead(TrackByteWriter& out, std::int32_t tag, std::size_t count) {
+void WriteBlockHeader(TrackByteWriter& out, std::int32_t tag, std::size_t count) {
     if (count > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()))
         throw std::length_error("Too many records for one block");
     out.Write(tag);
@@ -70,12 +70,12 @@ void WriteSegmentRecords(TrackByteWriter& out, const TrackPath& path, std::size_
 
 void WriteBinaryPathBlocks(TrackByteWriter& out, const std::vector<TrackPath>& paths,
                            const WorldTransform& transform) {
-    WriteBlockHead(out, BinaryTrackLayout::kRulerTag, RulerTicksHeld(paths));
+    WriteBlockHeader(out, BinaryTrackLayout::kRulerTag, RulerTicksHeld(paths));
     RulerRecords rulers(out, transform);
     for (std::size_t i = 0; i < paths.size(); ++i)
         rulers.Write(paths[i], i);
 
-    WriteBlockHead(out, BinaryTrackLayout::kSegmentTag, PointCount(paths));
+    WriteBlockHeader(out, BinaryTrackLayout::kSegmentTag, PointCount(paths));
     for (std::size_t i = 0; i < paths.size(); ++i)
         WriteSegmentRecords(out, paths[i], i, transform);
 }

@@ -106,8 +106,8 @@ int NotEnough() {
     return 1;
 }
 
-/// Whether a file of this size can hold a map of these dimensions. A full row takes a byte a cell at least; a
-/// small map is let through all the same, since rows may be short.
+/// Whether a file of this size can hold a map of these dimensions. A full row takes at least a byte a cell; a
+/// small map is accepted anyway, since rows may be short.
 bool CanHold(std::uint64_t fileSize, const TrackInfo& info) {
     constexpr std::uint64_t kSmallMap = std::uint64_t{1} << 20;
     if (info.width <= 0 || info.height <= 0)
@@ -125,7 +125,7 @@ QImage BlackImage(const TrackInfo& info) {
     return image;
 }
 
-/// Reads the height map whose header line the scan stands at.
+/// Reads the height map. The scan is at its header line.
 int ReadHeightRange(CsvScan& scan, TrackInfo& info) {
     if (ExtractYValues(scan.Line(), info.width, info.columnPositions) != 0)
         return 1;
@@ -139,9 +139,9 @@ int ReadHeightRange(CsvScan& scan, TrackInfo& info) {
     return 0;
 }
 
-/// Reads the anchor section whose head line the scan stands at.
+/// Reads the anchor section. The scan is at its first line.
 int ReadAnchor(CsvScan& scan, TrackInfo& info) {
-    scan.MoveBehindHeader();
+    scan.MoveAfterHeader();
     if (!scan.Line().HasFields()) {
         scan.Line().LogPlace();
         LOG_LINE(ERROR) << "Invalid image conversion row (empty)";
@@ -158,7 +158,7 @@ int ReadAnchor(CsvScan& scan, TrackInfo& info) {
     return 0;
 }
 
-/// An info section behind the map may tell other dimensions than those that the map was read with.
+/// An info section after the map may give other dimensions than those that the map was read with.
 int CheckDimensions(const TrackInfo& info) {
     const auto columns = static_cast<std::int64_t>(info.columnPositions.size());
     if (columns == info.width && static_cast<std::int64_t>(info.rowPositions.size()) == info.height)
@@ -173,7 +173,7 @@ int ReadInfoSections(CsvScan& scan, TrackInfo& info) {
     while (scan.Next()) {
         int result = 0;
         if (scan.Line().StartsWith("Info")) {
-            scan.MoveBehindHeader();
+            scan.MoveAfterHeader();
             result = ExtractInfo(scan.Line(), info);
         } else if (scan.Line().StartsWith("YX")) {
             hasHeightMap = true;

@@ -39,8 +39,8 @@ class Converter {
     /// file without a path section is a failure, a binary one has no paths.
     virtual int ReadPath(const std::string& path, std::vector<TrackPath>& paths) = 0;
 
-    /// Writes a whole track file; a normalised point (x, y) is stored at x * xScale + xOffset, y * yScale +
-    /// yOffset.
+    /// Writes a complete track file; a normalised point (x, y) is stored at x * xScale + xOffset, y * yScale
+    /// + yOffset.
     /// @return 0, 2 when the target cannot be written (it is then as it was), -1 where the encoding does not
     /// offer it.
     virtual int WriteTrack(const std::string& target, const TrackInfo& info, const HeightMap& heights,
@@ -55,12 +55,12 @@ class Converter {
                            double yOffset, double xScale, double yScale) = 0;
 
   protected:
-    /// Not virtual, so not public: a converter is released as what it was made.
+    /// Not virtual, so not public: a converter is deleted as the type it was created as.
     ~Converter() = default;
 };
 
-/// The converter for a file, chosen by its first line: binary when that holds "Trac", else text, also for a
-/// file that cannot be opened (its reads then fail with their own messages). Never null.
+/// The converter for a file, chosen by its encoding; the text converter for a file that cannot be opened (its
+/// reads then fail with their own messages). Never null.
 std::shared_ptr<Converter> CreateConverter(const std::string& path);
 
 /// The converter that writes binary files.
@@ -81,12 +81,12 @@ constexpr int kTargetNotWritable = 2;
 /// Puts a finished target in place. @return kWritten, or kTargetNotWritable after an ERROR line.
 [[nodiscard]] int CommitTarget(AtomicFile& file, const std::string& path);
 
-/// Logs a caught exception's text behind a tag, at ERROR. Throws nothing: when there is no memory even for
-/// the line, the result of the operation has to do.
+/// Logs a caught exception's text after a tag, at ERROR. Throws nothing: without memory for the line, only
+/// the operation's result reports the failure.
 void LogException(const char* tag, const char* text) noexcept;
 
 /// Does the work of an operation that must not throw. @return the work's result; `failure` when it threw,
-/// with the exception's text logged behind the tag
+/// with the exception's text logged after the tag
 template<typename Work>
 int Guarded(const char* tag, Work&& work, int failure = 1) noexcept {
     try {

@@ -31,7 +31,7 @@ Fields PathFields(const CsvLine& line) {
 }
 
 constexpr int kSignificantDigits = 6;
-constexpr int kRoundTripDigits = 17; ///< by which every double reads back as it was
+constexpr int kRoundTripDigits = 17; ///< with so many digits every double reads back exactly
 
 /// One line of numbers joined by commas: integers in full, others in the general format, whatever the
 /// process's locale.
@@ -80,8 +80,7 @@ std::int64_t Index(std::size_t index) {
     return static_cast<std::int64_t>(index);
 }
 
-/// Copies the lines before the first that heads a ruler section. @return whether an anchor section is among
-/// them
+/// Copies the lines before the first line of a ruler section. @return whether an anchor section is among them
 bool CopyUpToRulers(TextLines& lines, AtomicFile& file) {
     bool hasAnchor = false;
     CsvLine fields;

@@ -13,9 +13,8 @@ class CsvLine;
 /// @throws std::runtime_error for a line with too few fields, and for a point that belongs to no path
 void AppendPathPoint(const CsvLine& line, std::vector<TrackPath>& paths);
 
-/// Copies a text track file up to its first "Ruler" line and writes the given paths behind it, with an anchor
-/// of zeros before them when the copy has none. Lines are copied as they stand, with a single line feed
-/// behind each.
+/// Copies a text track file up to its first "Ruler" line and writes the given paths after it, with an anchor
+/// of zeros before them when the copy has none. Lines are copied unchanged, each with a single line feed.
 /// @return kWritten, kOriginalNotReadable or kTargetNotWritable, where the target is as it was
 /// @throws std::exception for a line that cannot be split, and for a path whose parallel lists are too short
 int WriteCsvPaths(const std::string& original, const std::string& target, const std::vector<TrackPath>& paths,

@@ -14,8 +14,8 @@ namespace {
 constexpr std::size_t kBlock = std::size_t{256} << 10;
 
 void RequireAllowed(std::size_t lineLength) {
-    if (lineLength > TextLines::kLongestLine)
-        throw std::length_error("A line is longer than " + std::to_string(TextLines::kLongestLine) +
+    if (lineLength > TextLines::kMaxLineLength)
+        throw std::length_error("A line is longer than " + std::to_string(TextLines::kMaxLineLength) +
                                 " bytes");
 }
 
@@ -41,7 +41,7 @@ bool NeedsTokenizer(std::string_view line) {
     return line.find('"') != std::string_view::npos || line.find('\\') != std::string_view::npos;
 }
 
-/// Counts in pieces of a fixed size, which the compiler turns into wide instructions.
+/// Counts in pieces of a fixed size, which the compiler vectorises.
 std::size_t CommaCount(std::string_view text) {
     constexpr std::size_t kPiece = 128;
     std::size_t count = 0;
@@ -101,8 +101,8 @@ void TextLines::MoveTo(std::uint64_t byte) {
     begin = end = searched = 0;
 }
 
-/// Moves the unfinished line to the front of the block and reads on behind it. @return false at the file's
-/// end
+/// Moves the unfinished line to the front of the block and reads more bytes after it. @return false at the
+/// file's end
 bool TextLines::Refill() {
     const std::size_t size = end - begin;
     RequireAllowed(size);
@@ -186,7 +186,7 @@ void CsvScan::Drop() {
     static_cast<void>(lines.Next(unread));
 }
 
-void CsvScan::MoveBehindHeader() {
+void CsvScan::MoveAfterHeader() {
     Drop();
     std::string_view text;
     Split(lines.Next(text) ? text : std::string_view());

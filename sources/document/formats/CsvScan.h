@@ -13,11 +13,11 @@
 /// Reads a file line by line, in big blocks, without a copy of a line.
 class TextLines {
   public:
-    /// A longer line fails the read. No row of a height map comes near it (it holds millions of cells), while
-    /// a file without line feeds, however large, is given up before it fills the memory.
-    static constexpr std::size_t kLongestLine = std::size_t{64} << 20;
+    /// A longer line fails the read. No row of a height map comes near it (64 MiB hold millions of cells),
+    /// while a file without line feeds is rejected before it fills the memory.
+    static constexpr std::size_t kMaxLineLength = std::size_t{64} << 20;
 
-    /// Opens a regular file; a folder, pipe or device counts as a file that is not there.
+    /// Opens a regular file; a folder, pipe or device counts as a missing file.
     explicit TextLines(const std::string& path);
 
     [[nodiscard]] bool IsOpen() const { return file.IsOpen(); }
@@ -34,8 +34,8 @@ class TextLines {
     /// Goes to the line that starts at a byte. @throws std::runtime_error when the file cannot be read there
     void MoveTo(std::uint64_t byte);
 
-    /// Hands out the next line without its line feed and without a carriage return before it. The bytes stay
-    /// until the next call. The rest behind the last line feed is a line unless it is empty.
+    /// Returns the next line without its line feed and without a carriage return before it. The bytes stay
+    /// until the next call. The rest after the last line feed is a line unless it is empty.
     /// @return false at the end of the file
     /// @throws std::length_error for a line that is too long
     /// @throws std::runtime_error when the file cannot be read on
@@ -50,8 +50,8 @@ class TextLines {
     std::uint64_t position = 0;
     std::uint64_t lineNumber = 0;
     std::vector<char> block;
-    std::size_t begin = 0;    ///< where the bytes not yet handed out start in the block
-    std::size_t end = 0;      ///< behind the last byte read
+    std::size_t begin = 0;    ///< where the bytes not yet returned start in the block
+    std::size_t end = 0;      ///< after the last byte read
     std::size_t searched = 0; ///< bytes from `begin` known to hold no line feed
 };
 
@@ -68,8 +68,8 @@ class CsvLine {
     /// @throws boost::escaped_list_error for a bad escape anywhere in the line
     void Split(std::string_view line, std::uint64_t lineNumber = 0);
 
-    /// Logs at INFO where the line is and how it begins: what an error that follows is about. Nothing for a
-    /// line of no file.
+    /// Logs at INFO where the line is and how it begins, before an error about it. Nothing for a line of no
+    /// file.
     void LogPlace() const;
 
     /// An empty line has no fields; any other has at least one.
@@ -85,8 +85,8 @@ class CsvLine {
         return First().find(keyword) != std::string_view::npos;
     }
 
-    /// The fields joined by commas. A comma that stood inside a field is a semicolon here: it too ends a
-    /// number and is in no keyword, so that whatever the line held, this splits at every comma.
+    /// The fields joined by commas. A comma inside a field is a semicolon here: it also ends a number and is
+    /// in no keyword, so that every comma separates fields.
     [[nodiscard]] std::string_view Text() const { return text; }
 
   private:
@@ -112,17 +112,17 @@ class CsvFields {
     }
 
     /// Takes the next field when it is a packed decimal, as most cells of a height map are.
-    /// @return false, with nothing taken, when it is something else; `number` is untouched then
+    /// @return false when it is anything else; nothing is taken then and `number` is unchanged
     [[gnu::always_inline]] bool NextPacked(PackedDecimal& number) {
         const char* const taken =
             end - at < PackedDecimal::kBytes ? nullptr : PackedDecimal::Read(at, number);
         if (taken == nullptr)
             return false;
-        at = taken + 1; // behind a comma; there is always another field, be it empty
+        at = taken + 1; // after a comma there is always another field, even if empty
         return true;
     }
 
-    /// Takes the next field as a number by ToDouble. @return false, with `value` untouched, for an empty
+    /// Takes the next field as a number by ToDouble. @return false, with `value` unchanged, for an empty
     /// field
     bool NextNumber(double& value);
 
@@ -171,12 +171,12 @@ class CsvScan {
     /// Moves to the next line whose first field contains the keyword. @return false at the end of the file
     [[nodiscard]] bool Find(std::string_view keyword);
 
-    /// Passes over the very next line, whatever it holds, without splitting it.
+    /// Skips the next line without splitting it, even an empty one.
     void Drop();
 
-    /// Passes over a section's header line and moves to the line after it, which has no fields when it is
-    /// empty or missing.
-    void MoveBehindHeader();
+    /// Skips a section's header line and moves to the line after it, which has no fields when it is empty or
+    /// missing.
+    void MoveAfterHeader();
 
   private:
     void Split(std::string_view text);

@@ -10,7 +10,7 @@ const HeightRamp::Colour& HeightColours::ColourOf(double height) const {
     return std::isfinite(height) ? ramp.ColourOf(height) : HeightRamp::kBlack;
 }
 
-/// The first height settles which ones the table is for.
+/// The first height decides for which number of decimals the table is.
 const HeightRamp::Colour& HeightColours::ColourOutside(PackedDecimal height) {
     if (fraction == kNotYetSeen)
         fraction = height.fraction;
@@ -38,7 +38,7 @@ SampleRamp::SampleRamp(const HeightRamp& ramp, const SampleScale& scale) : pixel
 }
 
 void SampleRamp::Paint(std::span<const std::int16_t> samples, std::uint8_t* target) const {
-    // Four pixels are put together in registers to twelve bytes: two stores in place of twelve.
+    // Four pixels are combined in registers into twelve bytes: two stores instead of twelve.
     for (; samples.size() >= kPixelsAtOnce; samples = samples.subspan(kPixelsAtOnce)) {
         const std::uint64_t third = PixelOf(samples[2]);
         const std::uint64_t first8 =

@@ -22,7 +22,7 @@ class HeightRamp {
     /// What a cell without a measurement is painted with.
     static constexpr Colour kBlack = {0, 0, 0};
 
-    /// The range must be greater than 0: ask IsValid before the first height.
+    /// The range must be greater than 0: check IsValid before the first height.
     HeightRamp(double lowHeight, double highHeight) : low(lowHeight), range(highHeight - lowHeight) {}
 
     [[nodiscard]] bool IsValid() const { return range > 0.0; }
@@ -32,10 +32,10 @@ class HeightRamp {
         return ColourOfStep((height - low) * kLastStep / range + 0.5);
     }
 
-    /// The colour of the step floor(step). Any value is taken: below 0, and for what is no number, black.
+    /// The colour of the step floor(step). Any value is accepted; below 0 and NaN give black.
     static const Colour& ColourOfStep(double step) {
-        // Written so that what is no number fails both comparisons as a value below 0 does the first; from 0
-        // up, dropping the fraction is rounding down.
+        // Written so that NaN becomes 0 in the first comparison, as a value below 0 does; from 0 up, dropping
+        // the fraction rounds down.
         const double notBelow = step > 0.0 ? step : 0.0;
         const double inside = notBelow < kLastStep ? notBelow : double{kLastStep};
         return kTable[static_cast<std::size_t>(static_cast<int>(inside))];
@@ -86,16 +86,16 @@ constexpr HeightRamp::Table HeightRamp::ComputedTable() {
 inline constexpr HeightRamp::Table HeightRamp::kTable = HeightRamp::ComputedTable();
 
 /// The colours of a map's heights on a ramp, each computed once: the heights of a sensor come from a few
-/// thousand values, written with the same number of digits behind the point, so that most are found by their
-/// digits in a table of 256 KiB.
+/// thousand values, written with the same number of decimals, so that most are found by their digits in a
+/// table of 256 KiB.
 class HeightColours {
   public:
-    /// The ramp's range may be wrong: ask IsValid before the first height.
+    /// The ramp's range may be invalid: check IsValid before the first height.
     explicit HeightColours(const HeightRamp& ramp) : ramp(ramp), found(kDigits) {}
 
     [[nodiscard]] bool IsValid() const { return ramp.IsValid(); }
 
-    /// The colour stays until the next call.
+    /// The reference is valid until the next call.
     [[nodiscard]] const HeightRamp::Colour& ColourOf(PackedDecimal height) {
         const auto index = static_cast<std::uint32_t>(height.digits + kLowestDigits);
         if (height.fraction != fraction || index >= kDigits)
@@ -106,7 +106,7 @@ class HeightColours {
         return entry.colour;
     }
 
-    /// What is infinite or no number is no measurement.
+    /// An infinite height and NaN count as no measurement.
     [[nodiscard]] const HeightRamp::Colour& ColourOf(double height) const;
 
   private:
@@ -123,10 +123,10 @@ class HeightColours {
 
     HeightRamp ramp;
     std::vector<Found> found;             ///< by digits, from -kLowestDigits on
-    std::uint32_t fraction = kNotYetSeen; ///< the digits behind the point of the heights in the table
+    std::uint32_t fraction = kNotYetSeen; ///< the decimals of the heights in the table
 };
 
-/// The colours of all 65,536 raw samples, looked up instead of computed for each cell.
+/// The colours of all 65,536 raw samples, found in a table instead of computed for each cell.
 class SampleRamp {
   public:
     /// The ramp must be valid. Samples without a measurement, and those whose height is not finite, are
@@ -141,7 +141,6 @@ class SampleRamp {
         return pixels[static_cast<std::uint16_t>(sample)];
     }
 
-    /// Red in the lowest byte, then green and blue; indexed by the sample's bits, taken as an unsigned
-    /// number.
+    /// Red in the lowest byte, then green and blue; indexed by the sample's bits as an unsigned number.
     std::vector<std::uint32_t> pixels;
 };

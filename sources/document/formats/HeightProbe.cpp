@@ -72,7 +72,7 @@ CellHeight HeightProbe::At(int column, int row) const {
             return {};
         return text ? text->At(column, row) : BinaryHeightAt(column, row);
     } catch (const std::exception&) {
-        return {}; // asked for with every move of the mouse: a line in the log for each would drown the rest
+        return {}; // asked for with every move of the mouse: a log line for each would flood the log
     }
 }
 

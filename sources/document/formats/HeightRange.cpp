@@ -14,9 +14,8 @@ struct Extremes {
     std::int16_t highest = kNoMeasurement;
 };
 
-/// Moved down by one, a sample without measurement wraps round to the top, where it cannot be the lowest: a
-/// minimum without a branch. A map's largest sample is thus the only one that ties with it, and that does no
-/// harm.
+/// Decremented, a sample without measurement wraps round to the maximum, where it cannot be the lowest: a
+/// minimum without a branch. Only the largest possible sample decrements close to it, which is harmless.
 constexpr std::int16_t MovedDown(std::int16_t sample) {
     return static_cast<std::int16_t>(sample - 1);
 }
@@ -25,7 +24,7 @@ constexpr std::int16_t MovedUp(std::int16_t sample) {
     return static_cast<std::int16_t>(sample + 1);
 }
 
-/// As many samples side by side as the compiler needs to compare several with one instruction.
+/// As many samples as the compiler needs to compare several with one instruction.
 constexpr std::size_t kSideBySide = 32;
 using Lanes = std::array<std::int16_t, kSideBySide>;
 
@@ -56,7 +55,7 @@ Extremes ExtremesOf(std::span<const std::int16_t> samples) {
 void HeightRange::Add(double height) {
     if (!std::isfinite(height))
         return;
-    // Of a zero and a negative zero, the one that came first stays.
+    // Of 0 and -0, the first one stays.
     if (height == 0.0)
         TakeInDigits();
     Widen(height);

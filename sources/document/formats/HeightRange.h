@@ -9,7 +9,7 @@
 #include <span>
 
 /// The lowest and the highest of many heights. Heights that come as digits are compared as digits, among
-/// those with as many digits behind the point, and become doubles only once, when the range is asked for.
+/// those with as many decimals, and become doubles only once, when the range is asked for.
 class HeightRange {
   public:
     /// Starts with a range that the heights may widen.
@@ -21,7 +21,7 @@ class HeightRange {
         range.highest = height.digits > range.highest ? height.digits : range.highest;
     }
 
-    /// Heights that are infinite or no number change nothing.
+    /// Infinite heights and NaN are ignored.
     void Add(double height);
 
     [[nodiscard]] double Lowest();

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-/// Raw heights, row-major: the cell of row r and column c stands at r x width + c.
-/// World height = raw x zResolution + zOffset.
+/// Raw heights, row-major: the cell of row r and column c is at r x width + c. World height = raw x
+/// zResolution + zOffset.
 using HeightMap = std::vector<std::int16_t>;
 
 /// The raw value of a cell without a measurement.
@@ -25,20 +25,20 @@ struct SampleScale {
 /// 16 bits becomes -32767 or 32767, so that a measured cell never turns into one without a measurement; a
 /// height that is not finite, and any height where zResolution is 0, has none.
 inline std::int16_t RawHeight(double height, double zOffset, double zResolution) {
-    constexpr double kLargest = 32767.0;
+    constexpr double kMax = 32767.0;
     if (!std::isfinite(height) || zResolution == 0.0)
         return kNoMeasurement;
     const double raw = (height - zOffset) / zResolution;
     if (std::isnan(raw))
         return kNoMeasurement;
-    if (raw >= kLargest)
-        return static_cast<std::int16_t>(kLargest);
-    if (raw <= -kLargest)
-        return static_cast<std::int16_t>(-kLargest);
+    if (raw >= kMax)
+        return static_cast<std::int16_t>(kMax);
+    if (raw <= -kMax)
+        return static_cast<std::int16_t>(-kMax);
     return static_cast<std::int16_t>(raw);
 }
 
-/// What is known of one cell of a height map.
+/// What is known about one cell of a height map.
 struct CellHeight {
     enum class Kind : std::uint8_t {
         Unknown,     ///< it could not be read, or not yet

@@ -5,7 +5,7 @@
 
 namespace {
 
-/// Numbers are read one by one, and the system is asked for so many bytes at a time.
+/// Numbers are read one by one; the file is read in blocks of this size.
 constexpr std::size_t kBufferSize = 4096;
 
 } // namespace

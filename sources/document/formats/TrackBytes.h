@@ -19,12 +19,12 @@ static_assert(std::endian::native == std::endian::little, "binary track files ar
 /// bytes that the file holds.
 class TrackByteReader {
   public:
-    /// Only regular files are opened; ask IsOpen. One that is not open has no bytes.
+    /// Only regular files are opened; check IsOpen. One that is not open has no bytes.
     explicit TrackByteReader(const std::string& path);
 
     [[nodiscard]] bool IsOpen() const { return file.IsOpen(); }
 
-    /// How many bytes stand between the reading place and the end of the file.
+    /// How many bytes are between the reading position and the end of the file.
     [[nodiscard]] std::int64_t Remaining() const { return size - place; }
 
     /// @throws std::runtime_error when the file ends within the number.
@@ -39,7 +39,7 @@ class TrackByteReader {
     /// @throws std::runtime_error when the file ends within these bytes.
     void Read(void* bytes, std::size_t count);
 
-    /// Passes over bytes. @throws std::runtime_error when there are fewer, or `count` is negative.
+    /// Skips bytes. @throws std::runtime_error when there are fewer, or `count` is negative.
     void Skip(std::int64_t count);
 
   private:
@@ -57,7 +57,7 @@ class TrackByteReader {
 
 static_assert(std::endian::native == std::endian::little, "binary track files are little-endian");
 
-/// Appends numbers to a file without padding between them. Failures are the file's to remember.
+/// Appends numbers to a file without padding between them. The file remembers failures.
 class TrackByteWriter {
   public:
     /// The file must live as long as the writer.

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-/// The information block of a track: what ties its height map to world units.
+/// The information block of a track: relates its height map to world units.
 struct TrackInfo {
     double xResolution = 0.0; ///< world size of one step along X
     double yResolution = 0.0; ///< world size of one step along Y
@@ -24,8 +24,7 @@ struct TrackInfo {
     double maxHeight = 0.0;              ///< highest height of the map
 };
 
-/// Turns what the canvas holds into what a track file stores: the five factors that the caller of a write
-/// gives.
+/// Converts the canvas's coordinates into those of a track file: the five factors that are passed to a write.
 struct WorldTransform {
     double widthScale = 1.0;
     double xOffset = 0.0;

@@ -15,7 +15,7 @@ struct RulerMarks {
     std::vector<Band> bands;         ///< the rectangle round each tick: Length across, Width along the path
 };
 
-/// The four whole-number parameters that every point of a path carries for the segment it starts.
+/// The four integer parameters that every point of a path carries for the segment it starts.
 enum class SegmentParameter { Method, Length, Width, Space };
 
 /// One point of a path with the parameters of the segment that it starts.
