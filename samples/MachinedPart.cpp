@@ -18,8 +18,7 @@ constexpr double kInset = 0.06;  ///< of the plate in the picture
 constexpr double kCorner = 0.07; ///< radius
 constexpr double kChamfer = 0.012;
 constexpr double kLineHalfWidth = 0.035;
-constexpr double kSteepest =
-    1.5; ///< millimetres per millimetre; steeper walls hide what is behind them from the camera
+constexpr double kSteepest = 1.5; ///< millimetres per millimetre; steeper walls hide part of the view
 
 struct Circle {
     double x, y; ///< shares of width and height

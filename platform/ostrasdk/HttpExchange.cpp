@@ -143,7 +143,7 @@ VeJson HttpExchange::ReceiveBody() {
     // Its reply cannot be about a request that it does not have completely.
     if (!stream.HasWrittenAll())
         throw Ve::Exception(__LINE__, __FILE__, bERROR_CONNECTION, kFunction,
-                            "The server answered before it had the whole request.");
+                            "The server answered before it had the complete request.");
     reply->BeginBody(kMaxReply);
     VeJson value = ReadBody(*reply, reply->Value(http::field::content_type), {reply->MaxBytes(), kMaxText});
     reply->CheckDigest(boost::beast::iequals(reply->Value(http::field::trailer), kContentDigest));

@@ -238,7 +238,7 @@ bool CborReader::Fill() {
 
 void CborReader::CountBeside(std::uint64_t size) {
     if (size > bounds.beside - beside)
-        Throw(__LINE__, bERROR_LIMIT, "The body has too much beside its byte strings.");
+        Throw(__LINE__, bERROR_LIMIT, "The body has too much besides its byte strings.");
     beside += size;
 }
 

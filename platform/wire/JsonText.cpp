@@ -259,7 +259,7 @@ void CheckFlaws(std::string_view text) {
     if (flaw == JsonFlaw::TooDeep)
         throw Ve::Exception(__LINE__, __FILE__, bERROR_LIMIT, "FromJsonText", "The values nest too deep.");
     if (flaw == JsonFlaw::RepeatedKey)
-        throw Ve::Exception(__LINE__, __FILE__, bERROR_FORMAT, "FromJsonText", "A key stands twice.");
+        throw Ve::Exception(__LINE__, __FILE__, bERROR_FORMAT, "FromJsonText", "A key is repeated.");
     if (flaw == JsonFlaw::ZeroInKey)
         throw Ve::Exception(__LINE__, __FILE__, bERROR_FORMAT, "FromJsonText", "A key holds a zero byte.");
 }

@@ -145,7 +145,7 @@ template<bool isRequest>
 void MessageReader<isRequest>::CountFraming(std::size_t size) {
     framing += size;
     if (framing > kMaxFraming)
-        Fail(__LINE__, bERROR_LIMIT, "The body has too much beside its data.");
+        Fail(__LINE__, bERROR_LIMIT, "The body has too much besides its data.");
 }
 
 template<bool isRequest>
@@ -155,7 +155,7 @@ void MessageReader<isRequest>::Fail(const error_code& error) {
     if (error == http::error::body_limit)
         Fail(__LINE__, bERROR_LIMIT, "The body is too large.");
     if (error == http::error::buffer_overflow && parser.is_header_done())
-        Fail(__LINE__, bERROR_LIMIT, "The body has too much beside its data.");
+        Fail(__LINE__, bERROR_LIMIT, "The body has too much besides its data.");
     if (error == http::error::partial_message || error == http::error::end_of_stream)
         Fail(__LINE__, bERROR_CONNECTION, "It ended early.");
     Fail(__LINE__, bERROR_CONNECTION, error.message());

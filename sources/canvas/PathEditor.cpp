@@ -17,7 +17,7 @@ double Moved(double coordinate, int tenths, int pixels) {
     return (std::abs(place - nearest) < kTolerance ? nearest + tenths : place + tenths) / perImage;
 }
 
-/// `after` kept inside the margin, unless `before` lies outside it already: then it goes no further out.
+/// `after` kept inside the margin; if `before` is already outside, `after` is kept from moving further out.
 double KeptInside(double before, double after, double lowest, double highest) {
     return std::max(std::min(lowest, before), std::min(after, std::max(highest, before)));
 }

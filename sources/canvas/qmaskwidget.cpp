@@ -19,7 +19,7 @@
 
 namespace {
 
-/// Pixels that are painted at once; a larger place is painted in strips that stay in the processor's cache.
+/// Pixels of one strip: a larger area is painted in strips that stay in the processor's cache.
 constexpr int kMaxPainted = 1024 * 1024 / 4;
 
 /// All device pixels that a rectangle of widget pixels touches.

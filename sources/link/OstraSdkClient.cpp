@@ -79,7 +79,7 @@ Ve::Exception RequestFailure(int line, const char* function, const char* message
 
 /// Reads a file of this size. @return why that failed; empty on success
 std::string ReadAll(InputFile& file, std::int64_t size, std::vector<std::uint8_t>& buffer) {
-    // A vector zeroes the bytes it grows by: if it grew at once, they would leave the processor's cache
+    // A vector zeroes the bytes it grows by: if it grew in one step, they would leave the processor's cache
     // before they are read into.
     constexpr std::int64_t kStep = std::int64_t{256} * 1024;
     if (size > kMaxArchive)

@@ -11,7 +11,7 @@
 /// the system cannot give the time.
 std::string NowTime();
 
-/// Where finished log lines go: one stream for the whole process.
+/// Where finished log lines go: one stream for the process.
 class Output2FILE {
   public:
     /// The stream: standard error until another is assigned; null switches the log off.
@@ -40,8 +40,7 @@ class Log {
         try {
             line << std::endl;
             OutputPolicy::Write(line.str());
-        } catch (
-            const std::exception&) { // NOLINT(bugprone-empty-catch): there is no other place to report it
+        } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): nowhere else to report it
         }
     }
 

@@ -60,8 +60,7 @@ void TrackOperations::RefreshTrackList() {
         view.showTrackList({});
         return;
     }
-    trackFiles =
-        ListFiles(kTrackFolder, QStringLiteral("*.trk")); // before anything is shown, since it may fail
+    trackFiles = ListFiles(kTrackFolder, QStringLiteral("*.trk")); // first, since it may fail
     view.showTrackList(trackFiles);
 }
 
