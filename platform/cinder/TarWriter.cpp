@@ -10,8 +10,7 @@
 
 namespace {
 
-constexpr std::size_t kCopySize =
-    std::size_t{64} * 1024; // stays in the processor's cache until it is written
+constexpr std::size_t kCopySize = std::size_t{64} * 1024; // stays in the processor's cache
 constexpr unsigned kDirectoryPermissions = 0755;
 constexpr unsigned kFilePermissions = 0644;
 

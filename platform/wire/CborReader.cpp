@@ -94,8 +94,7 @@ std::size_t ByteString::Read(char* bytes, std::size_t capacity) {
 }
 
 VeJson::Bytes KeepBytes(ByteString& bytes) {
-    constexpr std::size_t kPiece =
-        std::size_t{256} * 1024; // stays in the processor's cache until it is copied
+    constexpr std::size_t kPiece = std::size_t{256} * 1024; // stays in the processor's cache
     VeJson::Bytes kept;
     std::vector<char> piece(static_cast<std::size_t>(std::min<std::uint64_t>(kPiece, bytes.Left())));
     while (const std::size_t count = bytes.Read(piece.data(), piece.size())) {
