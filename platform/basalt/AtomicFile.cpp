@@ -91,7 +91,7 @@ bool AtomicFile::Commit() {
     FlushBuffer();
     if (!failed && !(file->Sync() && file->Keep(NameOf(target))))
         Fail(file->Failure());
-    file.reset(); // and with it the hidden file, which could not be kept
+    file.reset(); // also removes the hidden file, which could not be kept
     if (!failed)
         failure = folder.Sync();
     return !failed && !failure;

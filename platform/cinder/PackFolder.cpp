@@ -54,7 +54,7 @@ class Packer {
             Fail(__LINE__, bERROR_FILE, "Failed to list files in " + directory, why);
         bTar_Describe(tar, facts);
         const bStatus status = bTar_BeginWrite(tar, relativePath.c_str(), bTar_DIRECTORY, 0);
-        // The message is wrong about the directory, but it is the one that operators know.
+        // The message names another directory, but it is the one that operators know.
         if (status != bOK)
             Fail(__LINE__, status, "Failed to create the replay directory.");
     }

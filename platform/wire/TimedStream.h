@@ -26,7 +26,7 @@ class TimedStream final : public InputStream {
     /// @param socket connected or not yet; used by nobody else
     explicit TimedStream(Socket socket);
 
-    /// Connects the socket. @param context the socket's, which nobody else runs
+    /// Connects the socket. @param context the socket's context; nobody else runs it
     /// @return the reason of a failure
     [[nodiscard]] Error Connect(boost::asio::io_context& context, const boost::asio::ip::tcp::endpoint& peer);
 

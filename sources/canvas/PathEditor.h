@@ -49,8 +49,8 @@ class PathEditor {
     /// @return whether a point was dragged
     bool Drag(const CanvasScale& scale, const QPointF& position);
 
-    /// Ends the gesture of the button that is held: a dragged point goes back, and what follows until the
-    /// button is pressed anew does nothing. @return whether a point went back
+    /// Ends the gesture of the button that is held: a dragged point moves back, and the mouse is ignored
+    /// until the button is pressed again. @return whether a point moved back
     bool GiveUpGesture();
 
     /// No point is under the cursor, and nothing is drawn to it, until it moves again.
@@ -71,7 +71,7 @@ class PathEditor {
     /// inserted or chosen.
     [[nodiscard]] std::optional<PointIndex> TouchedPoint() const;
     /// Whether a key, not the cursor, has decided which point is shown as hovered. The next press or move of
-    /// the mouse searches anew.
+    /// the mouse searches again.
     [[nodiscard]] bool IsHoverByKey() const { return hoverByKey; }
     /// No point is touched or shown.
     void LetGo();
@@ -102,6 +102,6 @@ class PathEditor {
     EditingState state;
     std::optional<PointIndex> touched;
     std::optional<QPointF> dragStart; ///< where the dragged point was before the gesture
-    bool gestureEnded = false;        ///< what the button does until it is pressed anew is ignored
+    bool gestureEnded = false;        ///< ignore the button until it is pressed again
     bool hoverByKey = false;
 };

@@ -126,7 +126,7 @@ class TrackDocument final : public QObject {
     /// Identifies the present paths: equal revisions mean equal paths.
     [[nodiscard]] Revision revision() const { return history.CurrentRevision(); }
 
-    // Without a step: undo goes back no further than this.
+    // Not undoable: undo cannot go back beyond these.
 
     /// Removes every path and counts none as closed.
     void resetPaths();

@@ -93,8 +93,8 @@ Sum SumOfMany(const QRgb* pixels, int count) {
     return sum;
 }
 
-/// The weighted sum of the pixels that a tap covers; the weights add up to kFullWeight. Branch-free for taps
-/// of one axis, so nothing mispredicts.
+/// The weighted sum of the pixels that a tap covers; the weights add up to kFullWeight. Branches depend
+/// only on the axis, not on the tap, so nothing mispredicts.
 Sum Average(const QRgb* line, const Averaging& tap, const Covered& covered) {
     const QRgb* const first = line + tap.first;
     Sum sum;

@@ -100,7 +100,7 @@ void MainWindow::SetUpWorker() {
     worker->start();
 }
 
-/// Sets up what is besides the controls: keys, guards, and the state in the status bar.
+/// Sets up everything besides the controls: keys, guards, and the state in the status bar.
 void MainWindow::SetUpAdditions() {
     NameControls(*ui);
     SetUpKeys();

@@ -23,7 +23,7 @@ class TrackOperations {
 
     explicit TrackOperations(Context context);
 
-    /// Lists the workspace's tracks anew; none while no source is open.
+    /// Lists the workspace's tracks again; none while no source is open.
     void RefreshTrackList();
 
     // The operations. Each returns whether it completed, which is then reported as a success; otherwise the

@@ -219,7 +219,7 @@ int ReadInfoFrom(const std::string& path, TrackInfo& info) {
 }
 
 /// Goes to the height map, which must have the dimensions in `info`.
-/// @return false after an ERROR line when the file is no track of a known version
+/// @return false after an ERROR line when the file is not a track of a known version
 bool GoToMap(TrackByteReader& bytes, const std::string& path, const TrackInfo& info) {
     if (!BeginsAsTrack(bytes, path) || !ReadKnownVersion(bytes))
         return false;

@@ -41,15 +41,15 @@ class Converter {
 
     /// Writes a complete track file; a normalised point (x, y) is stored at x * xScale + xOffset, y * yScale
     /// + yOffset.
-    /// @return 0, 2 when the target cannot be written (it is then as it was), -1 where the encoding does not
+    /// @return 0, 2 when the target cannot be written (it is then unchanged), -1 if the encoding does not
     /// offer it.
     virtual int WriteTrack(const std::string& target, const TrackInfo& info, const HeightMap& heights,
                            std::int64_t size, const std::vector<TrackPath>& paths, double widthScale,
                            double xOffset, double yOffset, double xScale, double yScale) = 0;
 
     /// Writes `original` with `paths` in place of its own to `target`.
-    /// @return 0, 1 when the original cannot be read, 2 when the target cannot be written (it is then as it
-    /// was).
+    /// @return 0, 1 when the original cannot be read, 2 when the target cannot be written (it is then
+    /// unchanged).
     virtual int UpdatePath(const std::string& original, const std::string& target,
                            const std::vector<TrackPath>& paths, double widthScale, double xOffset,
                            double yOffset, double xScale, double yScale) = 0;
