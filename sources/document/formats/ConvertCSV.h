@@ -1,12 +1,12 @@
 #pragma once
 
 #include "document/formats/Converter.h"
+#include "document/formats/CsvScan.h"
 #include "document/formats/Heights.h"
 
 #include <cstdint>
 #include <vector>
 
-class CsvLine;
 class HeightColours;
 class QImage;
 class RawHeightCheck;
