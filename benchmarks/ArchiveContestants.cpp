@@ -1,6 +1,6 @@
 #include "ArchiveContestants.h"
 
-#include "basalt/bAlloc.h"
+#include "basalt/bObject.h"
 #include "link/FileUtils.h"
 
 #include <cstring>

@@ -1,7 +1,7 @@
 #include "BinaryContestants.h"
 
 #include "document/formats/Converter.h"
-#include "document/formats/SampleRamp.h"
+#include "document/formats/HeightColours.h"
 
 #include <QImage>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "canvas/RulerOwner.h"
+#include "canvas/qmaskwidget.h"
 
 #include <QApplication>
 #include <QImage>

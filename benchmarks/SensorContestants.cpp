@@ -1,6 +1,6 @@
 #include "SensorContestants.h"
 
-#include "basalt/LargePages.h"
+#include "basalt/SystemCalls.h"
 #include "link/OstraSdkClient.h"
 
 #include <array>

@@ -1,4 +1,4 @@
-# What every target of ours is built with: warnings as errors, hardening, sanitizers, ccache.
+# Build settings of every target: warnings as errors, hardening, sanitizers, ccache.
 
 set(CORVANE_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, \"address,undefined\" or \"thread\"")
 
@@ -9,7 +9,7 @@ if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
 endif()
 
-# Linked by every target of ours; never by generated or foreign code.
+# Linked by every target of this project; never by generated or foreign code.
 add_library(corvane_settings INTERFACE)
 target_compile_options(corvane_settings INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Werror)
@@ -17,7 +17,7 @@ target_compile_definitions(corvane_settings INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_FOREACH)
 
 if(WIN32)
-  # What the system's header takes beside its calls: names such as ERROR, min and DELETE, and narrow forms of the calls.
+  # Switches off what windows.h defines besides its calls: names such as ERROR, min and DELETE, and the ANSI forms of the calls.
   target_compile_definitions(corvane_settings INTERFACE
     NOGDI NOMINMAX WIN32_LEAN_AND_MEAN UNICODE _UNICODE _WIN32_WINNT=0x0A00)
 endif()
@@ -29,16 +29,16 @@ if(CORVANE_SANITIZE)
   add_compile_options(-fsanitize=${CORVANE_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${CORVANE_SANITIZE})
   if(CORVANE_SANITIZE MATCHES "thread")
-    add_compile_options(-Wno-tsan) # Asio's fences are not seen; each of its loops runs on one thread here
+    add_compile_options(-Wno-tsan) # Asio's fences are not analysed; each of its loops runs on one thread here
   endif()
   if(CORVANE_SANITIZE MATCHES "undefined")
-    # This check opens pipes, and calls every object bad where a test has used up the descriptors.
+    # The vptr check opens pipes, and reports every object as bad when a test has used up the descriptors.
     add_compile_options(-fno-sanitize=vptr)
   endif()
 else()
   add_compile_options(-fstack-protector-strong)
   if(WIN32)
-    add_link_options(-fstack-protector-strong) # brings the library of the checks
+    add_link_options(-fstack-protector-strong) # links the library of the checks
   endif()
   add_compile_options($<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
 endif()
@@ -51,8 +51,8 @@ endif()
 
 # corvane_module(<target> FOLDER <path> [QT] SOURCES ... [PUBLIC ...] [PRIVATE ...])
 # A module: a static library with the headers of one folder, which are included with that folder's path
-# ("canvas/qmaskwidget.h"). A module sees the headers of those it names, and of no other: including one of a module that is
-# not named does not compile. PUBLIC is for what its own headers include, PRIVATE for all else.
+# ("canvas/qmaskwidget.h"). A module sees the headers of the modules it names, and of those that these
+# name as PUBLIC; any other include does not compile. PUBLIC is for what its own headers include, PRIVATE for all else.
 function(corvane_module target)
   cmake_parse_arguments(MODULE "QT" "FOLDER" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
   add_library(${target} STATIC ${MODULE_SOURCES})
@@ -63,8 +63,8 @@ function(corvane_module target)
   endif()
 endfunction()
 
-# Lets users of a target include the headers of the current folder as "<folder>/X.h": an include tree of its own, with a
-# link to the folder as the only thing in it.
+# Lets users of a target include the headers of the current folder as "<folder>/X.h": a separate include tree
+# that contains only a link to the folder.
 function(corvane_headers target folder)
   set(tree "${PROJECT_BINARY_DIR}/include/${target}")
   cmake_path(GET folder PARENT_PATH parent)

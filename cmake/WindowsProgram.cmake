@@ -1,6 +1,6 @@
 # corvane_program(<target> <description> [ICON <file>])
-# What a program of ours carries on Windows: its version, a manifest (paths and texts in UTF-8, paths of any length, the
-# scale of each screen) and an icon. With an icon it is a window's program, and no console opens beside it.
+# Windows resources of a program: its version, a manifest (paths and text in UTF-8, long paths, per-monitor scaling) and an
+# icon. A program with an icon is a GUI program, for which no console opens.
 function(corvane_program target description)
   if(NOT WIN32)
     return()

@@ -1,6 +1,5 @@
 #include "Check.h"
 #include "basalt/bStatus.h"
-#include "ostrasdk/DiscoveryKeys.h"
 #include "ostrasdk/VeInstance.h"
 #include "server/DiscoveryResponder.h"
 #include "wire/JsonText.h"

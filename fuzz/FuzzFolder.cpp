@@ -1,7 +1,7 @@
 #include "FuzzFolder.h"
 
 #include "Check.h"
-#include "log/Output2FILE.h"
+#include "log/Log.h"
 
 #include <cstdio>
 #include <filesystem>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "InputBytes.h"
+#include "document/formats/TrackInfo.h"
 #include "document/formats/TrackPath.h"
-#include "document/formats/WorldTransform.h"
 
 #include <vector>
 

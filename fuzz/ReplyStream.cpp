@@ -2,7 +2,6 @@
 
 #include "Check.h"
 #include "wire/ContentDigest.h"
-#include "wire/Crc32c.h"
 
 #include <charconv>
 #include <system_error>

@@ -2,7 +2,7 @@
 #include "FuzzedServer.h"
 #include "TarBlocks.h"
 #include "basalt/Exception.h"
-#include "basalt/bAlloc.h"
+#include "basalt/bObject.h"
 #include "cinder/UnpackFolder.h"
 
 #include <filesystem>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "IndependentTrack.h"
-#include "document/formats/HeightMap.h"
+#include "document/formats/Heights.h"
 #include "document/formats/TrackInfo.h"
 #include "document/formats/TrackPath.h"
 

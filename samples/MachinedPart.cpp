@@ -8,7 +8,7 @@
 
 namespace {
 
-// Millimetres above the table, but for those relative to the part's size.
+// Millimetres above the table, except those relative to the part's size.
 constexpr double kPlateTop = 7.0;
 constexpr double kBossHeight = 3.0;
 constexpr double kGrooveDepth = 3.0;
@@ -18,7 +18,7 @@ constexpr double kInset = 0.06;  ///< of the plate in the picture
 constexpr double kCorner = 0.07; ///< radius
 constexpr double kChamfer = 0.012;
 constexpr double kLineHalfWidth = 0.035;
-constexpr double kSteepest = 1.5; ///< millimetres a millimetre; the camera cannot look behind steeper walls
+constexpr double kSteepest = 1.5; ///< millimetres per millimetre; steeper walls hide part of the view
 
 struct Circle {
     double x, y; ///< shares of width and height
@@ -33,7 +33,7 @@ double Distance(double x, double y) {
     return std::sqrt(x * x + y * y);
 }
 
-/// How far a point is from the piece between two others.
+/// The distance of a point from the line segment between two others.
 double DistanceFromPiece(double x, double y, double fromX, double fromY, double toX, double toY) {
     const double alongX = toX - fromX;
     const double alongY = toY - fromY;
@@ -94,8 +94,8 @@ std::vector<Path> MachinedPart::Paths() const {
     return {line, {{x - 900, y}, {x, y}, {x + 900, y}}};
 }
 
-/// What stands higher on the right hides what lies behind it from the camera there, and a wall that rises too
-/// steeply to the right sends no light back either.
+/// Anything higher on the right hides what is behind it from the camera there, and a wall that rises too
+/// steeply to the right reflects no light to it either.
 std::vector<bool> MachinedPart::Hidden(const std::vector<double>& surface) const {
     std::vector<bool> hidden(surface.size());
     const double fall = kSteepest * pitch / 1000.0;
@@ -151,7 +151,7 @@ double MachinedPart::DistanceFromLine(double x, double y) const {
     return nearest;
 }
 
-/// Negative inside.
+/// Distance from the outline; negative inside.
 double MachinedPart::DistanceOutsidePlate(double x, double y) const {
     const double corner = kCorner * size;
     const double sideways = std::fabs(x - width / 2) - (width / 2 - kInset * size - corner);

@@ -11,12 +11,12 @@ struct PathPoint {
 
 using Path = std::vector<PathPoint>;
 
-/// What a line sensor sees of a machined part on a table: a plate with rounded corners, bored holes, a raised
-/// boss, and a groove or a welded seam to follow. Steep walls, holes and the shadows of what stands high have
-/// no measurement, and every measured height has noise.
+/// What a line sensor measures of a machined part on a table: a plate with rounded corners, bored holes, a
+/// raised boss, and a groove or a welded seam. Steep walls, holes and the shadows of higher parts have no
+/// measurement, and every measured height has noise.
 ///
-/// The same arguments give the same heights on every machine: nothing but additions, multiplications,
-/// divisions and square roots is used, and random numbers of our own.
+/// The same arguments give the same heights on every machine: only additions, multiplications, divisions and
+/// square roots are used, and our own random numbers.
 class MachinedPart {
   public:
     enum class Kind { Groove, Seam };

@@ -17,7 +17,7 @@ double Noise::At(std::uint32_t row, std::uint32_t column) const {
     return static_cast<double>(BitsAt(row, column, 1) >> 32U) / 4294967296.0;
 }
 
-/// Four even numbers added come close to a bell curve; each has a deviation of 65536 / sqrt(12).
+/// The sum of four uniform numbers approximates a bell curve; each has a deviation of 65536 / sqrt(12).
 double Noise::BellAt(int row, std::uint32_t column) const {
     const std::uint64_t bits = BitsAt(static_cast<std::uint32_t>(row), column, 2);
     const std::uint64_t sum =

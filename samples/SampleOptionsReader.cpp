@@ -15,7 +15,7 @@ Number ReadNumber(const std::string& option, const std::string& text, Number low
     return value;
 }
 
-/// Whether the text is the second of two words rather than the first.
+/// Whether the text is the second of two words; it must be one of them.
 bool IsSecond(const std::string& option, const std::string& text, const char* first, const char* second) {
     if (text != first && text != second)
         throw BadArgument(option + " cannot be \"" + text + "\"");
@@ -23,13 +23,13 @@ bool IsSecond(const std::string& option, const std::string& text, const char* fi
 }
 
 void TakeOption(SampleRequest& request, const std::string& option, const std::string& text) {
-    constexpr int kLongest = 100'000;
+    constexpr int kMaxSide = 100'000;
     if (option == "--seed")
         request.seed = ReadNumber<std::uint32_t>(option, text, 0, std::numeric_limits<std::uint32_t>::max());
     else if (option == "--width")
-        request.width = ReadNumber(option, text, 2, kLongest);
+        request.width = ReadNumber(option, text, 2, kMaxSide);
     else if (option == "--height")
-        request.height = ReadNumber(option, text, 2, kLongest);
+        request.height = ReadNumber(option, text, 2, kMaxSide);
     else if (option == "--format")
         request.options.format =
             IsSecond(option, text, "text", "binary") ? TrackFormat::Binary : TrackFormat::Text;

@@ -1,14 +1,13 @@
 #include "samples/TrackFileWriter.h"
 
-#include "samples/Decimal.h"
-
 #include <bit>
 #include <fstream>
 #include <stdexcept>
 
 namespace {
 
-// Micrometres. The world's origin lies in the middle of the sensor's line; heights count from its own zero.
+// Micrometres. The world's origin is in the middle of the sensor's line; heights are relative to the sensor's
+// zero.
 constexpr std::int64_t kXOffset = -50'000;
 constexpr std::int64_t kYOffset = 12'500;
 constexpr std::int64_t kZOffset = 40'000;
@@ -23,7 +22,7 @@ std::int64_t World(int relative, int cells, int pitch, std::int64_t offset) {
     return static_cast<std::int64_t>(relative) * cells * pitch + offset * 10'000;
 }
 
-/// The first segments differ from the others, so that parameters can be told apart.
+/// The first segments differ from the others, so that parameters can be distinguished.
 int LengthOf(std::size_t point) {
     return kLength + 10 * static_cast<int>(point % 3);
 }
@@ -43,7 +42,7 @@ class TextTrack {
         file << '\n';
     }
 
-    /// A height stands half a unit further from the zero than its raw value, which is cut toward it.
+    /// A height is half a unit further from zero than its raw value, which is truncated toward zero.
     void WriteRow(int row, const std::vector<std::int16_t>& cells) {
         std::string line = Decimal(kYOffset + static_cast<std::int64_t>(row) * part.Pitch(), 3);
         for (const std::int16_t cell : cells) {
@@ -157,6 +156,18 @@ void Write(Track track, const MachinedPart& part, const std::vector<Path>& paths
 }
 
 } // namespace
+
+std::string Decimal(std::int64_t value, int places) {
+    std::string digits = std::to_string(value < 0 ? -value : value);
+    const auto fraction = static_cast<std::size_t>(places);
+    if (digits.size() <= fraction)
+        digits.insert(0, fraction + 1 - digits.size(), '0');
+    digits.insert(digits.size() - fraction, 1, '.');
+    digits.erase(digits.find_last_not_of('0') + 1);
+    if (digits.back() == '.')
+        digits.pop_back();
+    return value < 0 ? "-" + digits : digits;
+}
 
 std::filesystem::path PathOf(const std::string& path) {
     return std::u8string(path.begin(), path.end());

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cinder/LeftOut.h"
+#include "cinder/TarName.h"
 #include "cinder/bTar.h"
 #include "server/Workspace.h"
 #include "server/WorkspaceTree.h"

@@ -1,6 +1,6 @@
 #include "server/RequestLog.h"
 
-#include "basalt/StandardStreams.h"
+#include "basalt/SystemCalls.h"
 
 #include <algorithm>
 #include <cinttypes>

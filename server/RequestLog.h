@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cinder/LeftOut.h"
+#include "cinder/TarName.h"
 
 #include <cstdint>
 #include <cstdio>

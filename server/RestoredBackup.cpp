@@ -123,7 +123,7 @@ void RestoredBackup::ReadEntries(OstraSdk::ByteString& bytes) {
     std::int64_t size = 0;
     bStatus status = bOK;
     while ((status = bTar_BeginRead(tar, name.data(), name.size(), &kind, &size)) == bOK) {
-        if (!IsNarrowTarName(name.data()))
+        if (!IsConfinedTarName(name.data()))
             Refuse("The archive has an unsafe name.");
         if (bTar_LinkTarget(tar) != nullptr)
             Refuse("The archive holds links or special files.");

@@ -1,6 +1,6 @@
 #include "server/ServerIdentity.h"
 
-#include "basalt/NetworkInterface.h"
+#include "basalt/bIpAddress.h"
 
 #include <array>
 #include <utility>

@@ -47,7 +47,7 @@ void WorkspaceTree::Add(const FolderHandle& folder, const std::string& prefix, s
         const FolderHandle next = folder.OpenFolder(item.name.substr(prefix.size()));
         if (!next.IsOpen())
             Unreadable();
-        if (depth + 1 > kTarDeepest)
+        if (depth + 1 > kMaxTarDepth)
             throw HttpError(500, "The workspace's folders nest too deep.");
         items.push_back(std::move(item));
         const std::string below = items.back().name + "/";

@@ -2,7 +2,7 @@
 
 #include "basalt/FileFacts.h"
 #include "basalt/FolderHandle.h"
-#include "cinder/LeftOut.h"
+#include "cinder/TarName.h"
 
 #include <string>
 #include <vector>

@@ -1,6 +1,5 @@
-#include "basalt/DescriptorLimit.h"
 #include "basalt/Exception.h"
-#include "basalt/StandardStreams.h"
+#include "basalt/SystemCalls.h"
 #include "server/DiscoveryResponder.h"
 #include "server/FaultPlan.h"
 #include "server/ReplayMode.h"

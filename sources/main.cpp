@@ -1,7 +1,5 @@
-#include "cinder/VeApiLib.h"
-#include "cinder/bCdLib.h"
+#include "cinder/Libraries.h"
 #include "log/Log.h"
-#include "start/OwnFolder.h"
 #include "start/StartOptions.h"
 #include "window/mainwindow.h"
 
@@ -13,7 +11,7 @@
 
 #include <windows.h>
 
-// Held until the process ends, and by nobody before.
+// Held until the process ends.
 static HANDLE instanceMutex = nullptr;
 static std::FILE* logFile = nullptr;
 static const VeApiLib* apiLibrary = nullptr;
@@ -27,7 +25,7 @@ static bool AnotherCopyRuns() {
     return true;
 }
 
-/// Empties the log: it tells of the current run only.
+/// Truncates the log: it covers the current run only.
 static bool OpenLog() {
     if (fopen_s(&logFile, "Corvane.log", "w+") != 0) {
         LOG_LINE(ERROR) << "Failed to open the log file.";
@@ -37,7 +35,7 @@ static bool OpenLog() {
     return true;
 }
 
-/// A failure of the first library is not logged: an empty log tells it from one of the second.
+/// A failure of the first library is not logged: an empty log distinguishes it from one of the second.
 static bool StartLibraries() {
     if (VeApiLib_Construct(&apiLibrary) != bOK)
         return false;
@@ -67,13 +65,13 @@ static int SayWhetherRunning() {
     return running ? 0 : 1;
 }
 
-/// Qt ends the program where no display answers.
+/// Qt ends the program when no display answers.
 static int SayWhichDisplay() {
     return Print(QStringLiteral("Windows are shown by \"%1\".\n").arg(QGuiApplication::platformName()));
 }
 
-/// A start from a terminal that must end says nothing more than its exit code and its log; one from the
-/// desktop would seem to do nothing.
+/// A failed start from a terminal shows only its exit code and its log; a start from the desktop would show
+/// nothing, so it gets a message box.
 static void ShowWhyItEnds(StartMode mode, const QString& reason) {
     if (mode != StartMode::DesktopWindow)
         return;
@@ -109,14 +107,13 @@ int main(int argc, char** argv) {
     if (mode == StartMode::Running)
         return SayWhetherRunning();
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);
-    QCoreApplication::setApplicationName(QStringLiteral("corvane")); // the user's data folder is called so
-    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, true);  // icons are crisp on finer screens
+    QCoreApplication::setApplicationName(QStringLiteral("corvane")); // names the user's data folder
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, true);  // icons are sharp on high-DPI screens
 #if QT_VERSION >= QT_VERSION_CHECK(5, 14, 0)
-    // Rounded, a desktop at 150 % would get a window of twice its size, which leaves the screen.
+    // With rounding, a desktop at 150 % would get a window of twice its size, larger than the screen.
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 #endif
-    // Paths are in UTF-8 throughout. Some builds of the toolkit take file names to be in the desktop's
-    // encoding.
+    // Paths are in UTF-8 throughout. Some builds of Qt assume file names in the desktop's encoding.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     const QApplication application(argc, argv);
     return mode == StartMode::Display ? SayWhichDisplay() : RunEditor(mode);

@@ -1,4 +1,4 @@
-#include "log/Output2FILE.h"
+#include "log/Log.h"
 #include "tools/commandline/CommandLine.h"
 #include "tools/commands/CheckCommand.h"
 #include "tools/commands/ConvertCommand.h"

@@ -1,6 +1,8 @@
 #include "basalt/AtomicFile.h"
 
+#include "basalt/FileOwnership.h"
 #include "basalt/FilePath.h"
+#include "basalt/InputFile.h"
 
 #include <array>
 
@@ -15,6 +17,16 @@ std::error_code RefusalOf(FileKind kind, const std::string& path) {
     return MayWrite(path) ? std::error_code() : std::make_error_code(std::errc::permission_denied);
 }
 
+/// Renames `from` to `target` if it can keep the owner, group and permissions of `target`.
+/// @return whether it did
+bool MoveTo(const std::string& target, const std::string& from) {
+    const auto old = FileOwnership::Of(target);
+    const auto fresh = FileOwnership::Of(from);
+    if (!old || !fresh || !fresh->BelongsLike(*old) || !old->GiveTo(from))
+        return false;
+    return !MovePath(target, from);
+}
+
 } // namespace
 
 AtomicFile::AtomicFile(const std::string& path, std::size_t bufferSize, std::pmr::memory_resource* memory)
@@ -25,14 +37,14 @@ AtomicFile::AtomicFile(const std::string& path, std::size_t bufferSize, std::pmr
     if (exists)
         failure = RefusalOf(facts.kind, target);
     else if (failure == std::errc::no_such_file_or_directory || failure == std::errc::not_a_directory)
-        failure.clear(); // any other failure is one: a ring of links, say, where a file would end the links
+        failure.clear(); // any other failure is reported, such as a cycle of links
     if (!failure)
         Open(exists);
     failed = failed || !IsOpen();
 }
 
 void AtomicFile::Open(bool exists) {
-    buffer.reserve(bufferSize); // before there is a file that a lack of memory would leave behind
+    buffer.reserve(bufferSize); // before the file exists, which a lack of memory would leave behind
     folder = FolderHandle(FolderOf(target), FolderHandle::Links::Followed);
     // A file that replaces another is private until it has the other's permissions.
     file.emplace(folder, exists ? 0600U : 0666U);
@@ -79,7 +91,7 @@ bool AtomicFile::Commit() {
     FlushBuffer();
     if (!failed && !(file->Sync() && file->Keep(NameOf(target))))
         Fail(file->Failure());
-    file.reset(); // and with it what could not be kept
+    file.reset(); // also removes the hidden file, which could not be kept
     if (!failed)
         failure = folder.Sync();
     return !failed && !failure;
@@ -98,4 +110,32 @@ void AtomicFile::FlushBuffer() {
 void AtomicFile::Fail(std::error_code reason) {
     failed = true;
     failure = reason;
+}
+
+std::error_code CopyAtomically(const std::string& from, const std::string& target) {
+    InputFile source(from.c_str());
+    if (!source.IsOpen())
+        return source.Failure();
+    AtomicFile copy(target, 0);
+    const std::int64_t size = copy.Append(source);
+    FileFacts facts;
+    if (!source.Ask(&facts))
+        return source.Failure();
+    if (!copy.HasFailed() && size != facts.size)
+        return std::make_error_code(std::errc::resource_unavailable_try_again);
+    return copy.Commit() ? std::error_code() : copy.Failure();
+}
+
+std::error_code ReplaceAtomically(const std::string& from, const std::string& target) {
+    FileFacts facts;
+    if (const std::error_code failure = AskPath(target, &facts))
+        return failure;
+    if (facts.kind != FileKind::File)
+        return std::make_error_code(std::errc::not_supported);
+    const std::string place = LinksFollowed(target);
+    if (!MayWrite(place))
+        return std::make_error_code(std::errc::permission_denied);
+    if (!MoveTo(place, from))
+        return CopyAtomically(from, place);
+    return FolderHandle(FolderOf(place), FolderHandle::Links::Followed).Sync();
 }

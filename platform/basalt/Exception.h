@@ -6,9 +6,9 @@
 
 namespace Ve {
 
-/// The one exception type of the program outside the converters: a status, a message and where it was made.
+/// The one exception type of the program outside the converters: a status, a message and where it was thrown.
 /// It is a plain value: it is copied into queued signals and crosses threads. Status 1 means success, so that
-/// a value made from the status alone serves as the result of work that went well.
+/// a value made from the status alone is the result of successful work.
 class Exception : public std::exception {
   public:
     /// Success.
@@ -26,12 +26,12 @@ class Exception : public std::exception {
         __attribute__((format(printf, 6, 7)));
 
     /// The same with the reason: what the system said, or where and what in the data was wrong. It is for the
-    /// log; the message stays as it is.
+    /// log; the message does not include it.
     [[nodiscard]] Exception Because(const std::string& why) const;
     [[nodiscard]] Exception Because(std::error_code why) const;
     /// Empty when none is known.
     [[nodiscard]] const std::string& Reason() const noexcept { return reason; }
-    /// The system's own error; none when it is not the system that failed.
+    /// The system's own error; none when the failure is not the system's.
     [[nodiscard]] std::error_code Cause() const noexcept { return cause; }
 
     [[nodiscard]] int Status() const noexcept { return status; }

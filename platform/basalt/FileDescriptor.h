@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+#include <cstdint>
 #include <utility>
 
 /// Owns an open file, folder or socket of the system; closed with the object.
@@ -18,7 +20,7 @@ class FileDescriptor final {
 
     [[nodiscard]] bool IsOpen() const { return number >= 0; }
     [[nodiscard]] int Number() const { return number; }
-    /// Gives the number to the caller, who closes it.
+    /// Passes the number to the caller, who closes it.
     [[nodiscard]] int Release() { return std::exchange(number, -1); }
     /// Closes now. @return false when the system reports that what was written may be lost
     [[nodiscard]] bool Close();
@@ -26,3 +28,15 @@ class FileDescriptor final {
   private:
     int number = -1;
 };
+
+/// The events to wait for on a socket.
+struct SocketWait {
+    bool input = false;  ///< bytes to read, or the end of them
+    bool output = false; ///< space for bytes to write
+};
+
+/// Waits until a socket is ready, has failed or was shut down.
+/// @param socket the system's own number or handle
+/// @return false when the time ends first
+[[nodiscard]] bool WaitForSocket(std::uintptr_t socket, SocketWait wait,
+                                 std::chrono::steady_clock::time_point end);

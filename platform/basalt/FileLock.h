@@ -6,22 +6,22 @@
 #include <string>
 #include <system_error>
 
-/// A lock on a file of this user's, which the system takes from its holder with the object, or with the
-/// process, however that ends.
+/// A lock on a file of this user, released with the object, or by the system when the process ends in any
+/// way.
 class FileLock final {
   public:
     enum class State {
         Taken,
         HeldByAnother, ///< by another object of this process too
-        Failed,        ///< there is no such file, or the system gives no lock on it
+        Failed,        ///< the file or the lock is not available
     };
 
-    /// Opens a file in a folder, or makes it, private to this user, and tries to lock it, without waiting. A
-    /// link, a file of another user and whatever is no regular file are refused.
+    /// Opens a file in a folder, or creates it private to this user, and tries to lock it, without waiting. A
+    /// link, a file of another user and anything but a regular file are refused.
     FileLock(const FolderHandle& folder, const std::string& name);
 
     [[nodiscard]] State Result() const { return state; }
-    /// The system's reason for a lock that failed.
+    /// The system's error for a lock that failed.
     [[nodiscard]] std::error_code Failure() const { return failure; }
 
   private:

@@ -5,11 +5,11 @@
 #include <optional>
 #include <string>
 
-/// Whom a file or a folder belongs to, and what its owner, its group and everybody may do with it: the one
-/// policy by which something new takes the place of something old.
+/// The owner and group of a file or a folder, and their and everybody's permissions: what a replacement
+/// inherits from what it replaces.
 class FileOwnership final {
   public:
-    /// That of an existing file or folder, through symbolic links; nothing when it cannot be found out.
+    /// That of an existing file or folder, through symbolic links; none when it cannot be read.
     static std::optional<FileOwnership> Of(const std::string& path);
 
     /// Whether both belong to the same owner and the same group.
@@ -17,9 +17,9 @@ class FileOwnership final {
         return owner == other.owner && group == other.group;
     }
 
-    /// Gives a new file to this owner and this group, as far as this user may give files away, and gives it
-    /// these permissions. A group that could not be given gets no more than everybody has: its rights were
-    /// another group's.
+    /// Gives a new file this owner and group, as far as this user may change them, and these permissions. If
+    /// the group could not be set, the file's group gets no more than everybody has, since the rights were
+    /// meant for another group.
     /// @return false when the permissions could not be set
     [[nodiscard]] bool GiveTo(const FileDescriptor& file) const;
     /// The same for a file or a folder that is not open. A link is not followed.
@@ -34,8 +34,8 @@ class FileOwnership final {
     unsigned owner = 0;
     unsigned group = 0;
     unsigned permissions = 0; ///< within kPermissionBits
-    std::string accessList;   ///< Windows: who may do what, where it is more than the folder hands down
-    bool isProtected = false; ///< and whether the folder hands nothing down
+    std::string accessList;   ///< Windows: the access list, if it differs from the inherited one
+    bool isProtected = false; ///< Windows: whether nothing is inherited from the folder
 };
 
 /// Whether the user that the process acts as may write an existing file.

@@ -5,34 +5,33 @@
 #include <string>
 #include <system_error>
 
-// What is asked and done by path. A path is UTF-8 on every system and has "/" between its names; Windows
-// knows "\" too. Links are symbolic links, and what else leads to another place on Windows.
+// Queries and changes by path. A path is UTF-8 on every system and has "/" between its names; on Windows "\"
+// too. Links are symbolic links, and on Windows other reparse points that redirect.
 
-/// What a path leads to, through links. @return the reason when that cannot be found out
+/// Facts of what a path refers to, through links. @return the reason when they cannot be read
 [[nodiscard]] std::error_code AskPath(const std::string& path, FileFacts* facts);
-/// What has the name: a link itself. @return the reason when that cannot be found out
+/// The same without following a link as the last name. @return the reason when they cannot be read
 [[nodiscard]] std::error_code AskPathItself(const std::string& path, FileFacts* facts);
-/// Whether two paths lead to the same file or folder; false when either leads to none.
+/// Whether two paths refer to the same file or folder; false when either does not exist.
 [[nodiscard]] bool LeadToTheSame(const std::string& one, const std::string& other);
 
-/// The folder that a path's last name lies in; "." for a bare name.
+/// The folder of a path's last name; "." for a bare name.
 [[nodiscard]] std::string FolderOf(const std::string& path);
 /// A path's last name; empty when it ends with a separator.
 [[nodiscard]] std::string NameOf(const std::string& path);
-/// The path from the root on, without "." and ".."; links stay.
+/// The absolute path, without "." and ".."; links are kept.
 [[nodiscard]] std::string AbsolutePath(const std::string& path);
-/// The path from the root on to what exists there, without links; empty when there is nothing.
+/// The absolute path of an existing file or folder, with links resolved; empty when there is none.
 [[nodiscard]] std::string RealPath(const std::string& path);
-/// The file that a name leads to: the far end of a chain of links, whether or not it exists yet.
+/// The end of a chain of links, whether or not it exists yet.
 [[nodiscard]] std::string LinksFollowed(const std::string& path);
 
-/// Gives a file or a folder another path in the same file system, atomically. A file takes the place of one
-/// that has it.
+/// Gives a file or a folder another path in the same file system, atomically. An existing file of that path
+/// is replaced.
 [[nodiscard]] std::error_code MovePath(const std::string& target, const std::string& from);
-/// Has two paths lead to what the other one led to, in one step. @return the reason where the file system
-/// cannot do that
+/// Exchanges two paths atomically. @return the reason when the file system does not support that
 [[nodiscard]] std::error_code ExchangePaths(const std::string& one, const std::string& other);
-/// The permissions of a new folder that anybody may enter whom the process's mask does not keep out.
+/// The permissions of a new folder for everybody, less the process's mask.
 constexpr unsigned kOpenFolder = 0777;
 /// Makes one folder. @return file_exists when the name is taken
 [[nodiscard]] std::error_code MakeFolderAt(const std::string& path, unsigned permissions = kOpenFolder);

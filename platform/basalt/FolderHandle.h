@@ -6,8 +6,8 @@
 #include <string>
 #include <system_error>
 
-/// An open folder. What lies in it is reached by a bare name, without "/", and never through a symbolic link;
-/// it stays the same folder whatever happens to its path meanwhile.
+/// An open folder. Its content is accessed by bare names, without "/", and never through a symbolic link; it
+/// stays the same folder whatever happens to its path.
 class FolderHandle final {
   public:
     enum class Links { Followed, Refused };
@@ -21,14 +21,14 @@ class FolderHandle final {
     /// For the system's calls.
     [[nodiscard]] int Number() const { return descriptor.Number(); }
 
-    /// The system's reason why the folder is not open.
+    /// The system's error when the folder is not open.
     [[nodiscard]] std::error_code Failure() const { return failure; }
 
     /// Opens a folder in this one; the result is not open when there is none.
     [[nodiscard]] FolderHandle OpenFolder(const std::string& name) const;
     /// @return the reason when the name is taken, or the folder cannot be made
     [[nodiscard]] std::error_code MakeFolder(const std::string& name, unsigned permissions) const;
-    /// What has this name. @return the system's reason when that cannot be found out
+    /// Facts of what has this name. @return the system's error when they cannot be read
     [[nodiscard]] std::error_code Ask(const std::string& name, FileFacts* facts) const;
 
     /// Gives this folder permissions and a time of modification, as far as its file system has them.
@@ -37,11 +37,11 @@ class FolderHandle final {
     /// Removes a file, or a link. @return the reason when that failed
     [[nodiscard]] std::error_code RemoveFile(const std::string& name) const;
     /// Gives a file another name in the folder. @return the reason when that failed: file_exists where the
-    ///         name is taken, which then stays as it is
+    ///         name is taken, which is then unchanged
     [[nodiscard]] std::error_code RenameToFree(const std::string& name, const std::string& free) const;
 
-    /// Brings the names in the folder to the disk: after a renaming, the new one. A folder that this user may
-    /// not list, and one of a file system that syncs no folders, are left to the system.
+    /// Syncs the names in the folder to the disk, such as a new one after a renaming. A folder that this user
+    /// may not list, or on a file system that syncs no folders, is left to the system.
     /// @return the reason when that failed
     [[nodiscard]] std::error_code Sync() const;
 

@@ -10,11 +10,11 @@
 
 /// One name in a folder.
 struct FolderEntry {
-    std::string_view name; ///< lives until the next entry is read
+    std::string_view name; ///< valid until the next entry is read
     FileKind kind = FileKind::Other;
 };
 
-/// Reads the names in a folder one after the other, in the system's order, "." and ".." left out. A folder
+/// Reads the names in a folder one after the other, in the system's order, without "." and "..". A folder
 /// that cannot be read to its end is a failure, never a smaller or empty one.
 class FolderReader final {
   public:
@@ -22,11 +22,11 @@ class FolderReader final {
     explicit FolderReader(const char* path);
     explicit FolderReader(const FolderHandle& folder);
 
-    /// Reads the next name; one that vanishes meanwhile is passed over.
+    /// Reads the next name; one that vanishes meanwhile is skipped.
     /// @return 1; bERROR_END after the last one; bERROR_FILE, also when the folder could not be opened;
     ///         bERROR_MEMORY
     [[nodiscard]] bStatus Next(FolderEntry* entry);
-    /// The system's reason after a failure.
+    /// The system's error after a failure.
     [[nodiscard]] std::error_code Failure() const { return failure; }
 
   private:

@@ -22,15 +22,15 @@ class InputFile final {
     [[nodiscard]] bool IsOpen() const { return file.IsOpen(); }
     /// For the system's calls.
     [[nodiscard]] int Number() const { return file.Number(); }
-    /// The system's reason for the last failure.
+    /// The system's error of the last failure.
     [[nodiscard]] std::error_code Failure() const { return failure; }
 
     /// Reads up to `capacity` bytes; fewer only at the end of the file. @return false on failure
     [[nodiscard]] bool Read(void* data, std::size_t capacity, std::size_t* count);
-    /// Moves the place of reading to a byte of the file. @return false on failure
+    /// Sets the reading position. @return false on failure
     [[nodiscard]] bool MoveTo(std::int64_t byte);
-    /// Moves the place of reading on by `size` bytes, not beyond the end.
-    /// @return the bytes really passed over; -1 on failure
+    /// Advances the reading position by `size` bytes, not beyond the end.
+    /// @return the bytes actually skipped; -1 on failure
     [[nodiscard]] std::int64_t Skip(std::int64_t size);
     /// @return false on failure
     [[nodiscard]] bool Ask(FileFacts* facts);

@@ -3,6 +3,6 @@
 #include <string>
 #include <string_view>
 
-/// A name that nobody can foresee: `prefix` and six letters or digits.
+/// A name that nobody can predict: `prefix` and six letters or digits.
 /// @throws std::bad_alloc
 std::string RandomName(std::string_view prefix);

@@ -27,17 +27,17 @@ bStatus bFile::Read(void* data, std::size_t capacity, std::size_t* count) {
     return input.Read(data, capacity, count) ? bOK : bERROR_FILE;
 }
 
-bStatus bFile::ReadBlock(char* room, std::size_t capacity, std::string_view* block) {
+bStatus bFile::ReadBlock(char* buffer, std::size_t capacity, std::string_view* block) {
     if (source)
-        return source(room, capacity, block);
+        return source(buffer, capacity, block);
     std::size_t count = 0;
-    const bStatus status = Read(room, capacity, &count);
-    *block = {room, count};
+    const bStatus status = Read(buffer, capacity, &count);
+    *block = {buffer, count};
     return status;
 }
 
 std::int64_t bFile::Skip(std::int64_t size) {
-    return source ? 0 : input.Skip(size); // 0 makes the reader read over what it does not want
+    return source ? 0 : input.Skip(size); // 0 makes the reader read what it skips
 }
 
 bStatus bFile::Ask(FileFacts* facts) {

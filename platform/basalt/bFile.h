@@ -19,33 +19,33 @@ constexpr int bFile_WRITE = 2; ///< mode of a file, and of an archive in it, tha
 /// name atomically with bFile_Commit; destroyed without it, the old file is untouched.
 class bFile final : public bObject {
   public:
-    /// Gives the next bytes in `*block`, none only at the end: bytes that lie somewhere already as they are,
-    /// others read into `room`. They live until the next call.
+    /// Returns the next bytes in `*block`, none only at the end: bytes already in memory directly, others
+    /// read into `buffer`. They are valid until the next call.
     /// @return 1; another status on failure.
-    using Source = std::function<bStatus(char* room, std::size_t capacity, std::string_view* block)>;
+    using Source = std::function<bStatus(char* buffer, std::size_t capacity, std::string_view* block)>;
 
-    /// Takes the next bytes that are written. @return 1; another status on failure.
+    /// Receives the next bytes that are written. @return 1; another status on failure.
     using Sink = std::function<bStatus(const void* data, std::size_t size)>;
 
     explicit bFile(bAlloc allocator) : bObject(allocator) {}
 
     /// @return 1; bERROR_NOT_FOUND; bERROR_FILE when it cannot be opened or is not a regular file.
     [[nodiscard]] bStatus OpenToRead(const char* path);
-    /// Opens what is no file of its own, such as a part of another one, to be read by ReadBlock.
+    /// Opens something that is not a file, such as a part of another one, to be read by ReadBlock.
     /// @param size how many bytes the source has
     void OpenToRead(Source from, std::int64_t size);
     /// @return 1; bERROR_FILE; bERROR_MEMORY.
     [[nodiscard]] bStatus OpenToWrite(const char* path);
-    /// Opens what is no file of its own to be written by Write; it is never committed.
+    /// Opens something that is not a file to be written by Write; it is never committed.
     void OpenToWrite(Sink to) { sink = std::move(to); }
 
     /// Reads up to `capacity` bytes; fewer only at the end of the file.
     /// @return 1 and the number of bytes in `*count`; bERROR_FILE, also for a source.
     [[nodiscard]] bStatus Read(void* data, std::size_t capacity, std::size_t* count);
-    /// Gives the next bytes as a source does.
-    [[nodiscard]] bStatus ReadBlock(char* room, std::size_t capacity, std::string_view* block);
-    /// Moves the place of reading on by `size` bytes, not beyond the end.
-    /// @return the bytes really passed over; -1 on failure
+    /// Returns the next bytes as a source does.
+    [[nodiscard]] bStatus ReadBlock(char* buffer, std::size_t capacity, std::string_view* block);
+    /// Advances the reading position by `size` bytes, not beyond the end.
+    /// @return the bytes actually skipped; -1 on failure
     [[nodiscard]] std::int64_t Skip(std::int64_t size);
     /// Facts of a file that is read. @return 1; bERROR_FILE.
     [[nodiscard]] bStatus Ask(FileFacts* facts);
@@ -56,7 +56,7 @@ class bFile final : public bObject {
     [[nodiscard]] bStatus SetWriteBuffer(std::size_t size);
     [[nodiscard]] bStatus Commit();
 
-    /// The system's reason for the last failure of the file.
+    /// The system's error of the last failure of the file.
     [[nodiscard]] std::error_code Failure() const { return output ? output->Failure() : input.Failure(); }
 
   private:
@@ -78,7 +78,7 @@ bStatus bFile_Delete(const char* path);
 std::int64_t bFile_Size(const char* path);
 
 /// Opens a file; `mode` is bFile_READ or bFile_WRITE.
-/// @param why gets the system's reason when it cannot be opened
+/// @param why gets the system's error when it cannot be opened
 /// @return 1; bERROR_NOT_FOUND; bERROR_FILE; bERROR_MEMORY; bERROR_PARAMETER. `*file` is null unless 1.
 bStatus bFile_Construct(bFile** file, const char* path, int mode, bAlloc allocator,
                         std::error_code* why = nullptr);
@@ -95,7 +95,6 @@ bStatus bFile_ConstructInto(bFile** file, bFile::Sink sink, bAlloc allocator);
 /// @return 1; bERROR_MEMORY; bERROR_PARAMETER for a file that is read.
 bStatus bFile_SetWriteBuffer(bFile* file, std::size_t size);
 
-/// Puts what was written in place of the old file, once all of it is safe on the disk; the file is closed
-/// then.
-/// @return 1; bERROR_FILE, the old file then stands as it was.
+/// Replaces the old file by what was written, once all of it is synced to the disk; the file is then closed.
+/// @return 1; bERROR_FILE, the old file is then unchanged.
 bStatus bFile_Commit(bFile* file);

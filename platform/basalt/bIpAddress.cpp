@@ -6,8 +6,7 @@
 
 namespace {
 
-/// Takes one number off the front of `text`; false when none from 0 to 255 without leading zeros stands
-/// there.
+/// Takes one number off the front of `text`; false unless it is from 0 to 255 without leading zeros.
 bool TakeOctet(std::string_view& text, std::uint8_t& octet) {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), octet);
     if (error != std::errc())

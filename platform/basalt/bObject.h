@@ -1,11 +1,18 @@
 #pragma once
 
-#include "basalt/bAlloc.h"
 #include "basalt/bStatus.h"
 
 #include <memory>
+#include <memory_resource>
 #include <new>
 #include <utility>
+
+/// Where an object of the platform takes its memory from. The handle is borrowed: the memory resource
+/// outlives every object made with it.
+using bAlloc = std::pmr::memory_resource*;
+
+/// The allocator of the program: the heap. Never null; usable from every thread.
+bAlloc bAlloc_Application();
 
 /// What lists, files and archives have in common: they live in memory of their allocator, are made by a
 /// ..._Construct call and ended by xbObject_DestroyImpl.
@@ -49,11 +56,11 @@ bStatus bObject_New(Object** object, bAlloc allocator, Arguments&&... arguments)
     return bOK;
 }
 
-/// Closes an object and gives its memory back, whatever the status says. Null is allowed.
+/// Closes an object and frees its memory, whatever the status. Null is allowed.
 /// @return what the object's Close returned; 1 for null.
 bStatus xbObject_DestroyImpl(bObject* object);
 
-/// Ends an object when the scope ends, for the roads on which its last status no longer matters.
+/// Destroys an object at the end of a scope, where its last status no longer matters.
 struct bDestroyer {
     void operator()(bObject* object) const { xbObject_DestroyImpl(object); }
 };

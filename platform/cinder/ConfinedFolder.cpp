@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr unsigned kNewFolder = 0777; // less what the process's mask takes
+constexpr unsigned kNewFolder = 0777; // less the process's mask
 
 } // namespace
 
@@ -37,7 +37,7 @@ std::error_code ConfinedFolder::MakeFolder(const Parts& parts, bool* isNew) {
     if (refusal && refusal != std::errc::file_exists)
         return refusal;
     *isNew = !refusal;
-    // A folder that no entry describes is left as it was made.
+    // A folder without an entry of its own keeps the permissions it was created with.
     return Descend(parts, parts.size(), *isNew ? Facts::Ignored : Facts::Kept).Failure();
 }
 

@@ -1,7 +1,6 @@
 #include "cinder/PackFolder.h"
 
 #include "basalt/Exception.h"
-#include "basalt/bArrayList.h"
 #include "basalt/bDirectory.h"
 #include "basalt/bFile.h"
 #include "cinder/bTar.h"
@@ -15,7 +14,7 @@ constexpr std::size_t kListCapacity = 10;
     throw Ve::Exception(line, __FILE__, status, "PackFolder", "%s", message.c_str()).Because(why);
 }
 
-/// The walk through one tree, into one archive.
+/// Walks through one tree and writes it into one archive.
 class Packer {
   public:
     /// @param output the file that the archive is written to
@@ -51,11 +50,11 @@ class Packer {
         FileFacts facts;
         const FolderHandle folder(directory, FolderHandle::Links::Refused);
         const std::error_code why = folder.IsOpen() ? folder.Ask(".", &facts) : folder.Failure();
-        if (why) // a folder that has gone since it was listed
+        if (why) // a folder that was removed since it was listed
             Fail(__LINE__, bERROR_FILE, "Failed to list files in " + directory, why);
         bTar_Describe(tar, facts);
         const bStatus status = bTar_BeginWrite(tar, relativePath.c_str(), bTar_DIRECTORY, 0);
-        // The text names another directory than this one; it is the one that operators know.
+        // The message names another directory, but it is the one that operators know.
         if (status != bOK)
             Fail(__LINE__, status, "Failed to create the replay directory.");
     }

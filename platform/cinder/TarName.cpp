@@ -22,13 +22,13 @@ std::vector<std::string> Split(std::string_view name, std::string_view separator
 
 } // namespace
 
-bool IsNarrowTarName(std::string_view name) {
+bool IsConfinedTarName(std::string_view name) {
     if (name.empty() || name.front() == '/' || name.front() == '\\')
         return false;
     if (name.size() >= 2 && IsLetter(name[0]) && name[1] == ':')
         return false;
     const std::vector<std::string> parts = Split(name, "/\\");
-    return parts.size() <= kTarDeepest && std::find(parts.begin(), parts.end(), "..") == parts.end();
+    return parts.size() <= kMaxTarDepth && std::find(parts.begin(), parts.end(), "..") == parts.end();
 }
 
 std::vector<std::string> TarNameParts(std::string_view name) {

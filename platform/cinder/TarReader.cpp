@@ -13,18 +13,18 @@ namespace {
 constexpr std::size_t kReadSize = std::size_t{256} * 1024;
 constexpr std::array<char, std::size_t{16} * 1024> kZeros{};
 constexpr std::int64_t kEndMarkSize = 1024; ///< two blocks of zeros
-/// A few bytes can describe a hole of any size, which takes its size on the disk: this bounds all of an
-/// archive.
+/// A few bytes can describe a hole of any size, which takes as much disk: this limits the sum of all holes in
+/// an archive.
 constexpr std::int64_t kMaxHoles = std::int64_t{1} << 30U;
 
-/// Old writers mark a directory only by the "/" at the end of its name.
+/// Old archivers mark a directory only by the "/" at the end of its name.
 bool IsDirectory(archive_entry* entry, std::string_view name) {
     return archive_entry_filetype(entry) == AE_IFDIR ||
            (archive_entry_filetype(entry) == AE_IFREG && archive_entry_size(entry) == 0 &&
             name.ends_with('/'));
 }
 
-/// A link to another entry without data of its own; some writers store the data with it.
+/// A link to another entry, without data; some archivers store the data with it.
 bool IsHardLink(archive_entry* entry) {
     return archive_entry_hardlink(entry) != nullptr && archive_entry_size(entry) == 0;
 }
@@ -35,7 +35,7 @@ bool IsLeftOut(archive_entry* entry) {
     return !isKnown || archive_entry_symlink(entry) != nullptr;
 }
 
-/// The bytes of a sparse file that the archive does not have.
+/// The bytes of a sparse file that are not in the archive.
 std::int64_t HolesOf(archive_entry* entry, std::int64_t size) {
     if (archive_entry_sparse_reset(entry) == 0)
         return 0;
@@ -52,10 +52,10 @@ std::string_view PathOf(archive_entry* entry) {
     return path == nullptr ? "" : path;
 }
 
-bStatus CopyName(std::string_view name, char* room, std::size_t capacity) {
+bStatus CopyName(std::string_view name, char* buffer, std::size_t capacity) {
     const std::size_t length = std::min(name.size(), capacity - 1);
-    name.copy(room, length);
-    room[length] = '\0';
+    name.copy(buffer, length);
+    buffer[length] = '\0';
     return length == name.size() ? bOK : bERROR_TOO_LONG;
 }
 
@@ -83,9 +83,9 @@ bStatus TarReader::Open() {
     if (archive_read_set_callback_data(handle.get(), this) != ARCHIVE_OK ||
         archive_read_support_format_tar(handle.get()) != ARCHIVE_OK || !PrepareToReadNames(handle.get()))
         return bERROR_MEMORY;
-    // This looks for the first header already. One that is no tar header is met again by BeginRead.
+    // This already reads the first header. If it is not a tar header, BeginRead reports it again.
     opened = archive_read_open1(handle.get()) == ARCHIVE_OK;
-    // It gives no reason at all when there is no memory for what it reads through.
+    // It gives no reason when there is no memory for its buffer.
     const int reason = opened ? 0 : archive_errno(handle.get());
     if (!opened && (reason == ENOMEM || reason == 0))
         return bERROR_MEMORY;
@@ -187,21 +187,21 @@ bStatus TarReader::NextHeader() try {
     return bERROR_MEMORY;
 }
 
-/// The warning that names beyond ASCII bring when they are read as bytes. Any other warning means that
-/// something in a header was ignored, perhaps the very record that has the entry's full name.
+/// The warning about names beyond ASCII that are read as bytes. Any other warning means that something in a
+/// header was ignored, perhaps the record with the entry's full name.
 bool TarReader::OnlyTheNamesCharactersAreOdd(int result) const {
     return TakesNamesOfAnyBytes() && result == ARCHIVE_WARN && archive_errno(handle.get()) == EILSEQ;
 }
 
-/// An archive that just stops, cut between two entries, looks finished but for the missing end mark.
+/// An archive truncated between two entries looks complete except for the missing end mark.
 bStatus TarReader::StatusOfTheEnd() const {
     const std::int64_t endMark =
         archive_filter_bytes(handle.get(), -1) - archive_read_header_position(handle.get());
     return endMark >= kEndMarkSize ? bERROR_END : Damage();
 }
 
-/// Starts the data of an entry. What is not a hole has to be in the archive file, and the holes of all
-/// entries have a bound: a sparse file of terabytes fits into a few blocks.
+/// Starts the data of an entry. What is not a hole must be in the archive file, and the holes of all entries
+/// are limited: a sparse file of terabytes fits into a few blocks.
 void TarReader::StartData() {
     const std::int64_t left = archiveSize - archive_filter_bytes(handle.get(), -1);
     const std::int64_t size = facts.size;
@@ -214,7 +214,7 @@ void TarReader::StartData() {
     pieceOffset = 0;
 }
 
-/// Reads the next piece of data; at the end of the data, what is left of the entry is a hole.
+/// Reads the next piece of data; at the end of the data, the rest of the entry is a hole.
 bStatus TarReader::FetchPiece() {
     const auto locale = ArchiveLocale::Bytes();
     const void* data = nullptr;

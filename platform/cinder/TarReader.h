@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cinder/LeftOut.h"
+#include "cinder/TarName.h"
 #include "cinder/bTar.h"
 
 #include <memory>
@@ -9,7 +9,7 @@
 #include <archive.h>
 #include <archive_entry.h>
 
-/// The archive that is read: bTar_Construct makes it, the bTar calls lead here.
+/// The archive that is read: made by bTar_Construct, used through the bTar calls.
 class TarReader final : public bTar {
   public:
     TarReader(bAlloc allocator, bFile* file);
@@ -35,22 +35,23 @@ class TarReader final : public bTar {
 
     bFile* file;
     std::unique_ptr<archive, decltype(&archive_read_free)> handle;
-    /// The library's own entry, which it does not check when there was no memory for it, is not used.
+    /// libarchive's own entry is not used: it is null after a lack of memory, which libarchive does not
+    /// check.
     std::unique_ptr<archive_entry, decltype(&archive_entry_free)> entry;
     std::pmr::vector<char> buffer;
     std::int64_t archiveSize = 0;
     std::int64_t entries = 0;
     bool opened = false;
     LeftOut leftOut;
-    std::int64_t holesLeft; ///< bytes that the holes of sparse files may still have
+    std::int64_t holesLeft; ///< bytes that remain for the holes of sparse files
     bool fileFailed = false;
 
     // The current entry.
     FileFacts facts;
     const char* linkTarget = nullptr; ///< of a hard link
     std::int64_t entrySize = 0;
-    bool holds = false; ///< the archive is long enough for what the entry says
+    bool holds = false; ///< the archive is long enough for the size of the entry
     std::int64_t delivered = 0;
-    std::string_view piece; ///< data that is read and not yet delivered, and where it belongs
+    std::string_view piece; ///< data that was read but not yet delivered, and its offset
     std::int64_t pieceOffset = 0;
 };

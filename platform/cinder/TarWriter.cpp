@@ -10,8 +10,7 @@
 
 namespace {
 
-constexpr std::size_t kCopySize =
-    std::size_t{64} * 1024; // stays in the processor's nearer cache until it is written
+constexpr std::size_t kCopySize = std::size_t{64} * 1024; // stays in the processor's cache
 constexpr unsigned kDirectoryPermissions = 0755;
 constexpr unsigned kFilePermissions = 0644;
 
@@ -22,9 +21,9 @@ la_ssize_t AppendToFile(archive* handle, void* file, const void* data, std::size
     return -1;
 }
 
-/// Whether every reader takes an entry of this name.
+/// Whether every reader accepts an entry of this name.
 bStatus NameStatus(const char* name) {
-    if (name == nullptr || !IsNarrowTarName(name))
+    if (name == nullptr || !IsConfinedTarName(name))
         return bERROR_PARAMETER;
     return std::strlen(name) < bTar_NAME_SIZE ? bOK : bERROR_TOO_LONG;
 }
@@ -40,7 +39,7 @@ TarWriter::TarWriter(bAlloc allocator, bFile* file)
 }
 
 TarWriter::~TarWriter() {
-    // Without this, an entry that was given up half-way would be filled up with zeros to its full size.
+    // Without this, an unfinished entry would be filled with zeros to its full size.
     if (handle)
         archive_write_fail(handle.get());
 }

@@ -9,7 +9,7 @@
 #include <archive.h>
 #include <archive_entry.h>
 
-/// The archive that is written: bTar_Construct makes it, the bTar calls lead here.
+/// The archive that is written: made by bTar_Construct, used through the bTar calls.
 class TarWriter final : public bTar {
   public:
     TarWriter(bAlloc allocator, bFile* file);
@@ -20,7 +20,7 @@ class TarWriter final : public bTar {
     void Describe(const FileFacts& facts) { described = facts; }
     [[nodiscard]] bStatus WriteBlock(std::string_view block);
     [[nodiscard]] bStatus WriteFile(const char* name, bFile* source, std::int64_t size);
-    /// Writes the end mark; fails without it when any entry is not whole.
+    /// Writes the end mark; fails without it when any entry is incomplete.
     [[nodiscard]] bStatus Close() override;
 
   private:
@@ -34,6 +34,6 @@ class TarWriter final : public bTar {
     std::pmr::vector<char> buffer;
     std::optional<FileFacts> described; ///< for the next entry
     std::int64_t entries = 0;
-    std::int64_t left = 0; ///< bytes of the current entry's data that are still to come
+    std::int64_t left = 0; ///< bytes of the current entry's data that are still missing
     bool broken = false;
 };

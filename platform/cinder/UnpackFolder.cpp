@@ -16,7 +16,7 @@
 
 namespace {
 
-/// What the copies of hard links may have in all: as much as the largest archive that a request carries.
+/// The limit on all copies of hard links together: the largest archive that a request can carry.
 constexpr std::int64_t kMaxCopied = std::int64_t{4} << 30U;
 
 const std::string kUnsafe = "the name leads outside, is no file's, or nests too deep";
@@ -34,10 +34,10 @@ FileFacts Usable(FileFacts facts) {
     return facts;
 }
 
-/// What becomes of a hard link to an entry of the archive.
+/// How a hard link to an entry of the archive is treated.
 enum class HardLinks { Copied, Refused };
 
-/// One archive on its way into one fresh folder.
+/// Unpacks one archive into one fresh folder.
 class Unpacker {
   public:
     Unpacker(bTar* tar, const std::string& targetDirectory, FolderHandle target, HardLinks hardLinks)
@@ -58,10 +58,10 @@ class Unpacker {
             else
                 UnpackFile(name.data());
         }
-        // Else what was not read would be missing from the next backup.
+        // Otherwise what was not read would be missing from the next backup.
         if (result.end == bERROR_MEMORY)
             throw std::bad_alloc();
-        // What comes after the name is lost with it, so this end is not a quiet one.
+        // What follows the name is lost with it, so this end is reported.
         if (result.end == bERROR_TOO_LONG)
             Fail(__LINE__, result.end, "Failed to read item - " + PrintableTarName(name.data()));
         if (const std::error_code reason = folder.Leave())
@@ -78,7 +78,7 @@ class Unpacker {
 
     void UnpackFile(const std::string& name) {
         std::string_view block;
-        // The first read comes before anything is made: it fails when the archive cannot hold the data.
+        // The first read comes before the file is created: it fails when the archive cannot hold the data.
         bStatus status = ReadBlock(name, &block);
         const ConfinedFolder::Parts parts = PartsOfFile(name);
         HiddenFile file(ParentOf(name, parts), kPrivateFile);
@@ -89,7 +89,7 @@ class Unpacker {
         Keep(file, name, parts, bTar_Facts(tar));
     }
 
-    /// A copy of what it leads to, unless that is none of the files that were unpacked.
+    /// Copies the target of a hard link, if it is one of the unpacked files.
     void UnpackHardLink(const std::string& name, const std::string& target) {
         if (hardLinks == HardLinks::Refused)
             Fail(__LINE__, bERROR_FORMAT, "The archive holds links or special files.");
@@ -107,7 +107,7 @@ class Unpacker {
 
     [[nodiscard]] InputFile OpenLinked(const std::string& target) {
         const ConfinedFolder::Parts parts = TarNameParts(target);
-        if (!IsNarrowTarName(target) || parts.empty())
+        if (!IsConfinedTarName(target) || parts.empty())
             return {};
         return {folder.Enter(parts, parts.size() - 1), parts.back()};
     }
@@ -128,7 +128,7 @@ class Unpacker {
 
     void UnpackDirectory(const std::string& name) {
         const ConfinedFolder::Parts parts = TarNameParts(name);
-        if (!IsNarrowTarName(name))
+        if (!IsConfinedTarName(name))
             Fail(__LINE__, bERROR_FILE, "Failed to create the directory - " + PathOf(name), kUnsafe);
         if (const std::error_code reason = MakeFolder(parts, Usable(bTar_Facts(tar))))
             Fail(__LINE__, bERROR_FILE, "Failed to create the directory - " + PathOf(name), reason);
@@ -144,14 +144,13 @@ class Unpacker {
 
     [[nodiscard]] ConfinedFolder::Parts PartsOfFile(const std::string& name) const {
         ConfinedFolder::Parts parts = TarNameParts(name);
-        if (!IsNarrowTarName(name) || parts.empty() || !name.ends_with(parts.back()))
+        if (!IsConfinedTarName(name) || parts.empty() || !name.ends_with(parts.back()))
             Fail(__LINE__, bERROR_FILE, "Failed to open file - " + PathOf(name), kUnsafe);
         return parts;
     }
 
-    /// The folder that a file goes into, made when it is missing; one level only, since the directories above
-    /// have entries of their own before. A file may be replaced; anything else that has the name is in the
-    /// way.
+    /// The folder of a file, created if it is missing; one level only, since the directories above have
+    /// earlier entries of their own. A file may be replaced; anything else of that name is an error.
     [[nodiscard]] const FolderHandle& ParentOf(const std::string& name, const ConfinedFolder::Parts& parts) {
         if (const std::error_code reason = MakeFolder({parts.begin(), parts.end() - 1}))
             Fail(__LINE__, bERROR_FILE, "Failed to create the directory - " + PathOf(name), reason);
@@ -192,7 +191,7 @@ class Unpacker {
     std::string prefix;
     HardLinks hardLinks;
     Unpacking result;
-    std::optional<FileFacts> replaced; ///< the file that had the current entry's name before
+    std::optional<FileFacts> replaced; ///< the previous file of the current entry's name
     std::int64_t written = 0;          ///< bytes of the current entry
     std::int64_t copied = 0;           ///< bytes of all copies of hard links
 };
@@ -215,7 +214,7 @@ bOwned<bTar> OpenArchive(bFile* file, bAlloc allocator) {
     return bOwned<bTar>(tar);
 }
 
-/// Whatever permissions a file has in the archive, nobody else reaches it in a folder of the owner alone.
+/// Whatever permissions a file has in the archive, others cannot access it in a folder private to the owner.
 FolderHandle MakeFresh(const std::string& directory) {
     bStatus status = bOK;
     std::error_code why;
@@ -241,8 +240,8 @@ Unpacking UnpackFolder(const std::string& tarFileName, const std::string& target
     const bOwned<bTar> tar = OpenArchive(file.get(), allocator);
     Unpacking result =
         Unpacker(tar.get(), targetDirectory, MakeFresh(targetDirectory), HardLinks::Copied).UnpackEntries();
-    // A disk that cannot be read and a bound of our own are no end of the archive: the rest of it is there,
-    // and would be missing from the next backup.
+    // A read error and our own limits are not the end of the archive: the rest exists, and would be missing
+    // from the next backup.
     if (result.end == bERROR_FILE || result.end == bERROR_LIMIT)
         Fail(__LINE__, result.end, "Failed to read item - " + tarFileName, result.reason);
     return result;

@@ -5,7 +5,7 @@
 
 namespace {
 
-/// Makes and opens a reader or a writer; nothing is left of one that cannot be opened.
+/// Makes and opens a reader or a writer; one that cannot be opened is destroyed.
 template<typename Archive>
 bStatus Construct(bTar** tar, bFile* file, bAlloc allocator) {
     Archive* made = nullptr;

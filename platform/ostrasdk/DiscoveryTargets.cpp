@@ -1,6 +1,5 @@
 #include "ostrasdk/DiscoveryTargets.h"
 
-#include "basalt/NetworkInterface.h"
 #include "basalt/bIpAddress.h"
 
 #include <algorithm>

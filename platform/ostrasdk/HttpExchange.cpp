@@ -3,9 +3,9 @@
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
 #include "wire/AccessToken.h"
-#include "wire/BodyReader.h"
 #include "wire/ContentDigest.h"
 #include "wire/JsonText.h"
+#include "wire/WireBody.h"
 
 #include <boost/beast/core/string.hpp>
 #include <boost/beast/http/empty_body.hpp>
@@ -41,7 +41,7 @@ asio::ip::tcp::endpoint Endpoint(const HttpRequest& request) {
     return {asio::ip::address_v4(request.address.octets), static_cast<std::uint16_t>(request.port)};
 }
 
-/// The digest goes ahead of the body, which lies in memory.
+/// The digest is sent before the body, which is in memory.
 std::string DigestOf(const WireBody& body) {
     Crc32c checksum;
     for (const std::string_view part : body.Parts())
@@ -123,7 +123,7 @@ void HttpExchange::Connect(Clock::time_point end) {
     stream.ExpireAfter(left());
 }
 
-/// Reads up to the head of the final reply: those before it only say that the server is at work.
+/// Reads up to the head of the final reply: earlier ones only say that the server is working.
 void HttpExchange::ReceiveHead() {
     constexpr int kMaxHeads = 100;
     for (int heads = 0; heads < kMaxHeads; ++heads) {
@@ -140,17 +140,17 @@ void HttpExchange::ReceiveHead() {
 VeJson HttpExchange::ReceiveBody() {
     if (reply->Head().result() != http::status::ok)
         ThrowRefusal();
-    // What it says cannot be about a request that it does not have.
+    // Its reply cannot be about a request that it does not have completely.
     if (!stream.HasWrittenAll())
         throw Ve::Exception(__LINE__, __FILE__, bERROR_CONNECTION, kFunction,
-                            "The server answered before it had the whole request.");
+                            "The server answered before it had the complete request.");
     reply->BeginBody(kMaxReply);
     VeJson value = ReadBody(*reply, reply->Value(http::field::content_type), {reply->MaxBytes(), kMaxText});
     reply->CheckDigest(boost::beast::iequals(reply->Value(http::field::trailer), kContentDigest));
     return value;
 }
 
-/// What a refusal says in its body, which may be anything.
+/// The reason in the body of a refusal, which may be anything.
 void HttpExchange::ThrowRefusal() {
     std::string words = "no reason given";
     try {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ostrasdk/HttpRequest.h"
+#include "ostrasdk/VeTransaction.h"
 #include "wire/MessageReader.h"
 #include "wire/TimedStream.h"
 #include "wire/VeJson.h"
@@ -16,8 +16,9 @@ namespace OstraSdk {
 
 /// One request and its reply over a connection of their own, on the calling thread.
 ///
-/// Request and reply move at the same time, so that a server may answer before it has read everything (and
-/// refuse a body that it does not want). One deadline holds for the whole exchange, whatever the server does.
+/// Request and reply are transferred at the same time, so that a server may answer before it has read
+/// everything (and refuse a body that it does not want). One deadline applies to the complete exchange,
+/// whatever the server does.
 class HttpExchange final {
   public:
     explicit HttpExchange(const HttpRequest& request);

@@ -20,16 +20,16 @@ using asio::ip::udp;
 namespace {
 
 constexpr std::string_view kQuestion = R"({"ostra":"discover","version":1})";
-constexpr std::size_t kLargestAnswer = 65507;
-constexpr std::size_t kMostInstances = 1000;
+constexpr std::size_t kMaxAnswerSize = 65507;
+constexpr std::size_t kMaxInstances = 1000;
 
-/// Whether one machine can have this address. That of whoever sent the answer always is one.
+/// Whether a single machine can have this address. The sender's address always qualifies.
 bool IsUnicast(const bIpAddress& address) {
     constexpr unsigned kFirstBeyond = 224; // multicast, reserved ones and broadcast
     return address.octets[0] > 0 && address.octets[0] < kFirstBeyond;
 }
 
-/// One question and the answers to it.
+/// One discovery request and the answers to it.
 class Discovery {
   public:
     explicit Discovery(std::vector<VeInstance>& instances) : instances(instances) {}
@@ -54,14 +54,14 @@ class Discovery {
                                   [this](const boost::system::error_code& error, std::size_t size) {
                                       if (!error)
                                           Add(std::string_view(answer).substr(0, size));
-                                      else if (++failures > kMostFailures)
+                                      else if (++failures > kMaxFailures)
                                           return;
                                       Receive();
                                   });
     }
 
     void Add(std::string_view text) {
-        if (instances.size() == kMostInstances)
+        if (instances.size() == kMaxInstances)
             return;
         auto instance = VeInstance::FromAnswer(text);
         if (instance && IsUnicast(instance->GetIpAddress()) &&
@@ -69,27 +69,27 @@ class Discovery {
             instances.push_back(std::move(*instance));
     }
 
-    static constexpr int kMostFailures = 1000;
+    static constexpr int kMaxFailures = 1000;
 
     std::vector<VeInstance>& instances;
     std::set<std::pair<std::int64_t, std::array<std::uint8_t, 4>>> known;
     asio::io_context context{1};
     udp::socket socket{context, udp::endpoint(udp::v4(), 0)};
     udp::endpoint sender;
-    std::string answer = std::string(kLargestAnswer, '\0');
+    std::string answer = std::string(kMaxAnswerSize, '\0');
     int failures = 0;
 };
 
 } // namespace
 
 void VeDiscoveryClient::BlockingDiscover(std::int64_t timeout) {
-    constexpr std::chrono::microseconds kLeast = std::chrono::milliseconds(250);
-    constexpr std::chrono::microseconds kMost = std::chrono::seconds(1);
+    constexpr std::chrono::microseconds kMin = std::chrono::milliseconds(250);
+    constexpr std::chrono::microseconds kMax = std::chrono::seconds(1);
     instances.clear();
     try {
         Discovery discovery(instances);
         discovery.Ask();
-        discovery.Listen(std::clamp(std::chrono::microseconds(timeout), kLeast, kMost));
+        discovery.Listen(std::clamp(std::chrono::microseconds(timeout), kMin, kMax));
     } catch (const boost::system::system_error& error) {
         throw Ve::Exception(__LINE__, __FILE__, bERROR_CONNECTION, "VeDiscoveryClient::BlockingDiscover",
                             "%s", error.what());

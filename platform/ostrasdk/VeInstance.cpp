@@ -2,7 +2,7 @@
 
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
-#include "ostrasdk/DiscoveryKeys.h"
+#include "ostrasdk/VeInstance.h"
 
 #include <limits>
 
@@ -10,7 +10,7 @@ namespace OstraSdk {
 
 namespace {
 
-constexpr std::int64_t kLargestPort = 65535;
+constexpr std::int64_t kMaxPort = 65535;
 
 [[noreturn]] void ThrowOutOfRange(const std::string& key) {
     throw Ve::Exception(__LINE__, __FILE__, bERROR_FORMAT, "VeInstance::FromAnswer",
@@ -28,20 +28,20 @@ std::int64_t NumberIn(const VeJson& record, const std::string& key, std::int64_t
 bIpAddress AddressIn(const VeJson& record, const std::string& key) {
     bIpAddress address;
     const auto text = record.At(key).Get<std::string>();
-    const bool endsEarly = text.find('\0') != std::string::npos; // for a call that takes a C string
+    const bool endsEarly = text.find('\0') != std::string::npos; // for calls that take a C string
     if (endsEarly || bIpAddress_Parse(&address, text.c_str()) != bOK)
         ThrowOutOfRange(key);
     return address;
 }
 
-/// Throws for a member that is there and is not what its key stands for.
+/// Throws for a member whose value is not of its key's type and range.
 void CheckOtherMembers(const VeJson& record) {
     for (const std::string& key : {kDeviceModel, kAppName, kAppId, kAppVersion})
         if (record.Has(key))
             static_cast<void>(record.At(key).Get<std::string>());
     for (const std::string& key : {kWebPort, kVdpPort})
         if (record.Has(key))
-            NumberIn(record, key, 0, kLargestPort);
+            NumberIn(record, key, 0, kMaxPort);
     for (const std::string& key : {kMask, kGateway})
         if (record.Has(key) && !record.At(key).Get<std::string>().empty())
             AddressIn(record, key);
@@ -56,7 +56,7 @@ VeInstance::VeInstance(VeJson answer)
     : record(std::move(answer)),
       serialNumber(NumberIn(record, kSerialNumber, 0, std::numeric_limits<std::int64_t>::max())),
       address(AddressIn(record, kAddress)),
-      controlPort(static_cast<unsigned int>(NumberIn(record, kControlPort, 1, kLargestPort))) {
+      controlPort(static_cast<unsigned int>(NumberIn(record, kControlPort, 1, kMaxPort))) {
     CheckOtherMembers(record);
 }
 

@@ -24,7 +24,7 @@ VeTransaction VeRestClient::Request(HttpVerb verb, const std::string& path, cons
                                     const VeJson& extra) const {
     if (!extra.IsEmpty())
         throw Ve::Exception(__LINE__, __FILE__, bERROR_PARAMETER, "VeRestClient::Request",
-                            "A request takes nothing beside its body.");
+                            "A request has nothing besides its body.");
     const char* const tokenFile = std::getenv("OSTRA_TOKEN_FILE");
     return VeTransaction(HttpRequest{address, port, verb, path, body,
                                      tokenFile == nullptr ? std::string() : ReadAccessToken(tokenFile)});

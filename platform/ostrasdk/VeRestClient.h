@@ -1,17 +1,16 @@
 #pragma once
 
 #include "basalt/bIpAddress.h"
-#include "ostrasdk/HttpRequest.h"
 #include "ostrasdk/VeTransaction.h"
 
 #include <string>
 
 namespace OstraSdk {
 
-/// Makes requests to one server. Each has a connection of its own, so that a server that was restarted, or a
-/// connection that died between two requests, is no matter. Each brings the token in the file that the
-/// environment variable OSTRA_TOKEN_FILE names, if it names one; a file that has none throws Ve::Exception
-/// (see ReadAccessToken).
+/// Makes requests to one server. Each request uses a new connection, so that a restarted server, or a
+/// connection lost between two requests, does not matter. Each carries the token in the file named by the
+/// environment variable OSTRA_TOKEN_FILE, if it is set; a file without a token throws Ve::Exception (see
+/// ReadAccessToken).
 class VeRestClient {
   public:
     VeRestClient(const bIpAddress& address, unsigned int port) : address(address), port(port) {}

@@ -15,7 +15,7 @@ void VeSystem::Connect() {
     const VeRequestResponse answer = client.Read("/system/info", VeJson(), VeJson()).GetResponse(kTimeout);
     if (!answer.Payload().IsObject())
         throw Ve::Exception(__LINE__, __FILE__, bERROR_FORMAT, "VeSystem::Connect",
-                            "The server does not tell what it is.");
+                            "The server does not identify itself.");
     connected = true;
 }
 

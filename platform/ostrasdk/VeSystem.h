@@ -15,11 +15,11 @@ class VeSystem {
     /// Ve::Exception as VeTransaction does; the system is not connected then.
     void Connect();
 
-    /// Forgets the connection. Nothing is held open between requests, so nothing is sent.
+    /// Forgets the connection. No connection is open between requests, so nothing is sent.
     void Disconnect();
 
-    /// Whether Connect succeeded and no Disconnect followed. A server that has died since is noticed by the
-    /// next request, and the system stays connected until Disconnect is called.
+    /// Whether Connect succeeded and no Disconnect followed. The next request notices a server that has died
+    /// since; the system stays connected until Disconnect is called.
     [[nodiscard]] bool IsConnected() const { return connected; }
 
     [[nodiscard]] const bIpAddress& Address() const { return address; }

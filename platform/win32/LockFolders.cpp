@@ -23,7 +23,7 @@ void AddPrivate(const std::string& path, std::vector<FolderHandle>& folders) {
         folders.push_back(std::move(folder));
 }
 
-/// The names in `shared` that may be this user's: `name`, and those that only add to it after a point.
+/// The names in `shared` that may be this user's: `name`, and those that extend it after a dot.
 std::set<std::string> NamesOfUser(const std::string& shared, const std::string& name) {
     std::set<std::string> names{name};
     FolderReader reader(shared.c_str());
@@ -44,7 +44,7 @@ std::vector<FolderHandle> PrivateFoldersIn(const std::string& shared, const std:
     return folders;
 }
 
-/// Makes a folder of this user, under another name where somebody else's is in the way.
+/// Makes a folder of this user, with another name if somebody else has taken this one.
 void MakePrivateFolder(const std::string& shared, const std::string& name) {
     const std::string plain = shared + "/" + name;
     if (::mkdir(plain.c_str(), 0700) == 0)
@@ -53,8 +53,8 @@ void MakePrivateFolder(const std::string& shared, const std::string& name) {
     static_cast<void>(::mkdtemp(other.data()) != nullptr);
 }
 
-/// All of this user's: two processes may each have made one at the same moment, and whoever sees both must
-/// take both locks.
+/// All of this user's folders: two processes may each have made one at the same moment, and a process that
+/// sees both must take both locks.
 std::vector<FolderHandle> SharedFolders(const std::string& shared) {
     const std::string name = "corvane-" + UserId();
     std::vector<FolderHandle> folders = PrivateFoldersIn(shared, name);

@@ -9,24 +9,24 @@
 
 namespace {
 
-constexpr std::size_t kLongestName = 100;
+constexpr std::size_t kMaxNameLength = 100;
 
 thread_local DWORD lastError = ERROR_SUCCESS;
 
-/// What a HANDLE points to: the locks of the one who made the mutex, none for anybody else. A lock ends with
-/// its object.
+/// What a HANDLE points to: the locks if this handle created the mutex, otherwise none. A lock ends with its
+/// object.
 struct NamedMutex {
     std::vector<FileLock> locks;
 };
 
-/// The file name for a mutex; empty when the name is not one of those known here.
+/// The file name for a mutex; empty for a name that is not supported here.
 std::string LockName(LPCWSTR name) {
     std::string file;
     for (const wchar_t letter : std::wstring_view(name)) {
         const bool plain = (letter >= L'a' && letter <= L'z') || (letter >= L'A' && letter <= L'Z') ||
                            (letter >= L'0' && letter <= L'9') || letter == L'-' || letter == L'_' ||
                            (letter == L'.' && !file.empty());
-        if (!plain || file.size() == kLongestName)
+        if (!plain || file.size() == kMaxNameLength)
             return {};
         file += static_cast<char>(letter);
     }

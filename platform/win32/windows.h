@@ -1,6 +1,5 @@
-/// The Win32 calls that the program uses, for systems that are not Windows.
-/// Names, types, values and results are those of the real header, so that a source including it reads the
-/// same on both.
+/// The Win32 calls that the program uses, for systems that are not Windows. Names, types, values and results
+/// are those of the real header, so that a source file that includes it is the same on both.
 #pragma once
 
 #include <cstdint>
@@ -31,24 +30,24 @@ constexpr LCID LOCALE_USER_DEFAULT = 0x400;
 struct SYSTEMTIME;
 struct SECURITY_ATTRIBUTES;
 
-/// What the calling thread's last CreateMutexW or CloseHandle ended with.
+/// The result of the calling thread's last CreateMutexW or CloseHandle.
 DWORD GetLastError();
 
-/// Makes the named mutex of this user, which exists from then on until its handle is closed or the process
-/// ends, however it ends: the kernel holds it. Of any number of callers at once, exactly one makes it; each
-/// of the others gets a handle, and ERROR_ALREADY_EXISTS from GetLastError.
+/// Makes the named mutex of this user, which exists until its handle is closed or the process ends in any
+/// way: the kernel holds it. Of any number of concurrent callers, exactly one makes it; each of the others
+/// gets a handle, and ERROR_ALREADY_EXISTS from GetLastError.
 ///
 /// It is a lock on the file NAME.lock in each of the folders that OpenLockFolders finds: two callers of one
-/// user meet whatever their environments are. The files are never removed, for a copy that starts meanwhile
-/// would lock another one.
+/// user find each other whatever their environments are. The files are never removed, because a copy that
+/// starts meanwhile would lock another one.
 ///
 /// Only null `security`, FALSE for `owned` and a name of up to 100 letters, digits, "-", "_" and "." that
-/// does not begin with a point are known here.
+/// does not begin with a dot are supported here.
 /// @return null on failure: ERROR_INVALID_PARAMETER or ERROR_INVALID_NAME for other arguments;
-///         ERROR_ACCESS_DENIED when no folder gives such a file and lock
+///         ERROR_ACCESS_DENIED when no folder has such a file and lock
 HANDLE CreateMutexW(const SECURITY_ATTRIBUTES* security, BOOL owned, LPCWSTR name);
 
-/// Gives the handle of a mutex back; the mutex ends with the handle that made it.
+/// Closes the handle of a mutex; the mutex ends with the handle that made it.
 /// @return FALSE, with ERROR_INVALID_HANDLE, for a null handle
 BOOL CloseHandle(HANDLE handle);
 
@@ -59,8 +58,8 @@ errno_t fopen_s(std::FILE** file, const char* name, const char* mode);
 /// Milliseconds since the system started, modulo 2^32. Never fails.
 DWORD GetTickCount();
 
-/// Writes the current local time in the format picture `format` into `text`.
-/// Only the picture "HH':'mm':'ss" and a null `time` (the current time) are known here.
+/// Writes the current local time in the format picture `format` into `text`. Only the picture "HH':'mm':'ss"
+/// and a null `time` (the current time) are supported here.
 /// @return the characters written, the terminating zero included; 0 on failure (a buffer too small, another
 ///         picture, a time of the caller's own).
 int GetTimeFormatA(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCSTR format, LPSTR text, int capacity);

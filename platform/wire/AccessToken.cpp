@@ -42,7 +42,7 @@ std::string BearerOf(std::string_view token) {
 
 bool IsBearerOf(std::string_view value, std::string_view token) {
     const std::string expected = BearerOf(token);
-    // Every byte is looked at, whichever is the first that differs.
+    // Every byte is compared, whichever is the first that differs.
     unsigned difference = value.size() == expected.size() ? 0 : 1;
     for (std::size_t i = 0; i < expected.size(); ++i) {
         const char given = value.empty() ? '\0' : value[i % value.size()];

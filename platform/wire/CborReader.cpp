@@ -1,7 +1,7 @@
 #include "wire/CborReader.h"
 
 #include "basalt/Exception.h"
-#include "basalt/LargePages.h"
+#include "basalt/SystemCalls.h"
 #include "basalt/bStatus.h"
 
 #include <algorithm>
@@ -30,14 +30,14 @@ bool IsUtf8(const std::string& text) {
 
 /// @param argument the absolute value, less one for a negative number
 std::int64_t Integer(bool negative, std::uint64_t argument) {
-    constexpr std::uint64_t kLargest = INT64_MAX;
-    if (argument > kLargest || (negative && argument == kLargest))
+    constexpr std::uint64_t kMax = INT64_MAX;
+    if (argument > kMax || (negative && argument == kMax))
         Throw(__LINE__, bERROR_LIMIT, "An integer is out of range.");
     const auto number = static_cast<std::int64_t>(argument);
     return negative ? -1 - number : number;
 }
 
-/// The number whose bits these are, in half precision.
+/// The number with these bits in half precision.
 double Half(unsigned bits) {
     const unsigned exponent = bits >> 10U & 0x1FU;
     const unsigned mantissa = bits & 0x3FFU;
@@ -69,17 +69,17 @@ VeJson::Value Simple(unsigned detail, std::uint64_t argument) {
     }
 }
 
-/// The room grows with what has really arrived, never by the declared length alone; and it grows in steps
-/// that leave the last copying to where little is in it, so that the peak is the size of the whole.
-void MakeRoom(VeJson::Bytes& bytes, std::size_t size, std::uint64_t left) {
-    constexpr std::uint64_t kFirstRoom = std::uint64_t{1024} * 1024;
+/// The capacity grows with the bytes that have arrived, never by the declared length alone; it grows in large
+/// steps, so that the last reallocation copies little and the peak is the size of the complete string.
+void ReserveFor(VeJson::Bytes& bytes, std::size_t size, std::uint64_t left) {
+    constexpr std::uint64_t kFirstCapacity = std::uint64_t{1024} * 1024;
     constexpr std::uint64_t kGrowth = 16;
     if (bytes.capacity() - bytes.size() >= size)
         return;
-    const std::uint64_t whole = bytes.size() + size + left;
-    const std::uint64_t arrived = std::max<std::uint64_t>(bytes.size() + size, kFirstRoom);
-    const std::uint64_t room = whole / (2 * kGrowth) <= arrived ? whole : kGrowth * arrived;
-    ReserveInLargePages(bytes, static_cast<std::size_t>(room));
+    const std::uint64_t complete = bytes.size() + size + left;
+    const std::uint64_t arrived = std::max<std::uint64_t>(bytes.size() + size, kFirstCapacity);
+    const std::uint64_t capacity = complete / (2 * kGrowth) <= arrived ? complete : kGrowth * arrived;
+    ReserveInLargePages(bytes, static_cast<std::size_t>(capacity));
 }
 
 } // namespace
@@ -94,11 +94,11 @@ std::size_t ByteString::Read(char* bytes, std::size_t capacity) {
 }
 
 VeJson::Bytes KeepBytes(ByteString& bytes) {
-    constexpr std::size_t kPiece = std::size_t{256} * 1024; // stays in the processor's cache until it is kept
+    constexpr std::size_t kPiece = std::size_t{256} * 1024; // stays in the processor's cache
     VeJson::Bytes kept;
     VeJson::Bytes piece(static_cast<std::size_t>(std::min<std::uint64_t>(kPiece, bytes.Left())));
     while (const std::size_t count = bytes.Read(reinterpret_cast<char*>(piece.data()), piece.size())) {
-        MakeRoom(kept, count, bytes.Left());
+        ReserveFor(kept, count, bytes.Left());
         // Elements of one type are copied as one block, others byte by byte.
         kept.insert(kept.end(), piece.data(), piece.data() + count);
     }
@@ -120,7 +120,7 @@ VeJson CborReader::Read(const ByteStringSink& sink) {
 
 VeJson CborReader::ReadValue(const Head& head, int depth, const std::string& key) {
     const bool isContainer = head.kind == Kind::Map || head.kind == Kind::Array;
-    if (isContainer && depth > VeJson::kDeepest)
+    if (isContainer && depth > VeJson::kMaxDepth)
         Throw(__LINE__, bERROR_LIMIT, "The values nest too deep.");
     switch (head.kind) {
     case Kind::Unsigned:
@@ -196,7 +196,7 @@ CborReader::Head CborReader::NextHead() {
         for (unsigned left = 1U << (head.detail - kFirstWide); left > 0; --left)
             head.argument = head.argument << 8U | NextByte();
     }
-    // Each element and each half of a member takes a byte at least.
+    // Each element, key and value takes at least one byte.
     const bool isLength = head.kind >= Kind::Bytes && head.kind <= Kind::Map;
     if (isLength && head.argument > bounds.body - std::min(bounds.body, position))
         Throw(__LINE__, bERROR_FORMAT, "A length reaches beyond the body.");
@@ -210,9 +210,9 @@ std::uint8_t CborReader::NextByte() {
     return static_cast<std::uint8_t>(byte);
 }
 
-/// Takes some of the next bytes, at least one.
+/// Reads some of the next bytes, at least one.
 std::size_t CborReader::Take(char* bytes, std::size_t capacity) {
-    // What is not small goes where it is wanted without a copy.
+    // Larger reads go directly to their destination.
     std::size_t count = 0;
     if (windowAt == windowSize && capacity >= window.size()) {
         count = body.Read(bytes, capacity);
@@ -238,7 +238,7 @@ bool CborReader::Fill() {
 
 void CborReader::CountBeside(std::uint64_t size) {
     if (size > bounds.beside - beside)
-        Throw(__LINE__, bERROR_LIMIT, "The body has too much beside its byte strings.");
+        Throw(__LINE__, bERROR_LIMIT, "The body has too much besides its byte strings.");
     beside += size;
 }
 

@@ -15,9 +15,9 @@ class CborReader;
 /// A byte string while it arrives.
 class ByteString final : public ByteSource {
   public:
-    /// The name of the member that it is, in an object that is the body's outermost value; empty elsewhere.
+    /// The name of its member in the body's outermost object; empty elsewhere.
     [[nodiscard]] const std::string& Key() const { return key; }
-    /// Bytes that are still to be read.
+    /// Bytes that are not yet read.
     [[nodiscard]] std::uint64_t Left() const { return left; }
     std::size_t Read(char* bytes, std::size_t capacity) override;
 
@@ -31,30 +31,30 @@ class ByteString final : public ByteSource {
     std::uint64_t left;
 };
 
-/// Takes the byte strings of a body. What it leaves of one is passed over.
-/// @return what the value holds in the byte string's place
+/// Receives the byte strings of a body. The part of one that it does not read is skipped.
+/// @return what the value holds instead of the byte string
 using ByteStringSink = std::function<VeJson::Bytes(ByteString& bytes)>;
 
-/// A sink that keeps byte strings in memory. A body takes its own size in memory then and no more, and a
-/// declared length takes none before its bytes arrive.
+/// A sink that keeps byte strings in memory. A body then takes no more memory than its size, and a declared
+/// length takes none before its bytes arrive.
 VeJson::Bytes KeepBytes(ByteString& bytes);
 
 /// Reads a CBOR body while it arrives.
 ///
-/// Maps with text keys, arrays, numbers, texts, byte strings, true, false and null are understood; lengths
-/// are definite. Anything else, a key that is repeated in its map, and a body that breaks a bound, throw
+/// Maps with text keys, arrays, numbers, text strings, byte strings, true, false and null are supported;
+/// lengths are definite. Anything else, a repeated key in a map, and a body that exceeds a limit, throw
 /// Ve::Exception (bERROR_FORMAT or bERROR_LIMIT).
 class CborReader final {
   public:
-    /// What a body can hold, for a check before any memory is asked for.
+    /// The limits of a body, checked before any memory is allocated.
     struct Bounds {
-        std::uint64_t body; ///< its size, or the most that it can have: no length in it reaches beyond
-        std::size_t beside; ///< the most bytes that are not those of byte strings
+        std::uint64_t body; ///< its size, or its maximum size: no length in it may exceed the rest
+        std::size_t beside; ///< limit on the bytes outside byte strings
     };
 
     CborReader(ByteSource& body, const Bounds& bounds) : body(body), bounds(bounds) {}
 
-    /// Reads the whole body, whose value is a map or an array; an empty body is an empty value.
+    /// Reads the complete body, whose value is a map or an array; an empty body is an empty value.
     VeJson Read(const ByteStringSink& takeBytes = KeepBytes);
 
   private:
@@ -85,7 +85,7 @@ class CborReader final {
     Bounds bounds;
     ByteStringSink takeBytes;
     std::uint64_t position = 0; ///< bytes of the body read so far
-    std::uint64_t beside = 0;   ///< those of them that are not a byte string's
+    std::uint64_t beside = 0;   ///< those of them outside byte strings
     int byteStrings = 0;
     std::array<char, 4096> window{}; ///< bytes of the body that were read ahead
     std::size_t windowAt = 0;

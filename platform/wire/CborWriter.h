@@ -10,8 +10,8 @@
 
 namespace OstraSdk {
 
-/// Writes a value as CBOR in parts: its byte strings stay where they are and are shared, the rest is text
-/// between them.
+/// Writes a value as CBOR in parts: its byte strings are shared, not copied, and the rest is encoded between
+/// them.
 class CborWriter final {
   public:
     using Part = std::variant<std::string, VeJson::Binary>;
@@ -24,7 +24,7 @@ class CborWriter final {
 
   private:
     enum class Kind : std::uint8_t { Unsigned, Negative, Bytes, Text, Array, Map, Tag, Simple };
-    /// How many bytes follow a head's first one, as that says it.
+    /// The code in a head's first byte for how many bytes follow it.
     enum Width : std::uint8_t { One = 24, Two, Four, Eight };
 
     CborWriter() = default;

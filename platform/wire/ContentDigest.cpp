@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include <isa-l/crc.h>
+
 namespace {
 
 constexpr std::string_view kKey = "crc32c=";
@@ -43,6 +45,16 @@ std::string_view Crc32cElement(std::string_view list) {
 
 } // namespace
 
+void Crc32c::Take(const void* data, std::size_t size) {
+    constexpr std::size_t kMaxPiece = std::size_t{1} << 30U; // the library takes an int
+    // It takes a non-const pointer, but changes nothing.
+    auto* bytes = static_cast<unsigned char*>(const_cast<void*>(data));
+    for (std::size_t piece = 0; size > 0; bytes += piece, size -= piece) {
+        piece = std::min(size, kMaxPiece);
+        state = crc32_iscsi(bytes, static_cast<int>(piece), state);
+    }
+}
+
 std::string ContentDigest(std::uint32_t crc32c) {
     return std::string(kKey) + ":" + Base64(crc32c) + ":";
 }
@@ -50,7 +62,7 @@ std::string ContentDigest(std::uint32_t crc32c) {
 DigestCheck CheckContentDigest(std::string_view field, std::uint32_t crc32c) {
     const std::string_view element = Crc32cElement(field);
     if (element.empty())
-        return DigestCheck::NotTold;
+        return DigestCheck::NotGiven;
     return element == ContentDigest(crc32c) ? DigestCheck::Equal : DigestCheck::Different;
 }
 

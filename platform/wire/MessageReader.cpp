@@ -49,14 +49,14 @@ class ParserStream {
 } // namespace
 
 ReadAhead::ReadAhead() : buffer(kMaxHead) {
-    buffer.reserve(kMaxHead); // the parser asks the connection for as much as fits
+    buffer.reserve(kMaxHead); // the parser reads as much from the connection as fits
 }
 
 template<bool isRequest>
 MessageReader<isRequest>::MessageReader(InputStream& stream, ReadAhead& ahead)
     : stream(stream), buffer(ahead.buffer) {
     parser.header_limit(kMaxHead);
-    parser.body_limit(std::numeric_limits<std::uint64_t>::max()); // until the head gives the true one
+    parser.body_limit(std::numeric_limits<std::uint64_t>::max()); // until the head gives the actual one
 }
 
 template<bool isRequest>
@@ -145,7 +145,7 @@ template<bool isRequest>
 void MessageReader<isRequest>::CountFraming(std::size_t size) {
     framing += size;
     if (framing > kMaxFraming)
-        Fail(__LINE__, bERROR_LIMIT, "The body has too much beside its data.");
+        Fail(__LINE__, bERROR_LIMIT, "The body has too much besides its data.");
 }
 
 template<bool isRequest>
@@ -155,13 +155,13 @@ void MessageReader<isRequest>::Fail(const error_code& error) {
     if (error == http::error::body_limit)
         Fail(__LINE__, bERROR_LIMIT, "The body is too large.");
     if (error == http::error::buffer_overflow && parser.is_header_done())
-        Fail(__LINE__, bERROR_LIMIT, "The body has too much beside its data.");
+        Fail(__LINE__, bERROR_LIMIT, "The body has too much besides its data.");
     if (error == http::error::partial_message || error == http::error::end_of_stream)
         Fail(__LINE__, bERROR_CONNECTION, "It ended early.");
     Fail(__LINE__, bERROR_CONNECTION, error.message());
 }
 
-/// A failure is for good: the parser must not go on after it.
+/// A failure is final: the parser must not continue after it.
 template<bool isRequest>
 void MessageReader<isRequest>::Fail(int line, int status, const std::string& reason) {
     failure.emplace(line, __FILE__, status, "MessageReader", "%s", reason.c_str());

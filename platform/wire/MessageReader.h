@@ -2,8 +2,7 @@
 
 #include "basalt/Exception.h"
 #include "wire/ByteSource.h"
-#include "wire/Crc32c.h"
-#include "wire/InputStream.h"
+#include "wire/ContentDigest.h"
 
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/http/buffer_body.hpp>
@@ -15,8 +14,8 @@
 
 namespace OstraSdk {
 
-/// The bytes of a connection that were read ahead, shared by the messages that come over it. It never holds
-/// more than a head may have.
+/// The bytes of a connection that were read ahead, shared by its messages. It never holds more than the limit
+/// of a head.
 class ReadAhead final {
   public:
     ReadAhead();
@@ -32,7 +31,7 @@ class ReadAhead final {
 
 /// Reads one HTTP message from a connection: first its head, then, once its limit is known, its body, which
 /// is not stored here. Every byte counts against a limit: the head may have 64 KiB, the body what BeginBody
-/// says, and all that a body in chunks has beside its data, the trailers included, 64 KiB together.
+/// says, and everything in a chunked body besides its data, the trailers included, 64 KiB together.
 ///
 /// Every operation throws Ve::Exception for a message that cannot be read: bERROR_TIMEOUT, bERROR_LIMIT, or
 /// bERROR_CONNECTION when it is malformed or ends early. Once reading has failed, every later step fails in
@@ -51,20 +50,20 @@ class MessageReader final : public ByteSource {
     [[nodiscard]] const typename Parser::value_type& Head() const { return parser.get(); }
     /// The value of a field; empty when the head has none.
     [[nodiscard]] std::string Value(Field field) const;
-    /// Whether the head has a field once, several times or not at all.
+    /// Whether the head has a field once, several times or never.
     [[nodiscard]] std::size_t Count(Field field) const { return parser.get().count(field); }
-    /// Whether the body is coded in another way than in chunks; it cannot be read then.
+    /// Whether the body has a coding other than chunks, which cannot be read.
     [[nodiscard]] bool HasForeignCoding() const;
 
-    /// Lets the body be read; throws bERROR_LIMIT when its length is known and larger than `limit`.
+    /// Starts reading the body; throws bERROR_LIMIT when its length is known and larger than `limit`.
     void BeginBody(std::uint64_t limit);
-    /// The size of the body, or the limit where its size is not known.
+    /// The size of the body, or the limit if its size is not known.
     [[nodiscard]] std::uint64_t MaxBytes() const { return maxBytes; }
     std::size_t Read(char* bytes, std::size_t capacity) override;
     /// Reads the rest of the body without keeping it.
     void PassOverRest();
     /// Compares the digests that the message has with the body, which was read to its end.
-    /// @param isDue whether a message without one was damaged
+    /// @param isDue whether a message without one counts as damaged
     /// @throws Ve::Exception also with bERROR_FORMAT: the body is not the one that was sent
     void CheckDigest(bool isDue);
 
@@ -72,7 +71,7 @@ class MessageReader final : public ByteSource {
     [[nodiscard]] std::uint64_t BytesRead() const { return bytesRead; }
     /// Whether the message was read to its end, so that another one may follow.
     [[nodiscard]] bool IsComplete() const { return parser.is_done(); }
-    /// Whether the connection goes on after this message.
+    /// Whether the connection stays open after this message.
     [[nodiscard]] bool KeepsAlive() const { return parser.keep_alive(); }
     /// Why the message cannot be read.
     [[nodiscard]] const std::optional<Ve::Exception>& Failure() const { return failure; }

@@ -1,6 +1,6 @@
 #include "wire/TimedStream.h"
 
-#include "basalt/SocketWait.h"
+#include "basalt/FileDescriptor.h"
 
 #include <algorithm>
 #include <array>
@@ -19,7 +19,7 @@ TimedStream::Error TimedStream::Connect(asio::io_context& context, const tcp::en
     Error outcome = asio::error::timed_out;
     socket.async_connect(peer, [&](const Error& error) { outcome = error; });
     context.run_until(deadline);
-    if (!context.stopped()) { // the call still refers to this object: it has to end first
+    if (!context.stopped()) { // the pending operation refers to this object: it has to end first
         Close();
         context.run();
         outcome = asio::error::timed_out;
@@ -30,7 +30,7 @@ TimedStream::Error TimedStream::Connect(asio::io_context& context, const tcp::en
 }
 
 void TimedStream::Prepare() {
-    Error ignored; // a connection that has ended already shows it in the first call
+    Error ignored; // the first call reports a connection that has already ended
     socket.non_blocking(true, ignored);
     socket.set_option(tcp::no_delay(true), ignored);
 }
@@ -58,7 +58,7 @@ void TimedStream::WriteMeanwhile(const std::vector<std::string_view>& pieces) {
     std::erase_if(unwritten, [](std::string_view piece) { return piece.empty(); });
 }
 
-/// @return whether something could be written at once
+/// @return whether something could be written without waiting
 bool TimedStream::WriteUnwritten() {
     constexpr std::size_t kAtOnce = std::size_t{1024} * 1024;
     if (unwritten.empty())
@@ -102,7 +102,7 @@ void TimedStream::Close() {
 void TimedStream::Stop() {
     stopped = true;
     const std::lock_guard lock(closing);
-    Error ignored; // it may have ended by itself
+    Error ignored; // it may have ended already
     socket.shutdown(Socket::shutdown_both, ignored);
 }
 
@@ -116,7 +116,7 @@ bool TimedStream::MayGoOn(Error& error) const {
     error.clear();
     if (stopped)
         error = asio::error::operation_aborted;
-    else if (Clock::now() >= deadline) // a peer that always has a byte ready would never be late otherwise
+    else if (Clock::now() >= deadline) // otherwise a peer that always has a byte ready would never time out
         error = asio::error::timed_out;
     return !error;
 }

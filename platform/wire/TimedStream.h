@@ -1,6 +1,6 @@
 #pragma once
 
-#include "wire/InputStream.h"
+#include "wire/ByteSource.h"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/error.hpp>
@@ -16,25 +16,24 @@
 
 namespace OstraSdk {
 
-/// One end of a connection, read and written in plain sequence by one thread, with a deadline that no call
-/// outlives. It needs one descriptor, the socket's.
+/// One end of a connection, read and written sequentially by one thread, with a deadline that no call
+/// exceeds. It needs one descriptor, the socket's.
 class TimedStream final : public InputStream {
   public:
     using Error = boost::system::error_code;
     using Socket = boost::asio::ip::tcp::socket;
 
-    /// @param socket connected or yet to be, used by nobody else
+    /// @param socket connected or not yet; used by nobody else
     explicit TimedStream(Socket socket);
 
-    /// Connects the socket. @param context the socket's, which nobody else runs
+    /// Connects the socket. @param context the socket's context; nobody else runs it
     /// @return the reason of a failure
     [[nodiscard]] Error Connect(boost::asio::io_context& context, const boost::asio::ip::tcp::endpoint& peer);
 
-    /// From now on calls fail with boost::asio::error::timed_out once this time is over; the connection stays
-    /// open.
+    /// From now on calls fail with boost::asio::error::timed_out after this time; the connection stays open.
     void ExpireAfter(std::chrono::microseconds time);
 
-    /// Waits until there is something to read. @return false when there is not, in time, or the peer has
+    /// Waits until there is something to read. @return false when nothing arrives in time or the peer has
     /// ended
     [[nodiscard]] bool AwaitInput();
     std::size_t ReadSome(void* bytes, std::size_t capacity, Error& error) override;
@@ -46,25 +45,25 @@ class TimedStream final : public InputStream {
             {.output = true}, [&] { return socket.write_some(buffers, error); }, error);
     }
 
-    /// Writes while ReadSome waits, in these pieces; they have to live as long as this object. A failure is
-    /// no failure of reading: the peer may have said why it wants no more.
+    /// Writes while ReadSome waits, these pieces, which must live as long as this object. A failure to write
+    /// does not make reading fail: the peer may have said why it refuses the rest.
     void WriteMeanwhile(const std::vector<std::string_view>& pieces);
     /// Whether all of that was written.
     [[nodiscard]] bool HasWrittenAll() const { return unwritten.empty() && !writingFailed; }
 
-    /// Does nothing for a while. @return false when Stop ended it early
+    /// Waits for a while. @return false when Stop ended it early
     [[nodiscard]] bool Pause(std::chrono::milliseconds time);
 
-    /// Closes so that the peer still gets what was written: says that no more comes, then reads away what the
-    /// peer was still sending, for at most a second.
+    /// Closes so that the peer still gets what was written: signals the end, then reads and discards what the
+    /// peer is still sending, for at most a second.
     void CloseGently();
-    /// Closes at once.
+    /// Closes immediately.
     void Close();
 
     /// Makes the running call and every later one fail. The only operation for other threads.
     void Stop();
 
-    /// Dotted, or empty for a connection that has ended.
+    /// The peer's dotted address; empty for a connection that has ended.
     [[nodiscard]] std::string LocalAddress() const;
 
   private:
@@ -91,7 +90,7 @@ class TimedStream final : public InputStream {
     bool Await(Wait wait, Clock::time_point end);
 
     Socket socket;
-    std::mutex closing; ///< held to close the socket, and to stop one that is not closed
+    std::mutex closing; ///< held while closing the socket, and while stopping an open one
     Clock::time_point deadline = Clock::time_point::max();
     std::vector<std::string_view> unwritten; ///< the last piece first
     bool writingFailed = false;

@@ -12,10 +12,10 @@
 
 namespace OstraSdk {
 
-/// A JSON value that may hold bytes as well: what travels in the bodies of requests and replies.
+/// A JSON value that may also hold bytes: the content of the bodies of requests and replies.
 ///
-/// A plain value. Bytes are never changed once they are in, and copies share them, so that copying a value
-/// that holds a whole backup costs nothing. Every operation that finds another type than it needs throws a
+/// A plain value. Bytes never change once set, and copies share them, so that copying a value that holds a
+/// complete backup costs nothing. Every operation that finds another type than it needs throws a
 /// Ve::Exception with status bERROR_FORMAT.
 class VeJson {
   public:
@@ -26,10 +26,10 @@ class VeJson {
     using Value =
         std::variant<std::monostate, bool, std::int64_t, double, std::string, Binary, Array, Object>;
 
-    /// Values nest no deeper than this; a text or a body that does is refused.
-    static constexpr int kDeepest = 64;
+    /// Values nest no deeper than this; a deeper text or body is refused.
+    static constexpr int kMaxDepth = 64;
 
-    /// The empty value: nothing when it is a request's body, null inside of another value.
+    /// The empty value: nothing when it is a request's body, null inside another value.
     VeJson();
     explicit VeJson(Value value);
     VeJson(const VeJson& other);
@@ -38,19 +38,19 @@ class VeJson {
     VeJson& operator=(VeJson&& other) noexcept;
     ~VeJson();
 
-    /// Reads a JSON text whose outermost value is an object or an array. A key that
-    /// stands twice in an object is refused: readers differ in which of them counts.
+    /// Reads a JSON text whose outermost value is an object or an array. A repeated key in an object is
+    /// refused: readers differ in which of them counts.
     static VeJson ParseString(std::string_view text);
 
     [[nodiscard]] bool IsEmpty() const { return std::holds_alternative<std::monostate>(value); }
     [[nodiscard]] bool IsObject() const { return std::holds_alternative<Object>(value); }
     [[nodiscard]] bool Has(std::string_view key) const;
 
-    /// The member of an object; a key that it does not have is a failure.
+    /// The member of an object; a missing key is a failure.
     [[nodiscard]] const VeJson& At(std::string_view key) const;
     [[nodiscard]] VeJson& At(std::string_view key);
 
-    /// The value as bool, std::int64_t, double (which an integer is, too) or std::string.
+    /// The value as bool, std::int64_t, double (also from an integer) or std::string.
     template<class T>
     [[nodiscard]] T Get() const;
 
@@ -71,10 +71,10 @@ class VeJson {
         Set(key, VeJson(Value(static_cast<std::int64_t>(number))));
     }
     void Set(const std::string& key, const Bytes& bytes) { Set(key, Bytes(bytes)); }
-    /// Takes the bytes over without copying them.
+    /// Takes ownership of the bytes without copying them.
     void Set(const std::string& key, Bytes&& bytes);
 
-    /// What the value holds, for those who write it out.
+    /// The value's content, for writers.
     [[nodiscard]] const Value& Content() const { return value; }
 
   private:

@@ -2,7 +2,7 @@
 
 #include "server/FaultPlan.h"
 #include "server/http/HttpError.h"
-#include "wire/Crc32c.h"
+#include "wire/ContentDigest.h"
 #include "wire/TimedStream.h"
 
 #include <cstdint>

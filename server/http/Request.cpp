@@ -3,7 +3,6 @@
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
 #include "server/http/HttpError.h"
-#include "wire/BodyReader.h"
 #include "wire/ContentDigest.h"
 #include "wire/WireBody.h"
 

@@ -5,7 +5,7 @@
 class QMaskWidget;
 
 /// What a screen reader says of the canvas: the track, its paths, the chosen segment and the point under the
-/// cursor; and the keys that edit. It is put together when it is asked for.
+/// cursor; and the keys that edit. The text is built when it is asked for.
 class AccessibleCanvas final : public QAccessibleWidget {
   public:
     explicit AccessibleCanvas(QMaskWidget& canvas);
@@ -18,7 +18,7 @@ class AccessibleCanvas final : public QAccessibleWidget {
   private:
     [[nodiscard]] QString Describe() const;
     [[nodiscard]] QString DescribePoint() const;
-    /// What can be done by key, as there is no tool tip that says so.
+    /// The keys that edit: no tool tip lists them.
     [[nodiscard]] static QString Keys();
 
     QMaskWidget& canvas;

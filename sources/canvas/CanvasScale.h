@@ -19,14 +19,14 @@ class CanvasScale {
     /// Widget pixels to (x / width, y / height).
     [[nodiscard]] QPointF toNormalized(const QPointF& pixel) const;
 
-    /// (x, y) to the nearest whole pixel (width * x, height * y), halves upwards. What lies beyond any
-    /// possible widget is brought back to its border, and what is not a number to 0.
+    /// (x, y) to the nearest whole pixel (width * x, height * y), halves upwards. A position beyond any
+    /// possible widget is clamped to its border; NaN becomes 0.
     [[nodiscard]] QPoint toWidgetPixels(const QPointF& point) const {
         return {NearestPixel(canvas.width() * point.x()), NearestPixel(canvas.height() * point.y())};
     }
 
     /// The position kept inside the margin: first to the right or lower bound, then to the left or upper one,
-    /// which so wins on a canvas too small for both.
+    /// which wins on a canvas too small for both.
     [[nodiscard]] QPointF ClampToMargin(const QPointF& pixel) const;
 
     [[nodiscard]] QSize Canvas() const { return canvas; }
@@ -35,11 +35,11 @@ class CanvasScale {
 
   private:
     static int NearestPixel(double position) {
-        /// Beyond the largest widget, and near enough to 0 for sums and differences to stay whole numbers.
-        constexpr double kFarthestPixel = 1 << 26;
+        /// Larger than any widget, and small enough for sums and differences to stay exact integers.
+        constexpr double kMaxPixel = 1 << 26;
         if (std::isnan(position))
             return 0;
-        const double rounded = std::min(std::max(position, -kFarthestPixel), kFarthestPixel) + 0.5;
+        const double rounded = std::min(std::max(position, -kMaxPixel), kMaxPixel) + 0.5;
         const int whole = static_cast<int>(rounded);
         return whole - (rounded < whole ? 1 : 0);
     }

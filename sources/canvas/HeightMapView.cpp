@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Copies the pixels of `place` from one image to another, each of which starts at a place of its own.
+/// Copies the pixels of `place` from one image to another, each of which has its own origin.
 void CopyPixels(const QImage& from, const QPoint& fromStart, QImage& to, const QPoint& toStart,
                 const QRect& place) {
     const QPoint source = place.topLeft() - fromStart;
@@ -22,7 +22,7 @@ void CopyPixels(const QImage& from, const QPoint& fromStart, QImage& to, const Q
 
 } // namespace
 
-void HeightMapView::Show(const QPixmap& pixmap, const QSize& newSize, const QRect& visible, double mostRead) {
+void HeightMapView::Show(const QPixmap& pixmap, const QSize& newSize, const QRect& visible, double maxRead) {
     // The pixmap's own pixels, shared, where it has 32 bits a pixel, as those made from images do.
     source = pixmap.toImage().convertToFormat(QImage::Format_RGB32);
     if (pixmap.cacheKey() != key || newSize != size) {
@@ -31,7 +31,7 @@ void HeightMapView::Show(const QPixmap& pixmap, const QSize& newSize, const QRec
         valid = {};
     }
     mapSize = pixmap.size();
-    mayRead = mostRead;
+    mayRead = maxRead;
     KeepVisible(visible);
 }
 
@@ -53,8 +53,8 @@ double HeightMapView::ReadByRow(const QRect& place) const {
     return place.width() * across * down;
 }
 
-QRect HeightMapView::UpperRows(const QRect& place, double mostRead) const {
-    const double rows = std::ceil(mostRead / ReadByRow(place));
+QRect HeightMapView::UpperRows(const QRect& place, double maxRead) const {
+    const double rows = std::ceil(maxRead / ReadByRow(place));
     return {place.topLeft(),
             QSize(place.width(), static_cast<int>(std::clamp<double>(rows, 1, place.height())))};
 }
@@ -69,7 +69,7 @@ QRect HeightMapView::Render(const QRect& part, QImage& out, const QPoint& place)
 }
 
 void HeightMapView::KeepVisible(const QRect& visible) {
-    const bool fits = qint64{visible.width()} * visible.height() <= kMostKept;
+    const bool fits = qint64{visible.width()} * visible.height() <= kMaxKept;
     const QRect place = fits ? visible : QRect();
     if (place == keptPlace)
         return;

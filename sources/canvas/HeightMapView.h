@@ -6,29 +6,28 @@
 #include <QRegion>
 #include <QSize>
 
-/// The height map stretched to the canvas, made only where it is looked at.
+/// The height map stretched to the canvas, computed only where it is visible.
 ///
-/// The pixels are those of a smooth scaling of the whole, but no scaled copy of it is kept: at 400 % that
-/// would take sixteen times the image's own memory. What is visible is kept, so that painting it again is
-/// copying; that is a view's worth of pixels, and nothing when the view is larger than kMostKept.
-/// All sizes and places are in the pixels of the device that is painted on.
+/// The pixels are those of a smooth scaling of the complete image, but no scaled copy of it is kept: at 400 %
+/// it would take sixteen times the image's memory. The visible part is kept, so that repainting it is a copy;
+/// nothing is kept when the view is larger than kMaxKept. All sizes and places are in device pixels.
 ///
 /// A large map at a small scale takes longer to average than an operator should wait. One paint averages no
-/// more than kMostRead pixels of the map and shows the rest coarsely; the caller paints that again, bit by
-/// bit.
+/// more than kMaxRead pixels of the map and shows the rest coarsely; the caller repaints that in steps.
 class HeightMapView {
   public:
-    /// Pixels kept at most: a whole large screen's.
-    static constexpr int kMostKept = 5120 * 2880;
-    /// Pixels of the map that one paint, from Show to ReleaseImage, averages at most, but for a row.
-    static constexpr double kMostRead = 4'000'000;
+    /// Pixels kept at most: those of a large screen.
+    static constexpr int kMaxKept = 5120 * 2880;
+    /// Pixels of the map that one paint, from Show to ReleaseImage, averages at most; it always completes one
+    /// row.
+    static constexpr double kMaxRead = 4'000'000;
 
     /// Stretches `pixmap` to `size`. What is kept is forgotten when either is another than before.
     /// @param visible what the operator can see of the canvas now
-    /// @param mostRead pixels of the map that this paint may average
-    void Show(const QPixmap& pixmap, const QSize& size, const QRect& visible, double mostRead = kMostRead);
+    /// @param maxRead pixels of the map that this paint may average
+    void Show(const QPixmap& pixmap, const QSize& size, const QRect& visible, double maxRead = kMaxRead);
 
-    /// Lets go of the image, so that it does not outlive the label's pixmap; Show takes it up again.
+    /// Releases the image, so that it does not outlive the label's pixmap; Show acquires it again.
     void ReleaseImage() { source = {}; }
 
     /// Forgets everything, the image too.
@@ -38,8 +37,8 @@ class HeightMapView {
     /// @return what of it is coarse, since the paint has read all that it may
     QRegion Copy(const QRect& part, QImage& out);
 
-    /// The upper rows of a place, as many as one paint makes with ease, and at least one.
-    [[nodiscard]] QRect UpperRows(const QRect& place, double mostRead = kMostRead / 2) const;
+    /// The upper rows of a place, as many as one paint can average, and at least one.
+    [[nodiscard]] QRect UpperRows(const QRect& place, double maxRead = kMaxRead / 2) const;
 
   private:
     void KeepVisible(const QRect& visible);

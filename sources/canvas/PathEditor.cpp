@@ -1,15 +1,14 @@
 #include "canvas/PathEditor.h"
 
 #include "canvas/PointFinder.h"
-#include "canvas/SegmentFinder.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace {
 
-/// A coordinate moved by tenths of an image pixel. One that is on a tenth comes to lie on another exactly,
-/// however often it is moved: at the same number as a click on that place gives.
+/// A coordinate moved by tenths of an image pixel. A coordinate on a tenth moves to another tenth exactly,
+/// however often it is moved: it equals the one that a click at that place gives.
 double Moved(double coordinate, int tenths, int pixels) {
     constexpr double kTolerance = 1e-6;
     const double perImage = 10.0 * pixels;
@@ -18,7 +17,7 @@ double Moved(double coordinate, int tenths, int pixels) {
     return (std::abs(place - nearest) < kTolerance ? nearest + tenths : place + tenths) / perImage;
 }
 
-/// `after` kept inside the margin, unless `before` lies outside it already: then it goes no further out.
+/// `after` kept inside the margin; if `before` is already outside, `after` is kept from moving further out.
 double KeptInside(double before, double after, double lowest, double highest) {
     return std::max(std::min(lowest, before), std::min(after, std::max(highest, before)));
 }
@@ -142,7 +141,7 @@ std::optional<PointIndex> PathEditor::TouchedPoint() const {
 
 void PathEditor::LetGo() {
     ForgetCursor();
-    hoverByKey = true; // the cursor may be over a point, which is searched for before the next press
+    hoverByKey = true; // the cursor may be over a point, which the next press searches for
     touched.reset();
     dragStart.reset();
 }
@@ -242,7 +241,7 @@ QPointF PathEditor::PositionOf(PointIndex at) const {
     return document->paths()[static_cast<std::size_t>(at.path)].points[static_cast<std::size_t>(at.point)];
 }
 
-/// Paths without points, which a file may not hold but a caller may, are passed over.
+/// Skips paths without points: no file has them, but a caller may.
 std::optional<PointIndex> PathEditor::Neighbour(PointIndex at, int delta) const {
     const auto& paths = document->paths();
     at.point += delta;

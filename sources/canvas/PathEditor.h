@@ -1,10 +1,22 @@
 #pragma once
 
 #include "canvas/CanvasScale.h"
-#include "canvas/EditingState.h"
 #include "document/TrackDocument.h"
 
+#include <QPointF>
+
 #include <optional>
+
+/// What the mouse and the window's controls have chosen or begun on the paths. Points are normalised to the
+/// canvas; a null point (QPointF::isNull) means "none".
+struct EditingState {
+    int hoverPath = 0;      ///< path of the point under the cursor or being dragged
+    int hoverPoint = 0;     ///< index of that point in its path
+    QPointF rubberPoint;    ///< the cursor while the left button is held and nothing is dragged
+    QPointF dragPoint;      ///< the point that is under the cursor or being dragged
+    int currentPath = 0;    ///< the path whose parameters are shown and set
+    int currentSegment = 0; ///< its segment whose parameters are shown and set
+};
 
 /// Turns what the mouse and the keys do on the canvas into edits of a document, without a widget. Positions
 /// are widget pixels of the canvas that `scale` is made for.
@@ -19,7 +31,7 @@ class PathEditor {
     void Press(const CanvasScale& scale, const QPointF& position);
 
     /// Ctrl and left button down: puts a point on the segment under the cursor, with the parameters that it
-    /// has. The rest of the gesture does nothing. @return false, with nothing done, where there is a point or
+    /// has. The rest of the gesture is ignored. @return false, with nothing done, where there is a point or
     /// no segment
     bool PressOnSegment(const CanvasScale& scale, const QPointF& position);
 
@@ -37,8 +49,8 @@ class PathEditor {
     /// @return whether a point was dragged
     bool Drag(const CanvasScale& scale, const QPointF& position);
 
-    /// Ends the gesture of the button that is held: a dragged point goes back, and what follows until the
-    /// button is pressed anew does nothing. @return whether a point went back
+    /// Ends the gesture of the button that is held: a dragged point moves back, and the mouse is ignored
+    /// until the button is pressed again. @return whether a point moved back
     bool GiveUpGesture();
 
     /// No point is under the cursor, and nothing is drawn to it, until it moves again.
@@ -47,19 +59,19 @@ class PathEditor {
     /// Forgets the cursor and the chosen segment.
     void Reset();
 
-    /// Forgets the touched point when its index may be another's.
+    /// Forgets the touched point when its index may now belong to another point.
     void Follow(const PathsChange& change);
 
     void SetCurrentPath(int path) { state.currentPath = path; }
     void SetCurrentSegment(int segment) { state.currentSegment = segment; }
 
-    // By key, while no button is held. Each change is a step of its own.
+    // By key, while no button is held. Each change is one step.
 
     /// The point that keys act on: the one under the cursor, or else the one that was last drawn, dragged,
     /// inserted or chosen.
     [[nodiscard]] std::optional<PointIndex> TouchedPoint() const;
     /// Whether a key, not the cursor, has decided which point is shown as hovered. The next press or move of
-    /// the mouse searches anew.
+    /// the mouse searches again.
     [[nodiscard]] bool IsHoverByKey() const { return hoverByKey; }
     /// No point is touched or shown.
     void LetGo();
@@ -90,6 +102,6 @@ class PathEditor {
     EditingState state;
     std::optional<PointIndex> touched;
     std::optional<QPointF> dragStart; ///< where the dragged point was before the gesture
-    bool gestureEnded = false;        ///< what the button does until it is pressed anew is ignored
+    bool gestureEnded = false;        ///< ignore the button until it is pressed again
     bool hoverByKey = false;
 };

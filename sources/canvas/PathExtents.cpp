@@ -26,14 +26,8 @@ const PathExtents::OfPath& PathExtents::Of(const std::vector<TrackPath>& paths, 
 void PathExtents::Follow(const PathsChange& change) {
     const auto changed = [this](PointIndex at) { PathChanged(static_cast<std::size_t>(at.path)); };
     const ChangeHandlers handlers{
-        [this](const PathInserted& inserted) {
-            if (static_cast<std::size_t>(inserted.path) < entries.size())
-                entries.insert(entries.begin() + inserted.path, Entry());
-        },
-        [this](const PathRemoved& removed) {
-            if (static_cast<std::size_t>(removed.path) < entries.size())
-                entries.erase(entries.begin() + removed.path);
-        },
+        [this](const PathInserted& inserted) { KeepInStep(entries, inserted); },
+        [this](const PathRemoved& removed) { KeepInStep(entries, removed); },
         [&](const PointInserted& inserted) { changed(inserted.at); },
         [&](const PointRemoved& removed) { changed(removed.at); },
         [&](const PointMoved& moved) { changed(moved.at); },

@@ -14,19 +14,20 @@ constexpr QRgb kWhite = 0xffffffffU;
 
 constexpr double kGripWidth = 10.0; ///< in widget pixels
 
-/// What a part of the canvas shows in normalised coordinates, with room for what reaches into it.
+/// What a part of the canvas shows in normalised coordinates, widened by how far lines and dots reach into
+/// it.
 Extent ShownExtent(const QRect& place, double ratio, const CanvasScale& scale) {
-    const double room = PathPainter::kReach;
+    const double margin = PathPainter::kReach;
     Extent extent;
-    extent.Add(scale.toNormalized({place.left() / ratio - room, place.top() / ratio - room}));
-    extent.Add(scale.toNormalized({place.right() / ratio + room, place.bottom() / ratio + room}));
+    extent.Add(scale.toNormalized({place.left() / ratio - margin, place.top() / ratio - margin}));
+    extent.Add(scale.toNormalized({place.right() / ratio + margin, place.bottom() / ratio + margin}));
     return extent;
 }
 
 } // namespace
 
 PointLabel::PointLabel(const QPoint& point, int canvasWidth)
-    : start(canvasWidth - point.x() < kRoom ? point - QPoint(kShift, 0) : point),
+    : start(canvasWidth - point.x() < kLabelWidth ? point - QPoint(kShift, 0) : point),
       text(QString::number(point.x()) + QLatin1Char(',') + QString::number(point.y())) {
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "canvas/CanvasScale.h"
-#include "canvas/EditingState.h"
+#include "canvas/PathEditor.h"
 #include "canvas/PathExtents.h"
 #include "raster/PixelBoard.h"
 
@@ -12,7 +12,7 @@
 /// Where the label of a point starts, and what it says: the point's widget pixel.
 struct PointLabel {
     /// A label that would start nearer than this to the right edge starts further left.
-    static constexpr int kRoom = 41;
+    static constexpr int kLabelWidth = 41;
     static constexpr int kShift = 40;
 
     PointLabel(const QPoint& point, int canvasWidth);
@@ -22,7 +22,7 @@ struct PointLabel {
 };
 
 /// Paints what is edited over a part of the height map: paths, rubber band, chosen segment, points, the point
-/// under the cursor with its label, and the ruler's bands. A pixel is painted the same whatever the part.
+/// under the cursor with its label, and the ruler's bands. A pixel is the same whichever part is painted.
 class PathPainter {
   public:
     /// No line, dot or grip reaches further than this from the points it belongs to, in widget pixels.

@@ -2,7 +2,7 @@
 
 #include "canvas/AccessibleCanvas.h"
 #include "canvas/PathPainter.h"
-#include "canvas/RulerOwner.h"
+#include "canvas/qmaskwidget.h"
 
 #include <QBackingStore>
 #include <QMouseEvent>
@@ -19,8 +19,8 @@
 
 namespace {
 
-/// Pixels that are painted at once; a larger place is painted in strips that stay in the processor's cache.
-constexpr int kMostPainted = 1024 * 1024 / 4;
+/// Pixels of one strip: a larger area is painted in strips that stay in the processor's cache.
+constexpr int kMaxPainted = 1024 * 1024 / 4;
 
 /// All device pixels that a rectangle of widget pixels touches.
 QRect DeviceRect(const QRect& rect, double ratio) {
@@ -30,8 +30,8 @@ QRect DeviceRect(const QRect& rect, double ratio) {
             QPoint(static_cast<int>(std::ceil(end.x())) - 1, static_cast<int>(std::ceil(end.y())) - 1)};
 }
 
-/// A region as few rectangles: a single one unless that is much larger. Each rectangle costs a look at all
-/// paths, which takes longer than to paint some pixels more.
+/// A region as few rectangles: a single one unless that is much larger. Each rectangle is checked against all
+/// paths, which takes longer than painting some more pixels.
 QRegion FewRects(const QRegion& region) {
     const auto area = [](const QRect& rect) { return qint64{rect.width()} * rect.height(); };
     qint64 whole = 0;
@@ -41,7 +41,7 @@ QRegion FewRects(const QRegion& region) {
     return area(round) <= 2 * whole ? QRegion(round) : region;
 }
 
-/// Whether a picture of the widget is made for somebody, as by grab(), while the screen stays as it is.
+/// Whether the widget is rendered into a picture, as by grab(), not painted on the screen.
 bool IsGrabbed(const QPainter& painter, const QWidget& widget) {
     QBackingStore* const screen = widget.window()->backingStore();
     return screen == nullptr || painter.paintEngine()->paintDevice() != screen->paintDevice();
@@ -226,7 +226,7 @@ void QMaskWidget::resizeEvent(QResizeEvent* event) {
     FollowGeometry();
 }
 
-/// Scrolled or scaled, another point may be under the cursor: a press must not drag the one that was.
+/// After scrolling or scaling another point may be under the cursor: a press must not drag the previous one.
 void QMaskWidget::FollowGeometry() {
     if (cursorAt && !pressed && !editor.IsHoverByKey() && HasImage()) {
         update(PlaceOfCursor());
@@ -289,7 +289,7 @@ bool QMaskWidget::choosePoint(int delta) {
 void QMaskWidget::closePaths() {
     EditByKey([&] {
         doc->closeAllPaths();
-        return false; // which is not seen
+        return false; // which is not visible
     });
 }
 
@@ -312,19 +312,19 @@ void QMaskWidget::paintEvent(QPaintEvent* event) {
         return;
     }
     QPainter painter(this);
-    const double ratio = painter.deviceTransform().m11(); // nothing but the device's pixel ratio scales here
+    const double ratio = painter.deviceTransform().m11(); // only the device's pixel ratio scales here
     const QRect canvas = DeviceRect(rect(), ratio);
     bandsPainted = RulerShown();
-    painter.scale(1.0 / ratio, 1.0 / ratio); // from here on in device pixels, so that none is resampled
+    painter.scale(1.0 / ratio, 1.0 / ratio); // from here on in device pixels, so that nothing is resampled
     const bool grabbed = IsGrabbed(painter, *this);
     view.Show(image, canvas.size(), DeviceRect(visibleRegion().boundingRect(), ratio).intersected(canvas),
-              grabbed ? std::numeric_limits<double>::max() : HeightMapView::kMostRead);
+              grabbed ? std::numeric_limits<double>::max() : HeightMapView::kMaxRead);
     if (!grabbed)
-        for (const QRect& exposed : event->region()) // what is painted beside it does not reach the screen
+        for (const QRect& exposed : event->region()) // painting outside it does not reach the screen
             coarse -= DeviceRect(exposed, ratio);
     for (const QRect& exposed : FewRects(event->region())) {
         const QRect place = DeviceRect(exposed, ratio).intersected(canvas);
-        const int rows = std::max(1, kMostPainted / std::max(1, place.width()));
+        const int rows = std::max(1, kMaxPainted / std::max(1, place.width()));
         for (int top = place.top(); top <= place.bottom(); top += rows)
             PaintPart(painter, QRect(place.left(), top, place.width(), rows).intersected(place), ratio);
     }
@@ -347,7 +347,7 @@ void QMaskWidget::timerEvent(QTimerEvent* event) {
 }
 
 void QMaskWidget::PaintPart(QPainter& painter, const QRect& place, double ratio) {
-    // The same memory for every part: to have new memory cleared by the system takes longer than to paint.
+    // The memory is reused for every part: clearing new memory takes the system longer than painting.
     strip.resize(std::max(strip.size(), static_cast<std::size_t>(place.width()) * place.height()));
     QImage part(reinterpret_cast<uchar*>(strip.data()), place.width(), place.height(),
                 place.width() * static_cast<int>(sizeof(QRgb)), QImage::Format_RGB32);
@@ -410,8 +410,8 @@ QRect QMaskWidget::PlaceOf(const Extent& extent) const {
         .adjusted(-reach, -reach, reach, reach);
 }
 
-/// Repaints what a change concerns. A parameter is seen by its ruler marks only, and closing a path not at
-/// all.
+/// Repaints what a change concerns. A parameter is visible only in the ruler marks; closing a path changes
+/// nothing visible.
 void QMaskWidget::FollowPaths(const PathsChange& change) {
     extents.Follow(change);
     editor.Follow(change);
@@ -442,7 +442,7 @@ void QMaskWidget::FollowPaths(const PathsChange& change) {
 void QMaskWidget::FollowRulerMarks(const RulerMarksChange& change) {
     extents.Follow(change);
     if (RulerShown() != bandsPainted)
-        update(); // marks that were computed while the ruler was hidden are seen only now
+        update(); // marks computed while the ruler was hidden become visible now
     else if (!change.extent.IsEmpty())
         update(PlaceOf(change.extent));
 }

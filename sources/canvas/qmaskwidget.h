@@ -15,6 +15,19 @@
 #include <optional>
 #include <vector>
 
+/// All that the canvas knows of its window.
+class RulerOwner {
+  public:
+    /// Whether the ruler is shown, and so kept up to date while paths are edited.
+    [[nodiscard]] virtual bool rulerShown() const = 0;
+
+    /// Has the canvas compute its ruler marks for the open track's image.
+    virtual void refreshRuler() = 0;
+
+  protected:
+    ~RulerOwner() = default;
+};
+
 class RulerOwner;
 
 /// The canvas: shows the height map and lets the operator draw, reshape and measure paths with the mouse, and
@@ -25,21 +38,21 @@ class RulerOwner;
 /// (x = pixel / width, y = pixel / height), so that a resize leaves the paths as they are.
 ///
 /// The height map is the label's pixmap, stretched to the canvas: `setPixmap` shows one, `clear` takes it
-/// away. Without a pixmap every mouse event is ignored and nothing is painted; the operations below work all
-/// the same.
+/// away. Without a pixmap every mouse event is ignored and nothing is painted; the operations below work
+/// anyway.
 ///
 /// Loading a track: `resetPaths`, then `loadPaths`, which leaves `finishedCount` at 0 on purpose.
 class QMaskWidget : public QLabel {
     Q_OBJECT
 
   public:
-    /// The parent's parent is asked for the ruler when it is a RulerOwner. It is looked up here and never
-    /// again: the widget may be moved to another parent later. It must outlive the canvas.
+    /// The parent's parent is asked for the ruler when it is a RulerOwner. It is found here, once: the widget
+    /// may be moved to another parent later. It must outlive the canvas.
     explicit QMaskWidget(QWidget* parent = nullptr);
     ~QMaskWidget() override;
 
     /// Edits another document from now on, which is borrowed and outlives the canvas. Until the first call
-    /// the canvas has an empty document of its own.
+    /// the canvas edits its own empty document.
     void setDocument(TrackDocument& other);
     [[nodiscard]] TrackDocument& document() const { return *doc; }
 
@@ -61,18 +74,18 @@ class QMaskWidget : public QLabel {
     /// code; what was read before the failure is then kept.
     int loadPaths(const QString& fileName);
     /// Writes the paths, with the rest of `original`, into the binary track file `target`. A target that
-    /// cannot be written whole is left as it was.
+    /// cannot be written completely is left as it was.
     /// @throws Ve::Exception with status bERROR_TRACK: "Failed to read the original file." or "Failed to read
     /// the target file."
     void SavePath(const QString& original, const QString& target, double widthScale, double xOffset,
                   double yOffset, double xScale, double yScale);
 
-    /// The paths, in creation and file order. The reference is good until the next change.
+    /// The paths, in creation and file order. The reference is valid until the next change.
     [[nodiscard]] const std::vector<TrackPath>& paths() const;
     /// The path and segment (from 0) chosen for parameter edits; they need not exist.
     [[nodiscard]] int currentPath() const;
     [[nodiscard]] int currentSegment() const;
-    /// Choose the highlighted segment, which is repainted. Any number from 0 is taken.
+    /// Choose the highlighted segment, which is repainted. Any number from 0 is accepted.
     void setCurrentPath(int path);
     void setCurrentSegment(int segment);
 
@@ -84,8 +97,8 @@ class QMaskWidget : public QLabel {
     /// Sets a parameter of every point of every path, those without a segment included.
     void setParameterEverywhere(SegmentParameter parameter, int value);
 
-    /// Whether part of the height map is painted coarsely for the moment: a large map at a small scale is
-    /// averaged bit by bit, so that the window stays alive, and what is done is repainted.
+    /// Whether part of the height map is painted coarsely at present: a large map at a small scale is
+    /// averaged in steps, so that the window stays responsive, and each finished part is repainted.
     [[nodiscard]] bool isRefining() const { return refining.isActive(); }
 
     /// Whether the left button is held on the canvas: something is being drawn or dragged.
@@ -116,14 +129,14 @@ class QMaskWidget : public QLabel {
     bool choosePoint(int delta);
     /// Closes every open path.
     void closePaths();
-    /// Ends what the left button, when it is held, has begun: a dragged point goes back. Then no point is
-    /// touched any more.
+    /// Ends what the left button, when it is held, has begun: a dragged point moves back. No point is touched
+    /// afterwards.
     void giveUp();
 
   signals:
-    /// The cursor, the point under it, or what is drawn to it may be another; or the canvas was scrolled.
+    /// The cursor, the point under it, or what is drawn to it may have changed; or the canvas was scrolled.
     void cursorChanged();
-    /// A point was inserted or removed anywhere in a path: a segment's number may be another's now.
+    /// A point was inserted or removed anywhere in a path: a segment's number may now belong to another.
     void segmentsShifted();
 
   protected:
@@ -146,7 +159,7 @@ class QMaskWidget : public QLabel {
     void FollowGeometry();
     /// @return whether there was a segment under the cursor to put a point on
     bool SplitByMouse();
-    /// Makes an edit that was asked for by key, which says whether it changed anything shown.
+    /// Makes an edit requested by key. @param edit returns whether it changed anything visible
     bool EditByKey(const std::function<bool()>& edit);
 
     /// Where a point of a path and the segments that meet in it are painted.
@@ -173,7 +186,7 @@ class QMaskWidget : public QLabel {
     ShapeCache shapes;
     HeightMapView view;
     QRegion coarse;            ///< what of the canvas is painted coarsely, in device pixels
-    QBasicTimer refining;      ///< active while there is such a place
+    QBasicTimer refining;      ///< active while `coarse` is not empty
     std::vector<QRgb> strip;   ///< what a part of the canvas is painted on
     bool bandsPainted = false; ///< whether the last paint showed the ruler
 };

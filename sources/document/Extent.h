@@ -1,13 +1,13 @@
 #pragma once
 
-#include "document/formats/RulerMarks.h"
+#include "document/formats/TrackPath.h"
 
 #include <QPointF>
 
-/// A rectangle in normalised coordinates that grows round points; empty at first.
+/// A rectangle in normalised coordinates that grows to include points; empty at first.
 class Extent {
   public:
-    /// A point that is not a number counts as 0, where it is painted.
+    /// NaN counts as 0, where it is painted.
     void Add(const QPointF& point);
     void Add(const RulerMarks& marks);
 
@@ -15,7 +15,7 @@ class Extent {
     [[nodiscard]] bool Meets(const Extent& other) const {
         return left <= other.right && other.left <= right && top <= other.bottom && other.top <= bottom;
     }
-    /// Whether a line cannot come in: both ends lie beyond one side. What is not a number may come in.
+    /// Whether a line cannot enter: both ends are beyond one side. A line with NaN may enter.
     [[nodiscard]] bool Misses(const QPointF& one, const QPointF& other) const {
         return (one.x() < left && other.x() < left) || (one.x() > right && other.x() > right) ||
                (one.y() < top && other.y() < top) || (one.y() > bottom && other.y() > bottom);

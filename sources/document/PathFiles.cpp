@@ -1,9 +1,9 @@
 #include "document/PathFiles.h"
 
-#include "document/ImageProportions.h"
 #include "document/RulerMarksCache.h"
+#include "document/TrackGeometry.h"
 #include "document/formats/ConvertCSV.h"
-#include "document/formats/TargetFile.h"
+#include "document/formats/Converter.h"
 #include "log/Log.h"
 
 #include <algorithm>
@@ -21,24 +21,24 @@ SaveResult ResultOf(int code) {
     }
 }
 
-/// Reads what a binary track takes over from a text track. Without its last rows the track cannot be opened,
-/// and without its paths' section neither: what was cut must not take the place of what was opened. Nor must
-/// a map whose heights the raw values do not hold.
-bool ReadWhole(ConvertCSV& text, const std::string& original, bool wasOpened, TrackInfo& info,
-               HeightMap& heights, std::int64_t& size) {
+/// Reads what a binary track takes over from a text track. A track without its last rows, or without its
+/// section of paths, cannot be opened: a truncated original must not replace what was opened. Nor must a map
+/// whose heights do not fit into raw values.
+bool ReadAll(ConvertCSV& text, const std::string& original, bool wasOpened, TrackInfo& info,
+             HeightMap& heights, std::int64_t& size) {
     return text.ReadInfo(original, info) == 0 &&
            text.ReadHeightMapToStore(original, info, heights, size) == 0 &&
            (!wasOpened || ConvertCSV::HasPathSection(original));
 }
 
-/// Text tracks are never written as text: the whole track becomes a binary one.
+/// Text tracks are never written as text: the complete track is written as a binary one.
 SaveResult ConvertTextTrack(ConvertCSV& text, const std::string& original, const std::string& target,
                             const std::vector<TrackPath>& paths, const WorldTransform& world,
                             bool wasOpened) {
     TrackInfo info;
     HeightMap heights;
     std::int64_t size = 0;
-    if (!ReadWhole(text, original, wasOpened, info, heights, size))
+    if (!ReadAll(text, original, wasOpened, info, heights, size))
         return SaveResult::OriginalUnreadable;
     return ResultOf(CreateBinaryConverter()->WriteTrack(target, info, heights, size, paths, world.widthScale,
                                                         world.xOffset, world.yOffset, world.xScale,

@@ -2,7 +2,6 @@
 
 #include "document/formats/TrackInfo.h"
 #include "document/formats/TrackPath.h"
-#include "document/formats/WorldTransform.h"
 
 #include <QSize>
 
@@ -18,13 +17,14 @@
 enum class SaveResult { Saved, OriginalUnreadable, TargetUnwritable };
 
 /// Writes `original`, of either encoding, with `paths` in place of its own as the binary track file `target`.
-/// A target that cannot be written whole, or whose original cannot be read whole, is left as it was.
+/// A target that cannot be written completely, or whose original cannot be read completely, is left as it
+/// was.
 /// @param wasOpened whether the paths of `original` were read before: a text track without their section was
-/// cut since, then, and is not whole
-/// @param ticks how many ruler ticks the paths have, where that is known: when their marks hold fewer, some
-/// were left out, and nothing is written
-/// @return OriginalUnreadable also for a text track whose heights a binary one does not hold, and for ticks
-/// left out; the log then says which
+/// truncated since
+/// @param ticks how many ruler ticks the paths have, if known: when their marks hold fewer, some were
+/// omitted, and nothing is written
+/// @return OriginalUnreadable also for a text track whose heights a binary one cannot hold, and for omitted
+/// ticks; the log says which
 [[nodiscard]] SaveResult SaveWithPaths(const std::string& original, const std::string& target,
                                        const std::vector<TrackPath>& paths, const WorldTransform& world,
                                        bool wasOpened, std::optional<std::uint64_t> ticks = {});

@@ -6,7 +6,7 @@
 #include <functional>
 #include <vector>
 
-/// The paths of a track, and how many of them are closed, with the few changes that all editing is made of.
+/// The paths of a track, and how many of them are closed, with the few changes that all editing consists of.
 /// Each change is reported once it is done. Indexes must exist; nothing here decides whether a change makes
 /// sense.
 class PathList {
@@ -24,7 +24,7 @@ class PathList {
     /// Paths below this index are closed; a path at it, the last one, is open.
     [[nodiscard]] int FinishedCount() const { return finishedCount; }
     [[nodiscard]] int Count() const { return static_cast<int>(paths.size()); }
-    /// Whether there is a point at this index; negative numbers are no indexes.
+    /// Whether there is a point at this index; false for a negative index.
     [[nodiscard]] bool HasPoint(PointIndex at) const;
 
     /// Inserts a path before `index`, at most the number of paths.
@@ -46,7 +46,7 @@ class PathList {
     /// Exchanges all paths, and the number of closed ones, for those given.
     void Swap(std::vector<TrackPath>& otherPaths, int& otherFinishedCount);
 
-    /// For those who compute, keep and clear the ruler marks: they change nothing else.
+    /// For computing, caching and clearing ruler marks; callers change nothing else.
     [[nodiscard]] std::vector<TrackPath>& PathsForMarks() { return paths; }
 
   private:

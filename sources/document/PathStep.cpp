@@ -90,7 +90,7 @@ bool MovePointStep::MergeWith(const PathStep& next) {
     return true;
 }
 
-/// Number by number: QPointF's own comparison takes points that are close for equal.
+/// Number by number: QPointF's comparison treats points that are close as equal.
 bool MovePointStep::ChangesNothing() const {
     return from.x() == to.x() && from.y() == to.y();
 }

@@ -5,10 +5,10 @@
 #include <cstddef>
 #include <vector>
 
-/// One change to the paths that can be taken back and made again. It holds only what it changed.
+/// One change to the paths that can be undone and redone. It holds only what it changed.
 ///
 /// Redo makes the change, the first time too; Undo restores paths and the number of closed ones as they were
-/// before, bit for bit but for ruler marks, which are derived. They are called in turns.
+/// before, bit for bit but for ruler marks, which are derived. They are called alternately.
 class PathStep {
   public:
     PathStep() = default;
@@ -19,7 +19,7 @@ class PathStep {
     virtual void Redo(PathList& paths) = 0;
     virtual void Undo(PathList& paths) = 0;
 
-    /// Takes over what `next`, made right after this one and in the same gesture, has changed.
+    /// Takes over the change of `next`, which was made right after this one in the same gesture.
     /// @return false when the two are different steps
     virtual bool MergeWith(const PathStep& /*next*/) { return false; }
 
@@ -82,7 +82,7 @@ class RemovePathStep final : public PathStep {
     int finishedCount = 0; ///< before
 };
 
-/// Every path removed; or, more generally, all paths exchanged for others.
+/// All paths exchanged for others; removing every path is the usual case.
 class ReplaceAllStep final : public PathStep {
   public:
     ReplaceAllStep() = default;
@@ -110,7 +110,7 @@ class MovePointStep final : public PathStep {
     QPointF to;
 };
 
-/// So many open paths closed. A file does not say which paths are.
+/// A number of open paths closed. A file does not store which paths are closed.
 class ClosePathsStep final : public PathStep {
   public:
     explicit ClosePathsStep(int pathCount) : count(pathCount) {}

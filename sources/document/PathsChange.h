@@ -1,10 +1,12 @@
 #pragma once
 
-#include "document/SegmentParameter.h"
+#include "document/formats/TrackPath.h"
 
 #include <QPointF>
 
+#include <cstddef>
 #include <variant>
+#include <vector>
 
 /// The place of a point in a list of paths.
 struct PointIndex {
@@ -51,14 +53,14 @@ struct ParameterSetEverywhere {
     SegmentParameter parameter;
 };
 
-/// The number of closed paths is another.
+/// The number of closed paths has changed.
 struct FinishedCountSet {};
 
 /// All paths were replaced by others.
 struct AllPathsReplaced {};
 
-/// What changed in a list of paths, said after the change. What is kept for single paths, points or segments
-/// follows from this what to forget.
+/// What changed in a list of paths, reported after the change. Caches for single paths, points or segments
+/// use it to discard what is outdated.
 using PathsChange = std::variant<PathInserted, PathRemoved, PointInserted, PointRemoved, PointMoved,
                                  ParameterSet, ParameterSetEverywhere, FinishedCountSet, AllPathsReplaced>;
 
@@ -69,3 +71,16 @@ struct ChangeHandlers : Handlers... {
 };
 template<typename... Handlers>
 ChangeHandlers(Handlers...) -> ChangeHandlers<Handlers...>;
+
+/// Keeps a list with one entry for each path in step with the paths. Paths after the last entry have none
+/// yet.
+template<typename Entry>
+void KeepInStep(std::vector<Entry>& entries, const PathInserted& inserted) {
+    if (static_cast<std::size_t>(inserted.path) < entries.size())
+        entries.insert(entries.begin() + inserted.path, Entry());
+}
+template<typename Entry>
+void KeepInStep(std::vector<Entry>& entries, const PathRemoved& removed) {
+    if (static_cast<std::size_t>(removed.path) < entries.size())
+        entries.erase(entries.begin() + removed.path);
+}

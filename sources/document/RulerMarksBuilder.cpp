@@ -13,7 +13,7 @@ bool IsFinite(const QPointF& point) {
     return std::isfinite(point.x()) && std::isfinite(point.y());
 }
 
-/// One segment in image pixels and the marks that grow along it.
+/// One segment in image pixels and the marks that are added along it.
 class SegmentRuler {
   public:
     SegmentRuler(const QSize& image, const TrackPath& path, std::size_t segment)
@@ -76,8 +76,7 @@ class SegmentRuler {
     QPointF halfTick;
 };
 
-/// Where the ticks of a segment are, in pixels from its start: at whole numbers, so that all of this is
-/// exact.
+/// Where the ticks of a segment are, in pixels from its start: at integers, so that the arithmetic is exact.
 class TickPositions {
   public:
     TickPositions(double offset, int space)
@@ -117,7 +116,7 @@ double RulerMarksBuilder::FirstTick(double offset) {
 }
 
 RulerMarks RulerMarksBuilder::MarksOfSegment(const TrackPath& path, std::size_t segment, double& offset,
-                                             int most) const {
+                                             int maxCount) const {
     RulerMarks marks;
     if (image.isEmpty())
         return marks;
@@ -125,7 +124,7 @@ RulerMarks RulerMarksBuilder::MarksOfSegment(const TrackPath& path, std::size_t 
     const TickPositions positions(offset, path.spaces[segment]);
     std::uint64_t ticks = 0;
     if (ruler.CanHoldTicks()) {
-        const auto limit = static_cast<std::uint64_t>(std::clamp(most, 0, kMostTicks));
+        const auto limit = static_cast<std::uint64_t>(std::clamp(maxCount, 0, kMaxTicks));
         ticks = std::min(positions.CountBefore(ruler.Length()), limit);
         for (std::uint64_t tick = 0; tick < ticks; ++tick)
             ruler.AppendTick(positions[tick], marks);

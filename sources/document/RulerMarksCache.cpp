@@ -4,7 +4,7 @@
 
 namespace {
 
-/// The ticks of the segments from one on up to another.
+/// The ticks of the segments in [first, end).
 std::size_t TicksOf(const TrackPath& path, std::size_t first, std::size_t end) {
     std::size_t ticks = 0;
     for (std::size_t segment = first; segment < end; ++segment)
@@ -13,8 +13,8 @@ std::size_t TicksOf(const TrackPath& path, std::size_t first, std::size_t end) {
 }
 
 int TicksLeft(std::size_t used) {
-    constexpr std::size_t kMost = RulerMarksBuilder::kMostTicksOfAll;
-    return static_cast<int>(kMost - std::min(used, kMost));
+    constexpr std::size_t kMax = RulerMarksBuilder::kMaxTotalTicks;
+    return static_cast<int>(kMax - std::min(used, kMax));
 }
 
 } // namespace
@@ -42,7 +42,7 @@ void RulerMarksCache::SegmentsChanged(PointIndex at) {
         entry->Changed(point > 0 ? point - 1 : 0, point);
 }
 
-/// A point came in or went away. After the last point nothing shifts; elsewhere the path is computed anew.
+/// A point was inserted or removed. After the last point nothing shifts; elsewhere the path is recomputed.
 void RulerMarksCache::PointsShifted(PointIndex at) {
     Entry* const entry = EntryOf(at);
     if (entry != nullptr && static_cast<std::size_t>(at.point) < entry->LastKnownPoint())
@@ -52,14 +52,8 @@ void RulerMarksCache::PointsShifted(PointIndex at) {
 
 void RulerMarksCache::Follow(const PathsChange& change) {
     const ChangeHandlers handlers{
-        [this](const PathInserted& inserted) {
-            if (static_cast<std::size_t>(inserted.path) < entries.size())
-                entries.insert(entries.begin() + inserted.path, Entry());
-        },
-        [this](const PathRemoved& removed) {
-            if (static_cast<std::size_t>(removed.path) < entries.size())
-                entries.erase(entries.begin() + removed.path);
-        },
+        [this](const PathInserted& inserted) { KeepInStep(entries, inserted); },
+        [this](const PathRemoved& removed) { KeepInStep(entries, removed); },
         [this](const PointInserted& inserted) { PointsShifted(inserted.at); },
         [this](const PointRemoved& removed) { PointsShifted(removed.at); },
         [this](const PointMoved& moved) { SegmentsChanged(moved.at); },
@@ -86,7 +80,7 @@ void RulerMarksCache::Update(std::vector<TrackPath>& paths, const QSize& image, 
     const bool all = entries.empty();
     UpdatePaths(paths, touched);
     if (limited && !all) {
-        // What a change needed was missing to others, perhaps before it: from the start, in order.
+        // The changed segments used up ticks that others need, perhaps earlier ones: recompute all in order.
         Forget();
         UpdatePaths(paths, touched);
     }
@@ -107,7 +101,7 @@ void RulerMarksCache::MatchSegmentCount(TrackPath& path, std::size_t index, Entr
     const std::size_t segments = path.points.empty() ? 0 : path.points.size() - 1;
     const std::size_t known = std::min({path.rulerMarks.size(), entry.offsets.size() - 1, segments});
     if (path.rulerMarks.size() > segments)
-        entry.Changed(segments > 0 ? segments - 1 : 0, segments); // the ticks are counted anew
+        entry.Changed(segments > 0 ? segments - 1 : 0, segments); // the ticks are counted again
     for (std::size_t gone = segments; gone < path.rulerMarks.size(); ++gone)
         touched(index, path.rulerMarks[gone]);
     path.rulerMarks.resize(segments);
@@ -129,7 +123,7 @@ void RulerMarksCache::UpdatePath(TrackPath& path, std::size_t index, const Touch
     double offset = entry.offsets[segment];
     std::size_t used = ofOthers + TicksOf(path, 0, segment);
     for (; segment < segments; ++segment) {
-        // From a segment that starts as before on, everything stays as it is.
+        // If this segment starts at the same offset as before, it and all later ones are unchanged.
         if (segment > entry.lastChanged &&
             RulerMarksBuilder::FirstTick(offset) == RulerMarksBuilder::FirstTick(entry.offsets[segment]))
             break;

@@ -9,28 +9,28 @@
 #include <functional>
 #include <vector>
 
-/// Keeps the ruler marks of all paths up to date by computing only the segments that changed and those that
-/// the running offset of a changed one reaches. It has to follow every change to the paths; the result is
-/// that of computing everything.
+/// Keeps the ruler marks of all paths up to date by recomputing only the changed segments and those whose
+/// running offset changes with them. It has to follow every change to the paths; the result equals a complete
+/// computation.
 class RulerMarksCache {
   public:
-    /// Called with marks that go away and with marks that come in their place.
+    /// Called with marks that are removed and with the marks that replace them.
     using Touched = std::function<void(std::size_t path, const RulerMarks& marks)>;
 
-    /// Takes note of a change; marks follow with the next update.
+    /// Records a change; the next update recomputes the marks.
     void Follow(const PathsChange& change);
-    /// The marks are not those of the last update any more.
+    /// The marks were changed by others since the last update.
     void Forget() { entries.clear(); }
 
     /// Brings the marks of all paths up to date for the aspect-corrected image size; with a size that has no
-    /// area, there are no marks. Path by path and segment by segment, those that find
-    /// RulerMarksBuilder::kMostTicksOfAll used up have fewer or none.
+    /// area, there are no marks. Once RulerMarksBuilder::kMaxTotalTicks is used up, later segments and paths
+    /// have fewer ticks or none.
     void Update(std::vector<TrackPath>& paths, const QSize& image, const Touched& touched);
 
   private:
-    /// What is known of one path's marks.
+    /// What is known about one path's marks.
     struct Entry {
-        /// The running offset at the start of each segment whose marks are known, and behind the last one.
+        /// The running offset at the start of each segment whose marks are known, and after the last one.
         std::vector<double> offsets{0.0};
         std::size_t ticks = 0; ///< in all segments together
         std::size_t firstChanged = 0;
@@ -53,5 +53,5 @@ class RulerMarksCache {
     QSize size;
     std::vector<Entry> entries;
     std::size_t ticks = 0; ///< of all entries
-    bool limited = false;  ///< whether the ticks did not suffice, so that any change may shift them
+    bool limited = false;  ///< whether the limit was reached, so that any change may shift ticks
 };

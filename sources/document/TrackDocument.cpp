@@ -2,7 +2,7 @@
 
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
-#include "document/ImageProportions.h"
+#include "document/TrackGeometry.h"
 #include "document/formats/Converter.h"
 
 #include <algorithm>
@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Reported under the name by which saving is known to those who read reports.
+/// The function name under which existing reports show a failed save.
 Ve::Exception SaveFailure(int line, const char* message) {
     return {line, "qmaskwidget", bERROR_TRACK, "QMaskWidget::SavePath", "%s", message};
 }
@@ -82,7 +82,7 @@ void TrackDocument::addPoint(const QPointF& position) {
 
 void TrackDocument::movePoint(PointIndex at, const QPointF& position) {
     const QPointF& present = list.PathOf(at).points[static_cast<std::size_t>(at.point)];
-    // Number by number: QPointF's own comparison takes points that are close for equal.
+    // Number by number: QPointF's comparison treats points that are close as equal.
     if (present.x() != position.x() || present.y() != position.y())
         Push(std::make_unique<MovePointStep>(at, position));
 }
@@ -147,7 +147,7 @@ void TrackDocument::redo() {
 }
 
 void TrackDocument::setSaved() {
-    history.EndGesture(); // the saved state can be come back to
+    history.EndGesture(); // undo can return to the saved state
     savedRevision = history.CurrentRevision();
     emit saved();
     emit modifiedChanged();
@@ -205,7 +205,7 @@ SaveResult TrackDocument::write(const std::string& original, const std::string& 
     return SaveWithPaths(original, target, paths(), world, original == pathsFile, ExpectedTicks());
 }
 
-/// How many ticks there should be, when the marks are those of the paths.
+/// How many ticks the paths have; none when the marks are not up to date.
 std::optional<std::uint64_t> TrackDocument::ExpectedTicks() const {
     if (marksSize.isEmpty())
         return std::nullopt;
@@ -229,7 +229,7 @@ void TrackDocument::Push(std::unique_ptr<PathStep> step) {
     emit modifiedChanged();
 }
 
-/// The marks follow first: whoever follows the signal may have them brought up to date.
+/// The marks cache follows first: a receiver of the signal may update the marks.
 void TrackDocument::Follow(const PathsChange& change) {
     marks.Follow(change);
     marksSize = {};

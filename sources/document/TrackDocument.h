@@ -17,7 +17,7 @@
 #include <string>
 #include <vector>
 
-/// What a track file holds, as far as it is shown and edited.
+/// The part of a track file that is shown and edited.
 struct TrackContent {
     TrackInfo info;
     QImage image; ///< the height map in colour
@@ -28,7 +28,7 @@ struct TrackContent {
 /// Which ruler marks an update has touched.
 struct RulerMarksChange {
     std::vector<std::size_t> paths; ///< in ascending order, possibly twice
-    Extent extent;                  ///< where the marks before and after lie
+    Extent extent;                  ///< the area of the old and new marks
 };
 
 /// Where an open track came from.
@@ -37,12 +37,11 @@ enum class TrackOrigin {
     External   ///< any other file, which is never written
 };
 
-/// The open track: its information, image and paths, where they came from, and the steps of editing, which
-/// can be taken back.
+/// The open track: its information, image and paths, where they came from, and the undo history.
 ///
-/// It is the only owner of all that. Views ask it to change, and follow its signals; each is sent after the
-/// change, from the thread of the window, on which everything here runs. Points are normalised to the canvas
-/// (0..1 across and down).
+/// It is the only owner of these. Views request changes and follow its signals; each signal is sent after the
+/// change, on the window's thread, on which everything here runs. Points are normalised to the canvas (0..1
+/// across and down).
 class TrackDocument final : public QObject {
     Q_OBJECT
 
@@ -52,14 +51,14 @@ class TrackDocument final : public QObject {
     explicit TrackDocument(QObject* parent = nullptr);
     ~TrackDocument() override;
 
-    /// Puts a track in the place of the one before, whose steps are forgotten. No path counts as closed. A
-    /// track that is not complete is shown, but cannot be saved.
+    /// Replaces the open track and clears the undo history. No path counts as closed. A track that is not
+    /// complete is shown, but cannot be saved.
     void open(TrackContent content, std::string file, TrackOrigin origin);
-    /// What is shown stays, but it is not the content of a file any more and cannot be saved.
+    /// The track stays visible, but no longer belongs to a file and cannot be saved.
     void detach();
-    /// Nothing is shown any more, and the steps are forgotten. The paths stay until they are reset.
+    /// Removes the image and clears the undo history. The paths stay until they are reset.
     void close();
-    /// The track is from now on this file of the workspace.
+    /// From now on the track belongs to this file of the workspace.
     void moveToWorkspace(std::string file);
 
     /// Whether there is a track to be shown.
@@ -75,12 +74,12 @@ class TrackDocument final : public QObject {
     /// Pixels of the image at 100 %, which segment parameters and ruler marks are measured in.
     [[nodiscard]] QSize shownSize() const;
 
-    /// The paths, in creation and file order. The reference is good until the next change.
+    /// The paths, in creation and file order. The reference is valid until the next change.
     [[nodiscard]] const std::vector<TrackPath>& paths() const { return list.Paths(); }
     /// Paths below this index are closed; a path at it, the last one, is open.
     [[nodiscard]] int finishedCount() const { return list.FinishedCount(); }
     [[nodiscard]] bool hasPoint(PointIndex at) const { return list.HasPoint(at); }
-    /// Whether path `path` has a segment `segment`; a negative segment is not noticed.
+    /// Whether path `path` has a segment `segment`; a negative segment is not checked for.
     [[nodiscard]] bool segmentExists(int path, int segment) const;
     /// A parameter of the segment that an existing point starts.
     [[nodiscard]] int parameter(PointIndex at, SegmentParameter parameter) const;
@@ -110,24 +109,24 @@ class TrackDocument final : public QObject {
     bool setParameter(PointIndex at, SegmentParameter parameter, int value);
     /// Sets a parameter of every point of every path, those without a segment included.
     void setParameterEverywhere(SegmentParameter parameter, int value);
-    /// What follows is a gesture of its own: a button went down, or another field or segment was chosen.
+    /// Starts a new gesture: a button went down, or another field or segment was chosen.
     void endGesture() { history.EndGesture(); }
 
     [[nodiscard]] bool canUndo() const { return history.CanUndo(); }
     [[nodiscard]] bool canRedo() const { return history.CanRedo(); }
-    /// How many steps are kept that were not taken back.
+    /// How many steps can be undone.
     [[nodiscard]] int undoDepth() const { return history.Depth(); }
     void undo();
     void redo();
 
     /// Whether a file would hold other paths than it did when they were read or last saved.
     [[nodiscard]] bool isModified() const { return revision() != savedRevision; }
-    /// The paths as they are now are those of the open track's file.
+    /// Marks the present paths as those of the open track's file.
     void setSaved();
-    /// Names the present paths: they are those that had the same name before.
+    /// Identifies the present paths: equal revisions mean equal paths.
     [[nodiscard]] Revision revision() const { return history.CurrentRevision(); }
 
-    // Without a step: what is undone later ends here.
+    // Not undoable: undo cannot go back beyond these.
 
     /// Removes every path and counts none as closed.
     void resetPaths();
@@ -135,8 +134,8 @@ class TrackDocument final : public QObject {
     /// @return 0, or the converter's failure code; what was read before the failure is then kept
     int loadPaths(const std::string& file);
 
-    /// Brings the ruler marks of every path up to date for an aspect-corrected image size. The result is that
-    /// of computing them all.
+    /// Brings the ruler marks of every path up to date for an aspect-corrected image size. The result equals
+    /// a complete computation.
     void computeRulerMarks(const QSize& image);
     /// Empties the marks of every path.
     void clearRulerMarks();
@@ -144,8 +143,8 @@ class TrackDocument final : public QObject {
     /// What ties normalised points to world units in a file.
     [[nodiscard]] WorldTransform worldTransform() const;
     /// Writes the paths with their ruler marks, and the rest of `original`, into the binary track file
-    /// `target`. A target that cannot be written whole is left as it was. Marks that are up to date but were
-    /// limited in number are a failure: they would be lost in the file.
+    /// `target`. A target that cannot be written completely is left as it was. Marks that are up to date but
+    /// were limited in number are a failure: they would be lost in the file.
     [[nodiscard]] SaveResult write(const std::string& original, const std::string& target,
                                    const WorldTransform& world) const;
     /// The same. @throws Ve::Exception with status bERROR_TRACK: "Failed to read the original file." or
@@ -157,13 +156,13 @@ class TrackDocument final : public QObject {
     void pathsChanged(const PathsChange& change);
     /// Ruler marks have changed, for those of the paths that `change` names.
     void rulerMarksChanged(const RulerMarksChange& change);
-    /// A track was opened or closed: image and information are others.
+    /// A track was opened or closed: image and information have changed.
     void imageChanged();
-    /// A step was taken back or made again.
+    /// A step was undone or redone.
     void restored();
-    /// The paths were saved: the open track's file may be another, of the same map.
+    /// The paths were saved: the track may now belong to another file with the same map.
     void saved();
-    /// `isModified` may give another answer than before.
+    /// ``isModified` may have changed.
     void modifiedChanged();
 
   private:

@@ -19,7 +19,7 @@ class UndoHistory::Command final : public QUndoCommand {
         step->Undo(paths);
         bytes = sizeof *this + step->Bytes();
     }
-    /// All steps have the same number, so that the stack asks each whether it can be merged.
+    /// All steps have the same id, so that QUndoStack tries to merge each of them.
     [[nodiscard]] int id() const override { return 0; }
 
     bool mergeWith(const QUndoCommand* command) override {
@@ -35,8 +35,8 @@ class UndoHistory::Command final : public QUndoCommand {
     [[nodiscard]] Revision After() const { return after; }
     [[nodiscard]] std::size_t Bytes() const { return IsForgotten() ? 0 : bytes; }
 
-    /// Lets go of the step's memory; it cannot be taken back any more. The stack hands out its commands as
-    /// constants, which is why this is one.
+    /// Frees the step's memory; it can no longer be undone. Const because QUndoStack returns its commands as
+    /// const.
     void Forget() const { step.reset(); }
     [[nodiscard]] bool IsForgotten() const { return step == nullptr; }
 
@@ -46,7 +46,7 @@ class UndoHistory::Command final : public QUndoCommand {
     std::uint64_t gesture;
     Revision before;
     Revision after;
-    std::size_t bytes = 0; ///< kept, as they are asked for with every step
+    std::size_t bytes = 0; ///< cached: they are needed at every step
 };
 
 UndoHistory::UndoHistory(PathList& paths, int maxSteps, std::size_t maxBytes)
@@ -65,7 +65,7 @@ void UndoHistory::Push(std::unique_ptr<PathStep> step) {
     ForgetOldest();
 }
 
-/// The stack drops steps by their number alone. Those that take too much memory stay on it without content.
+/// QUndoStack limits only the number of steps. Those that exceed the memory limit stay on it without content.
 void UndoHistory::ForgetOldest() {
     std::size_t bytes = Bytes();
     for (int index = 0; bytes > maxBytes && index < stack.count(); ++index) {

@@ -8,22 +8,21 @@
 #include <cstdint>
 #include <memory>
 
-/// The steps that were made on a list of paths, to be taken back and made again; bounded in number and in
-/// memory, the oldest steps go first.
+/// The undo history of a list of paths. Bounded in number and in memory; the oldest steps are dropped first.
 class UndoHistory {
   public:
     static constexpr int kMaxSteps = 1000;
     static constexpr std::size_t kMaxBytes = std::size_t{256} * 1024 * 1024;
 
-    /// Names one state of the content that a track file stores. States of one history that have the same name
-    /// are equal; a name is never given again.
+    /// Identifies one state of the content that a track file stores. Within one history equal revisions mean
+    /// equal content; a revision is never reused.
     using Revision = std::uint64_t;
 
     /// @param paths borrowed; it outlives the history
     explicit UndoHistory(PathList& paths, int maxSteps = kMaxSteps, std::size_t maxBytes = kMaxBytes);
 
     /// Makes the step. It becomes one with the step before it when both belong to the same gesture and are of
-    /// the same kind; a gesture that in the end changed nothing leaves no step.
+    /// the same kind; a gesture that changed nothing in the end leaves no step.
     void Push(std::unique_ptr<PathStep> step);
 
     /// Steps from here on belong to another gesture than those before.
@@ -31,7 +30,7 @@ class UndoHistory {
 
     [[nodiscard]] bool CanUndo() const;
     [[nodiscard]] bool CanRedo() const { return stack.canRedo(); }
-    /// Both do nothing when they cannot.
+    /// Both do nothing when there is no such step.
     void Undo();
     void Redo();
 
@@ -40,9 +39,9 @@ class UndoHistory {
 
     [[nodiscard]] Revision CurrentRevision() const;
 
-    /// Steps kept, those taken back included.
+    /// Steps kept, undone ones included.
     [[nodiscard]] int StepCount() const { return stack.count(); }
-    /// Steps kept that are not taken back.
+    /// Steps kept that are not undone.
     [[nodiscard]] int Depth() const { return stack.index(); }
     /// Memory that the steps hold.
     [[nodiscard]] std::size_t Bytes() const;

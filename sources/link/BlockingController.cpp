@@ -12,7 +12,7 @@ Ve::Exception Unforeseen(const char* reason) {
             reason};
 }
 
-/// Runs the work and tells how it ended. Whatever it throws becomes a result: the window waits for one, and
+/// Runs the work and returns how it ended. Whatever it throws becomes a result: the window waits for one, and
 /// stays disabled until it comes.
 template<typename Work>
 Ve::Exception Outcome(Work work) {
@@ -49,4 +49,18 @@ void BlockingController::RestoreAndKeepReplayMode(const std::string& backupFileN
     const bool after = client->GetReplayMode();
     if (after != before)
         client->SetReplayMode(before);
+}
+
+WorkerThread::WorkerThread(OstraSdkClient& client) : worker(new BlockingController(&client, nullptr)) {
+    worker->moveToThread(&thread);
+    QObject::connect(&thread, &QThread::finished, worker, &QObject::deleteLater);
+}
+
+WorkerThread::~WorkerThread() {
+    finish();
+}
+
+void WorkerThread::finish() {
+    thread.quit();
+    thread.wait();
 }

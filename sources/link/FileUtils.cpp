@@ -9,7 +9,7 @@
 
 namespace {
 
-/// The operator's next save will not have them.
+/// Logged because the operator's next save will not have them.
 void LogLeftOut(const std::string& archive, const LeftOut& leftOut) {
     if (leftOut.count == 0)
         return;
@@ -22,7 +22,7 @@ void LogLeftOut(const std::string& archive, const LeftOut& leftOut) {
                    << names << ')';
 }
 
-/// The same failure under the name of the operation that the operator knows; the log gets its reason.
+/// The same failure under the name of the operation that the operator knows; its reason is logged.
 Ve::Exception Reported(int line, const char* function, const Ve::Exception& failure) {
     if (!failure.Reason().empty()) {
         LOG_LINE(INFO) << failure.what() << " - " << failure.Reason();

@@ -3,7 +3,7 @@
 #include "basalt/AtomicFile.h"
 #include "basalt/Exception.h"
 #include "basalt/InputFile.h"
-#include "basalt/LargePages.h"
+#include "basalt/SystemCalls.h"
 #include "basalt/bFile.h"
 #include "basalt/bStatus.h"
 #include "log/Log.h"
@@ -44,7 +44,7 @@ void RequireConnection(int line, const char* function, const OstraSdkClient& cli
                             "The client hasn't connected to any Ostra Server.");
 }
 
-/// The answer to the backup request; bytes are not copied.
+/// The reply to the backup request; bytes are not copied.
 OstraSdk::VeJson FetchArchive(OstraSdk::VeRestClient& client, std::int64_t timeout) {
     const OstraSdk::VeJson body = OstraSdk::VeJson::ParseString(kAllWorkspaces);
     OstraSdk::VeTransaction transaction = client.Call("/system/commands/archive", body, OstraSdk::VeJson());
@@ -59,28 +59,28 @@ void SendArchive(OstraSdk::VeRestClient& client, std::vector<std::uint8_t>&& arc
     client.Call("/system/commands/restore", body, OstraSdk::VeJson()).CheckResponse(timeout);
 }
 
-/// A failure, with its reason in the log and in itself: the message is the one that operators know.
+/// A failure whose reason is logged and attached: the message is the one that operators know.
 Ve::Exception Explained(const Ve::Exception& failure, const std::string& reason) {
     LOG_LINE(INFO) << failure.what() << " - " << reason;
     return failure.Because(reason);
 }
 
-/// The failure of a request, in whose handler this is called.
+/// The failure of a request; to be called in its catch handler.
 Ve::Exception RequestFailure(int line, const char* function, const char* message) {
     std::string reason = "unknown error";
     try {
         throw;
     } catch (const std::exception& failure) {
         reason = failure.what();
-    } catch (...) { // NOLINT(bugprone-empty-catch): all that is known of it is said already
+    } catch (...) { // NOLINT(bugprone-empty-catch): everything known about it is logged already
     }
     return Explained(Ve::Exception(line, __FILE__, bERROR_REQUEST, function, "%s", message), reason);
 }
 
-/// Reads a file of this size. @return why that is not possible; empty when it was
-std::string ReadWhole(InputFile& file, std::int64_t size, std::vector<std::uint8_t>& buffer) {
-    // A vector cannot grow without being cleared: done for all at once, the bytes would leave the processor's
-    // cache before they are read.
+/// Reads a file of this size. @return why that failed; empty on success
+std::string ReadAll(InputFile& file, std::int64_t size, std::vector<std::uint8_t>& buffer) {
+    // A vector zeroes the bytes it grows by: if it grew in one step, they would leave the processor's cache
+    // before they are read into.
     constexpr std::int64_t kStep = std::int64_t{256} * 1024;
     if (size > kMaxArchive)
         return "it has " + std::to_string(size) + " bytes, and a request carries no more than 4 GiB";
@@ -225,7 +225,7 @@ void OstraSdkClient::ReadFileBuffer(const std::string& fileName, std::vector<std
         throw Ve::Exception(__LINE__, __FILE__, bERROR_FILE, kFunction, "%s is empty.", fileName.c_str());
     try {
         if (reason.empty())
-            reason = ReadWhole(file, facts.size, buffer);
+            reason = ReadAll(file, facts.size, buffer);
     } catch (const std::bad_alloc&) {
         reason = "there is not enough memory for its " + std::to_string(facts.size) + " bytes";
     }

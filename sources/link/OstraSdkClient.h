@@ -1,11 +1,15 @@
 #pragma once
 
-#include "link/OstraServerInfo.h"
-
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
+
+/// A sensor server that discovery found.
+struct OstraServerInfo {
+    std::string address;          ///< dotted IPv4, as bIpAddress_Format writes it
+    unsigned int controlPort = 0; ///< TCP port of its requests, as its answer gives it
+};
 
 namespace OstraSdk {
 class VeSystem;
@@ -26,15 +30,15 @@ class OstraSdkClient {
   public:
     /// Bound to 127.0.0.1, port 3600, and not connected.
     OstraSdkClient();
-    /// The same with other time-outs than the usual ones.
+    /// The same with time-outs other than the default ones.
     explicit OstraSdkClient(const OstraTimeouts& timeouts);
     OstraSdkClient(const OstraSdkClient&) = delete;
     OstraSdkClient& operator=(const OstraSdkClient&) = delete;
-    /// Does not disconnect: there is nothing on the server to be undone.
+    /// Does not disconnect: nothing needs to be undone on the server.
     ~OstraSdkClient();
 
     /// Replaces the content of `list` by the servers that answer, in the order in which they were found.
-    /// Takes a quarter of a second up to one second; none found is no error.
+    /// Takes from a quarter of a second to one second; finding none is not an error.
     static void DiscoverOstraServers(std::vector<OstraServerInfo>& list);
 
     /// Disconnects when connected, then connects to the server at a dotted IPv4 address. After a failure the
@@ -48,7 +52,7 @@ class OstraSdkClient {
     /// by the next request, not here.
     [[nodiscard]] bool IsConnected() const;
 
-    /// Writes the server's whole workspace archive to a file: whole, or not at all. Up to 180 s.
+    /// Writes the server's complete workspace archive to a file, atomically. Up to 180 s.
     void Backup(const std::string& backupFileName);
 
     /// Has the server restore its workspace from an archive file. Up to 180 s.
@@ -64,7 +68,7 @@ class OstraSdkClient {
     static void ReadFileBuffer(const std::string& fileName, std::vector<std::uint8_t>& buffer);
 
   private:
-    /// Never empty; replaced whole by each Connect.
+    /// Never null; replaced by each Connect.
     std::shared_ptr<OstraSdk::VeSystem> system;
     OstraTimeouts timeouts;
 };

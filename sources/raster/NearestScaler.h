@@ -9,7 +9,7 @@
 class NearestScaler {
   public:
     /// @param source in Format_RGB32; it is shared, not copied
-    /// @param target the size that the whole is scaled to, at least 1 x 1
+    /// @param target the size that the complete image is scaled to, at least 1 x 1
     NearestScaler(const QImage& source, const QSize& target) : source(source), target(target) {}
 
     /// Writes the part of the scaled image that `part` cuts out, which must lie inside the target.

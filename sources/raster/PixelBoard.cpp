@@ -102,7 +102,7 @@ void PixelBoard::DrawClipped(const ShapeCache::Line& shape, const QPoint& start,
     }
 }
 
-/// Fills what of a row lies in the part.
+/// Fills the part of a row that is inside the image.
 void PixelBoard::FillRow(int row, int first, int count, QRgb colour) {
     if (row < rows.first || row > rows.last)
         return;

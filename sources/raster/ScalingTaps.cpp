@@ -6,7 +6,7 @@ namespace ScalingTaps {
 
 namespace {
 
-/// Positions have 16 bits behind the point.
+/// Positions have 16 fractional bits.
 std::int64_t Step(int source, int target) {
     return (std::int64_t{source} << 16) / target;
 }
@@ -28,7 +28,8 @@ Averaging AveragingTap(int source, int target, int pixel, const Covered& covered
     Averaging tap;
     tap.first = static_cast<int>(position >> 16);
     tap.firstWeight = static_cast<unsigned>((part * covered.weight) >> 16);
-    const unsigned left = kWhole - tap.firstWeight - static_cast<unsigned>(covered.count) * covered.weight;
+    const unsigned left =
+        kFullWeight - tap.firstWeight - static_cast<unsigned>(covered.count) * covered.weight;
     tap.secondLastWeight = std::min(left, covered.weight);
     tap.secondLast = tap.secondLastWeight > 0 ? covered.count + 1 : 0;
     tap.lastWeight = left - tap.secondLastWeight;
@@ -40,8 +41,9 @@ Averaging AveragingTap(int source, int target, int pixel, const Covered& covered
 
 Covered CoveredByAll(int source, int target) {
     const auto weight = static_cast<unsigned>(((std::int64_t{target} << 14) + source - 1) / source);
-    // The first pixel takes no more than one covered wholly, and something, however little, is left behind.
-    const unsigned count = weight < kWhole ? (kWhole - weight - 1) / weight : 0;
+    // The first pixel weighs no more than a fully covered one, and at least a little weight is left for the
+    // last.
+    const unsigned count = weight < kFullWeight ? (kFullWeight - weight - 1) / weight : 0;
     return {static_cast<int>(count), weight};
 }
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-/// Where the pixels of a scaled image come from along one axis, in the toolkit's own fixed-point arithmetic.
+/// Where the pixels of a scaled image come from along one axis, in Qt's fixed-point arithmetic.
 namespace ScalingTaps {
 
 /// An axis that does not shrink is blended, one that shrinks is averaged.
@@ -14,7 +14,7 @@ namespace ScalingTaps {
 /// Weights of a blending tap add up to this.
 constexpr unsigned kBlend = 256;
 /// Weights of an averaging tap add up to this.
-constexpr unsigned kWhole = 1U << 14U;
+constexpr unsigned kFullWeight = 1U << 14U;
 
 /// One target pixel of a blended axis: the two nearest source pixels.
 struct Blending {
@@ -23,9 +23,9 @@ struct Blending {
     unsigned weight = 0; ///< of the second
 };
 
-/// One target pixel of an averaged axis: a first source pixel, some wholly covered ones behind it, as many
-/// for every tap of the axis, and up to two more behind those. Of the last two, one without a weight is not
-/// the pixel behind but the first again, so that it may be looked at all the same.
+/// One target pixel of an averaged axis: a first source pixel, then fully covered ones, as many for every tap
+/// of the axis, then up to two more. If one of the last two has no weight it refers to the first pixel, so
+/// reads stay in bounds.
 struct Averaging {
     int first = 0;
     unsigned firstWeight = 0;
@@ -35,9 +35,9 @@ struct Averaging {
     unsigned lastWeight = 0;
 };
 
-/// What is the same for all taps of an averaged axis.
+/// What all taps of an averaged axis have in common.
 struct Covered {
-    int count = 0; ///< source pixels wholly covered, behind the first
+    int count = 0; ///< fully covered source pixels after the first
     unsigned weight = 0;
 };
 

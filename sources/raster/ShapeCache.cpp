@@ -6,8 +6,8 @@
 
 namespace {
 
-/// Where a line is worked out: with coordinates of the usual size, as the last bit of its borders depends on
-/// that.
+/// The start of a line whose shape is computed: of the usual magnitude, since the last bit of the borders
+/// depends on it.
 const QPoint kStart(256, 256);
 
 } // namespace

@@ -7,8 +7,8 @@
 #include <cstdlib>
 #include <vector>
 
-/// The pixels of short lines and of dots, both round whole pixels. Paths of many points have little else, and
-/// the same few shapes everywhere: each is worked out when it is first asked for and kept.
+/// The pixels of short lines and of dots, both at integer positions. Paths of many points consist of the same
+/// few shapes: each is computed at its first use and kept.
 class ShapeCache {
   public:
     /// Lines whose end is at most this far from their start, across and down, have a shape here.
@@ -28,7 +28,7 @@ class ShapeCache {
         };
 
         std::int8_t firstRow = 0;
-        std::int16_t rows = 0; ///< 0 while the shape is not known: no line is without pixels
+        std::int16_t rows = 0; ///< 0 while the shape is not known: every line has pixels
         std::array<Run, kMaxRows> runs;
     };
 

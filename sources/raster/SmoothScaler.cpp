@@ -16,7 +16,7 @@ using ScalingTaps::Blending;
 using ScalingTaps::Covered;
 using ScalingTaps::kBlend;
 
-/// Channels side by side in lanes of 16 bits, so that one operation serves four.
+/// Channels in lanes of 16 bits, so that one operation processes four.
 using Lanes = std::uint64_t;
 constexpr Lanes kLowBytes = 0x00ff00ff00ff00ffULL;
 
@@ -33,7 +33,7 @@ Lanes Blend(Lanes one, Lanes other, unsigned weight) {
     return ((one * (kBlend - weight) + other * weight) >> 8) & kLowBytes;
 }
 
-/// What averaging adds up, in lanes of 32 bits: blue and red share a number, green has one of its own.
+/// The sums of averaging in lanes of 32 bits: blue and red share a number, green has another.
 struct Sum {
     std::uint64_t blueAndRed = 0;
     std::uint64_t green = 0;
@@ -68,9 +68,9 @@ Sum Blend(const Sum& one, const Sum& other, unsigned weight) {
 }
 
 /// Pixels that can be added up before a lane of 16 bits is full.
-constexpr int kMostInLanes = 256;
+constexpr int kMaxInLanes = 256;
 
-/// The channels of up to kMostInLanes pixels, added up two pixels at a time.
+/// The channels of up to kMaxInLanes pixels, added up two pixels at a time.
 Sum SumOfFew(const QRgb* pixels, int count) {
     Lanes blueAndRed = 0;
     Lanes green = 0;
@@ -90,19 +90,19 @@ Sum SumOfFew(const QRgb* pixels, int count) {
 
 Sum SumOfMany(const QRgb* pixels, int count) {
     Sum sum;
-    for (; count > 0; count -= kMostInLanes, pixels += kMostInLanes)
-        sum.Add(SumOfFew(pixels, std::min(count, kMostInLanes)), 1);
+    for (; count > 0; count -= kMaxInLanes, pixels += kMaxInLanes)
+        sum.Add(SumOfFew(pixels, std::min(count, kMaxInLanes)), 1);
     return sum;
 }
 
-/// The weighted sum of the pixels that a tap covers; the weights add up to kWhole. Nothing in it depends on
-/// where the tap stands, so that the processor foresees every jump.
+/// The weighted sum of the pixels that a tap covers; the weights add up to kFullWeight. Branches depend
+/// only on the axis, not on the tap, so nothing mispredicts.
 Sum Average(const QRgb* line, const Averaging& tap, const Covered& covered) {
     const QRgb* const first = line + tap.first;
     Sum sum;
     sum.Add(Sum::Of(*first), tap.firstWeight);
-    sum.Add(covered.count <= kMostInLanes ? SumOfFew(first + 1, covered.count)
-                                          : SumOfMany(first + 1, covered.count),
+    sum.Add(covered.count <= kMaxInLanes ? SumOfFew(first + 1, covered.count)
+                                         : SumOfMany(first + 1, covered.count),
             covered.weight);
     sum.Add(Sum::Of(first[tap.secondLast]), tap.secondLastWeight);
     sum.Add(Sum::Of(first[tap.last]), tap.lastWeight);
@@ -222,7 +222,7 @@ class PartRenderer {
         }
     }
 
-    /// Rows are averaged across one after the other, as they lie in memory, and added up.
+    /// Rows are averaged horizontally one after the other, in memory order, and added up.
     void AverageBoth(const Averaging& tap, QRgb* out) {
         std::fill(total.begin(), total.end(), Sum{});
         ForEachCovered(tap, coveredDown, [&](int row, unsigned weight) {

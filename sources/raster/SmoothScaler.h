@@ -5,12 +5,12 @@
 #include <QSize>
 
 /// Scales any part of an image smoothly, without the rest: along an axis that grows it blends the two nearest
-/// pixels, along one that shrinks it averages all that a pixel covers. Every pixel is that of the toolkit's
-/// own smooth scaling of the whole image, so that parts fit together whatever their order and size.
+/// pixels, along one that shrinks it averages all that a pixel covers. Every pixel equals that of Qt's own
+/// smooth scaling of the complete image, so that parts fit together whatever their order and size.
 class SmoothScaler {
   public:
     /// @param source in Format_RGB32; it is shared, not copied
-    /// @param target the size that the whole is scaled to, at least 1 x 1
+    /// @param target the size that the complete image is scaled to, at least 1 x 1
     SmoothScaler(const QImage& source, const QSize& target);
 
     /// Writes the part of the scaled image that `part` cuts out, which must lie inside the target. A large

@@ -65,7 +65,7 @@ StrokedLine::StrokedLine(const QPointF& from, const QPointF& to, double width) {
         CoverSlanted(stroke);
 }
 
-/// As an upright line through its middle, as long as it was wide.
+/// As a vertical line through its middle, as long as the line was wide.
 void StrokedLine::CoverLevel(const Stroke& stroke) {
     const double middle = (stroke.from.x() + stroke.to.x()) * 0.5;
     const double half = stroke.relativeWidth * (std::abs(stroke.to.x() - stroke.from.x()) * 0.5);

@@ -1,5 +1,8 @@
 #include "start/StartOptions.h"
 
+#include <QDir>
+#include <QTemporaryFile>
+
 #include <array>
 #include <string_view>
 
@@ -18,6 +21,12 @@ constexpr std::array kOptions{
     Option{"--version", StartMode::Version},
     Option{"--display", StartMode::Display},
 };
+
+/// Only writing detects a full disk or a read-only file system.
+bool CanWriteInto(const QDir& folder) {
+    QTemporaryFile file(folder.filePath(QStringLiteral(".corvane-XXXXXX")));
+    return file.open() && file.write("x") == 1 && file.flush();
+}
 
 } // namespace
 
@@ -47,4 +56,16 @@ QString UsageText() {
 
 QString VersionText() {
     return QStringLiteral("corvane " CORVANE_VERSION "\n");
+}
+
+QString EnterOwnFolder() {
+    const QDir folder(QDir::home().filePath(QStringLiteral("Corvane")));
+    const QString name = QDir::toNativeSeparators(folder.path());
+    if (!folder.mkpath(QStringLiteral(".")))
+        return QStringLiteral("The folder %1 cannot be made.").arg(name);
+    if (!CanWriteInto(folder))
+        return QStringLiteral("The folder %1 cannot be written to.").arg(name);
+    if (!QDir::setCurrent(folder.path()))
+        return QStringLiteral("The folder %1 cannot be entered.").arg(name);
+    return {};
 }

@@ -5,15 +5,14 @@
 /// What the command line asks the program to do.
 enum class StartMode {
     Window,        ///< work in the current folder
-    DesktopWindow, ///< work in the user's own folder; no terminal shows what goes wrong
+    DesktopWindow, ///< work in the user's own folder; no terminal shows errors
     Help,
     Version,
-    Running, ///< say whether a copy of this user runs
-    Display, ///< say where a window would be shown
+    Running, ///< report whether a copy of this user runs
+    Display, ///< report where a window would be shown
 };
 
-/// The first argument that is one of ours decides. Qt takes its own ("-platform", "-style" …) from the
-/// others.
+/// The first of our own arguments decides. Qt takes its own ("-platform", "-style" …) from the others.
 StartMode StartModeOf(int count, const char* const* arguments);
 
 /// How the program is called, for --help.
@@ -21,3 +20,8 @@ QString UsageText();
 
 /// Name and version, for --version.
 QString VersionText();
+
+/// Creates the folder "Corvane" in the user's home folder if it is missing, and makes it the working
+/// directory.
+/// @return why that is not possible, as a sentence for the operator; empty when the folder can be written
+QString EnterOwnFolder();

@@ -14,11 +14,11 @@ class SegmentPanel;
 class CanvasKeys final : public QObject {
   public:
     struct Context {
-        QWidget& window; ///< gets the key that leads to the canvas
+        QWidget& window; ///< gets the key that moves the focus to the canvas
         QScrollArea& area;
         QMaskWidget& canvas;
         SegmentPanel& segments;
-        std::function<bool()> isBusy; ///< whether nothing may be done at the moment
+        std::function<bool()> isBusy; ///< whether editing is blocked at present
     };
 
     /// All are borrowed and outlive the object.

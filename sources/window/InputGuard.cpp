@@ -5,7 +5,7 @@
 
 namespace {
 
-/// Whether a closed list would choose another entry by this key.
+/// Whether this key would choose another entry of a closed list.
 bool Chooses(const QKeyEvent& key) {
     switch (key.key()) {
     case Qt::Key_Up:

@@ -5,8 +5,8 @@
 class QComboBox;
 class QWidget;
 
-/// Keeps a stray turn of the wheel, or a key that was meant for something else, from choosing anything: what
-/// a list chooses takes effect at once.
+/// Keeps an accidental turn of the wheel, or a key meant for something else, from choosing an entry: a list's
+/// choice takes effect immediately.
 class InputGuard final : public QObject {
   public:
     using QObject::QObject;

@@ -13,7 +13,7 @@ struct KeyAction {
     const char* name; ///< the object's name
     QString text;
     QStringList keys;          ///< as QKeySequence reads them
-    std::function<void()> act; ///< done at every press, and again while the key is held
+    std::function<void()> act; ///< called at every press, and repeatedly while the key is held
 };
 
 /// Adds an action for a whole window, or for a widget while it has the focus; the widget owns it.

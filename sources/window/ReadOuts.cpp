@@ -16,9 +16,9 @@
 
 namespace {
 
-constexpr std::chrono::milliseconds kPreparedAtOnce{4}; ///< the window stays alive between
+constexpr std::chrono::milliseconds kPreparedAtOnce{4}; ///< the window stays responsive between the slices
 
-/// A number with the digits after its point that tell apart what is a hundredth of `unit` apart.
+/// A number with as many decimals as distinguish steps of a hundredth of `unit`.
 QString NumberText(double value, double unit) {
     constexpr double kMaxDigits = 9;
     constexpr double kTooLong = 1e9;
@@ -28,7 +28,7 @@ QString NumberText(double value, double unit) {
                : QString::number(value, 'g', static_cast<int>(kMaxDigits));
 }
 
-/// The cell that a normalised coordinate from 0 to 1 lies in.
+/// The cell that contains a normalised coordinate from 0 to 1.
 int CellAt(double coordinate, int cells) {
     return std::min(static_cast<int>(coordinate * cells), cells - 1);
 }
@@ -50,7 +50,7 @@ ReadOuts::ReadOuts(QStatusBar& bar, QMaskWidget& shown)
     bar.insertPermanentWidget(0, &position);
     bar.insertPermanentWidget(1, &height);
     bar.insertPermanentWidget(2, &length);
-    bar.setMinimumWidth(1); // a narrow window cuts the read-outs off; it stays as narrow as it may be
+    bar.setMinimumWidth(1); // a narrow window truncates the read-outs; they must not widen it
     AddToFocused(canvas,
                  {"action_copyPosition", MainWindow::tr("Copy Position"), {QStringLiteral("Ctrl+C")}, [this] {
                       copyPosition();
@@ -65,7 +65,7 @@ QLabel& ReadOuts::addLabel(QStatusBar& bar, const char* name, const QString& wid
     auto* const label = new QLabel(&bar);
     label->setObjectName(QString::fromLatin1(name));
     label->setTextFormat(Qt::PlainText);
-    label->ensurePolished(); // its font is the style's from here on
+    label->ensurePolished(); // from here on its font is the style's
     label->setFixedWidth(label->fontMetrics().horizontalAdvance(widestText + QStringLiteral("  ")));
     return *label;
 }
@@ -116,7 +116,7 @@ QString ReadOuts::positionAt(const QPointF& place, const QString& form) const {
 }
 
 QString ReadOuts::heightAt(const QPointF& place) {
-    constexpr int kExactDigits = 15; // a number that was written with them is read and shown as it was
+    constexpr int kExactDigits = 15; // a number written with so many digits is shown as it was written
     const QSize map = document.image().size();
     const CellHeight cell = probe.At(CellAt(place.x(), map.width()), CellAt(place.y(), map.height()));
     switch (cell.kind) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "document/PathLength.h"
+#include "document/TrackGeometry.h"
 #include "document/formats/HeightProbe.h"
 
 #include <QBasicTimer>
@@ -14,9 +14,9 @@ class QMaskWidget;
 class QStatusBar;
 class TrackDocument;
 
-/// Says in the status bar where on the track the cursor is, or the point that a key has chosen; which height
-/// was measured there; and how long what is being drawn or dragged is. All is in world units. Ctrl+C on the
-/// canvas copies the position.
+/// Shows in the status bar the position on the track of the cursor, or of the point that a key has chosen,
+/// the height measured there, and the length of what is being drawn or dragged. All in world units. Ctrl+C on
+/// the canvas copies the position.
 class ReadOuts final : public QObject {
   public:
     /// Adds its labels to the left of those that the bar has. Both are borrowed and outlive the object.
@@ -26,14 +26,14 @@ class ReadOuts final : public QObject {
     void timerEvent(QTimerEvent* event) override;
 
   private:
-    /// Puts the position that is shown on the clipboard; without one nothing.
+    /// Puts the shown position on the clipboard; does nothing without one.
     void copyPosition() const;
     QLabel& addLabel(QStatusBar& bar, const char* name, const QString& widestText);
     void openFile();
     void show();
-    /// The place that is read out, normalised to the canvas; none when nothing of the map is there.
+    /// The place that is read out, normalised to the canvas; none outside the map.
     [[nodiscard]] std::optional<QPointF> place() const;
-    /// x and y in world units put into a form, with the digits that a hundredth of a cell takes.
+    /// x and y in world units inserted into `form`, with the decimals that a hundredth of a cell needs.
     [[nodiscard]] QString positionAt(const QPointF& place, const QString& form) const;
     [[nodiscard]] QString heightAt(const QPointF& place);
     [[nodiscard]] QString lengthsText() const;
@@ -42,8 +42,8 @@ class ReadOuts final : public QObject {
     QMaskWidget& canvas;
     const TrackDocument& document;
     HeightProbe probe;
-    QBasicTimer preparing; ///< while the probe has something to find out
-    QLabel& position;      ///< these are the bar's
+    QBasicTimer preparing; ///< active while the probe prepares
+    QLabel& position;      ///< the labels belong to the bar
     QLabel& height;
     QLabel& length;
 };

@@ -15,8 +15,8 @@ constexpr int kMaxNumber = 10000;
 constexpr int kMinLength = 2;
 constexpr int kFirst = 1;
 
-/// Whole numbers in the C locale, whatever the desktop's: the same text means the same number everywhere.
-QIntValidator* WholeNumbers(int lowest, int highest, QObject* parent) {
+/// Integers in the C locale, whatever the desktop's: the same text means the same number everywhere.
+QIntValidator* Integers(int lowest, int highest, QObject* parent) {
     QLocale plain = QLocale::c();
     plain.setNumberOptions(QLocale::RejectGroupSeparator);
     auto* validator = new QIntValidator(lowest, highest, parent);
@@ -25,6 +25,22 @@ QIntValidator* WholeNumbers(int lowest, int highest, QObject* parent) {
 }
 
 } // namespace
+
+void RulerControl::toggle() {
+    shown = !shown;
+    button.setText(shown ? MainWindow::tr("Hide Ruler") : MainWindow::tr("Show Ruler"));
+    if (shown)
+        refresh();
+    else
+        canvas.clearRulerMarks();
+}
+
+void RulerControl::refresh() {
+    if (!canvas.document().hasImage())
+        return;
+    const QSize size = canvas.document().shownSize();
+    canvas.computeRulerMarks(size.width(), size.height());
+}
 
 SegmentPanel::SegmentPanel(Ui::MainWindow& ui, QMaskWidget& canvas, RulerControl& ruler)
     : ui(ui), canvas(canvas), ruler(ruler) {
@@ -36,9 +52,9 @@ void SegmentPanel::setUp() {
     ui.comboBox_lineType->addItem(MainWindow::tr("Method 1 - Isolated track"));
     ui.comboBox_lineType->hide();
     ui.label_method->hide();
-    ui.lineEdit_lineLength->setValidator(WholeNumbers(kMinLength, kMaxNumber, this));
-    ui.lineEdit_lineWidth->setValidator(WholeNumbers(0, kMaxNumber, this));
-    ui.lineEdit_lineSpace->setValidator(WholeNumbers(0, kMaxNumber, this));
+    ui.lineEdit_lineLength->setValidator(Integers(kMinLength, kMaxNumber, this));
+    ui.lineEdit_lineWidth->setValidator(Integers(0, kMaxNumber, this));
+    ui.lineEdit_lineSpace->setValidator(Integers(0, kMaxNumber, this));
     for (const QLineEdit* const field :
          {ui.lineEdit_lineLength, ui.lineEdit_lineWidth, ui.lineEdit_lineSpace})
         connect(field, &QLineEdit::editingFinished, this, [this] { canvas.document().endGesture(); });
@@ -89,7 +105,7 @@ void SegmentPanel::setBatchMode(bool batch) {
     ui.spinBox_segmentId->setDisabled(batch);
 }
 
-// Setting a spin box to another number re-enters its slot; it is set straight to the last number there is, so
+// Setting a spin box to another number re-enters its slot; it is set directly to the last existing number, so
 // that this happens once, however large the number typed.
 void SegmentPanel::choosePath(int number) {
     if (number > pathCount()) {
@@ -128,12 +144,12 @@ void SegmentPanel::chooseNeighbour(int delta) {
     ui.spinBox_segmentId->setValue(segment + 1);
 }
 
-// What a segment has is shown, not set: in batch mode, writing it back would give every segment the values of
-// this one, and a method that the list does not offer would be lost.
+// The segment's parameters are shown, not set: in batch mode, writing them back would give every segment
+// these values, and a method that the list does not offer would be lost.
 void SegmentPanel::showSegment() {
     const QScopedValueRollback<bool> filling(showing, true);
     const auto value = [this](SegmentParameter parameter) { return canvas.segmentParameter(parameter); };
-    // A file may hold any number, the lowest included; below 1 is none of the list's.
+    // A file may hold any number, even INT_MIN; numbers below 1 are not in the list.
     ui.comboBox_lineType->setCurrentIndex(std::max(value(SegmentParameter::Method), 0) - 1);
     ui.lineEdit_lineLength->setText(QString::number(value(SegmentParameter::Length)));
     ui.lineEdit_lineWidth->setText(QString::number(value(SegmentParameter::Width)));

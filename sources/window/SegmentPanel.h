@@ -1,9 +1,30 @@
 #pragma once
 
 #include "canvas/qmaskwidget.h"
-#include "window/RulerControl.h"
 
 #include <QObject>
+#include <QPushButton>
+
+/// Whether the ruler is shown; a button toggles it.
+class RulerControl {
+  public:
+    /// Both are borrowed and outlive the object.
+    RulerControl(QPushButton& button, QMaskWidget& canvas) : button(button), canvas(canvas) {}
+
+    [[nodiscard]] bool isShown() const { return shown; }
+    void toggle();
+    /// Computes the ruler marks, shown or not; does nothing without a track.
+    void refresh();
+    void refreshIfShown() {
+        if (shown)
+            refresh();
+    }
+
+  private:
+    QPushButton& button;
+    QMaskWidget& canvas;
+    bool shown = true;
+};
 
 namespace Ui {
 class MainWindow;
@@ -26,33 +47,33 @@ class SegmentPanel final : public QObject {
     void deleteLast();
     void deleteAll();
 
-    /// In batch mode a parameter is set for every segment, so there is none to be chosen.
+    /// In batch mode a parameter is set for every segment, so no segment can be chosen.
     void setBatchMode(bool batch);
-    /// A number beyond the last track, or segment, is put back to it.
+    /// A number beyond the last track, or segment, is reset to the last one.
     void choosePath(int number);
     void chooseSegment(int number);
 
     void setMethod(int index) { set(SegmentParameter::Method, index + 1); }
-    /// Sets what the text says and refreshes the ruler; a text that is no number counts as 0.
+    /// Sets the number in the text and refreshes the ruler; text that is not a number counts as 0.
     void setFromText(SegmentParameter parameter, const QString& text);
 
-    /// Chooses the next (1) or previous (-1) segment of all paths; the numbers follow. In batch mode, and
-    /// beyond the last or first one, nothing.
+    /// Chooses the next (1) or previous (-1) segment of all paths; the numbers follow. Does nothing in batch
+    /// mode, and beyond the last or first one.
     void chooseNeighbour(int delta);
 
-    /// After a step back or forth, or when segments were shifted: the numbers are of what exists, and the
-    /// parameters those of the segment.
+    /// To be called after undo or redo, or when segments were shifted: corrects the numbers and shows the
+    /// segment's parameters.
     void followPaths();
 
   private:
     void set(SegmentParameter parameter, int value);
     void showSegment();
     [[nodiscard]] int pathCount() const;
-    /// Points of a path (from 0); none of a path that does not exist.
+    /// Number of points of a path (from 0); 0 for a path that does not exist.
     [[nodiscard]] int pointCount(int path) const;
 
     Ui::MainWindow& ui;
     QMaskWidget& canvas;
     RulerControl& ruler;
-    bool showing = false; ///< the controls are being filled, nobody sets a parameter
+    bool showing = false; ///< the controls are being filled, not used
 };

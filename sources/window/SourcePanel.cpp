@@ -7,7 +7,7 @@
 
 namespace {
 
-/// A title shows the text as it is; Qt replaces "[*]" in it by a mark unless it is doubled.
+/// A title that shows the text literally: Qt replaces "[*]" in a title by a mark unless it is doubled.
 QString TitleText(QString text) {
     return text.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
 }

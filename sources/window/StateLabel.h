@@ -1,11 +1,11 @@
 #pragma once
 
-#include "cinder/LeftOut.h"
+#include "cinder/TarName.h"
 
 #include <QLabel>
 
-/// Says in the status bar what would be lost without further work: an edit that is in no file, or a saved
-/// track that was not sent; and what is missing in the working folders.
+/// Shows in the status bar what would be lost without further action: an edit that is in no file, or a saved
+/// track that was not sent; and what is missing from the working folders.
 class StateLabel final : public QLabel {
     Q_OBJECT
 
@@ -15,10 +15,10 @@ class StateLabel final : public QLabel {
 
     /// @param modified the open track has edits that were not saved
     /// @param unsent the workspace holds a saved track that was not sent
-    /// @param links what the open backup holds beside files and folders; the tool tip names them
+    /// @param links what the open backup holds besides files and folders; the tool tip names them
     void showState(bool modified, bool unsent, const LeftOut& links);
 
-    /// Says why the window does not close, until the next state is shown.
+    /// Shows why the window does not close, until the next state is shown.
     void showCloseRefused();
 
   private:

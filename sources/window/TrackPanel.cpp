@@ -3,7 +3,6 @@
 #include "document/TrackDocument.h"
 #include "ui_mainwindow.h"
 #include "window/ControlNames.h"
-#include "window/RulerControl.h"
 #include "window/SegmentPanel.h"
 #include "window/ViewScale.h"
 #include "window/mainwindow.h"
@@ -21,7 +20,7 @@ constexpr int kDeleteItem = 4;
 constexpr int kMinVisibleLetters = 10; ///< of a list's chosen entry
 constexpr int kMaxListWidth = 600;     ///< of an open list: fits any screen; longer names are elided
 
-/// How wide an open list must be for its items to be legible.
+/// How wide an open list must be to show its items.
 int OpenListWidth(const QComboBox& box) {
     constexpr int kFrame = 40; // the frame and a scroll bar
     int widest = 0;
@@ -42,8 +41,8 @@ TrackPanel::TrackPanel(Ui::MainWindow& ui, QWidget& window, const TrackDocument&
     setUp();
 }
 
-/// However long a file name is, the canvas keeps its space; the tool tip says the whole name. The name is on
-/// white, so it is black whatever the desktop's colours are.
+/// However long a file name is, the canvas keeps its space; the tool tip has the complete name. The name is
+/// on white, so it is black whatever the desktop's colours are.
 void TrackPanel::setUp() {
     QPalette onWhite = ui.label_fileName->palette();
     onWhite.setColor(QPalette::WindowText, Qt::black);
@@ -137,7 +136,7 @@ void TrackPanel::showPaths() {
 
 void TrackPanel::showNoTrack() {
     ui.label_mask->clear();
-    ui.label_mask->adjustSize(); // nothing is left to scroll
+    ui.label_mask->adjustSize(); // nothing remains to be scrolled
 }
 
 void TrackPanel::showNothingToSave() {

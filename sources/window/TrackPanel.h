@@ -27,11 +27,11 @@ class TrackPanel final : public TrackView {
     /// All are borrowed and outlive the panel. @param window the parent of dialogs
     TrackPanel(Ui::MainWindow& ui, QWidget& window, const TrackDocument& document, Neighbours neighbours);
 
-    /// Fits the operations to a chosen entry of the list of files: an external file is never deleted.
+    /// Adapts the operations to the chosen entry of the list of files: an external file is never deleted.
     void followChosenTrack(const QString& text);
     /// Back to the operation that does nothing.
     void returnToNormal();
-    /// The "Error" box; the text is shown as it is.
+    /// The "Error" box; the text is shown literally.
     void showError(const QString& text);
 
     [[nodiscard]] bool isExternalChosen() const override;

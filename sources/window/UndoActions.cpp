@@ -38,7 +38,7 @@ UndoActions::UndoActions(QWidget& window, QMaskWidget& canvas, std::function<boo
             child->installEventFilter(this);
 }
 
-/// A field claims these keys even when it has nothing to take back. They are the actions', which ask the
+/// A field claims these keys even when it has nothing to undo. They belong to the actions, which try the
 /// field first.
 bool UndoActions::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::ShortcutOverride)

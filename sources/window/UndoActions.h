@@ -8,13 +8,12 @@ class QAction;
 class QLineEdit;
 class QMaskWidget;
 
-/// Undo and redo by their keys. A field that has the focus takes back its own typing first; then it is the
-/// document's turn. While something is being drawn or dragged nothing happens.
+/// Undo and redo by their keys. A field that has the focus undoes its own typing first, then the document's
+/// steps. Does nothing while something is being drawn or dragged.
 class UndoActions final : public QObject {
   public:
-    /// Adds the actions to the window, whose fields are all there already.
-    /// @param isBusy says whether nothing may be changed at the moment
-    /// All are borrowed and outlive the object.
+    /// Adds the actions to the window, whose fields must all exist.
+    /// @param isBusy returns whether editing is blocked at present All are borrowed and outlive the object.
     UndoActions(QWidget& window, QMaskWidget& canvas, std::function<bool()> isBusy);
 
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -83,7 +83,7 @@ void ViewNavigation::turnWheel(const QWheelEvent& event, const QPoint& place) {
         return;
     const int delta = event.angleDelta().y();
     if ((delta < 0) != (turned < 0))
-        turned = 0; // the other way round, what is left of a step does not count
+        turned = 0; // in the other direction, the rest of a step does not count
     turned += delta;
     const int steps = turned / kStep;
     turned -= steps * kStep;
@@ -114,7 +114,7 @@ bool ViewNavigation::handleMouse(const QMouseEvent& event) {
     }
     if ((event.buttons() & panButton) != 0)
         context.scale.scrollTo(viewStart + event.globalPos() - panStart);
-    // Another button that went down meanwhile belongs to the drag too: the canvas is not to see its release.
+    // Another button that went down meanwhile belongs to the drag too: the canvas must not see its release.
     if (event.buttons() == Qt::NoButton)
         endPan();
     return true;

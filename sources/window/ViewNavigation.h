@@ -12,8 +12,8 @@ class QScrollArea;
 class QWheelEvent;
 class ViewScale;
 
-/// Moves about on the track: the wheel with Ctrl, and keys, change the scale; the middle button, or the left
-/// one while Space is held, drags the view. While the left button draws or drags, nothing of it happens.
+/// Zooming and panning: the wheel with Ctrl, and keys, change the scale; the middle button, or the left one
+/// while Space is held, drags the view. Inactive while the left button draws or drags.
 class ViewNavigation final : public QObject {
   public:
     struct Context {
@@ -21,7 +21,7 @@ class ViewNavigation final : public QObject {
         QScrollArea& area;
         QMaskWidget& canvas;
         ViewScale& scale;
-        std::function<bool()> isBusy; ///< whether nothing may be done at the moment
+        std::function<bool()> isBusy; ///< whether the view is blocked at present
     };
 
     /// All are borrowed and outlive the object.
@@ -35,7 +35,7 @@ class ViewNavigation final : public QObject {
   private:
     void addZoomKey(const char* name, const QString& text, const QStringList& keys,
                     const std::function<void()>& zoom);
-    /// The place that stays where it is when a key changes the scale: the cursor's, or else the centre.
+    /// The place that stays fixed when a key changes the scale: the cursor's, or else the centre.
     [[nodiscard]] QPoint fixedPlace() const;
     [[nodiscard]] bool mayAct() const;
     void turnWheel(const QWheelEvent& event, const QPoint& place);

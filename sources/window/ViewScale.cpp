@@ -1,8 +1,8 @@
 #include "window/ViewScale.h"
 
 #include "canvas/qmaskwidget.h"
-#include "document/ImageProportions.h"
 #include "document/TrackDocument.h"
+#include "document/TrackGeometry.h"
 
 #include <QScopedValueRollback>
 #include <QScrollBar>
@@ -67,8 +67,8 @@ void ViewScale::setValue(int value, const QPoint& place) {
     slider.setValue(value);
 }
 
-/// The value that fits is applied as it is, also beyond the slider's end; below the slider's start, where the
-/// canvas would have no area, the slider's own value counts.
+/// The fitting value is applied unchanged, even beyond the slider's end; below the slider's start, where the
+/// canvas would have no area, the slider's value is used.
 void ViewScale::fit() {
     const QSize image = document.image().size();
     const double across = static_cast<double>(area.width()) / image.width();

@@ -7,7 +7,7 @@ class QPainter;
 class QTimer;
 
 /// A small frameless busy indicator: a ring of rounded bars, the leading one in full colour and the others
-/// fading behind it. It is a window of its own over its parent, which it can keep disabled while it spins.
+/// fading behind it. It is a separate window over its parent, which it can keep disabled while it spins.
 class WaitingSpinnerWidget final : public QWidget {
     Q_OBJECT
 
@@ -29,15 +29,15 @@ class WaitingSpinnerWidget final : public QWidget {
     [[nodiscard]] bool isSpinning() const { return spinning; }
 
   public slots:
-    /// Shows the spinner and sets it turning from the first bar; one that turns already goes on where it is.
+    /// Shows the spinner and starts it from the first bar; a spinning one continues.
     void start();
     /// Hides the spinner and enables the parent again.
     void stop();
-    /// Moves the leading bar on by one place.
+    /// Advances the leading bar by one place.
     void rotate();
 
   protected:
-    /// Only stop() ends the spinning: a window manager's key does not.
+    /// Only stop() ends the spinning, not a window manager's key.
     void closeEvent(QCloseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 

@@ -2,14 +2,12 @@
 
 #include "basalt/bStatus.h"
 #include "link/BlockingController.h"
-#include "link/WorkerThread.h"
 #include "log/Log.h"
 #include "ui_mainwindow.h"
 #include "window/CanvasKeys.h"
 #include "window/ControlNames.h"
 #include "window/InputGuard.h"
 #include "window/ReadOuts.h"
-#include "window/RulerControl.h"
 #include "window/SegmentPanel.h"
 #include "window/SourcePanel.h"
 #include "window/StateLabel.h"
@@ -84,7 +82,7 @@ void MainWindow::SetUpWorker() {
     spinner = new WaitingSpinnerWidget(Qt::WindowModal, this, true, true);
     spinner->setInnerRadius(kSpinnerSize);
     spinner->setLineLength(kSpinnerSize);
-    spinner->setLineColor(palette().color(QPalette::WindowText)); // seen on a dark desktop too
+    spinner->setLineColor(palette().color(QPalette::WindowText)); // visible on a dark desktop too
     spinner->setAccessibleName(tr("Busy"));
     BlockingController* const controller = &worker->controller();
     connect(sourcePanel.get(), &SourcePanel::restoreRequested, this, &MainWindow::SignalRestore);
@@ -102,7 +100,7 @@ void MainWindow::SetUpWorker() {
     worker->start();
 }
 
-/// What stands beside the controls: keys, guards, and the state in the status bar.
+/// Sets up everything besides the controls: keys, guards, and the state in the status bar.
 void MainWindow::SetUpAdditions() {
     NameControls(*ui);
     SetUpKeys();
@@ -158,7 +156,7 @@ void MainWindow::refreshRuler() {
     ruler->refresh();
 }
 
-/// While the worker uses the client, the window stays.
+/// While the worker uses the client, the window does not close.
 void MainWindow::closeEvent(QCloseEvent* event) {
     event->setAccepted(!spinner->isSpinning());
     if (spinner->isSpinning())
@@ -222,8 +220,8 @@ void MainWindow::on_comboBox_file_currentIndexChanged(const QString& text) {
     trackPanel->followChosenTrack(text);
 }
 
-// The operation runs the moment it is chosen; the list then returns to "Normal", which comes here again and
-// does nothing.
+// The operation runs as soon as it is chosen; the list then returns to "Normal", which calls this slot again
+// and does nothing.
 void MainWindow::on_comboBox_operation_currentIndexChanged(const QString& text) {
     if (text == tr("Normal"))
         return;
@@ -232,7 +230,7 @@ void MainWindow::on_comboBox_operation_currentIndexChanged(const QString& text) 
     if (finished && ui->comboBox_operation->currentText() != tr("Normal"))
         ui->statusBar->showMessage(text + tr(" successfully."));
     trackPanel->returnToNormal();
-    ui->label_mask->setFocus(Qt::OtherFocusReason); // the next key is not meant for the list
+    ui->label_mask->setFocus(Qt::OtherFocusReason); // the next key must not go to the list
 }
 
 bool MainWindow::RunOperation(const QString& operation) {

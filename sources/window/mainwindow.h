@@ -1,7 +1,7 @@
 #pragma once
 
 #include "basalt/Exception.h"
-#include "canvas/RulerOwner.h"
+#include "canvas/qmaskwidget.h"
 #include "document/TrackDocument.h"
 #include "link/OstraSdkClient.h"
 
@@ -32,13 +32,13 @@ class MainWindow;
 
 /// The program's only window: chooses where tracks come from, opens and saves them, and sets the parameters
 /// of the paths drawn on its canvas. It only connects the controls with the panels and workflows that do the
-/// work. Its slots are where failures end: each is logged and shown in a box.
+/// work. Its slots catch every failure, log it and show it in a box.
 class MainWindow final : public QMainWindow, public RulerOwner {
     Q_OBJECT
 
   public:
     explicit MainWindow(QWidget* parent = nullptr);
-    /// Leaves nothing of the working folders and files.
+    /// Removes the working folders and files.
     ~MainWindow() override;
 
     [[nodiscard]] bool rulerShown() const override;
@@ -83,15 +83,15 @@ class MainWindow final : public QMainWindow, public RulerOwner {
     void SetUpAdditions();
     void SetUpKeys();
     void ShowState();
-    /// Runs a slot's body. A Ve::Exception from it is logged and shown, after `onFailure` has put things
-    /// right; any other passes through.
+    /// Runs a slot's body. A Ve::Exception from it is logged and shown, after `onFailure` has restored the
+    /// controls; other exceptions pass through.
     void RunSlot(const std::function<void()>& body, const std::function<void()>& onFailure = {});
-    /// @return whether the operation of this name came to its end
+    /// @return whether the operation of this name completed
     bool RunOperation(const QString& operation);
 
     const std::unique_ptr<Ui::MainWindow> ui;
     TrackDocument document;
-    OstraSdkClient client; ///< not to be used while the spinner spins: the worker uses it then
+    OstraSdkClient client; ///< used by the worker, not here, while the spinner spins
     std::unique_ptr<WorkProtection> protection;
     std::unique_ptr<RulerControl> ruler;
     std::unique_ptr<ViewScale> scale;

@@ -10,18 +10,18 @@
 class EditJournal;
 
 /// Writes the open track's unsaved paths into a journal some seconds after an edit, so that a crash loses no
-/// more than those seconds, and discards it as soon as there is nothing unsaved.
+/// more than those seconds, and discards it when nothing is unsaved.
 class AutomaticJournal final : public QObject {
     Q_OBJECT
 
   public:
     static constexpr std::chrono::milliseconds kUsualDelay{5000};
 
-    /// Both are borrowed and outlive the object. @param delay between the first edit and the writing of it
+    /// Both are borrowed and outlive the object. @param delay between the first edit and writing it
     AutomaticJournal(const TrackDocument& document, EditJournal& journal,
                      std::chrono::milliseconds delay = kUsualDelay);
 
-    /// What is unsaved now is kept elsewhere: the journal begins again with the next edit.
+    /// What is unsaved now has been kept elsewhere: the journal starts again with the next edit.
     void Discard();
 
   private:

@@ -5,7 +5,7 @@
 #include "basalt/RandomName.h"
 #include "basalt/bFile.h"
 #include "document/formats/Converter.h"
-#include "document/formats/CsvPathWriter.h"
+#include "document/formats/CsvPaths.h"
 #include "log/Log.h"
 #include "workflow/KeptCopies.h"
 #include "workflow/KeptFolder.h"
@@ -27,7 +27,7 @@ std::string LockOf(const std::string& journal) {
     return journal + std::string(kLockEnding);
 }
 
-/// Whether this is what RandomName makes of the prefix.
+/// Whether RandomName can have made this name from the prefix.
 bool IsJournalName(std::string_view name) {
     constexpr std::size_t kLetters = 6;
     if (name.size() != kPrefix.size() + kLetters || !name.starts_with(kPrefix))
@@ -36,7 +36,7 @@ bool IsJournalName(std::string_view name) {
            std::string_view::npos;
 }
 
-/// The names of all journals in a folder, of those too of which only the lock is left.
+/// The names of all journals in a folder, even of those with only a lock left.
 std::set<std::string> JournalsIn(const FolderHandle& folder) {
     std::set<std::string> names;
     FolderReader reader(folder);
@@ -109,7 +109,7 @@ EditJournal::EditJournal(KeptCopies& keeping, Clock clock) : copies(keeping), cl
 
 EditJournal::~EditJournal() {
     FileFacts facts;
-    // The lock's file goes with the journal; alone it would be litter.
+    // The lock's file is removed with the journal; it has no use alone.
     if (own && own->folder.Ask(own->name, &facts) == std::errc::no_such_file_or_directory)
         static_cast<void>(own->folder.RemoveFile(LockOf(own->name)));
 }
@@ -131,7 +131,7 @@ void EditJournal::Discard() try {
     LOG_LINE(ERROR) << "Failed to remove the edit journal in " << copies.Folder() << ": " << failure.what();
 }
 
-/// Takes a name that is in use by nobody, before there is a journal of it.
+/// Takes an unused name before the journal exists.
 void EditJournal::Open() {
     FileFacts facts;
     if (own && !own->folder.Ask(LockOf(own->name), &facts))
@@ -143,7 +143,7 @@ void EditJournal::Open() {
         FileLock lock(folder, LockOf(name));
         if (lock.Result() == FileLock::State::Failed)
             throw std::system_error(lock.Failure());
-        // Otherwise another editor, which starts, is looking at the new lock: another name is tried.
+        // Otherwise another editor, which is starting, tests the new lock: try another name.
         if (lock.Result() == FileLock::State::Taken)
             own.emplace(Own{std::move(folder), std::move(name), std::move(lock)});
     }

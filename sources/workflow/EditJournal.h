@@ -15,13 +15,12 @@
 class KeptCopies;
 
 /// Keeps the paths of the open track, while they are not saved, in a small private file in the folder of kept
-/// copies, so that a crash loses no more than what came after the last Write. Each running editor has a file
-/// of its own, which a lock of the system's marks as in use until the editor ends, however it ends; the next
-/// start makes kept copies of those that nobody uses. Failures are logged, and nothing is thrown. For one
-/// thread.
+/// copies, so that a crash loses no more than what came after the last Write. Each running editor has its own
+/// file, which a system lock marks as used until the editor ends, however it ends; the next start makes kept
+/// copies of unused ones. Failures are logged, and nothing is thrown. For one thread.
 class EditJournal final {
   public:
-    /// Says the time, in seconds since 1970.
+    /// Returns the time, in seconds since 1970.
     using Clock = std::function<std::time_t()>;
     /// Writes the track `original` with these paths, which have no ruler marks, as `target`, which exists and
     /// is empty.
@@ -34,25 +33,26 @@ class EditJournal final {
     EditJournal(KeptCopies& keeping, Clock clock);
     EditJournal(const EditJournal&) = delete;
     EditJournal& operator=(const EditJournal&) = delete;
-    /// What was not discarded stays for the next start.
+    /// What was not discarded remains for the next start.
     ~EditJournal();
 
     /// Puts the paths in the journal, in place of those before. They survive the end of the program, not a
-    /// failure of the power: nothing waits for the disk.
+    /// power failure: nothing waits for the disk.
     /// @param track the path of the track's file
     /// @param map the size of its height map, in cells
     void Write(const std::string& track, const QSize& map, const std::vector<TrackPath>& paths);
 
-    /// The paths were saved, or given up.
+    /// The paths were saved or discarded.
     void Discard();
 
-    /// Makes crash copies of the journals that no running editor uses, and removes those. A copy is a whole
-    /// track where the track still exists, with a height map of the same size, and `makeTrack` succeeds; else
-    /// a text file of the paths alone. A journal that cannot be read is left for 30 days, then removed.
+    /// Makes crash copies of the journals that no running editor uses, and removes those. A copy is a
+    /// complete track if the track still exists with a height map of the same size and `makeTrack` succeeds;
+    /// otherwise a text file of the paths alone. A journal that cannot be read is left for 30 days, then
+    /// removed.
     void Recover(const MakeTrack& makeTrack);
 
   private:
-    /// What a running editor holds of its journal.
+    /// What a running editor holds for its journal.
     struct Own {
         FolderHandle folder;
         std::string name; ///< of the journal; the lock's is longer

@@ -1,9 +1,11 @@
 #include "workflow/KeptCopies.h"
 
-#include "basalt/FileReplacement.h"
+#include "basalt/AtomicFile.h"
 #include "basalt/FolderReader.h"
 #include "basalt/HiddenFile.h"
 #include "basalt/RandomName.h"
+#include "basalt/bFile.h"
+#include "document/formats/Converter.h"
 #include "log/Log.h"
 #include "workflow/KeptFolder.h"
 
@@ -15,8 +17,8 @@
 
 namespace {
 
-/// A place for a copy that is being made: an empty file under a hidden name, private to the user, which goes
-/// with the object unless it gets the copy's name.
+/// A copy that is being made: an empty file with a hidden name, private to the user, which is removed with
+/// the object unless it gets the copy's name.
 class HiddenPlace {
   public:
     explicit HiddenPlace(const FolderHandle& opened) : folder(opened), hidden(RandomName(".corvane-")) {
@@ -55,7 +57,7 @@ struct KeptFile {
     std::string name;
     FileFacts facts;
 
-    /// Two of one second are told apart by when they were written.
+    /// Copies of the same second are ordered by when they were written.
     [[nodiscard]] bool IsNewerThan(const KeptFile& other) const {
         const auto order = [](const KeptFile& file) {
             return std::make_tuple(KeptName::TimeOf(file.name), file.facts.modified,
@@ -71,7 +73,7 @@ std::vector<KeptFile> KeptFiles(const FolderHandle& folder) {
     FolderReader reader(folder);
     for (FolderEntry entry; reader.Next(&entry) == bOK;) {
         KeptFile file{std::string(entry.name), {}};
-        // Another editor may have removed it meanwhile.
+        // Another editor may have removed it in the meantime.
         if (entry.kind == FileKind::File && KeptName::IsOne(file.name) && !folder.Ask(file.name, &file.facts))
             files.push_back(std::move(file));
     }
@@ -86,7 +88,7 @@ void RemoveCopy(const FolderHandle& folder, const std::string& name) {
     const std::error_code failure = folder.RemoveFile(name);
     if (!failure) {
         LOG_LINE(INFO) << "Removed the kept copy " << name;
-    } else if (failure != std::errc::no_such_file_or_directory) { // another editor was faster
+    } else if (failure != std::errc::no_such_file_or_directory) { // another editor removed it first
         LOG_LINE(ERROR) << "Failed to remove the kept copy " << name << ": " << failure.message();
     }
 }
@@ -155,7 +157,7 @@ std::string KeptCopies::Place(const KeptName& name, const Write& write) const {
 
 void KeptCopies::RemoveOldest(const FolderHandle& opened, const std::string& newest) const try {
     std::vector<KeptFile> files = KeptFiles(opened);
-    // The new copy is the first, also when the clock was set back.
+    // The new copy is the newest even if the clock was set back.
     std::stable_partition(files.begin(), files.end(),
                           [&newest](const KeptFile& file) { return file.name == newest; });
     std::uint64_t bytes = 0;
@@ -169,4 +171,16 @@ void KeptCopies::RemoveOldest(const FolderHandle& opened, const std::string& new
         RemoveCopy(opened, files[old].name);
 } catch (const std::exception& failure) {
     LOG_LINE(ERROR) << "Failed to remove old copies in " << folder << ": " << failure.what();
+}
+
+bool KeepTextOriginal(KeptCopies& copies, const std::string& target) {
+    if (bFile_Exists(target.c_str()) == 0)
+        return true;
+    const std::optional<TrackEncoding> encoding = EncodingOf(target);
+    if (!encoding) {
+        LOG_LINE(ERROR) << "Failed to keep " << target << ": its encoding cannot be read";
+    }
+    if (encoding != TrackEncoding::Text)
+        return encoding.has_value();
+    return copies.KeepFile(target, KeptReason::TextOriginal).has_value();
 }

@@ -12,12 +12,12 @@
 #include <string_view>
 
 /// The user's own copies of what the program is about to discard. They are ordinary files, private to the
-/// user, in a folder that is made when the first one is kept; several editors of one user may share it.
+/// user, in a folder that is created for the first one; several editors of one user may share it.
 ///
-/// A copy is there completely or not at all. After each new one the oldest are removed until the limits hold;
-/// the new one stays in any case, and files that are not called as copies are neither counted nor touched.
-/// A failure is logged with its reason and reported; nothing is thrown, so that no caller's sequence depends
-/// on it. For one thread.
+/// A copy appears atomically. After each new one the oldest are removed until the limits hold; the new one
+/// always stays, and files that are not named like copies are neither counted nor touched. A failure is
+/// logged with its reason and reported; nothing is thrown, so that no caller's sequence depends on it. For
+/// one thread.
 class KeptCopies final {
   public:
     struct Limits {
@@ -25,10 +25,10 @@ class KeptCopies final {
         std::uint64_t bytes = std::uint64_t{2} << 30; ///< of all copies together
     };
 
-    /// Makes the content of a copy: writes the file at the path, which exists and is empty, and brings it to
+    /// Makes the content of a copy: writes the file at the path, which exists and is empty, and syncs it to
     /// the disk, as AtomicFile does. @return whether it did
     using Writer = std::function<bool(const std::string& path)>;
-    /// Says the time, in seconds since 1970.
+    /// Returns the time, in seconds since 1970.
     using Clock = std::function<std::time_t()>;
 
     /// @param folder an absolute path, such as DefaultKeptFolder's
@@ -37,7 +37,7 @@ class KeptCopies final {
 
     [[nodiscard]] const std::string& Folder() const { return folder; }
 
-    /// Keeps a file as it is. @return the path of the copy; nothing when it could not be kept
+    /// Keeps an unchanged copy of a file. @return the path of the copy; nothing when it could not be kept
     std::optional<std::string> KeepFile(const std::string& path, KeptReason reason);
 
     /// Keeps what `writer` makes.
@@ -61,3 +61,9 @@ class KeptCopies final {
     Limits limits;
     Clock clock;
 };
+
+/// Keeps a text track before a save puts a binary one in its place, whose heights have only 16 bits. Other
+/// files need no copy.
+/// @return false when a text track could not be kept, or the file's encoding cannot be determined; the log
+/// says why
+bool KeepTextOriginal(KeptCopies& copies, const std::string& target);

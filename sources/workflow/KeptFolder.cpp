@@ -14,13 +14,13 @@ bool IsMissing(const std::error_code& failure) {
     return failure == std::errc::no_such_file_or_directory;
 }
 
-/// With what is missing above it.
+/// Including missing parent folders.
 std::error_code MakePrivate(const std::string& folder) {
     constexpr unsigned kPrivate = 0700;
     std::error_code failure = MakeFolderAt(folder, kPrivate);
     if (const std::string above = FolderOf(folder); IsMissing(failure) && above != folder) {
         failure = MakePrivate(above);
-        if (!failure || failure == std::errc::file_exists) // somebody else may have made it meanwhile
+        if (!failure || failure == std::errc::file_exists) // another process may have made it meanwhile
             failure = MakeFolderAt(folder, kPrivate);
     }
     return failure;

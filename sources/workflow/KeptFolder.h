@@ -12,20 +12,20 @@
 /// folder.
 std::string DefaultKeptFolder();
 
-/// Opens the folder of kept copies. It is made when it is missing, with what is missing above it, for this
-/// user alone. @throws std::system_error with the system's reason when that fails
+/// Opens the folder of kept copies. A missing folder is created with its missing parents, private to this
+/// user. @throws std::system_error with the system's reason when that fails
 FolderHandle OpenKeptFolder(const std::string& path);
 
-/// Opens the folder of kept copies where there is one. @throws std::system_error when that fails
+/// Opens the folder of kept copies if there is one. @throws std::system_error when that fails
 std::optional<FolderHandle> OpenExistingKeptFolder(const std::string& path);
 
-/// The content of a file in the folder; nothing where there is no such file. @throws std::system_error
+/// The content of a file in the folder; none if there is no such file. @throws std::system_error
 std::optional<std::string> ReadKeptFile(const FolderHandle& folder, const std::string& name);
 
-/// Removes a file where there is one. @throws std::system_error
+/// Removes a file if there is one. @throws std::system_error
 void RemoveKeptFile(const FolderHandle& folder, const std::string& name);
 
-/// Whether a file survives only the end of the program, or a failure of the power too.
+/// Whether a file survives only the end of the program, or a power failure too.
 enum class Durability { OfProcess, OfPower };
 
 /// Writes the content of a file with a function that is given the bytes, piece by piece.

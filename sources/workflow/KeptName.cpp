@@ -1,6 +1,6 @@
 #include "workflow/KeptName.h"
 
-#include "basalt/LocalTime.h"
+#include "basalt/SystemCalls.h"
 
 #include <QString>
 
@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr std::size_t kMaxNameBytes = 255; ///< of every usual file system
+constexpr std::size_t kMaxNameBytes = 255; ///< of every common file system
 constexpr std::size_t kMaxExtensionBytes = 16;
 constexpr std::string_view kTimePattern = "0000-00-00 00.00.00 ";
 constexpr std::array<std::string_view, 6> kWords = {"unsaved",  "unsent", "deleted",
@@ -29,7 +29,7 @@ bool IsControl(char letter) {
     return (letter >= 0 && letter < ' ') || letter == kDelete;
 }
 
-/// A point and a few letters or digits. What else follows a point belongs to the name.
+/// A dot and a few letters or digits. Anything else after a dot belongs to the name.
 bool IsExtension(std::string_view text) {
     return text.size() > 1 && text.size() <= kMaxExtensionBytes && text[0] == '.' &&
            std::all_of(text.begin() + 1, text.end(), IsLetterOrDigit);
@@ -64,7 +64,7 @@ std::string ReadableName(const std::string& path) {
     return name.isEmpty() ? "_" : name.toStdString();
 }
 
-/// The text cut to so many bytes, between two characters.
+/// The text truncated to at most so many bytes, between two characters.
 std::string Shortened(const std::string& text, std::size_t bytes) {
     if (text.size() <= bytes)
         return text;
@@ -75,7 +75,7 @@ std::string Shortened(const std::string& text, std::size_t bytes) {
     return text.substr(0, bytes);
 }
 
-/// Whether this is what stands in the parentheses: a reason, and the number of a further copy.
+/// Whether this is the content of the parentheses: a reason, and the number of a further copy.
 bool IsReason(std::string_view text) {
     return std::any_of(kWords.begin(), kWords.end(), [text](std::string_view word) {
         if (!text.starts_with(word))

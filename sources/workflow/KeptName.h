@@ -11,7 +11,7 @@ enum class KeptReason : std::uint8_t {
     Unsent,       ///< a saved track of a workspace that was neither synced nor packed
     Deleted,      ///< a track before its deletion
     Replaced,     ///< a file before another one takes its place
-    Crash,        ///< unsaved paths of a run that ended without a word
+    Crash,        ///< unsaved paths of a run that crashed
     TextOriginal, ///< a text track before a binary one takes its place
 };
 
@@ -22,8 +22,8 @@ std::string_view WordOf(KeptReason reason);
 /// original's name comes next, then the reason, and at last the original's extension, so that the copy opens
 /// as the original does.
 ///
-/// Whatever the original is called, this is a valid file name of valid UTF-8 in one line: control characters
-/// and invalid bytes are replaced, and a long name is cut between two characters.
+/// Whatever the original's name, this is a valid file name of valid UTF-8 on one line: control characters and
+/// invalid bytes are replaced, and a long name is truncated between two characters.
 class KeptName final {
   public:
     /// @param original the original's name, or its path
@@ -36,7 +36,7 @@ class KeptName final {
     /// parentheses: "(unsaved 2)"
     [[nodiscard]] std::string Text(unsigned number = 1) const;
 
-    /// Whether a file is called as kept copies are.
+    /// Whether a file is named like a kept copy.
     [[nodiscard]] static bool IsOne(std::string_view name);
     /// The time in the name of a kept copy, as text that sorts by time.
     [[nodiscard]] static std::string_view TimeOf(std::string_view name);
@@ -45,5 +45,5 @@ class KeptName final {
     std::string time;
     std::string original;
     std::string reason;
-    std::string extension; ///< with its point; empty for none
+    std::string extension; ///< with its dot; empty for none
 };

@@ -68,7 +68,7 @@ KeptRecordReader::KeptRecordReader(std::string file, std::string_view magic, std
         throw std::runtime_error("it is no such file");
     if (bytes.size() < kHeadSize + kTailSize)
         throw std::runtime_error("it is cut short");
-    // Before the rest: another version may have another layout.
+    // Checked first: another version may have another layout.
     if (const auto found = NumberAt<std::uint32_t>(bytes, kMagicSize); found != version)
         throw std::runtime_error("its version is " + std::to_string(found));
     at = kHeadSize;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "wire/Crc32c.h"
+#include "wire/ContentDigest.h"
 
 #include <QPointF>
 
@@ -16,11 +16,11 @@
 
 static_assert(std::endian::native == std::endian::little, "records are little-endian");
 
-// A file of the program's own beside the kept copies: eight bytes that say what it is, a version, its
-// content, the length of all this, and a checksum of everything. Such a file is used as it was written or not
-// at all.
+// A file of the program's own beside the kept copies: eight bytes that identify it, a version, its content,
+// the length of all this, and a checksum of everything. Such a file is used only if it is complete and
+// unchanged.
 
-/// Writes a record, in pieces: a large one must not need as much memory again.
+/// Writes a record, in pieces: a large one must not need the same memory twice.
 class KeptRecordWriter final {
   public:
     /// Takes the next bytes of the file.
@@ -35,12 +35,12 @@ class KeptRecordWriter final {
         AddBytes(&number, sizeof number);
     }
 
-    /// A count, and so many elements.
+    /// A count, followed by the elements.
     void AddText(std::string_view text) { AddCounted(text.data(), text.size(), 1); }
     void AddList(const std::vector<int>& list) { AddCounted(list.data(), list.size(), sizeof(int)); }
     void AddList(const std::vector<QPointF>& list) { AddCounted(list.data(), list.size(), sizeof(QPointF)); }
 
-    /// Without this the record is one that was cut short.
+    /// Without this the record counts as truncated.
     void Finish();
 
   private:
@@ -57,10 +57,10 @@ class KeptRecordWriter final {
 /// Takes the content of a record in the order in which it was added.
 class KeptRecordReader final {
   public:
-    /// @throws std::runtime_error saying what is wrong with the file
+    /// @throws std::runtime_error with what is wrong with the file
     KeptRecordReader(std::string file, std::string_view magic, std::uint32_t version);
 
-    // @throws std::runtime_error where the record is shorter than that
+    // @throws std::runtime_error if the record is shorter than that
 
     template<typename Number>
     Number Read() {
@@ -73,11 +73,11 @@ class KeptRecordReader final {
     std::vector<int> ReadNumbers() { return ReadList<int>(); }
     std::vector<QPointF> ReadPoints() { return ReadList<QPointF>(); }
 
-    /// @throws std::runtime_error where something was not read
+    /// @throws std::runtime_error if something was not read
     void ExpectEnd() const;
 
   private:
-    /// @return so many bytes, after those taken before
+    /// @return the next `count` bytes
     const char* Take(std::size_t size);
     /// Reads a count of elements of this size that the record can hold.
     std::size_t ReadCount(std::size_t size);

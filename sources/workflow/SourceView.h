@@ -1,12 +1,12 @@
 #pragma once
 
-#include "link/OstraServerInfo.h"
+#include "link/OstraSdkClient.h"
 
 #include <QString>
 
 #include <vector>
 
-/// What choosing and using a source of tracks asks of the window.
+/// What choosing and using a source of tracks needs from the window.
 class SourceView {
   public:
     /// What the button beside the list of sources does.
@@ -32,7 +32,7 @@ class SourceView {
     virtual void enableOperations(bool enabled) = 0;
     /// What is open, for the window's title; both empty for nothing.
     virtual void showOpenSource(const QString& kind, const QString& name) = 0;
-    /// The message is painted at once: the work that follows keeps the window from painting.
+    /// The message is painted immediately: the work that follows keeps the window from painting.
     virtual void showStatus(const QString& message) = 0;
 
     /// Has the worker download the server's backup into a file, or restore the server from it.

@@ -13,7 +13,7 @@
 
 namespace {
 
-// Known to those who read reports: they stay when the code around them moves.
+// Line numbers known from existing reports: they stay when the code around them moves.
 constexpr int kNoBackupFileLine = 853;
 constexpr int kNotConnectedLine = 867;
 
@@ -23,7 +23,7 @@ Ve::Exception NothingToUpload(int line, const char* message) {
     return {line, kSourceFile, bERROR_FILE, "MainWindow::on_toolButton_upload_clicked", "%s", message};
 }
 
-/// The texts are translated with the window's.
+/// The strings are translated in the window's context.
 QString Text(const char* text) {
     return QCoreApplication::translate("MainWindow", text);
 }
@@ -103,7 +103,7 @@ void SourceWorkflow::PressConnectionButton() {
     }
 }
 
-/// A track of the workspace is closed with it, an external one stays open.
+/// A track of the workspace is closed with it; an external one stays open.
 void SourceWorkflow::Disconnect() {
     client.Disconnect();
     view.enableSources(true);
@@ -133,7 +133,7 @@ void SourceWorkflow::LoadBackup() {
 }
 
 /// The paths of an open track of the workspace, and its tracks that were not sent, are kept once the backup
-/// is known to be good, and before its workspace takes their place.
+/// is known to be good, and before its workspace replaces them.
 void SourceWorkflow::Unpack() {
     for (const std::string& file : std::set{backupFile, operatorsBackup})
         if (IsInWorkingFolder(file)) // it is removed with the folder
@@ -202,8 +202,8 @@ void SourceWorkflow::SaveToBackupFile() {
     view.showStatus(Text("Saved the backup file successfully."));
 }
 
-/// A server whose backup could not be fetched is connected, but the working folders are not its own: they
-/// must not reach it.
+/// A server whose backup could not be fetched is connected, but the working folders do not belong to it and
+/// must not be sent to it.
 void SourceWorkflow::SyncToServer() {
     if (!client.IsConnected() || state != State::ServerOpen)
         throw NothingToUpload(kNotConnectedLine,
@@ -238,7 +238,7 @@ void SourceWorkflow::Leave() {
     RemoveWorkingFiles();
 }
 
-/// The server may be gone; the window closes anyway.
+/// The server may have stopped; the window closes anyway.
 void SourceWorkflow::DisconnectAnyway() {
     try {
         client.Disconnect();

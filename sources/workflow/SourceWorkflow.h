@@ -1,7 +1,7 @@
 #pragma once
 
 #include "basalt/Exception.h"
-#include "cinder/LeftOut.h"
+#include "cinder/TarName.h"
 #include "link/OstraSdkClient.h"
 #include "workflow/SourceView.h"
 
@@ -12,13 +12,13 @@ class TrackOperations;
 class WorkProtection;
 
 /// Where tracks come from: connects to sensor servers and disconnects, opens backup files, and sends the
-/// workspace back. Failures are thrown as Ve::Exception with the text that the operator is shown; what was
-/// done before the failing step stays done.
+/// workspace back. Failures are thrown as Ve::Exception with the text that the operator is shown; the steps
+/// before the failing one are not undone.
 class SourceWorkflow {
   public:
     /// What the workflow works with; all are borrowed and outlive the object.
     struct Context {
-        OstraSdkClient& client; ///< used here only while no request of the view's is under way
+        OstraSdkClient& client; ///< used here only while no request of the view is running
         TrackOperations& tracks;
         SourceView& view;
         WorkProtection& protection;
@@ -32,11 +32,11 @@ class SourceWorkflow {
     /// Whether there is an unpacked workspace: connected to a server, or a backup file is open.
     [[nodiscard]] bool IsOpen() const;
 
-    /// The links and special files of the backup that is open: they are not in the working folders, and will
-    /// not be in what is saved.
+    /// The links and special files of the backup that is open: they are not in the working folders, so they
+    /// will be missing from what is saved.
     [[nodiscard]] const LeftOut& LinksLeftOut() const { return leftOut; }
 
-    /// Fits the controls to the chosen entry of the list of sources, before anything is open.
+    /// Adapts the controls to the chosen entry of the list of sources, before anything is open.
     void ShowChosenSource(bool backupFile);
 
     // What the operator does.
@@ -46,12 +46,12 @@ class SourceWorkflow {
     void Upload();
     void Reset();
 
-    // How a request of the view's has ended; status 1 is success.
+    // How a request of the view ended; status 1 is success.
     void FinishBackup(const Ve::Exception& result);
     void FinishRestore(const Ve::Exception& result);
 
-    /// Disconnects, when connected, and removes the working files, of which what would be lost is kept first.
-    /// A failure is logged.
+    /// Disconnects if connected, and removes the working files after keeping copies of what would be lost. A
+    /// failure is logged.
     void Leave();
 
   private:

@@ -1,15 +1,15 @@
 #include "workflow/TrackOperations.h"
 
+#include "basalt/AtomicFile.h"
 #include "basalt/Exception.h"
 #include "basalt/FilePath.h"
-#include "basalt/FileReplacement.h"
 #include "basalt/bFile.h"
 #include "basalt/bStatus.h"
 #include "document/formats/Converter.h"
-#include "workflow/TrackFolder.h"
 #include "workflow/TrackView.h"
 #include "workflow/WaitCursor.h"
 #include "workflow/WorkProtection.h"
+#include "workflow/WorkingFiles.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -19,17 +19,17 @@
 
 namespace {
 
-// Where failures are reported from. These figures are known to those who read reports, and stay when the code
-// around them moves.
+// The line numbers that failures are reported with. They are known from existing reports, and stay when the
+// code around them moves.
 constexpr const char* kSourceFile = "mainwindow";
 constexpr int kInfoFailureLine = 489;
 constexpr int kHeightMapFailureLine = 495;
 constexpr int kPathFailureLine = 513;
 constexpr int kDeleteFailureLine = 758;
 
-// Reading a text track's information narrows these down to its lowest and highest height.
-constexpr double kLowestStart = 32768.0;
-constexpr double kHighestStart = -32768.0;
+// Reading a text track's information replaces these by its lowest and highest height.
+constexpr double kMinHeightStart = 32768.0;
+constexpr double kMaxHeightStart = -32768.0;
 
 const QString kTemporaryTrack = QStringLiteral("temp.trk");
 
@@ -60,7 +60,7 @@ void TrackOperations::RefreshTrackList() {
         view.showTrackList({});
         return;
     }
-    trackFiles = ListFiles(kTrackFolder, QStringLiteral("*.trk")); // before anything is shown: it may fail
+    trackFiles = ListFiles(kTrackFolder, QStringLiteral("*.trk")); // first, since it may fail
     view.showTrackList(trackFiles);
 }
 
@@ -85,8 +85,8 @@ void TrackOperations::LoadTrack(const QString& path, TrackOrigin origin) {
     const std::string file = path.toStdString();
     const std::shared_ptr<Converter> converter = CreateConverter(file);
     TrackContent content;
-    content.info.minHeight = kLowestStart;
-    content.info.maxHeight = kHighestStart;
+    content.info.minHeight = kMinHeightStart;
+    content.info.maxHeight = kMaxHeightStart;
     if (converter->ReadInfo(file, content.info) != 0)
         throw LoadFailure(kInfoFailureLine, "Failed to read basic information.");
     const double lowest = content.info.minHeight;
@@ -134,7 +134,7 @@ void TrackOperations::SaveExternalTrack(const QString& path) {
     view.chooseTrack(name);
 }
 
-/// A name that is taken, or is the external file itself, gets another ending.
+/// A name that is taken, or that of the external file itself, gets another ending.
 QString TrackOperations::NameInWorkspace(const QString& externalPath) const {
     QString name = FileNameOf(externalPath);
     if (trackFiles.contains(name))
@@ -144,7 +144,7 @@ QString TrackOperations::NameInWorkspace(const QString& externalPath) const {
     return name;
 }
 
-/// The track counts as not sent from before its file is another, so that a crash in between loses nothing.
+/// The track counts as not sent before its file changes, so that a crash in between loses nothing.
 void TrackOperations::SaveIntoWorkspace(const QString& source, const QString& name) {
     const std::string recorded = name.toStdString();
     const bool wasUnsent = protection.Unsent().Names().count(recorded) > 0;
@@ -178,7 +178,7 @@ void TrackOperations::SaveTrack(const QString& source, const QString& target) {
     document.save(source.toStdString(), target.toStdString(), document.worldTransform());
 }
 
-/// By way of a temporary track; the old file goes only when that one is complete.
+/// Through a temporary track; the old file is removed only when that one is complete.
 void TrackOperations::SaveInPlace(const QString& track) {
     const auto cleanUp = [] { QFile::remove(kTemporaryTrack); };
     cleanUp();

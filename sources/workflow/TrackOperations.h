@@ -23,26 +23,26 @@ class TrackOperations {
 
     explicit TrackOperations(Context context);
 
-    /// Lists the workspace's tracks anew; none while no source is open.
+    /// Lists the workspace's tracks again; none while no source is open.
     void RefreshTrackList();
 
-    // The operations. Each returns whether it came to its end, which is then reported as a success; the
-    // operator may have cancelled it, or there may be nothing to save.
+    // The operations. Each returns whether it completed, which is then reported as a success; otherwise the
+    // operator cancelled it, or there was nothing to save.
     bool Load();
     bool Save();
     bool SaveAs();
     bool Delete();
 
-    /// Opens a track file in place of the open track. While its information or its height map cannot be read
-    /// the track before stays visible.
+    /// Opens a track file in place of the open track. If its information or its height map cannot be read,
+    /// the previous track stays visible.
     void LoadTrack(const QString& path, TrackOrigin origin);
     /// Writes the document's paths, with the rest of `source`, to `target`.
     void SaveTrack(const QString& source, const QString& target);
-    /// Nothing is shown any more. Paths that no file has are kept first.
+    /// Closes the open track. Paths that no file has are kept first.
     void CloseTrack();
     /// The same when the open track is one of the workspace.
     void CloseWorkspaceTrack();
-    /// The workspace is about to be replaced: keeps the paths of its open track that no file has.
+    /// The workspace is about to be replaced: keeps unsaved paths of its open track.
     void KeepUnsavedOfWorkspace();
     /// Removes the paths of a track that was closed.
     void ResetPaths() { document.resetPaths(); }

@@ -3,7 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-/// What the operations on tracks ask of the window.
+/// What the operations on tracks need from the window.
 class TrackView {
   public:
     /// Whether the chosen entry of the list of files is "External" instead of a track of the workspace.
@@ -29,9 +29,9 @@ class TrackView {
     virtual void showTrack() = 0;
     /// Shows the first segment, and the ruler marks while the ruler is shown.
     virtual void showPaths() = 0;
-    /// Takes the picture away.
+    /// Removes the picture.
     virtual void showNoTrack() = 0;
-    /// Says that there is no track to be saved.
+    /// Shows that there is no track to be saved.
     virtual void showNothingToSave() = 0;
     /// Brings the ruler marks up to date, as a save needs them.
     virtual void refreshRuler() = 0;

@@ -17,7 +17,7 @@ namespace {
 constexpr std::string_view kMagic = "CorvUnst";
 constexpr std::uint32_t kVersion = 1;
 
-/// A workspace has the same file in each run, and no other workspace has it.
+/// A workspace has the same file in each run, and each workspace its own.
 std::string FileNameFor(const std::string& workspace) {
     constexpr int kDigits = 32;
     const QByteArray hash =
@@ -25,7 +25,7 @@ std::string FileNameFor(const std::string& workspace) {
     return ".unsent-" + hash.toHex().left(kDigits).toStdString();
 }
 
-/// Whether a name stays in its folder.
+/// Whether a name cannot lead out of its folder.
 bool IsFileName(const std::string& name) {
     return !name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos &&
            name.find('\0') == std::string::npos;
@@ -90,7 +90,7 @@ void UnsentTracks::Keep() {
     Clear();
 }
 
-/// A file that cannot be used is left until there is something to write in its place.
+/// An unusable file is left until something replaces it.
 void UnsentTracks::Read() try {
     const auto folder = OpenExistingKeptFolder(copies.Folder());
     const auto content = folder ? ReadKeptFile(*folder, file) : std::nullopt;

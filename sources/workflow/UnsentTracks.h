@@ -5,14 +5,14 @@
 
 class KeptCopies;
 
-/// The tracks of the unpacked workspace that were saved since it was unpacked, and that have gone neither to
-/// a server nor into a backup file. So that a crash forgets none, they are also in a small private file in
-/// the folder of kept copies, one for each workspace folder; at construction they are read from there.
-/// Failures are logged, and nothing is thrown. For one thread.
+/// The tracks of the unpacked workspace that were saved since it was unpacked, and that were neither sent to
+/// a server nor packed into a backup file. To survive a crash they are also in a small private file in the
+/// folder of kept copies, one for each workspace folder; the constructor reads them from there. Failures are
+/// logged, and nothing is thrown. For one thread.
 class UnsentTracks final {
   public:
     /// @param keeping keeps the copies, and its folder the file; outlives this object
-    /// @param workspace the workspace's folder, which the file is found by
+    /// @param workspace the workspace's folder, which identifies the file
     /// @param trackFolder the folder of its tracks
     UnsentTracks(KeptCopies& keeping, const std::string& workspace, std::string trackFolder);
 

@@ -1,9 +1,8 @@
 #include "workflow/WorkProtection.h"
 
 #include "basalt/bFile.h"
-#include "document/formats/CsvPathWriter.h"
-#include "workflow/TextOriginal.h"
-#include "workflow/TrackFolder.h"
+#include "document/formats/CsvPaths.h"
+#include "workflow/KeptCopies.h"
 #include "workflow/WorkingFiles.h"
 
 #include <utility>
@@ -17,7 +16,7 @@ WorkProtection::WorkProtection(TrackDocument& document, std::string keptFolder)
       keptRevision(document.revision()) {
 }
 
-/// The whole track, or the paths alone when its file is lost or damaged.
+/// The complete track, or the paths alone when its file is missing or damaged.
 void WorkProtection::KeepUnsaved() {
     if (!document.hasImage() || !document.isModified() || document.revision() == keptRevision)
         return;

@@ -21,18 +21,18 @@ class WorkProtection {
     /// The tracks of the workspace that were saved and not sent.
     [[nodiscard]] UnsentTracks& Unsent() { return unsent; }
 
-    /// The open track is about to be left, or its file to be replaced: keeps the paths that no file has, each
-    /// state of them once.
+    /// The open track is about to be closed, or its file to be replaced: keeps unsaved paths, each state of
+    /// them once.
     void KeepUnsaved();
     /// The unpacked workspace is about to be replaced or removed: keeps its tracks that were not sent.
     void KeepUnsent() { unsent.Keep(); }
-    /// A file is about to be deleted, or another to take its place.
+    /// A file is about to be deleted, or to be replaced.
     void KeepDeleted(const std::string& file);
     void KeepReplaced(const std::string& file);
     /// A save is about to replace `target`: keeps it when it is a text track.
     void KeepTextOriginal(const std::string& target);
 
-    /// Makes copies of the unsaved edits of editors that ended without a word.
+    /// Makes copies of the unsaved edits of editors that crashed.
     void Recover();
 
   private:

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "canvas/RulerOwner.h"
 #include "canvas/qmaskwidget.h"
 
 #include <QApplication>

@@ -4,7 +4,6 @@
 #include "TarBlocks.h"
 #include "link/BlockingController.h"
 #include "link/FileUtils.h"
-#include "link/WorkerThread.h"
 #include "window/WaitingSpinnerWidget.h"
 
 #include <QElapsedTimer>

@@ -1,7 +1,7 @@
 #include "OrdinaryUser.h"
 #include "WindowTest.h"
 #include "log/Log.h"
-#include "workflow/TrackFolder.h"
+#include "workflow/WorkingFiles.h"
 
 #include <QAbstractItemView>
 #include <QApplication>

@@ -1,7 +1,6 @@
 #include "FakeLibraries.h"
 
-#include "cinder/VeApiLib.h"
-#include "cinder/bCdLib.h"
+#include "cinder/Libraries.h"
 
 namespace fakeLibraries {
 

@@ -1,6 +1,6 @@
 #include "ServerTest.h"
 
-#include "basalt/bAlloc.h"
+#include "basalt/bObject.h"
 #include "link/FileUtils.h"
 #include "link/OstraSdkClient.h"
 

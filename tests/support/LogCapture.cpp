@@ -1,6 +1,6 @@
 #include "LogCapture.h"
 
-#include "log/Output2FILE.h"
+#include "log/Log.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -2,7 +2,7 @@
 
 #include "SmallTrack.h"
 #include "TemporaryFolder.h"
-#include "document/formats/CsvPathWriter.h"
+#include "document/formats/CsvPaths.h"
 
 #include <gmock/gmock.h>
 

@@ -54,7 +54,7 @@ class Walk {
             const std::string plain = PlainName(name.data());
             last = PrintableTarName(plain);
             Take({isWorkspace, plain, kind != bTar_FILE, size, bTar_Facts(tar.get()).permissions,
-                  IsNarrowTarName(name.data()) && !plain.empty(), Original(plain)});
+                  IsConfinedTarName(name.data()) && !plain.empty(), Original(plain)});
         }
         if (status != bERROR_END)
             throw BackupDamage((isWorkspace ? "workspace: " : "") + ReasonFor(status) +

@@ -5,7 +5,7 @@
 #include "tools/commandline/Failure.h"
 
 std::string WorkspaceName(const std::string& given) {
-    if (!IsNarrowTarName(given) || given.ends_with('/'))
+    if (!IsConfinedTarName(given) || given.ends_with('/'))
         throw Failure(ExitCode::Misused,
                       "'" + PrintableTarName(given) + "' is no name of a file in a workspace");
     return given.find('/') == std::string::npos ? std::string(kTrackFolder) + "/" + given : given;

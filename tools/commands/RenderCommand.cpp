@@ -1,6 +1,6 @@
 #include "tools/commands/RenderCommand.h"
 
-#include "document/ImageProportions.h"
+#include "document/TrackGeometry.h"
 #include "tools/commandline/PictureOutput.h"
 #include "tools/track/SavePaths.h"
 #include "tools/track/TrackPicture.h"

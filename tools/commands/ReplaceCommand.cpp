@@ -1,6 +1,6 @@
 #include "tools/commands/ReplaceCommand.h"
 
-#include "basalt/FileReplacement.h"
+#include "basalt/AtomicFile.h"
 #include "tools/backup/BackupUnpacking.h"
 #include "tools/backup/BackupWalk.h"
 #include "tools/backup/WorkspaceName.h"

@@ -1,7 +1,7 @@
 #include "tools/track/BinaryTrackCheck.h"
 
 #include "document/formats/BinaryTrackLayout.h"
-#include "document/formats/SampleRange.h"
+#include "document/formats/HeightRange.h"
 #include "tools/commandline/DecimalText.h"
 #include "tools/track/SavePaths.h"
 

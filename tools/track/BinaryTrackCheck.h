@@ -1,6 +1,6 @@
 #pragma once
 
-#include "document/formats/TrackByteReader.h"
+#include "document/formats/TrackBytes.h"
 #include "document/formats/TrackInfo.h"
 #include "tools/track/PointCheck.h"
 #include "tools/track/TrackCheck.h"

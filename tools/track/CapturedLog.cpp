@@ -1,6 +1,6 @@
 #include "tools/track/CapturedLog.h"
 
-#include "log/Output2FILE.h"
+#include "log/Log.h"
 
 #include <cstdlib>
 #include <string_view>

@@ -4,8 +4,7 @@
 #include "document/formats/ConvertBIN.h"
 #include "document/formats/ConvertCSV.h"
 #include "document/formats/CsvScan.h"
-#include "document/formats/HeightMap.h"
-#include "document/formats/SampleScale.h"
+#include "document/formats/Heights.h"
 #include "tools/commandline/Failure.h"
 #include "tools/track/CapturedLog.h"
 

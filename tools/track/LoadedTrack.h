@@ -1,6 +1,6 @@
 #pragma once
 
-#include "document/formats/TrackEncoding.h"
+#include "document/formats/Converter.h"
 #include "document/formats/TrackInfo.h"
 #include "document/formats/TrackPath.h"
 

@@ -1,8 +1,7 @@
 #include "tools/track/PathsCsv.h"
 
 #include "basalt/InputFile.h"
-#include "document/formats/CsvLine.h"
-#include "document/formats/TextLines.h"
+#include "document/formats/CsvScan.h"
 #include "tools/commandline/DecimalText.h"
 #include "tools/commandline/Failure.h"
 #include "tools/track/LoadedTrack.h"

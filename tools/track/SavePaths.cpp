@@ -1,10 +1,10 @@
 #include "tools/track/SavePaths.h"
 
 #include "basalt/AtomicFile.h"
-#include "document/ImageProportions.h"
 #include "document/PathFiles.h"
 #include "document/RulerMarksBuilder.h"
 #include "document/RulerMarksCache.h"
+#include "document/TrackGeometry.h"
 #include "tools/commandline/Failure.h"
 #include "tools/track/CapturedLog.h"
 

@@ -51,7 +51,7 @@ void TextTrackCheck::CheckSections() {
 
 void TextTrackCheck::CheckInfo() {
     hasInfo = true;
-    if (!MoveBehindHeader())
+    if (!MoveAfterHeader())
         return Error("the line of the information is missing");
     if (!isUsable)
         return;
@@ -77,7 +77,7 @@ void TextTrackCheck::CheckInfo() {
 
 void TextTrackCheck::CheckAnchor() {
     hasAnchor = true;
-    if (!MoveBehindHeader())
+    if (!MoveAfterHeader())
         return Error("the line of the anchor is missing");
     if (!isUsable)
         return;
@@ -239,7 +239,7 @@ bool TextTrackCheck::NextInSection() {
 }
 
 /// Passes over a header line. @return whether a line with fields follows, or one that cannot be split
-bool TextTrackCheck::MoveBehindHeader() {
+bool TextTrackCheck::MoveAfterHeader() {
     std::string_view text;
     if (!TakeLine(text) || !TakeLine(text) || text.empty())
         return false;

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "document/formats/CsvLine.h"
+#include "document/formats/CsvScan.h"
 #include "document/formats/HeightRange.h"
-#include "document/formats/TextLines.h"
 #include "document/formats/TrackInfo.h"
 #include "tools/track/PointCheck.h"
 #include "tools/track/TrackCheck.h"
@@ -21,7 +20,7 @@ class TextTrackCheck final {
   private:
     bool NextLine();
     bool NextInSection();
-    bool MoveBehindHeader();
+    bool MoveAfterHeader();
     bool TakeLine(std::string_view& text);
     void Split(std::string_view text);
 

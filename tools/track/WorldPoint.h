@@ -1,6 +1,6 @@
 #pragma once
 
-#include "document/formats/WorldTransform.h"
+#include "document/formats/TrackInfo.h"
 
 #include <QPointF>
 

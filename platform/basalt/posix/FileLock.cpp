@@ -1,6 +1,6 @@
 #include "basalt/FileLock.h"
 
-#include "basalt/posix/SystemError.h"
+#include "basalt/posix/FileState.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -9,8 +9,8 @@
 
 FileLock::FileLock(const FolderHandle& folder, const std::string& name) {
     constexpr int kTries = 100;
-    // A file that lost its name between opening and locking would be locked in vain: the next one to come
-    // makes another.
+    // A file that lost its name between opening and locking would be locked in vain: the next process creates
+    // another.
     for (int i = 0; i < kTries; ++i) {
         Open(folder, name);
         Lock();
@@ -31,7 +31,7 @@ void FileLock::Open(const FolderHandle& folder, const std::string& name) {
         failure = std::make_error_code(std::errc::operation_not_permitted);
         file = FileDescriptor();
     } else {
-        // The sticky bit keeps away who removes old files.
+        // The sticky bit keeps cleaners of old files from removing it.
         static_cast<void>(fchmod(file.Number(), S_ISVTX | S_IRUSR | S_IWUSR) == 0);
     }
 }

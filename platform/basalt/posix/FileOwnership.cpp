@@ -10,7 +10,7 @@ namespace {
 
 constexpr auto kSameId = static_cast<unsigned>(-1); ///< leaves the owner, or the group, as it is
 
-/// The permissions for a file whose group could not be given.
+/// The permissions for a file whose group could not be set.
 unsigned WithoutGroup(unsigned permissions) {
     return permissions & (~unsigned{S_IRWXG} | (permissions & S_IRWXO) << 3);
 }
@@ -45,7 +45,7 @@ bool FileOwnership::GiveTo(const std::string& path) const {
 }
 
 /// @param own the state of the new file
-/// @param changeOwner,changeMode the system's calls on it, which say whether they succeeded
+/// @param changeOwner,changeMode the system's calls on it, which return whether they succeeded
 template<class State, class ChangeOwner, class ChangeMode>
 bool FileOwnership::Give(const State& own, ChangeOwner changeOwner, ChangeMode changeMode) const {
     unsigned given = permissions;
@@ -53,7 +53,7 @@ bool FileOwnership::Give(const State& own, ChangeOwner changeOwner, ChangeMode c
         given = WithoutGroup(given);
     if (own.st_uid != owner)
         static_cast<void>(changeOwner(owner, kSameId));
-    // A file system without permissions may refuse even those that the file has anyway.
+    // A file system without permissions may refuse even those that the file already has.
     return (own.st_mode & kPermissionBits) == given || changeMode(given);
 }
 

@@ -1,7 +1,6 @@
 #include "basalt/FilePath.h"
 
 #include "basalt/posix/FileState.h"
-#include "basalt/posix/SystemError.h"
 
 #include <cstdio>
 #include <filesystem>

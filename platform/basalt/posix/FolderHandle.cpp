@@ -1,7 +1,6 @@
 #include "basalt/FolderHandle.h"
 
 #include "basalt/posix/FileState.h"
-#include "basalt/posix/SystemError.h"
 
 #include <cstdio>
 
@@ -38,7 +37,7 @@ std::error_code FolderHandle::Ask(const std::string& name, FileFacts* facts) con
     return {};
 }
 
-/// A folder that is open for steps alone can neither be described nor synced.
+/// A folder opened only as a path (O_PATH) can neither be changed nor synced.
 FileDescriptor FolderHandle::OpenItself() const {
     return FileDescriptor(openat(Number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
@@ -57,7 +56,7 @@ std::error_code FolderHandle::RenameToFree(const std::string& name, const std::s
         return {};
     if (errno != EINVAL && errno != ENOSYS)
         return LastError();
-    // A file system that cannot do it in one step: a second name is never put in place of another.
+    // For a file system without RENAME_NOREPLACE: link never replaces an existing name.
     if (linkat(Number(), name.c_str(), Number(), free.c_str(), 0) != 0)
         return LastError();
     return RemoveFile(name);

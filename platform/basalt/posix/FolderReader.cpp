@@ -1,7 +1,6 @@
 #include "basalt/FolderReader.h"
 
 #include "basalt/posix/FileState.h"
-#include "basalt/posix/SystemError.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -45,7 +44,7 @@ FolderReader::FolderReader(const FolderHandle& handle) : folder(OpenBeneath(hand
 }
 
 bStatus FolderReader::Next(FolderEntry* entry) {
-    // With the system's own calls: the standard library's iterator ends the program when it gets no memory.
+    // System calls, because the standard library's iterator ends the program when it gets no memory.
     while (!failure) {
         errno = 0; // nothing else distinguishes the end from a failure
         const dirent* const found = readdir(static_cast<DIR*>(folder.get()));

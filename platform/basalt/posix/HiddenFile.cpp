@@ -2,7 +2,6 @@
 
 #include "basalt/RandomName.h"
 #include "basalt/posix/FileState.h"
-#include "basalt/posix/SystemError.h"
 
 #include <cstdio>
 
@@ -15,8 +14,8 @@ HiddenFile::HiddenFile(const FolderHandle& folder, unsigned permissions) : folde
     failure = folder.IsOpen() ? std::make_error_code(std::errc::file_exists) : folder.Failure();
     for (int i = 0; i < kTries && failure == std::errc::file_exists; ++i) {
         hidden = RandomName(".corvane-");
-        // The permissions are given at creation: asking for the process's mask means changing it for a
-        // moment, under the feet of other threads.
+        // The permissions are set at creation: reading the process's mask means changing it for a moment,
+        // which other threads would notice.
         file = FileDescriptor(openat(folder.Number(), hidden.c_str(), kFlags, permissions));
         failure = IsOpen() ? std::error_code() : LastError();
     }
@@ -75,7 +74,7 @@ bool HiddenFile::Keep(const std::string& name) {
     return kept;
 }
 
-/// Keeps the first reason.
+/// Keeps the first error.
 bool HiddenFile::Note(bool succeeded) {
     if (!succeeded && !failure)
         failure = LastError();

@@ -1,7 +1,6 @@
 #include "basalt/InputFile.h"
 
 #include "basalt/posix/FileState.h"
-#include "basalt/posix/SystemError.h"
 
 #include <algorithm>
 
@@ -10,7 +9,7 @@
 
 namespace {
 
-/// Without blocking, because opening a FIFO that nobody writes would wait for ever.
+/// Non-blocking, because opening a FIFO without a writer would wait for ever.
 constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK;
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "basalt/LargePages.h"
+#include "basalt/SystemCalls.h"
 
 /// Large pages need a right here that operators do not have.
 void ReserveInLargePages(std::vector<std::uint8_t>& bytes, std::size_t size) {

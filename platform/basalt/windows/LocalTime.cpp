@@ -1,4 +1,4 @@
-#include "basalt/LocalTime.h"
+#include "basalt/SystemCalls.h"
 
 std::optional<std::tm> LocalTime(std::time_t moment) {
     std::tm local{};

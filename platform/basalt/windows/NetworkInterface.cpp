@@ -1,4 +1,4 @@
-#include "basalt/NetworkInterface.h"
+#include "basalt/bIpAddress.h"
 
 #include <cstring>
 

@@ -1,4 +1,4 @@
-#include "basalt/PlainNumber.h"
+#include "basalt/SystemCalls.h"
 
 #include <cstdlib>
 

@@ -1,4 +1,4 @@
-#include "basalt/SocketWait.h"
+#include "basalt/FileDescriptor.h"
 
 #include <algorithm>
 

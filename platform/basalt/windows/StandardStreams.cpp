@@ -1,4 +1,4 @@
-#include "basalt/StandardStreams.h"
+#include "basalt/SystemCalls.h"
 
 #include "basalt/windows/WideText.h"
 

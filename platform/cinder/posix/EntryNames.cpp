@@ -12,7 +12,7 @@ ArchiveLocale ArchiveLocale::Utf8() {
     return ArchiveLocale(locale);
 }
 
-/// A locale that the system does not have is null and leaves the thread's own in force.
+/// A locale that the system does not have is null; the thread's own then stays in effect.
 ArchiveLocale::ArchiveLocale(void* locale) : before(uselocale(static_cast<locale_t>(locale))) {
 }
 

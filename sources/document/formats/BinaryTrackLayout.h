@@ -1,10 +1,15 @@
 #pragma once
 
+#include "document/formats/TrackBytes.h"
+#include "document/formats/TrackInfo.h"
+#include "document/formats/TrackPath.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
-/// The fixed figures of the binary encoding.
+/// The constants of the binary encoding.
 namespace BinaryTrackLayout {
 
 constexpr std::size_t kMagicSize = 8;
@@ -19,13 +24,19 @@ constexpr std::int32_t kVersion = 1;
 constexpr std::int64_t kDimensionsOffset = 60;
 constexpr std::int64_t kMapOffset = 68;
 
-/// The heads of the blocks behind the height map.
+/// The tags of the blocks after the height map.
 constexpr std::int32_t kAnchorTag = 'A';
 constexpr std::int32_t kRulerTag = 'R';
 constexpr std::int32_t kSegmentTag = 'S';
 
 constexpr std::int64_t kAnchorSize = 24;
-/// Of a ruler record and of a segment record.
+/// The bytes of a ruler record and of a segment record.
 constexpr std::int64_t kRecordSize = 56;
 
 } // namespace BinaryTrackLayout
+
+/// Writes the ruler block, one record a tick, and the segment block, one record a point.
+/// @throws std::exception when a path's parallel lists are too short or there are more records than a block
+/// can count.
+void WriteBinaryPathBlocks(TrackByteWriter& out, const std::vector<TrackPath>& paths,
+                           const WorldTransform& transform);

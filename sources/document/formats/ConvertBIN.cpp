@@ -1,13 +1,10 @@
 #include "document/formats/ConvertBIN.h"
 
-#include "document/formats/BinaryPathBlocks.h"
 #include "document/formats/BinaryTrackLayout.h"
-#include "document/formats/Guarded.h"
-#include "document/formats/HeightRamp.h"
-#include "document/formats/SampleRamp.h"
-#include "document/formats/SampleRange.h"
-#include "document/formats/TargetFile.h"
-#include "document/formats/TrackByteReader.h"
+#include "document/formats/Converter.h"
+#include "document/formats/HeightColours.h"
+#include "document/formats/HeightRange.h"
+#include "document/formats/TrackBytes.h"
 #include "log/Log.h"
 
 #include <QImage>
@@ -27,7 +24,7 @@ void LogNotFound(const std::string& path) {
     LOG_LINE(ERROR) << "Could not find file (" << path << ")";
 }
 
-/// Reads the first bytes. @return whether they are those of a binary track; an ERROR line tells when not.
+/// Reads the first bytes. @return whether they are those of a binary track; if not, an ERROR line says so.
 bool ReadMagic(TrackByteReader& bytes, const std::string& path, Magic& magic) {
     if (bytes.Remaining() >= static_cast<std::int64_t>(kMagicSize)) {
         bytes.Read(magic.data(), magic.size());
@@ -43,7 +40,7 @@ bool BeginsAsTrack(TrackByteReader& bytes, const std::string& path) {
     return ReadMagic(bytes, path, magic);
 }
 
-/// Reads the version. @return whether its layout is known; an ERROR line tells when not.
+/// Reads the version. @return whether its layout is known; if not, an ERROR line says so.
 bool ReadKnownVersion(TrackByteReader& bytes) {
     const auto version = bytes.Read<std::int32_t>();
     if (version == kVersion)
@@ -52,7 +49,7 @@ bool ReadKnownVersion(TrackByteReader& bytes) {
     return false;
 }
 
-/// What stands between the version and the height map. Fields read before the file ends early are kept.
+/// Reads what is between the version and the height map. Fields before an early end of the file are kept.
 void ReadHeader(TrackByteReader& bytes, TrackInfo& info) {
     info.xResolution = bytes.Read<double>();
     info.yResolution = bytes.Read<double>();
@@ -93,8 +90,8 @@ std::int64_t MapSize(const TrackInfo& info) {
     return RowSize(info) * info.height;
 }
 
-/// The bytes of the height map that comes next in the file. @throws std::runtime_error when it is not all
-/// there.
+/// The bytes of the height map that comes next in the file. @throws std::runtime_error when the file does not
+/// hold all of it.
 std::int64_t MapSizeInFile(const TrackByteReader& bytes, const TrackInfo& info) {
     const std::int64_t size = MapSize(info);
     if (size > bytes.Remaining())
@@ -102,10 +99,10 @@ std::int64_t MapSizeInFile(const TrackByteReader& bytes, const TrackInfo& info) 
     return size;
 }
 
-/// Large enough that the pieces go past the stream's own buffer, small enough to stay in the cache.
+/// Large enough that the pieces bypass the stream's buffer, small enough to stay in the processor's cache.
 constexpr std::int64_t kSamplesAtOnce = std::int64_t{64} * 1024;
 
-/// Hands the samples of the next `size` bytes to `take`, so many at a time.
+/// Passes the samples of the next `size` bytes to `take`, up to `samplesAtOnce` at a time.
 template<typename Take>
 void ReadInPieces(TrackByteReader& bytes, std::int64_t size, std::int64_t samplesAtOnce, Take take) {
     constexpr auto kSampleSize = static_cast<std::int64_t>(sizeof(std::int16_t));
@@ -119,19 +116,19 @@ void ReadInPieces(TrackByteReader& bytes, std::int64_t size, std::int64_t sample
     }
 }
 
-/// Reads past the height map and fills the height range. Of a map cut short the whole rows count.
+/// Reads past the height map and fills the height range. Of a truncated map the complete rows count.
 void ReadRange(TrackByteReader& bytes, TrackInfo& info) {
     SampleRange range({info.zResolution, info.zOffset});
     info.minHeight = range.Lowest();
     info.maxHeight = range.Highest();
     const std::int64_t rowSize = RowSize(info);
     const std::int64_t mapSize = MapSize(info);
-    const std::int64_t wholeRows = rowSize > 0 ? std::min(mapSize, bytes.Remaining()) / rowSize : 0;
-    ReadInPieces(bytes, wholeRows * rowSize, kSamplesAtOnce,
+    const std::int64_t completeRows = rowSize > 0 ? std::min(mapSize, bytes.Remaining()) / rowSize : 0;
+    ReadInPieces(bytes, completeRows * rowSize, kSamplesAtOnce,
                  [&range](std::span<const std::int16_t> samples) { range.Add(samples); });
     info.minHeight = range.Lowest();
     info.maxHeight = range.Highest();
-    bytes.Skip(mapSize - wholeRows * rowSize);
+    bytes.Skip(mapSize - completeRows * rowSize);
 }
 
 /// The tag of the next block; none at the end of the file, where a block is missing.
@@ -141,7 +138,7 @@ std::optional<std::int32_t> NextTag(TrackByteReader& bytes) {
     return bytes.Read<std::int32_t>();
 }
 
-/// Passes over the anchor where there is one. @return the tag of the block after it.
+/// Skips the anchor if there is one. @return the tag of the block after it.
 std::optional<std::int32_t> SkipAnchor(TrackByteReader& bytes) {
     const std::optional<std::int32_t> tag = NextTag(bytes);
     if (tag != kAnchorTag)
@@ -150,7 +147,7 @@ std::optional<std::int32_t> SkipAnchor(TrackByteReader& bytes) {
     return NextTag(bytes);
 }
 
-/// Passes over the ruler records where `tag` heads them. @return the tag of the block after them.
+/// Skips the ruler records if `tag` is theirs. @return the tag of the block after them.
 std::optional<std::int32_t> SkipRulers(TrackByteReader& bytes, std::optional<std::int32_t> tag) {
     if (tag != kRulerTag)
         return tag;
@@ -177,7 +174,7 @@ PathPoint PointOf(const std::array<char, kRecordSize>& record) {
     return point;
 }
 
-/// Reads the count and as many records; those before the file ends early are kept.
+/// Reads the count and as many records; those before an early end of the file are kept.
 void ReadSegments(TrackByteReader& bytes, std::vector<TrackPath>& paths) {
     const auto count = bytes.Read<std::int32_t>();
     if (count < 0)
@@ -197,7 +194,7 @@ QImage ImageFor(const TrackInfo& info) {
     return image;
 }
 
-/// Paints the whole map, reading as many rows at a time as make up a piece.
+/// Paints the complete map, reading as many rows at a time as fit into a piece.
 void PaintRows(TrackByteReader& bytes, std::int64_t mapSize, const SampleRamp& ramp, QImage& image) {
     const auto width = static_cast<std::size_t>(image.width());
     const std::int64_t rowsAtOnce = std::max<std::int64_t>(1, kSamplesAtOnce / image.width());
@@ -222,7 +219,7 @@ int ReadInfoFrom(const std::string& path, TrackInfo& info) {
 }
 
 /// Goes to the height map, which must have the dimensions in `info`.
-/// @return false after an ERROR line when the file is no track of a known version
+/// @return false after an ERROR line when the file is not a track of a known version
 bool GoToMap(TrackByteReader& bytes, const std::string& path, const TrackInfo& info) {
     if (!BeginsAsTrack(bytes, path) || !ReadKnownVersion(bytes))
         return false;
@@ -317,7 +314,7 @@ int WriteTrackTo(const std::string& path, const TrackInfo& info, const HeightMap
     return CommitTarget(file, path);
 }
 
-/// Copies the anchor where there is one. Any other tag heads an old block, which is dropped with it.
+/// Copies the anchor if there is one. Any other tag belongs to an old block, which is dropped.
 void CopyAnchor(TrackByteReader& bytes, TrackByteWriter& out) {
     if (NextTag(bytes) != kAnchorTag)
         return;

@@ -1,23 +1,91 @@
 #include "document/formats/ConvertCSV.h"
 
-#include "document/formats/CsvPathWriter.h"
+#include "document/formats/Converter.h"
 #include "document/formats/CsvPaths.h"
 #include "document/formats/CsvScan.h"
-#include "document/formats/CsvSteps.h"
-#include "document/formats/Guarded.h"
 #include "document/formats/HeightColours.h"
+#include "document/formats/HeightRange.h"
+#include "document/formats/Heights.h"
 #include "document/formats/RawHeightCheck.h"
-#include "document/formats/TargetFile.h"
-#include "document/formats/WorldTransform.h"
+#include "document/formats/TrackInfo.h"
 #include "log/Log.h"
 
 #include <QImage>
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <new>
 #include <stdexcept>
 
 namespace {
+
+constexpr std::size_t kPixelBytes = std::tuple_size_v<HeightRamp::Colour>;
+
+int EmptyRow(const CsvLine& line, std::int64_t row) {
+    line.LogPlace();
+    LOG_LINE(ERROR) << "Cannot retrieve pixel values for row=" << row << " empty item vector";
+    return 1;
+}
+
+int InvalidRow(const CsvLine& line, std::int64_t row) {
+    line.LogPlace();
+    LOG_LINE(ERROR) << "Invalid row=" << row << " for pixel values retrieval";
+    return 1;
+}
+
+double TakeDouble(CsvFields& fields) {
+    double value = 0.0;
+    fields.NextNumber(value);
+    return value;
+}
+
+/// The colour of the next field's height; black for an empty field.
+const HeightRamp::Colour& NextPlainColour(CsvFields& fields, HeightColours& colours) {
+    double height = 0.0;
+    return fields.NextNumber(height) ? colours.ColourOf(height) : HeightRamp::kBlack;
+}
+
+void PaintRow(CsvFields& fields, HeightColours& colours, unsigned char* pixel) {
+    PackedDecimal packed;
+    for (; fields.HasNext(); pixel += kPixelBytes) {
+        const HeightRamp::Colour& colour =
+            fields.NextPacked(packed) ? colours.ColourOf(packed) : NextPlainColour(fields, colours);
+        std::memcpy(pixel, colour.data(), kPixelBytes);
+    }
+}
+
+void WidenRange(CsvFields& fields, HeightRange& range) {
+    PackedDecimal packed;
+    while (fields.HasNext()) {
+        double height = 0.0;
+        if (fields.NextPacked(packed))
+            range.Add(packed);
+        else if (fields.NextNumber(height))
+            range.Add(height);
+    }
+}
+
+/// Fills one row of raw heights with what `rawValue` makes of a column and its height.
+template<typename RawValue>
+int FillRow(const CsvLine& line, std::int64_t row, std::int32_t width, HeightMap& heights,
+            RawValue rawValue) {
+    return Guarded("[ExtractRowPixelData] (EXCEPTION) ", [&] {
+        if (!line.HasFields())
+            return EmptyRow(line, row);
+        const auto cells = static_cast<std::int64_t>(heights.size());
+        if (row < 0 || width <= 0 || row >= cells / width)
+            return InvalidRow(line, row);
+        CsvFields fields(line);
+        fields.Next();
+        auto cell = heights.begin() + row * width;
+        for (std::int32_t column = 0; column < width && fields.HasNext(); ++column, ++cell) {
+            double height = 0.0;
+            *cell = fields.NextNumber(height) ? rawValue(column, height) : kNoMeasurement;
+        }
+        return 0;
+    });
+}
 
 constexpr const char* kImageTag = "[ReadImageFromCsv] (EXCEPTION) ";
 constexpr const char* kPathTag = "[ReadPathFromCsv] (EXCEPTION) ";
@@ -38,8 +106,8 @@ int NotEnough() {
     return 1;
 }
 
-/// Whether a file of this size can hold a map of these dimensions. A full row takes a byte a cell at least; a
-/// small map is let through all the same, since rows may be short.
+/// Whether a file of this size can hold a map of these dimensions. A full row takes at least a byte a cell; a
+/// small map is accepted anyway, since rows may be short.
 bool CanHold(std::uint64_t fileSize, const TrackInfo& info) {
     constexpr std::uint64_t kSmallMap = std::uint64_t{1} << 20;
     if (info.width <= 0 || info.height <= 0)
@@ -57,7 +125,7 @@ QImage BlackImage(const TrackInfo& info) {
     return image;
 }
 
-/// Reads the height map whose header line the scan stands at.
+/// Reads the height map. The scan is at its header line.
 int ReadHeightRange(CsvScan& scan, TrackInfo& info) {
     if (ExtractYValues(scan.Line(), info.width, info.columnPositions) != 0)
         return 1;
@@ -71,9 +139,9 @@ int ReadHeightRange(CsvScan& scan, TrackInfo& info) {
     return 0;
 }
 
-/// Reads the anchor section whose head line the scan stands at.
+/// Reads the anchor section. The scan is at its first line.
 int ReadAnchor(CsvScan& scan, TrackInfo& info) {
-    scan.MoveBehindHeader();
+    scan.MoveAfterHeader();
     if (!scan.Line().HasFields()) {
         scan.Line().LogPlace();
         LOG_LINE(ERROR) << "Invalid image conversion row (empty)";
@@ -90,7 +158,7 @@ int ReadAnchor(CsvScan& scan, TrackInfo& info) {
     return 0;
 }
 
-/// An info section behind the map may tell other dimensions than those that the map was read with.
+/// An info section after the map may give other dimensions than those that the map was read with.
 int CheckDimensions(const TrackInfo& info) {
     const auto columns = static_cast<std::int64_t>(info.columnPositions.size());
     if (columns == info.width && static_cast<std::int64_t>(info.rowPositions.size()) == info.height)
@@ -105,7 +173,7 @@ int ReadInfoSections(CsvScan& scan, TrackInfo& info) {
     while (scan.Next()) {
         int result = 0;
         if (scan.Line().StartsWith("Info")) {
-            scan.MoveBehindHeader();
+            scan.MoveAfterHeader();
             result = ExtractInfo(scan.Line(), info);
         } else if (scan.Line().StartsWith("YX")) {
             hasHeightMap = true;
@@ -162,6 +230,107 @@ int CheckHeights(const RawHeightCheck& check) {
 }
 
 } // namespace
+
+int ExtractInfo(const CsvLine& line, TrackInfo& info) {
+    return Guarded("[ExtractInfo] (EXCEPTION) ", [&] {
+        if (!line.HasFields()) {
+            line.LogPlace();
+            LOG_LINE(ERROR) << "Cannot retrieve height map info from empty item vector";
+            return 1;
+        }
+        if (const std::size_t count = line.FieldCount(); count != 8) {
+            line.LogPlace();
+            LOG_LINE(ERROR) << "Invalid item count=" << count << " for height map info extraction";
+            return 1;
+        }
+        CsvFields fields(line);
+        for (double* const number : {&info.xResolution, &info.yResolution, &info.zResolution, &info.xOffset,
+                                     &info.yOffset, &info.zOffset})
+            *number = TakeDouble(fields);
+        info.width = ToInt32(fields.Next());
+        info.height = ToInt32(fields.Next());
+        return 0;
+    });
+}
+
+int ExtractYValues(const CsvLine& line, std::int32_t width, std::vector<double>& columnPositions) {
+    return Guarded("[ExtractYValues] (EXCEPTION) ", [&] {
+        if (!line.HasFields()) {
+            line.LogPlace();
+            LOG_LINE(ERROR) << "Cannot retrieve height map y values from empty item vector";
+            return 1;
+        }
+        const std::size_t count = line.FieldCount();
+        if (static_cast<std::int64_t>(count) != std::int64_t{width} + 1) {
+            line.LogPlace();
+            LOG_LINE(ERROR) << "Invalid item count=" << count << " for column world positions";
+            return 1;
+        }
+        columnPositions.clear();
+        columnPositions.reserve(count - 1);
+        CsvFields fields(line);
+        fields.Next();
+        while (fields.HasNext())
+            columnPositions.push_back(TakeDouble(fields));
+        return 0;
+    });
+}
+
+int FindMinMaxHeight(const CsvLine& line, std::int64_t row, std::vector<double>& rowPositions,
+                     double& minHeight, double& maxHeight) {
+    return Guarded("[FindMinMaxHeight] (EXCEPTION) ", [&] {
+        if (!line.HasFields())
+            return EmptyRow(line, row);
+        if (row < 0 || row >= static_cast<std::int64_t>(rowPositions.size()))
+            return InvalidRow(line, row);
+        CsvFields fields(line);
+        rowPositions[static_cast<std::size_t>(row)] = TakeDouble(fields);
+        HeightRange range(minHeight, maxHeight);
+        WidenRange(fields, range);
+        minHeight = range.Lowest();
+        maxHeight = range.Highest();
+        return 0;
+    });
+}
+
+int ExtractRowPixelValues(const CsvLine& line, std::int64_t row, HeightColours& colours, QImage& image) {
+    return Guarded("[ExtractRowPixelValues] (EXCEPTION) ", [&] {
+        if (!line.HasFields())
+            return EmptyRow(line, row);
+        if (row < 0 || row >= image.height())
+            return InvalidRow(line, row);
+        if (const std::size_t values = line.FieldCount() - 1;
+            static_cast<std::size_t>(image.width()) < values) {
+            line.LogPlace();
+            LOG_LINE(ERROR) << "Image width=" << image.width() << " does not match"
+                            << " pixel value count=" << values << " from csv file";
+            return 1;
+        }
+        if (!colours.IsValid()) {
+            line.LogPlace();
+            LOG_LINE(ERROR) << "Invalid depth range for pixel retrieval from CSV";
+            return 1;
+        }
+        CsvFields fields(line);
+        fields.Next();
+        PaintRow(fields, colours, image.scanLine(static_cast<int>(row)));
+        return 0;
+    });
+}
+
+int ExtractRowPixelData(const CsvLine& line, std::int64_t row, std::int32_t width, double zOffset,
+                        double zResolution, HeightMap& heights) {
+    return FillRow(line, row, width, heights, [&](std::int32_t /*column*/, double height) {
+        return RawHeight(height, zOffset, zResolution);
+    });
+}
+
+int ExtractRowPixelData(const CsvLine& line, std::int64_t row, std::int32_t width, RawHeightCheck& check,
+                        HeightMap& heights) {
+    return FillRow(line, row, width, heights, [&](std::int32_t column, double height) {
+        return check.RawValueOf({row, column, height});
+    });
+}
 
 int ConvertCSV::ReadInfo(const std::string& path, TrackInfo& info) {
     return Guarded("[ReadInfoFromCsv] (EXCEPTION) ", [&] {

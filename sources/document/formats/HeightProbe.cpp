@@ -2,10 +2,9 @@
 
 #include "basalt/FilePath.h"
 #include "document/formats/BinaryTrackLayout.h"
-#include "document/formats/HeightMap.h"
-#include "document/formats/SampleScale.h"
-#include "document/formats/TrackByteReader.h"
-#include "document/formats/TrackEncoding.h"
+#include "document/formats/Converter.h"
+#include "document/formats/Heights.h"
+#include "document/formats/TrackBytes.h"
 #include "log/Log.h"
 
 #include <cmath>
@@ -73,7 +72,7 @@ CellHeight HeightProbe::At(int column, int row) const {
             return {};
         return text ? text->At(column, row) : BinaryHeightAt(column, row);
     } catch (const std::exception&) {
-        return {}; // asked for with every move of the mouse: a line in the log for each would drown the rest
+        return {}; // asked for with every move of the mouse: a log line for each would flood the log
     }
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "basalt/FileFacts.h"
-#include "document/formats/CellHeight.h"
+#include "document/formats/Heights.h"
 #include "document/formats/TextHeights.h"
 #include "document/formats/TrackInfo.h"
 
@@ -11,8 +11,8 @@
 #include <optional>
 #include <string>
 
-/// Reads single heights of a track from its file when they are asked for, so that no map of them is held.
-/// A file that was changed since it was opened has no heights that are known. Nothing here throws.
+/// Reads single heights of a track from its file when they are asked for, so that no map of them is held. The
+/// heights of a file that was changed since it was opened are unknown. Nothing here throws.
 class HeightProbe {
   public:
     HeightProbe() = default;
@@ -23,7 +23,7 @@ class HeightProbe {
     void Open(const std::string& file, const TrackInfo& info);
     void Close();
 
-    /// Goes on for about that time with what has to be found out about the file. @return whether there is
+    /// Continues reading what it needs to know about the file for about that time. @return whether there is
     /// more
     bool Prepare(std::chrono::microseconds time);
 
@@ -32,7 +32,7 @@ class HeightProbe {
 
   private:
     void GiveUp(const std::exception& failure);
-    /// What a file that is written anew, or replaced, does not have any more.
+    /// The facts that change when a file is rewritten or replaced.
     static FileFacts IdentityOf(const std::string& file);
     [[nodiscard]] CellHeight BinaryHeightAt(int column, int row) const;
 

@@ -1,6 +1,6 @@
 #include "document/formats/NumberText.h"
 
-#include "basalt/PlainNumber.h"
+#include "basalt/SystemCalls.h"
 
 #include <charconv>
 #include <string>
@@ -12,8 +12,8 @@ bool IsDigit(char character) {
     return character >= '0' && character <= '9';
 }
 
-/// Whether the text starts as a number of the form that std::from_chars and the C library read alike: it may
-/// start with a minus, but with no blank, plus, word ("inf", "nan") or hexadecimal prefix.
+/// Whether the text starts as a number that std::from_chars and the C library read alike: it may start with a
+/// minus, but with no blank, plus, word ("inf", "nan") or hexadecimal prefix.
 bool StartsDecimal(std::string_view text) {
     if (!text.empty() && text.front() == '-')
         text.remove_prefix(1);

@@ -1,16 +1,16 @@
 #pragma once
 
-#include "document/formats/RawHeight.h"
+#include "document/formats/Heights.h"
 
 #include <cmath>
 #include <cstdint>
 #include <optional>
 #include <string>
 
-/// Watches the heights of a map on their way into raw values and says whether a file that keeps nothing else
-/// of them still holds the map: every measured cell needs a raw value of its own, and heights that differ
-/// must not all become one, since such a map has no height range and cannot be opened. A cell is measured
-/// when its height is finite.
+/// Checks the heights of a map while they become raw values: whether a file with nothing but these values
+/// still holds the map. Every measured cell needs a raw value within 16 bits, and different heights must not
+/// all become one value, since such a map has no height range and cannot be opened. A cell is measured when
+/// its height is finite.
 class RawHeightCheck {
   public:
     struct Cell {
@@ -24,7 +24,7 @@ class RawHeightCheck {
     /// What RawHeight gives for the cell's height.
     std::int16_t RawValueOf(const Cell& cell) {
         const std::int16_t raw = RawHeight(cell.height, zOffset, zResolution);
-        // Nearly every cell of nearly every map has nothing more to say.
+        // Nearly every cell returns here.
         if (!rawValuesDiffer || !HasRawValue(cell.height))
             Note(cell, raw);
         return raw;
@@ -47,7 +47,7 @@ class RawHeightCheck {
     bool hasRawValues;                   ///< whether any height has one
     std::optional<Cell> withoutRawValue; ///< the first of them
     std::optional<Cell> first;           ///< the first measured cell
-    std::optional<Cell> different;       ///< the first one whose height is another
+    std::optional<Cell> different;       ///< the first one with another height
     std::int16_t firstRaw = 0;
     bool rawValuesDiffer = false;
 };

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "document/formats/CellHeight.h"
 #include "document/formats/CsvScan.h"
+#include "document/formats/Heights.h"
 
 #include <chrono>
 #include <cstdint>
@@ -9,15 +9,15 @@
 #include <string>
 #include <vector>
 
-/// Reads single heights of a text track from its file. For that it has to know where rows start, which is
-/// found out in short pieces of time; what is kept is a few bytes for thousands of cells.
+/// Reads single heights of a text track from its file. It has to know where rows start, which Prepare finds
+/// in short slices of time; it keeps a few bytes for thousands of cells.
 class TextHeights {
   public:
     /// @param columns of the height map, at least 1
     /// @throws std::runtime_error when the file cannot be read
     TextHeights(std::string file, int columns);
 
-    /// Goes on finding rows for about that time. @return whether there are more to find
+    /// Continues finding rows for about that time. @return whether there are more to find
     /// @throws std::exception when the file cannot be read on
     bool Prepare(std::chrono::microseconds time);
 
@@ -26,7 +26,7 @@ class TextHeights {
     [[nodiscard]] CellHeight At(int column, int row) const;
 
   private:
-    /// Passes over one line of the file. @return false after the height map's last
+    /// Skips one line of the file. @return false after the height map's last
     bool TakeLine();
 
     std::string file;

@@ -1,11 +1,22 @@
 #pragma once
 
-#include "document/formats/RulerMarks.h"
-
 #include <QPointF>
 
+#include <array>
 #include <cstddef>
 #include <vector>
+
+/// The ruler marks of one segment, every point normalised to the canvas (0..1 across and down).
+struct RulerMarks {
+    using Band = std::array<QPointF, 4>;
+
+    std::vector<QPointF> tickStarts; ///< first end of each tick line across the segment
+    std::vector<QPointF> tickEnds;   ///< second end of each tick line
+    std::vector<Band> bands;         ///< the rectangle round each tick: Length across, Width along the path
+};
+
+/// The four integer parameters that every point of a path carries for the segment it starts.
+enum class SegmentParameter { Method, Length, Width, Space };
 
 /// One point of a path with the parameters of the segment that it starts.
 struct PathPoint {

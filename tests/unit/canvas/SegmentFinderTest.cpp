@@ -1,4 +1,4 @@
-#include "canvas/SegmentFinder.h"
+#include "canvas/PointFinder.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "document/PathLength.h"
+#include "document/TrackGeometry.h"
 
 #include <gtest/gtest.h>
 

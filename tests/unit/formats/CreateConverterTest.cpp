@@ -1,7 +1,6 @@
 #include "document/formats/ConvertBIN.h"
 #include "document/formats/ConvertCSV.h"
 #include "document/formats/Converter.h"
-#include "document/formats/TrackEncoding.h"
 
 #include "LogCapture.h"
 #include "TemporaryFolder.h"

@@ -1,5 +1,5 @@
-#include "document/formats/CsvPathWriter.h"
 #include "document/formats/ConvertCSV.h"
+#include "document/formats/CsvPaths.h"
 
 #include "DocumentSamples.h"
 #include "FileSizeLimit.h"

@@ -1,4 +1,4 @@
-#include "document/formats/CsvSteps.h"
+#include "document/formats/ConvertCSV.h"
 #include "document/formats/HeightColours.h"
 
 #include "LogCapture.h"

@@ -4,7 +4,6 @@
 #include "document/formats/Converter.h"
 #include "document/formats/TrackInfo.h"
 #include "document/formats/TrackPath.h"
-#include "document/formats/WorldTransform.h"
 
 #include <string>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "document/formats/HeightRamp.h"
+#include "document/formats/HeightColours.h"
 
 #include <gtest/gtest.h>
 

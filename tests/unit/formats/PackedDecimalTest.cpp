@@ -1,4 +1,4 @@
-#include "document/formats/PackedDecimal.h"
+#include "document/formats/NumberText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "document/formats/SampleRamp.h"
+#include "document/formats/HeightColours.h"
 
 #include <gtest/gtest.h>
 

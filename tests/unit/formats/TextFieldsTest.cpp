@@ -1,4 +1,4 @@
-#include "document/formats/CsvLine.h"
+#include "document/formats/CsvScan.h"
 #include "document/formats/NumberText.h"
 
 #include "CommaLocale.h"

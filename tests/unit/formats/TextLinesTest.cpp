@@ -1,4 +1,4 @@
-#include "document/formats/TextLines.h"
+#include "document/formats/CsvScan.h"
 
 #include "TemporaryFolder.h"
 
@@ -70,7 +70,7 @@ TEST(TextLines, keepsLinesOfEveryLengthWhole) {
 TEST(TextLines, failsAtALineThatIsTooLong) {
     const TemporaryFolder folder;
     WriteFile("a", "first\n");
-    std::filesystem::resize_file("a", 4 * TextLines::kLongestLine);
+    std::filesystem::resize_file("a", 4 * TextLines::kMaxLineLength);
     TextLines lines("a");
     std::string_view line;
     ASSERT_TRUE(lines.Next(line));
@@ -78,7 +78,7 @@ TEST(TextLines, failsAtALineThatIsTooLong) {
 }
 
 TEST(TextLines, takesTheLongestLineAndNoneThatIsAByteLonger) {
-    const std::string longest(TextLines::kLongestLine, 'x');
+    const std::string longest(TextLines::kMaxLineLength, 'x');
     for (const std::string end : {"", "\nmore\n"}) {
         const TemporaryFolder folder;
         WriteFile("a", longest + end);

@@ -1,4 +1,4 @@
-#include "document/formats/TrackByteReader.h"
+#include "document/formats/TrackBytes.h"
 
 #include "TemporaryFolder.h"
 

@@ -1,6 +1,6 @@
 #include "FakeClock.h"
 
-#include "log/NowTime.h"
+#include "log/Log.h"
 
 #include <cstring>
 

@@ -1,4 +1,4 @@
-#include "basalt/FileReplacement.h"
+#include "basalt/AtomicFile.h"
 
 #include "FileSizeLimit.h"
 #include "TemporaryFolder.h"

@@ -1,7 +1,6 @@
 // The starts of the two libraries that the program asks for first.
 
-#include "cinder/VeApiLib.h"
-#include "cinder/bCdLib.h"
+#include "cinder/Libraries.h"
 
 #include <gtest/gtest.h>
 

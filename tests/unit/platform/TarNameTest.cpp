@@ -10,7 +10,7 @@ using testing::IsEmpty;
 TEST(TarName, isNarrowWhenItStaysInside) {
     for (const char* const name : {"a", "a/b/c.trk", "./a", ".", "a/", "a//b", "...", "..a/b..", "a b",
                                    "größe", "ab:c", "line\nfeed", "a\\b", ".hidden"})
-        EXPECT_TRUE(IsNarrowTarName(name)) << name;
+        EXPECT_TRUE(IsConfinedTarName(name)) << name;
 }
 
 TEST(TarName, isNotNarrowWhenItCouldLeaveTheFolderOnAnySystem) {
@@ -18,22 +18,22 @@ TEST(TarName, isNotNarrowWhenItCouldLeaveTheFolderOnAnySystem) {
                                    "a/..",  "a/../b",   "a/../../b", "./..", "\\a",   "\\\\server\\share",
                                    "..\\a", "a\\..\\b", "a/..\\b",   "C:",   "C:\\a", "C:a",
                                    "c:/a",  "a\\.."})
-        EXPECT_FALSE(IsNarrowTarName(name)) << name;
+        EXPECT_FALSE(IsConfinedTarName(name)) << name;
 }
 
 TEST(TarName, knowsEveryDriveAndNothingElseAsOne) {
     for (const char drive : {'a', 'b', 'z', 'A', 'B', 'Z'})
-        EXPECT_FALSE(IsNarrowTarName(std::string(1, drive) + ":x")) << drive;
+        EXPECT_FALSE(IsConfinedTarName(std::string(1, drive) + ":x")) << drive;
     for (const char other : {'`', '{', '@', '[', '0', '\xE4'})
-        EXPECT_TRUE(IsNarrowTarName(std::string(1, other) + ":x")) << other;
+        EXPECT_TRUE(IsConfinedTarName(std::string(1, other) + ":x")) << other;
 }
 
 TEST(TarName, isNarrowDownToADepth) {
     std::string name;
-    for (std::size_t i = 0; i < kTarDeepest; ++i)
+    for (std::size_t i = 0; i < kMaxTarDepth; ++i)
         name += "a/";
-    EXPECT_TRUE(IsNarrowTarName(name));
-    EXPECT_FALSE(IsNarrowTarName(name + "b"));
+    EXPECT_TRUE(IsConfinedTarName(name));
+    EXPECT_FALSE(IsConfinedTarName(name + "b"));
 }
 
 TEST(TarName, hasTheirPartsWithoutEmptyOnesAndDots) {

@@ -1,8 +1,8 @@
 #include "ostrasdk/VeDiscoveryClient.h"
 
 #include "DiscoveryResponder.h"
-#include "ostrasdk/DiscoveryKeys.h"
 #include "ostrasdk/DiscoveryTargets.h"
+#include "ostrasdk/VeInstance.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -6,7 +6,6 @@
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
 #include "wire/ContentDigest.h"
-#include "wire/Crc32c.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,6 @@
 #include "basalt/AtomicFile.h"
 #include "basalt/FileLock.h"
 #include "basalt/FilePath.h"
-#include "basalt/FileReplacement.h"
 #include "basalt/FolderReader.h"
 #include "basalt/bDirectory.h"
 #include "basalt/bFile.h"

@@ -1,6 +1,5 @@
 #include "IndependentTrack.h"
 #include "TemporaryFolder.h"
-#include "samples/Decimal.h"
 #include "samples/SampleOptionsReader.h"
 #include "samples/SampleWorkspace.h"
 #include "samples/TrackFileWriter.h"

@@ -1,4 +1,4 @@
-#include "wire/JsonFlaw.h"
+#include "wire/JsonText.h"
 
 #include <gtest/gtest.h>
 

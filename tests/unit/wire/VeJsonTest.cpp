@@ -56,7 +56,7 @@ TEST(VeJson, refusesAKeyThatStandsTwiceInAnObject) {
         SCOPED_TRACE(text);
         const Ve::Exception refusal = ThrownBy([&] { VeJson::ParseString(text); });
         EXPECT_EQ(refusal.Status(), bERROR_FORMAT);
-        EXPECT_STREQ(refusal.what(), "A key stands twice.");
+        EXPECT_STREQ(refusal.what(), "A key is repeated.");
     }
 }
 

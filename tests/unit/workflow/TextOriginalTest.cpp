@@ -1,4 +1,4 @@
-#include "workflow/TextOriginal.h"
+#include "workflow/KeptCopies.h"
 
 #include "FolderTree.h"
 #include "LogCapture.h"

@@ -1,5 +1,0 @@
-#include "basalt/bAlloc.h"
-
-bAlloc bAlloc_Application() {
-    return std::pmr::new_delete_resource();
-}
