@@ -68,7 +68,7 @@ enum class Outcome : std::uint8_t {
 };
 
 /// An operation, and what has to be true after it.
-struct AllocationRoad {
+struct AllocationScenario {
     std::function<void()> prepare;              ///< makes what has to stand before it
     std::function<bool()> operate;              ///< whether it succeeded; its exceptions are no success
     std::function<void(Outcome outcome)> check; ///< @throws std::runtime_error with what is wrong
@@ -90,7 +90,7 @@ bool Load(const std::string& path, QMaskWidget& canvas) {
            canvas.loadPaths(QString::fromStdString(path)) == 0;
 }
 
-AllocationRoad LoadRoad(const std::string& name, QMaskWidget& canvas) {
+AllocationScenario LoadScenario(const std::string& name, QMaskWidget& canvas) {
     return {[] {}, [name, &canvas] { return Load(TrackOf(name), canvas); },
             [name, &canvas](Outcome outcome) {
                 Require(FileContent(TrackOf(name)) == Tracks().at(name), "loading has changed the file");
@@ -117,7 +117,7 @@ bool IsSaved(const std::string& file) {
     }
 }
 
-AllocationRoad SaveRoad(const std::string& name, QMaskWidget& canvas) {
+AllocationScenario SaveScenario(const std::string& name, QMaskWidget& canvas) {
     return {[name, &canvas] { Require(Load(TrackOf(name), canvas), "the track cannot be loaded"); },
             [name, &canvas] { return Save(TrackOf(name), canvas); },
             [name](Outcome outcome) {
@@ -128,7 +128,7 @@ AllocationRoad SaveRoad(const std::string& name, QMaskWidget& canvas) {
             }};
 }
 
-AllocationRoad UnpackRoad() {
+AllocationScenario UnpackScenario() {
     return {[] {},
             [] {
                 static_cast<void>(UnpackBackup(kBackup));
@@ -147,7 +147,7 @@ AllocationRoad UnpackRoad() {
             }};
 }
 
-AllocationRoad PackRoad() {
+AllocationScenario PackScenario() {
     return {[] {
                 static_cast<void>(UnpackBackup(kBackup));
                 static_cast<void>(UnpackWorkspace());
@@ -163,16 +163,16 @@ AllocationRoad PackRoad() {
             }};
 }
 
-AllocationRoad RoadOf(const std::string& name, QMaskWidget& canvas) {
+AllocationScenario ScenarioOf(const std::string& name, QMaskWidget& canvas) {
     if (name == "memory-load-text")
-        return LoadRoad("text.trk", canvas);
+        return LoadScenario("text.trk", canvas);
     if (name == "memory-load-binary")
-        return LoadRoad("binary.trk", canvas);
+        return LoadScenario("binary.trk", canvas);
     if (name == "memory-save-text")
-        return SaveRoad("text.trk", canvas);
+        return SaveScenario("text.trk", canvas);
     if (name == "memory-save-binary")
-        return SaveRoad("binary.trk", canvas);
-    return name == "memory-pack" ? PackRoad() : UnpackRoad();
+        return SaveScenario("binary.trk", canvas);
+    return name == "memory-pack" ? PackScenario() : UnpackScenario();
 }
 
 // How a trial's process ends, other than by what the operation calls.
@@ -180,46 +180,46 @@ constexpr int kPassed = 0;
 constexpr int kNoneFailed = 10; ///< there were fewer allocations
 constexpr int kWrong = 11;
 
-void Prepare(const AllocationRoad& road) {
+void Prepare(const AllocationScenario& scenario) {
     for (const auto& [file, content] : Tracks())
         WriteFile(file, content);
     WriteFile(kBackup, BackupArchive(Tracks()));
-    road.prepare();
+    scenario.prepare();
 }
 
 /// The operation with one allocation that fails, and once more without. @return kPassed or kNoneFailed
-int FailOne(const AllocationRoad& road, long failing) {
+int FailOne(const AllocationScenario& scenario, long failing) {
     Outcome outcome = Outcome::Failed;
-    Prepare(road);
+    Prepare(scenario);
     try {
         CountAllocations(failing);
-        if (road.operate())
+        if (scenario.operate())
             outcome = Outcome::Succeeded;
     } catch (const Ve::Exception&) {
     } catch (const std::bad_alloc&) { // the program would end here, with its files as they are
     }
     const bool failed = StopCountingAllocations() >= failing;
-    road.check(outcome);
+    scenario.check(outcome);
     Require(failed || outcome == Outcome::Succeeded, "it failed though every allocation succeeded");
     if (!failed)
         return kNoneFailed;
-    Require(road.operate(), "it does not work the next time");
-    road.check(Outcome::Succeeded);
+    Require(scenario.operate(), "it does not work the next time");
+    scenario.check(Outcome::Succeeded);
     return kPassed;
 }
 
 /// What a process has left that ended within the operation, and the operation from a new start.
-int CheckEnded(const AllocationRoad& road) {
-    road.check(Outcome::Ended);
+int CheckEnded(const AllocationScenario& scenario) {
+    scenario.check(Outcome::Ended);
     for (const fs::path& hidden : HiddenIn(".")) // they may stay, but not count against the next start
         fs::remove(hidden);
-    Prepare(road);
-    Require(road.operate(), "it does not work after the next start");
-    road.check(Outcome::Succeeded);
+    Prepare(scenario);
+    Require(scenario.operate(), "it does not work after the next start");
+    scenario.check(Outcome::Succeeded);
     return kPassed;
 }
 
-using TrialWork = std::function<int(const AllocationRoad& road)>;
+using TrialWork = std::function<int(const AllocationScenario& scenario)>;
 
 [[noreturn]] void Perform(const std::string& name, const std::string& folder, const TrialWork& work) {
     int result = kWrong;
@@ -229,7 +229,7 @@ using TrialWork = std::function<int(const AllocationRoad& road)>;
         const int said = open((folder + kSaid).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
         dup2(said, STDERR_FILENO);
         QMaskWidget canvas;
-        result = work(RoadOf(name, canvas));
+        result = work(ScenarioOf(name, canvas));
     } catch (const std::exception& problem) {
         std::printf("    %s\n", problem.what());
         std::fflush(stdout);
@@ -266,7 +266,7 @@ void TellProblem(long failing, int status) {
 
 } // namespace
 
-std::vector<std::string> AllocationRoads() {
+std::vector<std::string> AllocationScenarios() {
     return {"memory-load-text",   "memory-load-binary", "memory-save-text",
             "memory-save-binary", "memory-pack",        "memory-unpack"};
 }
@@ -278,7 +278,8 @@ AllocationResult RunAllocations(const std::string& name, const std::string& fold
     for (long failing = 1; result.problems < kMostProblems; failing += failing < kAllTaken ? 1 : step) {
         fs::remove_all(folder + "/work");
         fs::create_directory(folder + "/work");
-        int status = InProcess(name, folder, [failing](const auto& road) { return FailOne(road, failing); });
+        int status =
+            InProcess(name, folder, [failing](const auto& scenario) { return FailOne(scenario, failing); });
         if (LibraryHasExited(status, folder)) {
             ++result.exits;
             status = InProcess(name, folder, CheckEnded);

@@ -4,7 +4,7 @@
 #include <vector>
 
 /// The operations whose allocations fail one after the other: their names.
-std::vector<std::string> AllocationRoads();
+std::vector<std::string> AllocationScenarios();
 
 /// What came out of one of them.
 struct AllocationResult {
@@ -18,4 +18,4 @@ struct AllocationResult {
 /// time it has to end well or with an error of its own, leave whole files, and work when it is done again.
 /// Where the archive library ends the process, the files have to be whole, and the next start has to work.
 /// @param step 1 for every allocation; more leaves some out, but none of the first 100
-AllocationResult RunAllocations(const std::string& road, const std::string& folder, long step);
+AllocationResult RunAllocations(const std::string& scenario, const std::string& folder, long step);

@@ -17,14 +17,14 @@ namespace {
 constexpr unsigned kPatience = 120; // seconds for one run: a hang ends it
 
 /// The process of one run: what it finds goes to a file.
-[[noreturn]] void Perform(const TrialRoad& road, const Trial& trial, const std::string& folder,
+[[noreturn]] void Perform(const TrialScenario& scenario, const Trial& trial, const std::string& folder,
                           bool afterKill) {
     alarm(kPatience);
     fs::current_path(folder);
     Problems problems;
     FileCallReport* const report = MapReport("report");
     try {
-        problems = afterKill ? road.RunAfterKill() : road.Run(trial, *report);
+        problems = afterKill ? scenario.RunAfterKill() : scenario.Run(trial, *report);
     } catch (const std::exception& exception) {
         problems.emplace_back(exception.what());
     }
@@ -59,7 +59,7 @@ void Harness::Start(const Trial& trial) {
     Running running{trial, folder + "/" + std::to_string(++started)};
     fs::create_directory(running.folder);
     FileCallReport* const report = MapReport((running.folder + "/report").c_str());
-    road.Arrange(*report);
+    scenario.Arrange(*report);
     report->fault = trial.fault;
     report->at = trial.at;
     munmap(report, sizeof(FileCallReport));
@@ -75,7 +75,7 @@ void Harness::StartProcess(const Running& running) {
     std::fflush(stdout);
     const pid_t process = fork();
     if (process == 0)
-        Perform(road, running.trial, running.folder, running.afterKill);
+        Perform(scenario, running.trial, running.folder, running.afterKill);
     processes[process] = running;
 }
 

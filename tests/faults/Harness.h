@@ -8,11 +8,11 @@
 
 #include <sys/types.h>
 
-/// Runs trials of one road, several at a time, each in a process and a folder of its own.
+/// Runs trials of one scenario, several at a time, each in a process and a folder of its own.
 class Harness {
   public:
-    Harness(const TrialRoad& road, std::string folder, int jobs)
-        : road(road), folder(std::move(folder)), jobs(jobs) {}
+    Harness(const TrialScenario& scenario, std::string folder, int jobs)
+        : scenario(scenario), folder(std::move(folder)), jobs(jobs) {}
 
     /// A run without a fault. @return how many calls it made; 0 when it did not even succeed
     long CountCalls();
@@ -38,7 +38,7 @@ class Harness {
     void Ended(const Running& running, int status);
     void Conclude(const Running& running, const Problems& problems);
 
-    const TrialRoad& road;
+    const TrialScenario& scenario;
     std::string folder;
     int jobs;
     int started = 0;

@@ -77,7 +77,7 @@ void RestoreWell(Problems& problems, const OstraServerProcess& server, const std
 } // namespace
 
 void ServerTrial::Arrange(FileCallReport& report) const {
-    TrialRoad::Arrange(report);
+    TrialScenario::Arrange(report);
     report.noExchange = noExchange;
 }
 

@@ -6,29 +6,29 @@
 #include <string>
 #include <string_view>
 
-/// One run of one road with one fault.
+/// One run of one scenario with one fault.
 struct Trial {
     Fault fault = Fault::None;
     long at = 0;        ///< the call that it falls on, from 1
     int freePages = -1; ///< in place of a fault: a file system of its own with this much room; -1 for none
 };
 
-/// What a road has to do with a trial. Everything here runs in a process of its own, whose working folder is
-/// an empty one.
-class TrialRoad {
+/// What a scenario has to do with a trial. Everything here runs in a process of its own, whose working folder
+/// is an empty one.
+class TrialScenario {
   public:
     /// @param reads the faults fall on the calls that read, in place of those that change something
-    explicit TrialRoad(bool reads) : reads(reads) {}
-    TrialRoad(const TrialRoad&) = delete;
-    TrialRoad& operator=(const TrialRoad&) = delete;
-    virtual ~TrialRoad() = default;
+    explicit TrialScenario(bool reads) : reads(reads) {}
+    TrialScenario(const TrialScenario&) = delete;
+    TrialScenario& operator=(const TrialScenario&) = delete;
+    virtual ~TrialScenario() = default;
 
     [[nodiscard]] bool Reads() const { return reads; }
     /// Says what has to be watched before a run.
     virtual void Arrange(FileCallReport& report) const { report.reads = reads; }
-    /// The road from its beginning, the fault on the way, and the same operation once more without one.
+    /// The scenario from its beginning, the fault on the way, and the same operation once more without one.
     virtual Problems Run(const Trial& trial, FileCallReport& report) const = 0;
-    /// What a killed run has left, and the road from its beginning, without a fault.
+    /// What a killed run has left, and the scenario from its beginning, without a fault.
     virtual Problems RunAfterKill() const = 0;
 
   private:

@@ -8,12 +8,12 @@
 
 /// One operation on the operator's files, from the first file to the last check. The working folder is the
 /// editor's; "../desk/" beside it holds files that the operator has put there.
-class Road {
+class Scenario {
   public:
-    Road() = default;
-    Road(const Road&) = delete;
-    Road& operator=(const Road&) = delete;
-    virtual ~Road() = default;
+    Scenario() = default;
+    Scenario(const Scenario&) = delete;
+    Scenario& operator=(const Scenario&) = delete;
+    virtual ~Scenario() = default;
 
     /// The files that stand there before the editor starts.
     [[nodiscard]] virtual FileTree Before() const = 0;
@@ -62,15 +62,15 @@ class Road {
                             const FileTree& now);
 };
 
-/// The roads through the window by their names in the order of the documentation.
-std::vector<std::pair<std::string, std::unique_ptr<Road>>> TrackRoads();
-std::vector<std::pair<std::string, std::unique_ptr<Road>>> BackupRoads();
-/// The roads on which copies are kept of what they discard.
-std::vector<std::pair<std::string, std::unique_ptr<Road>>> KeepingRoads();
-/// The roads that only read.
-std::vector<std::pair<std::string, std::unique_ptr<Road>>> LoadRoads();
-/// The roads on which only failing reads are new: what they write, others write in the same way.
-std::vector<std::pair<std::string, std::unique_ptr<Road>>> UploadRoads();
+/// The scenarios through the window by their names in the order of the documentation.
+std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> TrackScenarios();
+std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> BackupScenarios();
+/// The scenarios on which copies are kept of what they discard.
+std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> KeepingScenarios();
+/// The scenarios that only read.
+std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> LoadScenarios();
+/// The scenarios on which only failing reads are new: what they write, others write in the same way.
+std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> UploadScenarios();
 
 /// What the server that the backup is fetched from holds.
 FileTree ServedTracks();

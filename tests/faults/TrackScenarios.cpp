@@ -1,4 +1,4 @@
-#include "Road.h"
+#include "Scenario.h"
 
 #include "canvas/qmaskwidget.h"
 
@@ -42,7 +42,7 @@ FileTree Workspace() {
 }
 
 /// "Save": by way of a temporary track, in place of a track of the workspace.
-class SaveInPlace final : public Road {
+class SaveInPlace final : public Scenario {
   public:
     explicit SaveInPlace(std::string track) : track(std::move(track)) {}
 
@@ -69,7 +69,7 @@ class SaveInPlace final : public Road {
 };
 
 /// "Save As", from one file of the desk to another.
-class SaveAs final : public Road {
+class SaveAs final : public Scenario {
   public:
     SaveAs(std::string original, std::string target)
         : original(std::move(original)), target(std::move(target)) {}
@@ -105,7 +105,7 @@ class SaveAs final : public Road {
 };
 
 /// "Save" of an external track, which joins the workspace.
-class SaveExternal final : public Road {
+class SaveExternal final : public Scenario {
   public:
     [[nodiscard]] FileTree Before() const override { return InFolder(kDesk, Desk()); }
     void LeadUp(WindowOperator& window) const override {
@@ -134,7 +134,7 @@ class SaveExternal final : public Road {
 };
 
 /// "Load" of a track of the workspace, while another one is open.
-class LoadTrack final : public Road {
+class LoadTrack final : public Scenario {
   public:
     explicit LoadTrack(std::string track) : track(std::move(track)) {}
 
@@ -174,7 +174,7 @@ class LoadTrack final : public Road {
 
 } // namespace
 
-void Road::CheckListed(Problems& problems, WindowOperator& window, const FileTree& tracks) {
+void Scenario::CheckListed(Problems& problems, WindowOperator& window, const FileTree& tracks) {
     const auto& combo = window.Find<QComboBox>("comboBox_file");
     std::vector<std::string> names;
     names.reserve(static_cast<std::size_t>(combo.count()));
@@ -188,8 +188,8 @@ void Road::CheckListed(Problems& problems, WindowOperator& window, const FileTre
         problems.emplace_back("the list of tracks is another");
 }
 
-void Road::CheckOthers(Problems& problems, const std::string& folder, const FileTree& before,
-                       const FileTree& now) {
+void Scenario::CheckOthers(Problems& problems, const std::string& folder, const FileTree& before,
+                           const FileTree& now) {
     for (const auto& [name, content] : before) {
         const auto found = now.find(name);
         if (found == now.end() || found->second != content)
@@ -200,19 +200,19 @@ void Road::CheckOthers(Problems& problems, const std::string& folder, const File
             problems.push_back(folder + name + " would be taken for content");
 }
 
-std::vector<std::pair<std::string, std::unique_ptr<Road>>> TrackRoads() {
-    std::vector<std::pair<std::string, std::unique_ptr<Road>>> roads;
-    roads.emplace_back("save-text", std::make_unique<SaveInPlace>("text.trk"));
-    roads.emplace_back("save-binary", std::make_unique<SaveInPlace>("binary.trk"));
-    roads.emplace_back("save-as-new", std::make_unique<SaveAs>("text.trk", "fresh.trk"));
-    roads.emplace_back("save-as-existing", std::make_unique<SaveAs>("binary.trk", "old.trk"));
-    roads.emplace_back("save-external", std::make_unique<SaveExternal>());
-    return roads;
+std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> TrackScenarios() {
+    std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> scenarios;
+    scenarios.emplace_back("save-text", std::make_unique<SaveInPlace>("text.trk"));
+    scenarios.emplace_back("save-binary", std::make_unique<SaveInPlace>("binary.trk"));
+    scenarios.emplace_back("save-as-new", std::make_unique<SaveAs>("text.trk", "fresh.trk"));
+    scenarios.emplace_back("save-as-existing", std::make_unique<SaveAs>("binary.trk", "old.trk"));
+    scenarios.emplace_back("save-external", std::make_unique<SaveExternal>());
+    return scenarios;
 }
 
-std::vector<std::pair<std::string, std::unique_ptr<Road>>> LoadRoads() {
-    std::vector<std::pair<std::string, std::unique_ptr<Road>>> roads;
-    roads.emplace_back("load-text", std::make_unique<LoadTrack>("text.trk"));
-    roads.emplace_back("load-binary", std::make_unique<LoadTrack>("binary.trk"));
-    return roads;
+std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> LoadScenarios() {
+    std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> scenarios;
+    scenarios.emplace_back("load-text", std::make_unique<LoadTrack>("text.trk"));
+    scenarios.emplace_back("load-binary", std::make_unique<LoadTrack>("binary.trk"));
+    return scenarios;
 }

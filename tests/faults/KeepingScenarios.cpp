@@ -1,4 +1,4 @@
-#include "Road.h"
+#include "Scenario.h"
 
 namespace {
 
@@ -39,7 +39,7 @@ void OpenAndEdit(WindowOperator& window) {
 }
 
 /// A track is left with unsaved paths, by loading another one.
-class LoadOverUnsaved final : public Road {
+class LoadOverUnsaved final : public Scenario {
   public:
     [[nodiscard]] FileTree Before() const override { return OnDesk(Tracks()); }
     void LeadUp(WindowOperator& window) const override {
@@ -57,7 +57,7 @@ class LoadOverUnsaved final : public Road {
 };
 
 /// A track is left with unsaved paths by "Reset", which closes everything.
-class ResetOverUnsaved final : public Road {
+class ResetOverUnsaved final : public Scenario {
   public:
     [[nodiscard]] FileTree Before() const override { return OnDesk(Tracks()); }
     void LeadUp(WindowOperator& window) const override { OpenAndEdit(window); }
@@ -72,7 +72,7 @@ class ResetOverUnsaved final : public Road {
 };
 
 /// "Delete" of one track after the other.
-class DeleteTrack final : public Road {
+class DeleteTrack final : public Scenario {
   public:
     [[nodiscard]] FileTree Before() const override { return OnDesk(Doomed()); }
     void LeadUp(WindowOperator& window) const override {
@@ -98,7 +98,7 @@ class DeleteTrack final : public Road {
 };
 
 /// "Load Backup" over a workspace with a track that was saved and not sent, and then edited further.
-class LoadBackupOverWork final : public Road {
+class LoadBackupOverWork final : public Scenario {
   public:
     [[nodiscard]] FileTree Before() const override { return OnDesk(Tracks()); }
     void LeadUp(WindowOperator& window) const override {
@@ -131,7 +131,7 @@ bool IsComplete(const std::string& content, Read read) {
 
 } // namespace
 
-Problems Road::CheckKept() {
+Problems Scenario::CheckKept() {
     Problems problems;
     for (const auto& [name, content] : FilesIn("../kept"))
         if (LooksLikeContent(name) && !IsComplete(content, independent::ReadBinary) &&
@@ -140,11 +140,11 @@ Problems Road::CheckKept() {
     return problems;
 }
 
-std::vector<std::pair<std::string, std::unique_ptr<Road>>> KeepingRoads() {
-    std::vector<std::pair<std::string, std::unique_ptr<Road>>> roads;
-    roads.emplace_back("load-over-unsaved", std::make_unique<LoadOverUnsaved>());
-    roads.emplace_back("reset-over-unsaved", std::make_unique<ResetOverUnsaved>());
-    roads.emplace_back("delete-track", std::make_unique<DeleteTrack>());
-    roads.emplace_back("load-backup-over-work", std::make_unique<LoadBackupOverWork>());
-    return roads;
+std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> KeepingScenarios() {
+    std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> scenarios;
+    scenarios.emplace_back("load-over-unsaved", std::make_unique<LoadOverUnsaved>());
+    scenarios.emplace_back("reset-over-unsaved", std::make_unique<ResetOverUnsaved>());
+    scenarios.emplace_back("delete-track", std::make_unique<DeleteTrack>());
+    scenarios.emplace_back("load-backup-over-work", std::make_unique<LoadBackupOverWork>());
+    return scenarios;
 }

@@ -1,4 +1,4 @@
-#include "Road.h"
+#include "Scenario.h"
 
 #include "TemporaryFolder.h"
 
@@ -99,7 +99,7 @@ void ConnectSensor(WindowOperator& window) {
 }
 
 /// "Save to Backup File" after an edit.
-class SaveBackup final : public Road {
+class SaveBackup final : public Scenario {
   public:
     [[nodiscard]] FileTree Before() const override { return OnDesk(); }
     void LeadUp(WindowOperator& window) const override {
@@ -118,7 +118,7 @@ class SaveBackup final : public Road {
 };
 
 /// "Load Backup" over what an earlier one has unpacked.
-class LoadBackup final : public Road {
+class LoadBackup final : public Scenario {
   public:
     [[nodiscard]] FileTree Before() const override { return OnDesk(); }
     void LeadUp(WindowOperator& window) const override {
@@ -141,7 +141,7 @@ class LoadBackup final : public Road {
 };
 
 /// "Connect Sensor": a server's backup in place of the one that an earlier day has left.
-class ServerBackup final : public Road {
+class ServerBackup final : public Scenario {
   public:
     [[nodiscard]] FileTree Before() const override {
         FileTree files = OnDesk();
@@ -176,7 +176,7 @@ class ServerBackup final : public Road {
 };
 
 /// "Sync to server" after an edit.
-class Upload final : public Road {
+class Upload final : public Scenario {
   public:
     [[nodiscard]] FileTree Before() const override {
         FileTree files = OnDesk();
@@ -227,16 +227,16 @@ FileTree ServedTracks() {
     return tracks;
 }
 
-std::vector<std::pair<std::string, std::unique_ptr<Road>>> BackupRoads() {
-    std::vector<std::pair<std::string, std::unique_ptr<Road>>> roads;
-    roads.emplace_back("save-backup", std::make_unique<SaveBackup>());
-    roads.emplace_back("server-backup", std::make_unique<ServerBackup>());
-    roads.emplace_back("load-backup", std::make_unique<LoadBackup>());
-    return roads;
+std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> BackupScenarios() {
+    std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> scenarios;
+    scenarios.emplace_back("save-backup", std::make_unique<SaveBackup>());
+    scenarios.emplace_back("server-backup", std::make_unique<ServerBackup>());
+    scenarios.emplace_back("load-backup", std::make_unique<LoadBackup>());
+    return scenarios;
 }
 
-std::vector<std::pair<std::string, std::unique_ptr<Road>>> UploadRoads() {
-    std::vector<std::pair<std::string, std::unique_ptr<Road>>> roads;
-    roads.emplace_back("upload", std::make_unique<Upload>());
-    return roads;
+std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> UploadScenarios() {
+    std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> scenarios;
+    scenarios.emplace_back("upload", std::make_unique<Upload>());
+    return scenarios;
 }
