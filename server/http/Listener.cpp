@@ -72,7 +72,7 @@ void Listener::Accepted(Socket socket) {
     if (MakePlace(peer))
         Start(std::move(socket), peer);
     else
-        TurnAway(socket);
+        Reject(socket);
 }
 
 bool Listener::MakePlace(const address& peer) {
@@ -87,14 +87,14 @@ bool Listener::MakePlace(const address& peer) {
         takenByPeer += HasPlace(each.session) && each.peer == peer ? 1 : 0;
     }
     if (takenByPeer >= placesOfOne)
-        return SendAwayIdle(&peer);
-    return taken < places || SendAwayIdle(nullptr);
+        return CloseIdle(&peer);
+    return taken < places || CloseIdle(nullptr);
 }
 
 /// Ends the oldest connection that waits for a request. @param peer only one from this address
-bool Listener::SendAwayIdle(const address* peer) {
+bool Listener::CloseIdle(const address* peer) {
     return std::any_of(sessions.begin(), sessions.end(), [&](Running& each) {
-        return (peer == nullptr || each.peer == *peer) && each.session.SendAwayIdle();
+        return (peer == nullptr || each.peer == *peer) && each.session.CloseIdle();
     });
 }
 
@@ -120,7 +120,7 @@ void Listener::JoinEnded() {
     });
 }
 
-void Listener::TurnAway(Socket& socket) {
+void Listener::Reject(Socket& socket) {
     static constexpr char kBusy[] = "HTTP/1.1 503 Service Unavailable\r\nContent-Type: application/json\r\n"
                                     "Content-Length: 35\r\nConnection: close\r\n\r\n"
                                     "{\"error\":\"Too many are connected.\"}";

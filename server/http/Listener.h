@@ -45,10 +45,10 @@ class Listener final {
     void Accept();
     void Accepted(Socket socket);
     [[nodiscard]] bool MakePlace(const boost::asio::ip::address& peer);
-    [[nodiscard]] bool SendAwayIdle(const boost::asio::ip::address* peer);
+    [[nodiscard]] bool CloseIdle(const boost::asio::ip::address* peer);
     void Start(Socket socket, const boost::asio::ip::address& peer);
     void JoinEnded();
-    static void TurnAway(Socket& socket);
+    static void Reject(Socket& socket);
 
     boost::asio::io_context& io;
     boost::asio::ip::tcp::acceptor& acceptor;

@@ -25,7 +25,7 @@ bool Session::BecomeIdle() {
     return phase.compare_exchange_strong(answered, Phase::Idle);
 }
 
-bool Session::SendAwayIdle() {
+bool Session::CloseIdle() {
     Phase idle = Phase::Idle;
     if (phase.compare_exchange_strong(idle, Phase::Finished)) {
         stream.Stop();

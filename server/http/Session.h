@@ -29,7 +29,7 @@ class Session final {
     /// For other threads.
     [[nodiscard]] Phase CurrentPhase() const { return phase; }
     /// Ends the session if it is idle, or is about to be. @return whether it was; for other threads
-    [[nodiscard]] bool SendAwayIdle();
+    [[nodiscard]] bool CloseIdle();
     /// Ends the session soon; for other threads.
     void Stop() { stream.Stop(); }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Hand.h"
+#include "SimulatedUser.h"
 #include "document/formats/TrackPath.h"
 
 #include <QPoint>
@@ -14,7 +14,7 @@ class MainWindow;
 class QWidget;
 
 /// What the operator sees and does: finds widgets of the window by their names, looks at them on the window's
-/// thread and works them with the hand. Everything here is called from the tour's thread.
+/// thread and works them with the simulated user. Everything here is called from the tour's thread.
 class Stage {
   public:
     /// @param pictures the folder that pictures go to
@@ -58,7 +58,7 @@ class Stage {
     /// A place on the canvas, given in shares of its visible part, in pixels of the screen.
     [[nodiscard]] QPoint OnCanvas(double across, double down) const;
 
-    Hand hand;
+    SimulatedUser user;
 
   private:
     [[nodiscard]] QPoint CentreOf(const char* widget) const;

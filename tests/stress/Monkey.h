@@ -1,12 +1,12 @@
 #pragma once
 
-#include "CanvasHand.h"
-#include "ControlHand.h"
-#include "DiskHand.h"
-#include "FileHand.h"
+#include "CanvasUser.h"
+#include "ControlUser.h"
+#include "DiskUser.h"
+#include "FileUser.h"
 #include "RandomChoice.h"
-#include "SourceHand.h"
-#include "StormWindow.h"
+#include "SourceUser.h"
+#include "StressWindow.h"
 #include "Watchdog.h"
 
 #include <functional>
@@ -17,7 +17,7 @@
 /// A seeded hand that does to the real window whatever an operator could do, sensible or not, and looks after
 /// every event whether what the window and its canvas hold still makes sense, and after every save whether
 /// the file does. The same seed gives the same events, but for how long the server takes.
-class Monkey : public StormWindow {
+class Monkey : public StressWindow {
   protected:
     Monkey();
     ~Monkey() override;
@@ -40,11 +40,11 @@ class Monkey : public StormWindow {
 
     unsigned seed = 0;
     RandomChoice random;
-    CanvasHand mouse{*this, random};
-    ControlHand controls{*this, random};
-    DiskHand disk{*this, random};
-    FileHand files{*this, random, disk};
-    SourceHand sources{*this, random};
+    CanvasUser mouse{*this, random};
+    ControlUser controls{*this, random};
+    DiskUser disk{*this, random};
+    FileUser files{*this, random, disk};
+    SourceUser sources{*this, random};
     const std::vector<Habit> habits;
     const Habit opening{0, "open something", [this] { openSomething(); }};
     std::optional<Watchdog> watchdog;

@@ -13,8 +13,8 @@ unsigned Setting(const char* name, unsigned usual) {
 using RandomEditing = Monkey;
 
 TEST_F(RandomEditing, KeepsWhatTheCanvasHoldsInOrderAndSavesIt) {
-    const unsigned seed = Setting("CORVANE_STORM_SEED", 1);
-    const unsigned events = Setting("CORVANE_STORM_EVENTS", 3000);
+    const unsigned seed = Setting("CORVANE_STRESS_SEED", 1);
+    const unsigned events = Setting("CORVANE_STRESS_EVENTS", 3000);
     open(seed);
     unsigned event = 0;
     try {

@@ -5,14 +5,14 @@
 #include <memory>
 #include <string>
 
-/// The operator's hand: moves the pointer and presses buttons and keys through the display server, as a mouse
+/// The operator: moves the pointer and presses buttons and keys through the display server, as a mouse
 /// and a keyboard would. It has a connection of its own to the display and is used from the tour's thread
 /// only.
-class Hand {
+class SimulatedUser {
   public:
     /// @throws std::runtime_error when the display cannot be reached or cannot imitate input
-    Hand();
-    ~Hand();
+    SimulatedUser();
+    ~SimulatedUser();
 
     /// Positions are pixels of the screen.
     void MoveTo(const QPoint& place);

@@ -1,4 +1,4 @@
-#include "Hand.h"
+#include "SimulatedUser.h"
 
 #include <chrono>
 #include <stdexcept>
@@ -9,7 +9,7 @@
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
 
-struct Hand::Connection {
+struct SimulatedUser::Connection {
     Display* display = XOpenDisplay(nullptr);
     Connection() = default;
     Connection(const Connection&) = delete;
@@ -22,25 +22,25 @@ struct Hand::Connection {
 
 namespace {
 
-/// A hand is slower than a program: events come one after the other, so that the window can answer between
-/// them.
+/// An operator is slower than a program: events come one after the other, so that the window can answer
+/// between them.
 void Pause() {
     std::this_thread::sleep_for(std::chrono::milliseconds(15));
 }
 
 } // namespace
 
-Hand::Hand() : connection(std::make_unique<Connection>()) {
+SimulatedUser::SimulatedUser() : connection(std::make_unique<Connection>()) {
     int ignored = 0;
     if (connection->display == nullptr ||
         XTestQueryExtension(connection->display, &ignored, &ignored, &ignored, &ignored) == False)
         throw std::runtime_error("The display cannot imitate a mouse.");
 }
 
-Hand::~Hand() = default;
+SimulatedUser::~SimulatedUser() = default;
 
-void Hand::MoveTo(const QPoint& place) {
-    // A hand comes from somewhere: a pointer that is there already would not be seen to arrive.
+void SimulatedUser::MoveTo(const QPoint& place) {
+    // Step aside first: a pointer that is already at the place would send no enter event.
     for (const QPoint& stop : {place + QPoint(2, 2), place}) {
         XTestFakeMotionEvent(connection->display, -1, stop.x(), stop.y(), CurrentTime);
         XSync(connection->display, False);
@@ -48,31 +48,31 @@ void Hand::MoveTo(const QPoint& place) {
     }
 }
 
-void Hand::Press() {
+void SimulatedUser::Press() {
     XTestFakeButtonEvent(connection->display, 1, True, CurrentTime);
     XSync(connection->display, False);
     Pause();
 }
 
-void Hand::Release() {
+void SimulatedUser::Release() {
     XTestFakeButtonEvent(connection->display, 1, False, CurrentTime);
     XSync(connection->display, False);
     Pause();
 }
 
-void Hand::Click(const QPoint& place) {
+void SimulatedUser::Click(const QPoint& place) {
     MoveTo(place);
     Press();
     Release();
 }
 
-void Hand::DoubleClick(const QPoint& place) {
+void SimulatedUser::DoubleClick(const QPoint& place) {
     Click(place);
     Press();
     Release();
 }
 
-void Hand::Drag(const QPoint& from, const QPoint& to) {
+void SimulatedUser::Drag(const QPoint& from, const QPoint& to) {
     constexpr int kSteps = 8;
     MoveTo(from);
     Press();
@@ -81,23 +81,23 @@ void Hand::Drag(const QPoint& from, const QPoint& to) {
     Release();
 }
 
-void Hand::Key(const std::string& name) {
+void SimulatedUser::Key(const std::string& name) {
     Stroke(XStringToKeysym(name.c_str()));
 }
 
-void Hand::ControlKey(const std::string& name) {
+void SimulatedUser::ControlKey(const std::string& name) {
     const unsigned int control = XKeysymToKeycode(connection->display, XK_Control_L);
     Send(control, true);
     Key(name);
     Send(control, false);
 }
 
-void Hand::Type(const std::string& text) {
+void SimulatedUser::Type(const std::string& text) {
     for (const char letter : text)
         Stroke(static_cast<unsigned char>(letter));
 }
 
-void Hand::Stroke(unsigned long symbol) {
+void SimulatedUser::Stroke(unsigned long symbol) {
     const KeyCode code = XKeysymToKeycode(connection->display, symbol);
     if (code == 0)
         throw std::runtime_error("The keyboard has no such key.");
@@ -111,7 +111,7 @@ void Hand::Stroke(unsigned long symbol) {
         Send(shift, false);
 }
 
-void Hand::Send(unsigned int keyCode, bool down) {
+void SimulatedUser::Send(unsigned int keyCode, bool down) {
     XTestFakeKeyEvent(connection->display, keyCode, down ? True : False, CurrentTime);
     XSync(connection->display, False);
     Pause();

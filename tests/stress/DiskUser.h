@@ -1,16 +1,16 @@
 #pragma once
 
 #include "RandomChoice.h"
-#include "StormWindow.h"
+#include "StressWindow.h"
 
 #include <map>
 #include <string>
 #include <vector>
 
 /// The files that the window is opened beside, and another program that changes tracks behind its back.
-class DiskHand {
+class DiskUser {
   public:
-    DiskHand(StormWindow& storm, RandomChoice& random) : storm(storm), random(random) {}
+    DiskUser(StressWindow& stress, RandomChoice& random) : stress(stress), random(random) {}
 
     /// Makes the server's folder "station", backups and tracks, good and damaged ones.
     void makeFiles();
@@ -28,7 +28,7 @@ class DiskHand {
     independent::Track randomTrack();
     std::string randomTrackFile();
 
-    StormWindow& storm;
+    StressWindow& stress;
     RandomChoice& random;
     std::vector<std::string> namesForDialogs;
     std::map<std::string, std::string> owned; ///< files that nothing may change, and their contents

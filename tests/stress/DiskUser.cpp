@@ -1,4 +1,4 @@
-#include "DiskHand.h"
+#include "DiskUser.h"
 
 #include <filesystem>
 
@@ -10,18 +10,18 @@ constexpr int kLongest = 5000; ///< of a segment
 
 } // namespace
 
-const independent::Track& DiskHand::Map() {
+const independent::Track& DiskUser::Map() {
     static const independent::Track map = SmallTrack();
     return map;
 }
 
-void DiskHand::makeFiles() {
+void DiskUser::makeFiles() {
     fs::create_directories("station/vdk/ContourPath");
     for (const char* name : {"one.trk", "two.trk", "N\xc3\xa4ht %s.trk"})
         WriteFile(std::string("station/vdk/ContourPath/") + name, randomTrackFile());
-    storm.makeBackup(storm.folder.Path("a.osbak"),
-                     {{"A.trk", randomTrackFile()}, {"b.trk", randomTrackFile()}, {"cut.trk", "Info\n"}});
-    storm.makeBackup(storm.folder.Path("empty.osbak"), {});
+    stress.makeBackup(stress.folder.Path("a.osbak"),
+                      {{"A.trk", randomTrackFile()}, {"b.trk", randomTrackFile()}, {"cut.trk", "Info\n"}});
+    stress.makeBackup(stress.folder.Path("empty.osbak"), {});
     WriteFile("broken.osbak", "no archive");
     WriteFile("A.trk", randomTrackFile());
     WriteFile("external.trk", randomTrackFile());
@@ -33,7 +33,7 @@ void DiskHand::makeFiles() {
         owned[name] = FileContent(name);
 }
 
-independent::Track DiskHand::randomTrack() {
+independent::Track DiskUser::randomTrack() {
     std::vector<independent::Segment> segments;
     const int paths = random.pick(4);
     for (int path = 0; path < paths; ++path) {
@@ -43,18 +43,18 @@ independent::Track DiskHand::randomTrack() {
     return SmallTrack(segments);
 }
 
-std::string DiskHand::randomTrackFile() {
+std::string DiskUser::randomTrackFile() {
     const independent::Track track = randomTrack();
     return random.chance(2) ? independent::BinaryFile(track) : independent::TextFile(track);
 }
 
-void DiskHand::changeBehindItsBack() {
-    if (!fs::is_directory(kTracks) || !storm.window->isEnabled())
+void DiskUser::changeBehindItsBack() {
+    if (!fs::is_directory(kTracks) || !stress.window->isEnabled())
         return;
     const std::string path =
         kTracks + random.oneOf<std::string>({"A.trk", "b.trk", "one.trk", "two.trk", "external.trk"});
     const int what = random.pick(6);
-    storm.note(std::to_string(what) + " " + path);
+    stress.note(std::to_string(what) + " " + path);
     if (what == 0)
         fs::remove(path);
     else if (what == 1)
@@ -63,7 +63,7 @@ void DiskHand::changeBehindItsBack() {
         WriteFile(path, randomTrackFile());
 }
 
-void DiskHand::checkFilesAlone() {
+void DiskUser::checkFilesAlone() {
     for (const auto& [name, content] : owned)
         EXPECT_TRUE(FileContent(name) == content) << name << " has changed";
     EXPECT_FALSE(fs::exists("missing.trk"));

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "RandomChoice.h"
-#include "StormWindow.h"
+#include "StressWindow.h"
 
 /// Mouse and keys on the canvas, with no regard for which event may follow which.
-class CanvasHand {
+class CanvasUser {
   public:
-    CanvasHand(StormWindow& storm, RandomChoice& random) : storm(storm), random(random) {}
+    CanvasUser(StressWindow& stress, RandomChoice& random) : stress(stress), random(random) {}
 
     void move();
     void press();
@@ -28,7 +28,7 @@ class CanvasHand {
     bool focusCanvas();
     void goToSegment();
 
-    StormWindow& storm;
+    StressWindow& stress;
     RandomChoice& random;
     QPoint cursor;
     bool spaceHeld = false;

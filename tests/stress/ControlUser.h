@@ -1,14 +1,14 @@
 #pragma once
 
 #include "RandomChoice.h"
-#include "StormWindow.h"
+#include "StressWindow.h"
 
 #include <string>
 
 /// Keys and the wheel on the controls. What a control was set to must be what the canvas works on.
-class ControlHand {
+class ControlUser {
   public:
-    ControlHand(StormWindow& storm, RandomChoice& random) : storm(storm), random(random) {}
+    ControlUser(StressWindow& stress, RandomChoice& random) : stress(stress), random(random) {}
 
     void turnSpinBox();
     void typeIntoSpinBox();
@@ -16,10 +16,10 @@ class ControlHand {
     void moveSlider();
     /// Over the canvas, the controls, and the lists, where it chooses nothing.
     void turnWheel();
-    void deleteLast() { storm.click("pushButton_deleteLast"); }
-    void deleteAll() { storm.click("pushButton_deleteAll"); }
-    void toggleRuler() { storm.click("pushButton_getRuler"); }
-    void toggleBatch() { storm.click("checkBox_batchSetting"); }
+    void deleteLast() { stress.click("pushButton_deleteLast"); }
+    void deleteAll() { stress.click("pushButton_deleteAll"); }
+    void toggleRuler() { stress.click("pushButton_getRuler"); }
+    void toggleBatch() { stress.click("checkBox_batchSetting"); }
     void resizeWindow();
     void pressSomeKey();
     void pressZoomKey();
@@ -32,6 +32,6 @@ class ControlHand {
     void checkChosen(const QSpinBox& box, int before);
     void checkParameter(std::size_t field, const std::string& text);
 
-    StormWindow& storm;
+    StressWindow& stress;
     RandomChoice& random;
 };

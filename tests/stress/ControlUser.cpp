@@ -1,4 +1,4 @@
-#include "ControlHand.h"
+#include "ControlUser.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -20,8 +20,8 @@ constexpr std::array<ParameterField, 3> kFields{{{"lineEdit_lineLength", &TrackP
 
 } // namespace
 
-void ControlHand::turnSpinBox() {
-    auto& box = storm.find<QSpinBox>(random.chance(2) ? "spinBox_pathId" : "spinBox_segmentId");
+void ControlUser::turnSpinBox() {
+    auto& box = stress.find<QSpinBox>(random.chance(2) ? "spinBox_pathId" : "spinBox_segmentId");
     const int before = box.value();
     box.setFocus();
     QTest::keyClick(&box, random.oneOf<Qt::Key>(
@@ -29,34 +29,34 @@ void ControlHand::turnSpinBox() {
     checkChosen(box, before);
 }
 
-void ControlHand::typeIntoSpinBox() {
+void ControlUser::typeIntoSpinBox() {
     const char* const name = random.chance(2) ? "spinBox_pathId" : "spinBox_segmentId";
-    const auto& box = storm.find<QSpinBox>(name);
+    const auto& box = stress.find<QSpinBox>(name);
     const int before = box.value();
-    storm.typeNumber(name, random.oneOf<std::string>({"1", "2", "3", "9", "10000", "0"}));
+    stress.typeNumber(name, random.oneOf<std::string>({"1", "2", "3", "9", "10000", "0"}));
     checkChosen(box, before);
 }
 
 /// What a box was turned to exists, and is what the canvas works on.
-void ControlHand::checkChosen(const QSpinBox& box, int before) {
+void ControlUser::checkChosen(const QSpinBox& box, int before) {
     if (box.value() == before)
         return;
-    const EditingState& state = storm.canvas().editingState();
+    const EditingState& state = stress.canvas().editingState();
     const auto path = static_cast<std::size_t>(state.currentPath);
     if (box.objectName() == QStringLiteral("spinBox_pathId")) {
-        EXPECT_LE(box.value(), std::max<std::size_t>(storm.paths().size(), 1));
-        EXPECT_TRUE(storm.paths().empty() || state.currentPath == box.value() - 1);
-    } else if (path < storm.paths().size() && storm.paths()[path].points.size() > 1) {
-        EXPECT_LT(box.value(), static_cast<int>(storm.paths()[path].points.size()));
+        EXPECT_LE(box.value(), std::max<std::size_t>(stress.paths().size(), 1));
+        EXPECT_TRUE(stress.paths().empty() || state.currentPath == box.value() - 1);
+    } else if (path < stress.paths().size() && stress.paths()[path].points.size() > 1) {
+        EXPECT_LT(box.value(), static_cast<int>(stress.paths()[path].points.size()));
         EXPECT_EQ(state.currentSegment, box.value() - 1);
     } else {
         EXPECT_EQ(box.value(), 1);
     }
 }
 
-void ControlHand::typeParameter() {
+void ControlUser::typeParameter() {
     const auto index = static_cast<std::size_t>(random.pick(static_cast<int>(kFields.size())));
-    auto& field = storm.find<QLineEdit>(kFields.at(index).name);
+    auto& field = stress.find<QLineEdit>(kFields.at(index).name);
     const QString before = field.text();
     field.setFocus();
     if (random.chance(3))
@@ -72,22 +72,22 @@ void ControlHand::typeParameter() {
 }
 
 /// What was typed is what the chosen segment has, or everything in batch mode.
-void ControlHand::checkParameter(std::size_t field, const std::string& text) {
+void ControlUser::checkParameter(std::size_t field, const std::string& text) {
     const int value = QString::fromStdString(text).toInt();
-    const EditingState& state = storm.canvas().editingState();
+    const EditingState& state = stress.canvas().editingState();
     const auto& valuesOf = kFields.at(field).values;
-    if (storm.find<QCheckBox>("checkBox_batchSetting").isChecked()) {
-        for (const TrackPath& path : storm.paths())
+    if (stress.find<QCheckBox>("checkBox_batchSetting").isChecked()) {
+        for (const TrackPath& path : stress.paths())
             EXPECT_EQ(path.*valuesOf, std::vector<int>(path.points.size(), value));
-    } else if (storm.canvas().segmentExists(state.currentPath, state.currentSegment)) {
-        const TrackPath& path = storm.paths()[static_cast<std::size_t>(state.currentPath)];
+    } else if (stress.canvas().segmentExists(state.currentPath, state.currentSegment)) {
+        const TrackPath& path = stress.paths()[static_cast<std::size_t>(state.currentPath)];
         EXPECT_EQ((path.*valuesOf)[static_cast<std::size_t>(state.currentSegment)], value);
     }
 }
 
-void ControlHand::turnWheel() {
+void ControlUser::turnWheel() {
     constexpr int kNotch = 120;
-    auto& widget = storm.find<QWidget>(
+    auto& widget = stress.find<QWidget>(
         random.oneOf<const char*>({"label_mask", "label_mask", "scrollArea", "horizontalSlider_resizeImage",
                                    "spinBox_pathId", "spinBox_segmentId", "lineEdit_lineLength",
                                    "comboBox_file", "comboBox_operation", "comboBox_sensor"}));
@@ -98,26 +98,26 @@ void ControlHand::turnWheel() {
     const auto* const list = qobject_cast<QComboBox*>(&widget);
     const int before = list != nullptr ? list->currentIndex() : 0;
     const Qt::KeyboardModifiers modifiers = random.chance(2) ? Qt::ControlModifier : Qt::NoModifier;
-    QWheelEvent event(place, widget.mapToGlobal(place), QPoint(), turn, storm.held, modifiers,
+    QWheelEvent event(place, widget.mapToGlobal(place), QPoint(), turn, stress.held, modifiers,
                       Qt::NoScrollPhase, false);
     QApplication::sendEvent(&widget, &event);
     EXPECT_EQ(list != nullptr ? list->currentIndex() : 0, before);
 }
 
-void ControlHand::moveSlider() {
-    auto& slider = storm.find<QSlider>("horizontalSlider_resizeImage");
+void ControlUser::moveSlider() {
+    auto& slider = stress.find<QSlider>("horizontalSlider_resizeImage");
     slider.setFocus();
     QTest::keyClick(&slider,
                     random.oneOf<Qt::Key>({Qt::Key_Left, Qt::Key_Right, Qt::Key_PageUp, Qt::Key_PageDown,
                                            Qt::Key_PageUp, Qt::Key_Home, Qt::Key_End}));
 }
 
-void ControlHand::resizeWindow() {
-    storm.window->resize(300 + random.pick(900), 200 + random.pick(700));
+void ControlUser::resizeWindow() {
+    stress.window->resize(300 + random.pick(900), 200 + random.pick(700));
 }
 
-void ControlHand::pressSomeKey() {
-    const auto widgets = storm.window->findChildren<QWidget*>();
+void ControlUser::pressSomeKey() {
+    const auto widgets = stress.window->findChildren<QWidget*>();
     QWidget* const widget = widgets[random.pick(widgets.size())];
     if (qobject_cast<QComboBox*>(widget) != nullptr || !widget->isVisible() || !widget->isEnabled())
         return;
@@ -127,22 +127,22 @@ void ControlHand::pressSomeKey() {
                                            Qt::Key_Delete, Qt::Key_Home, Qt::Key_F1, Qt::Key_A}));
 }
 
-void ControlHand::pressZoomKey() {
-    if (!storm.window->isEnabled())
+void ControlUser::pressZoomKey() {
+    if (!stress.window->isEnabled())
         return;
-    QApplication::setActiveWindow(storm.window.get());
-    QTest::keyClick(storm.window.get(),
+    QApplication::setActiveWindow(stress.window.get());
+    QTest::keyClick(stress.window.get(),
                     random.oneOf<Qt::Key>({Qt::Key_Plus, Qt::Key_Minus, Qt::Key_Equal, Qt::Key_0, Qt::Key_1}),
                     Qt::ControlModifier);
 }
 
-void ControlHand::pressInWindow(Qt::KeyboardModifiers modifiers) {
-    if (!storm.window->isEnabled())
+void ControlUser::pressInWindow(Qt::KeyboardModifiers modifiers) {
+    if (!stress.window->isEnabled())
         return;
-    QApplication::setActiveWindow(storm.window.get());
-    const int depth = storm.canvas().document().undoDepth();
+    QApplication::setActiveWindow(stress.window.get());
+    const int depth = stress.canvas().document().undoDepth();
     QWidget* const focused = QApplication::focusWidget();
-    QTest::keyClick(focused != nullptr ? focused : storm.window.get(), Qt::Key_Z, modifiers);
-    storm.count(storm.canvas().document().undoDepth() < depth ? "  steps taken back"
-                                                              : "  no step taken back");
+    QTest::keyClick(focused != nullptr ? focused : stress.window.get(), Qt::Key_Z, modifiers);
+    stress.count(stress.canvas().document().undoDepth() < depth ? "  steps taken back"
+                                                                : "  no step taken back");
 }

@@ -1,16 +1,16 @@
 #pragma once
 
-#include "DiskHand.h"
+#include "DiskUser.h"
 #include "RandomChoice.h"
-#include "StormWindow.h"
+#include "StressWindow.h"
 
 #include <string>
 
 /// The operations on files: whatever is saved is read back.
-class FileHand {
+class FileUser {
   public:
-    FileHand(StormWindow& storm, RandomChoice& random, DiskHand& disk)
-        : storm(storm), random(random), disk(disk) {}
+    FileUser(StressWindow& stress, RandomChoice& random, DiskUser& disk)
+        : stress(stress), random(random), disk(disk) {}
 
     void chooseFile();
     /// Keys that choose without the list's being open; a dialog that comes of it is cancelled.
@@ -25,7 +25,7 @@ class FileHand {
     void checkSaved(const std::string& path);
     bool externalIsChosen();
 
-    StormWindow& storm;
+    StressWindow& stress;
     RandomChoice& random;
-    DiskHand& disk;
+    DiskUser& disk;
 };

@@ -8,7 +8,7 @@
 
 /// The real window with a record of what is done to it, and the checks of what must hold after every event.
 /// The hands that work it find everything open.
-class StormWindow : public WindowTest {
+class StressWindow : public WindowTest {
   public:
     using WindowTest::answers;
     using WindowTest::canvas;

@@ -1,4 +1,4 @@
-#include "StormWindow.h"
+#include "StressWindow.h"
 
 #include "EditingChecks.h"
 
@@ -13,38 +13,38 @@ constexpr std::size_t kRemembered = 30;
 
 } // namespace
 
-void StormWindow::begin(const std::string& event) {
+void StressWindow::begin(const std::string& event) {
     events.push_back(event);
     if (events.size() > kRemembered)
         events.pop_front();
 }
 
-std::string StormWindow::lastEvents() const {
+std::string StressWindow::lastEvents() const {
     std::string text;
     for (const std::string& event : events)
         text += event + "; ";
     return text;
 }
 
-void StormWindow::printCounts() const {
+void StressWindow::printCounts() const {
     for (const auto& [what, times] : counts)
         std::printf("  %7u  %s\n", times, what.c_str());
 }
 
-void StormWindow::settle() {
+void StressWindow::settle() {
     ASSERT_TRUE(QTest::qWaitFor([this] { return window->isEnabled(); }, kPatience)) << "the worker hangs";
     countStatus();
     check();
 }
 
-void StormWindow::check() {
+void StressWindow::check() {
     // Without a picture nothing is painted, and the ruler is not computed.
     CheckEditing(canvas(), window->rulerShown() && hasTrack());
     checkWindow();
     checkBoxes();
 }
 
-void StormWindow::checkWindow() {
+void StressWindow::checkWindow() {
     EXPECT_GT(canvas().width(), 0);
     EXPECT_GT(canvas().height(), 0);
     EXPECT_EQ(find<QComboBox>("comboBox_operation").currentIndex(), 0);
@@ -56,7 +56,7 @@ void StormWindow::checkWindow() {
               window->isEnabled() && text("pushButton_sensor") != "Disconnect Sensor");
 }
 
-void StormWindow::checkBoxes() {
+void StressWindow::checkBoxes() {
     for (const SeenBox& box : answers.takeBoxes()) {
         EXPECT_EQ(box.title.toStdString(), "Error");
         EXPECT_EQ(box.shownText, box.text);

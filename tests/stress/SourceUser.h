@@ -2,14 +2,14 @@
 
 #include "OstraServerProcess.h"
 #include "RandomChoice.h"
-#include "StormWindow.h"
+#include "StressWindow.h"
 
 #include <optional>
 
 /// Where the tracks come from: backups and a server, which is killed now and then and comes back.
-class SourceHand {
+class SourceUser {
   public:
-    SourceHand(StormWindow& storm, RandomChoice& random) : storm(storm), random(random) {}
+    SourceUser(StressWindow& stress, RandomChoice& random) : stress(stress), random(random) {}
 
     /// Starts the server of "station" and opens the window beside it.
     void open();
@@ -25,7 +25,7 @@ class SourceHand {
   private:
     void pressInSourceList(Qt::Key key);
 
-    StormWindow& storm;
+    StressWindow& stress;
     RandomChoice& random;
     std::optional<OstraServerProcess> server;
     bool serverAway = false;

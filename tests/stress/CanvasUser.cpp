@@ -1,19 +1,19 @@
-#include "CanvasHand.h"
+#include "CanvasUser.h"
 
 #include <QApplication>
 #include <QKeySequence>
 #include <QMouseEvent>
 
-void CanvasHand::send(QEvent::Type type, Qt::MouseButton button, Qt::KeyboardModifiers modifiers) {
-    QMaskWidget& target = storm.canvas();
-    QMouseEvent event(type, cursor, target.mapToGlobal(cursor), button, storm.held, modifiers);
+void CanvasUser::send(QEvent::Type type, Qt::MouseButton button, Qt::KeyboardModifiers modifiers) {
+    QMaskWidget& target = stress.canvas();
+    QMouseEvent event(type, cursor, target.mapToGlobal(cursor), button, stress.held, modifiers);
     if (target.isEnabled()) // to a disabled window the system sends none
         QApplication::sendEvent(&target, &event);
 }
 
-void CanvasHand::move() {
+void CanvasUser::move() {
     constexpr int kBeyond = 15; // the mouse is grabbed while a button is held
-    const QSize size = storm.canvas().size();
+    const QSize size = stress.canvas().size();
     if (random.chance(3))
         cursor += QPoint(random.pick(13) - 6, random.pick(13) - 6);
     else
@@ -22,53 +22,53 @@ void CanvasHand::move() {
     send(QEvent::MouseMove, Qt::NoButton);
 }
 
-void CanvasHand::press() {
-    storm.held |= Qt::LeftButton;
+void CanvasUser::press() {
+    stress.held |= Qt::LeftButton;
     send(QEvent::MouseButtonPress, Qt::LeftButton);
 }
 
-void CanvasHand::release() {
-    storm.held &= ~Qt::LeftButton;
+void CanvasUser::release() {
+    stress.held &= ~Qt::LeftButton;
     send(QEvent::MouseButtonRelease, Qt::LeftButton);
 }
 
-void CanvasHand::doubleClick() {
-    storm.held |= Qt::LeftButton;
+void CanvasUser::doubleClick() {
+    stress.held |= Qt::LeftButton;
     send(QEvent::MouseButtonDblClick, Qt::LeftButton);
 }
 
-void CanvasHand::otherButton() {
+void CanvasUser::otherButton() {
     const Qt::MouseButton button = random.chance(2) ? Qt::RightButton : Qt::MiddleButton;
-    storm.held |= button;
+    stress.held |= button;
     send(QEvent::MouseButtonPress, button);
     if (random.chance(2))
         move();
-    storm.held &= ~Qt::MouseButtons(button);
+    stress.held &= ~Qt::MouseButtons(button);
     send(QEvent::MouseButtonRelease, button);
 }
 
-bool CanvasHand::focusCanvas() {
-    if (!storm.window->isEnabled())
+bool CanvasUser::focusCanvas() {
+    if (!stress.window->isEnabled())
         return false;
-    QApplication::setActiveWindow(storm.window.get());
-    storm.canvas().setFocus();
+    QApplication::setActiveWindow(stress.window.get());
+    stress.canvas().setFocus();
     return true;
 }
 
-void CanvasHand::pressKey() {
+void CanvasUser::pressKey() {
     if (!focusCanvas())
         return;
-    const TrackDocument& document = storm.canvas().document();
+    const TrackDocument& document = stress.canvas().document();
     const int steps = document.undoDepth();
-    const bool drawing = storm.canvas().isGestureActive();
+    const bool drawing = stress.canvas().isGestureActive();
     const auto key = random.oneOf<Qt::Key>({Qt::Key_Left, Qt::Key_Right, Qt::Key_Up, Qt::Key_Down,
                                             Qt::Key_Delete, Qt::Key_Insert, Qt::Key_Backspace, Qt::Key_Return,
                                             Qt::Key_Escape, Qt::Key_N, Qt::Key_P, Qt::Key_A, Qt::Key_C});
     const auto modifiers = random.oneOf<Qt::KeyboardModifiers>(
         {Qt::NoModifier, Qt::NoModifier, Qt::ShiftModifier, Qt::AltModifier,
          key == Qt::Key_C ? Qt::ControlModifier : Qt::NoModifier});
-    storm.note(QKeySequence(key).toString().toStdString());
-    QTest::keyClick(&storm.canvas(), key, modifiers);
+    stress.note(QKeySequence(key).toString().toStdString());
+    QTest::keyClick(&stress.canvas(), key, modifiers);
     // Where the first point lies in the margin, a click and so a key adds a second one.
     const int most = key == Qt::Key_A ? 2 : 1;
     EXPECT_LE(document.undoDepth(), steps + most);
@@ -76,43 +76,44 @@ void CanvasHand::pressKey() {
     if (drawing && key != Qt::Key_Escape) {
         EXPECT_LE(document.undoDepth(), steps) << "while the button is down";
     }
-    storm.count(document.undoDepth() > steps ? "  steps by key" : "  no step by key");
+    stress.count(document.undoDepth() > steps ? "  steps by key" : "  no step by key");
 }
 
-void CanvasHand::pressSpace() {
+void CanvasUser::pressSpace() {
     if (!focusCanvas())
         return;
     spaceHeld = !spaceHeld;
     if (spaceHeld)
-        QTest::keyPress(&storm.canvas(), Qt::Key_Space);
+        QTest::keyPress(&stress.canvas(), Qt::Key_Space);
     else
-        QTest::keyRelease(&storm.canvas(), Qt::Key_Space);
+        QTest::keyRelease(&stress.canvas(), Qt::Key_Space);
 }
 
-void CanvasHand::clickWithCtrl() {
+void CanvasUser::clickWithCtrl() {
     if (random.chance(2))
         goToSegment();
-    storm.held |= Qt::LeftButton;
+    stress.held |= Qt::LeftButton;
     send(QEvent::MouseButtonPress, Qt::LeftButton, Qt::ControlModifier);
-    storm.held &= ~Qt::LeftButton;
+    stress.held &= ~Qt::LeftButton;
     send(QEvent::MouseButtonRelease, Qt::LeftButton, Qt::ControlModifier);
 }
 
-void CanvasHand::goToSegment() {
-    if (storm.paths().empty())
+void CanvasUser::goToSegment() {
+    if (stress.paths().empty())
         return;
-    const std::vector<QPointF>& points = random.oneOf(storm.paths()).points;
+    const std::vector<QPointF>& points = random.oneOf(stress.paths()).points;
     const QPointF middle = (points.front() + points[points.size() > 1 ? 1 : 0]) / 2;
     cursor =
-        QPoint(qRound(middle.x() * storm.canvas().width()), qRound(middle.y() * storm.canvas().height()));
+        QPoint(qRound(middle.x() * stress.canvas().width()), qRound(middle.y() * stress.canvas().height()));
     send(QEvent::MouseMove, Qt::NoButton);
 }
 
-void CanvasHand::goToPoint() {
-    if (storm.paths().empty())
+void CanvasUser::goToPoint() {
+    if (stress.paths().empty())
         return;
-    const TrackPath& path = random.oneOf(storm.paths());
+    const TrackPath& path = random.oneOf(stress.paths());
     const QPointF point = random.oneOf(path.points);
-    cursor = QPoint(qRound(point.x() * storm.canvas().width()), qRound(point.y() * storm.canvas().height()));
+    cursor =
+        QPoint(qRound(point.x() * stress.canvas().width()), qRound(point.y() * stress.canvas().height()));
     send(QEvent::MouseMove, Qt::NoButton);
 }

@@ -86,7 +86,7 @@ Outcome OutcomeOf(const std::function<void()>& call) {
 class ServerLink : public ::testing::Test {
   protected:
     void SetUp() override {
-        seed = Setting("CORVANE_STORM_SEED", 20);
+        seed = Setting("CORVANE_STRESS_SEED", 20);
         random.seed(seed);
         current = NewWorkspace();
         fs::create_directory(kServed);
@@ -280,7 +280,7 @@ class ServerLink : public ::testing::Test {
 };
 
 TEST_F(ServerLink, LeavesTheOldWorkspaceOrTheNewOneWhateverTheNetworkDoes) {
-    const unsigned rounds = Setting("CORVANE_STORM_ROUNDS", 100);
+    const unsigned rounds = Setting("CORVANE_STRESS_ROUNDS", 100);
     for (unsigned round = 0; round < rounds && !HasFailure(); ++round) {
         SCOPED_TRACE("seed " + std::to_string(seed) + ", round " + std::to_string(round));
         if (Pick(2) == 0)
