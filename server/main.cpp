@@ -3,7 +3,6 @@
 #include "basalt/StandardStreams.h"
 #include "server/DiscoveryResponder.h"
 #include "server/FaultPlan.h"
-#include "server/ReplayMode.h"
 #include "server/RequestLog.h"
 #include "server/Sensor.h"
 #include "server/ServerIdentity.h"

@@ -1,7 +1,6 @@
 #include "server/handlers/ArchiveHandler.h"
 
 #include "server/BackupArchive.h"
-#include "server/ReplayMode.h"
 #include "server/RequestLog.h"
 #include "server/Sensor.h"
 #include "server/ServerIdentity.h"

@@ -1,6 +1,5 @@
 #include "server/handlers/ReadReplayHandler.h"
 
-#include "server/ReplayMode.h"
 #include "server/Sensor.h"
 
 Answer ReadReplayHandler::Handle(Request& request) const {

@@ -1,6 +1,5 @@
 #include "server/handlers/RestoreHandler.h"
 
-#include "server/ReplayMode.h"
 #include "server/RequestLog.h"
 #include "server/RestoredBackup.h"
 #include "server/Sensor.h"

@@ -1,6 +1,5 @@
 #include "server/handlers/SetReplayHandler.h"
 
-#include "server/ReplayMode.h"
 #include "server/Sensor.h"
 #include "server/http/HttpError.h"
 
