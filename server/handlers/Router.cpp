@@ -1,10 +1,7 @@
 #include "server/handlers/Router.h"
 
-#include "server/handlers/ArchiveHandler.h"
-#include "server/handlers/InfoHandler.h"
-#include "server/handlers/ReadReplayHandler.h"
-#include "server/handlers/RestoreHandler.h"
-#include "server/handlers/SetReplayHandler.h"
+#include "server/handlers/BackupHandlers.h"
+#include "server/handlers/SensorHandlers.h"
 #include "server/http/HttpError.h"
 
 Router::Router(const Sensor& sensor) {

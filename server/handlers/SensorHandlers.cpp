@@ -1,7 +1,20 @@
-#include "server/handlers/SetReplayHandler.h"
+#include "server/handlers/SensorHandlers.h"
 
 #include "server/Sensor.h"
+#include "server/ServerIdentity.h"
 #include "server/http/HttpError.h"
+
+Answer InfoHandler::Handle(Request& request) const {
+    request.PassOverBody();
+    return Answer::Json(sensor.identity.Members(request.LocalAddress()));
+}
+
+Answer ReadReplayHandler::Handle(Request& request) const {
+    request.PassOverBody();
+    OstraSdk::VeJson mode;
+    mode.Set("enabled", sensor.replay.Enabled());
+    return Answer::Json(mode);
+}
 
 Answer SetReplayHandler::Handle(Request& request) const {
     const OstraSdk::VeJson body = request.ReadBody();
