@@ -1,17 +1,6 @@
 #include "log/Output2FILE.h"
 #include "tools/commandline/CommandLine.h"
-#include "tools/commands/CheckCommand.h"
-#include "tools/commands/ConvertCommand.h"
-#include "tools/commands/DiffCommand.h"
-#include "tools/commands/ExtractCommand.h"
-#include "tools/commands/InfoCommand.h"
-#include "tools/commands/ListCommand.h"
-#include "tools/commands/PathsExportCommand.h"
-#include "tools/commands/PathsImportCommand.h"
-#include "tools/commands/ProfileCommand.h"
-#include "tools/commands/RenderCommand.h"
-#include "tools/commands/ReplaceCommand.h"
-#include "tools/commands/VerifyCommand.h"
+#include "tools/commands/Commands.h"
 
 #include <QStringList>
 

@@ -1,6 +1,5 @@
 #include "server/handlers/BackupHandlers.h"
 
-#include "basalt/Exception.h"
 #include "server/BackupArchive.h"
 #include "server/RequestLog.h"
 #include "server/RestoredBackup.h"

@@ -1,4 +1,4 @@
-#include "tools/commands/CheckCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "tools/commandline/FileLoop.h"
 #include "tools/commandline/TextOutput.h"

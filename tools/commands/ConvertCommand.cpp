@@ -1,4 +1,4 @@
-#include "tools/commands/ConvertCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "tools/track/SavePaths.h"
 

@@ -1,4 +1,4 @@
-#include "tools/commands/DiffCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "tools/commandline/DecimalText.h"
 #include "tools/commandline/JsonLine.h"

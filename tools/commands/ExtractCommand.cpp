@@ -1,4 +1,4 @@
-#include "tools/commands/ExtractCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "tools/backup/BackupUnpacking.h"
 #include "tools/backup/BackupWalk.h"

@@ -1,4 +1,4 @@
-#include "tools/commands/InfoCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "tools/commandline/DecimalText.h"
 #include "tools/commandline/FileLoop.h"

@@ -1,4 +1,4 @@
-#include "tools/commands/ListCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "cinder/TarName.h"
 #include "tools/backup/BackupWalk.h"

@@ -1,4 +1,4 @@
-#include "tools/commands/ProfileCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "tools/commandline/PictureOutput.h"
 #include "tools/commandline/TextOutput.h"

@@ -1,4 +1,4 @@
-#include "tools/commands/RenderCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "document/ImageProportions.h"
 #include "tools/commandline/PictureOutput.h"

@@ -1,4 +1,4 @@
-#include "tools/commands/ReplaceCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "basalt/FileReplacement.h"
 #include "tools/backup/BackupUnpacking.h"

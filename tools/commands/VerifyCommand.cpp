@@ -1,4 +1,4 @@
-#include "tools/commands/VerifyCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "tools/backup/BackupCheck.h"
 #include "tools/commandline/FileLoop.h"
