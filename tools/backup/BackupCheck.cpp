@@ -1,9 +1,8 @@
 #include "tools/backup/BackupCheck.h"
 
 #include "cinder/TarName.h"
-#include "tools/backup/BackupUnpacking.h"
+#include "tools/backup/BackupFile.h"
 #include "tools/backup/BackupWalk.h"
-#include "tools/backup/CountedFile.h"
 #include "tools/commandline/Failure.h"
 
 #include <QDir>
@@ -35,7 +34,7 @@ class Check {
 
   private:
     void CheckEntries() {
-        const bOwned<bFile> archive = OpenCounted(backup, progress);
+        const bOwned<bFile> archive = OpenWithProgress(backup, progress);
         try {
             const std::int64_t passedOver = WalkBackup(
                 archive.get(), [this](const BackupEntry& entry, const EntryContent&) { CheckEntry(entry); });

@@ -1,6 +1,7 @@
 #include "tools/backup/BackupWalk.h"
 
 #include "cinder/TarName.h"
+#include "tools/commandline/Failure.h"
 
 #include <array>
 #include <map>
@@ -101,6 +102,13 @@ class Walk {
 };
 
 } // namespace
+
+std::string WorkspaceName(const std::string& given) {
+    if (!IsNarrowTarName(given) || given.ends_with('/'))
+        throw Failure(ExitCode::Misused,
+                      "'" + PrintableTarName(given) + "' is no name of a file in a workspace");
+    return given.find('/') == std::string::npos ? std::string(kTrackFolder) + "/" + given : given;
+}
 
 bool EntryContent::Next(std::string_view* block) const {
     const bStatus status = bTar_ReadBlock(tar, block);

@@ -14,6 +14,10 @@ constexpr const char* kWorkspaceArchive = "workspaces/Workspace.osws";
 /// The folder of the workspace that holds its tracks.
 constexpr const char* kTrackFolder = "vdk/ContourPath";
 
+/// The name of a file in the workspace, as a user gives it: a name without "/" is a track in kTrackFolder.
+/// @throws Failure with ExitCode::Misused for a name that leads out of the workspace
+std::string WorkspaceName(const std::string& given);
+
 /// A file or folder in a backup.
 struct BackupEntry {
     bool isInWorkspace = false; ///< in the workspace archive, not beside it

@@ -1,9 +1,7 @@
 #include "tools/commands/Commands.h"
 
-#include "tools/backup/BackupUnpacking.h"
+#include "tools/backup/BackupFile.h"
 #include "tools/backup/BackupWalk.h"
-#include "tools/backup/CountedFile.h"
-#include "tools/backup/WorkspaceName.h"
 #include "tools/commandline/TextOutput.h"
 
 #include <QTemporaryDir>
@@ -39,7 +37,7 @@ Failure NotInWorkspace(const std::string& backup, const std::string& name) {
 /// @return the hard links among the files, by what they are copies of: an earlier file of the archive
 std::multimap<std::string, std::string> ExtractBytes(const std::string& backup, const Targets& targets) {
     Progress progress("Reading " + backup);
-    const bOwned<bFile> file = OpenCounted(backup, progress);
+    const bOwned<bFile> file = OpenWithProgress(backup, progress);
     Targets missing = targets;
     std::multimap<std::string, std::string> links;
     try {

@@ -1,8 +1,8 @@
 #include "tools/commands/Commands.h"
 
 #include "cinder/TarName.h"
+#include "tools/backup/BackupFile.h"
 #include "tools/backup/BackupWalk.h"
-#include "tools/backup/CountedFile.h"
 #include "tools/commandline/JsonLine.h"
 #include "tools/commandline/TextOutput.h"
 
@@ -53,7 +53,7 @@ ExitCode ListCommand::Run(const Arguments& arguments) const {
     TextOutput output;
     try {
         Progress progress("Reading " + backup);
-        const bOwned<bFile> file = OpenCounted(backup, progress);
+        const bOwned<bFile> file = OpenWithProgress(backup, progress);
         WalkBackup(file.get(), [&](const BackupEntry& entry, const EntryContent& /*content*/) {
             output.Write(json ? JsonLine(Machine(entry)) : Readable(entry));
         });

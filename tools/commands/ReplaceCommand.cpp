@@ -1,9 +1,8 @@
 #include "tools/commands/Commands.h"
 
 #include "basalt/FileReplacement.h"
-#include "tools/backup/BackupUnpacking.h"
+#include "tools/backup/BackupFile.h"
 #include "tools/backup/BackupWalk.h"
-#include "tools/backup/WorkspaceName.h"
 #include "tools/track/LoadedTrack.h"
 #include "tools/track/TrackCheck.h"
 
