@@ -5,6 +5,8 @@
 
 #include <QString>
 
+#include <functional>
+#include <string>
 #include <vector>
 
 /// What the command line layer knows of a command: help, completion and the check of its arguments are made
@@ -35,3 +37,11 @@ class Command {
     /// @throws Failure
     virtual ExitCode Run(const Arguments& arguments) const = 0;
 };
+
+/// Runs `work` on each of several files. A file that cannot be read is reported on standard error, and the
+/// loop continues with the next one.
+/// @param work returns Done or Found
+/// @return Unreadable when any file could not be read, else Found when `work` returned it for any, else Done
+/// @throws Failure of another kind
+ExitCode ForEachFile(const std::string& command, const std::vector<std::string>& files,
+                     const std::function<ExitCode(const std::string& file)>& work);

@@ -1,8 +1,7 @@
 #include "tools/commandline/CommandLine.h"
 
-#include "tools/commandline/CompletionScript.h"
 #include "tools/commandline/HelpText.h"
-#include "tools/commandline/TextOutput.h"
+#include "tools/commandline/Output.h"
 
 #include <cstdio>
 #include <exception>

@@ -1,5 +1,8 @@
 #include "tools/commandline/HelpText.h"
 
+#include <QMap>
+#include <QStringList>
+
 #include <algorithm>
 
 namespace {
@@ -22,6 +25,43 @@ QString Table(const QVector<QPair<QString, QString>>& rows) {
     for (const auto& row : rows)
         table += kIndent + row.first.leftJustified(width + 2) + row.second + QLatin1Char('\n');
     return table;
+}
+
+/// %1 the first words of all commands, %2 a case for each of them that has a second one, %3 a case for each
+/// command with its options.
+const QString kScript = QStringLiteral(
+    R"(# Completion of corvane-track for bash; made by "corvane-track completion".
+_corvane_track() {
+  local word=${COMP_WORDS[COMP_CWORD]} words=
+  if [ "$COMP_CWORD" -eq 1 ]; then
+    words='%1'
+  elif [ "$COMP_CWORD" -eq 2 ]; then
+    case "${COMP_WORDS[1]}" in
+%2    esac
+  fi
+  if [ -z "$words" ] && [[ $word == -* ]]; then
+    case "${COMP_WORDS[1]} ${COMP_WORDS[2]}" in
+%3    esac
+  fi
+  if [ -n "$words" ]; then
+    mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
+  else
+    compopt -o filenames 2>/dev/null
+    mapfile -t COMPREPLY < <(compgen -f -- "$word")
+  fi
+}
+complete -F _corvane_track corvane-track
+)");
+
+QString Case(const QString& pattern, const QStringList& words) {
+    return QStringLiteral("    %1) words='%2' ;;\n").arg(pattern, words.join(QLatin1Char(' ')));
+}
+
+QStringList OptionsOf(const CommandText& command) {
+    QStringList options;
+    for (const OptionText& option : command.options)
+        options.append(QStringLiteral("--") + option.name);
+    return options << QStringLiteral("--help");
 }
 
 } // namespace
@@ -62,4 +102,26 @@ QString OverviewOf(const Commands& commands) {
                "  2  arguments not understood\n"
                "  3  an input cannot be read\n"
                "  4  an output cannot be written; what was there before is as it was\n");
+}
+
+QString CompletionScriptFor(const Commands& commands) {
+    QStringList firstWords;
+    QMap<QString, QStringList> secondWords;
+    QString options;
+    for (const auto& command : commands) {
+        const CommandText text = command->Text();
+        const QStringList name = text.name.split(QLatin1Char(' '));
+        if (!firstWords.contains(name.first()))
+            firstWords.append(name.first());
+        if (name.size() > 1)
+            secondWords[name.first()].append(name.last());
+        options += Case(name.size() > 1 ? QStringLiteral("'%1'").arg(text.name)
+                                        : QStringLiteral("'%1 '*").arg(text.name),
+                        OptionsOf(text));
+    }
+    firstWords << QStringLiteral("completion") << QStringLiteral("--help") << QStringLiteral("--version");
+    QString groups;
+    for (auto group = secondWords.cbegin(); group != secondWords.cend(); ++group)
+        groups += Case(group.key(), group.value());
+    return kScript.arg(firstWords.join(QLatin1Char(' ')), groups, options);
 }

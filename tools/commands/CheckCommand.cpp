@@ -1,7 +1,6 @@
 #include "tools/commands/Commands.h"
 
-#include "tools/commandline/FileLoop.h"
-#include "tools/commandline/TextOutput.h"
+#include "tools/commandline/Output.h"
 #include "tools/track/LoadedTrack.h"
 #include "tools/track/TrackCheck.h"
 

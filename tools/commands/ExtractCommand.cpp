@@ -2,7 +2,7 @@
 
 #include "tools/backup/BackupFile.h"
 #include "tools/backup/BackupWalk.h"
-#include "tools/commandline/TextOutput.h"
+#include "tools/commandline/Output.h"
 
 #include <QTemporaryDir>
 

@@ -1,9 +1,7 @@
 #include "tools/commands/Commands.h"
 
 #include "tools/commandline/DecimalText.h"
-#include "tools/commandline/FileLoop.h"
-#include "tools/commandline/JsonLine.h"
-#include "tools/commandline/TextOutput.h"
+#include "tools/commandline/Output.h"
 #include "tools/track/LoadedTrack.h"
 #include "tools/track/SavePaths.h"
 

@@ -3,8 +3,7 @@
 #include "cinder/TarName.h"
 #include "tools/backup/BackupFile.h"
 #include "tools/backup/BackupWalk.h"
-#include "tools/commandline/JsonLine.h"
-#include "tools/commandline/TextOutput.h"
+#include "tools/commandline/Output.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tools/commandline/TextOutput.h"
+#include "tools/commandline/Output.h"
 #include "tools/commands/Commands.h"
 #include "tools/track/PathsCsv.h"
 #include "tools/track/PathsJson.h"

@@ -1,7 +1,6 @@
 #include "tools/commands/Commands.h"
 
-#include "tools/commandline/PictureOutput.h"
-#include "tools/commandline/TextOutput.h"
+#include "tools/commandline/Output.h"
 #include "tools/track/HeightProfile.h"
 #include "tools/track/ProfilePlot.h"
 

@@ -1,7 +1,7 @@
 #include "tools/commands/Commands.h"
 
 #include "document/ImageProportions.h"
-#include "tools/commandline/PictureOutput.h"
+#include "tools/commandline/Output.h"
 #include "tools/track/SavePaths.h"
 #include "tools/track/TrackPicture.h"
 

@@ -1,4 +1,4 @@
-#include "tools/commandline/FileLoop.h"
+#include "tools/commandline/Command.h"
 
 #include "tools/commandline/Progress.h"
 
@@ -11,7 +11,7 @@ ExitCode ForEachFile(const std::string& command, const std::vector<std::string>&
                      const std::function<ExitCode(const std::string& file)>& work) {
     ExitCode worst = ExitCode::Done;
     std::optional<Progress> progress;
-    if (isatty(STDOUT_FILENO) == 0) // else the results themselves show how far it is
+    if (isatty(STDOUT_FILENO) == 0) // otherwise the printed results show the progress
         progress.emplace("corvane-track " + command);
     std::int64_t done = 0;
     for (const std::string& file : files) {
