@@ -1,7 +1,6 @@
 #include "tools/commandline/Output.h"
 #include "tools/commands/Commands.h"
-#include "tools/track/PathsCsv.h"
-#include "tools/track/PathsJson.h"
+#include "tools/track/PathsText.h"
 #include "tools/track/SavePaths.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "tools/track/PathsCsv.h"
+#include "tools/track/PathsText.h"
 
 #include "basalt/InputFile.h"
 #include "document/formats/CsvLine.h"
@@ -6,7 +6,6 @@
 #include "tools/commandline/DecimalText.h"
 #include "tools/commandline/Failure.h"
 #include "tools/track/LoadedTrack.h"
-#include "tools/track/WorldPoint.h"
 
 #include <algorithm>
 #include <array>
@@ -25,8 +24,8 @@ constexpr std::array<std::string_view, kColumns> kNames = {
 /// Goes through the lines of such a file.
 class Reader {
   public:
-    Reader(const std::string& file, const WorldTransform& world, Coordinates counting)
-        : file(file), world(world), counting(counting), lines(file) {}
+    Reader(const std::string& file, const WorldTransform& world, Coordinates coordinates)
+        : file(file), world(world), coordinates(coordinates), lines(file) {}
 
     std::vector<TrackPath> Read() {
         try {
@@ -68,8 +67,8 @@ class Reader {
             header.push_back(static_cast<Column>(known - kNames.begin()));
         }
         Require(Track);
-        Require(counting == Coordinates::World ? X : RelativeX);
-        Require(counting == Coordinates::World ? Y : RelativeY);
+        Require(coordinates == Coordinates::World ? X : RelativeX);
+        Require(coordinates == Coordinates::World ? Y : RelativeY);
     }
 
     void Require(Column column) const {
@@ -100,7 +99,7 @@ class Reader {
     [[nodiscard]] PathPoint
     PointOf(const std::array<std::optional<std::string_view>, kColumns>& values) const {
         PathPoint point;
-        if (counting == Coordinates::World)
+        if (coordinates == Coordinates::World)
             point.position = NormalisedPoint({Number(X, *values[X]), Number(Y, *values[Y])}, world);
         else
             point.position = {Number(RelativeX, *values[RelativeX]), Number(RelativeY, *values[RelativeY])};
@@ -137,7 +136,7 @@ class Reader {
 
     std::string file;
     WorldTransform world;
-    Coordinates counting;
+    Coordinates coordinates;
     TextLines lines;
     CsvLine line;
     std::int64_t number = 0;
@@ -170,7 +169,7 @@ std::string PathsAsCsv(const std::vector<TrackPath>& paths, const WorldTransform
 }
 
 std::vector<TrackPath> PathsFromCsv(const std::string& file, const WorldTransform& world,
-                                    Coordinates counting) {
+                                    Coordinates coordinates) {
     RequireFile(file);
-    return Reader(file, world, counting).Read();
+    return Reader(file, world, coordinates).Read();
 }

@@ -1,8 +1,7 @@
-#include "tools/track/PathsJson.h"
+#include "tools/track/PathsText.h"
 
 #include "tools/commandline/Failure.h"
 #include "tools/track/LoadedTrack.h"
-#include "tools/track/WorldPoint.h"
 
 #include <QFile>
 #include <QJsonArray>
