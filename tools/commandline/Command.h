@@ -9,20 +9,19 @@
 #include <string>
 #include <vector>
 
-/// What the command line layer knows of a command: help, completion and the check of its arguments are made
-/// from this.
+/// The description of a command, from which its help, its completion and the check of its arguments are made.
 struct CommandText {
     QString name;      ///< "info", or "paths export"
     QString summary;   ///< one line, without a full stop
     QString arguments; ///< "TRACK..."
-    int least = 1;     ///< words that are needed
-    int most = 1;      ///< words that are taken; -1 for any number
+    int min = 1;       ///< words that are required
+    int max = 1;       ///< words that are accepted; -1 for any number
     QString details;   ///< paragraphs for the help, in lines of at most 90 characters
-    QString found;     ///< when the command ends with ExitCode::Found; empty for never
+    QString found;     ///< when the command ends with ExitCode::Found, for the help; empty for never
     std::vector<OptionText> options;
 };
 
-/// One of the things that the program does.
+/// One command of the program.
 class Command {
   public:
     Command() = default;
@@ -32,7 +31,7 @@ class Command {
 
     [[nodiscard]] virtual CommandText Text() const = 0;
 
-    /// Does it. Results go to standard output, or to the file that the arguments name.
+    /// Runs the command. Results go to standard output, or to the file that the arguments name.
     /// @return Done or Found
     /// @throws Failure
     virtual ExitCode Run(const Arguments& arguments) const = 0;

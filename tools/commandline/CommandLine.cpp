@@ -30,7 +30,7 @@ ExitCode RunCommand(const Command& command, const QStringList& words) {
     const CommandText text = command.Text();
     try {
         return AsksForHelp(words) ? Print(HelpOf(text))
-                                  : command.Run(Arguments(words, text.options, text.least, text.most));
+                                  : command.Run(Arguments(words, text.options, text.min, text.max));
     } catch (const Failure& failure) {
         Report(text.name, failure);
         if (failure.Code() == ExitCode::Misused)

@@ -7,15 +7,13 @@ CommandText ConvertCommand::Text() const {
     text.name = QStringLiteral("convert");
     text.summary = QStringLiteral("Write a text track as a binary one");
     text.arguments = QStringLiteral("TRACK TARGET");
-    text.least = text.most = 2;
+    text.min = text.max = 2;
     text.details = QStringLiteral(
         "What the editor writes when it saves a text track. Each height becomes the whole number of\n"
         "Z resolutions above the Z offset, without what is left over; the positions of columns and\n"
         "rows are lost. A track with a height that has no such number is refused.\n");
-    text.options = {{QStringLiteral("without-paths"),
-                     {},
-                     QStringLiteral("accept a track that has no section with paths"),
-                     {}}};
+    text.options = {Switch(QStringLiteral("without-paths"),
+                           QStringLiteral("accept a track that has no section with paths"))};
     return text;
 }
 

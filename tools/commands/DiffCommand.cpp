@@ -146,7 +146,7 @@ CommandText DiffCommand::Text() const {
     text.name = QStringLiteral("diff");
     text.summary = QStringLiteral("Compare two tracks: information, heights and paths");
     text.arguments = QStringLiteral("TRACK TRACK");
-    text.least = text.most = 2;
+    text.min = text.max = 2;
     text.details = QStringLiteral(
         "Heights and places are in world units. Two text tracks are compared as they are written,\n"
         "others as a binary track holds their heights. The ruler follows from the paths and is not\n"
@@ -157,7 +157,7 @@ CommandText DiffCommand::Text() const {
                      QStringLiteral("LENGTH"),
                      QStringLiteral("heights and places that differ by no more count as equal (default 0)"),
                      {}},
-                    {QStringLiteral("json"), {}, QStringLiteral("print one JSON object on a line"), {}}};
+                    Switch(QStringLiteral("json"), QStringLiteral("print one JSON object on a line"))};
     return text;
 }
 

@@ -93,14 +93,14 @@ CommandText ExtractCommand::Text() const {
     text.name = QStringLiteral("extract");
     text.summary = QStringLiteral("Take files out of the workspace in a backup");
     text.arguments = QStringLiteral("BACKUP [FILE...]");
-    text.most = -1;
+    text.max = -1;
     text.details = QStringLiteral(
         "A FILE is named as \"list\" shows it; one without a slash is a track in vdk/ContourPath. It is\n"
         "written into the current folder, or to what --output names: a folder that exists, or for a\n"
         "single FILE the name of the new file. With --all the whole workspace is unpacked into the new\n"
         "folder that --output names.\n");
     text.options = {OutputOption(QStringLiteral("where to (default: the current folder)")),
-                    {QStringLiteral("all"), {}, QStringLiteral("unpack the whole workspace"), {}}};
+                    Switch(QStringLiteral("all"), QStringLiteral("unpack the whole workspace"))};
     return text;
 }
 

@@ -124,12 +124,12 @@ CommandText InfoCommand::Text() const {
     text.name = QStringLiteral("info");
     text.summary = QStringLiteral("Show what track files hold");
     text.arguments = QStringLiteral("TRACK...");
-    text.most = -1;
+    text.max = -1;
     text.details =
         QStringLiteral("Heights and the lengths of paths are in world units. Cells without a measurement\n"
                        "do not count.\n");
     text.options = {
-        {QStringLiteral("json"), {}, QStringLiteral("print a JSON object on a line for each track"), {}}};
+        Switch(QStringLiteral("json"), QStringLiteral("print a JSON object on a line for each track"))};
     return text;
 }
 

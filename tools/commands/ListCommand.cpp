@@ -39,10 +39,8 @@ CommandText ListCommand::Text() const {
         "are indented. Sizes are in bytes. A hard link is followed by \"=\" and\n"
         "the file that it is a copy of. Other links and special files, which nobody unpacks, are not\n"
         "listed.\n");
-    text.options = {{QStringLiteral("json"),
-                     {},
-                     QStringLiteral("print a JSON object on a line for each file and folder"),
-                     {}}};
+    text.options = {Switch(QStringLiteral("json"),
+                           QStringLiteral("print a JSON object on a line for each file and folder"))};
     return text;
 }
 

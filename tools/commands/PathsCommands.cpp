@@ -62,7 +62,7 @@ CommandText PathsImportCommand::Text() const {
     text.name = QStringLiteral("paths import");
     text.summary = QStringLiteral("Replace the paths of a track by those of a CSV or JSON file");
     text.arguments = QStringLiteral("TRACK FILE");
-    text.least = text.most = 2;
+    text.min = text.max = 2;
     text.details = QStringLiteral(
         "The track is replaced at once, with ruler marks computed as the editor does when it saves. A\n"
         "text track becomes a binary one, so its target has to be named with --output, even if it is\n"

@@ -59,7 +59,7 @@ CommandText ProfileCommand::Text() const {
 
 ExitCode ProfileCommand::Run(const Arguments& arguments) const {
     const std::int64_t number =
-        arguments.Whole("path", 1, std::numeric_limits<std::int32_t>::max()).value_or(1);
+        arguments.Integer("path", 1, std::numeric_limits<std::int32_t>::max()).value_or(1);
     const std::optional<double> step = arguments.Number("step", std::numeric_limits<double>::min(), 1e300);
     const QSize size = arguments.Size("size", kMaxSide).value_or(kUsualSize);
     const std::optional<std::string> target = arguments.Text("output");

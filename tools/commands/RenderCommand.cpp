@@ -45,7 +45,7 @@ CommandText RenderCommand::Text() const {
     text.name = QStringLiteral("render");
     text.summary = QStringLiteral("Draw a track as the editor shows it, as a PNG picture");
     text.arguments = QStringLiteral("TRACK PICTURE");
-    text.least = text.most = 2;
+    text.min = text.max = 2;
     text.details = QStringLiteral(
         "Shows the height map in colours, stretched along one axis where its resolutions differ, and\n"
         "over it the paths and the bands of the ruler.\n");
@@ -57,8 +57,8 @@ CommandText RenderCommand::Text() const {
                      QStringLiteral("WxH"),
                      QStringLiteral("the largest picture that fits into W x H pixels"),
                      {}},
-                    {QStringLiteral("no-paths"), {}, QStringLiteral("show the height map alone"), {}},
-                    {QStringLiteral("no-ruler"), {}, QStringLiteral("show the paths without the ruler"), {}}};
+                    Switch(QStringLiteral("no-paths"), QStringLiteral("show the height map alone")),
+                    Switch(QStringLiteral("no-ruler"), QStringLiteral("show the paths without the ruler"))};
     return text;
 }
 

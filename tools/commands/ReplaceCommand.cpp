@@ -45,15 +45,15 @@ CommandText ReplaceCommand::Text() const {
     text.name = QStringLiteral("replace");
     text.summary = QStringLiteral("Put a file into the workspace in a backup");
     text.arguments = QStringLiteral("BACKUP NAME FILE");
-    text.least = text.most = 3;
+    text.min = text.max = 3;
     text.details = QStringLiteral(
         "NAME is that of the file in the workspace, as \"list\" shows it; one without a slash is a track\n"
         "in vdk/ContourPath. The backup is packed anew, as the editor does, and replaced at once. It is\n"
         "unpacked beside it meanwhile, so the disk must hold it three times.\n");
     text.options = {
         OutputOption(QStringLiteral("write the new backup to FILE, and leave BACKUP as it is")),
-        {QStringLiteral("add"), {}, QStringLiteral("accept a NAME that is not in the workspace"), {}},
-        {QStringLiteral("force"), {}, QStringLiteral("accept a .trk that the editor cannot open"), {}}};
+        Switch(QStringLiteral("add"), QStringLiteral("accept a NAME that is not in the workspace")),
+        Switch(QStringLiteral("force"), QStringLiteral("accept a .trk that the editor cannot open"))};
     return text;
 }
 
