@@ -5,12 +5,12 @@
 #include "server/http/HttpError.h"
 
 Answer InfoHandler::Handle(Request& request) const {
-    request.PassOverBody();
+    request.SkipBody();
     return Answer::Json(sensor.identity.Members(request.LocalAddress()));
 }
 
 Answer ReadReplayHandler::Handle(Request& request) const {
-    request.PassOverBody();
+    request.SkipBody();
     OstraSdk::VeJson mode;
     mode.Set("enabled", sensor.replay.Enabled());
     return Answer::Json(mode);

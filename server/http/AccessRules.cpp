@@ -10,14 +10,13 @@
 
 namespace {
 
-/// "name:port", "address" or "[address]:port" without the port and the brackets; as it is where it is
-/// neither.
+/// The host of "host:port", "[address]:port" or "[address]"; the unchanged text when brackets do not match.
 std::string WithoutPort(const std::string& host) {
     const std::size_t bracket = host.starts_with('[') ? host.find(']') : 0;
     if (bracket == 0)
         return host.substr(0, host.find(':'));
-    const bool isWhole = bracket + 1 == host.size() || (bracket < host.size() && host[bracket + 1] == ':');
-    return isWhole ? host.substr(1, bracket - 1) : host;
+    const bool isComplete = bracket + 1 == host.size() || (bracket < host.size() && host[bracket + 1] == ':');
+    return isComplete ? host.substr(1, bracket - 1) : host;
 }
 
 } // namespace
