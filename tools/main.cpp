@@ -26,7 +26,7 @@ Commands AllCommands() {
 } // namespace
 
 int main(int argc, char** argv) {
-    Output2FILE::Target() = nullptr; // what the converters log is reported where it matters
+    Output2FILE::Target() = nullptr; // the commands report the converters' errors themselves
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
         arguments.append(QString::fromUtf8(argv[i])); // file names are in UTF-8, as in the editor

@@ -157,12 +157,11 @@ TEST_F(CheckCommand, reportsTheProblemsOfABinaryTrackWithTheirBytes) {
     const std::size_t points = rulers + 4 + 56 + 4;
     EXPECT_THAT(LinesOf(With(points, std::int32_t{4})),
                 ElementsAre(at + std::to_string(points) + ": error: 4 points, which are not in the file"));
-    EXPECT_THAT(
-        LinesOf(With(points + 4 + 56, std::int32_t{3})),
-        ElementsAre(at + std::to_string(points + 4 + 56) +
-                        ": warning: Track 3 neither goes on with Track 0 nor starts the next: the point "
-                        "is read as one of Track 0",
-                    "a.trk: good, with 1 warning"));
+    EXPECT_THAT(LinesOf(With(points + 4 + 56, std::int32_t{3})),
+                ElementsAre(at + std::to_string(points + 4 + 56) +
+                                ": warning: Track 3 neither continues Track 0 nor starts the next: the point "
+                                "is read as one of Track 0",
+                            "a.trk: good, with 1 warning"));
     const std::string whole = BinaryFile(Sample());
     EXPECT_THAT(LinesOf(whole + "abc"),
                 ElementsAre(at + std::to_string(whole.size()) +

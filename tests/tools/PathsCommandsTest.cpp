@@ -229,20 +229,19 @@ TEST_F(PathsCommands, importGivesATextTrackThePathSectionThatItLacks) {
 TEST_F(PathsCommands, importRefusesWhatIsNotClear) {
     ExpectRefused("", "line 0: no header line");
     ExpectRefused("0,0,0.5,0.5\n", "line 1: unknown column '0'");
-    ExpectRefused("Track,RelativeX\n", "line 1: column RelativeY is needed once");
-    ExpectRefused("Track,Track,RelativeX,RelativeY\n", "line 1: column Track is needed once");
+    ExpectRefused("Track,RelativeX\n", "line 1: column RelativeY is required exactly once");
+    ExpectRefused("Track,Track,RelativeX,RelativeY\n", "line 1: column Track is required exactly once");
     ExpectRefused("Track,RelativeX,RelativeY\n0,0.5\n", "line 2: 2 fields in place of 3");
-    ExpectRefused("Track,RelativeX,RelativeY\n\n0,half,0.5\n",
-                  "line 3: RelativeX is 'half', which is no number");
+    ExpectRefused("Track,RelativeX,RelativeY\n\n0,half,0.5\n", "line 3: RelativeX is 'half', not a number");
     ExpectRefused("Track,RelativeX,RelativeY\n0,nan,0.5\n", "line 2: the point has no place in the track");
     ExpectRefused("Track,RelativeX,RelativeY,Width\n0,0.5,0.5,1.5\n",
-                  "line 2: Width is '1.5', which is no whole number");
+                  "line 2: Width is '1.5', not an integer");
     ExpectRefused("Track,RelativeX,RelativeY\n0,0.5,0.5\n2,0.5,0.5\n",
-                  "line 3: Track 2 neither goes on with the Track before nor starts Track 1");
+                  "line 3: Track 2 neither continues the previous Track nor starts Track 1");
     ExpectRefused("Track,Segment,RelativeX,RelativeY\n0,0,0.5,0.5\n0,2,0.5,0.5\n",
                   "line 3: Segment is 2 where 1 was expected");
     ExpectRefused("Track,RelativeX,RelativeY\n0,\\x,0.5\n", "line 2: unknown escape sequence");
-    ExpectRefused("{\"type\": 1}", "no FeatureCollection with features", "list.json");
+    ExpectRefused("{\"type\": 1}", "not a FeatureCollection with features", "list.json");
     ExpectRefused("{", "byte 1: unterminated object", "list.json");
     const auto feature = [](const std::string& properties, const std::string& coordinates) {
         return R"({"type": "FeatureCollection", "features": [{"type": "Feature", "properties": {)" +
@@ -250,12 +249,12 @@ TEST_F(PathsCommands, importRefusesWhatIsNotClear) {
                "]}}]}";
     };
     ExpectRefused(feature("", ""), "feature 0: no coordinates", "list.json");
-    ExpectRefused(feature("", "[1]"), "feature 0: point 0 is no pair of numbers", "list.json");
+    ExpectRefused(feature("", "[1]"), "feature 0: point 0 is not a pair of numbers", "list.json");
     ExpectRefused(feature("\"track\": 1", "[1, 2]"), "feature 0: its track is not 0", "list.json");
     ExpectRefused(feature("\"width\": [1, 2]", "[1, 2]"), "feature 0: width has 2 entries for 1 points",
                   "list.json");
-    ExpectRefused(feature("\"width\": 2.5", "[1, 2]"), "feature 0: width is no whole number", "list.json");
-    ExpectRefused(feature("\"width\": 3000000000", "[1, 2]"), "feature 0: width is no whole number",
+    ExpectRefused(feature("\"width\": 2.5", "[1, 2]"), "feature 0: width is not an integer", "list.json");
+    ExpectRefused(feature("\"width\": 3000000000", "[1, 2]"), "feature 0: width is not an integer",
                   "list.json");
 }
 
@@ -295,7 +294,7 @@ TEST_F(PathsCommands, convertWritesWhatATextTrackHoldsAsABinaryOne) {
 TEST_F(PathsCommands, convertRefusesWhatItWouldNotKeep) {
     const ToolResult binary = RunTrackTool({"convert", "binary.trk", "new.trk"});
     EXPECT_EQ(binary.code, 3);
-    EXPECT_EQ(binary.errors, "corvane-track convert: binary.trk: a binary track already\n");
+    EXPECT_EQ(binary.errors, "corvane-track convert: binary.trk: already a binary track\n");
     Track high = Sample();
     high.heights[5] = 1e9;
     WriteFile("high.trk", TextFile(high));

@@ -9,7 +9,7 @@
 
 ExitCode ForEachFile(const std::string& command, const std::vector<std::string>& files,
                      const std::function<ExitCode(const std::string& file)>& work) {
-    ExitCode worst = ExitCode::Done;
+    ExitCode result = ExitCode::Done;
     std::optional<Progress> progress;
     if (isatty(STDOUT_FILENO) == 0) // otherwise the printed results show the progress
         progress.emplace("corvane-track " + command);
@@ -18,15 +18,15 @@ ExitCode ForEachFile(const std::string& command, const std::vector<std::string>&
         if (progress)
             progress->Update(done++, static_cast<std::int64_t>(files.size()));
         try {
-            worst = std::max(worst, work(file));
+            result = std::max(result, work(file));
         } catch (const Failure& failure) {
             if (failure.Code() == ExitCode::Unwritable)
                 throw;
             if (progress)
                 progress->Clear();
             std::fprintf(stderr, "corvane-track %s: %s\n", command.c_str(), failure.what());
-            worst = std::max(worst, failure.Code());
+            result = std::max(result, failure.Code());
         }
     }
-    return worst;
+    return result;
 }

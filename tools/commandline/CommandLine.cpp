@@ -47,7 +47,7 @@ int CommandLine::Run(const QStringList& arguments) const {
     } catch (const Failure& failure) {
         Report({}, failure);
         return static_cast<int>(failure.Code());
-    } catch (const std::exception& failure) { // no memory, for one
+    } catch (const std::exception& failure) { // for example std::bad_alloc
         Report({}, failure);
         return static_cast<int>(ExitCode::Unreadable);
     }

@@ -27,8 +27,8 @@ QString Table(const QVector<QPair<QString, QString>>& rows) {
     return table;
 }
 
-/// %1 the first words of all commands, %2 a case for each of them that has a second one, %3 a case for each
-/// command with its options.
+/// %1 is the first word of every command; %2 a case for each first word that has a second one; %3 a case with
+/// the options of each command.
 const QString kScript = QStringLiteral(
     R"(# Completion of corvane-track for bash; made by "corvane-track completion".
 _corvane_track() {
@@ -89,19 +89,19 @@ QString OverviewOf(const Commands& commands) {
         rows.append({text.name, text.summary});
     }
     rows.append({QStringLiteral("completion"), QStringLiteral("Print the completion script for bash")});
-    return QStringLiteral(
-               "Usage: corvane-track COMMAND [OPTION...] FILE...\n\n"
-               "Reads, checks, compares, draws and converts track files (.trk), and looks into backups\n"
-               "(.osbak), without a display.\n\nCommands:\n") +
+    return QStringLiteral("Usage: corvane-track COMMAND [OPTION...] FILE...\n\n"
+                          "Reads, checks, compares, draws and converts track files (.trk), and reads and "
+                          "changes backups\n"
+                          "(.osbak), without a display.\n\nCommands:\n") +
            Table(rows) +
            QStringLiteral(
                "\n\"corvane-track COMMAND --help\" describes a command; --version shows the version.\n"
                "\nExit codes:\n"
                "  0  done, nothing found\n"
                "  1  errors, differences or damage found and reported\n"
-               "  2  arguments not understood\n"
+               "  2  invalid arguments\n"
                "  3  an input cannot be read\n"
-               "  4  an output cannot be written; what was there before is as it was\n");
+               "  4  an output cannot be written; an existing file is unchanged\n");
 }
 
 QString CompletionScriptFor(const Commands& commands) {

@@ -17,7 +17,7 @@ std::string Json(const QJsonObject& object) {
     return QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString();
 }
 
-/// The problems of one track, written as they are found: there may be millions.
+/// Writes the problems of one track as they are found, since there may be millions.
 class Report {
   public:
     Report(TextOutput& output, const std::string& file, bool json) : output(output), file(file), json(json) {
@@ -32,7 +32,7 @@ class Report {
         ++(problem.severity == TrackProblem::Severity::Error ? errors : warnings);
     }
 
-    /// @param strict whether warnings count
+    /// @param strict whether warnings count as errors
     [[nodiscard]] ExitCode Finish(bool strict) {
         if (json)
             output.Write("],\"errors\":" + std::to_string(errors) +
@@ -75,8 +75,8 @@ CommandText CheckCommand::Text() const {
     text.arguments = QStringLiteral("TRACK...");
     text.max = -1;
     text.details = QStringLiteral(
-        "An error is what keeps the editor from opening the file; a warning is what it reads, but\n"
-        "in a way that was hardly meant. Lines of text tracks are counted from 1, bytes of binary\n"
+        "An error prevents the editor from opening the file; a warning is content that the editor reads,\n"
+        "but that is probably a mistake. Lines of text tracks are counted from 1, bytes of binary\n"
         "tracks from 0.\n");
     text.found = QStringLiteral("a file has an error; with --strict also when it has a warning");
     text.options = {

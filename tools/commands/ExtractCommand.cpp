@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Where each of the files goes, by its name in the workspace.
+/// The target path of each file, by its name in the workspace.
 using Targets = std::map<std::string, std::string>;
 
 Targets TargetsFor(const std::vector<std::string>& words, const std::string& output) {
@@ -22,7 +22,7 @@ Targets TargetsFor(const std::vector<std::string>& words, const std::string& out
     std::error_code ignored;
     const bool isFolder = fs::is_directory(output, ignored);
     if (words.size() > 2 && !isFolder)
-        throw Failure(ExitCode::Unwritable, output + ": no folder, which several files need");
+        throw Failure(ExitCode::Unwritable, output + ": not a folder, which several files need");
     for (std::size_t i = 1; i < words.size(); ++i) {
         const std::string name = WorkspaceName(words[i]);
         targets[name] = isFolder ? (fs::path(output) / fs::path(name).filename()).string() : output;
@@ -58,7 +58,8 @@ std::multimap<std::string, std::string> ExtractBytes(const std::string& backup, 
     } catch (const BackupDamage& damage) {
         if (!missing.empty())
             throw Failure(ExitCode::Unreadable, backup + ": " + damage.what());
-        std::fprintf(stderr, "corvane-track extract: warning: %s: %s; what was asked for comes before\n",
+        std::fprintf(stderr,
+                     "corvane-track extract: warning: %s: %s; the requested files precede the damage\n",
                      backup.c_str(), damage.what());
     }
     if (!missing.empty())
@@ -97,10 +98,10 @@ CommandText ExtractCommand::Text() const {
     text.details = QStringLiteral(
         "A FILE is named as \"list\" shows it; one without a slash is a track in vdk/ContourPath. It is\n"
         "written into the current folder, or to what --output names: a folder that exists, or for a\n"
-        "single FILE the name of the new file. With --all the whole workspace is unpacked into the new\n"
+        "single FILE the name of the new file. With --all the complete workspace is unpacked into the new\n"
         "folder that --output names.\n");
     text.options = {OutputOption(QStringLiteral("where to (default: the current folder)")),
-                    Switch(QStringLiteral("all"), QStringLiteral("unpack the whole workspace"))};
+                    Switch(QStringLiteral("all"), QStringLiteral("unpack the complete workspace"))};
     return text;
 }
 

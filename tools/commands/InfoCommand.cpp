@@ -2,7 +2,7 @@
 
 #include "tools/commandline/DecimalText.h"
 #include "tools/commandline/Output.h"
-#include "tools/track/LoadedTrack.h"
+#include "tools/track/HeightProfile.h"
 #include "tools/track/SavePaths.h"
 
 #include <QJsonArray>
@@ -12,17 +12,7 @@
 
 namespace {
 
-/// The length of a path in world units.
-double WorldLength(const TrackPath& path, const WorldTransform& world) {
-    double length = 0.0;
-    for (std::size_t point = 1; point < path.points.size(); ++point) {
-        const QPointF step = world.PointOf(path.points[point]) - world.PointOf(path.points[point - 1]);
-        length += std::hypot(step.x(), step.y());
-    }
-    return length;
-}
-
-/// What is shown of one track.
+/// The facts about one track.
 struct Facts {
     explicit Facts(const std::string& file)
         : track(LoadTrack(file, PathSection::Optional)), shown(ShownSizeOf(track.info)) {
@@ -30,7 +20,7 @@ struct Facts {
         measured =
             std::count_if(heights.begin(), heights.end(), [](double height) { return !std::isnan(height); });
         for (const TrackPath& path : track.paths)
-            lengths.push_back(WorldLength(path, WorldOf(track.info)));
+            lengths.push_back(DistancesOf(path, WorldOf(track.info)).back());
     }
 
     LoadedTrack track;

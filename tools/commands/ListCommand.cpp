@@ -37,8 +37,8 @@ CommandText ListCommand::Text() const {
     text.details = QStringLiteral(
         "The files of the workspace follow workspaces/Workspace.osws, the archive that holds them, and\n"
         "are indented. Sizes are in bytes. A hard link is followed by \"=\" and\n"
-        "the file that it is a copy of. Other links and special files, which nobody unpacks, are not\n"
-        "listed.\n");
+        "the file that it is a copy of. Other links and special files, which are never unpacked, are\n"
+        "not listed.\n");
     text.options = {Switch(QStringLiteral("json"),
                            QStringLiteral("print a JSON object on a line for each file and folder"))};
     return text;

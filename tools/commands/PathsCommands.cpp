@@ -23,10 +23,10 @@ PathsFormat PathsFormatFor(const Arguments& arguments, const std::string& file) 
 
 std::vector<TrackPath> ReadPaths(const Arguments& arguments, const WorldTransform& world) {
     const std::string& file = arguments.Words()[1];
-    const bool worldCounts = arguments.Choice("coordinates", {"relative", "world"}) == "world";
+    const bool useWorld = arguments.Choice("coordinates", {"relative", "world"}) == "world";
     if (PathsFormatFor(arguments, file) == PathsFormat::Json)
         return PathsFromJson(file, world);
-    return PathsFromCsv(file, world, worldCounts ? Coordinates::World : Coordinates::Relative);
+    return PathsFromCsv(file, world, useWorld ? Coordinates::World : Coordinates::Relative);
 }
 
 } // namespace
@@ -38,7 +38,7 @@ CommandText PathsExportCommand::Text() const {
     text.arguments = QStringLiteral("TRACK");
     text.details = QStringLiteral(
         "CSV has a line for each point: Track and Segment count from 0, X and Y are world coordinates,\n"
-        "RelativeX and RelativeY are parts of the map's width and height. JSON has a LineString in\n"
+        "RelativeX and RelativeY are fractions of the map's width and height. JSON has a LineString in\n"
         "world coordinates for each path. Numbers are written so that they read back exactly.\n");
     text.options = {OutputOption(QStringLiteral("write to FILE, not to standard output")),
                     PathsFormatOption()};
@@ -64,9 +64,9 @@ CommandText PathsImportCommand::Text() const {
     text.arguments = QStringLiteral("TRACK FILE");
     text.min = text.max = 2;
     text.details = QStringLiteral(
-        "The track is replaced at once, with ruler marks computed as the editor does when it saves. A\n"
-        "text track becomes a binary one, so its target has to be named with --output, even if it is\n"
-        "the same file.\n\n"
+        "The track is replaced atomically, with ruler marks computed as the editor does when it saves. A\n"
+        "text track becomes a binary one, so its target must be given with --output, even if it is the\n"
+        "same file.\n\n"
         "CSV needs a header line with the columns Track and RelativeX, RelativeY (or X, Y); Segment,\n"
         "Method, Length, Width and Space may be missing. The editor's \"(crash).csv\" files are read as\n"
         "they are. JSON has world coordinates.\n");
@@ -74,7 +74,7 @@ CommandText PathsImportCommand::Text() const {
                     PathsFormatOption(),
                     {QStringLiteral("coordinates"),
                      QStringLiteral("WHICH"),
-                     QStringLiteral("those of a CSV file that count: relative (default) or world"),
+                     QStringLiteral("the coordinates of a CSV file to read: relative (default) or world"),
                      {}}};
     return text;
 }

@@ -55,8 +55,8 @@ CommandText VerifyCommand::Text() const {
     text.max = -1;
     text.details = QStringLiteral(
         "Finds archives that are damaged or cut short, links and unsafe names, which are not unpacked,\n"
-        "a missing workspace, and the errors of every track in vdk/ContourPath. It is unpacked into the\n"
-        "folder for temporary files meanwhile.\n");
+        "a missing workspace, and the errors of every track in vdk/ContourPath. The backup is unpacked\n"
+        "into the folder for temporary files meanwhile.\n");
     text.found = QStringLiteral("a backup is not good");
     text.options = {
         Switch(QStringLiteral("json"), QStringLiteral("print a JSON object on a line for each backup"))};

@@ -21,7 +21,7 @@ enum Column { Track, Segment, X, Y, RelativeX, RelativeY, Method, Length, Width,
 constexpr std::array<std::string_view, kColumns> kNames = {
     "Track", "Segment", "X", "Y", "RelativeX", "RelativeY", "Method", "Length", "Width", "Space"};
 
-/// Goes through the lines of such a file.
+/// Reads one file.
 class Reader {
   public:
     Reader(const std::string& file, const WorldTransform& world, Coordinates coordinates)
@@ -55,7 +55,7 @@ class Reader {
 
     void ReadHeader() {
         bool found = Next();
-        if (found && line.Text() == "Segment") // the head of a text track's section
+        if (found && line.Text() == "Segment") // the first line of a text track's path section
             found = Next();
         if (!found)
             Fail("no header line");
@@ -73,7 +73,7 @@ class Reader {
 
     void Require(Column column) const {
         if (std::count(header.begin(), header.end(), column) != 1)
-            Fail("column " + std::string(kNames[column]) + " is needed once");
+            Fail("column " + std::string(kNames[column]) + " is required exactly once");
     }
 
     void ReadPoint() {
@@ -83,14 +83,14 @@ class Reader {
         CsvFields fields(line);
         for (const Column column : header)
             values[column] = fields.Next();
-        const std::int32_t track = Whole(Track, *values[Track]);
+        const std::int32_t track = Integer(Track, *values[Track]);
         if (track != static_cast<std::int64_t>(paths.size()) &&
             track + 1 != static_cast<std::int64_t>(paths.size()))
             Fail("Track " + std::to_string(track) +
-                 " neither goes on with the Track before nor starts Track " + std::to_string(paths.size()));
+                 " neither continues the previous Track nor starts Track " + std::to_string(paths.size()));
         const std::size_t points =
             track == static_cast<std::int64_t>(paths.size()) ? 0 : paths.back().points.size();
-        if (values[Segment] && Whole(Segment, *values[Segment]) != static_cast<std::int64_t>(points))
+        if (values[Segment] && Integer(Segment, *values[Segment]) != static_cast<std::int64_t>(points))
             Fail("Segment is " + std::string(*values[Segment]) + " where " + std::to_string(points) +
                  " was expected");
         AppendPoint(track, PointOf(values), paths);
@@ -107,7 +107,7 @@ class Reader {
             Fail("the point has no place in the track");
         const auto take = [&](Column column, int& parameter) {
             if (values[column])
-                parameter = Whole(column, *values[column]);
+                parameter = Integer(column, *values[column]);
         };
         take(Method, point.method);
         take(Length, point.length);
@@ -119,14 +119,14 @@ class Reader {
     [[nodiscard]] double Number(Column column, std::string_view text) const {
         const std::optional<double> value = ParseNumber(text);
         if (!value)
-            Fail(std::string(kNames[column]) + " is '" + std::string(text) + "', which is no number");
+            Fail(std::string(kNames[column]) + " is '" + std::string(text) + "', not a number");
         return *value;
     }
 
-    [[nodiscard]] std::int32_t Whole(Column column, std::string_view text) const {
-        const std::optional<std::int32_t> value = ParseWhole(text);
+    [[nodiscard]] std::int32_t Integer(Column column, std::string_view text) const {
+        const std::optional<std::int32_t> value = ParseInteger(text);
         if (!value)
-            Fail(std::string(kNames[column]) + " is '" + std::string(text) + "', which is no whole number");
+            Fail(std::string(kNames[column]) + " is '" + std::string(text) + "', not an integer");
         return *value;
     }
 

@@ -27,7 +27,7 @@ struct TrackProblem {
 
 using ProblemSink = std::function<void(const TrackProblem& problem)>;
 
-/// Goes through a track file and reports every problem in it, in file order. When the editor cannot open the
-/// file, at least one of them is an error, and otherwise none is.
+/// Reports every problem of a track file, in file order. At least one of them is an error exactly when the
+/// editor cannot open the file.
 /// @param file an existing one
 void CheckTrack(const std::string& file, const ProblemSink& sink);
