@@ -12,7 +12,7 @@ unsigned Setting(const char* name, unsigned usual) {
 
 using RandomEditing = Monkey;
 
-TEST_F(RandomEditing, keepsWhatTheCanvasHoldsInOrderAndSavesIt) {
+TEST_F(RandomEditing, keepsTheCanvasConsistentAndSavesIt) {
     const unsigned seed = Setting("CORVANE_STRESS_SEED", 1);
     const unsigned events = Setting("CORVANE_STRESS_EVENTS", 3000);
     open(seed);

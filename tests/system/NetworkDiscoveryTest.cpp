@@ -92,7 +92,7 @@ TEST_F(NetworkDiscovery, findsAServerByBroadcastAndConnectsToIt) {
     EXPECT_FALSE(client.GetReplayMode());
 }
 
-TEST_F(NetworkDiscovery, findsNothingWhereNobodyAnswers) {
+TEST_F(NetworkDiscovery, findsNothingWhereNoServerAnswers) {
     ASSERT_TRUE(editor.Enter());
     unsetenv("OSTRA_DISCOVERY"); // broadcast reaches no further than the cables
     std::vector<OstraServerInfo> list;

@@ -42,7 +42,7 @@ class ServerAccess : public ServerTest {
     }
 };
 
-TEST_F(ServerAccess, aHostThatIsNoAddressIsRefused) {
+TEST_F(ServerAccess, refusesAHostThatIsNotAnAddress) {
     const OstraServerProcess server(Served());
     for (const std::string host : {"evil.example", "evil.example:3600", "localhost", "127.0.0.1.evil.example",
                                    "x127.0.0.1", "[::1", "[::1]x", "[", "[evil]:80", "", "127.0.0.1@evil"})
@@ -51,7 +51,7 @@ TEST_F(ServerAccess, aHostThatIsNoAddressIsRefused) {
     ExpectRefused(server, 400, "Host: 127.0.0.1\r\nHost: 127.0.0.1\r\n");
 }
 
-TEST_F(ServerAccess, anyAddressIsAHost) {
+TEST_F(ServerAccess, acceptsAnyAddressAsHost) {
     const OstraServerProcess server(Served());
     for (const std::string host : {"127.0.0.1", "127.0.0.1:3600", "10.0.0.7:1", "[::1]:3600", "[fe80::1]"}) {
         MakeTree(Served(), original);
@@ -60,14 +60,14 @@ TEST_F(ServerAccess, anyAddressIsAHost) {
     }
 }
 
-TEST_F(ServerAccess, aNameThatTheServerWasGivenIsAHost) {
+TEST_F(ServerAccess, acceptsItsConfiguredHostNames) {
     const OstraServerProcess server(Served(), {"--host-name", "Station-One", "--host-name", "station.local"});
     EXPECT_EQ(Restore(server, "Host: station-one:3600\r\n"), 200U);
     EXPECT_EQ(Restore(server, "Host: STATION.LOCAL\r\n"), 200U);
     EXPECT_EQ(Restore(server, "Host: station\r\n"), 403U);
 }
 
-TEST_F(ServerAccess, aRequestOfAWebPageIsRefused) {
+TEST_F(ServerAccess, refusesRequestsFromWebPages) {
     const OstraServerProcess server(Served());
     for (const std::string origin : {"http://evil.example", "null", "http://127.0.0.1:3600", ""})
         ExpectRefused(server, 403, "Host: 127.0.0.1\r\nOrigin: " + origin + "\r\n");
@@ -80,7 +80,7 @@ TEST_F(ServerAccess, aRequestOfAWebPageIsRefused) {
     EXPECT_THAT(reply.head, testing::Not(HasSubstr("Access-Control")));
 }
 
-TEST_F(ServerAccess, aCommandWithoutAContentTypeIsRefused) {
+TEST_F(ServerAccess, refusesACommandWithoutContentType) {
     const OstraServerProcess server(Served());
     const auto post = [&](const std::string& fields) {
         RawHttp http(server.ControlPort());
@@ -95,7 +95,7 @@ TEST_F(ServerAccess, aCommandWithoutAContentTypeIsRefused) {
     EXPECT_EQ(post("Content-Type: application/json\r\n"), 200U);
 }
 
-TEST_F(ServerAccess, anUnknownTransferCodingIs501AndCloses) {
+TEST_F(ServerAccess, answers501ToAnUnknownTransferCodingAndCloses) {
     const OstraServerProcess server(Served());
     for (const std::string coding : {"gzip", "identity", "gzip, chunked", "chunked, gzip", "xchunked"}) {
         RawHttp http(server.ControlPort());
@@ -106,7 +106,7 @@ TEST_F(ServerAccess, anUnknownTransferCodingIs501AndCloses) {
     }
 }
 
-TEST_F(ServerAccess, withATokenNothingIsDoneWithoutIt) {
+TEST_F(ServerAccess, refusesEveryRequestWithoutTheToken) {
     const OstraServerProcess server(Served(), {"--token-file", TokenFile("se-cret.1\nnot this line\n")});
     const std::string host = "Host: 127.0.0.1\r\n";
     ExpectRefused(server, 401, host);
@@ -120,7 +120,7 @@ TEST_F(ServerAccess, withATokenNothingIsDoneWithoutIt) {
     EXPECT_EQ(Restore(server, host + "Authorization: Bearer se-cret.1\r\n"), 200U);
 }
 
-TEST_F(ServerAccess, aTokenFileThatIsNoneEndsTheStart) {
+TEST_F(ServerAccess, doesNotStartWithAnInvalidTokenFile) {
     const std::vector<std::string> unusable = {"", "\n", "two words\n", "tab\t\n", std::string(1001, 'a')};
     for (const std::string& content : unusable)
         EXPECT_THROW(OstraServerProcess(Served(), {"--token-file", TokenFile(content)}), std::runtime_error);
@@ -128,7 +128,7 @@ TEST_F(ServerAccess, aTokenFileThatIsNoneEndsTheStart) {
     EXPECT_NO_THROW(OstraServerProcess(Served(), {"--token-file", TokenFile(std::string(1000, 'a'))}));
 }
 
-TEST_F(ServerAccess, theEditorBringsTheTokenThatItWasGiven) {
+TEST_F(ServerAccess, acceptsTheEditorWithItsToken) {
     const OstraServerProcess server(Served(), {"--token-file", TokenFile("secret\n")});
     OstraSdkClient client;
     EXPECT_EQ(ThrownBy([&] { client.Connect("127.0.0.1", server.ControlPort()); }).Status(), bERROR_REFUSED);

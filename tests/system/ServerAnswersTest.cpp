@@ -26,7 +26,7 @@ bool ReplayOf(const OstraServerProcess& server) {
 
 using ServerAnswers = ServerTest;
 
-TEST_F(ServerAnswers, infoHasEveryKeyWithItsType) {
+TEST_F(ServerAnswers, sendsEveryKeyOfInfoWithItsType) {
     const OstraServerProcess server(Served(), {"--serial", "4294967295", "--model", "Line \"5\""});
     const RawHttp::Reply reply = RawHttp::Request(server.ControlPort(), "GET", "/system/info");
     EXPECT_EQ(reply.status, 200U);
@@ -39,7 +39,7 @@ TEST_F(ServerAnswers, infoHasEveryKeyWithItsType) {
     EXPECT_EQ(info.value(QLatin1String("Mask")).toString(), QLatin1String("255.0.0.0"));
 }
 
-TEST_F(ServerAnswers, archiveHoldsTheWorkspaceOnBothLevels) {
+TEST_F(ServerAnswers, archivesTheWorkspaceInBothLevels) {
     const OstraServerProcess server(Served(), {"--serial", "77"});
     EXPECT_EQ(ServedTree(server), original);
     EXPECT_THAT(FileContent(folder.Path("got/info.json")), testing::HasSubstr("\"serial\":\"77\""));
@@ -47,14 +47,14 @@ TEST_F(ServerAnswers, archiveHoldsTheWorkspaceOnBothLevels) {
     EXPECT_EQ(FileContent(folder.Path("names")), "info.json\nworkspaces/\nworkspaces/Workspace.osws\n");
 }
 
-TEST_F(ServerAnswers, bsdTarReadsTheArchiveToo) {
+TEST_F(ServerAnswers, sendsArchivesThatBsdTarReads) {
     const OstraServerProcess server(Served());
     ServedTree(server);
     EXPECT_TRUE(Shell("mkdir bsd && bsdtar -xf got/workspaces/Workspace.osws -C bsd"));
     EXPECT_EQ(TreeOf(folder.Path("bsd")), original);
 }
 
-TEST_F(ServerAnswers, archiveKeepsLongNamesAndModificationTimes) {
+TEST_F(ServerAnswers, archivesLongNamesAndModificationTimes) {
     const std::string longName = "vdk/ContourPath/" + std::string(200, 'n') + ".trk";
     const std::string exactlyHundred = "vdk/" + std::string(96, 'h');
     original[longName] = "long";
@@ -67,7 +67,7 @@ TEST_F(ServerAnswers, archiveKeepsLongNamesAndModificationTimes) {
     EXPECT_TRUE(Shell("test $(stat -c %Y got/in/vdk/settings.json) = 1700000000"));
 }
 
-TEST_F(ServerAnswers, archiveLeavesOutLinksAndOtherThings) {
+TEST_F(ServerAnswers, leavesLinksAndSpecialFilesOutOfTheArchive) {
     EXPECT_TRUE(
         Shell("ln -s /etc/passwd 'station one/vdk/ContourPath/link.trk'; ln -s /etc 'station one/etc'; "
               "mkfifo 'station one/vdk/pipe'"));
@@ -75,7 +75,7 @@ TEST_F(ServerAnswers, archiveLeavesOutLinksAndOtherThings) {
     EXPECT_EQ(ServedTree(server), original);
 }
 
-TEST_F(ServerAnswers, foldersNestAsDeepInAnArchiveAsClientsUnpackThem) {
+TEST_F(ServerAnswers, archivesFoldersToTheDepthThatClientsUnpack) {
     std::string deepest;
     for (int level = 0; level < 64; ++level)
         deepest += "d/";
@@ -88,7 +88,7 @@ TEST_F(ServerAnswers, foldersNestAsDeepInAnArchiveAsClientsUnpackThem) {
     EXPECT_EQ(reply.body, R"({"error":"The workspace's folders nest too deep."})");
 }
 
-TEST_F(ServerAnswers, aNameThatClientsDoNotAcceptIsToldBeforeTheArchiveBegins) {
+TEST_F(ServerAnswers, reportsAnUnacceptableNameBeforeTheArchiveBegins) {
     const std::string folders = std::string(200, 'a') + "/" + std::string(200, 'b') + "/";
     MakeTree(Served(), {{folders + std::string(112, 'c'), ""}}); // 514 characters
     const OstraServerProcess server(Served());
@@ -97,7 +97,7 @@ TEST_F(ServerAnswers, aNameThatClientsDoNotAcceptIsToldBeforeTheArchiveBegins) {
     EXPECT_EQ(Archive(server).status, 200U);
 }
 
-TEST_F(ServerAnswers, aTimeBeyondTheHeadersRoomIsKept) {
+TEST_F(ServerAnswers, archivesTimesThatExceedTheHeaderField) {
     EXPECT_TRUE(Shell("touch -d @8589935592 'station one/vdk/settings.json'")); // a thousand beyond 8^11
     if (!Shell("test $(stat -c %Y 'station one/vdk/settings.json') = 8589935592"))
         GTEST_SKIP() << "the file system has no room for it either";
@@ -106,7 +106,7 @@ TEST_F(ServerAnswers, aTimeBeyondTheHeadersRoomIsKept) {
     EXPECT_TRUE(Shell("test $(stat -c %Y got/in/vdk/settings.json) = 8589935592"));
 }
 
-TEST_F(ServerAnswers, sizesBeyondTheHeadersRoomAreTold) {
+TEST_F(ServerAnswers, archivesSizesThatExceedTheHeaderField) {
     MakeTree(Served(), {{"a", ""}});
     EXPECT_TRUE(Shell("truncate -s 8589934592 'station one/a'")); // 8^11
     const OstraServerProcess server(Served(), {"--fault-cut", "10000"});
@@ -121,7 +121,7 @@ TEST_F(ServerAnswers, sizesBeyondTheHeadersRoomAreTold) {
     EXPECT_THAT(FileContent(folder.Path("inner")), testing::ContainsRegex(" 8589934592 .* a\n"));
 }
 
-TEST_F(ServerAnswers, aFileThatIsNoLongerAsItWasEndsTheArchiveEarly) {
+TEST_F(ServerAnswers, truncatesTheArchiveWhenAFileChanges) {
     const std::string file = "'station one/z.trk'";
     const std::vector<std::pair<std::string, std::string>> changes{
         {"full", "printf more >> " + file},
@@ -149,7 +149,7 @@ TEST_F(ServerAnswers, aFileThatIsNoLongerAsItWasEndsTheArchiveEarly) {
     }
 }
 
-TEST_F(ServerAnswers, aFolderExchangedForALinkGivesNothingFromOutside) {
+TEST_F(ServerAnswers, sendsNothingThroughAFolderThatBecameALink) {
     const std::string secret = "not for clients";
     for (const std::string change : {"mv deep elsewhere && ln -s \"$PWD/../outside\" deep",
                                      "mv deep/er elsewhere && ln -s \"$PWD/../outside/er\" deep/er"}) {
@@ -169,7 +169,7 @@ TEST_F(ServerAnswers, aFolderExchangedForALinkGivesNothingFromOutside) {
     }
 }
 
-TEST_F(ServerAnswers, archiveNotesTheReplayMode) {
+TEST_F(ServerAnswers, archivesTheReplayMode) {
     const OstraServerProcess server(Served(), {"--replay", "on"});
     const std::string on = DataOf(Archive(server).body);
     RawHttp::Request(server.ControlPort(), "PUT", kReplayPath, "{\"enabled\": false}");
@@ -180,20 +180,20 @@ TEST_F(ServerAnswers, archiveNotesTheReplayMode) {
     EXPECT_FALSE(ReplayOf(server));
 }
 
-TEST_F(ServerAnswers, archiveOfAnEmptyWorkspaceIsAnArchive) {
+TEST_F(ServerAnswers, archivesAnEmptyWorkspace) {
     MakeTree(Served(), {});
     const OstraServerProcess server(Served());
     EXPECT_TRUE(ServedTree(server).empty());
 }
 
-TEST_F(ServerAnswers, archiveSeesWhatWasChangedOnTheDisk) {
+TEST_F(ServerAnswers, archivesTheCurrentContentOfTheDisk) {
     const OstraServerProcess server(Served());
     ServedTree(server);
     MakeTree(Served(), changed);
     EXPECT_EQ(ServedTree(server), changed);
 }
 
-TEST_F(ServerAnswers, replayModeIsReadAndSet) {
+TEST_F(ServerAnswers, readsAndSetsTheReplayMode) {
     const OstraServerProcess server(Served());
     EXPECT_FALSE(ReplayOf(server));
     const RawHttp::Reply on =
@@ -210,12 +210,12 @@ TEST_F(ServerAnswers, replayModeIsReadAndSet) {
     EXPECT_FALSE(ReplayOf(server));
 }
 
-TEST_F(ServerAnswers, replayModeStartsAsAsked) {
+TEST_F(ServerAnswers, startsInTheGivenReplayMode) {
     const OstraServerProcess server(Served(), {"--replay", "on"});
     EXPECT_TRUE(ReplayOf(server));
 }
 
-TEST_F(ServerAnswers, oneConnectionServesManyRequests) {
+TEST_F(ServerAnswers, servesManyRequestsOnOneConnection) {
     const OstraServerProcess server(Served());
     RawHttp http(server.ControlPort());
     for (int round = 0; round < 3; ++round) {
@@ -229,7 +229,7 @@ TEST_F(ServerAnswers, oneConnectionServesManyRequests) {
     EXPECT_EQ(http.Read().status, 200U);
 }
 
-TEST_F(ServerAnswers, connectionClosesWhenAskedTo) {
+TEST_F(ServerAnswers, closesTheConnectionOnRequest) {
     const OstraServerProcess server(Served());
     RawHttp http(server.ControlPort());
     http.Send("GET /system/info HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n\r\n");
@@ -241,7 +241,7 @@ TEST_F(ServerAnswers, connectionClosesWhenAskedTo) {
     EXPECT_TRUE(old.Closed());
 }
 
-TEST_F(ServerAnswers, requestsAreLoggedInTheirOrder) {
+TEST_F(ServerAnswers, logsRequestsInOrder) {
     OstraServerProcess server(Served());
     RawHttp::Request(server.ControlPort(), "GET", "/system/info");
     RawHttp::Request(server.ControlPort(), "PUT", kReplayPath, "{\"enabled\": true}");
@@ -253,7 +253,7 @@ TEST_F(ServerAnswers, requestsAreLoggedInTheirOrder) {
     EXPECT_EQ(server.Calls().back(), "POST /system/commands/archive");
 }
 
-TEST_F(ServerAnswers, theLogShowsTwoHundredLettersOfAPath) {
+TEST_F(ServerAnswers, logsTwoHundredCharactersOfAPath) {
     OstraServerProcess server(Served());
     const std::string path = "/" + std::string(199, 'p');
     RawHttp::Request(server.ControlPort(), "GET", path);
@@ -262,7 +262,7 @@ TEST_F(ServerAnswers, theLogShowsTwoHundredLettersOfAPath) {
     EXPECT_EQ(server.Requests().size(), 2U);
 }
 
-TEST_F(ServerAnswers, logGoesToTheNamedFile) {
+TEST_F(ServerAnswers, logsToTheNamedFile) {
     const OstraServerProcess server(Served(), {"--log", folder.Path("requests.log")});
     RawHttp::Request(server.ControlPort(), "GET", "/system/info");
     EXPECT_EQ(FileContent(folder.Path("requests.log")), "GET /system/info 0 200\n");

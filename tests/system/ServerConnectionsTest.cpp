@@ -57,7 +57,7 @@ class ServerConnections : public ServerTest {
     }
 };
 
-TEST_F(ServerConnections, oneTooManyIs503) {
+TEST_F(ServerConnections, answers503BeyondTheLimit) {
     const OstraServerProcess server(Served(), {"--connections", "2"});
     RawHttp first(server.ControlPort(), "127.0.0.2");
     RawHttp second(server.ControlPort(), "127.0.0.3");
@@ -71,7 +71,7 @@ TEST_F(ServerConnections, oneTooManyIs503) {
     EXPECT_EQ(first.Read().status, 200U);
 }
 
-TEST_F(ServerConnections, oneAddressGetsHalfOfThePlaces) {
+TEST_F(ServerConnections, givesOneAddressHalfOfThePlaces) {
     const OstraServerProcess server(Served(), {"--connections", "8"});
     Connections greedy;
     for (int i = 0; i < 4; ++i)
@@ -82,7 +82,7 @@ TEST_F(ServerConnections, oneAddressGetsHalfOfThePlaces) {
     EXPECT_EQ(StatusFrom(server, "127.0.0.4"), 503U) << "now there is no place at all";
 }
 
-TEST_F(ServerConnections, halfHeadsDoNotLockOthersOut) {
+TEST_F(ServerConnections, servesOthersDespiteIncompleteHeads) {
     const OstraServerProcess server(Served(), {"--head-timeout", "400"});
     Connections half;
     Open(half, server, 32, "127.0.0.2", "GET /system/info HTTP/1.1\r\nHost: 127");
@@ -93,7 +93,7 @@ TEST_F(ServerConnections, halfHeadsDoNotLockOthersOut) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
 }
 
-TEST_F(ServerConnections, aHeadHasFiveSecondsToArrive) {
+TEST_F(ServerConnections, givesAHeadFiveSecondsToArrive) {
     const OstraServerProcess server(Served());
     RawHttp http(server.ControlPort());
     http.Send("GET /sys");
@@ -102,7 +102,7 @@ TEST_F(ServerConnections, aHeadHasFiveSecondsToArrive) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(15));
 }
 
-TEST_F(ServerConnections, theOldestIdleOneGivesWayToANewOne) {
+TEST_F(ServerConnections, closesTheLongestIdleConnectionForANewOne) {
     const OstraServerProcess server(Served(), {"--connections", "4"});
     Connections idle;
     for (const char* const from : {"127.0.0.2", "127.0.0.3", "127.0.0.4", "127.0.0.5"}) {
@@ -116,7 +116,7 @@ TEST_F(ServerConnections, theOldestIdleOneGivesWayToANewOne) {
     EXPECT_EQ(idle.back().Read().status, 200U);
 }
 
-TEST_F(ServerConnections, withOnePlaceAConnectFollowedByARequestWorksEachTime) {
+TEST_F(ServerConnections, servesConsecutiveConnectionsWithOnePlace) {
     const OstraServerProcess server(Served(), {"--connections", "1"});
     const std::string closing = "GET /system/info HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n\r\n";
     for (int round = 0; round < 300; ++round) {
@@ -131,7 +131,7 @@ TEST_F(ServerConnections, withOnePlaceAConnectFollowedByARequestWorksEachTime) {
     }
 }
 
-TEST_F(ServerConnections, eachNeedsOneDescriptor) {
+TEST_F(ServerConnections, needsOneDescriptorPerConnection) {
     const OstraServerProcess server(Served(), {"--connections", "400"});
     const std::ptrdiff_t before = DescriptorsOf(server);
     Connections connections;
@@ -143,7 +143,7 @@ TEST_F(ServerConnections, eachNeedsOneDescriptor) {
     EXPECT_LE(DescriptorsOf(server), before + 100);
 }
 
-TEST_F(ServerConnections, aDescriptorTooFewIsWaitedFor) {
+TEST_F(ServerConnections, waitsWhenNoDescriptorIsFree) {
     const OstraServerProcess server(Served());
     EXPECT_EQ(StatusFrom(server, "127.0.0.2"), 200U);
     rlimit before{};
@@ -159,7 +159,7 @@ TEST_F(ServerConnections, aDescriptorTooFewIsWaitedFor) {
         EXPECT_EQ(each->Read().status, 200U);
 }
 
-TEST_F(ServerConnections, moreThanTheSystemAllowsAreRefusedAtTheStart) {
+TEST_F(ServerConnections, refusesToStartWithALimitThatTheSystemDoesNotAllow) {
     const std::string start =
         "ulimit -n 300 && '" + OstraServerProcess::Program() +
         "' --port 0 --discovery-port 0 --workspace 'station one' --connections 1000 2> error";
@@ -168,7 +168,7 @@ TEST_F(ServerConnections, moreThanTheSystemAllowsAreRefusedAtTheStart) {
                 testing::HasSubstr("--connections 1000 needs 3144 open files, and the system allows 300"));
 }
 
-TEST_F(ServerConnections, aServerOfAThousandStartsWhereTheSystemAllowsIt) {
+TEST_F(ServerConnections, startsWithAThousandPlacesWhereTheSystemAllowsIt) {
     const OstraServerProcess server(Served(), {"--connections", "1000"});
     Connections connections;
     for (int i = 0; i < 400; ++i)
@@ -176,7 +176,7 @@ TEST_F(ServerConnections, aServerOfAThousandStartsWhereTheSystemAllowsIt) {
     EXPECT_EQ(StatusFrom(server, "127.0.0.2"), 200U);
 }
 
-TEST_F(ServerConnections, aFloodDoesNotEndTheServer) {
+TEST_F(ServerConnections, survivesAFloodOfConnections) {
     const OstraServerProcess server(Served(), {"--connections", "4"});
     for (int round = 0; round < 20; ++round) {
         Connections flood;

@@ -39,7 +39,7 @@ class ServerRestore : public ServerTest {
     }
 };
 
-TEST_F(ServerRestore, putsTheArchivedWorkspaceInPlace) {
+TEST_F(ServerRestore, replacesTheWorkspace) {
     const OstraServerProcess server(Served());
     const RawHttp::Reply reply = Restore(server, Backup(changed));
     EXPECT_EQ(reply.status, 200U) << reply.body;
@@ -49,7 +49,7 @@ TEST_F(ServerRestore, putsTheArchivedWorkspaceInPlace) {
     AwaitNoLeftovers();
 }
 
-TEST_F(ServerRestore, takesBackItsOwnArchive) {
+TEST_F(ServerRestore, acceptsItsOwnArchive) {
     const OstraServerProcess server(Served());
     const std::string archive = DataOf(Archive(server).body);
     MakeTree(Served(), changed);
@@ -57,14 +57,14 @@ TEST_F(ServerRestore, takesBackItsOwnArchive) {
     EXPECT_EQ(TreeOf(Served()), original);
 }
 
-TEST_F(ServerRestore, takesTheArchiveOfARealStation) {
+TEST_F(ServerRestore, acceptsTheArchiveOfARealStation) {
     const OstraServerProcess server(Served());
     EXPECT_EQ(Restore(server, FileContent(TestData("station.osbak"))).status, 200U);
     EXPECT_EQ(FileContent(Served() + "/vdk/ContourPath/fault.trk"), FileContent(TestData("fault.trk")));
     EXPECT_EQ(TreeOf(Served()).count("vdk/empty/"), 1U);
 }
 
-TEST_F(ServerRestore, takesArchivesOfOtherTools) {
+TEST_F(ServerRestore, acceptsArchivesOfOtherTools) {
     const OstraServerProcess server(Served());
     const std::string longFolder = "vdk/" + std::string(90, 'd') + "/";
     changed[longFolder] = "";
@@ -89,7 +89,7 @@ TEST_F(ServerRestore, keepsTheFoldersPermissions) {
     EXPECT_EQ(std::filesystem::status(Served()).permissions(), std::filesystem::perms(0751));
 }
 
-TEST_F(ServerRestore, replayModeFollowsTheArchive) {
+TEST_F(ServerRestore, setsTheArchivedReplayMode) {
     const OstraServerProcess server(Served());
     EXPECT_EQ(Restore(server, Backup(changed, "{\"serial\": \"1\", \"replay\": true}")).status, 200U);
     EXPECT_EQ(Replay(server), "{\"enabled\":true}");
@@ -99,7 +99,7 @@ TEST_F(ServerRestore, replayModeFollowsTheArchive) {
     EXPECT_EQ(Replay(server), "{\"enabled\":false}");
 }
 
-TEST_F(ServerRestore, replayModeIsWhatTheOptionSays) {
+TEST_F(ServerRestore, setsTheReplayModeOfTheOption) {
     const OstraServerProcess server(Served(), {"--restore-sets-replay", "on"});
     EXPECT_EQ(Restore(server, "no archive").status, 422U);
     EXPECT_EQ(Replay(server), "{\"enabled\":false}");
@@ -107,12 +107,12 @@ TEST_F(ServerRestore, replayModeIsWhatTheOptionSays) {
     EXPECT_EQ(Replay(server), "{\"enabled\":true}");
 }
 
-TEST_F(ServerRestore, refusesAFolderWithoutTheOneAbove) {
+TEST_F(ServerRestore, refusesAFolderWithoutItsParent) {
     const OstraServerProcess server(Served());
     ExpectRefused(server, BackupAround(TarFolder("missing/vdk") + TarEnd(), "{}"));
 }
 
-TEST_F(ServerRestore, refusesAnArchiveCutAtAnyBlock) {
+TEST_F(ServerRestore, refusesAnArchiveTruncatedAtAnyBlock) {
     const OstraServerProcess server(Served());
     original = changed;
     MakeTree(Served(), original);
@@ -129,7 +129,7 @@ TEST_F(ServerRestore, refusesAnArchiveCutAtAnyBlock) {
     EXPECT_EQ(Restore(server, whole).status, 200U);
 }
 
-TEST_F(ServerRestore, refusesAnInnerArchiveCutAtAnyBlock) {
+TEST_F(ServerRestore, refusesAnInnerArchiveTruncatedAtAnyBlock) {
     const OstraServerProcess server(Served());
     std::string inner = Tarred({{"vdk/ContourPath/a.trk", std::string(1500, 'a')}});
     inner.resize(inner.find_last_not_of('\0') / 512 * 512 + std::size_t{3} * 512);
@@ -182,7 +182,7 @@ TEST_F(ServerRestore, refusesLinksAndSpecialFiles) {
     }
 }
 
-TEST_F(ServerRestore, refusesLinksAndSpecialFilesBesideTheWorkspaceToo) {
+TEST_F(ServerRestore, refusesLinksAndSpecialFilesInTheOuterArchive) {
     const OstraServerProcess server(Served());
     const std::string osws = Tarred(changed);
     for (const std::string command :
@@ -194,7 +194,7 @@ TEST_F(ServerRestore, refusesLinksAndSpecialFilesBesideTheWorkspaceToo) {
     }
 }
 
-TEST_F(ServerRestore, aDiskThatFailsIsTheServersFailureNotTheArchives) {
+TEST_F(ServerRestore, reportsADiskFailureAsItsOwn) {
     // Whoever starts with this signal ignored gets an error for a file beyond its limit.
     const auto before = std::signal(SIGXFSZ, SIG_IGN);
     const OstraServerProcess server(Served());
@@ -223,7 +223,7 @@ TEST_F(ServerRestore, refusesToWriteThroughALinkInTheArchive) {
     EXPECT_TRUE(TreeOf(folder.Path("victim")).empty());
 }
 
-TEST_F(ServerRestore, refusesWhatIsNoBackup) {
+TEST_F(ServerRestore, refusesWhatIsNotABackup) {
     const OstraServerProcess server(Served());
     ExpectRefused(server, "");
     ExpectRefused(server, "not a tar archive at all");
@@ -245,7 +245,7 @@ TEST_F(ServerRestore, refusesWhatIsNoBackup) {
     ExpectRefused(server, FileContent(folder.Path("twice.tar")));
 }
 
-TEST_F(ServerRestore, notesOf64KiBAreTheLongest) {
+TEST_F(ServerRestore, limitsInfoJsonTo64KiB) {
     const OstraServerProcess server(Served());
     const std::string notes = R"({"replay": true})";
     const std::size_t room = std::size_t{64} * 1024 - notes.size();
@@ -254,7 +254,7 @@ TEST_F(ServerRestore, notesOf64KiBAreTheLongest) {
     EXPECT_EQ(RawHttp::Request(server.ControlPort(), "GET", kReplayPath).body, R"({"enabled":true})");
 }
 
-TEST_F(ServerRestore, anArchiveBeingSentStaysWholeWhileTheWorkspaceIsReplaced) {
+TEST_F(ServerRestore, completesAnArchiveWhileTheWorkspaceIsReplaced) {
     original["vdk/ContourPath/large.trk"] = std::string(30'000'000, 'o');
     MakeTree(Served(), original);
     const OstraServerProcess server(Served());
@@ -273,7 +273,7 @@ TEST_F(ServerRestore, anArchiveBeingSentStaysWholeWhileTheWorkspaceIsReplaced) {
     AwaitNoLeftovers();
 }
 
-TEST_F(ServerRestore, manyClientsAtOnceSeeOneWorkspaceOrTheOther) {
+TEST_F(ServerRestore, showsConcurrentClientsOneWorkspaceOrTheOther) {
     const OstraServerProcess server(Served());
     const std::string first = Backup(original);
     const std::string second = Backup(changed);
@@ -304,7 +304,7 @@ TEST_F(ServerRestore, manyClientsAtOnceSeeOneWorkspaceOrTheOther) {
     AwaitNoLeftovers();
 }
 
-TEST_F(ServerRestore, aKillAtAnyMomentLeavesTheOldWorkspaceOrTheNewOne) {
+TEST_F(ServerRestore, leavesTheOldOrTheNewWorkspaceAfterAKill) {
     for (int i = 0; i < 40; ++i)
         changed["vdk/ContourPath/" + std::to_string(i) + ".trk"] =
             std::string(20000, static_cast<char>('a' + i % 26));
@@ -330,7 +330,7 @@ TEST_F(ServerRestore, aKillAtAnyMomentLeavesTheOldWorkspaceOrTheNewOne) {
     RecordProperty("replaced", replaced);
 }
 
-TEST_F(ServerRestore, aWorkspaceLeftAsideByAKillIsPutBackAtTheNextStart) {
+TEST_F(ServerRestore, putsAWorkspaceBackAtTheNextStartAfterAKill) {
     std::filesystem::rename(Served(), folder.Path(".station one.ostra-old"));
     MakeTree(folder.Path(".station one.ostra-new-abcdef/workspace"), changed);
     const OstraServerProcess server(Served());
@@ -338,7 +338,7 @@ TEST_F(ServerRestore, aWorkspaceLeftAsideByAKillIsPutBackAtTheNextStart) {
     EXPECT_EQ(Leftovers(), "");
 }
 
-TEST_F(ServerRestore, startRemovesWhatAKillLeftAndNothingElse) {
+TEST_F(ServerRestore, removesOnlyLeftoversOfAKillAtStart) {
     MakeTree(folder.Path(".station one.ostra-old"), changed);
     MakeTree(folder.Path(".station one.ostra-new-abcdef"), changed);
     MakeTree(folder.Path("station one.ostra-new-abcdef"), changed);

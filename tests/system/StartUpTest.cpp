@@ -48,9 +48,9 @@ void Plan() {
 Q_COREAPP_STARTUP_FUNCTION(Plan)
 
 /// One start of the program in this process: a process starts it once.
-class StartUpTest : public ::testing::Test {
+class StartUp : public ::testing::Test {
   protected:
-    StartUpTest() {
+    StartUp() {
         ::mkdir("instance", 0700);
         ::setenv("CORVANE_INSTANCE", folder.Path("instance").c_str(), 1);
         ::setenv("CORVANE_KEPT", folder.Path("kept").c_str(), 1);
@@ -69,7 +69,7 @@ class StartUpTest : public ::testing::Test {
     TemporaryFolder folder;
 };
 
-TEST_F(StartUpTest, showsTheTitledWindowAndEndsWithTheLoopsResult) {
+TEST_F(StartUp, showsTheTitledWindowAndReturnsTheEventLoopsResult) {
     std::string title;
     whenShown = [&](QMainWindow& window) {
         title = window.windowTitle().toStdString();
@@ -84,11 +84,11 @@ TEST_F(StartUpTest, showsTheTitledWindowAndEndsWithTheLoopsResult) {
     EXPECT_NE(log(), "");
 }
 
-TEST_F(StartUpTest, closingTheWindowEndsWithZero) {
+TEST_F(StartUp, returnsZeroWhenTheWindowIsClosed) {
     EXPECT_EQ(start(), 0);
 }
 
-TEST_F(StartUpTest, windowIsDestroyedBeforeTheApplication) {
+TEST_F(StartUp, destroysTheWindowBeforeTheApplication) {
     bool destroyed = false;
     bool applicationLived = false;
     whenShown = [&](QMainWindow& window) {
@@ -104,14 +104,14 @@ TEST_F(StartUpTest, windowIsDestroyedBeforeTheApplication) {
     EXPECT_EQ(QCoreApplication::instance(), nullptr);
 }
 
-TEST_F(StartUpTest, exceptionFromTheEventLoopEndsTheProcess) {
+TEST_F(StartUp, endsTheProcessOnAnExceptionFromTheEventLoop) {
     whenShown = [](QMainWindow&) { throw std::runtime_error("nobody catches this"); };
     // Without the noexcept the test's own frame would be the one that catches it.
     const auto startAlone = []() noexcept { start(); };
     EXPECT_DEATH(startAlone(), "nobody catches this");
 }
 
-TEST_F(StartUpTest, fileNamesAreUtf8WhateverTheDesktopsEncoding) {
+TEST_F(StartUp, usesUtf8FileNamesInAnyDesktopEncoding) {
     // What a toolkit that follows the desktop would find on one with an older encoding.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
     const std::string name = "straße 日.trk";
@@ -129,14 +129,14 @@ TEST_F(StartUpTest, fileNamesAreUtf8WhateverTheDesktopsEncoding) {
     EXPECT_EQ(encoded, name);
 }
 
-TEST_F(StartUpTest, logIsEmptiedByTheStart) {
+TEST_F(StartUp, emptiesTheLog) {
     WriteFile("Corvane.log", "an older run\n");
     start();
     EXPECT_THAT(log(), ::testing::Not(::testing::HasSubstr("older")));
     EXPECT_NE(log(), "");
 }
 
-TEST_F(StartUpTest, mutexThatIsTakenEndsTheStartWithZero) {
+TEST_F(StartUp, returnsZeroWhenTheMutexIsHeld) {
     WriteFile("Corvane.log", "the other copy's\n");
     const HANDLE other = CreateMutexW(nullptr, FALSE, L"corvane");
     EXPECT_EQ(start(), 0);
@@ -146,14 +146,14 @@ TEST_F(StartUpTest, mutexThatIsTakenEndsTheStartWithZero) {
     EXPECT_EQ(QCoreApplication::instance(), nullptr);
 }
 
-TEST_F(StartUpTest, mutexThatCannotBeMadeKeepsNobodyOut) {
+TEST_F(StartUp, startsWhenTheMutexCannotBeCreated) {
     ::mkdir("instance/corvane.lock", 0700);
     EXPECT_EQ(CreateMutexW(nullptr, FALSE, L"corvane"), nullptr);
     EXPECT_EQ(start(), 0);
     EXPECT_EQ(fakeLibraries::deviceStarts, 1);
 }
 
-TEST_F(StartUpTest, mutexIsHeldWhileTheWindowIsOpen) {
+TEST_F(StartUp, holdsTheMutexWhileTheWindowIsOpen) {
     DWORD found = 0;
     whenShown = [&](QMainWindow& window) {
         CloseHandle(CreateMutexW(nullptr, FALSE, L"corvane"));
@@ -164,7 +164,7 @@ TEST_F(StartUpTest, mutexIsHeldWhileTheWindowIsOpen) {
     EXPECT_EQ(found, ERROR_ALREADY_EXISTS);
 }
 
-TEST_F(StartUpTest, logThatCannotBeOpenedIsToldOnStandardError) {
+TEST_F(StartUp, reportsAnUnwritableLogOnStandardError) {
     ::mkdir("Corvane.log", 0700);
     ::testing::internal::CaptureStderr();
     const int result = start();
@@ -176,7 +176,7 @@ TEST_F(StartUpTest, logThatCannotBeOpenedIsToldOnStandardError) {
     EXPECT_EQ(fakeLibraries::apiStarts, 0);
 }
 
-TEST_F(StartUpTest, firstLibraryThatFailsLeavesTheLogEmpty) {
+TEST_F(StartUp, leavesTheLogEmptyWhenTheFirstLibraryFails) {
     WriteFile("Corvane.log", "an older run\n");
     fakeLibraries::apiStatus = -997;
     EXPECT_EQ(start(), -1);
@@ -184,13 +184,13 @@ TEST_F(StartUpTest, firstLibraryThatFailsLeavesTheLogEmpty) {
     EXPECT_EQ(fakeLibraries::deviceStarts, 0);
 }
 
-TEST_F(StartUpTest, anyStatusButOneIsAFailure) {
+TEST_F(StartUp, treatsEveryStatusButOneAsFailure) {
     fakeLibraries::apiStatus = 0;
     EXPECT_EQ(start(), -1);
     EXPECT_EQ(log(), "");
 }
 
-TEST_F(StartUpTest, secondLibraryThatFailsWritesOneLine) {
+TEST_F(StartUp, logsOneLineWhenTheSecondLibraryFails) {
     fakeLibraries::deviceStatus = -993;
     EXPECT_EQ(start(), -1);
     EXPECT_THAT(log(), ::testing::MatchesRegex("[0-9][0-9]:[0-9][0-9]:[0-9][0-9].0[0-9][0-9] ERROR: "

@@ -88,7 +88,7 @@ TEST_F(CheckCommand, findsErrorsInExactlyThoseHostileTracksThatTheEditorRefuses)
     }
 }
 
-TEST_F(CheckCommand, isContentWithGoodTracks) {
+TEST_F(CheckCommand, acceptsGoodTracks) {
     WriteFile("binary.trk", BinaryFile(Sample()));
     WriteFile("text.trk", TextFile(Sample()));
     const std::string samples = std::string(CORVANE_SAMPLES) + "/tracks/";
@@ -128,7 +128,7 @@ TEST_F(CheckCommand, reportsEveryProblemOfATextTrackWithItsLine) {
                             at + std::to_string(points + 2) + ": warning: Segment 2 where 1 was expected"));
 }
 
-TEST_F(CheckCommand, countsRowsOfATextTrack) {
+TEST_F(CheckCommand, reportsMissingAndSurplusRowsOfATextTrack) {
     const int map = LineOf("YX,");
     EXPECT_THAT(LinesOf(WithLine(map + 5, "")), ElementsAre("a.trk: line " + std::to_string(map + 20) +
                                                             ": error: 19 rows in a height map of 20"));
@@ -137,7 +137,7 @@ TEST_F(CheckCommand, countsRowsOfATextTrack) {
                                   ": error: a row too many in a height map of 20"));
 }
 
-TEST_F(CheckCommand, reportsTheProblemsOfABinaryTrackWithTheirBytes) {
+TEST_F(CheckCommand, reportsTheProblemsOfABinaryTrackWithTheirOffsets) {
     const std::string at = "a.trk: byte ";
     EXPECT_THAT(LinesOf(With(8, std::int32_t{7})),
                 ElementsAre(at + "8: error: version 7, whose layout is unknown"));
@@ -171,7 +171,7 @@ TEST_F(CheckCommand, reportsTheProblemsOfABinaryTrackWithTheirBytes) {
                 ElementsAre(at + "50: error: the file ends within the information"));
 }
 
-TEST_F(CheckCommand, endsWith1ForWarningsOnlyWhenItIsStrict) {
+TEST_F(CheckCommand, endsWith1ForWarningsOnlyIfStrict) {
     WriteFile("a.trk", BinaryFile(Sample()) + "abc");
     EXPECT_EQ(RunTrackTool({"check", "a.trk"}).code, 0);
     EXPECT_EQ(RunTrackTool({"check", "--strict", "a.trk"}).code, 1);

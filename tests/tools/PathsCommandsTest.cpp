@@ -75,7 +75,7 @@ std::vector<independent::Ruler> TicksOf(const Segment& from, const Segment& to, 
     return ticks;
 }
 
-TEST_F(PathsCommands, exportEveryPointWithItsPlaceInTheWorld) {
+TEST_F(PathsCommands, exportsEveryPointWithItsWorldPosition) {
     const ToolResult result = RunTrackTool({"paths", "export", "binary.trk"});
     EXPECT_EQ(result.code, 0) << result.errors;
     EXPECT_THAT(result.Lines(),
@@ -87,7 +87,7 @@ TEST_F(PathsCommands, exportEveryPointWithItsPlaceInTheWorld) {
     EXPECT_EQ(FileContent("list.csv"), result.output);
 }
 
-TEST_F(PathsCommands, importWhatTheyExportedBitForBit) {
+TEST_F(PathsCommands, importsItsOwnExportBitForBit) {
     RunTrackTool({"paths", "export", "binary.trk", "-o", "list.csv"});
     Track other = Sample();
     other.segments = SmallTrack(PathAcross(0, 5, 0.75, 20)).segments;
@@ -126,7 +126,7 @@ TEST_F(PathsCommands, importComputesTheRulerMarks) {
     }
 }
 
-TEST_F(PathsCommands, importTakesWhatTheEditorKeepsAfterACrash) {
+TEST_F(PathsCommands, importsTheEditorsCrashFile) {
     TrackPath path;
     path.AppendPoint({{1.0 / 3.0, 0.1}, 2, 30, 40, 50});
     path.AppendPoint({{0.7, 2.0 / 3.0}, 3, 31, 41, 51});
@@ -143,7 +143,7 @@ TEST_F(PathsCommands, importTakesWhatTheEditorKeepsAfterACrash) {
                 ElementsAre(2, 30, 40, 50));
 }
 
-TEST_F(PathsCommands, importCanGoByWorldCoordinates) {
+TEST_F(PathsCommands, importsWorldCoordinates) {
     WriteFile("list.csv", "X,Y,Track\n15,21.25,0\n20,22.5,0\n");
     EXPECT_EQ(RunTrackTool({"paths", "import", "binary.trk", "list.csv", "--coordinates", "world"}).errors,
               "");
@@ -157,7 +157,7 @@ TEST_F(PathsCommands, importCanGoByWorldCoordinates) {
     EXPECT_EQ(written.segments[1].space, 100);
 }
 
-TEST_F(PathsCommands, jsonHasALineStringInWorldCoordinatesForEachPath) {
+TEST_F(PathsCommands, exportsALineStringPerPathAsJson) {
     EXPECT_EQ(RunTrackTool({"paths", "export", "text.trk", "-o", "list.geojson"}).errors, "");
     const QJsonObject collection =
         QJsonDocument::fromJson(QByteArray::fromStdString(FileContent("list.geojson"))).object();
@@ -174,7 +174,7 @@ TEST_F(PathsCommands, jsonHasALineStringInWorldCoordinatesForEachPath) {
     EXPECT_EQ(properties[QLatin1String("width")], (QJsonArray{60, 61, 62}));
 }
 
-TEST_F(PathsCommands, jsonComesBackToTheSamePlaces) {
+TEST_F(PathsCommands, importsItsOwnJsonToTheSamePositions) {
     RunTrackTool({"paths", "export", "binary.trk", "-o", "list.json"});
     Track blank = Sample();
     blank.segments.clear();
@@ -191,7 +191,7 @@ TEST_F(PathsCommands, jsonComesBackToTheSamePlaces) {
     }
 }
 
-TEST_F(PathsCommands, jsonMayHaveOneNumberForAllSegments) {
+TEST_F(PathsCommands, importsOneNumberForAllSegmentsFromJson) {
     WriteFile("list.json", R"({"type": "FeatureCollection", "features": [{"type": "Feature",
         "properties": {"width": 7}, "geometry": {"type": "LineString", "coordinates": [[10, 20], [30, 25]]}}]})");
     EXPECT_EQ(RunTrackTool({"paths", "import", "binary.trk", "list.json"}).errors, "");
@@ -203,7 +203,7 @@ TEST_F(PathsCommands, jsonMayHaveOneNumberForAllSegments) {
     EXPECT_EQ(written.segments[1].relativeY, 1);
 }
 
-TEST_F(PathsCommands, importIntoATextTrackNamesItsTarget) {
+TEST_F(PathsCommands, importRequiresATargetForATextTrack) {
     RunTrackTool({"paths", "export", "binary.trk", "-o", "list.csv"});
     const std::string before = FileContent("text.trk");
     const ToolResult unnamed = RunTrackTool({"paths", "import", "text.trk", "list.csv"});
@@ -217,7 +217,7 @@ TEST_F(PathsCommands, importIntoATextTrackNamesItsTarget) {
     EXPECT_EQ(ReadTrack("text.trk").segments, Sample().segments);
 }
 
-TEST_F(PathsCommands, importGivesATextTrackThePathSectionThatItLacks) {
+TEST_F(PathsCommands, importAddsAMissingPathSectionToATextTrack) {
     const std::string whole = TextFile(Sample());
     WriteFile("blank.trk", whole.substr(0, whole.find("Ruler")));
     RunTrackTool({"paths", "export", "binary.trk", "-o", "list.csv"});
@@ -226,7 +226,7 @@ TEST_F(PathsCommands, importGivesATextTrackThePathSectionThatItLacks) {
     EXPECT_EQ(ReadTrack("new.trk").segments, Sample().segments);
 }
 
-TEST_F(PathsCommands, importRefusesWhatIsNotClear) {
+TEST_F(PathsCommands, importRefusesAmbiguousInput) {
     ExpectRefused("", "line 0: no header line");
     ExpectRefused("0,0,0.5,0.5\n", "line 1: unknown column '0'");
     ExpectRefused("Track,RelativeX\n", "line 1: column RelativeY is required exactly once");
@@ -258,7 +258,7 @@ TEST_F(PathsCommands, importRefusesWhatIsNotClear) {
                   "list.json");
 }
 
-TEST_F(PathsCommands, importLeavesTheTrackWhereItCannotBeWritten) {
+TEST_F(PathsCommands, importLeavesAnUnwritableTrackUnchanged) {
     RunTrackTool({"paths", "export", "binary.trk", "-o", "list.csv"});
     const std::string before = FileContent("binary.trk");
     const ToolResult result =
@@ -269,7 +269,7 @@ TEST_F(PathsCommands, importLeavesTheTrackWhereItCannotBeWritten) {
     EXPECT_EQ(RunTrackTool({"paths", "export", "binary.trk", "-o", "missing/list.csv"}).code, 4);
 }
 
-TEST_F(PathsCommands, importRefusesMoreRulerMarksThanAFileHolds) {
+TEST_F(PathsCommands, importRefusesTooManyRulerMarks) {
     // 2^31 pixels in steps of one: more ticks than are ever built.
     WriteFile("list.csv", "Track,RelativeX,RelativeY,Space\n0,0,0,0\n0,20000000,0,0\n");
     const std::string before = FileContent("binary.trk");
@@ -279,7 +279,7 @@ TEST_F(PathsCommands, importRefusesMoreRulerMarksThanAFileHolds) {
     EXPECT_EQ(FileContent("binary.trk"), before);
 }
 
-TEST_F(PathsCommands, convertWritesWhatATextTrackHoldsAsABinaryOne) {
+TEST_F(PathsCommands, convertsATextTrackToBinary) {
     EXPECT_EQ(RunTrackTool({"convert", "text.trk", "new.trk"}).errors, "");
     const Track written = ReadTrack("new.trk");
     EXPECT_EQ(written.cells, Sample().cells);
@@ -291,7 +291,7 @@ TEST_F(PathsCommands, convertWritesWhatATextTrackHoldsAsABinaryOne) {
     EXPECT_FALSE(written.rulers.empty());
 }
 
-TEST_F(PathsCommands, convertRefusesWhatItWouldNotKeep) {
+TEST_F(PathsCommands, convertRefusesContentThatWouldBeLost) {
     const ToolResult binary = RunTrackTool({"convert", "binary.trk", "new.trk"});
     EXPECT_EQ(binary.code, 3);
     EXPECT_EQ(binary.errors, "corvane-track convert: binary.trk: already a binary track\n");

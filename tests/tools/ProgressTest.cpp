@@ -44,7 +44,7 @@ class Terminal {
     int before;
 };
 
-TEST(Progress, showsOnATerminalHowFarALongJobIs) {
+TEST(Progress, showsTheProgressOnATerminal) {
     const Terminal terminal;
     Progress progress("Reading a.osbak");
     progress.Update(1, 4); // too early to wonder
@@ -62,7 +62,7 @@ TEST(Progress, showsOnATerminalHowFarALongJobIs) {
     EXPECT_EQ(terminal.Shown(), "");
 }
 
-TEST(Progress, namesThePartOfTheJobAndGoesWithIt) {
+TEST(Progress, namesThePartAndRemovesItsLine) {
     const Terminal terminal;
     {
         Progress progress("Reading");

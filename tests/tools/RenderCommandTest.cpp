@@ -152,7 +152,7 @@ TEST_F(RenderCommand, refusesAPictureThatIsTooLarge) {
     EXPECT_FALSE(std::filesystem::exists("a.png"));
 }
 
-TEST_F(RenderCommand, saysWhatCannotBeReadOrWritten) {
+TEST_F(RenderCommand, reportsUnreadableAndUnwritableFiles) {
     Track flat = Sample();
     flat.cells.assign(flat.cells.size(), 7);
     WriteFile("flat.trk", BinaryFile(flat));

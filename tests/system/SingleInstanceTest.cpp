@@ -16,16 +16,16 @@ namespace {
 using std::chrono::steady_clock;
 
 /// Copies of the built program, started in one folder by one user.
-class CopiesTest : public ::testing::Test {
+class SingleInstance : public ::testing::Test {
   protected:
-    CopiesTest() {
+    SingleInstance() {
         ::mkdir("instance", 0700);
         ::setenv("CORVANE_INSTANCE", folder.Path("instance").c_str(), 1);
         ::setenv("CORVANE_KEPT", folder.Path("kept").c_str(), 1);
         ::setenv("OSTRA_DISCOVERY", "127.0.0.1:9", 1); // also when this is not started by ctest
     }
 
-    ~CopiesTest() override {
+    ~SingleInstance() override {
         for (const auto& copy : copies) {
             copy->kill();
             copy->waitForFinished();
@@ -81,7 +81,7 @@ class CopiesTest : public ::testing::Test {
     std::vector<std::unique_ptr<QProcess>> copies;
 };
 
-TEST_F(CopiesTest, secondCopyEndsWithZeroAndLeavesTheLogAlone) {
+TEST_F(SingleInstance, endsSecondCopyWithZeroAndKeepsItsLog) {
     QProcess& first = start();
     ASSERT_TRUE(waitForWindow());
     ASSERT_EQ(::unlink("Corvane.log"), 0); // whoever opens it now makes another
@@ -94,7 +94,7 @@ TEST_F(CopiesTest, secondCopyEndsWithZeroAndLeavesTheLogAlone) {
     EXPECT_FALSE(hasEnded(first));
 }
 
-TEST_F(CopiesTest, saysWhetherACopyRuns) {
+TEST_F(SingleInstance, reportsWhetherACopyRuns) {
     QProcess& none = start({QStringLiteral("--running")});
     ASSERT_TRUE(none.waitForFinished(60'000));
     EXPECT_EQ(none.exitCode(), 1);
@@ -109,14 +109,14 @@ TEST_F(CopiesTest, saysWhetherACopyRuns) {
     EXPECT_EQ(one.readAllStandardOutput().toStdString(), "A copy of Corvane runs.\n");
 }
 
-TEST_F(CopiesTest, fromTheDesktopItWorksInAFolderOfTheUsersOwn) {
+TEST_F(SingleInstance, worksInItsOwnFolderWhenStartedFromTheDesktop) {
     ::setenv("HOME", folder.Path("home").c_str(), 1);
     start({QStringLiteral("--desktop")});
     ASSERT_TRUE(waitUntil([this] { return !FileContent(folder.Path("home/Corvane/Corvane.log")).empty(); }));
     EXPECT_NE(::access("Corvane.log", F_OK), 0);
 }
 
-TEST_F(CopiesTest, fromTheDesktopItSaysWhyItDoesNotOpen) {
+TEST_F(SingleInstance, showsTheReasonWhenItCannotOpenFromTheDesktop) {
     ::mkdir("home", 0700);
     ::setenv("HOME", folder.Path("home").c_str(), 1);
     WriteFile("home/Corvane", "a file in the folder's place");
@@ -133,7 +133,7 @@ TEST_F(CopiesTest, fromTheDesktopItSaysWhyItDoesNotOpen) {
     EXPECT_FALSE(hasEnded(second));
 }
 
-TEST_F(CopiesTest, showsItsVersionAndItsOptionsWithoutADisplay) {
+TEST_F(SingleInstance, printsVersionAndOptionsWithoutADisplay) {
     ::setenv("QT_QPA_PLATFORM", "none", 1); // no window could be made
     QProcess& version = start({QStringLiteral("--version")});
     ASSERT_TRUE(version.waitForFinished(60'000));
@@ -146,7 +146,7 @@ TEST_F(CopiesTest, showsItsVersionAndItsOptionsWithoutADisplay) {
     EXPECT_NE(::access("Corvane.log", F_OK), 0);
 }
 
-TEST_F(CopiesTest, saysWhetherADisplayAnswers) {
+TEST_F(SingleInstance, reportsWhetherADisplayResponds) {
     QProcess& shown = start({QStringLiteral("--display")});
     ASSERT_TRUE(shown.waitForFinished(60'000));
     EXPECT_EQ(shown.exitCode(), 0);
@@ -160,7 +160,7 @@ TEST_F(CopiesTest, saysWhetherADisplayAnswers) {
     EXPECT_NE(::access("Corvane.log", F_OK), 0);
 }
 
-TEST_F(CopiesTest, killedCopyLetsTheNextStartAtOnce) {
+TEST_F(SingleInstance, startsImmediatelyAfterAnotherCopyWasKilled) {
     QProcess& first = start();
     ASSERT_TRUE(waitForWindow());
     first.kill();
@@ -171,7 +171,7 @@ TEST_F(CopiesTest, killedCopyLetsTheNextStartAtOnce) {
     EXPECT_FALSE(hasEnded(second));
 }
 
-TEST_F(CopiesTest, exactlyOneOfFiftyAtOnceHasAWindow) {
+TEST_F(SingleInstance, opensOneWindowWhenFiftyCopiesStart) {
     for (int copy = 0; copy < 50; ++copy)
         start();
     ASSERT_TRUE(waitForWindow());
