@@ -15,7 +15,7 @@ const independent::Track& Original() {
     return track;
 }
 
-/// What the backup on the desk holds.
+/// The tracks in the backup on the desk.
 const FileTree& Tracks() {
     static const FileTree tracks = {{"a.trk", independent::BinaryFile(Original())}, {"b.trk", "another's"}};
     return tracks;
@@ -31,7 +31,7 @@ bool IsEditedSet(FileTree tracks) {
     return edited && tracks == Tracks();
 }
 
-/// Whether an archive can be read and its tracks pass.
+/// Whether an archive can be read and its tracks satisfy a predicate.
 template<typename Read, typename Passes>
 bool Holds(const std::string& archive, Read read, Passes passes) {
     try {
@@ -41,27 +41,24 @@ bool Holds(const std::string& archive, Read read, Passes passes) {
     }
 }
 
-/// Every track in the unpacked workspace is one of these, whole; all are there when it is finished.
+/// Checks that every unpacked track is a complete one of these, and that all exist if finished.
 void CheckUnpacked(Problems& problems, const FileTree& tracks, bool finished) {
     for (const auto& [name, content] : FilesIn(kTracks))
         if (LooksLikeContent(name) && (tracks.count(name) == 0 || tracks.at(name) != content))
-            problems.push_back(kTracks + name + " is not whole");
+            problems.push_back(kTracks + name + " is incomplete");
     if (finished && FilesIn(kTracks) != tracks)
-        problems.push_back(kTracks + " is not what the backup holds");
+        problems.push_back(kTracks + " differs from the backup");
 }
 
 FileTree OnDesk() {
-    FileTree files;
-    for (const auto& [name, content] : Desk())
-        files[kDesk + name] = content;
-    return files;
+    return InFolder(kDesk, Desk());
 }
 
 bool IsEither(const FileTree& tracks) {
     return tracks == Tracks() || IsEditedSet(tracks);
 }
 
-/// The workspace archive on the way, and the edited workspace itself.
+/// Checks the intermediate workspace archive, and the edited workspace itself.
 void CheckPacked(Problems& problems) {
     const std::string inner = FileContent("./TmpDirBackup/workspaces/Workspace.osws");
     if (!Holds(inner, TracksInWorkspace, IsEither))
@@ -77,17 +74,17 @@ void EditTrack(WindowOperator& window) {
     window.Expect("Save successfully.");
 }
 
-/// Whoever answers on a busy machine may come too late for the first question.
+/// Repeats the discovery, since on a busy machine the first answer may come too late.
 void FindServer(WindowOperator& window) {
-    constexpr int kQuestions = 10;
-    for (int asked = 1; window.Text("pushButton_sensor") != "Connect Sensor"; ++asked) {
-        if (asked == kQuestions)
+    constexpr int kAttempts = 10;
+    for (int attempt = 1; window.Text("pushButton_sensor") != "Connect Sensor"; ++attempt) {
+        if (attempt == kAttempts)
             throw std::runtime_error("no server was found");
         window.Click("toolButton_reset");
     }
 }
 
-/// While the worker works, the window takes nothing.
+/// The window is disabled while the worker runs.
 void AwaitWorker(WindowOperator& window) {
     if (!window.Await([&window] { return window.IsEnabled(); }))
         throw std::runtime_error("the worker does not end");
@@ -102,7 +99,7 @@ void ConnectSensor(WindowOperator& window) {
 class SaveBackup final : public Scenario {
   public:
     [[nodiscard]] FileTree Before() const override { return OnDesk(); }
-    void LeadUp(WindowOperator& window) const override {
+    void Prepare(WindowOperator& window) const override {
         window.LoadBackup(kDesk + kBackup);
         EditTrack(window);
     }
@@ -117,11 +114,11 @@ class SaveBackup final : public Scenario {
     }
 };
 
-/// "Load Backup" over what an earlier one has unpacked.
+/// "Load Backup" over the unpacked files of an earlier one.
 class LoadBackup final : public Scenario {
   public:
     [[nodiscard]] FileTree Before() const override { return OnDesk(); }
-    void LeadUp(WindowOperator& window) const override {
+    void Prepare(WindowOperator& window) const override {
         window.LoadBackup(kDesk + kBackup);
         window.Expect(Success());
     }
@@ -140,7 +137,7 @@ class LoadBackup final : public Scenario {
     }
 };
 
-/// "Connect Sensor": a server's backup in place of the one that an earlier day has left.
+/// "Connect Sensor": the downloaded backup replaces that of an earlier connection.
 class ServerBackup final : public Scenario {
   public:
     [[nodiscard]] FileTree Before() const override {
@@ -148,7 +145,7 @@ class ServerBackup final : public Scenario {
         files["./Ostra.osbak"] = BackupArchive(Tracks());
         return files;
     }
-    void LeadUp(WindowOperator& window) const override { FindServer(window); }
+    void Prepare(WindowOperator& window) const override { FindServer(window); }
     void Operate(WindowOperator& window) const override {
         if (window.Text("pushButton_sensor") == "Disconnect Sensor") {
             window.Click("pushButton_sensor");
@@ -189,7 +186,7 @@ class Upload final : public Scenario {
         setenv("OSTRA_DISCOVERY", server->DiscoveryAddress().c_str(), 1);
         return server;
     }
-    void LeadUp(WindowOperator& window) const override {
+    void Prepare(WindowOperator& window) const override {
         FindServer(window);
         ConnectSensor(window);
         window.Expect("Connect successfully.");
@@ -206,15 +203,15 @@ class Upload final : public Scenario {
         CheckFolder(problems, "./", {{kDownloaded, ""}}, kDownloaded, true,
                     [](const std::string& archive) { return Holds(archive, TracksInBackup, IsEither); });
         CheckPacked(problems);
-        // Nothing fails once the archive is on its way: what did not succeed has not reached the server.
+        // Nothing fails after the archive is sent: an operation that failed has not reached the server.
         const FileTree served = FilesIn(kServed + kTrackPlace);
         if (finished ? !IsEditedSet(served) : served != Tracks())
-            problems.emplace_back("the server holds another workspace than it should");
+            problems.emplace_back("the server has the wrong workspace");
         return problems;
     }
 
   private:
-    inline static const std::string kServed = "../../served/"; // not of the files that count
+    inline static const std::string kServed = "../../served/"; // outside the watched folder
     inline static const std::string kTrackPlace = "vdk/ContourPath/";
     inline static const std::string kDownloaded = "Ostra.osbak";
 };
@@ -227,16 +224,16 @@ FileTree ServedTracks() {
     return tracks;
 }
 
-std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> BackupScenarios() {
-    std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> scenarios;
+NamedScenarios BackupScenarios() {
+    NamedScenarios scenarios;
     scenarios.emplace_back("save-backup", std::make_unique<SaveBackup>());
     scenarios.emplace_back("server-backup", std::make_unique<ServerBackup>());
     scenarios.emplace_back("load-backup", std::make_unique<LoadBackup>());
     return scenarios;
 }
 
-std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> UploadScenarios() {
-    std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> scenarios;
+NamedScenarios UploadScenarios() {
+    NamedScenarios scenarios;
     scenarios.emplace_back("upload", std::make_unique<Upload>());
     return scenarios;
 }

@@ -14,12 +14,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr unsigned kPatience = 120; // seconds for one run: a hang ends it
+constexpr unsigned kTimeOut = 120; // seconds for one run: a hang ends it
 
-/// The process of one run: what it finds goes to a file.
+/// The process of one run; writes the problems to a file.
 [[noreturn]] void Perform(const TrialScenario& scenario, const Trial& trial, const std::string& folder,
                           bool afterKill) {
-    alarm(kPatience);
+    alarm(kTimeOut);
     fs::current_path(folder);
     Problems problems;
     FileCallReport* const report = MapReport("report");
@@ -32,7 +32,7 @@ constexpr unsigned kPatience = 120; // seconds for one run: a hang ends it
     for (const std::string& problem : problems)
         result << problem << '\n';
     result.close();
-    // Nothing is taken down: a window's end, with its threads and files, is no part of the trial.
+    // Exits without destructors: closing the window is not part of the trial.
     _exit(result.good() ? 0 : 1);
 }
 
@@ -117,7 +117,7 @@ void Harness::Conclude(const Running& running, const Problems& problems) {
     }
     if (running.trial.at == 0 && running.trial.freePages < 0) {
         counted = report->count;
-        for (long i = 0; i < std::min(counted, FileCallReport::kMostCalls); ++i) {
+        for (long i = 0; i < std::min(counted, FileCallReport::kMaxCalls); ++i) {
             const FileCall& call = report->calls[static_cast<std::size_t>(i)];
             calls.push_back(std::string(call.name.data()) + " " + call.place.data());
         }

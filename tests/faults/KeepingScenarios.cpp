@@ -21,10 +21,7 @@ FileTree Desk(const FileTree& tracks) {
 }
 
 FileTree OnDesk(const FileTree& tracks) {
-    FileTree files;
-    for (const auto& [name, content] : Desk(tracks))
-        files[kDesk + name] = content;
-    return files;
+    return InFolder(kDesk, Desk(tracks));
 }
 
 bool Never(const std::string& /*content*/) {
@@ -38,44 +35,42 @@ void OpenAndEdit(WindowOperator& window) {
     window.Edit();
 }
 
-/// A track is left with unsaved paths, by loading another one.
-class LoadOverUnsaved final : public Scenario {
+/// An operation that leaves an open track with unsaved paths and changes no file.
+class OverUnsaved : public Scenario {
   public:
     [[nodiscard]] FileTree Before() const override { return OnDesk(Tracks()); }
-    void LeadUp(WindowOperator& window) const override {
-        OpenAndEdit(window);
+    void Prepare(WindowOperator& window) const override { OpenAndEdit(window); }
+    [[nodiscard]] Problems Check(bool /*finished*/) const override {
+        Problems problems;
+        CheckFolder(problems, kTracks, Tracks(), "", false, Never);
+        CheckFolder(problems, kDesk, Desk(Tracks()), "", false, Never);
+        return problems;
+    }
+};
+
+/// "Load" of another track.
+class LoadOverUnsaved final : public OverUnsaved {
+  public:
+    void Prepare(WindowOperator& window) const override {
+        OverUnsaved::Prepare(window);
         window.Choose("comboBox_file", "text.trk");
     }
     void Operate(WindowOperator& window) const override { window.Choose("comboBox_operation", "Load"); }
     [[nodiscard]] std::string Success() const override { return "Load successfully."; }
-    [[nodiscard]] Problems Check(bool /*finished*/) const override {
-        Problems problems;
-        CheckFolder(problems, kTracks, Tracks(), "", false, Never);
-        CheckFolder(problems, kDesk, Desk(Tracks()), "", false, Never);
-        return problems;
-    }
 };
 
-/// A track is left with unsaved paths by "Reset", which closes everything.
-class ResetOverUnsaved final : public Scenario {
+/// "Reset", which closes everything.
+class ResetOverUnsaved final : public OverUnsaved {
   public:
-    [[nodiscard]] FileTree Before() const override { return OnDesk(Tracks()); }
-    void LeadUp(WindowOperator& window) const override { OpenAndEdit(window); }
     void Operate(WindowOperator& window) const override { window.Click("toolButton_reset"); }
     [[nodiscard]] std::string Success() const override { return "Reset successfully."; }
-    [[nodiscard]] Problems Check(bool /*finished*/) const override {
-        Problems problems;
-        CheckFolder(problems, kTracks, Tracks(), "", false, Never);
-        CheckFolder(problems, kDesk, Desk(Tracks()), "", false, Never);
-        return problems;
-    }
 };
 
-/// "Delete" of one track after the other.
+/// "Delete" of several tracks in turn.
 class DeleteTrack final : public Scenario {
   public:
-    [[nodiscard]] FileTree Before() const override { return OnDesk(Doomed()); }
-    void LeadUp(WindowOperator& window) const override {
+    [[nodiscard]] FileTree Before() const override { return OnDesk(Deletable()); }
+    void Prepare(WindowOperator& window) const override {
         window.LoadBackup(kDesk + "station.osbak");
         window.Expect("Load backup file successfully.");
     }
@@ -87,21 +82,21 @@ class DeleteTrack final : public Scenario {
         for (const auto& [name, content] : now)
             if (LooksLikeContent(name) && content != Binary())
                 problems.push_back(kTracks + name + " has changed");
-        if (finished && now.size() == Doomed().size())
+        if (finished && now.size() == Deletable().size())
             problems.emplace_back("nothing was deleted");
-        CheckFolder(problems, kDesk, Desk(Doomed()), "", false, Never);
+        CheckFolder(problems, kDesk, Desk(Deletable()), "", false, Never);
         return problems;
     }
 
   private:
-    static FileTree Doomed() { return {{"1.trk", Binary()}, {"2.trk", Binary()}, {"3.trk", Binary()}}; }
+    static FileTree Deletable() { return {{"1.trk", Binary()}, {"2.trk", Binary()}, {"3.trk", Binary()}}; }
 };
 
-/// "Load Backup" over a workspace with a track that was saved and not sent, and then edited further.
+/// "Load Backup" over a workspace with a track that was saved but not sent, and then edited again.
 class LoadBackupOverWork final : public Scenario {
   public:
     [[nodiscard]] FileTree Before() const override { return OnDesk(Tracks()); }
-    void LeadUp(WindowOperator& window) const override {
+    void Prepare(WindowOperator& window) const override {
         OpenAndEdit(window);
         window.Choose("comboBox_operation", "Save");
         window.Expect("Save successfully.");
@@ -113,12 +108,12 @@ class LoadBackupOverWork final : public Scenario {
         Problems problems;
         CheckFolder(problems, kDesk, Desk(Tracks()), "", finished, Never);
         if (finished && FilesIn(kTracks) != Tracks())
-            problems.push_back(kTracks + " is not what the backup holds");
+            problems.push_back(kTracks + " differs from the backup");
         return problems;
     }
 };
 
-/// Whether a reader of the tests' own finds a complete track or backup.
+/// Whether an independent reader can read a complete track or backup.
 template<typename Read>
 bool IsComplete(const std::string& content, Read read) {
     try {
@@ -140,8 +135,8 @@ Problems Scenario::CheckKept() {
     return problems;
 }
 
-std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> KeepingScenarios() {
-    std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> scenarios;
+NamedScenarios KeepingScenarios() {
+    NamedScenarios scenarios;
     scenarios.emplace_back("load-over-unsaved", std::make_unique<LoadOverUnsaved>());
     scenarios.emplace_back("reset-over-unsaved", std::make_unique<ResetOverUnsaved>());
     scenarios.emplace_back("delete-track", std::make_unique<DeleteTrack>());

@@ -6,8 +6,8 @@
 
 #include <memory>
 
-/// One operation on the operator's files, from the first file to the last check. The working folder is the
-/// editor's; "../desk/" beside it holds files that the operator has put there.
+/// One operation on the operator's files, with its preparation and its checks. The working folder is the
+/// editor's; "../desk/" holds other files of the operator.
 class Scenario {
   public:
     Scenario() = default;
@@ -15,32 +15,31 @@ class Scenario {
     Scenario& operator=(const Scenario&) = delete;
     virtual ~Scenario() = default;
 
-    /// The files that stand there before the editor starts.
+    /// The files that exist before the editor starts.
     [[nodiscard]] virtual FileTree Before() const = 0;
-    /// Starts the server that this run alone uses, ahead of the editor. @return null when it needs none
+    /// Starts a server for this run only, before the editor starts. @return null when none is needed
     [[nodiscard]] virtual std::unique_ptr<OstraServerProcess> Serve() const { return nullptr; }
-    /// What the operator does to get there.
-    virtual void LeadUp(WindowOperator& window) const = 0;
-    /// The operation on which the faults fall. It may be asked for again.
+    /// The steps of the operator before the operation.
+    virtual void Prepare(WindowOperator& window) const = 0;
+    /// The operation into which the faults are injected. May be called again.
     virtual void Operate(WindowOperator& window) const = 0;
-    /// What the status bar says when it has succeeded.
+    /// The status text after success.
     [[nodiscard]] virtual std::string Success() const = 0;
-    /// What is wrong with what the operator owns.
-    /// @param finished the operation has succeeded: the new content has to stand
+    /// Checks the operator's files.
+    /// @param finished whether the operation succeeded, so that the new content must be in place
     [[nodiscard]] virtual Problems Check(bool finished) const = 0;
-    /// What is wrong with the kept copies: each is complete.
+    /// Checks that every kept copy is complete.
     [[nodiscard]] static Problems CheckKept();
-    /// What is wrong with what the window shows after success.
+    /// Checks what the window shows after success.
     [[nodiscard]] virtual Problems CheckShown(WindowOperator& /*window*/) const { return {}; }
 
   protected:
-    /// That the window lists these tracks and no others.
+    /// Checks that the window lists exactly these tracks.
     static void CheckListed(Problems& problems, WindowOperator& window, const FileTree& tracks);
 
-    /// Compares a folder with what has to be in it: the target holds the old or the new content (`isNew`),
-    /// the new one when finished; all else is as it was; nothing stands there that would be taken for
-    /// content.
-    /// @param target a name in the folder; empty when nothing may have changed
+    /// Checks a folder: the target has the old or the new content (`isNew`), the new one if finished; all
+    /// other files are unchanged; no other file looks like a track or a backup.
+    /// @param target a name in the folder; empty when nothing may change
     template<typename IsNew>
     static void CheckFolder(Problems& problems, const std::string& folder, FileTree before,
                             const std::string& target, bool finished, IsNew isNew) {
@@ -52,7 +51,7 @@ class Scenario {
         const bool renewed = has != now.end() && isNew(has->second);
         if (!target.empty() && !renewed && (finished || !untouched))
             problems.push_back(folder + target +
-                               (has == now.end() ? " is missing" : " is not what it should be"));
+                               (has == now.end() ? " is missing" : " has the wrong content"));
         before.erase(target);
         now.erase(target);
         CheckOthers(problems, folder, before, now);
@@ -62,17 +61,19 @@ class Scenario {
                             const FileTree& now);
 };
 
-/// The scenarios through the window by their names in the order of the documentation.
-std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> TrackScenarios();
-std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> BackupScenarios();
-/// The scenarios on which copies are kept of what they discard.
-std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> KeepingScenarios();
-/// The scenarios that only read.
-std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> LoadScenarios();
-/// The scenarios on which only failing reads are new: what they write, others write in the same way.
-std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> UploadScenarios();
+using NamedScenarios = std::vector<std::pair<std::string, std::unique_ptr<Scenario>>>;
 
-/// What the server that the backup is fetched from holds.
+/// The scenarios in the window, by name, in the order of the documentation.
+NamedScenarios TrackScenarios();
+NamedScenarios BackupScenarios();
+/// The scenarios in which discarded work is kept as a copy.
+NamedScenarios KeepingScenarios();
+/// The scenarios that only read.
+NamedScenarios LoadScenarios();
+/// The scenarios that are run with read faults only: they write in the same way as others.
+NamedScenarios UploadScenarios();
+
+/// The tracks of the server from which the backup is downloaded.
 FileTree ServedTracks();
 
 inline const std::string kDesk = "../desk/";

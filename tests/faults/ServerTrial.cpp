@@ -83,8 +83,8 @@ void ServerTrial::Arrange(FileCallReport& report) const {
 
 Problems ServerTrial::Run(const Trial& trial, FileCallReport& report) const {
     const TrialDisk disk(fs::absolute(kServerFolder), trial);
-    WriteFolder(kServedTracks, Old());
-    WriteFolder(kServerFolder + "/", Neighbours());
+    WriteTree(InFolder(kServedTracks, Old()));
+    WriteTree(InFolder(kServerFolder + "/", Neighbours()));
     OstraServerProcess server = StartWatched(preload);
 
     disk.Fill();
@@ -92,7 +92,7 @@ Problems ServerTrial::Run(const Trial& trial, FileCallReport& report) const {
     std::string text;
     const unsigned status = Restore(server, text);
     report.armed = false;
-    disk.Widen();
+    disk.Enlarge();
 
     Problems problems;
     if (trial.fault == Fault::Kill || trial.fault == Fault::TornKill) {

@@ -2,7 +2,7 @@
 
 #include "Trial.h"
 
-/// A restore, as the real server does it.
+/// A restore by the real server.
 class ServerTrial final : public TrialScenario {
   public:
     /// @param preload the library that watches the server's calls

@@ -6,7 +6,7 @@
 
 namespace {
 
-// More than one buffer of the writer, and no whole number of them.
+// More than one buffer of the writer, and not a multiple of it.
 constexpr int kWidth = 240;
 constexpr int kHeight = 160;
 
@@ -29,25 +29,18 @@ bool IsNew(const std::string& file) {
     return IsEdited(file, Original());
 }
 
-FileTree InFolder(const std::string& folder, const FileTree& files) {
-    FileTree placed;
-    for (const auto& [name, content] : files)
-        placed[folder + name] = content;
-    return placed;
-}
-
-/// The tracks of the workspace on which the operator works.
+/// The tracks of the open workspace.
 FileTree Workspace() {
     return {{"binary.trk", Binary()}, {"text.trk", Text()}, {"other.trk", "another's"}};
 }
 
-/// "Save": by way of a temporary track, in place of a track of the workspace.
+/// "Save" of a track of the workspace, through a temporary track.
 class SaveInPlace final : public Scenario {
   public:
     explicit SaveInPlace(std::string track) : track(std::move(track)) {}
 
     [[nodiscard]] FileTree Before() const override { return InFolder(kDesk, Desk()); }
-    void LeadUp(WindowOperator& window) const override {
+    void Prepare(WindowOperator& window) const override {
         window.LoadBackup(kDesk + "station.osbak");
         window.Expect("Load backup file successfully.");
         window.LoadTrack(track);
@@ -75,8 +68,8 @@ class SaveAs final : public Scenario {
         : original(std::move(original)), target(std::move(target)) {}
 
     [[nodiscard]] FileTree Before() const override { return InFolder(kDesk, Desk()); }
-    void LeadUp(WindowOperator& window) const override {
-        window.LoadBackup(kDesk + "station.osbak"); // operations are open when a source is
+    void Prepare(WindowOperator& window) const override {
+        window.LoadBackup(kDesk + "station.osbak"); // operations are enabled once a source is open
         window.LoadExternal(kDesk + original);
         window.Edit();
     }
@@ -104,11 +97,11 @@ class SaveAs final : public Scenario {
     std::string target;
 };
 
-/// "Save" of an external track, which joins the workspace.
+/// "Save" of an external track, which is copied into the workspace.
 class SaveExternal final : public Scenario {
   public:
     [[nodiscard]] FileTree Before() const override { return InFolder(kDesk, Desk()); }
-    void LeadUp(WindowOperator& window) const override {
+    void Prepare(WindowOperator& window) const override {
         window.LoadBackup(kDesk + "station.osbak");
         window.LoadExternal(kDesk + "new.trk");
         window.Edit();
@@ -139,7 +132,7 @@ class LoadTrack final : public Scenario {
     explicit LoadTrack(std::string track) : track(std::move(track)) {}
 
     [[nodiscard]] FileTree Before() const override { return InFolder(kDesk, Desk()); }
-    void LeadUp(WindowOperator& window) const override {
+    void Prepare(WindowOperator& window) const override {
         window.LoadBackup(kDesk + "station.osbak");
         window.LoadExternal(kDesk + "small.trk");
         window.Choose("comboBox_file", track);
@@ -157,9 +150,9 @@ class LoadTrack final : public Scenario {
         const auto& paths = canvas.paths();
         Problems problems;
         if (paths.size() != 1 || paths[0].points.size() != 3)
-            problems.emplace_back("the paths on the canvas are others");
+            problems.emplace_back("wrong paths on the canvas");
         if (window.Text("label_fileName") != track)
-            problems.emplace_back("the name that is shown is another");
+            problems.emplace_back("wrong name shown");
         return problems;
     }
 
@@ -185,7 +178,7 @@ void Scenario::CheckListed(Problems& problems, WindowOperator& window, const Fil
         expected.push_back(name);
     expected.emplace_back("External");
     if (names != expected)
-        problems.emplace_back("the list of tracks is another");
+        problems.emplace_back("wrong list of tracks");
 }
 
 void Scenario::CheckOthers(Problems& problems, const std::string& folder, const FileTree& before,
@@ -197,11 +190,11 @@ void Scenario::CheckOthers(Problems& problems, const std::string& folder, const 
     }
     for (const auto& [name, content] : now)
         if (before.count(name) == 0 && LooksLikeContent(name))
-            problems.push_back(folder + name + " would be taken for content");
+            problems.push_back(folder + name + " looks like content");
 }
 
-std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> TrackScenarios() {
-    std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> scenarios;
+NamedScenarios TrackScenarios() {
+    NamedScenarios scenarios;
     scenarios.emplace_back("save-text", std::make_unique<SaveInPlace>("text.trk"));
     scenarios.emplace_back("save-binary", std::make_unique<SaveInPlace>("binary.trk"));
     scenarios.emplace_back("save-as-new", std::make_unique<SaveAs>("text.trk", "fresh.trk"));
@@ -210,8 +203,8 @@ std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> TrackScenarios() 
     return scenarios;
 }
 
-std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> LoadScenarios() {
-    std::vector<std::pair<std::string, std::unique_ptr<Scenario>>> scenarios;
+NamedScenarios LoadScenarios() {
+    NamedScenarios scenarios;
     scenarios.emplace_back("load-text", std::make_unique<LoadTrack>("text.trk"));
     scenarios.emplace_back("load-binary", std::make_unique<LoadTrack>("binary.trk"));
     return scenarios;

@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const std::string kFolder = "counts"; // below it lies all that the operator owns
+const std::string kFolder = "counts"; // contains all files of the operator
 
 void Enter(const std::string& folder) {
     fs::create_directories(folder);
@@ -29,8 +29,8 @@ bool HaveErrors(const std::vector<std::string>& lines) {
                        [](const std::string& line) { return line.rfind("ERROR", 0) == 0; });
 }
 
-/// Whether the log says that something beside the operation was left undone: a copy, or the list of what was
-/// not sent, could not be kept; heights under the pointer cannot be shown.
+/// Whether the log reports that a side task failed: a copy, or the list of unsent tracks, could not be
+/// stored; heights under the pointer cannot be shown.
 bool SayLessDone(const std::vector<std::string>& lines) {
     return std::any_of(lines.begin(), lines.end(), [](const std::string& line) {
         return line.rfind("INFO: No heights can be shown", 0) == 0 ||
@@ -52,7 +52,7 @@ Problems WindowTrial::Run(const Trial& trial, FileCallReport& report) const {
         return {"the calls cannot be watched"};
     LogCapture log;
     WindowOperator window;
-    scenario->LeadUp(window);
+    scenario->Prepare(window);
     window.ClearStatus();
     window.TakeErrors();
     static_cast<void>(log.Lines());
@@ -61,7 +61,7 @@ Problems WindowTrial::Run(const Trial& trial, FileCallReport& report) const {
     report.armed = true;
     scenario->Operate(window);
     report.armed = false;
-    disk.Widen();
+    disk.Enlarge();
 
     Problems problems;
     const bool boxed = window.HasErrors();
@@ -78,7 +78,7 @@ Problems WindowTrial::Run(const Trial& trial, FileCallReport& report) const {
     scenario->Operate(window);
     window.Expect(scenario->Success());
     Add(problems, scenario->Check(true), "next time: ");
-    if (!succeeded) // a list that could not be read is asked for again
+    if (!succeeded) // read a failed list again
         window.Choose("comboBox_operation", "Refresh");
     Add(problems, scenario->CheckShown(window), "next time: ");
     return problems;
@@ -92,7 +92,7 @@ Problems WindowTrial::RunAfterKill() const {
     const std::unique_ptr<OstraServerProcess> server = scenario->Serve();
     const LogCapture log;
     WindowOperator window;
-    scenario->LeadUp(window);
+    scenario->Prepare(window);
     window.ClearStatus();
     scenario->Operate(window);
     window.Expect(scenario->Success());

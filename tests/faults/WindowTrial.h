@@ -3,7 +3,7 @@
 #include "Scenario.h"
 #include "Trial.h"
 
-/// A scenario through the real window.
+/// A scenario in the real window.
 class WindowTrial final : public TrialScenario {
   public:
     WindowTrial(std::unique_ptr<Scenario> scenario, bool reads)

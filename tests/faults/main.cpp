@@ -17,17 +17,16 @@
 
 #include <unistd.h>
 
-// faults_driver [--short] [--calls] [SCENARIO...]
-// Runs each scenario once to count the calls that change files (or read them), then once for every call and
-// every fault. Exit code 0 when every run has ended as it must.
+// faults_driver [--short] [--calls] [SCENARIO...] Runs each scenario once to count the calls that change (or
+// read) files, then once for every call and fault. Exit code 0 when no run had a problem.
 namespace {
 
-constexpr int kMostFreePages = 16; // 64 KiB
+constexpr int kMaxFreePages = 16; // 64 KiB
 constexpr int kJobs = 4;
 
 struct Options {
     bool brief = false;     ///< two faults and a kill for each call, every third size of disk
-    bool listCalls = false; ///< tell what the scenario calls
+    bool listCalls = false; ///< print the calls of the scenario
     std::vector<std::string> scenarios;
 };
 
@@ -51,8 +50,8 @@ Options ParseOptions(int count, char** words) {
     return options;
 }
 
-/// The faults for one call. The short form takes two of the failures in turn, so that each falls on every
-/// kind of call sooner or later, and always the kill; of the two for a call that reads it takes one.
+/// The faults for one call. The short form takes the kill and two of the other faults in turn; for a call
+/// that reads, one of its two faults.
 std::vector<Fault> FaultsAt(long call, const Options& options, bool reads) {
     std::vector<Fault> faults{Fault::NoSpace, Fault::Quota,     Fault::InputOutput, Fault::DiskFull,
                               Fault::Short,   Fault::ShortFull, Fault::TornKill};
@@ -73,12 +72,12 @@ bool IsOfWritesOnly(Fault fault) {
     return fault == Fault::Short || fault == Fault::ShortFull || fault == Fault::TornKill;
 }
 
-/// A file that a call writes to, and none of the others.
+/// Whether a recorded call is a write.
 bool IsWrite(const std::string& call) {
     return call.rfind("write", 0) == 0 || call.rfind("pwrite", 0) == 0;
 }
 
-/// A new name is on the disk when its folder was synced after the renaming.
+/// Whether the folder was synced after the last renaming, which makes the new name durable.
 bool SyncsAfterRenaming(const std::vector<std::string>& calls) {
     const auto last = std::find_if(calls.rbegin(), calls.rend(),
                                    [](const std::string& call) { return call.starts_with("rename"); });
@@ -97,7 +96,7 @@ Sum RunScenario(const std::string& name, const TrialScenario& scenario, const Op
         for (const Fault fault : FaultsAt(call, options, scenario.Reads()))
             if (!IsOfWritesOnly(fault) || IsWrite(harness.Calls()[static_cast<std::size_t>(call) - 1]))
                 harness.Start({fault, call});
-    for (int pages = 0; smallDisks && !scenario.Reads() && calls > 0 && pages <= kMostFreePages;
+    for (int pages = 0; smallDisks && !scenario.Reads() && calls > 0 && pages <= kMaxFreePages;
          pages += options.brief ? 3 : 1)
         harness.Start({Fault::None, 0, pages});
     harness.Finish();
@@ -112,18 +111,16 @@ Sum RunScenario(const std::string& name, const TrialScenario& scenario, const Op
     return {calls, harness.Injected(), harness.Problematic() + (calls == 0 ? 1 : 0) + (synced ? 0 : 1)};
 }
 
-using NamedScenarios = std::vector<std::pair<std::string, std::unique_ptr<TrialScenario>>>;
+using NamedTrials = std::vector<std::pair<std::string, std::unique_ptr<TrialScenario>>>;
 
-void AddWindowScenarios(NamedScenarios& trials,
-                        std::vector<std::pair<std::string, std::unique_ptr<Scenario>>>&& scenarios,
-                        bool reads) {
+void AddWindowScenarios(NamedTrials& trials, NamedScenarios&& scenarios, bool reads) {
     for (auto& [name, scenario] : scenarios)
         trials.emplace_back((reads ? "reads-" : "") + name,
                             std::make_unique<WindowTrial>(std::move(scenario), reads));
 }
 
-NamedScenarios AllScenarios() {
-    NamedScenarios scenarios;
+NamedTrials AllScenarios() {
+    NamedTrials scenarios;
     const std::string preload = CORVANE_FAULTS_PRELOAD;
     for (const bool reads : {false, true}) {
         AddWindowScenarios(scenarios, TrackScenarios(), reads);
@@ -163,11 +160,11 @@ Sum RunMemoryScenarios(const Options& options, const std::string& folder) {
     return sum;
 }
 
-/// Runs the scenarios that were asked for. @return what came out of them all
+/// Runs the selected scenarios. @return their totals
 Sum RunScenarios(const Options& options, const std::string& folder) {
     const bool smallDisks = TrialDisk::IsPossible();
     if (!smallDisks)
-        std::printf("This user may not make file systems: the full disks are left out.\n");
+        std::printf("This user may not mount file systems: the full disks are skipped.\n");
     Sum sum = RunMemoryScenarios(options, folder);
     for (const auto& [name, scenario] : AllScenarios()) {
         if (!IsWanted(options, name))
@@ -180,7 +177,7 @@ Sum RunScenarios(const Options& options, const std::string& folder) {
     return sum;
 }
 
-/// Trials fork: another thread's locks would stay locked for ever in them.
+/// Trials fork, and locks held by another thread would never be released in the child.
 bool IsOneThread() {
     const std::filesystem::directory_iterator tasks("/proc/self/task");
     return std::distance(begin(tasks), end(tasks)) == 1;
