@@ -41,11 +41,11 @@ Outcome FetchPlainly(const OstraServerProcess& server) {
     constexpr std::size_t kPrefix = 15;
     const RawHttp::Reply reply = RawHttp::Request(server.ControlPort(), "POST", "/system/commands/archive",
                                                   R"({"contents": ["allWorkspaces"]})");
-    if (reply.status == 200 && reply.Whole())
+    if (reply.status == 200 && reply.IsComplete())
         return {reply.body.substr(std::min(kPrefix, reply.body.size())), ""};
     if (reply.status == 200)
         return {std::nullopt, "cut"};
-    return {std::nullopt, reply.Whole() ? std::to_string(reply.status) + reply.body : "no answer"};
+    return {std::nullopt, reply.IsComplete() ? std::to_string(reply.status) + reply.body : "no answer"};
 }
 
 /// Whether the failure was reported to the client as documented.

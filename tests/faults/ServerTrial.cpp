@@ -42,7 +42,7 @@ unsigned Restore(const OstraServerProcess& server, std::string& text) {
     const RawHttp::Reply reply =
         RawHttp::Request(server.ControlPort(), "POST", "/system/commands/restore", body, "application/cbor");
     text = reply.body;
-    return reply.Whole() ? reply.status : 0;
+    return reply.IsComplete() ? reply.status : 0;
 }
 
 /// What a server leaves beside the workspace on purpose: its lock, and earlier contents.

@@ -7,7 +7,7 @@
 void CanvasUser::send(QEvent::Type type, Qt::MouseButton button, Qt::KeyboardModifiers modifiers) {
     QMaskWidget& target = stress.canvas();
     QMouseEvent event(type, cursor, target.mapToGlobal(cursor), button, stress.held, modifiers);
-    if (target.isEnabled()) // to a disabled window the system sends none
+    if (target.isEnabled()) // the system sends no events to a disabled window
         QApplication::sendEvent(&target, &event);
 }
 
@@ -69,10 +69,10 @@ void CanvasUser::pressKey() {
          key == Qt::Key_C ? Qt::ControlModifier : Qt::NoModifier});
     stress.note(QKeySequence(key).toString().toStdString());
     QTest::keyClick(&stress.canvas(), key, modifiers);
-    // Where the first point lies in the margin, a click and so a key adds a second one.
+    // If the first point is in the margin, a click or key adds a second one.
     const int most = key == Qt::Key_A ? 2 : 1;
     EXPECT_LE(document.undoDepth(), steps + most);
-    // Escape takes a drag back by one more step where a parameter was typed in the middle of it.
+    // Escape undoes a drag with one more step if a parameter was typed during it.
     if (drawing && key != Qt::Key_Escape) {
         EXPECT_LE(document.undoDepth(), steps) << "while the button is down";
     }

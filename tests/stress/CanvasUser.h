@@ -3,7 +3,7 @@
 #include "RandomChoice.h"
 #include "StressWindow.h"
 
-/// Mouse and keys on the canvas, with no regard for which event may follow which.
+/// Mouse and keys on the canvas, in any order of events.
 class CanvasUser {
   public:
     CanvasUser(StressWindow& stress, RandomChoice& random) : stress(stress), random(random) {}
@@ -13,12 +13,12 @@ class CanvasUser {
     void release();
     void doubleClick();
     void otherButton();
-    /// A key of those that edit, with the canvas in focus. It is one step at most, and none while the left
-    /// button draws or drags.
+    /// An editing key on the focused canvas. It makes at most one step, and none while the left button draws
+    /// or drags.
     void pressKey();
-    /// Space goes down or up.
+    /// Presses or releases Space.
     void pressSpace();
-    /// A click with Ctrl, over a segment as likely as not.
+    /// A click with Ctrl, often on a segment.
     void clickWithCtrl();
     /// Moves to where a point is, so that dragging happens.
     void goToPoint();

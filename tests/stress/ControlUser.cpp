@@ -37,7 +37,7 @@ void ControlUser::typeIntoSpinBox() {
     checkChosen(box, before);
 }
 
-/// What a box was turned to exists, and is what the canvas works on.
+/// Checks that the selected path or segment exists and is the current one on the canvas.
 void ControlUser::checkChosen(const QSpinBox& box, int before) {
     if (box.value() == before)
         return;
@@ -71,7 +71,7 @@ void ControlUser::typeParameter() {
         checkParameter(index, field.text().toStdString());
 }
 
-/// What was typed is what the chosen segment has, or everything in batch mode.
+/// Checks that the typed value is that of the selected segment, or of every segment in batch mode.
 void ControlUser::checkParameter(std::size_t field, const std::string& text) {
     const int value = QString::fromStdString(text).toInt();
     const EditingState& state = stress.canvas().editingState();

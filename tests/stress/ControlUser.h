@@ -5,7 +5,7 @@
 
 #include <string>
 
-/// Keys and the wheel on the controls. What a control was set to must be what the canvas works on.
+/// Keys and the wheel on the controls. The canvas must use the values of the controls.
 class ControlUser {
   public:
     ControlUser(StressWindow& stress, RandomChoice& random) : stress(stress), random(random) {}
@@ -14,7 +14,7 @@ class ControlUser {
     void typeIntoSpinBox();
     void typeParameter();
     void moveSlider();
-    /// Over the canvas, the controls, and the lists, where it chooses nothing.
+    /// The wheel over the canvas, the controls, and the lists, where it must select nothing.
     void turnWheel();
     void deleteLast() { stress.click("pushButton_deleteLast"); }
     void deleteAll() { stress.click("pushButton_deleteAll"); }
@@ -27,7 +27,7 @@ class ControlUser {
     void pressRedo() { pressInWindow(Qt::ControlModifier | Qt::ShiftModifier); }
 
   private:
-    /// Z, wherever the focus is.
+    /// Ctrl+Z, with any focus.
     void pressInWindow(Qt::KeyboardModifiers modifiers);
     void checkChosen(const QSpinBox& box, int before);
     void checkParameter(std::size_t field, const std::string& text);

@@ -6,7 +6,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kLongest = 5000; ///< of a segment
+constexpr int kMaxLength = 5000; ///< of a segment
 
 } // namespace
 
@@ -37,7 +37,7 @@ independent::Track DiskUser::randomTrack() {
     std::vector<independent::Segment> segments;
     const int paths = random.pick(4);
     for (int path = 0; path < paths; ++path) {
-        const auto points = PathAcross(path, 2 + random.pick(5), 0.2 + 0.2 * path, random.pick(kLongest));
+        const auto points = PathAcross(path, 2 + random.pick(5), 0.2 + 0.2 * path, random.pick(kMaxLength));
         segments.insert(segments.end(), points.begin(), points.end());
     }
     return SmallTrack(segments);

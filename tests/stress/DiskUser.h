@@ -7,21 +7,21 @@
 #include <string>
 #include <vector>
 
-/// The files that the window is opened beside, and another program that changes tracks behind its back.
+/// The files around the window, and another program that changes tracks while they are open.
 class DiskUser {
   public:
     DiskUser(StressWindow& stress, RandomChoice& random) : stress(stress), random(random) {}
 
-    /// Makes the server's folder "station", backups and tracks, good and damaged ones.
+    /// Creates the server's folder "station", backups and tracks, good and damaged ones.
     void makeFiles();
-    /// The map that every one of the tracks has.
+    /// The map of every track.
     static const independent::Track& Map();
-    /// The names that a dialog for tracks may be told; an empty one cancels it.
+    /// The names with which a dialog for tracks may be answered; an empty one cancels it.
     [[nodiscard]] const std::vector<std::string>& externals() const { return namesForDialogs; }
 
     /// Another program deletes, damages or replaces a track of the workspace.
     void changeBehindItsBack();
-    /// That nothing has changed which nothing may change, and nothing half-done lies about.
+    /// Checks that protected files are unchanged and that no temporary files remain.
     void checkFilesAlone();
 
   private:
@@ -31,5 +31,5 @@ class DiskUser {
     StressWindow& stress;
     RandomChoice& random;
     std::vector<std::string> namesForDialogs;
-    std::map<std::string, std::string> owned; ///< files that nothing may change, and their contents
+    std::map<std::string, std::string> owned; ///< protected files and their contents
 };

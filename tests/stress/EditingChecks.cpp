@@ -44,7 +44,7 @@ void CheckPath(const TrackPath& path, bool rulerShown) {
     }
     for (const int method : path.methods)
         ASSERT_EQ(method, 1);
-    // While it is hidden, marks that a save computed may be older than the points.
+    // While the ruler is hidden, the marks from a save may be older than the points.
     const bool upToDate = path.rulerMarks.empty() || path.rulerMarks.size() == points - 1;
     EXPECT_TRUE(upToDate || !rulerShown) << path.rulerMarks.size() << " marks of " << points << " points";
     for (const RulerMarks& marks : path.rulerMarks)

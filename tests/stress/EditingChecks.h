@@ -5,23 +5,23 @@
 
 #include <string>
 
-// What holds whatever the operator does. Each check fails the test that runs and says what is wrong.
+// Invariants that hold after any user input. Each check fails the running test with a description.
 
-/// The largest number that a field lets through while it is typed: five digits.
+/// The largest number that a field accepts while typing: five digits.
 constexpr int kLargestTyped = 99999;
 
-/// Indexes lie within what they count, the lists of a path are as long as its points, nothing is infinite.
+/// Indexes are in range, the lists of a path are as long as its points, all numbers are finite.
 void CheckEditing(const QMaskWidget& canvas, bool rulerShown);
 
-/// A saved track holds `map` and exactly `paths`, with their ruler marks, in the places that the map's
-/// resolutions and offsets give them.
-/// @param file the whole content
+/// A saved track has `map` and exactly `paths` with their ruler marks, at the positions that follow from the
+/// map's resolutions and offsets.
+/// @param file the complete content
 void CheckSaved(const std::string& file, const independent::Track& map, const std::vector<TrackPath>& paths);
 
-/// There are not too many kept copies in a folder, and those of unsaved paths are complete, as the tests' own
-/// reader finds. Others may be damaged as their files were.
-/// @return how many there are
+/// A folder has no more kept copies than allowed, and an independent reader can read those of unsaved paths.
+/// Others may be as damaged as their originals.
+/// @return the number of copies
 unsigned CheckKept(const std::string& folder);
 
-/// Whether a text of the "Error" box is one of the system's own.
+/// Whether the text of an "Error" box is one of the system's messages.
 bool IsKnownMessage(const std::string& text);

@@ -36,17 +36,17 @@ void SetOption(int socket, int level, int option, int value) {
     (void)setsockopt(socket, level, option, &value, sizeof value); // costs time only
 }
 
-/// The connection ends without a farewell when the descriptor is closed.
+/// Makes closing the descriptor reset the connection.
 void ResetOnClose(int socket) {
     const linger none{1, 0};
     (void)setsockopt(socket, SOL_SOCKET, SO_LINGER, &none, sizeof none);
 }
 
-/// Ends the connection without a farewell while others still use the descriptor.
+/// Resets the connection while other threads still use the descriptor.
 void ResetNow(int socket) {
     sockaddr none{};
     none.sa_family = AF_UNSPEC;
-    (void)connect(socket, &none, sizeof none); // fails where the peer was faster
+    (void)connect(socket, &none, sizeof none); // fails if the peer was faster
 }
 
 bool SendAll(int socket, const char* bytes, std::size_t size) {
@@ -103,15 +103,15 @@ class FaultyProxy::Connection {
         shutdown(server, SHUT_RDWR);
     }
 
-    /// @return false when the connection ended meanwhile
+    /// @return false when the connection has ended meanwhile
     bool Pause(std::chrono::milliseconds time) {
         std::unique_lock lock(guard);
         return !wake.wait_for(lock, time, [this] { return ended; });
     }
 
-    void Pump(int from, int to, bool suffers) {
+    void Pump(int from, int to, bool isFaulty) {
         std::array<char, kAtOnce> piece;
-        Direction direction{to, suffers, 0, {}};
+        Direction direction{to, isFaulty, 0, {}};
         ssize_t count = 0;
         while ((count = recv(from, piece.data(), piece.size(), 0)) > 0) {
             if (!Pass(direction, std::string(piece.data(), static_cast<std::size_t>(count))))
@@ -125,20 +125,20 @@ class FaultyProxy::Connection {
 
     struct Direction {
         int to;
-        bool suffers; ///< the fault is still to come
+        bool isFaulty; ///< the fault is still pending
         std::uint64_t position = 0;
         std::string lately; ///< the bytes before the position
     };
 
-    /// @return false when nothing more goes this way
+    /// @return false when this direction has ended
     bool Pass(Direction& direction, const std::string& bytes) {
-        if (direction.suffers && fault.kind == Kind::Pieces)
+        if (direction.isFaulty && fault.kind == Kind::Pieces)
             return SendPieces(direction.to, bytes);
         const std::uint64_t end = direction.position + bytes.size();
-        if (!direction.suffers || end <= fault.offset)
+        if (!direction.isFaulty || end <= fault.offset)
             return Send(direction, bytes);
         const auto before = static_cast<std::size_t>(fault.offset - direction.position);
-        direction.suffers = false;
+        direction.isFaulty = false;
         return Send(direction, bytes.substr(0, before)) && Strike(direction, bytes.substr(before));
     }
 
@@ -163,7 +163,7 @@ class FaultyProxy::Connection {
         return true;
     }
 
-    /// Does the fault at the first of these bytes.
+    /// Injects the fault at the first of these bytes.
     bool Strike(Direction& direction, std::string bytes) {
         switch (fault.kind) {
         case Kind::Late:
@@ -211,7 +211,7 @@ class FaultyProxy::Connection {
     int client;
     int server;
     LinkFault fault;
-    std::mt19937 random; ///< used by the direction that suffers
+    std::mt19937 random; ///< used by the direction with the fault
     int pauses = 0;
     std::mutex guard; ///< of `ended`
     std::condition_variable wake;
@@ -229,10 +229,10 @@ FaultyProxy::FaultyProxy(std::uint16_t serverPort) : serverPort(serverPort), lis
         throw std::runtime_error("the proxy cannot listen");
     port = ntohs(place.sin_port);
     acceptor = std::thread([this] {
-        constexpr int kLookInterval = 50; // milliseconds until the end of the proxy is noticed
+        constexpr int kPollInterval = 50; // milliseconds until the end of the proxy is noticed
         while (!ended) {
             pollfd waiting{listener, POLLIN, 0};
-            if (poll(&waiting, 1, kLookInterval) > 0)
+            if (poll(&waiting, 1, kPollInterval) > 0)
                 AcceptAll();
         }
     });

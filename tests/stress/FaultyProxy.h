@@ -12,21 +12,21 @@
 #include <thread>
 #include <vector>
 
-/// What goes wrong with one connection through a FaultyProxy: in one direction, once, at one byte of it.
+/// The fault of one connection through a FaultyProxy: in one direction, once, at one byte.
 struct LinkFault {
     enum class Kind {
         None,
         Pieces,    ///< everything arrives in small pieces
-        Late,      ///< held back for `pause`, while the other direction goes on
+        Late,      ///< delayed by `pause`; the other direction continues
         Stop,      ///< nothing more arrives, and the connection stays open
         Cut,       ///< the connection ends in both directions
-        Reset,     ///< the same without a farewell
-        HalfClose, ///< this direction ends, the other goes on
+        Reset,     ///< the connection is reset
+        HalfClose, ///< this direction ends, the other continues
         Repeat,    ///< the last `length` bytes arrive again
         Lose,      ///< the next `length` bytes do not arrive
-        Swap,      ///< the next `length` bytes and those behind them change places
-        Corrupt,   ///< `length` of the bytes at hand are changed
-        Refuse,    ///< the connection is closed before anything was said
+        Swap,      ///< the next `length` bytes and those after them are exchanged
+        Corrupt,   ///< `length` bytes are changed
+        Refuse,    ///< the connection is closed before any byte
     };
     static constexpr int kKinds = 12;
 
@@ -35,16 +35,16 @@ struct LinkFault {
     std::uint64_t offset = 0;
     std::size_t length = 1;
     std::chrono::milliseconds pause{0};
-    std::uint32_t seed = 0; ///< of what is left to chance
+    std::uint32_t seed = 0; ///< for the random choices
 };
 
 /// "Cut to the client at byte 20", for reports.
 std::string Description(const LinkFault& fault);
 
-/// Stands between clients and a server on loopback and does to their bytes what it is told to.
+/// Forwards connections of clients to a server on loopback, with the requested faults.
 class FaultyProxy {
   public:
-    /// Listens on 127.0.0.1 at a port that the system picks.
+    /// Listens on 127.0.0.1 on a free port.
     explicit FaultyProxy(std::uint16_t serverPort);
     FaultyProxy(const FaultyProxy&) = delete;
     FaultyProxy& operator=(const FaultyProxy&) = delete;
@@ -52,11 +52,11 @@ class FaultyProxy {
 
     [[nodiscard]] std::uint16_t Port() const { return port; }
 
-    /// The faults of the next connections, in their order; later ones suffer none.
+    /// The faults of the next connections, in order; later ones have none.
     void Plan(std::vector<LinkFault> faults);
 
-    /// Ends every connection, those among them that wait to be accepted. No byte moves any more when it is
-    /// back.
+    /// Ends every connection, also those waiting to be accepted. When it returns, no more bytes are
+    /// forwarded.
     void CloseAll();
 
   private:
@@ -68,7 +68,7 @@ class FaultyProxy {
     std::uint16_t serverPort;
     std::uint16_t port = 0;
     int listener = -1;
-    std::mutex guard; ///< of what follows
+    std::mutex guard; ///< of the following members
     std::vector<LinkFault> planned;
     std::size_t next = 0;
     std::vector<std::unique_ptr<Connection>> connections;

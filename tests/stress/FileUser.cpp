@@ -41,7 +41,7 @@ void FileUser::operateOnFile() {
     std::string operation =
         random.oneOf<std::string>({"Load", "Load", "Load", "Save", "Save", "Save As", "Delete", "Refresh"});
     const bool external = externalIsChosen();
-    // Dialogs take long.
+    // Dialogs are slow.
     if ((operation == "Save As" || (operation == "Load" && external)) && !random.chance(4))
         operation = "Save";
     const std::string typed = operation == "Save As"
@@ -67,7 +67,7 @@ bool FileUser::externalIsChosen() {
     return stress.find<QComboBox>("comboBox_file").currentText() == QStringLiteral("External");
 }
 
-/// What the window reads of a track that it has just saved is what it wrote.
+/// Checks that a track that was just saved is read back unchanged.
 void FileUser::loadSavedAgain() {
     const QString name = QString::fromStdString(stress.text("label_fileName"));
     auto& combo = stress.find<QComboBox>("comboBox_file");

@@ -6,17 +6,17 @@
 
 #include <string>
 
-/// The operations on files: whatever is saved is read back.
+/// Operates the file lists; every saved file is read back.
 class FileUser {
   public:
     FileUser(StressWindow& stress, RandomChoice& random, DiskUser& disk)
         : stress(stress), random(random), disk(disk) {}
 
     void chooseFile();
-    /// Keys that choose without the list's being open; a dialog that comes of it is cancelled.
+    /// Keys that select an item while the list is closed; a resulting dialog is cancelled.
     void pressKeyOnOperations();
     void operateOnFile();
-    /// "Load", be it by a dialog.
+    /// "Load", possibly through a dialog.
     void load();
 
   private:

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr std::chrono::seconds kStepPatience{120}; ///< for one event with all that follows from it
+constexpr std::chrono::seconds kStepTimeOut{120}; ///< for one event with its consequences
 
 } // namespace
 
@@ -53,7 +53,7 @@ void Monkey::open(unsigned newSeed) {
     seed = newSeed;
     random.seed(seed);
     disk.makeFiles();
-    watchdog.emplace(kStepPatience);
+    watchdog.emplace(kStepTimeOut);
     sources.open();
 }
 
@@ -71,7 +71,7 @@ const Monkey::Habit& Monkey::anyHabit() {
     return *habit;
 }
 
-/// The shortest way from where the window stands to a track.
+/// The shortest way from the current state of the window to an open track.
 void Monkey::openSomething() {
     if (!window->isEnabled())
         return;
@@ -88,9 +88,9 @@ void Monkey::act() {
     count("  with a track", hasTrack() ? 1 : 0);
     watchdog->BeginStep(habit.name + (" after: " + lastEvents()));
     habit.act();
-    answers.forgetFileNames(); // a name that no dialog asked for is not for the next one
+    answers.forgetFileNames(); // a name that no dialog has used is not for the next one
     check();
-    // Mostly it waits for the worker, sometimes it tries what it can do meanwhile.
+    // Usually waits for the worker, sometimes continues meanwhile.
     if (!window->isEnabled() && !random.chance(4))
         settle();
     watchdog->EndStep();

@@ -14,17 +14,17 @@
 #include <string>
 #include <vector>
 
-/// A seeded hand that does to the real window whatever an operator could do, sensible or not, and looks after
-/// every event whether what the window and its canvas hold still makes sense, and after every save whether
-/// the file does. The same seed gives the same events, but for how long the server takes.
+/// A simulated user with a seed, who does to the real window anything that an operator could do. After every
+/// event it checks that the state of the window and the canvas is consistent, and after every save that the
+/// file is. The same seed gives the same events, except for the timing of the server.
 class Monkey : public StressWindow {
   protected:
     Monkey();
     ~Monkey() override;
 
-    /// Opens the window beside a server, backup files and tracks, good and damaged ones.
+    /// Opens the window with a server, backup files and tracks, good and damaged ones.
     void open(unsigned seed);
-    /// One event, and the checks after it.
+    /// Performs one event and the checks after it.
     void act();
     void report(unsigned events) const;
 

@@ -4,11 +4,11 @@
 #include <random>
 #include <vector>
 
-/// Seeded choices: the same seed gives the same ones.
+/// Random choices from a seed; the same seed gives the same choices.
 class RandomChoice {
   public:
     void seed(unsigned value) { random.seed(value); }
-    /// A number from 0 to below `count`.
+    /// A number from 0 to `count` - 1.
     int pick(int count) { return static_cast<int>(random() % static_cast<unsigned>(count)); }
     bool chance(int oneIn) { return pick(oneIn) == 0; }
     template<typename Item>

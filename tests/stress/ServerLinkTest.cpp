@@ -62,7 +62,7 @@ std::size_t ThreadsOf(pid_t process) {
     return count;
 }
 
-/// What one call of the client did.
+/// The result of one call of the client.
 struct Outcome {
     Ve::Exception result{bOK};
     Clock::duration taken{};
@@ -81,8 +81,7 @@ Outcome OutcomeOf(const std::function<void()>& call) {
     return outcome;
 }
 
-/// Rounds of backup and restore through a proxy that does one wrong to each. Everything is drawn from one
-/// seed.
+/// Rounds of backup and restore through a proxy that injects one fault into each, chosen from one seed.
 class ServerLink : public ::testing::Test {
   protected:
     void SetUp() override {
@@ -116,13 +115,13 @@ class ServerLink : public ::testing::Test {
                        {"workspaces/Workspace.osws", Tarred(workspace)}});
     }
 
-    /// A fault whose byte may lie anywhere in so many.
+    /// A random fault at a byte within this range.
     LinkFault NewFault(std::uint64_t bytes, bool mostlyToServer) {
         constexpr unsigned kHead = 300;
         LinkFault fault;
         fault.kind = static_cast<Kind>(Pick(LinkFault::kKinds));
         if (Pick(4) == 0)
-            fault.kind = Kind::Corrupt; // the one that could go unnoticed
+            fault.kind = Kind::Corrupt; // the only one that could be unnoticed
         fault.toServer = (Pick(4) != 0) == mostlyToServer;
         fault.offset = Pick(3) == 0 ? Pick(kHead) : Pick(static_cast<unsigned>(bytes) + kHead);
         fault.length = 1 + Pick(Pick(2) == 0 ? 8 : 3000);
@@ -133,18 +132,18 @@ class ServerLink : public ::testing::Test {
         return fault;
     }
 
-    /// Whether every byte arrives as it was and soon enough.
+    /// Whether every byte arrives unchanged and in time.
     static bool IsHarmless(const LinkFault& fault) {
         return fault.kind == Kind::None || fault.kind == Kind::Pieces ||
                (fault.kind == Kind::Late && fault.pause < 100ms);
     }
 
     OstraTimeouts TimeoutsFor(const LinkFault& fault) const {
-        const std::chrono::microseconds time = IsHarmless(fault) ? patience : 300ms;
+        const std::chrono::microseconds time = IsHarmless(fault) ? timeOut : 300ms;
         return {time.count(), time.count()};
     }
 
-    /// Connects and runs the operation, with the fault in one of the connections that this makes.
+    /// Connects and runs the operation, with the fault in one of its connections.
     Outcome Run(OstraSdkClient& client, const LinkFault& fault, std::size_t connection,
                 const std::function<void()>& operation) {
         std::vector<LinkFault> plan(connection + 1);
@@ -163,12 +162,12 @@ class ServerLink : public ::testing::Test {
         EXPECT_TRUE(outcome.Succeeded() || !IsHarmless(fault)) << outcome.result.what();
     }
 
-    /// Waits until the server has come to the end of everything that reached it.
+    /// Waits until the server has processed everything that it received.
     void AwaitQuiet() {
         proxy->CloseAll();
-        // Connections are accepted in their order: when this one is served, none waits any more.
+        // Connections are accepted in order: when this one is served, no other is waiting.
         directClient.Connect("127.0.0.1", server->ControlPort());
-        const auto end = Clock::now() + patience;
+        const auto end = Clock::now() + timeOut;
         while (ThreadsOf(server->Pid()) > idleThreads && Clock::now() < end)
             std::this_thread::sleep_for(1ms);
         ASSERT_LE(ThreadsOf(server->Pid()), idleThreads) << "the server does not come to rest";
@@ -181,7 +180,7 @@ class ServerLink : public ::testing::Test {
         OstraSdkClient client(TimeoutsFor(fault));
         const Outcome outcome =
             Run(client, fault, Pick(10) == 0 ? 0 : 1, [&] { client.Backup(kDownloaded); });
-        EXPECT_LT(outcome.taken, (IsHarmless(fault) ? patience : 5s) + slack);
+        EXPECT_LT(outcome.taken, (IsHarmless(fault) ? timeOut : 5s) + slack);
         Note("backup", fault, outcome);
         AwaitQuiet();
         EXPECT_EQ(FolderTree(kServed), current);
@@ -226,7 +225,7 @@ class ServerLink : public ::testing::Test {
                               [&] { controller.SlotRestore(QString::fromStdString(kUploaded)); });
         if (client.IsConnected())
             outcome.result = result;
-        EXPECT_LT(outcome.taken, (IsHarmless(fault) ? 4 * patience : 5s) + slack);
+        EXPECT_LT(outcome.taken, (IsHarmless(fault) ? 4 * timeOut : 5s) + slack);
         Note("restore", fault, outcome);
         AwaitQuiet();
         CheckRestored(outcome, client.IsConnected(), changed, mode);
@@ -250,7 +249,7 @@ class ServerLink : public ::testing::Test {
         current = served;
     }
 
-    /// Nothing half-done lies about, with the editor or with the server.
+    /// Checks that no temporary files remain, at the editor and at the server.
     static void CheckNames() {
         for (const auto& entry : fs::directory_iterator(".")) {
             const std::string name = entry.path().filename().string();
@@ -265,8 +264,8 @@ class ServerLink : public ::testing::Test {
             std::printf("  %5u  %s\n", count, what.c_str());
     }
 
-    const std::chrono::microseconds patience = 60s; ///< where nothing is to go wrong
-    const std::chrono::microseconds slack = 10s;    ///< for a machine that has other things to do
+    const std::chrono::microseconds timeOut = 60s; ///< for rounds without a fault
+    const std::chrono::microseconds slack = 10s;   ///< for a busy machine
 
     TemporaryFolder folder;
     unsigned seed = 0;
@@ -292,7 +291,7 @@ TEST_F(ServerLink, leavesTheOldOrTheNewWorkspaceUnderNetworkFaults) {
     Report(rounds);
 }
 
-// The checks above would pass a proxy that does nothing.
+// Otherwise the checks above would also pass with a proxy that injects no faults.
 TEST_F(ServerLink, injectsTheRequestedFaults) {
     std::string content(100'000, '\0');
     for (char& byte : content)
@@ -313,9 +312,9 @@ TEST_F(ServerLink, injectsTheRequestedFaults) {
     }
 }
 
-// A file's content is the one place where nothing but the digest tells.
+// In a file's content only the digest detects a change.
 TEST_F(ServerLink, rejectsADamagedBackupReply) {
-    server.reset(); // one server serves a folder
+    server.reset(); // only one server per folder
     server = std::make_unique<OstraServerProcess>(
         kServed, std::vector<std::string>{"--fault-damage", "--fault-path", "/system/commands/archive"});
     OstraSdkClient client;

@@ -65,7 +65,7 @@ void SourceUser::reset() {
     serverMoved = serverAway;
 }
 
-/// In the middle of whatever it does; it comes back with its workspace on other ports.
+/// Kills the server at any moment, or restarts it with its workspace on other ports.
 void SourceUser::killOrRestartServer() {
     if (serverAway) {
         server->Restart();

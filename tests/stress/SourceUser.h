@@ -6,14 +6,14 @@
 
 #include <optional>
 
-/// Where the tracks come from: backups and a server, which is killed now and then and comes back.
+/// Operates the sources: backups and a server, which is killed and restarted now and then.
 class SourceUser {
   public:
     SourceUser(StressWindow& stress, RandomChoice& random) : stress(stress), random(random) {}
 
-    /// Starts the server of "station" and opens the window beside it.
+    /// Starts the server of "station" and opens the window.
     void open();
-    /// The shortest way from where the window stands to an open source.
+    /// The shortest way from the current state of the window to an open source.
     void openSource();
     void chooseSource();
     void pressSensorButton();
@@ -29,5 +29,5 @@ class SourceUser {
     RandomChoice& random;
     std::optional<OstraServerProcess> server;
     bool serverAway = false;
-    bool serverMoved = false; ///< the window's list of servers is not true any more
+    bool serverMoved = false; ///< the window's list of servers is outdated
 };

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int kPatience = 60000; ///< milliseconds, for the worker
+constexpr int kTimeOut = 60000; ///< milliseconds, for the worker
 constexpr std::size_t kRemembered = 30;
 
 } // namespace
@@ -32,13 +32,13 @@ void StressWindow::printCounts() const {
 }
 
 void StressWindow::settle() {
-    ASSERT_TRUE(QTest::qWaitFor([this] { return window->isEnabled(); }, kPatience)) << "the worker hangs";
+    ASSERT_TRUE(QTest::qWaitFor([this] { return window->isEnabled(); }, kTimeOut)) << "the worker hangs";
     countStatus();
     check();
 }
 
 void StressWindow::check() {
-    // Without a picture nothing is painted, and the ruler is not computed.
+    // Without a picture nothing is painted and the ruler is not computed.
     CheckEditing(canvas(), window->rulerShown() && hasTrack());
     checkWindow();
     checkBoxes();

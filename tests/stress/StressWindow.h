@@ -6,8 +6,8 @@
 #include <map>
 #include <string>
 
-/// The real window with a record of what is done to it, and the checks of what must hold after every event.
-/// The hands that work it find everything open.
+/// The real window with a record of the events, and the checks after every event. Its members are public for
+/// the simulated users.
 class StressWindow : public WindowTest {
   public:
     using WindowTest::answers;
@@ -25,32 +25,32 @@ class StressWindow : public WindowTest {
     using WindowTest::typeNumber;
     using WindowTest::window;
 
-    /// The next event begins.
+    /// Begins the next event.
     void begin(const std::string& event);
-    /// What else there is to say of the event.
+    /// Adds a detail to the current event.
     void note(const std::string& detail) { events.back() += " " + detail; }
     void count(const std::string& what, unsigned times = 1) { counts[what] += times; }
-    /// Counts what the status bar says.
+    /// Counts the current status text.
     void countStatus() { count("  " + status()); }
-    /// The events before a failure, the last one last.
+    /// The events before a failure, in order.
     [[nodiscard]] std::string lastEvents() const;
 
-    /// Whether there is a picture to work on.
+    /// Whether a picture is shown.
     [[nodiscard]] bool hasTrack() { return !canvas().pixmap(Qt::ReturnByValue).isNull(); }
-    /// The next file dialog gets this name of the working folder, or is cancelled.
+    /// Answers the next file dialog with this name in the working folder, or cancels it.
     void typeName(const std::string& name) {
         answers.typeFileName(QString::fromStdString(name.empty() ? name : folder.Path(name)));
     }
     /// Waits for the worker.
     void settle();
-    /// That what the window and its canvas hold makes sense.
+    /// Checks that the state of the window and its canvas is consistent.
     void check();
     void checkBoxes();
 
-    Qt::MouseButtons held = Qt::NoButton; ///< over whatever widget
+    Qt::MouseButtons held = Qt::NoButton; ///< over any widget
 
   protected:
-    /// Prints how often each thing was counted.
+    /// Prints the counters.
     void printCounts() const;
 
   private:

@@ -11,14 +11,14 @@
 
 namespace {
 
-constexpr int kDialogLookInterval = 500; // milliseconds
-constexpr int kDialogShare = 4;          ///< a dialog gets this part of a step's patience
+constexpr int kDialogPollInterval = 500; // milliseconds
+constexpr int kDialogShare = 4;          ///< a dialog gets this part of a step's time-out
 
 } // namespace
 
-Watchdog::Watchdog(std::chrono::seconds patienceOfStep) : patience(patienceOfStep) {
+Watchdog::Watchdog(std::chrono::seconds patienceOfStep) : timeOut(patienceOfStep) {
     QObject::connect(&dialogTimer, &QTimer::timeout, [this] { LookForOldDialog(); });
-    dialogTimer.start(kDialogLookInterval);
+    dialogTimer.start(kDialogPollInterval);
     watching = std::thread([this] { Watch(); });
 }
 
@@ -48,7 +48,7 @@ void Watchdog::EndStep() {
 void Watchdog::Watch() {
     std::unique_lock lock(mutex);
     while (!ending) {
-        if (running && Clock::now() - begun > patience) {
+        if (running && Clock::now() - begun > timeOut) {
             std::fprintf(stderr, "watchdog: the window is stuck in %s\n", step.c_str());
             std::abort();
         }
@@ -62,7 +62,7 @@ void Watchdog::LookForOldDialog() {
         dialog = modal;
         dialogSince = Clock::now();
     }
-    if (modal == nullptr || Clock::now() - dialogSince < patience / kDialogShare)
+    if (modal == nullptr || Clock::now() - dialogSince < timeOut / kDialogShare)
         return;
     ADD_FAILURE() << "nobody answers the dialog \"" << modal->windowTitle().toStdString() << '"';
     modal->reject();

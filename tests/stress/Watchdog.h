@@ -10,19 +10,18 @@
 #include <string>
 #include <thread>
 
-/// Ends what would hang a test that works a window: a dialog that nobody answers is dismissed after a while
-/// and fails the test; when the window's thread itself gets stuck, the program is aborted, and what it was
-/// about is told.
+/// Ends a test of a window that hangs: an unanswered dialog is dismissed after a while and fails the test; if
+/// the GUI thread itself hangs, the program is aborted and the current step is printed.
 class Watchdog final {
   public:
-    /// @param patience for one step
-    explicit Watchdog(std::chrono::seconds patience);
+    /// @param timeOut for one step
+    explicit Watchdog(std::chrono::seconds timeOut);
     Watchdog(const Watchdog&) = delete;
     Watchdog& operator=(const Watchdog&) = delete;
     ~Watchdog();
 
-    /// A step begins, and with it the patience anew.
-    /// @param description what is told when it does not end
+    /// Begins a step and restarts its time-out.
+    /// @param description printed if the step does not end
     void BeginStep(const std::string& description);
     void EndStep();
 
@@ -35,14 +34,14 @@ class Watchdog final {
     void Watch();
     void LookForOldDialog();
 
-    const std::chrono::seconds patience;
+    const std::chrono::seconds timeOut;
     std::chrono::milliseconds longest{};
 
     QTimer dialogTimer;
-    QPointer<QWidget> dialog; ///< the one that stands
+    QPointer<QWidget> dialog; ///< the open one
     Clock::time_point dialogSince;
 
-    std::mutex mutex; ///< guards what follows
+    std::mutex mutex; ///< guards the following members
     std::condition_variable changed;
     std::string step;
     Clock::time_point begun;

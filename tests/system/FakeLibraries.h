@@ -1,7 +1,7 @@
 #pragma once
 
-/// What the two libraries' starts answer in this test program, and how often they were asked:
-/// FakeLibraries.cpp is linked in place of the libraries' own starts.
+/// The results of the two libraries' start functions in this test program, and how often they were called:
+/// FakeLibraries.cpp is linked instead of the libraries' own functions.
 namespace fakeLibraries {
 
 extern int apiStatus;

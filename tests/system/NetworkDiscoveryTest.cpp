@@ -1,5 +1,5 @@
-// Discovery by broadcast, between two networks of the kernel that are joined by one cable and by nothing
-// else: no datagram of these tests can leave the machine. Making them takes the rights of root.
+// Discovery by broadcast between two network namespaces that are connected only with each other, so that no
+// datagram leaves the machine. Creating them needs root.
 
 #include "OstraServerProcess.h"
 #include "TemporaryFolder.h"
@@ -37,7 +37,7 @@ class Network {
     [[nodiscard]] bool Ip(const std::string& arguments) const {
         return Run("ip -n " + name + " " + arguments);
     }
-    /// From now on this thread, and what it starts, is in this network.
+    /// Moves this thread, and the processes that it starts, into this network.
     [[nodiscard]] bool Enter() const {
         const int descriptor = open(("/run/netns/" + name).c_str(), O_RDONLY | O_CLOEXEC);
         const bool entered = descriptor >= 0 && setns(descriptor, CLONE_NEWNET) == 0;
@@ -51,8 +51,8 @@ class Network {
     bool made;
 };
 
-/// The editor's network 10.77.0.1 and the server's 10.77.0.2, and a second cable of the editor's (10.78.0.1)
-/// that leads nowhere.
+/// The editor's address 10.77.0.1, the server's 10.77.0.2, and a second interface of the editor (10.78.0.1)
+/// without any peer.
 class NetworkDiscovery : public testing::Test {
   protected:
     void SetUp() override {
@@ -81,7 +81,7 @@ TEST_F(NetworkDiscovery, findsAServerByBroadcastAndConnectsToIt) {
     const OstraServerProcess process(
         "workspace", {"--address", "10.77.0.2", "--discovery-port", "3601", "--serial", "77"});
     ASSERT_TRUE(editor.Enter());
-    unsetenv("OSTRA_DISCOVERY"); // broadcast reaches no further than the cables
+    unsetenv("OSTRA_DISCOVERY"); // broadcasts stay within the two networks
     std::vector<OstraServerInfo> list;
     OstraSdkClient::DiscoverOstraServers(list);
     ASSERT_EQ(list.size(), 1U);
@@ -94,7 +94,7 @@ TEST_F(NetworkDiscovery, findsAServerByBroadcastAndConnectsToIt) {
 
 TEST_F(NetworkDiscovery, findsNothingWhereNoServerAnswers) {
     ASSERT_TRUE(editor.Enter());
-    unsetenv("OSTRA_DISCOVERY"); // broadcast reaches no further than the cables
+    unsetenv("OSTRA_DISCOVERY"); // broadcasts stay within the two networks
     std::vector<OstraServerInfo> list;
     OstraSdkClient::DiscoverOstraServers(list);
     EXPECT_TRUE(list.empty());
@@ -104,7 +104,7 @@ TEST_F(NetworkDiscovery, findsNothingWithoutAnyNetwork) {
     ASSERT_TRUE(editor.Ip("link set cable down") && editor.Ip("link set loose down") &&
                 editor.Ip("link set lo down"));
     ASSERT_TRUE(editor.Enter());
-    unsetenv("OSTRA_DISCOVERY"); // nothing can be sent at all
+    unsetenv("OSTRA_DISCOVERY"); // nothing can be sent
     std::vector<OstraServerInfo> list;
     EXPECT_NO_THROW(OstraSdkClient::DiscoverOstraServers(list));
     EXPECT_TRUE(list.empty());

@@ -88,7 +88,7 @@ std::size_t RawHttp::ReadChunks() {
         if (lineEnd == std::string::npos)
             return received.size();
         const std::size_t size = std::strtoull(received.c_str() + at, nullptr, 16);
-        if (size == 0) { // behind the last chunk come fields and an empty line
+        if (size == 0) { // the last chunk is followed by fields and an empty line
             const std::size_t end = AwaitText("\r\n\r\n", lineEnd);
             return end == std::string::npos ? received.size() : end + 4;
         }

@@ -11,7 +11,7 @@
 
 #include <gmock/gmock.h>
 
-// Who may use the server: editors, and no web page that a visitor's browser was led to.
+// Access to the server: editors are accepted, web pages in a browser are not.
 
 namespace {
 
@@ -21,7 +21,7 @@ class ServerAccess : public ServerTest {
   protected:
     ~ServerAccess() override { unsetenv("OSTRA_TOKEN_FILE"); }
 
-    /// A restore with these fields in place of the usual host.
+    /// A restore with these fields instead of the usual host.
     [[nodiscard]] unsigned Restore(const OstraServerProcess& server, const std::string& fields) const {
         std::string request =
             RawHttp::Text("POST", kRestorePath, RestoreBody(Backup(changed)), "application/cbor");

@@ -98,7 +98,7 @@ TEST_F(ServerAnswers, reportsAnUnacceptableNameBeforeTheArchiveBegins) {
 }
 
 TEST_F(ServerAnswers, archivesTimesThatExceedTheHeaderField) {
-    EXPECT_TRUE(Shell("touch -d @8589935592 'station one/vdk/settings.json'")); // a thousand beyond 8^11
+    EXPECT_TRUE(Shell("touch -d @8589935592 'station one/vdk/settings.json'")); // 8^11 + 1000
     if (!Shell("test $(stat -c %Y 'station one/vdk/settings.json') = 8589935592"))
         GTEST_SKIP() << "the file system has no room for it either";
     const OstraServerProcess server(Served());
@@ -115,7 +115,7 @@ TEST_F(ServerAnswers, archivesSizesThatExceedTheHeaderField) {
     WriteFile(folder.Path("cut.tar"), reply.body.substr(15));
     Shell("tar -tvf cut.tar > outer 2> error; "
           "tar -xOf cut.tar workspaces/Workspace.osws 2> error | tar -tvf - > inner 2> error");
-    // Around the file's bytes: three blocks of headers ahead and two at the end.
+    // In addition to the file's bytes: three header blocks before and two blocks after.
     EXPECT_THAT(FileContent(folder.Path("outer")),
                 testing::ContainsRegex(" 8589937152 .* workspaces/Workspace.osws\n"));
     EXPECT_THAT(FileContent(folder.Path("inner")), testing::ContainsRegex(" 8589934592 .* a\n"));
@@ -143,7 +143,7 @@ TEST_F(ServerAnswers, truncatesTheArchiveWhenAFileChanges) {
         const RawHttp::Reply reply = slow.Read();
         EXPECT_EQ(reply.status, 200U);
         EXPECT_GT(reply.body.size(), 30'000'000U);
-        EXPECT_FALSE(reply.Whole());
+        EXPECT_FALSE(reply.IsComplete());
         EXPECT_TRUE(slow.Closed());
         std::filesystem::remove_all(Served());
     }
@@ -164,7 +164,7 @@ TEST_F(ServerAnswers, sendsNothingThroughAFolderThatBecameALink) {
             std::this_thread::yield();
         EXPECT_TRUE(Shell("cd 'station one' && " + change));
         const RawHttp::Reply reply = slow.Read();
-        EXPECT_FALSE(reply.Whole());
+        EXPECT_FALSE(reply.IsComplete());
         EXPECT_EQ(reply.body.find(secret), std::string::npos);
     }
 }
@@ -222,7 +222,7 @@ TEST_F(ServerAnswers, servesManyRequestsOnOneConnection) {
         http.Send(RawHttp::Text("GET", "/system/info"));
         EXPECT_EQ(http.Read().status, 200U);
         http.Send(RawHttp::Text("POST", kArchivePath, kArchiveBody));
-        EXPECT_TRUE(http.Read().Whole());
+        EXPECT_TRUE(http.Read().IsComplete());
     }
     http.Send(RawHttp::Text("GET", kReplayPath) + RawHttp::Text("GET", kReplayPath));
     EXPECT_EQ(http.Read().status, 200U);

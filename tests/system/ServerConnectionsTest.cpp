@@ -10,7 +10,7 @@
 
 #include <sys/resource.h>
 
-// Clients that take places and give nothing: they must not lock the others out.
+// Clients that occupy places without sending requests must not block others.
 
 namespace {
 
@@ -27,14 +27,14 @@ class ServerConnections : public ServerTest {
         }
     }
 
-    /// The status that a client from an address gets.
+    /// The status of the reply to a client with this address.
     static unsigned StatusFrom(const OstraServerProcess& server, const std::string& from) {
         RawHttp http(server.ControlPort(), from);
         http.Send(RawHttp::Text("GET", "/system/info"));
         return http.Read().status;
     }
 
-    /// Begins a request whose body does not come, and waits until the server reads it.
+    /// Begins a request without sending its body, and waits until the server reads it.
     static void BeginBody(RawHttp& http) {
         http.Send("PUT /replay/playback HTTP/1.1\r\nHost: 127.0.0.1\r\nExpect: 100-continue\r\n"
                   "Content-Length: 17\r\n\r\n");
@@ -46,7 +46,7 @@ class ServerConnections : public ServerTest {
             std::filesystem::directory_iterator("/proc/" + std::to_string(server.Pid()) + "/fd"), {});
     }
 
-    /// Asks again until the server answers something else than `status`, for at most 20 s.
+    /// Repeats a request until the server answers with another status, for at most 20 s.
     template<typename Ask>
     static unsigned Until(unsigned status, const Ask& ask) {
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
@@ -64,9 +64,9 @@ TEST_F(ServerConnections, answers503BeyondTheLimit) {
     BeginBody(first);
     BeginBody(second);
     RawHttp third(server.ControlPort(), "127.0.0.4");
-    const RawHttp::Reply turnedAway = third.Read();
-    EXPECT_EQ(turnedAway.status, 503U);
-    EXPECT_TRUE(turnedAway.Whole());
+    const RawHttp::Reply rejected = third.Read();
+    EXPECT_EQ(rejected.status, 503U);
+    EXPECT_TRUE(rejected.IsComplete());
     first.Send("{\"enabled\": true}");
     EXPECT_EQ(first.Read().status, 200U);
 }

@@ -36,7 +36,7 @@ TEST_F(ServerDigest, changesNothingWhenABitOfAFileIsFlipped) {
     damaged[content] = static_cast<char>(damaged[content] ^ 1);
     EXPECT_EQ(RestoreWith(digest, damaged), 400U);
     EXPECT_EQ(TreeOf(Served()), original);
-    EXPECT_EQ(RestoreWith("", damaged), 200U); // nothing else would have told
+    EXPECT_EQ(RestoreWith("", damaged), 200U); // nothing else detects the damage
 }
 
 TEST_F(ServerDigest, reportsADamagedRequestRatherThanItsArchive) {
@@ -63,7 +63,7 @@ TEST_F(ServerDigest, requiresADigestFromAClientThatAsksForOne) {
 
 TEST_F(ServerDigest, sendsALengthWithoutDigestUnlessAsked) {
     const RawHttp::Reply reply = Archive(server);
-    EXPECT_TRUE(reply.Whole());
+    EXPECT_TRUE(reply.IsComplete());
     EXPECT_EQ(reply.head.find("Digest"), std::string::npos);
 }
 
@@ -93,7 +93,7 @@ TEST_F(ServerDigest, sendsNoChunksToAnHttp10Client) {
     connection.Send("GET /replay/playback HTTP/1.0\r\n" + wish + "\r\n");
     const RawHttp::Reply reply = connection.Read();
     EXPECT_EQ(reply.status, 200U);
-    EXPECT_TRUE(reply.Whole());
+    EXPECT_TRUE(reply.IsComplete());
 }
 
 } // namespace

@@ -6,7 +6,7 @@
 
 #include <gmock/gmock.h>
 
-// A folder is served by one server at a time, and its contents before the last restores are kept.
+// One server per folder at a time, and the kept previous contents.
 
 namespace {
 
@@ -15,7 +15,7 @@ using testing::HasSubstr;
 
 class ServerKeep : public ServerTest {
   protected:
-    /// Runs the server's program. @return its exit code; what it says is in "said" and "error"
+    /// Runs the server's program. @return its exit code; its output is in "said" and "error"
     [[nodiscard]] int Run(const std::string& options) const {
         const std::string words = "'" + OstraServerProcess::Program() +
                                   "' --workspace 'station one' --port 0 " + "--discovery-port 0 " + options +
@@ -35,7 +35,7 @@ class ServerKeep : public ServerTest {
     [[nodiscard]] std::string PathOf(const std::string& time) const {
         return folder.Path(".station one.ostra-kept-" + time);
     }
-    /// A workspace that says its number.
+    /// A workspace whose content is its number.
     static Tree Numbered(int number) {
         return {{"vdk/", ""}, {"vdk/ContourPath/", ""}, {"vdk/ContourPath/a.trk", std::to_string(number)}};
     }
@@ -99,7 +99,7 @@ TEST_F(ServerKeep, refusesARestoreWhoseUnpackedFilesWereRemoved) {
         SCOPED_TRACE(lost);
         RawHttp http(server.ControlPort());
         http.Send(text.substr(0, text.size() - 1));
-        // The last byte is one of the outer archive's end: by then all files are unpacked.
+        // The last byte belongs to the outer archive's end: all files are unpacked before it.
         const auto unpacked = [&] {
             return Shell("test -e .station\\ one.ostra-new-*/workspace/vdk/ContourPath/new.trk 2> error");
         };
@@ -176,7 +176,7 @@ TEST_F(ServerKeep, completesAnArchiveWhoseContentIsNoLongerKept) {
     while (server.Requests().empty())
         std::this_thread::yield();
     RestoreNumbered(server, 3);
-    EXPECT_TRUE(slow.Read().Whole());
+    EXPECT_TRUE(slow.Read().IsComplete());
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
     while (Kept().size() > 1 && std::chrono::steady_clock::now() < end)
         std::this_thread::yield();
@@ -188,7 +188,7 @@ TEST_F(ServerKeep, keepsAWorkspaceLeftOverAfterAKill) {
         OstraServerProcess server(Served());
         RestoreNumbered(server, 1);
     }
-    // As a kill leaves it right after the exchange: the mark names another folder than the tree.
+    // The state after a kill directly after the exchange: the mark has the ID of another folder.
     MakeTree(folder.Path(".station one.ostra-new-abcdef"), {{"new", "1"}, {"workspace/a.trk", "old"}});
     MakeTree(folder.Path(".station one.ostra-old"), {{"b.trk", "older"}});
     {

@@ -14,7 +14,7 @@ class ServerLimits : public ServerTest {
         http.Send(request);
         return http.Read().status;
     }
-    /// A request without its body, which is said to be this long.
+    /// A request without its body, whose Content-Length is given.
     static std::string Head(const std::string& path, const std::string& fields) {
         const bool isTyped = fields.find("Content-Type") != std::string::npos;
         return "POST " + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\n" +
@@ -136,11 +136,11 @@ TEST_F(ServerLimits, answers400ToMalformedCborAndChangesNothing) {
         good.substr(0, good.size() - 1),                        // a byte short
         good + "x",                                             // a byte too many
         "\xa1" + key + "\x5b\x7f\xff\xff\xff\xff\xff\xff\xff",  // a string of eight exabytes
-        "\xa1" + key + "\x5f\x41x\xff",                         // a string in pieces
-        "\xbb\xff\xff\xff\xff\xff\xff\xff\xff" + key + "\x41x", // a map of endless entries
-        "\xa1\x61x\xbb\x7f\xff\xff\xff\xff\xff\xff\xff",        // nested the same
+        "\xa1" + key + "\x5f\x41x\xff",                         // a string of indefinite length
+        "\xbb\xff\xff\xff\xff\xff\xff\xff\xff" + key + "\x41x", // a map with 2^64 - 1 entries
+        "\xa1\x61x\xbb\x7f\xff\xff\xff\xff\xff\xff\xff",        // the same, nested
         "\xa1\x61x\x9b\x7f\xff\xff\xff\xff\xff\xff\xff",
-        "\xa1\x01\x02",         // a key that is no text
+        "\xa1\x01\x02",         // a key that is not text
         "\xa1" + key + "\x61x", // text for data
         "\xa3" + good.substr(1) + key + "\x41x",
         "\xa1\x7c",
@@ -169,7 +169,8 @@ TEST_F(ServerLimits, answers400ToCborWithReservedLengthsOverflowOrRepeatedKeys) 
                       std::string(std::size_t{1} << (reserved - 24), '\0')),
                   400U)
             << reserved;
-    EXPECT_EQ(put("\xa2" + on + "\x61x\xbb\x80" + zeros.substr(1)), 400U); // twice 2^63 is no nothing
+    EXPECT_EQ(put("\xa2" + on + "\x61x\xbb\x80" + zeros.substr(1)),
+              400U); // twice 2^63 must not overflow to 0
     EXPECT_EQ(put("\xa2" + on + off), 400U);
     EXPECT_EQ(RawHttp::Request(server.ControlPort(), "GET", kReplayPath).body, R"({"enabled":false})");
     EXPECT_EQ(put("\xa1" + on), 200U);
@@ -345,7 +346,7 @@ TEST_F(ServerLimits, disconnectsAClientThatDoesNotRead) {
     while (status == 503 && std::chrono::steady_clock::now() < end)
         status = RawHttp::Request(server.ControlPort(), "GET", "/system/info").status;
     EXPECT_EQ(status, 200U);
-    EXPECT_FALSE(lazy.Read().Whole());
+    EXPECT_FALSE(lazy.Read().IsComplete());
 }
 
 TEST_F(ServerLimits, sends100ContinueToAClientThatWaitsForIt) {

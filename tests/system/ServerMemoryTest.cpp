@@ -4,7 +4,7 @@
 
 #include <gmock/gmock.h>
 
-// Bytes beside the body are no body, and no limit of bodies stops them.
+// The limits of bodies do not apply to the other bytes of a request, which need limits of their own.
 
 namespace {
 
@@ -16,7 +16,7 @@ constexpr bool kMemoryTells = true;
 
 class ServerMemory : public ServerTest {
   protected:
-    /// A line of the kernel's account of the server, in bytes.
+    /// A value from the kernel's status of the server, in bytes.
     static std::uint64_t FieldOf(const OstraServerProcess& server, const std::string& name) {
         std::istringstream status(FileContent("/proc/" + std::to_string(server.Pid()) + "/status"));
         for (std::string word; status >> word;)
@@ -28,7 +28,7 @@ class ServerMemory : public ServerTest {
         return 0;
     }
 
-    /// Sends the start of a request and then so many bytes of `filling`, as far as the server takes them.
+    /// Sends the start of a request and then this many bytes of `filling`, as far as the server accepts them.
     static RawHttp::Reply Attack(const OstraServerProcess& server, const std::string& start,
                                  const std::string& filling) {
         constexpr std::size_t kMaxSent = 64'000'000;
@@ -73,7 +73,7 @@ TEST_F(ServerMemory, limitsChunkHeadersTo64KiBInTotal) {
     const std::string start =
         "PUT /replay/playback HTTP/1.1\r\nHost: 127.0.0.1\r\nTransfer-Encoding: chunked\r\n\r\n";
     const auto status = [&](std::size_t blanks) {
-        std::string chunks = "11\r\n{\"enabled\": true}\r\n"; // 6 bytes of frame, and 6 for each blank
+        std::string chunks = "11\r\n{\"enabled\": true}\r\n"; // 6 bytes of framing, and 6 for each blank
         for (std::size_t i = 0; i < blanks; ++i)
             chunks += "1\r\n \r\n";
         RawHttp http(server.ControlPort());

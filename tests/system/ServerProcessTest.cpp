@@ -42,7 +42,7 @@ class Asker {
         const ssize_t size = recv(file, answer.data(), answer.size(), 0);
         return {answer.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0))};
     }
-    /// Whether one has come that was not read yet.
+    /// Whether a datagram has arrived that is not read yet.
     [[nodiscard]] bool HasAnswer() const {
         char byte = 0;
         return recv(file, &byte, 1, MSG_PEEK | MSG_DONTWAIT) >= 0;
@@ -83,7 +83,7 @@ TEST_F(ServerProcess, answersOnlyDiscoveryRequests) {
           std::string("{\"ostra\":\"answer\",\"version\":1}"), std::string(2000, '['),
           kQuestion + std::string(10000, ' ')})
         stranger.Ask(datagram);
-    // Datagrams are answered in their order: who gets the answer to the last one has got all.
+    // Datagrams are answered in order: the answer to the last one is the last answer.
     stranger.Ask(kQuestion);
     EXPECT_THAT(stranger.Answer(), HasSubstr("4711"));
     const Asker other(server.DiscoveryPort());
@@ -157,7 +157,7 @@ TEST_F(ServerProcess, closesWithinTheReplyOnACutFault) {
     EXPECT_EQ(reply.status, 200U);
     EXPECT_EQ(reply.head.size() + reply.body.size(), 1000U);
     EXPECT_GT(reply.length, reply.body.size());
-    EXPECT_TRUE(RawHttp::Request(server.ControlPort(), "GET", "/system/info").Whole());
+    EXPECT_TRUE(RawHttp::Request(server.ControlPort(), "GET", "/system/info").IsComplete());
 }
 
 TEST_F(ServerProcess, sendsNoReplyOnACutFaultOfZeroBytes) {
@@ -187,8 +187,8 @@ TEST_F(ServerProcess, delaysTheReplyOnADelayFault) {
 TEST_F(ServerProcess, excludesADelayFromTheReplysTimeOut) {
     const OstraServerProcess server(
         Served(), {"--fault-delay", "1600", "--idle-timeout", "1500", "--transfer-timeout", "1500"});
-    EXPECT_TRUE(RawHttp::Request(server.ControlPort(), "GET", "/system/info").Whole());
-    EXPECT_TRUE(Archive(server).Whole());
+    EXPECT_TRUE(RawHttp::Request(server.ControlPort(), "GET", "/system/info").IsComplete());
+    EXPECT_TRUE(Archive(server).IsComplete());
 }
 
 TEST_F(ServerProcess, skipsAndCountsFaults) {

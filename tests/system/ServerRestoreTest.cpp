@@ -16,7 +16,7 @@ using testing::HasSubstr;
 
 class ServerRestore : public ServerTest {
   protected:
-    /// Everything about the server is as before the refused restore.
+    /// Checks that the server is unchanged after a refused restore.
     void ExpectRefused(const OstraServerProcess& server, const std::string& archive) const {
         const RawHttp::Reply reply = Restore(server, archive);
         EXPECT_EQ(reply.status, 422U) << reply.body;
@@ -30,7 +30,7 @@ class ServerRestore : public ServerTest {
         return RawHttp::Request(server.ControlPort(), "GET", kReplayPath).body;
     }
 
-    /// Waits until what an earlier restore replaced has been removed.
+    /// Waits until the content replaced by an earlier restore is removed.
     void AwaitNoLeftovers() const {
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
         while (!Leftovers().empty() && std::chrono::steady_clock::now() < end)
@@ -116,7 +116,7 @@ TEST_F(ServerRestore, refusesAnArchiveTruncatedAtAnyBlock) {
     const OstraServerProcess server(Served());
     original = changed;
     MakeTree(Served(), original);
-    // GNU tar fills the last record with zero blocks; the archive proper ends with two of them.
+    // GNU tar fills the last record with zero blocks; the archive itself ends with two of them.
     const std::string inner = Tarred({{"vdk/ContourPath/a.trk", "cut me"}});
     std::string whole = BackupAround(inner, "{}");
     const std::size_t innerAt = whole.find("workspaces/Workspace.osws") + 512;
@@ -195,7 +195,7 @@ TEST_F(ServerRestore, refusesLinksAndSpecialFilesInTheOuterArchive) {
 }
 
 TEST_F(ServerRestore, reportsADiskFailureAsItsOwn) {
-    // Whoever starts with this signal ignored gets an error for a file beyond its limit.
+    // A process that ignores this signal gets an error for a file beyond its limit.
     const auto before = std::signal(SIGXFSZ, SIG_IGN);
     const OstraServerProcess server(Served());
     std::signal(SIGXFSZ, before);
@@ -264,7 +264,7 @@ TEST_F(ServerRestore, completesAnArchiveWhileTheWorkspaceIsReplaced) {
         std::this_thread::yield();
     EXPECT_EQ(Restore(server, Backup(changed)).status, 200U);
     const RawHttp::Reply reply = slow.Read();
-    EXPECT_TRUE(reply.Whole());
+    EXPECT_TRUE(reply.IsComplete());
     WriteFile(folder.Path("slow.tar"), DataOf(reply.body));
     EXPECT_TRUE(
         Shell("mkdir s s/in && tar -xf slow.tar -C s && tar -xf s/workspaces/Workspace.osws -C s/in"));
@@ -283,7 +283,7 @@ TEST_F(ServerRestore, showsConcurrentClientsOneWorkspaceOrTheOther) {
             const RawHttp::Reply reply = Archive(server);
             const bool isFirst = reply.body.find("first") != std::string::npos;
             const bool isSecond = reply.body.find("second") != std::string::npos;
-            strange += !reply.Whole() || isFirst == isSecond ? 1 : 0;
+            strange += !reply.IsComplete() || isFirst == isSecond ? 1 : 0;
         }
     };
     const auto write = [&](const std::string& archive) {
@@ -317,7 +317,8 @@ TEST_F(ServerRestore, leavesTheOldOrTheNewWorkspaceAfterAKill) {
         const std::string request = RawHttp::Text("POST", kRestorePath, body, "application/cbor");
         RawHttp http(server.ControlPort());
         http.Send(request);
-        // From right after the last byte until well after the reply, in steps of a quarter of a millisecond.
+        // From directly after the last byte until well after the reply, in steps of a quarter of a
+        // millisecond.
         std::this_thread::sleep_for(std::chrono::microseconds(250 * round));
         server.Kill();
         const std::string between = Leftovers();

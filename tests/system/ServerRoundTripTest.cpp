@@ -8,7 +8,7 @@
 
 #include <gmock/gmock.h>
 
-// What an editor does between connecting and syncing, without an edit: the workspace must be as it was.
+// Connecting and syncing like an editor, without an edit: the workspace must be unchanged.
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 
-// A restore is unpacked while it arrives: nothing that is found later may come too late.
+// A restore is unpacked while it arrives: errors found later must still leave nothing.
 
 namespace {
 

@@ -109,7 +109,7 @@ RawHttp::Reply ServerTest::Archive(const OstraServerProcess& server) {
 Tree ServerTest::ServedTree(const OstraServerProcess& server) const {
     const RawHttp::Reply reply = Archive(server);
     EXPECT_EQ(reply.status, 200U);
-    EXPECT_TRUE(reply.Whole());
+    EXPECT_TRUE(reply.IsComplete());
     WriteFile(folder.Path("got.tar"), DataOf(reply.body));
     EXPECT_TRUE(Shell("rm -rf got && mkdir -p got/in && tar -xf got.tar -C got && "
                       "tar -xf got/workspaces/Workspace.osws -C got/in"));

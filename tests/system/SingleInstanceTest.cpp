@@ -22,7 +22,7 @@ class SingleInstance : public ::testing::Test {
         ::mkdir("instance", 0700);
         ::setenv("CORVANE_INSTANCE", folder.Path("instance").c_str(), 1);
         ::setenv("CORVANE_KEPT", folder.Path("kept").c_str(), 1);
-        ::setenv("OSTRA_DISCOVERY", "127.0.0.1:9", 1); // also when this is not started by ctest
+        ::setenv("OSTRA_DISCOVERY", "127.0.0.1:9", 1); // also without ctest
     }
 
     ~SingleInstance() override {
@@ -34,12 +34,12 @@ class SingleInstance : public ::testing::Test {
 
     QProcess& start(const QStringList& arguments = {}) {
         copies.push_back(std::make_unique<QProcess>());
-        copies.back()->setReadChannel(QProcess::StandardError); // what is waited for
+        copies.back()->setReadChannel(QProcess::StandardError); // the channel to wait for
         copies.back()->start(QStringLiteral(CORVANE_PROGRAM), arguments);
         return *copies.back();
     }
 
-    /// Waits until the condition holds; false after a minute.
+    /// Waits until the condition holds. @return false after a minute
     template<typename Condition>
     static bool waitUntil(Condition condition) {
         const auto end = steady_clock::now() + std::chrono::minutes(1);
@@ -53,12 +53,12 @@ class SingleInstance : public ::testing::Test {
 
     [[nodiscard]] std::string log() const { return FileContent(folder.Path("Corvane.log")); }
 
-    /// A copy writes its first line when it makes its window.
+    /// A copy writes its first line when it creates its window.
     [[nodiscard]] bool waitForWindow() const {
         return waitUntil([this] { return !log().empty() && log().back() == '\n'; });
     }
 
-    /// The first line on standard error that is the program's own, once it arrives.
+    /// Waits for the program's own first line on standard error.
     [[nodiscard]] static std::string messageOf(QProcess& copy) {
         while (copy.canReadLine() || copy.waitForReadyRead(60'000)) {
             std::string line = copy.readLine().toStdString();
@@ -84,7 +84,7 @@ class SingleInstance : public ::testing::Test {
 TEST_F(SingleInstance, endsSecondCopyWithZeroAndKeepsItsLog) {
     QProcess& first = start();
     ASSERT_TRUE(waitForWindow());
-    ASSERT_EQ(::unlink("Corvane.log"), 0); // whoever opens it now makes another
+    ASSERT_EQ(::unlink("Corvane.log"), 0); // any copy that opens it now creates a new one
     QProcess& second = start();
     ASSERT_TRUE(second.waitForFinished(60'000));
     EXPECT_EQ(second.exitStatus(), QProcess::NormalExit);
@@ -134,7 +134,7 @@ TEST_F(SingleInstance, showsTheReasonWhenItCannotOpenFromTheDesktop) {
 }
 
 TEST_F(SingleInstance, printsVersionAndOptionsWithoutADisplay) {
-    ::setenv("QT_QPA_PLATFORM", "none", 1); // no window could be made
+    ::setenv("QT_QPA_PLATFORM", "none", 1); // no window can be created
     QProcess& version = start({QStringLiteral("--version")});
     ASSERT_TRUE(version.waitForFinished(60'000));
     EXPECT_EQ(version.readAllStandardOutput().toStdString(), "corvane " CORVANE_VERSION "\n");
@@ -152,7 +152,7 @@ TEST_F(SingleInstance, reportsWhetherADisplayResponds) {
     EXPECT_EQ(shown.exitCode(), 0);
     EXPECT_EQ(shown.readAllStandardOutput().toStdString(), "Windows are shown by \"offscreen\".\n");
     ::setenv("QT_QPA_PLATFORM", "xcb", 1);
-    ::setenv("DISPLAY", "127.0.0.1:65000", 1); // beyond the ports that exist
+    ::setenv("DISPLAY", "127.0.0.1:65000", 1); // beyond the valid ports
     QProcess& dead = start({QStringLiteral("--display")});
     ASSERT_TRUE(dead.waitForFinished(60'000));
     EXPECT_EQ(dead.readAllStandardOutput().toStdString(), "");

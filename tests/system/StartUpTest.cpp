@@ -22,7 +22,7 @@ int CorvaneMain(int argc, char** argv);
 
 namespace {
 
-/// What is done once the event loop of the program runs.
+/// What runs in the event loop of the program.
 std::function<void(QMainWindow&)> whenShown;
 bool highDpiAtConstruction = false;
 bool finePixmapsAtConstruction = false;
@@ -47,14 +47,14 @@ void Plan() {
 }
 Q_COREAPP_STARTUP_FUNCTION(Plan)
 
-/// One start of the program in this process: a process starts it once.
+/// One start of the program in this process, which can start it only once.
 class StartUp : public ::testing::Test {
   protected:
     StartUp() {
         ::mkdir("instance", 0700);
         ::setenv("CORVANE_INSTANCE", folder.Path("instance").c_str(), 1);
         ::setenv("CORVANE_KEPT", folder.Path("kept").c_str(), 1);
-        ::setenv("OSTRA_DISCOVERY", "127.0.0.1:9", 1); // also when this is not started by ctest
+        ::setenv("OSTRA_DISCOVERY", "127.0.0.1:9", 1); // also without ctest
         whenShown = [](QMainWindow& window) { window.close(); };
     }
 
@@ -106,13 +106,13 @@ TEST_F(StartUp, destroysTheWindowBeforeTheApplication) {
 
 TEST_F(StartUp, endsTheProcessOnAnExceptionFromTheEventLoop) {
     whenShown = [](QMainWindow&) { throw std::runtime_error("nobody catches this"); };
-    // Without the noexcept the test's own frame would be the one that catches it.
+    // Without noexcept the test framework would catch it.
     const auto startAlone = []() noexcept { start(); };
     EXPECT_DEATH(startAlone(), "nobody catches this");
 }
 
 TEST_F(StartUp, usesUtf8FileNamesInAnyDesktopEncoding) {
-    // What a toolkit that follows the desktop would find on one with an older encoding.
+    // What Qt finds on a desktop with an older encoding.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
     const std::string name = "straße 日.trk";
     WriteFile(name, "");

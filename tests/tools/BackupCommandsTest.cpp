@@ -41,7 +41,7 @@ class BackupCommands : public testing::Test {
   protected:
     BackupCommands() { WriteFile("a.osbak", Backup(Workspace())); }
 
-    /// What "verify" says of a backup with this content, which is not good.
+    /// The output of "verify" for a damaged backup with this content.
     static std::vector<std::string> ProblemsOf(const std::string& content) {
         WriteFile("b.osbak", content);
         const ToolResult result = RunTrackTool({"verify", "b.osbak"});
@@ -94,7 +94,7 @@ TEST_F(BackupCommands, listsAsJson) {
                                        {QStringLiteral("permissions"), 0644}}));
 }
 
-/// The backup with a damaged header in its workspace, behind the track.
+/// The backup with a damaged header in its workspace, after the track.
 std::string DamagedBackup() {
     std::string workspace = Workspace();
     workspace[workspace.find("vdk/empty") + 148] = 'x'; // the checksum
@@ -153,7 +153,7 @@ TEST_F(BackupCommands, verifyReportsErrorsOfTracksWithTheirPlace) {
         points += "1\n";
     const auto lines = ProblemsOf(Backup(Workspace(TarFile("vdk/ContourPath/text.trk", points))));
     EXPECT_EQ(lines.size(), 21U);
-    EXPECT_EQ(lines.back(), "b.osbak: vdk/ContourPath/text.trk: and 11 more errors"); // 30, and no map
+    EXPECT_EQ(lines.back(), "b.osbak: vdk/ContourPath/text.trk: and 11 more errors"); // 30 errors, and no map
 }
 
 TEST_F(BackupCommands, verifyFindsEveryTruncationAndDamagedHeader) {
@@ -178,7 +178,7 @@ TEST_F(BackupCommands, verifyAgreesWithTheStrictUnpackingOfHostileWorkspaces) {
     ASSERT_EQ(reports.size(), archives.size());
     for (std::size_t i = 0; i < archives.size(); ++i) {
         SCOPED_TRACE(archives[i].name);
-        bool isRefused = false; // for more than that there are no tracks
+        bool isRefused = false; // there are no tracks to check for more
         for (const auto problem : reports[i].value(QLatin1String("problems")).toArray()) {
             const QString text = problem.toObject().value(QLatin1String("text")).toString();
             isRefused = isRefused || !text.startsWith(QLatin1String("no vdk/ContourPath"));

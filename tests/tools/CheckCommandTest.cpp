@@ -47,7 +47,7 @@ std::string WithLine(int number, const std::string& line) {
     return line.empty() ? text : text.insert(at, line + "\n");
 }
 
-/// The number of the line that starts so.
+/// The number of the line that starts with this text.
 int LineOf(const std::string& start) {
     const std::string text = TextFile(Sample());
     const std::size_t at = text.find("\n" + start) + 1;
@@ -79,7 +79,7 @@ TEST_F(CheckCommand, findsErrorsInExactlyThoseHostileTracksThatTheEditorRefuses)
     for (std::size_t i = 0; i < tracks.size(); ++i) {
         SCOPED_TRACE(tracks[i].name);
         EXPECT_EQ(reports[i].value(QLatin1String("errors")).toInt() > 0, !tracks[i].Box().empty());
-        // Each problem has its place: nothing is left to the last word of the editor's readers.
+        // Each problem has a place: none was found only by the editor's readers.
         for (const auto problem : reports[i].value(QLatin1String("problems")).toArray()) {
             const QJsonObject object = problem.toObject();
             EXPECT_TRUE(object.contains(QLatin1String("line")) || object.contains(QLatin1String("offset")))
@@ -103,8 +103,8 @@ TEST_F(CheckCommand, acceptsGoodTracks) {
 TEST_F(CheckCommand, reportsEveryProblemOfATextTrackWithItsLine) {
     const int map = LineOf("YX,");
     const int points = LineOf("Segment") + 2;
-    std::string content = WithLine(points + 1, "0,1,0,0,0.5,0.25,1,1,1"); // from the end on, so that
-    const auto replace = [&](int number, const std::string& line) {       // the numbers stay
+    std::string content = WithLine(points + 1, "0,1,0,0,0.5,0.25,1,1,1"); // from the end, so that
+    const auto replace = [&](int number, const std::string& line) {       // the numbers remain valid
         std::size_t at = 0;
         for (int i = 1; i < number; ++i)
             at = content.find('\n', at) + 1;

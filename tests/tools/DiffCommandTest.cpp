@@ -21,7 +21,7 @@ class DiffCommand : public testing::Test {
   protected:
     DiffCommand() { WriteFile("a.trk", BinaryFile(Sample())); }
 
-    /// The lines of a comparison of the sample with another track, which must be different.
+    /// The lines of a comparison of the sample with another track, which must differ.
     static std::vector<std::string> Differences(const Track& other) {
         WriteFile("b.trk", BinaryFile(other));
         const ToolResult result = RunTrackTool({"diff", "a.trk", "b.trk"});
@@ -34,7 +34,7 @@ class DiffCommand : public testing::Test {
 
 TEST_F(DiffCommand, findsNoDifferenceInEqualTracksOfAnyEncoding) {
     Track rounded = Sample();
-    rounded.rulers = {{0, 0, 0, 1, 2, 3, 4, 1, 5}}; // follows from the paths elsewhere
+    rounded.rulers = {{0, 0, 0, 1, 2, 3, 4, 1, 5}}; // normally follows from the paths
     rounded.heights[3] = *rounded.heights[3] + 0.2; // a binary track has steps of 0.25
     WriteFile("text.trk", TextFile(rounded));
     const ToolResult result = RunTrackTool({"diff", "a.trk", "text.trk"});
@@ -52,7 +52,7 @@ TEST_F(DiffCommand, reportsDifferentInformation) {
     other.xOffset = 11;
     other.anchor[2] = 45;
     for (independent::Segment& point : other.segments)
-        point.relativeX -= 1 / 20.0; // the same places in the world
+        point.relativeX -= 1 / 20.0; // the same world coordinates
     EXPECT_THAT(Differences(other), testing::Contains("information"));
     EXPECT_THAT(Differences(other), testing::Contains("  xOffset: 10 | 11"));
     EXPECT_THAT(Differences(other), testing::Contains("  anchorAngle: 0 | 45"));
@@ -122,7 +122,7 @@ TEST_F(DiffCommand, printsJson) {
     EXPECT_EQ(heights[QLatin1String("row")], 1);
     EXPECT_EQ(heights[QLatin1String("column")], 5);
     const QJsonArray points = difference[QLatin1String("points")].toArray();
-    ASSERT_EQ(points.size(), 3); // with the other resolution, every place is another
+    ASSERT_EQ(points.size(), 3); // with the other resolution every position differs
     EXPECT_TRUE(points[2].toObject()[QLatin1String("second")].isNull());
     EXPECT_EQ(points[2].toObject()[QLatin1String("first")].toObject()[QLatin1String("length")], 52);
     EXPECT_EQ(RunTrackTool({"diff", "--json", "a.trk", "a.trk"}).Objects()[0][QLatin1String("equal")], true);

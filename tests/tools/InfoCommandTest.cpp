@@ -15,7 +15,7 @@ using testing::HasSubstr;
 using testing::SizeIs;
 using testing::StartsWith;
 
-/// 40 x 20 cells of 0.5 x 0.25; world heights 0 to 39 + 19 x 0.25. Two paths, one without measurement cell.
+/// 40 x 20 cells of 0.5 x 0.25; world heights 0 to 39 + 19 x 0.25. Two paths, one cell without measurement.
 Track Sample() {
     Track track = SmallTrack(PathAcross(0, 3, 0.25, 50));
     track.anchor = {1.5, -2.25, 30};

@@ -38,7 +38,7 @@ class PathsCommands : public testing::Test {
         WriteFile("text.trk", TextFile(Sample()));
     }
 
-    /// Imports a list, which must be refused for this reason, and leave the track as it was.
+    /// Imports a list, which must be refused for this reason and leave the track unchanged.
     static void ExpectRefused(const std::string& list, const std::string& reason,
                               const std::string& name = "list.csv") {
         const std::string before = FileContent("binary.trk");
@@ -56,8 +56,8 @@ Track ReadTrack(const std::string& file) {
     return independent::ReadBinary(FileContent(file));
 }
 
-/// The ticks of one straight segment, worked out by hand: along the segment every Space + 1 pixels of the
-/// aspect-corrected image, from its start to before its end, Length / 2 to both sides.
+/// The ticks of one straight segment, calculated independently: along the segment every Space + 1 pixels of
+/// the aspect-corrected image, from its start to before its end, Length / 2 to both sides.
 std::vector<independent::Ruler> TicksOf(const Segment& from, const Segment& to, const Track& track) {
     constexpr double kShownWidth = 80; // 40 columns, twice as wide as high
     std::vector<independent::Ruler> ticks;
@@ -97,7 +97,7 @@ TEST_F(PathsCommands, importsItsOwnExportBitForBit) {
     EXPECT_FALSE(written.rulers.empty());
     written.rulers.clear();
     Track expected = Sample();
-    expected.heights.clear(); // the binary encoding holds none of these
+    expected.heights.clear(); // not stored in the binary encoding
     expected.columnPositions.clear();
     expected.rowPositions.clear();
     EXPECT_EQ(written, expected);
@@ -152,7 +152,7 @@ TEST_F(PathsCommands, importsWorldCoordinates) {
     EXPECT_EQ(written.segments[1].relativeX, 0.5);
     EXPECT_EQ(written.segments[1].relativeY, 0.5);
     EXPECT_EQ(written.segments[1].x, 20);
-    EXPECT_EQ(written.segments[1].length, 100); // what a new point has
+    EXPECT_EQ(written.segments[1].length, 100); // the default of a new point
     EXPECT_EQ(written.segments[1].width, 50);
     EXPECT_EQ(written.segments[1].space, 100);
 }
@@ -270,7 +270,7 @@ TEST_F(PathsCommands, importLeavesAnUnwritableTrackUnchanged) {
 }
 
 TEST_F(PathsCommands, importRefusesTooManyRulerMarks) {
-    // 2^31 pixels in steps of one: more ticks than are ever built.
+    // 2^31 pixels in steps of one: more ticks than the limit.
     WriteFile("list.csv", "Track,RelativeX,RelativeY,Space\n0,0,0,0\n0,20000000,0,0\n");
     const std::string before = FileContent("binary.trk");
     const ToolResult result = RunTrackTool({"paths", "import", "binary.trk", "list.csv"});

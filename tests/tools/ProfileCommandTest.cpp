@@ -96,7 +96,7 @@ TEST_F(ProfileCommand, givesOneHeightForASinglePoint) {
 
 TEST_F(ProfileCommand, givesUnroundedHeightsOfATextTrack) {
     Track track = Sample();
-    track.heights[5 * 40 + 4] = 5.37; // no multiple of the Z resolution
+    track.heights[5 * 40 + 4] = 5.37; // not a multiple of the Z resolution
     WriteFile("text.trk", TextFile(track));
     EXPECT_EQ(RunTrackTool({"profile", "text.trk", "--step", "4"}).Lines()[1], "0,12.25,21.375,0,4,5,5.37");
 }
@@ -112,7 +112,7 @@ TEST_F(ProfileCommand, plotsTheCurve) {
     const int left = curve.front().column;
     const double width = curve.back().column - left;
     // Heights never fall along this path. Samples 0.75 and 1 of 6 are not measured: nothing is drawn between
-    // those beside them.
+    // their neighbours.
     for (std::size_t i = 1; i < curve.size(); ++i) {
         EXPECT_LE(curve[i].row, curve[i - 1].row + 1) << curve[i].column;
         const double distance = (curve[i].column - left) / width * 6;

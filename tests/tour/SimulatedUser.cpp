@@ -22,8 +22,7 @@ struct SimulatedUser::Connection {
 
 namespace {
 
-/// An operator is slower than a program: events come one after the other, so that the window can answer
-/// between them.
+/// An operator is slower than a program: pauses let the window respond between events.
 void Pause() {
     std::this_thread::sleep_for(std::chrono::milliseconds(15));
 }

@@ -5,12 +5,11 @@
 #include <memory>
 #include <string>
 
-/// The operator: moves the pointer and presses buttons and keys through the display server, as a mouse
-/// and a keyboard would. It has a connection of its own to the display and is used from the tour's thread
-/// only.
+/// The operator: moves the pointer and presses buttons and keys through the display server, like a mouse
+/// and a keyboard. It has its own connection to the display and is used only from the tour's thread.
 class SimulatedUser {
   public:
-    /// @throws std::runtime_error when the display cannot be reached or cannot imitate input
+    /// @throws std::runtime_error when the display cannot be opened or cannot simulate input
     SimulatedUser();
     ~SimulatedUser();
 

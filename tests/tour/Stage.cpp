@@ -54,7 +54,7 @@ void Stage::Expect(bool condition, const std::string& what) {
 }
 
 void Stage::Picture(const std::string& name) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(150)); // the screen catches up with the last event
+    std::this_thread::sleep_for(std::chrono::milliseconds(150)); // until the screen shows the last event
     const int number = ++pictureCount;
     const std::string file =
         pictures + (number < 10 ? "/0" : "/") + std::to_string(number) + "-" + name + ".png";
@@ -86,7 +86,7 @@ void Stage::Choose(const char* comboBox, const QString& item) {
     });
     Expect(!place.isNull(), std::string(comboBox) + " offers " + item.toStdString());
     user.Click(place);
-    // An operation may leave the list at once for a dialog; the list itself is gone either way.
+    // An operation may open a dialog directly; the list is closed in any case.
     WaitUntil([&] { return !box->view()->isVisible(); }, std::string(comboBox) + " closes its list");
 }
 

@@ -23,7 +23,7 @@ void Begin(const std::string& scenario) {
     std::fflush(stdout);
 }
 
-/// Whether a file, read by other code than the editor's, holds the paths that stand on the canvas.
+/// Whether a file, read independently of the editor's code, has the paths of the canvas.
 bool FileHolds(const std::string& path, const std::vector<TrackPath>& canvas) {
     const std::vector<independent::Segment> stored = independent::ReadBinary(FileContent(path)).segments;
     std::size_t next = 0;
@@ -183,7 +183,7 @@ void Tour::Load(const QString& name) {
 }
 
 void Tour::DrawAPath() {
-    // A loaded track's paths count as open until they are closed one by one.
+    // The paths of a loaded track are open until each is closed.
     Say("close what is open, then draw a path of four points");
     const std::size_t before = stage.PathsOnCanvas().size();
     for (std::size_t closed = 0; closed < before; ++closed)
