@@ -64,9 +64,9 @@ void Listener::Accept() {
 }
 
 void Listener::Accepted(Socket socket) {
-    boost::system::error_code gone;
-    const address peer = socket.remote_endpoint(gone).address();
-    if (gone)
+    boost::system::error_code disconnected;
+    const address peer = socket.remote_endpoint(disconnected).address();
+    if (disconnected)
         return;
     JoinEnded();
     if (MakePlace(peer))

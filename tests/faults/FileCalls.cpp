@@ -102,11 +102,11 @@ struct Call {
     std::array<long, 6> arguments;
 };
 
-constexpr std::size_t kLongestPath = 4096;
+constexpr std::size_t kMaxPath = 4096;
 
 FileCallReport* report = nullptr;
 std::span<const Kind> kinds;
-std::array<char, kLongestPath> root{};
+std::array<char, kMaxPath> root{};
 
 long Pass(const Call& call) {
     const auto& a = call.arguments;
@@ -115,7 +115,7 @@ long Pass(const Call& call) {
 
 /// The path of a descriptor or of the working folder.
 struct Place {
-    std::array<char, kLongestPath> path{};
+    std::array<char, kMaxPath> path{};
 
     explicit Place(int descriptor) {
         std::array<char, 40> link{};
@@ -124,7 +124,7 @@ struct Place {
         else
             Number(link.data(), descriptor);
         const long size = PassedFileCall(SYS_readlink, reinterpret_cast<long>(link.data()),
-                                         reinterpret_cast<long>(path.data()), kLongestPath - 1, 0, 0, 0);
+                                         reinterpret_cast<long>(path.data()), kMaxPath - 1, 0, 0, 0);
         path[static_cast<std::size_t>(std::max(size, 0L))] = '\0';
     }
 
@@ -388,7 +388,7 @@ FileCallReport* MapReport(const char* path) {
 }
 
 bool WatchFileCalls(const char* path, FileCallReport* shared) {
-    if (std::strlen(path) >= kLongestPath)
+    if (std::strlen(path) >= kMaxPath)
         return false;
     std::strcpy(root.data(), path);
     report = shared;

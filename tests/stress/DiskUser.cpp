@@ -25,8 +25,8 @@ void DiskUser::makeFiles() {
     WriteFile("broken.osbak", "no archive");
     WriteFile("A.trk", randomTrackFile());
     WriteFile("external.trk", randomTrackFile());
-    const std::string whole = independent::BinaryFile(randomTrack());
-    WriteFile("cut.trk", whole.substr(0, whole.size() - 7));
+    const std::string complete = independent::BinaryFile(randomTrack());
+    WriteFile("cut.trk", complete.substr(0, complete.size() - 7));
     WriteFile("empty.trk", "");
     namesForDialogs = {"A.trk", "external.trk", "cut.trk", "empty.trk", "missing.trk", ""};
     for (const char* name : {"A.trk", "external.trk", "cut.trk", "empty.trk", "broken.osbak"})

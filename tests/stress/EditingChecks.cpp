@@ -39,7 +39,7 @@ void CheckPath(const TrackPath& path, bool rulerShown) {
         ASSERT_EQ(list->size(), points);
         for (const int value : *list) {
             ASSERT_GE(value, 0);
-            ASSERT_LE(value, kLargestTyped);
+            ASSERT_LE(value, kMaxTyped);
         }
     }
     for (const int method : path.methods)

@@ -8,7 +8,7 @@
 // Invariants that hold after any user input. Each check fails the running test with a description.
 
 /// The largest number that a field accepts while typing: five digits.
-constexpr int kLargestTyped = 99999;
+constexpr int kMaxTyped = 99999;
 
 /// Indexes are in range, the lists of a path are as long as its points, all numbers are finite.
 void CheckEditing(const QMaskWidget& canvas, bool rulerShown);

@@ -11,8 +11,8 @@
 
 RawHttp::RawHttp(std::uint16_t port, const std::string& from)
     : connection(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    const timeval patience{30, 0};
-    setsockopt(connection, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof(patience));
+    const timeval timeOut{30, 0};
+    setsockopt(connection, SOL_SOCKET, SO_RCVTIMEO, &timeOut, sizeof(timeOut));
     sockaddr_in server{};
     server.sin_family = AF_INET;
     server.sin_port = htons(port);

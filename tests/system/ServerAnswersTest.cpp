@@ -100,7 +100,7 @@ TEST_F(ServerAnswers, reportsAnUnacceptableNameBeforeTheArchiveBegins) {
 TEST_F(ServerAnswers, archivesTimesThatExceedTheHeaderField) {
     EXPECT_TRUE(Shell("touch -d @8589935592 'station one/vdk/settings.json'")); // 8^11 + 1000
     if (!Shell("test $(stat -c %Y 'station one/vdk/settings.json') = 8589935592"))
-        GTEST_SKIP() << "the file system has no room for it either";
+        GTEST_SKIP() << "the file system cannot store it either";
     const OstraServerProcess server(Served());
     EXPECT_EQ(ServedTree(server), original);
     EXPECT_TRUE(Shell("test $(stat -c %Y got/in/vdk/settings.json) = 8589935592"));

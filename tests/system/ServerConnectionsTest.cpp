@@ -89,7 +89,7 @@ TEST_F(ServerConnections, servesOthersDespiteIncompleteHeads) {
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(StatusFrom(server, "127.0.0.3"), 200U);
     EXPECT_EQ(Until(200, [&] { return StatusFrom(server, "127.0.0.2"); }), 200U)
-        << "once the half heads have gone";
+        << "once the incomplete heads have timed out";
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
 }
 

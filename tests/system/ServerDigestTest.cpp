@@ -21,7 +21,7 @@ class ServerDigest : public ServerTest {
     const OstraServerProcess server{Served()};
     const std::string body = RestoreBody(Backup(changed));
     const std::string digest = "Content-Digest: " + ContentDigest(independent::SlowCrc32c(body)) + "\r\n";
-    const std::string wish = "Want-Content-Digest: crc32c=1\r\n";
+    const std::string wanted = "Want-Content-Digest: crc32c=1\r\n";
 };
 
 TEST_F(ServerDigest, acceptsARequestWithTheRightDigest) {
@@ -55,10 +55,10 @@ TEST_F(ServerDigest, requiresEveryDigestToMatch) {
 }
 
 TEST_F(ServerDigest, requiresADigestFromAClientThatAsksForOne) {
-    EXPECT_EQ(RestoreWith(wish, body), 400U);
-    EXPECT_EQ(RestoreWith(wish + "Content-Digest: sha-256=:AA==:\r\n", body), 400U);
+    EXPECT_EQ(RestoreWith(wanted, body), 400U);
+    EXPECT_EQ(RestoreWith(wanted + "Content-Digest: sha-256=:AA==:\r\n", body), 400U);
     EXPECT_EQ(TreeOf(Served()), original);
-    EXPECT_EQ(RestoreWith(wish + digest, body), 200U);
+    EXPECT_EQ(RestoreWith(wanted + digest, body), 200U);
 }
 
 TEST_F(ServerDigest, sendsALengthWithoutDigestUnlessAsked) {
@@ -69,7 +69,7 @@ TEST_F(ServerDigest, sendsALengthWithoutDigestUnlessAsked) {
 
 TEST_F(ServerDigest, sendsTheDigestAfterTheChunks) {
     RawHttp connection(server.ControlPort());
-    connection.Send("GET /replay/playback HTTP/1.1\r\nHost: 127.0.0.1\r\n" + wish + "\r\n");
+    connection.Send("GET /replay/playback HTTP/1.1\r\nHost: 127.0.0.1\r\n" + wanted + "\r\n");
     const RawHttp::Reply reply = connection.Read();
     EXPECT_NE(reply.head.find("Transfer-Encoding: chunked\r\n"), std::string::npos);
     EXPECT_NE(reply.head.find("Trailer: Content-Digest\r\n"), std::string::npos);
@@ -81,7 +81,7 @@ TEST_F(ServerDigest, sendsTheDigestAfterTheChunks) {
 TEST_F(ServerDigest, servesFurtherRequestsAfterTheDigest) {
     RawHttp connection(server.ControlPort());
     for (int request = 0; request < 3; ++request) {
-        connection.Send("GET /replay/playback HTTP/1.1\r\nHost: 127.0.0.1\r\n" + wish + "\r\n");
+        connection.Send("GET /replay/playback HTTP/1.1\r\nHost: 127.0.0.1\r\n" + wanted + "\r\n");
         const RawHttp::Reply reply = connection.Read();
         EXPECT_NE(reply.body.find("Content-Digest: "), std::string::npos);
         EXPECT_NE(reply.head.find("Connection: keep-alive\r\n"), std::string::npos);
@@ -90,7 +90,7 @@ TEST_F(ServerDigest, servesFurtherRequestsAfterTheDigest) {
 
 TEST_F(ServerDigest, sendsNoChunksToAnHttp10Client) {
     RawHttp connection(server.ControlPort());
-    connection.Send("GET /replay/playback HTTP/1.0\r\n" + wish + "\r\n");
+    connection.Send("GET /replay/playback HTTP/1.0\r\n" + wanted + "\r\n");
     const RawHttp::Reply reply = connection.Read();
     EXPECT_EQ(reply.status, 200U);
     EXPECT_TRUE(reply.IsComplete());

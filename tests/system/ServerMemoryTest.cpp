@@ -43,7 +43,7 @@ class ServerMemory : public ServerTest {
 TEST_F(ServerMemory, boundsTheMemoryOfEverythingButTheBody) {
     if (!kMemoryTells)
         GTEST_SKIP() << "the sanitizer's own memory hides the program's";
-    constexpr std::uint64_t kMostGrowth = 4'000'000;
+    constexpr std::uint64_t kMaxGrowth = 4'000'000;
     const OstraServerProcess server(Served());
     EXPECT_EQ(RawHttp::Request(server.ControlPort(), "GET", "/system/info").status, 200U);
     const std::uint64_t idle = FieldOf(server, "VmRSS");
@@ -55,7 +55,7 @@ TEST_F(ServerMemory, boundsTheMemoryOfEverythingButTheBody) {
         chunks += "1;" + std::string(1000, 'x') + "\r\n \r\n";
     const auto attack = [&](const char* name, const std::string& start, const std::string& filling) {
         Attack(server, start, filling);
-        EXPECT_LE(FieldOf(server, "VmHWM"), idle + kMostGrowth) << name;
+        EXPECT_LE(FieldOf(server, "VmHWM"), idle + kMaxGrowth) << name;
     };
     attack("an endless head", head + "X: ", letters);
     attack("an endless path", "GET /", letters);

@@ -22,8 +22,8 @@ using testing::HasSubstr;
 class Asker {
   public:
     explicit Asker(std::uint16_t port) : file(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
-        const timeval patience{30, 0};
-        setsockopt(file, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof(patience));
+        const timeval timeOut{30, 0};
+        setsockopt(file, SOL_SOCKET, SO_RCVTIMEO, &timeOut, sizeof(timeOut));
         sockaddr_in server{};
         server.sin_family = AF_INET;
         server.sin_port = htons(port);
@@ -166,15 +166,15 @@ TEST_F(ServerProcess, sendsNoReplyOnACutFaultOfZeroBytes) {
 }
 
 TEST_F(ServerProcess, changesOnlyBytesOfTheBodyOnADamageFault) {
-    const RawHttp::Reply whole = Archive(OstraServerProcess(Served()));
+    const RawHttp::Reply complete = Archive(OstraServerProcess(Served()));
     const RawHttp::Reply damaged = Archive(OstraServerProcess(Served(), {"--fault-damage"}));
     EXPECT_EQ(damaged.status, 200U);
-    ASSERT_EQ(damaged.body.size(), whole.body.size());
+    ASSERT_EQ(damaged.body.size(), complete.body.size());
     std::size_t different = 0;
-    for (std::size_t i = 0; i < whole.body.size(); ++i)
-        different += whole.body[i] != damaged.body[i] ? 1 : 0;
-    EXPECT_NE(whole.body.front(), damaged.body.front());
-    EXPECT_EQ(different, (whole.body.size() + 999) / 1000);
+    for (std::size_t i = 0; i < complete.body.size(); ++i)
+        different += complete.body[i] != damaged.body[i] ? 1 : 0;
+    EXPECT_NE(complete.body.front(), damaged.body.front());
+    EXPECT_EQ(different, (complete.body.size() + 999) / 1000);
 }
 
 TEST_F(ServerProcess, delaysTheReplyOnADelayFault) {

@@ -118,15 +118,15 @@ TEST_F(ServerRestore, refusesAnArchiveTruncatedAtAnyBlock) {
     MakeTree(Served(), original);
     // GNU tar fills the last record with zero blocks; the archive itself ends with two of them.
     const std::string inner = Tarred({{"vdk/ContourPath/a.trk", "cut me"}});
-    std::string whole = BackupAround(inner, "{}");
-    const std::size_t innerAt = whole.find("workspaces/Workspace.osws") + 512;
-    ASSERT_EQ(whole.compare(innerAt, inner.size(), inner), 0);
-    whole.resize(innerAt + inner.size() + 1024);
-    for (std::size_t size = 0; size + 512 <= whole.size(); size += 512) {
+    std::string complete = BackupAround(inner, "{}");
+    const std::size_t innerAt = complete.find("workspaces/Workspace.osws") + 512;
+    ASSERT_EQ(complete.compare(innerAt, inner.size(), inner), 0);
+    complete.resize(innerAt + inner.size() + 1024);
+    for (std::size_t size = 0; size + 512 <= complete.size(); size += 512) {
         SCOPED_TRACE(size);
-        ExpectRefused(server, whole.substr(0, size));
+        ExpectRefused(server, complete.substr(0, size));
     }
-    EXPECT_EQ(Restore(server, whole).status, 200U);
+    EXPECT_EQ(Restore(server, complete).status, 200U);
 }
 
 TEST_F(ServerRestore, refusesAnInnerArchiveTruncatedAtAnyBlock) {
@@ -248,9 +248,9 @@ TEST_F(ServerRestore, refusesWhatIsNotABackup) {
 TEST_F(ServerRestore, limitsInfoJsonTo64KiB) {
     const OstraServerProcess server(Served());
     const std::string notes = R"({"replay": true})";
-    const std::size_t room = std::size_t{64} * 1024 - notes.size();
-    ExpectRefused(server, Backup(changed, notes + std::string(room + 1, ' ')));
-    EXPECT_EQ(Restore(server, Backup(changed, notes + std::string(room, ' '))).status, 200U);
+    const std::size_t space = std::size_t{64} * 1024 - notes.size();
+    ExpectRefused(server, Backup(changed, notes + std::string(space + 1, ' ')));
+    EXPECT_EQ(Restore(server, Backup(changed, notes + std::string(space, ' '))).status, 200U);
     EXPECT_EQ(RawHttp::Request(server.ControlPort(), "GET", kReplayPath).body, R"({"enabled":true})");
 }
 

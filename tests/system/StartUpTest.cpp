@@ -168,9 +168,9 @@ TEST_F(StartUp, reportsAnUnwritableLogOnStandardError) {
     ::mkdir("Corvane.log", 0700);
     ::testing::internal::CaptureStderr();
     const int result = start();
-    const std::string told = ::testing::internal::GetCapturedStderr();
+    const std::string printed = ::testing::internal::GetCapturedStderr();
     EXPECT_EQ(result, -1);
-    EXPECT_THAT(told,
+    EXPECT_THAT(printed,
                 ::testing::ContainsRegex(
                     "[0-9][0-9]:[0-9][0-9]:[0-9][0-9].0[0-9][0-9] ERROR: Failed to open the log file.\n"));
     EXPECT_EQ(fakeLibraries::apiStarts, 0);

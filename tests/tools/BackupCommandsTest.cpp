@@ -157,11 +157,11 @@ TEST_F(BackupCommands, verifyReportsErrorsOfTracksWithTheirPlace) {
 }
 
 TEST_F(BackupCommands, verifyFindsEveryTruncationAndDamagedHeader) {
-    const std::string whole = FileContent("a.osbak");
-    for (std::size_t size = 0; size + 1024 < whole.size(); size += 512)
-        EXPECT_FALSE(ProblemsOf(whole.substr(0, size)).empty()) << size;
+    const std::string complete = FileContent("a.osbak");
+    for (std::size_t size = 0; size + 1024 < complete.size(); size += 512)
+        EXPECT_FALSE(ProblemsOf(complete.substr(0, size)).empty()) << size;
     for (const std::size_t header : {std::size_t{0}, std::size_t{1024}, std::size_t{2048}}) {
-        std::string damaged = whole;
+        std::string damaged = complete;
         damaged[header + 148] = 'x'; // the checksum
         EXPECT_FALSE(ProblemsOf(damaged).empty()) << header;
     }
@@ -281,9 +281,9 @@ TEST_F(BackupCommands, replaceRefusesATrackThatTheEditorCannotOpen) {
 
 TEST_F(BackupCommands, replaceLeavesADamagedBackupUnchanged) {
     WriteFile("new.trk", Track());
-    const std::string whole = FileContent("a.osbak");
+    const std::string complete = FileContent("a.osbak");
     for (const std::string& content :
-         {whole.substr(0, whole.size() - 1024), whole.substr(0, 3000),
+         {complete.substr(0, complete.size() - 1024), complete.substr(0, 3000),
           Backup(Workspace(TarLink("vdk/link", '2', "settings.json"))), std::string("no archive")}) {
         WriteFile("b.osbak", content);
         const ToolResult result = RunTrackTool({"replace", "b.osbak", "part.trk", "new.trk"});

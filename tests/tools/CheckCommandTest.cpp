@@ -162,12 +162,12 @@ TEST_F(CheckCommand, reportsTheProblemsOfABinaryTrackWithTheirOffsets) {
                                 ": warning: Track 3 neither continues Track 0 nor starts the next: the point "
                                 "is read as one of Track 0",
                             "a.trk: good, with 1 warning"));
-    const std::string whole = BinaryFile(Sample());
-    EXPECT_THAT(LinesOf(whole + "abc"),
-                ElementsAre(at + std::to_string(whole.size()) +
+    const std::string complete = BinaryFile(Sample());
+    EXPECT_THAT(LinesOf(complete + "abc"),
+                ElementsAre(at + std::to_string(complete.size()) +
                                 ": warning: 3 bytes after the last block, which are not read",
                             "a.trk: good, with 1 warning"));
-    EXPECT_THAT(LinesOf(whole.substr(0, 50)),
+    EXPECT_THAT(LinesOf(complete.substr(0, 50)),
                 ElementsAre(at + "50: error: the file ends within the information"));
 }
 

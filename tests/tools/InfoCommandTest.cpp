@@ -99,8 +99,8 @@ TEST_F(InfoCommand, printsReadableText) {
 }
 
 TEST_F(InfoCommand, reportsATextTrackWithoutPathSection) {
-    const std::string whole = TextFile(Sample());
-    WriteFile("a.trk", whole.substr(0, whole.find("Ruler")));
+    const std::string complete = TextFile(Sample());
+    WriteFile("a.trk", complete.substr(0, complete.find("Ruler")));
     EXPECT_TRUE(InfoOf("a.trk").value(QLatin1String("paths")).isNull());
     EXPECT_THAT(RunTrackTool({"info", "a.trk"}).output, HasSubstr("no section with paths"));
 }

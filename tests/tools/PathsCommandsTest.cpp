@@ -218,8 +218,8 @@ TEST_F(PathsCommands, importRequiresATargetForATextTrack) {
 }
 
 TEST_F(PathsCommands, importAddsAMissingPathSectionToATextTrack) {
-    const std::string whole = TextFile(Sample());
-    WriteFile("blank.trk", whole.substr(0, whole.find("Ruler")));
+    const std::string complete = TextFile(Sample());
+    WriteFile("blank.trk", complete.substr(0, complete.find("Ruler")));
     RunTrackTool({"paths", "export", "binary.trk", "-o", "list.csv"});
     EXPECT_EQ(RunTrackTool({"paths", "export", "blank.trk"}).code, 3);
     EXPECT_EQ(RunTrackTool({"paths", "import", "blank.trk", "list.csv", "-o", "new.trk"}).errors, "");
@@ -301,8 +301,8 @@ TEST_F(PathsCommands, convertRefusesContentThatWouldBeLost) {
     const ToolResult lost = RunTrackTool({"convert", "high.trk", "new.trk"});
     EXPECT_EQ(lost.code, 3);
     EXPECT_THAT(lost.errors, HasSubstr("row=0 column=5"));
-    const std::string whole = TextFile(Sample());
-    WriteFile("blank.trk", whole.substr(0, whole.find("Ruler")));
+    const std::string complete = TextFile(Sample());
+    WriteFile("blank.trk", complete.substr(0, complete.find("Ruler")));
     EXPECT_EQ(RunTrackTool({"convert", "blank.trk", "new.trk"}).errors,
               "corvane-track convert: blank.trk: no section with paths\n");
     EXPECT_FALSE(std::filesystem::exists("new.trk"));

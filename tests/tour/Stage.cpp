@@ -115,7 +115,7 @@ void Stage::AnswerFileDialog(const std::string& path) {
     WaitUntil([&] { return name->hasFocus(); }, "the dialog takes the name");
     user.ControlKey("a");
     user.Type(path);
-    WaitUntil([&] { return name->text().toStdString() == path; }, "the name stands in the dialog");
+    WaitUntil([&] { return name->text().toStdString() == path; }, "the name is in the dialog");
     user.Key("Return");
     WaitUntil([] { return qobject_cast<QFileDialog*>(QApplication::activeModalWidget()) == nullptr; },
               "the file dialog closes");

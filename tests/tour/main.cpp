@@ -25,10 +25,10 @@ int Failed(const char* reason) {
 }
 
 /// Runs the tour and ends the application with its result.
-void RunTour(Stage& stage, Tour& tour, bool whole) {
+void RunTour(Stage& stage, Tour& tour, bool complete) {
     int result = 0;
     try {
-        if (whole)
+        if (complete)
             tour.Run();
         else
             tour.RunMainScenario();

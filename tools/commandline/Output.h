@@ -29,7 +29,7 @@ class TextOutput final {
     bool failed = false;
 };
 
-/// An object on a line of its own: what every command prints with --json.
+/// An object on one line: what every command prints with --json.
 std::string JsonLine(const QJsonObject& object);
 
 /// Writes a picture as a PNG file, atomically.

@@ -15,7 +15,7 @@ enum class Coordinates { Relative, World };
 /// Every number reads back bit for bit.
 std::string PathsAsCsv(const std::vector<TrackPath>& paths, const WorldTransform& world);
 
-/// Reads such a file, or the path section of a text track in a file of its own. The columns are found by
+/// Reads such a file, or the path section of a text track in a separate file. The columns are found by
 /// their names and may be in any order; the parameters and Segment may be missing.
 /// @throws Failure with ExitCode::Unreadable and the line number, for anything ambiguous or malformed
 std::vector<TrackPath> PathsFromCsv(const std::string& file, const WorldTransform& world,
