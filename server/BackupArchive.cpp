@@ -111,7 +111,7 @@ std::uint64_t BackupArchive::Measured(bStatus (BackupArchive::*write)(const bFil
         },
         Data::Counted);
     if (status != bOK)
-        throw HttpError(500, "The workspace has a name that clients do not accept.");
+        throw HttpError(500, "The workspace has a name that clients would reject.");
     return bytes;
 }
 

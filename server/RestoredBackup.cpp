@@ -92,7 +92,7 @@ void RestoredBackup::CheckUnpacked() const {
     }
     if (found.files != unpacked->files || found.folders != unpacked->folders ||
         found.bytes != unpacked->bytes)
-        throw HttpError(500, "What was unpacked has been changed since.");
+        throw HttpError(500, "The unpacked files were changed by another process.");
 }
 
 void RestoredBackup::ReadEntries(OstraSdk::ByteString& bytes) {

@@ -21,6 +21,6 @@ const Handler& Router::Find(std::string_view verb, std::string_view path) const 
             allowedVerbs += (allowedVerbs.empty() ? "" : ", ") + route.verb;
     }
     if (!allowedVerbs.empty())
-        throw HttpError(405, "This verb does not fit the path.", "Allow", allowedVerbs);
-    throw HttpError(404, "There is nothing under this path.");
+        throw HttpError(405, "This path does not allow this verb.", "Allow", allowedVerbs);
+    throw HttpError(404, "Unknown path.");
 }

@@ -122,8 +122,8 @@ void Listener::JoinEnded() {
 
 void Listener::Reject(Socket& socket) {
     static constexpr char kBusy[] = "HTTP/1.1 503 Service Unavailable\r\nContent-Type: application/json\r\n"
-                                    "Content-Length: 35\r\nConnection: close\r\n\r\n"
-                                    "{\"error\":\"Too many are connected.\"}";
+                                    "Content-Length: 33\r\nConnection: close\r\n\r\n"
+                                    "{\"error\":\"Too many connections.\"}";
     boost::system::error_code ignored; // a rejected client that has disconnected needs no answer
     socket.send(boost::asio::buffer(kBusy, sizeof(kBusy) - 1), 0, ignored);
     socket.shutdown(Socket::shutdown_send, ignored);

@@ -93,7 +93,7 @@ VeJson Request::ReadBody(const OstraSdk::ByteStringSink& takeBytes) {
 void Request::CheckContentType() const {
     const std::size_t count = Count(Field::content_type);
     if (count > 1 || (count == 0 && Verb() == "POST"))
-        throw HttpError(400, "The request does not name one content type.");
+        throw HttpError(400, "The request must name exactly one content type.");
     if (count == 1 && !HasCborBody() && !OstraSdk::IsJsonType(Value(Field::content_type)))
         throw HttpError(400, "The body is neither JSON nor CBOR.");
 }
