@@ -41,7 +41,7 @@ Figures ReadAndClear(const Arguments& arguments) {
              })}};
 }
 
-/// The formula, taken straight: black below and where nothing was measured, then seven bands, then white.
+/// A direct implementation of the formula: black below and without measurement, then seven bands, then white.
 std::uint32_t ColourByFormula(int sample, double low, double high) {
     const double v = std::floor((sample * 0.01 + 3.0 - low) * 1792 / (high - low) + 0.5);
     if (sample == -32768 || v < 0)
@@ -78,7 +78,8 @@ Figures PaintRamp(const Arguments& arguments) {
     std::mt19937 random(4);
     int height = 0;
     for (std::int16_t& sample : samples) {
-        height += static_cast<int>(random() % 401U) - 200; // rough as a measured surface, over the whole ramp
+        height += static_cast<int>(random() % 401U) -
+                  200; // rough like a measured surface, over the full colour ramp
         height = std::abs(height) > 15'000 ? 0 : height;
         sample = static_cast<std::int16_t>(height);
     }

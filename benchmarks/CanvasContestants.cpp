@@ -25,7 +25,7 @@ CanvasStage::Kind KindAt(const Arguments& arguments) {
     return arguments.at(0) == "canvas" ? CanvasStage::Kind::Canvas : CanvasStage::Kind::PlainLabel;
 }
 
-/// A stage with a surface of the side and at the scale that the arguments name.
+/// A stage with a surface of the given side at the given scale.
 std::unique_ptr<CanvasStage> StageAt(const Arguments& arguments) {
     const int side = NumberAt(arguments, 1);
     auto stage = std::make_unique<CanvasStage>(KindAt(arguments), SurfaceImage(side, side));
@@ -33,7 +33,7 @@ std::unique_ptr<CanvasStage> StageAt(const Arguments& arguments) {
     return stage;
 }
 
-/// The usual time of work that is quick enough to be done often.
+/// The median time of work that is fast enough to repeat.
 double UsualSecondsOf(const std::function<void(int)>& work) {
     std::vector<double> seconds;
     seconds.reserve(kTimes);
@@ -47,7 +47,7 @@ Figures FirstPaint(const Arguments& arguments) {
     const int percent = NumberAt(arguments, 2);
     CanvasStage stage(KindAt(arguments), SurfaceImage(side, side));
     const MemoryWatch memory;
-    stage.Zoom(percent - 5); // one step of the slider before
+    stage.Zoom(percent - 5); // one slider step earlier
     const double seconds = SecondsOf([&] { stage.Zoom(percent); });
     return {{"seconds", seconds}, {"bytes", memory.PeakBytes()}};
 }
@@ -86,7 +86,7 @@ Figures ComparePixels(const Arguments& /*arguments*/) {
     const QImage noise = NoiseImage(403, 297);
     CanvasStage canvas(CanvasStage::Kind::Canvas, noise);
     CanvasStage label(CanvasStage::Kind::PlainLabel, noise);
-    double whole = 0;
+    double full = 0;
     double upper = 0;
     double lower = 0;
     for (int percent = 5; percent <= 400; percent += 5) {
@@ -94,13 +94,13 @@ Figures ComparePixels(const Arguments& /*arguments*/) {
         label.Zoom(percent);
         const int difference = LargestDifference(PictureOf(canvas.Widget()), PictureOf(label.Widget()));
         const bool isWhole = percent == 50 || percent == 100 || percent == 200 || percent == 400;
-        double& group = isWhole ? whole : percent >= 35 ? upper : lower;
+        double& group = isWhole ? full : percent >= 35 ? upper : lower;
         group = std::max<double>(group, difference);
     }
-    return {{"whole", whole}, {"upper", upper}, {"lower", lower}};
+    return {{"whole", full}, {"upper", upper}, {"lower", lower}};
 }
 
-/// Loads seeded paths over the part of the canvas that is seen.
+/// Loads paths from a seed over the visible part of the canvas.
 void LayPaths(CanvasStage& stage, const std::string& file, int paths, int points, double step) {
     const QSizeF canvas = stage.Widget().size();
     const QSizeF seen = canvas.boundedTo(QSizeF(stage.View().size()));
@@ -120,7 +120,7 @@ Figures PaintPoints(const Arguments& arguments) {
     return {{"seconds", UsualSecondsOf([&](int) { stage.RepaintAll(); })}};
 }
 
-/// The place on the canvas of the middle point of a path that starts near the middle of what is seen.
+/// The place on the canvas of the middle point of a path that starts near the middle of the visible part.
 QPointF DraggedPlace(const CanvasStage& stage) {
     const auto& paths = stage.Canvas().paths();
     const auto& points = paths.at(paths.size() / 2).points;
@@ -133,7 +133,7 @@ class DragStage {
   public:
     explicit DragStage(const Arguments& arguments)
         : stage(CanvasStage::Kind::Canvas, SurfaceImage(kRuledMap, kRuledMap)) {
-        stage.Zoom(20); // all of the map is seen, and so every path
+        stage.Zoom(20); // all of the map is visible, and so every path
         LayPaths(stage, arguments.at(0), NumberAt(arguments, 1), NumberAt(arguments, 2), 0.01);
         stage.ShowRuler(true);
         start = DraggedPlace(stage);
@@ -162,7 +162,7 @@ Figures Drag(const Arguments& arguments) {
     return {{"seconds", UsualSecondsOf([&](int time) { stage.Step(time); })}, {"bands", bands}};
 }
 
-/// Takes back a drag and makes it again, in turns.
+/// Undoes and redoes a drag in turn.
 Figures Undo(const Arguments& arguments) {
     DragStage stage(arguments);
     stage.Step(8);
@@ -208,7 +208,7 @@ Figures LongestOperation(const Arguments& arguments) {
     return longest;
 }
 
-/// A stage whose wheel zooms as the program's window does.
+/// A stage whose wheel zooms as in the program's window.
 class WheelStage {
   public:
     explicit WheelStage(int side) : stage(CanvasStage::Kind::Canvas, SurfaceImage(side, side)) {
@@ -248,7 +248,7 @@ class WheelStage {
     ViewNavigation navigation{{stage.View(), stage.View(), stage.Canvas(), scale, [] { return false; }}};
 };
 
-/// The longest that an operator waits for a step of the wheel from 25 % up, each the median of several.
+/// The longest wait for a wheel step from 25 % up; of each step the median of several.
 Figures TurnWheel(const Arguments& arguments) {
     constexpr int kLowest = 5;
     constexpr int kHighest = 80;
@@ -259,9 +259,9 @@ Figures TurnWheel(const Arguments& arguments) {
         std::vector<double> seconds;
         for (int turn = 0; turn < kTurns; ++turn) {
             stage.Show(value - 1);
-            const double start = WallSeconds();
+            const double start = ElapsedSeconds();
             stage.Turn(1);
-            seconds.push_back(WallSeconds() - start);
+            seconds.push_back(ElapsedSeconds() - start);
         }
         slowest = std::max(slowest, Median(seconds));
     }
@@ -286,9 +286,9 @@ Figures Hover(const Arguments& arguments) {
     double longest = 0;
     for (int move = 0; move < kMoves; ++move) {
         const QPointF place(static_cast<double>(random() % 1200), static_cast<double>(random() % 800));
-        const double start = WallSeconds();
+        const double start = ElapsedSeconds();
         stage.MoveMouse(place, Qt::NoButton);
-        longest = std::max(longest, WallSeconds() - start);
+        longest = std::max(longest, ElapsedSeconds() - start);
     }
     if (bar.findChild<QLabel*>(QStringLiteral("label_height"))->text().isEmpty())
         throw std::runtime_error("no height was shown");

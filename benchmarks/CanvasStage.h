@@ -11,8 +11,8 @@
 
 class QMaskWidget;
 
-/// A view of 1200 x 800 pixels in which a canvas, or a plain label with scaled contents, stands as in the
-/// program's window, on a display that exists in memory alone.
+/// A view of 1200 x 800 pixels with a canvas, or a plain label with scaled contents, as in the program's
+/// window, on an offscreen display.
 class CanvasStage {
   public:
     enum class Kind { Canvas, PlainLabel };
@@ -27,14 +27,14 @@ class CanvasStage {
 
     void ShowRuler(bool shown);
 
-    /// Gives the widget the size of the image at a view scale and paints what is seen.
+    /// Gives the widget the size of the image at a view scale and paints the visible part.
     void Zoom(int percent);
 
-    /// Repaints part of the widget at once.
+    /// Repaints part of the widget immediately.
     void Repaint(const QRect& part) const { widget->repaint(part); }
     void RepaintAll() const { widget->repaint(); }
 
-    /// Moves the mouse there, in widget pixels, and paints what that changes.
+    /// Moves the mouse there, in widget pixels, and paints the changed part.
     void MoveMouse(const QPointF& place, Qt::MouseButtons buttons) const;
     void PressMouse(const QPointF& place) const;
 

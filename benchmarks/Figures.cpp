@@ -17,7 +17,7 @@ double ClockSeconds(clockid_t clock) {
     return SecondsOf(time);
 }
 
-/// A line of the kernel's account of this process, such as "VmRSS:", in bytes.
+/// A line of the kernel's status of this process, such as "VmRSS:", in bytes.
 double StatusBytes(const std::string& name) {
     std::ifstream status("/proc/self/status");
     std::string word;
@@ -25,7 +25,7 @@ double StatusBytes(const std::string& name) {
     while (status >> word)
         if (word == name && status >> kilobytes)
             return kilobytes * 1024.0;
-    throw std::runtime_error("the system does not tell " + name);
+    throw std::runtime_error("the system does not report " + name);
 }
 
 } // namespace
@@ -38,7 +38,7 @@ double ProcessSeconds() {
     return ClockSeconds(CLOCK_PROCESS_CPUTIME_ID);
 }
 
-double WallSeconds() {
+double ElapsedSeconds() {
     return ClockSeconds(CLOCK_MONOTONIC);
 }
 
@@ -54,7 +54,7 @@ double Median(std::vector<double> values) {
 }
 
 MemoryWatch::MemoryWatch() {
-    std::ofstream("/proc/self/clear_refs") << 5; // the peak starts anew
+    std::ofstream("/proc/self/clear_refs") << 5; // resets the peak
     before = StatusBytes("VmRSS:");
 }
 

@@ -5,38 +5,38 @@
 #include <string>
 #include <vector>
 
-/// What a contestant found out, by name: "seconds", "bytes" and the like.
+/// The results of a contestant, by name: "seconds", "bytes" and the like.
 using Figures = std::map<std::string, double>;
 
 using Arguments = std::vector<std::string>;
 
-/// One piece of work with a name. It throws what keeps it from being done.
+/// A named contestant. @throws std::exception when the work fails
 using Contestant = std::function<Figures(const Arguments&)>;
 
 using Contestants = std::map<std::string, Contestant>;
 
-/// Argument `index` as a whole number.
+/// Argument `index` as an integer.
 [[nodiscard]] int NumberAt(const Arguments& arguments, std::size_t index);
 
-/// The processor time of all threads of this process, in seconds: neighbours on the machine disturb it
-/// little. It counts what the toolkit does in threads of its own, as it does for scaling.
+/// The processor time of all threads of this process, in seconds: other load disturbs it little. It
+/// includes Qt's own threads, which it uses for scaling.
 [[nodiscard]] double ProcessSeconds();
 
-/// Seconds on the wall.
-[[nodiscard]] double WallSeconds();
+/// Wall-clock time in seconds, from an arbitrary start.
+[[nodiscard]] double ElapsedSeconds();
 
-/// The processor time that a piece of work takes.
+/// The processor time of some work, in seconds.
 [[nodiscard]] double SecondsOf(const std::function<void()>& work);
 
-/// The middle of several values.
+/// The median.
 [[nodiscard]] double Median(std::vector<double> values);
 
-/// How far the process's memory reaches beyond what it had when this was made.
+/// The memory of the process beyond that at the construction of the object.
 class MemoryWatch {
   public:
     MemoryWatch();
 
-    /// The most bytes beyond the start that were held at one time since.
+    /// The peak since then, in bytes.
     [[nodiscard]] double PeakBytes() const;
 
   private:

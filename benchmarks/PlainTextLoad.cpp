@@ -30,7 +30,7 @@ bool Holds(const Fields& fields, const char* keyword) {
     return !fields.empty() && fields[0].find(keyword) != std::string::npos;
 }
 
-// NOLINTBEGIN(cert-err34-c): the plain way asks no further
+// NOLINTBEGIN(cert-err34-c): the simple way does not check
 double Number(const std::string& field) {
     return std::atof(field.c_str());
 }

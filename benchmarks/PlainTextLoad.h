@@ -8,6 +8,6 @@
 #include <string>
 #include <vector>
 
-/// Loads a text track in the plainest way that gives the right result: getline, the tokenizer, atof,
-/// setPixel. Each operation goes through the file by itself. For well-formed files only.
+/// Loads a text track in the simplest correct way: getline, the tokenizer, atof, setPixel. Each operation
+/// reads the file separately. For well-formed files only.
 void PlainTextLoad(const std::string& path, TrackInfo& info, QImage& image, std::vector<TrackPath>& paths);

@@ -23,10 +23,10 @@ constexpr std::size_t kBlock = std::size_t{256} * 1024;
 Figures Measured(const std::function<void()>& work) {
     const MemoryWatch memory;
     const double processor = ProcessSeconds();
-    const double wall = WallSeconds();
+    const double wall = ElapsedSeconds();
     work();
     return {{"seconds", ProcessSeconds() - processor},
-            {"wall", WallSeconds() - wall},
+            {"wall", ElapsedSeconds() - wall},
             {"bytes", memory.PeakBytes()}};
 }
 
@@ -107,8 +107,8 @@ Figures SocketCopy(const Arguments& arguments) {
     return figures;
 }
 
-/// Writes to this much memory and gives it back. A virtual machine may have to ask its host for memory that
-/// was free for a while, which takes longer than all that is measured; what was freed just now is at hand.
+/// Writes to this much memory and frees it. A virtual machine may have to get memory that has been free for a
+/// while from its host, which takes longer than everything measured; memory freed just now is available.
 Figures TouchMemory(const Arguments& arguments) {
     const std::size_t size = std::stoull(arguments.at(0));
     std::vector<std::uint8_t> memory;

@@ -14,9 +14,9 @@
 
 namespace {
 
-/// When this process began, on the clock that starts with the machine, to a hundredth of a second.
+/// The start of this process since the boot, in hundredths of a second.
 double ProcessStart() {
-    constexpr int kFieldsBetween = 19; // from behind the program's name to the start time
+    constexpr int kFieldsBetween = 19; // from after the program's name to the start time
     std::ifstream file("/proc/self/stat");
     std::string text{std::istreambuf_iterator<char>(file), {}};
     std::istringstream fields(text.substr(text.rfind(')') + 2));

@@ -1,6 +1,6 @@
-"""Measures Corvane's hot roads against peers and limits, in interleaved pairs, and prints one table.
+"""Measures Corvane's performance-critical operations against peers and limits, in interleaved pairs, and prints one table.
 
-./bench starts it after building; benchmarks/README.md tells how to read what it prints.
+./bench starts it after building; benchmarks/README.md describes the output.
 """
 
 import argparse
@@ -34,7 +34,7 @@ def chosen(rows, names):
 
 
 def figure(value, unit):
-    """A figure with its unit, in three digits."""
+    """A value with its unit, in three digits."""
     if value is None:
         return ""
     for factor, prefix in ((1e9, "G"), (1e6, "M"), (1e3, "k"), (1, ""), (1e-3, "m"), (1e-6, "u")):
@@ -77,7 +77,7 @@ def run(rows, options, folder):
 
 
 def main():
-    # Ended by a signal, it removes its folder and stops its server as it does at a failure.
+    # When ended by a signal, remove the folder and stop the server, as after a failure.
     signal.signal(signal.SIGTERM, lambda *_: sys.exit("./bench: ended by a signal"))
     options = arguments()
     folder = tempfile.mkdtemp(prefix="corvane-bench-")

@@ -11,7 +11,7 @@ import typing
 
 @dataclasses.dataclass
 class Command:
-    """A program whose last line of output is JSON, or whose processor time is what counts.
+    """A program whose last line of output is JSON, or whose processor time is measured.
 
     prepare: called before each run, outside what is measured.
     figure: the name of the figure in the JSON; "process" for the program's own user and system time.
@@ -20,29 +20,29 @@ class Command:
     words: list
     figure: str = "seconds"
     prepare: typing.Optional[typing.Callable] = None
-    beside: typing.Optional[typing.Callable] = None  # processor time spent for the work by others so far
+    others: typing.Optional[typing.Callable] = None  # processor time spent on the work by other processes so far
 
     def __call__(self):
         if self.prepare:
             self.prepare()
-        spent_beside = self.beside() if self.beside else 0.0
+        spent_by_others = self.others() if self.others else 0.0
         before = resource.getrusage(resource.RUSAGE_CHILDREN)
         done = subprocess.run(self.words, check=False, capture_output=True, text=True)
         after = resource.getrusage(resource.RUSAGE_CHILDREN)
         if done.returncode != 0:
             raise SystemExit(f"./bench: {' '.join(self.words)} failed:\n{done.stdout}{done.stderr}")
-        if self.beside:
-            spent_beside = self.beside() - spent_beside
+        if self.others:
+            spent_by_others = self.others() - spent_by_others
         if self.figure == "process":
-            return after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime + spent_beside
-        return json.loads(done.stdout.strip().splitlines()[-1])[self.figure] + spent_beside
+            return after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime + spent_by_others
+        return json.loads(done.stdout.strip().splitlines()[-1])[self.figure] + spent_by_others
 
 
 @dataclasses.dataclass
 class Row:
     """One line of the table.
 
-    peer: what ours is compared with; without one, ours is judged by itself.
+    peer: the contestant that ours is compared with; without one, ours is compared with the goal.
     faster: the goal is a least speed-up (peer / ours) rather than a most ratio (ours / peer).
     work: how many times as much work ours has than the peer, for rows about growth.
     """
@@ -84,7 +84,7 @@ def ratio_of(row, ours, theirs):
 
 
 def measure(row, pairs, _folder):
-    """Runs the pairs, each in the other order than the one before, so that neither profits from the place."""
+    """Runs the pairs in alternating order, so that neither side profits from its place."""
     ours, theirs, ratios = [], [], []
     for pair in range(pairs):
         order = [("ours", row.ours), ("theirs", row.peer)]

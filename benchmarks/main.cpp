@@ -30,7 +30,7 @@ void Print(const Figures& figures) {
 
 } // namespace
 
-/// corvane-bench CONTESTANT ARGUMENT...: does the work once and prints what it took as one line of JSON.
+/// corvane-bench CONTESTANT ARGUMENT...: runs it once and prints the results as one line of JSON.
 int main(int count, char* arguments[]) {
     const Contestants contestants = AllContestants();
     const auto chosen = count > 1 ? contestants.find(arguments[1]) : contestants.end();

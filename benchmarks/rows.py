@@ -1,4 +1,4 @@
-"""The rows of the table: what is measured against what, and the goals."""
+"""The rows of the table: the contestants, and the goals."""
 
 import atexit
 import os
@@ -11,11 +11,11 @@ import time
 from contest import Command, Row
 
 MIB = 1 << 20
-GROWTH = 1.25  # what four times the work may cost beyond four times as much: caches end somewhere
+GROWTH = 1.25  # allowed factor beyond proportional growth, because of cache sizes
 
 
 class Bench:
-    """Makes commands and, the first time that they are needed, their data."""
+    """Makes commands, and their data when first needed."""
 
     def __init__(self, top, folder, quick):
         self.program = os.path.join(top, "build/release/benchmarks/corvane-bench")
@@ -36,7 +36,7 @@ class Bench:
                        stderr=subprocess.DEVNULL)
 
     def once(self, name, maker):
-        """The path of data that is made when it is first asked for."""
+        """The path of data that is made when first used."""
         if name not in self.made:
             self.made[name] = self.path(name)
             maker(self.made[name])
@@ -65,7 +65,7 @@ class Bench:
         return self.once(f"tree{small}-{large}.tar", lambda path: self.make("pack", tree, path))
 
     def ours(self, *words, figure="seconds", prepare=None, data=None):
-        """A contestant of our program; `data` is a function giving further words when it is first run."""
+        """A contestant of our program; `data` is a function that returns further words when it is first run."""
         def run():
             more = [str(word) for word in data()] if data else []
             return Command([self.program, *map(str, words), *more], figure, prepare)()
@@ -76,7 +76,7 @@ class Bench:
         return lambda: Command(words(), "process", prepare)()
 
     def cleared(self, name):
-        """A function that removes a file or folder that the work makes."""
+        """A function that removes a file or folder that the work creates."""
         def clear():
             path = self.path(name)
             if os.path.isdir(path):
@@ -86,7 +86,7 @@ class Bench:
         return clear
 
     def with_memory_at_hand(self, size, *prepare):
-        """A function that does these and then makes the machine have memory at hand: see the README."""
+        """A function that does these and then makes memory available to the machine: see the README."""
         def run():
             for each in prepare:
                 each()
@@ -95,12 +95,12 @@ class Bench:
 
 
 def in_turn(*commands):
-    """Work whose figures add up."""
+    """Work whose values are added."""
     return lambda: sum(command() for command in commands)
 
 
 def growth_rows(name, what, sizes, work, command):
-    """Two rows: each size against the one a factor of four below; `work` is how many times as much there is to do."""
+    """Two rows: each size against a quarter of it; `work` is the factor of the work."""
     return [Row(f"{name}-growth{step}", f"{what}: {large} against {small}", command(large), GROWTH, command(small),
                 "the smaller", work=work)
             for step, (small, large) in enumerate(zip(sizes, sizes[1:]), 1)]
@@ -189,7 +189,7 @@ def paint_rows(bench):
         return bench.ours(work, kind, side, percent)
 
     return [
-        *[Row(f"9-repaint-{percent}", f"the whole view repainted at {percent} %", of("repaint", "canvas", percent), 2,
+        *[Row(f"9-repaint-{percent}", f"the complete view repainted at {percent} %", of("repaint", "canvas", percent), 2,
               of("repaint", "label", percent), "the label from its cache") for percent in (50, 100, 200)],
         Row("9-move", "a mouse move with what it repaints", of("mouse-move", "canvas"), 2, of("repaint", "label"),
             "the label's repaint"),
@@ -304,13 +304,13 @@ class SensorServer:
         self.process.wait()
 
     def seconds(self):
-        """The processor time of the process so far, of threads that have ended too."""
+        """The processor time of the process so far, including threads that have ended."""
         self.start()
         clock_of_process = (~self.process.pid << 3) | 2  # as clock_getcpuclockid makes it
         return time.clock_gettime(clock_of_process)
 
     def peak_bytes(self):
-        """The most memory that the whole process had since its start, its code and libraries included."""
+        """The peak memory of the process since its start, including code and libraries."""
         with open(f"/proc/{self.process.pid}/status", encoding="ascii") as file:
             return int(re.search(r"VmHWM:\s+(\d+)", file.read()).group(1)) * 1024
 
@@ -333,12 +333,12 @@ def sensor_rows(bench):
         def run():
             server.start()
             file = bench.path("fetched.osbak") if what == "backup" else backup_file()
-            beside = server.seconds if figure == "seconds" else None
-            return Command([bench.program, what, server.port, file], figure, equal_start, beside)()
+            others = server.seconds if figure == "seconds" else None
+            return Command([bench.program, what, server.port, file], figure, equal_start, others)()
         return run
 
     def bare(what, figure="seconds"):
-        # A backup is safe on the disk when it is done, a restore need not be: the peer does the same.
+        # A backup is synced, a restore is not: the peer does the same.
         synced = ["synced"] if what == "backup" else []
 
         def run():
@@ -352,14 +352,14 @@ def sensor_rows(bench):
         return server.peak_bytes()
 
     rows = []
-    for figure, suffix, of in (("seconds", "", "processor time of both ends"), ("wall", "-wall", "time on the wall")):
+    for figure, suffix, of in (("seconds", "", "processor time of both ends"), ("wall", "-wall", "wall-clock time")):
         for what, goal in (("backup", 1.4), ("restore", 2.0)):
             against = "a bare socket copy to a file" + (", synced" if what == "backup" else "")
             rows.append(Row(f"14-{what}{suffix}", f"{what} of {megabytes} MB, {of}", exchange(what, figure), goal,
                             bare(what, figure), against))
     rows += [Row(f"14-memory-{what}", f"memory of a {what} in the editor", exchange(what, "bytes"), 1.5 * n, unit="B")
              for what in ("backup", "restore")]
-    rows.append(Row("14-memory-server", "memory of the whole server process", server_memory, 16e6, unit="B"))
+    rows.append(Row("14-memory-server", "memory of the server process", server_memory, 16e6, unit="B"))
     return rows
 
 

@@ -28,7 +28,7 @@ void CheckInstance(const VeInstance& instance) {
 // Any bytes as the datagram that answers a discovery, and as the one that asks.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const auto* const text = reinterpret_cast<const char*>(data);
-    static_cast<void>(DiscoveryResponder::IsQuestion(text, size));
+    static_cast<void>(DiscoveryResponder::IsRequest(text, size));
     const auto instance = VeInstance::FromAnswer({text, size});
     if (!instance)
         return 0;

@@ -3,7 +3,6 @@
 #include "FuzzFolder.h"
 #include "ReplyStream.h"
 #include "server/FaultPlan.h"
-#include "server/ReplayMode.h"
 #include "server/RequestLog.h"
 #include "server/Sensor.h"
 #include "server/ServerIdentity.h"

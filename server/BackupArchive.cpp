@@ -13,12 +13,12 @@ namespace {
 
 constexpr std::size_t kPiece = std::size_t{256} * 1024;
 
-/// An archive that is written to a sink.
+/// A tar archive that is written to a sink.
 class SentTar {
   public:
     explicit SentTar(const bFile::Sink& sink) {
         bFile* opened = nullptr;
-        // After a failure not even its end is written: the archive must not look complete.
+        // After a failure not even the end marker is written: the archive must not look complete.
         const auto whileGood = [this, sink](const void* bytes, std::size_t size) {
             return status == bOK ? sink(bytes, size) : status;
         };
@@ -38,7 +38,7 @@ class SentTar {
     }
     void Describe(const FileFacts& facts) { bTar_Describe(tar.get(), facts); }
     bStatus Write(std::string_view bytes) { return Do(&bTar_WriteBlock, bytes); }
-    /// Notes a failure from elsewhere.
+    /// Records a failure from elsewhere.
     void Fail(bStatus failure) { status = status == bOK ? failure : status; }
     [[nodiscard]] bool IsGood() const { return status == bOK; }
     SentTar(const SentTar&) = delete;
@@ -60,15 +60,15 @@ class SentTar {
 
     bStatus status = bOK;
     bOwned<bFile> file;
-    bOwned<bTar> tar; ///< goes before its file
+    bOwned<bTar> tar; ///< destroyed before its file
 };
 
-/// How many of the bytes that are left go into one piece.
+/// The size of the next piece.
 std::size_t PieceOf(std::int64_t left) {
     return static_cast<std::size_t>(std::min<std::uint64_t>(static_cast<std::uint64_t>(left), kPiece));
 }
 
-/// Writes the bytes of a file that has to be as it was when its facts were asked for.
+/// Writes the content of a file; fails when its size has changed since it was listed.
 void Copy(InputFile file, const FileFacts& facts, std::vector<char>& piece, SentTar& tar) {
     FileFacts now;
     if (!file.IsOpen() || !file.Ask(&now) || now.size != facts.size)
@@ -83,7 +83,7 @@ void Copy(InputFile file, const FileFacts& facts, std::vector<char>& piece, Sent
     }
 }
 
-/// Writes as many bytes as a file has.
+/// Writes placeholder bytes, as many as the file has.
 void Count(const FileFacts& facts, const std::vector<char>& piece, SentTar& tar) {
     for (std::int64_t left = facts.size; left > 0 && tar.IsGood();) {
         const auto count = PieceOf(left);
@@ -100,8 +100,8 @@ BackupArchive::BackupArchive(Workspace::Snapshot snapshot, std::string info)
     size = Measured(&BackupArchive::Write);
 }
 
-/// What an archive has before and between its files depends on their names and facts; whoever writes it
-/// knows.
+/// The size of the headers between the files depends on names and attributes, so the archive is written once
+/// to a sink that only counts.
 std::uint64_t BackupArchive::Measured(bStatus (BackupArchive::*write)(const bFile::Sink&, Data) const) const {
     std::uint64_t bytes = 0;
     const bStatus status = (this->*write)(
@@ -111,7 +111,7 @@ std::uint64_t BackupArchive::Measured(bStatus (BackupArchive::*write)(const bFil
         },
         Data::Counted);
     if (status != bOK)
-        throw HttpError(500, "The workspace has a name that clients do not accept.");
+        throw HttpError(500, "The workspace has a name that clients would reject.");
     return bytes;
 }
 

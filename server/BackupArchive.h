@@ -10,26 +10,26 @@
 #include <string>
 
 /// The backup archive of a workspace: a tar archive of "info.json" and of "workspaces/Workspace.osws", which
-/// is itself a tar archive of the workspace's files and folders. Only names and facts are held; the files are
-/// read while the archive is sent.
+/// is itself a tar archive of the workspace's files and folders. Only names and file attributes are held in
+/// memory; the files are read while the archive is sent.
 class BackupArchive final {
   public:
-    /// Looks the workspace's tree over.
-    /// @param info content of "info.json"
-    /// @throws HttpError with status 500 when a folder cannot be read, or the tree has what no client accepts
+    /// Lists the workspace's tree.
+    /// @param info the content of "info.json"
+    /// @throws HttpError with status 500 when a folder cannot be read, or a client would reject a name
     BackupArchive(Workspace::Snapshot workspace, std::string info);
 
-    /// Bytes of the whole archive, known before the first one is sent.
+    /// The archive's size in bytes, known before the first one is sent.
     [[nodiscard]] std::uint64_t Size() const { return size; }
-    /// What the workspace has beside files and folders.
+    /// Links and special files in the workspace, which the archive does not contain.
     [[nodiscard]] const LeftOut& LinksLeftOut() const { return tree.LinksLeftOut(); }
 
-    /// Gives the archive, Size() bytes, piece by piece; fewer when the sink wanted no more, or a file is no
-    /// longer as it was when the tree was looked over.
+    /// Passes the archive to the sink in pieces, Size() bytes; fewer when the sink stops, or when a file has
+    /// changed since the tree was listed.
     void Send(const ByteSink& sink) const;
 
   private:
-    /// Whether the bytes of the files are those on the disk, or only as many.
+    /// Read sends the content of the files; Counted sends placeholder bytes of the same length, to measure.
     enum class Data { Read, Counted };
 
     [[nodiscard]] bStatus Write(const bFile::Sink& sink, Data data) const;

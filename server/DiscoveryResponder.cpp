@@ -23,12 +23,12 @@ void DiscoveryResponder::Close() {
     socket.close(ignored);
 }
 
-bool DiscoveryResponder::IsQuestion(const char* bytes, std::size_t size) {
+bool DiscoveryResponder::IsRequest(const char* bytes, std::size_t size) {
     try {
-        const OstraSdk::VeJson question = OstraSdk::FromJsonText({bytes, size});
-        return question.At("ostra").Get<std::string>() == "discover" &&
-               question.At("version").Get<std::int64_t>() == 1;
-    } catch (const Ve::Exception&) { // no JSON, or something else
+        const OstraSdk::VeJson request = OstraSdk::FromJsonText({bytes, size});
+        return request.At("ostra").Get<std::string>() == "discover" &&
+               request.At("version").Get<std::int64_t>() == 1;
+    } catch (const Ve::Exception&) { // not JSON, or something else
         return false;
     }
 }
@@ -45,11 +45,11 @@ void DiscoveryResponder::Receive() {
 }
 
 void DiscoveryResponder::Answer(std::size_t size) {
-    // A datagram that fills the buffer may have been cut; no question is that long.
-    if (size == datagram.size() || !IsQuestion(datagram.data(), size))
+    // A datagram that fills the buffer may be truncated; no request is that long.
+    if (size == datagram.size() || !IsRequest(datagram.data(), size))
         return;
     const std::string answer = OstraSdk::ToJsonText(identity.Members(AddressTowards(sender)));
-    boost::system::error_code lost; // as any datagram may be; the client asks again
+    boost::system::error_code lost; // like any datagram; the client repeats its request
     socket.send_to(boost::asio::buffer(answer), sender, 0, lost);
 }
 
@@ -57,7 +57,7 @@ std::string DiscoveryResponder::AddressTowards(const udp::endpoint& client) cons
     const address_v4 bound = socket.local_endpoint().address().to_v4();
     if (!bound.is_unspecified())
         return bound.to_string();
-    // A connected datagram socket sends nothing, but the system picks its own address for it.
+    // Connecting a datagram socket sends nothing, but makes the system choose its local address.
     boost::asio::io_context own;
     udp::socket probe(own, udp::v4());
     boost::system::error_code error;

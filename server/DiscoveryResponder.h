@@ -11,17 +11,17 @@
 /// Answers the discovery datagrams of clients; anything else that arrives is ignored.
 class DiscoveryResponder final {
   public:
-    /// Starts listening. Bound to loopback, it hears loopback only; bound to any other address, it listens on
-    /// all, since a socket of one address hears no broadcasts.
-    /// @throws boost::system::system_error when the port cannot be had
+    /// Starts listening. Bound to loopback, it receives from loopback only; for any other address it listens
+    /// on all of them, since a socket bound to one address receives no broadcasts.
+    /// @throws boost::system::system_error when the port cannot be bound
     DiscoveryResponder(boost::asio::io_context& io, const boost::asio::ip::address_v4& address,
                        std::uint16_t port, const ServerIdentity& identity);
 
     [[nodiscard]] boost::asio::ip::udp::endpoint Endpoint() const { return socket.local_endpoint(); }
     void Close();
 
-    /// Whether a datagram asks servers to show themselves.
-    [[nodiscard]] static bool IsQuestion(const char* bytes, std::size_t size);
+    /// Whether a datagram is a discovery request.
+    [[nodiscard]] static bool IsRequest(const char* bytes, std::size_t size);
 
   private:
     void Receive();

@@ -15,7 +15,7 @@ std::string Now() {
     return {text.data(), std::strftime(text.data(), text.size(), "%Y%m%dT%H%M%SZ", std::gmtime(&now))};
 }
 
-/// "TIME-002" for the second one of a time.
+/// "TIME-002" for the second one with the same time.
 std::string Numbered(const std::string& time, unsigned number) {
     constexpr std::size_t kDigits = 3;
     const std::string digits = std::to_string(number);

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-/// The contents that a workspace had before its last restores: folders beside it, named by the time when each
-/// was replaced, ".NAME.ostra-kept-TIME". They are never served.
+/// The previous contents of a workspace, kept at each restore: sibling folders ".NAME.ostra-kept-TIME", where
+/// TIME is when each was replaced. They are never served.
 class KeptWorkspaces final {
   public:
     /// @param parent the folder that holds the workspace
@@ -12,11 +12,11 @@ class KeptWorkspaces final {
     KeptWorkspaces(std::string parent, std::string prefix)
         : parent(std::move(parent)), prefix(std::move(prefix)) {}
 
-    /// The times of those that there are, in UTC, the newest first.
+    /// The times of the kept contents, in UTC, newest first.
     [[nodiscard]] std::vector<std::string> Times() const;
-    /// The time for one more: now, and after all others.
+    /// The time under which to keep the next one: now, but always later than all others.
     [[nodiscard]] std::string NewTime() const;
-    /// Where the folder of a time is, or goes.
+    /// The path of the folder for a time, whether it exists or not.
     [[nodiscard]] std::string PathOf(const std::string& time) const { return parent + "/" + prefix + time; }
 
   private:

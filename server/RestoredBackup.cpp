@@ -33,22 +33,22 @@ std::string PlainName(const std::string& name) {
     return plain;
 }
 
-/// Whether the archive is to blame for a failure: its names may fit no file system.
-bool IsOfTheArchive(const std::error_code& cause) {
-    for (const std::errc ofNames :
+/// Whether the archive caused a failure: its names may not be valid in the file system.
+bool IsCausedByArchive(const std::error_code& cause) {
+    for (const std::errc nameError :
          {std::errc::no_such_file_or_directory, std::errc::not_a_directory, std::errc::file_exists,
           std::errc::filename_too_long, std::errc::illegal_byte_sequence, std::errc::invalid_argument})
-        if (cause == ofNames)
+        if (cause == nameError)
             return true;
     return !cause;
 }
 
-/// What went wrong with the inner archive, without the path of the folder it was to be unpacked into.
+/// The error of the inner archive, without the path of the folder that it was being unpacked into.
 HttpError Reported(const Ve::Exception& failure, const std::string& target) {
     std::string text = failure.what();
     for (std::size_t at = 0; (at = text.find(target, at)) != std::string::npos;)
         text.erase(at, target.size());
-    return {IsOfTheArchive(failure.Cause()) ? 422U : 500U, "workspaces/Workspace.osws: " + text};
+    return {IsCausedByArchive(failure.Cause()) ? 422U : 500U, "workspaces/Workspace.osws: " + text};
 }
 
 /// Fills the buffer unless the byte string ends before: files are written in few large pieces then.
@@ -71,7 +71,7 @@ void RestoredBackup::Unpack(OstraSdk::ByteString& bytes) {
             Refuse("The workspace has no vdk/ContourPath.");
     } catch (...) {
         failure = std::current_exception();
-        staged.reset(); // a full disk has its space again while the rest arrives
+        staged.reset(); // frees the space of a full disk while the rest of the request arrives
     }
 }
 
@@ -89,7 +89,7 @@ RestoredBackup::Replaced RestoredBackup::PutInPlace() {
     return replaced;
 }
 
-/// Whoever removes a part of what was unpacked, by mistake, must not make that the workspace.
+/// If someone has removed a part of the unpacked folder, it must not become the workspace.
 void RestoredBackup::CheckUnpacked() const {
     const WorkspaceTree tree(FolderHandle(staged->Tree(), FolderHandle::Links::Refused));
     Unpacking found;
@@ -100,7 +100,7 @@ void RestoredBackup::CheckUnpacked() const {
     }
     if (found.files != unpacked->files || found.folders != unpacked->folders ||
         found.bytes != unpacked->bytes)
-        throw HttpError(500, "What was unpacked has been changed since.");
+        throw HttpError(500, "The unpacked files were changed by another process.");
 }
 
 void RestoredBackup::ReadEntries(OstraSdk::ByteString& bytes) {
@@ -109,14 +109,14 @@ void RestoredBackup::ReadEntries(OstraSdk::ByteString& bytes) {
             *block = {buffer, ReadUpTo(bytes, buffer, capacity)};
             return bOK;
         } catch (const Ve::Exception&) {
-            // No exception may pass through the archive library; whoever reads on in the body meets it again.
+            // No exception may pass through the archive library; the next read of the body throws it again.
             return bERROR_FILE;
         }
     };
     outerFile = OpenOver(read, bytes.Left());
     bTar* tar = nullptr;
     if (bTar_Construct(&tar, outerFile.get(), bFile_READ, bAlloc_Application()) != bOK)
-        Refuse("The archive is no tar archive.");
+        Refuse("The archive is not a tar archive.");
     outer.reset(tar);
     std::array<char, bTar_NAME_SIZE> name{};
     int kind = 0;
@@ -157,7 +157,7 @@ void RestoredBackup::ReadInfo(std::int64_t size) {
     try {
         const OstraSdk::VeJson info = OstraSdk::FromJsonText(text);
         if (!info.IsObject())
-            Refuse("info.json is no object.");
+            Refuse("info.json is not an object.");
         if (info.Has("replay"))
             if (const bool* const mode = std::get_if<bool>(&info.At("replay").Content()))
                 replay = *mode;
@@ -179,7 +179,7 @@ void RestoredBackup::UnpackInner(std::int64_t size) {
     }
 }
 
-/// The next bytes of the outer archive's entry, none at its end.
+/// The next bytes of the outer archive's entry; empty at its end.
 bStatus RestoredBackup::ReadOuter(std::string_view* block) const {
     *block = {};
     const bStatus status = bTar_ReadBlock(outer.get(), block);

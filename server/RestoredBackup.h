@@ -11,30 +11,30 @@
 #include <string>
 #include <string_view>
 
-/// A backup archive that a client sends, unpacked beside the workspace in one pass while the request's body
-/// arrives: the workspace archive inside it is unpacked while the outer one is read, so that each byte is
-/// stored once. What was unpacked is removed with the object unless it was put in place.
+/// A backup archive from a client, unpacked in one pass while the request's body arrives into a folder beside
+/// the workspace. The inner workspace archive is unpacked while the outer one is read, so each byte is stored
+/// once. The unpacked folder is removed with the object unless it has become the workspace.
 class RestoredBackup final {
   public:
     explicit RestoredBackup(Workspace& workspace) : workspace(workspace) {}
 
-    /// Unpacks an archive. What is wrong with it is reported by PutInPlace: first the whole request has to be
-    /// read.
+    /// Unpacks an archive. Defects are reported later, by PutInPlace, since the request must be read to its
+    /// end first.
     void Unpack(OstraSdk::ByteString& bytes);
 
-    /// What happened to the content that was the workspace before.
+    /// What happened to the previous content of the workspace.
     struct Replaced {
-        LeftOut links; ///< what it had beside files and folders, and the new one does not have
+        LeftOut links; ///< links and special files that it had and the new one does not
         bool isKept = false;
     };
 
-    /// Puts what was unpacked in the workspace's place.
-    /// @throws HttpError with status 422 when any of the archive, on either level, is damaged, cut, unsafely
-    ///         named or linked, or no workspace; HttpError with status 500 or std::exception when the disk
-    ///         fails. The served workspace is as before then.
+    /// Makes the unpacked folder the workspace.
+    /// @throws HttpError with status 422 when the outer or the inner archive is damaged or truncated, has
+    ///        unsafe names or links, or holds no workspace; HttpError with status 500 or std::exception when
+    ///        the disk fails. The served workspace is unchanged then.
     [[nodiscard]] Replaced PutInPlace();
 
-    /// The replay mode that the archive notes.
+    /// The replay mode in the archive's "info.json"; nullopt when it has none.
     [[nodiscard]] std::optional<bool> Replay() const { return replay; }
 
   private:
@@ -48,7 +48,7 @@ class RestoredBackup final {
     Workspace& workspace;
     std::optional<StagedFolder> staged;
     bOwned<bFile> outerFile;
-    bOwned<bTar> outer; ///< goes before its file
+    bOwned<bTar> outer; ///< destroyed before its file
     std::optional<Unpacking> unpacked;
     std::optional<bool> replay;
     bool infoSeen = false;

@@ -17,34 +17,36 @@ constexpr std::array kOptions{
     OptionText{"address", "IPv4 address to listen on (127.0.0.1).", "ADDRESS"},
     OptionText{"port", "Control port, TCP (3600); 0 lets the system pick.", "PORT"},
     OptionText{"discovery-port", "Discovery port, UDP (3601); 0 lets the system pick.", "PORT"},
-    OptionText{"workspace", "Folder to serve: the one that holds vdk/ContourPath. Needed.", "FOLDER"},
+    OptionText{"workspace", "Folder to serve: the one that holds vdk/ContourPath. Required.", "FOLDER"},
     OptionText{"host-name", "A name of this server; requests to other names are refused. May be repeated.",
                "NAME"},
-    OptionText{"token-file", "File whose first line every request has to bring as a token.", "FILE"},
-    OptionText{"keep", "Contents before the last restores that are kept beside the folder (3).", "COUNT"},
-    OptionText{"list-kept", "Only lists them, the newest first.", nullptr},
-    OptionText{"put-back", "Only makes one of them the workspace again, as listed; no server may run.",
-               "TIME"},
+    OptionText{"token-file", "File whose first line is the token that every request must carry.", "FILE"},
+    OptionText{"keep", "Number of previous contents that are kept beside the folder at restores (3).",
+               "COUNT"},
+    OptionText{"list-kept", "List the kept contents, newest first, and exit.", nullptr},
+    OptionText{"put-back",
+               "Make the kept content of this TIME the workspace again and exit; no server may run.", "TIME"},
     OptionText{"serial", "Serial number given in discovery (100001).", "NUMBER"},
     OptionText{"model", "Device model given in discovery (Desk sensor).", "TEXT"},
     OptionText{"request-limit", "Largest body of a request in bytes (4294967296).", "BYTES"},
     OptionText{"connections", "Connections served at a time (32).", "COUNT"},
     OptionText{"idle-timeout", "Time for a request to begin (30000).", "MS"},
-    OptionText{"head-timeout", "Time for its head to arrive then (5000).", "MS"},
-    OptionText{"transfer-timeout", "Time for a body to arrive, and for a reply to be taken (180000).", "MS"},
+    OptionText{"head-timeout", "Time for the rest of its head to arrive (5000).", "MS"},
+    OptionText{"transfer-timeout", "Time for a body to arrive, and for a reply to be received (180000).",
+               "MS"},
     OptionText{"log", "File for the request log (standard output).", "FILE"},
     OptionText{"replay", "Replay mode at start: on or off (off).", "MODE"},
     OptionText{"restore-sets-replay", "Replay mode after every restore: on or off (as archived).", "MODE"},
-    OptionText{"fault-delay", "Fault: hold each reply back.", "MS"},
-    OptionText{"fault-cut", "Fault: close the connection after so many bytes of a reply.", "BYTES"},
-    OptionText{"fault-status", "Fault: answer with this status instead of doing what is asked.", "CODE"},
+    OptionText{"fault-delay", "Fault: delay each reply.", "MS"},
+    OptionText{"fault-cut", "Fault: close the connection after this many bytes of a reply.", "BYTES"},
+    OptionText{"fault-status", "Fault: answer with this status instead of carrying out the request.", "CODE"},
     OptionText{"fault-damage", "Fault: change bytes of the reply's body.", nullptr},
     OptionText{"fault-path", "Faults only for requests of this path.", "PATH"},
-    OptionText{"fault-skip", "Faults only after so many of these requests (0).", "COUNT"},
-    OptionText{"fault-count", "Faults for so many of these requests (all).", "COUNT"},
+    OptionText{"fault-skip", "Faults only after this many of these requests (0).", "COUNT"},
+    OptionText{"fault-count", "Faults for this many of these requests (all).", "COUNT"},
 };
 
-/// The values that were given on the command line, checked as they are read.
+/// The values on the command line, checked as they are read.
 class GivenValues final {
   public:
     explicit GivenValues(const QCommandLineParser& parser) : parser(parser) {}
@@ -65,23 +67,23 @@ class GivenValues final {
     }
 
     template<typename Number>
-    void Read(const char* name, Number& value, std::uint64_t least = 0,
-              std::uint64_t most = std::numeric_limits<Number>::max()) const {
+    void Read(const char* name, Number& value, std::uint64_t min = 0,
+              std::uint64_t max = std::numeric_limits<Number>::max()) const {
         if (Has(name))
-            value = static_cast<Number>(Whole(name, least, most));
+            value = static_cast<Number>(Integer(name, min, max));
     }
 
-    void Read(const char* name, std::chrono::milliseconds& value, std::uint64_t least) const {
+    void Read(const char* name, std::chrono::milliseconds& value, std::uint64_t min) const {
         constexpr std::uint64_t kOneDay = 86'400'000;
         if (Has(name))
-            value = std::chrono::milliseconds(Whole(name, least, kOneDay));
+            value = std::chrono::milliseconds(Integer(name, min, kOneDay));
     }
 
     template<typename Number>
-    void Read(const char* name, std::optional<Number>& value, std::uint64_t least = 0,
-              std::uint64_t most = std::numeric_limits<Number>::max()) const {
+    void Read(const char* name, std::optional<Number>& value, std::uint64_t min = 0,
+              std::uint64_t max = std::numeric_limits<Number>::max()) const {
         if (Has(name))
-            value = static_cast<Number>(Whole(name, least, most));
+            value = static_cast<Number>(Integer(name, min, max));
     }
 
     [[nodiscard]] bool Mode(const char* name) const {
@@ -92,12 +94,12 @@ class GivenValues final {
     }
 
   private:
-    [[nodiscard]] std::uint64_t Whole(const char* name, std::uint64_t least, std::uint64_t most) const {
-        bool understood = false;
-        const std::uint64_t value = parser.value(QLatin1String(name)).toULongLong(&understood);
-        if (!understood || value < least || value > most)
-            throw UsageError("--" + std::string(name) + " is a number from " + std::to_string(least) +
-                             " to " + std::to_string(most));
+    [[nodiscard]] std::uint64_t Integer(const char* name, std::uint64_t min, std::uint64_t max) const {
+        bool isValid = false;
+        const std::uint64_t value = parser.value(QLatin1String(name)).toULongLong(&isValid);
+        if (!isValid || value < min || value > max)
+            throw UsageError("--" + std::string(name) + " is a number from " + std::to_string(min) + " to " +
+                             std::to_string(max));
         return value;
     }
 
@@ -139,13 +141,13 @@ ServerOptions ReadOptions(const GivenValues& given) {
         options.restoreSetsReplay = given.Mode("restore-sets-replay");
     given.Read("put-back", options.keptTime);
     if (given.Has("list-kept") && given.Has("put-back"))
-        throw UsageError("--list-kept and --put-back exclude each other");
+        throw UsageError("--list-kept and --put-back cannot be combined");
     options.task = given.Has("list-kept")  ? ServerTask::ListKept
                    : given.Has("put-back") ? ServerTask::PutBack
                                            : ServerTask::Serve;
     ReadFaults(given, options.faults);
     if (options.workspace.empty())
-        throw UsageError("--workspace is needed");
+        throw UsageError("--workspace is required");
     return options;
 }
 

@@ -12,14 +12,14 @@
 
 #include <QStringList>
 
-/// What the command line asks for.
+/// The tasks of the program.
 enum class ServerTask {
     Serve,
-    ListKept, ///< says which earlier contents of the workspace are kept
+    ListKept, ///< lists the kept previous contents of the workspace
     PutBack,  ///< makes one of them the workspace again
 };
 
-/// What the command line asks of the server.
+/// The options on the command line.
 struct ServerOptions {
     ServerTask task = ServerTask::Serve;
     std::string keptTime; ///< for PutBack
@@ -31,29 +31,30 @@ struct ServerOptions {
     std::string model = "Desk sensor";
     std::uint64_t requestLimit = 4ULL << 30U; ///< bytes of a request's body
     unsigned connectionLimit = 32;
-    std::size_t keep = 3;                               ///< earlier contents of the workspace
-    std::vector<std::string> hostNames;                 ///< of this server, beside its addresses
-    std::string tokenFile;                              ///< empty for none
-    std::chrono::milliseconds idleTimeout{30'000};      ///< for a request to begin
-    std::chrono::milliseconds headTimeout{5'000};       ///< for its head to arrive then
-    std::chrono::milliseconds transferTimeout{180'000}; ///< for a body to arrive, and for a reply to be taken
-    std::string logFile;                                ///< empty for standard output
+    std::size_t keep = 3;                          ///< how many previous contents of the workspace
+    std::vector<std::string> hostNames;            ///< of this server, in addition to its addresses
+    std::string tokenFile;                         ///< empty for none
+    std::chrono::milliseconds idleTimeout{30'000}; ///< for a request to begin
+    std::chrono::milliseconds headTimeout{5'000};  ///< for the rest of its head to arrive
+    std::chrono::milliseconds transferTimeout{
+        180'000};        ///< for a body to arrive, and for a reply to be received
+    std::string logFile; ///< empty for standard output
     bool replay = false;
     std::optional<bool> restoreSetsReplay;
     FaultOptions faults;
 };
 
-/// A command line that cannot be followed; what() says why.
+/// An invalid command line; what() gives the reason.
 class UsageError final : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
 };
 
-/// A command line that only asks for a text (--help, --version).
+/// The text to print for --help or --version.
 struct UsageText {
     std::string text;
 };
 
-/// Reads the command line, the program's name first. Needs an application object.
+/// Parses the command line, which begins with the program's name. Needs an application object.
 /// @throws UsageError
 std::variant<ServerOptions, UsageText> ParseServerOptions(const QStringList& arguments);

@@ -14,7 +14,7 @@
 
 namespace {
 
-/// Removes a folder with all it holds. What cannot be removed stays until the next start, which tries again.
+/// Removes a folder and its content. What cannot be removed remains until the next start, which tries again.
 void RemoveTree(const std::string& path) {
     static_cast<void>(RemoveTreeAt(path));
 }
@@ -27,26 +27,26 @@ bool Rename(const std::string& from, const std::string& to) {
     return !MovePath(to, from);
 }
 
-/// Exchanges two folders by way of a third name, for file systems that cannot do it in one step.
+/// Exchanges two folders through a third name, for file systems that cannot do it in one step.
 bool ExchangeBySteps(const std::string& tree, const std::string& target, const std::string& aside) {
-    RemoveTree(aside); // what an earlier exchange could not move on
+    RemoveTree(aside); // left over if an earlier exchange failed at its last step
     if (!Rename(target, aside))
         return false;
     if (!Rename(tree, target)) {
-        Rename(aside, target); // should this fail too, the next start does it
+        Rename(aside, target); // if this fails too, the next start does it
         return false;
     }
-    Rename(aside, tree); // or the next start keeps it
+    Rename(aside, tree); // if this fails, the next start keeps it
     return true;
 }
 
-/// Which folder this is; 0 for none.
+/// The ID of the folder; 0 when it does not exist.
 std::uint64_t IdOf(const std::string& path) {
     FileFacts facts;
     return FolderHandle(path, FolderHandle::Links::Refused).Ask(".", &facts) ? 0 : facts.id;
 }
 
-/// Notes which folder the tree is before it is exchanged.
+/// Records the ID of the unpacked folder before the exchange.
 bool WriteMark(const StagedFolder& staged) {
     AtomicFile mark(staged.Mark());
     mark.Write(std::to_string(IdOf(staged.Tree())));
@@ -62,7 +62,7 @@ std::string PlaceOf(const std::string& path) {
     return real.empty() ? place : real;
 }
 
-/// 0 for none.
+/// The recorded ID; 0 when there is none.
 std::uint64_t ReadMark(const std::string& path) {
     InputFile file(path.c_str());
     std::array<char, 32> text{};
@@ -75,7 +75,7 @@ std::uint64_t ReadMark(const std::string& path) {
 
 } // namespace
 
-/// Lives as long as anyone reads from one content of the workspace.
+/// One content of the workspace; lives as long as anyone reads from it.
 class Workspace::Generation final {
   public:
     Generation() = default;
@@ -86,8 +86,8 @@ class Workspace::Generation final {
             RemoveTree(surplus);
     }
 
-    /// The content is to be removed from this path in the end.
-    void RemoveAtLast(std::string path) { surplus = std::move(path); }
+    /// Removes the content, which is at this path, when the object is destroyed.
+    void RemoveAtEnd(std::string path) { surplus = std::move(path); }
 
   private:
     std::string surplus;
@@ -120,7 +120,7 @@ void Workspace::Lock() {
     const std::error_code reason = lock->Failure();
     if (lock->Result() == FileLock::State::HeldByAnother)
         throw std::runtime_error("another ostra-server uses " + target);
-    // Where nothing can be made beside the workspace, nobody can replace it either.
+    // Where nothing can be created beside the workspace, no process can replace it either.
     if (reason && reason != std::errc::permission_denied && reason != std::errc::read_only_file_system)
         throw std::runtime_error("cannot lock " + target + ": " + reason.message());
 }
@@ -149,7 +149,8 @@ void Workspace::RecoverOld() {
         throw std::runtime_error("cannot put the workspace back from " + old);
 }
 
-/// What a restore left that was cut short. Once the folders are exchanged, it is the old workspace.
+/// Handles the folder of a restore that was interrupted. If the folders had been exchanged, it holds the old
+/// workspace, which is kept.
 void Workspace::RecoverStaged(const std::string& path) {
     const StagedFolder staged(path);
     const std::uint64_t id = ReadMark(staged.Mark());
@@ -171,26 +172,26 @@ StagedFolder Workspace::Stage() const {
     const std::string path = RandomName(Beside("new-"));
     const FolderHandle beside(parent, FolderHandle::Links::Followed);
     if (beside.MakeFolder(path.substr(parent.size() + 1), kPrivate))
-        throw std::runtime_error("No folder can be made beside the workspace.");
+        throw std::runtime_error("No folder can be created beside the workspace.");
     return StagedFolder(path);
 }
 
-/// Puts a tree in the workspace's place; the workspace is where the tree was then.
-bool Workspace::TakePlace(const std::string& tree) const {
+/// Exchanges the workspace with another tree.
+bool Workspace::ExchangeWith(const std::string& tree) const {
     const auto ownership = FileOwnership::Of(target);
     return ownership && ownership->GiveTo(tree) &&
            (!ExchangePaths(tree, target) || ExchangeBySteps(tree, target, Beside("old")));
 }
 
 bool Workspace::Replace(StagedFolder staged) {
-    Generations unused; // removing them may take a while: it happens after the lock is gone
+    Generations unused; // removing them may take a while, so that happens after the mutex is released
     const std::lock_guard guard(mutex);
-    if (!WriteMark(staged) || !TakePlace(staged.Tree()))
+    if (!WriteMark(staged) || !ExchangeWith(staged.Tree()))
         throw std::runtime_error("The workspace cannot be replaced.");
     auto before = std::exchange(current, std::make_shared<Generation>());
     const bool isKept = !Keep(staged.Tree(), before).empty();
     if (!isKept)
-        before->RemoveAtLast(staged.Release()); // someone may still read from it
+        before->RemoveAtEnd(staged.Release()); // a session may still read from it
     unused.push_back(std::move(before));
     TakeSurplus(unused);
     return isKept;
@@ -201,7 +202,7 @@ std::string Workspace::PutBack(const std::string& time) {
     const std::string tree = kept.PathOf(time);
     if (time.find('/') != std::string::npos || !IsFolder(tree))
         throw std::runtime_error("there is no kept workspace " + time);
-    if (!TakePlace(tree))
+    if (!ExchangeWith(tree))
         throw std::runtime_error("the workspace cannot be replaced");
     const std::string replaced = Keep(tree, nullptr);
     return replaced.empty() ? time : replaced;
@@ -217,12 +218,12 @@ std::string Workspace::Keep(const std::string& tree, std::shared_ptr<Generation>
     return time;
 }
 
-/// Has the oldest contents removed that are more than are to be kept.
+/// Collects the kept contents beyond `keep`, oldest last, for removal.
 void Workspace::TakeSurplus(Generations& unused) {
     const std::vector<std::string> times = kept.Times();
     for (std::size_t i = keep; i < times.size(); ++i) {
         const auto user = keptGenerations.extract(times[i]);
         unused.push_back(user ? user.mapped() : std::make_shared<Generation>());
-        unused.back()->RemoveAtLast(kept.PathOf(times[i]));
+        unused.back()->RemoveAtEnd(kept.PathOf(times[i]));
     }
 }

@@ -7,18 +7,18 @@
 #include <string>
 #include <vector>
 
-/// The files and folders of a workspace at one moment, by name and facts. No link is followed.
+/// The names and attributes of the files and folders of a workspace at one moment. No link is followed.
 class WorkspaceTree final {
   public:
     struct Item {
-        std::string name; ///< below the workspace, "/" between its parts
+        std::string name; ///< relative to the workspace, with "/" between its parts
         FileFacts facts;
     };
 
-    /// Looks a folder over. @throws HttpError with status 500 when it cannot be read or nests too deep
+    /// Lists a folder. @throws HttpError with status 500 when it cannot be read or is nested too deep
     explicit WorkspaceTree(const FolderHandle& root);
 
-    /// In each folder its files by name, then its folders by name, each followed by what it holds.
+    /// The files of each folder by name, then its folders by name, each followed by its content.
     [[nodiscard]] const std::vector<Item>& Items() const { return items; }
     [[nodiscard]] const LeftOut& LinksLeftOut() const { return leftOut; }
 

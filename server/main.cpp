@@ -2,7 +2,6 @@
 #include "basalt/SystemCalls.h"
 #include "server/DiscoveryResponder.h"
 #include "server/FaultPlan.h"
-#include "server/ReplayMode.h"
 #include "server/RequestLog.h"
 #include "server/Sensor.h"
 #include "server/ServerIdentity.h"
@@ -34,7 +33,7 @@ void Announce(const char* what, const Endpoint& endpoint) {
     std::fflush(stdout);
 }
 
-/// A server that ran out of descriptors could serve nobody.
+/// Checks at start that the descriptors suffice for all connections.
 void CheckDescriptors(unsigned connections) {
     const std::size_t needed = Listener::DescriptorsFor(connections);
     const std::size_t allowed = RaiseDescriptorLimit(needed);
@@ -44,7 +43,7 @@ void CheckDescriptors(unsigned connections) {
                                  std::to_string(allowed));
 }
 
-/// @param what runs into the port: its protocol
+/// Opens a port. @param what the protocol, for the error message
 template<typename Open>
 auto Bound(const char* what, const std::string& address, std::uint16_t port, const Open& open) {
     try {
@@ -55,8 +54,8 @@ auto Bound(const char* what, const std::string& address, std::uint16_t port, con
     }
 }
 
-/// Serves until a signal asks to stop. Nothing on the disk is changed before the workspace is locked and both
-/// ports are bound: another server may be using it.
+/// Serves until SIGINT or SIGTERM. Nothing on the disk is changed before the workspace is locked and both
+/// ports are bound, since another server may be using it.
 void Serve(const ServerOptions& options) {
     const address_v4 address = boost::asio::ip::make_address_v4(options.address);
     CheckDescriptors(options.connectionLimit);
@@ -96,17 +95,17 @@ void PutBack(const ServerOptions& options) {
     Workspace workspace(options.workspace, options.keep);
     workspace.Lock();
     const std::string replaced = workspace.PutBack(options.keptTime);
-    std::printf("put back %s; what it has replaced is kept as %s\n", options.keptTime.c_str(),
+    std::printf("put back %s; the replaced workspace is kept as %s\n", options.keptTime.c_str(),
                 replaced.c_str());
 }
 
 int Run(const QStringList& arguments) {
-    const auto wish = ParseServerOptions(arguments);
-    if (const auto* text = std::get_if<UsageText>(&wish)) {
+    const auto parsed = ParseServerOptions(arguments);
+    if (const auto* text = std::get_if<UsageText>(&parsed)) {
         std::fputs(text->text.c_str(), stdout);
         return 0;
     }
-    const auto& options = std::get<ServerOptions>(wish);
+    const auto& options = std::get<ServerOptions>(parsed);
     switch (options.task) {
     case ServerTask::Serve:
         Serve(options);
@@ -126,7 +125,7 @@ int Run(const QStringList& arguments) {
 int main(int count, char* arguments[]) {
     constexpr int kFailed = 1;
     constexpr int kMisused = 2;
-    IgnoreBrokenPipes(); // a log reader that has gone does not end the server
+    IgnoreBrokenPipes(); // the end of a process that reads the log must not end the server
     const QCoreApplication application(count, arguments);
     try {
         return Run(QCoreApplication::arguments());

@@ -1,17 +1,6 @@
 #include "log/Log.h"
 #include "tools/commandline/CommandLine.h"
-#include "tools/commands/CheckCommand.h"
-#include "tools/commands/ConvertCommand.h"
-#include "tools/commands/DiffCommand.h"
-#include "tools/commands/ExtractCommand.h"
-#include "tools/commands/InfoCommand.h"
-#include "tools/commands/ListCommand.h"
-#include "tools/commands/PathsExportCommand.h"
-#include "tools/commands/PathsImportCommand.h"
-#include "tools/commands/ProfileCommand.h"
-#include "tools/commands/RenderCommand.h"
-#include "tools/commands/ReplaceCommand.h"
-#include "tools/commands/VerifyCommand.h"
+#include "tools/commands/Commands.h"
 
 #include <QStringList>
 
@@ -37,7 +26,7 @@ Commands AllCommands() {
 } // namespace
 
 int main(int argc, char** argv) {
-    Output2FILE::Target() = nullptr; // what the converters log is reported where it matters
+    Output2FILE::Target() = nullptr; // the commands report the converters' errors themselves
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
         arguments.append(QString::fromUtf8(argv[i])); // file names are in UTF-8, as in the editor

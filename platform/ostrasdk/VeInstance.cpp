@@ -2,7 +2,6 @@
 
 #include "basalt/Exception.h"
 #include "basalt/bStatus.h"
-#include "ostrasdk/VeInstance.h"
 
 #include <limits>
 

@@ -9,14 +9,14 @@
 #include <string>
 #include <string_view>
 
-/// Takes the next bytes of a body. @return false when no more are wanted
+/// Receives the next bytes of a body. @return false to stop
 using ByteSink = std::function<bool(std::string_view bytes)>;
 
-/// What a request that succeeds is answered with.
+/// The reply to a request that succeeds.
 struct Answer {
     std::string contentType;
-    std::uint64_t size = 0;                    ///< of the body
-    std::function<void(const ByteSink&)> send; ///< gives the body; less than its size when something fails
+    std::uint64_t size = 0;                    ///< of the body, in bytes
+    std::function<void(const ByteSink&)> send; ///< passes the body on; fewer bytes than `size` on a failure
 
     static Answer Json(const OstraSdk::VeJson& value) {
         std::string text = value.IsEmpty() ? "{}" : OstraSdk::ToJsonText(value);
@@ -26,7 +26,7 @@ struct Answer {
     }
 };
 
-/// Carries out the requests of one verb and path. Used by several threads at once.
+/// Carries out the requests of one verb and path. Thread-safe.
 class Handler {
   public:
     Handler() = default;
@@ -34,13 +34,11 @@ class Handler {
     Handler& operator=(const Handler&) = delete;
     virtual ~Handler() = default;
 
-    /// The largest body that a request may have.
-    [[nodiscard]] virtual std::uint64_t BodyLimit(const Request& request) const;
-    /// Reads the body of a request, which may come now, and does what it asks.
-    /// @throws HttpError, or std::exception for a failure of the server's own
+    /// The largest body that a request may have, in bytes.
+    [[nodiscard]] virtual std::uint64_t BodyLimit(const Request& /*request*/) const {
+        return std::uint64_t{64} * 1024;
+    }
+    /// Reads the body of a request and carries the request out.
+    /// @throws HttpError, or another std::exception when the server itself fails
     [[nodiscard]] virtual Answer Handle(Request& request) const = 0;
 };
-
-/// Checks that a body names all workspaces under "contents", and has bytes under "data" if anything.
-/// @throws HttpError with status 400 otherwise
-void RequireAllWorkspaces(const OstraSdk::VeJson& body);

@@ -1,10 +1,7 @@
 #include "server/handlers/Router.h"
 
-#include "server/handlers/ArchiveHandler.h"
-#include "server/handlers/InfoHandler.h"
-#include "server/handlers/ReadReplayHandler.h"
-#include "server/handlers/RestoreHandler.h"
-#include "server/handlers/SetReplayHandler.h"
+#include "server/handlers/BackupHandlers.h"
+#include "server/handlers/SensorHandlers.h"
 #include "server/http/HttpError.h"
 
 Router::Router(const Sensor& sensor) {
@@ -24,6 +21,6 @@ const Handler& Router::Find(std::string_view verb, std::string_view path) const 
             allowedVerbs += (allowedVerbs.empty() ? "" : ", ") + route.verb;
     }
     if (!allowedVerbs.empty())
-        throw HttpError(405, "This verb does not fit the path.", "Allow", allowedVerbs);
-    throw HttpError(404, "There is nothing under this path.");
+        throw HttpError(405, "This path does not allow this verb.", "Allow", allowedVerbs);
+    throw HttpError(404, "Unknown path.");
 }

@@ -9,13 +9,13 @@
 
 struct Sensor;
 
-/// Which handler a verb and a path lead to.
+/// Finds the handler of a verb and a path.
 class Router final {
   public:
     /// @param sensor outlives this object
     explicit Router(const Sensor& sensor);
 
-    /// @throws HttpError with status 404 for an unknown path, 405 for a verb that does not fit
+    /// @throws HttpError with status 404 for an unknown path, 405 for a verb that the path does not have
     [[nodiscard]] const Handler& Find(std::string_view verb, std::string_view path) const;
 
   private:

@@ -10,14 +10,13 @@
 
 namespace {
 
-/// "name:port", "address" or "[address]:port" without the port and the brackets; as it is where it is
-/// neither.
+/// The host of "host:port", "[address]:port" or "[address]"; the unchanged text when brackets do not match.
 std::string WithoutPort(const std::string& host) {
     const std::size_t bracket = host.starts_with('[') ? host.find(']') : 0;
     if (bracket == 0)
         return host.substr(0, host.find(':'));
-    const bool isWhole = bracket + 1 == host.size() || (bracket < host.size() && host[bracket + 1] == ':');
-    return isWhole ? host.substr(1, bracket - 1) : host;
+    const bool isComplete = bracket + 1 == host.size() || (bracket < host.size() && host[bracket + 1] == ':');
+    return isComplete ? host.substr(1, bracket - 1) : host;
 }
 
 } // namespace
@@ -25,16 +24,16 @@ std::string WithoutPort(const std::string& host) {
 void AccessRules::Check(const Request& request) const {
     using Field = Request::Field;
     if (request.HasForeignCoding())
-        throw HttpError(501, "Only the transfer coding \"chunked\" is understood.");
+        throw HttpError(501, "Only the transfer coding \"chunked\" is supported.");
     const std::size_t hosts = request.Count(Field::host);
     if (hosts > 1 || (hosts == 0 && !request.IsHttp10()))
-        throw HttpError(400, "The request does not name one host.");
+        throw HttpError(400, "The request must name exactly one host.");
     if (hosts == 1 && !IsHost(request.Value(Field::host)))
-        throw HttpError(403, "This server is not known under this name; see --host-name.");
+        throw HttpError(403, "Unknown host name; see --host-name.");
     if (request.Count(Field::origin) > 0)
         throw HttpError(403, "Web pages have no access.");
     if (!token.empty() && !IsBearerOf(request.Value(Field::authorization), token))
-        throw HttpError(401, "The token is missing or another one.", "WWW-Authenticate", "Bearer");
+        throw HttpError(401, "The token is missing or wrong.", "WWW-Authenticate", "Bearer");
 }
 
 bool AccessRules::IsHost(const std::string& host) const {

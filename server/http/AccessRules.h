@@ -5,18 +5,18 @@
 #include <string>
 #include <vector>
 
-/// Who may ask: the server is meant for editors, and a web page on a machine of the network must not reach it
-/// through its visitor's browser. A page can be served under a name that is made to point at this machine;
-/// what its requests cannot hide is that name, and the origin that the browser adds.
+/// Decides which requests are accepted: those of editors, but not those of a web page that uses its visitor's
+/// browser to reach the server. Such a page may be served under a host name that resolves to this machine
+/// (DNS rebinding), but its requests carry that name, and the Origin that the browser adds.
 class AccessRules final {
   public:
-    /// @param hostNames the names under which clients may address this server, beside its addresses
-    /// @param token the secret that every request has to bring; empty for none
+    /// @param hostNames the names by which clients may address this server, in addition to its addresses
+    /// @param token the secret that every request must carry; empty for none
     AccessRules(std::vector<std::string> hostNames, std::string token)
         : hostNames(std::move(hostNames)), token(std::move(token)) {}
 
-    /// @throws HttpError: 400 without a host; 401 without the token; 403 for another host name and for a
-    ///         request of a web page; 501 for a transfer coding that is unknown
+    /// @throws HttpError: 400 without a host; 401 without the token; 403 for an unknown host name and for a
+    ///         request from a web page; 501 for an unknown transfer coding
     void Check(const Request& request) const;
 
   private:

@@ -12,7 +12,7 @@ using boost::asio::ip::address;
 
 namespace {
 
-/// Sessions that are finished have no place, but there must not be any number of them either.
+/// Finished sessions hold no place, but their number must be limited too.
 std::size_t MaxSessions(std::size_t places) {
     constexpr std::size_t kFinished = 16;
     return 2 * places + kFinished;
@@ -53,7 +53,7 @@ void Listener::Accept() {
             Accepted(std::move(socket));
             return Accept();
         }
-        // There are no descriptors left, say: whoever waits is served when there are again.
+        // For example, no descriptors are left: waiting clients are served when some are free again.
         constexpr std::chrono::milliseconds kPause(100);
         again.expires_after(kPause);
         again.async_wait([this](const boost::system::error_code& stopped) {
@@ -64,15 +64,15 @@ void Listener::Accept() {
 }
 
 void Listener::Accepted(Socket socket) {
-    boost::system::error_code gone;
-    const address peer = socket.remote_endpoint(gone).address();
-    if (gone)
+    boost::system::error_code disconnected;
+    const address peer = socket.remote_endpoint(disconnected).address();
+    if (disconnected)
         return;
     JoinEnded();
     if (MakePlace(peer))
         Start(std::move(socket), peer);
     else
-        TurnAway(socket);
+        Reject(socket);
 }
 
 bool Listener::MakePlace(const address& peer) {
@@ -87,14 +87,14 @@ bool Listener::MakePlace(const address& peer) {
         takenByPeer += HasPlace(each.session) && each.peer == peer ? 1 : 0;
     }
     if (takenByPeer >= placesOfOne)
-        return SendAwayIdle(&peer);
-    return taken < places || SendAwayIdle(nullptr);
+        return CloseIdle(&peer);
+    return taken < places || CloseIdle(nullptr);
 }
 
-/// Ends the oldest connection that waits for a request. @param peer only one from this address
-bool Listener::SendAwayIdle(const address* peer) {
+/// Closes the connection that has been idle longest. @param peer only one from this address; null for any
+bool Listener::CloseIdle(const address* peer) {
     return std::any_of(sessions.begin(), sessions.end(), [&](Running& each) {
-        return (peer == nullptr || each.peer == *peer) && each.session.SendAwayIdle();
+        return (peer == nullptr || each.peer == *peer) && each.session.CloseIdle();
     });
 }
 
@@ -107,7 +107,7 @@ void Listener::Start(Socket socket, const address& peer) {
             boost::asio::post(io, [this] { JoinEnded(); });
         });
     } catch (const std::system_error&) {
-        sessions.pop_back(); // no further thread: the connection closes, and the client may try again
+        sessions.pop_back(); // no thread available: the connection is closed, and the client may try again
     }
 }
 
@@ -120,11 +120,11 @@ void Listener::JoinEnded() {
     });
 }
 
-void Listener::TurnAway(Socket& socket) {
+void Listener::Reject(Socket& socket) {
     static constexpr char kBusy[] = "HTTP/1.1 503 Service Unavailable\r\nContent-Type: application/json\r\n"
-                                    "Content-Length: 35\r\nConnection: close\r\n\r\n"
-                                    "{\"error\":\"Too many are connected.\"}";
-    boost::system::error_code ignored; // whoever is turned away and gone already needs no answer
+                                    "Content-Length: 33\r\nConnection: close\r\n\r\n"
+                                    "{\"error\":\"Too many connections.\"}";
+    boost::system::error_code ignored; // a rejected client that has disconnected needs no answer
     socket.send(boost::asio::buffer(kBusy, sizeof(kBusy) - 1), 0, ignored);
     socket.shutdown(Socket::shutdown_send, ignored);
 }

@@ -11,20 +11,19 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
 
-/// Accepts connections and gives each a session in a thread of its own, up to a number of them. Sessions wait
-/// on slow disks and slow clients without holding up each other.
+/// Accepts connections and serves each in its own thread, up to a limit, so that sessions with slow disks or
+/// slow clients do not delay each other.
 ///
-/// One address gets half of the places at most. Where places are short, the connection that has waited
-/// longest for its next request gives way to the new one; when there is none, the new one is answered with
-/// status 503.
+/// One client address may hold half of the places at most. When no place is free, the connection that has
+/// been idle longest is closed for the new one; when none is idle, the new one is answered with status 503.
 class Listener final {
   public:
     using Socket = boost::asio::ip::tcp::socket;
 
-    /// How many descriptors a server of so many connections may need.
+    /// The number of file descriptors that a server with this connection limit may need.
     static std::size_t DescriptorsFor(unsigned connections);
 
-    /// @param io runs the accepting; sessions run beside it
+    /// @param io accepts the connections; sessions run in other threads
     Listener(boost::asio::io_context& io, boost::asio::ip::tcp::acceptor& acceptor, const Sensor& sensor,
              const Router& router);
     Listener(const Listener&) = delete;
@@ -45,15 +44,15 @@ class Listener final {
     void Accept();
     void Accepted(Socket socket);
     [[nodiscard]] bool MakePlace(const boost::asio::ip::address& peer);
-    [[nodiscard]] bool SendAwayIdle(const boost::asio::ip::address* peer);
+    [[nodiscard]] bool CloseIdle(const boost::asio::ip::address* peer);
     void Start(Socket socket, const boost::asio::ip::address& peer);
     void JoinEnded();
-    static void TurnAway(Socket& socket);
+    static void Reject(Socket& socket);
 
     boost::asio::io_context& io;
     boost::asio::ip::tcp::acceptor& acceptor;
     const Sensor& sensor;
     const Router& router;
     boost::asio::steady_timer again;
-    std::list<Running> sessions; ///< the oldest first
+    std::list<Running> sessions; ///< oldest first
 };

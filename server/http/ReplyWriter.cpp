@@ -17,15 +17,15 @@ namespace http = boost::beast::http;
 
 namespace {
 
-/// Large, since clients bound what the frames of all chunks may have together.
+/// Large, since clients limit the total size of all chunk headers.
 constexpr std::uint64_t kChunk = std::uint64_t{1024} * 1024;
 constexpr std::size_t kCollected = std::size_t{64} * 1024;
 
 } // namespace
 
-ReplyWriter::ReplyWriter(OstraSdk::TimedStream& stream, const Fault& fault, const Manner& manner,
+ReplyWriter::ReplyWriter(OstraSdk::TimedStream& stream, const Fault& fault, const Mode& mode,
                          std::function<void()> beforeLastBytes)
-    : stream(stream), fault(fault), manner(manner), beforeLastBytes(std::move(beforeLastBytes)) {
+    : stream(stream), fault(fault), mode(mode), beforeLastBytes(std::move(beforeLastBytes)) {
 }
 
 void ReplyWriter::Head(unsigned status, std::string_view contentType, std::uint64_t size,
@@ -39,13 +39,13 @@ void ReplyWriter::Head(unsigned status, std::string_view contentType, std::uint6
     head.set(http::field::content_type, std::string(contentType));
     if (refusal != nullptr && !refusal->Field().empty())
         head.set(refusal->Field(), refusal->Value());
-    if (manner.digest) {
+    if (mode.digest) {
         head.set(http::field::transfer_encoding, "chunked");
         head.set(http::field::trailer, kContentDigest);
     } else {
         head.set(http::field::content_length, std::to_string(size));
     }
-    head.set(http::field::connection, manner.keepAlive ? "keep-alive" : "close");
+    head.set(http::field::connection, mode.keepAlive ? "keep-alive" : "close");
     std::ostringstream text;
     text << head;
     Write(text.str());
@@ -53,14 +53,14 @@ void ReplyWriter::Head(unsigned status, std::string_view contentType, std::uint6
 }
 
 bool ReplyWriter::Body(std::string_view bytes) {
-    if (manner.headAlone)
+    if (mode.headOnly)
         return !failed;
-    if (manner.digest)
+    if (mode.digest)
         checksum.Take(bytes.data(), bytes.size());
     if (fault.damage)
         bytes = Damaged(bytes);
     bodyWritten += bytes.size();
-    if (manner.digest)
+    if (mode.digest)
         Frame(bytes);
     else
         Write(bytes);
@@ -87,11 +87,11 @@ void ReplyWriter::Frame(std::string_view bytes) {
 }
 
 void ReplyWriter::End() {
-    if (!manner.headAlone && bodyWritten != bodySize) {
+    if (!mode.headOnly && bodyWritten != bodySize) {
         Flush(); // a reply that is cut says that it failed
         failed = true;
     }
-    if (manner.digest && !manner.headAlone)
+    if (mode.digest && !mode.headOnly)
         Write("0\r\n" + std::string(kContentDigest) + ": " + ContentDigest(checksum.Value()) + "\r\n\r\n");
     beforeLastBytes();
     Flush();
@@ -106,7 +106,7 @@ void ReplyWriter::Error(const HttpError& refusal) {
     End();
 }
 
-/// Small pieces wait for more, large ones go out as they are. The last bytes of a reply always wait for End.
+/// Collects small pieces and sends large ones directly. The last bytes of a reply always wait for End.
 void ReplyWriter::Write(std::string_view bytes) {
     if (collected.size() + bytes.size() > kCollected)
         Flush();
@@ -131,7 +131,7 @@ void ReplyWriter::WriteNow(std::string_view bytes) {
     failed = cut || error;
 }
 
-/// Every thousandth byte of the body inverted, the first one among them.
+/// The bytes with every thousandth byte of the body inverted, beginning with the first.
 std::string_view ReplyWriter::Damaged(std::string_view bytes) {
     constexpr std::uint64_t kBetweenDamages = 1000;
     damaged.assign(bytes);

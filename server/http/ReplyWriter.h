@@ -10,38 +10,35 @@
 #include <string>
 #include <string_view>
 
-/// Writes one reply, with the fault that was asked for. A reply goes in chunks with its digest after them, or
-/// with a length.
+/// Writes one reply, with an injected fault if any: in chunks followed by its digest, or with a length.
 class ReplyWriter final {
   public:
-    /// How the connection goes on, and what the client can take.
-    struct Manner {
-        bool keepAlive = false; ///< the connection is to serve further requests
+    /// How the reply is sent.
+    struct Mode {
+        bool keepAlive = false; ///< the connection will serve further requests
         bool digest = false;    ///< in chunks, with the digest
-        bool headAlone =
-            false; ///< what answers HEAD has no body: a client would mistake it for the next reply
+        bool headOnly = false;  ///< the reply to HEAD has no body: the client would read it as the next reply
     };
 
-    /// @param beforeLastBytes called when all but the last bytes are written: once the client has those, it
-    /// may
-    ///        open its next connection
-    ReplyWriter(OstraSdk::TimedStream& stream, const Fault& fault, const Manner& manner,
+    /// @param beforeLastBytes called before the last bytes are written: once the client has them, it may open
+    ///        its next connection
+    ReplyWriter(OstraSdk::TimedStream& stream, const Fault& fault, const Mode& mode,
                 std::function<void()> beforeLastBytes);
 
-    /// Writes the head. @param bodySize bytes that Body will be given in all
+    /// Writes the head. @param bodySize the bytes that Body will be given in total
     void Head(unsigned status, std::string_view contentType, std::uint64_t bodySize,
               const HttpError* error = nullptr);
-    /// Writes bytes of the body. @return false when the connection is no longer of use
+    /// Writes bytes of the body. @return false when the connection is no longer usable
     bool Body(std::string_view bytes);
-    /// Ends the reply: a body that is not complete makes the connection useless.
+    /// Ends the reply. After an incomplete body the connection is unusable.
     void End();
 
-    /// A whole reply with an error text for people, made fit for them.
+    /// Writes a complete reply with an error text.
     void Error(const HttpError& error);
 
-    /// Whether every byte went out.
+    /// Whether every byte was sent.
     [[nodiscard]] bool IsComplete() const { return !failed; }
-    [[nodiscard]] bool KeepsAlive() const { return manner.keepAlive && !failed; }
+    [[nodiscard]] bool KeepsAlive() const { return mode.keepAlive && !failed; }
 
   private:
     void Frame(std::string_view bytes);
@@ -52,15 +49,15 @@ class ReplyWriter final {
 
     OstraSdk::TimedStream& stream;
     Fault fault;
-    Manner manner;
+    Mode mode;
     std::function<void()> beforeLastBytes;
     OstraSdk::TimedStream::Error error;
-    Crc32c checksum;       ///< of the body as it should be
-    std::string collected; ///< small pieces that go out together
+    Crc32c checksum;       ///< of the body, before a fault damages it
+    std::string collected; ///< small pieces that are sent together
     std::string damaged;
     std::uint64_t bodySize = 0;
     std::uint64_t bodyWritten = 0;
-    std::uint64_t chunkLeft = 0; ///< bytes of the current chunk that are still to come
+    std::uint64_t chunkLeft = 0; ///< bytes of the current chunk that are not written yet
     std::uint64_t written = 0;
     bool failed = false;
 };

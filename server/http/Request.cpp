@@ -58,48 +58,48 @@ void Request::BeginBody(std::uint64_t limit, std::chrono::milliseconds time) try
     throw Refusal(failure);
 }
 
-/// Says that the body may come to a client that waits for it.
+/// Sends "100 Continue" to a client that waits for it before it sends the body.
 void Request::Continue() {
     constexpr std::string_view kContinue = "HTTP/1.1 100 Continue\r\n\r\n";
     if (message.IsComplete() || !boost::beast::iequals(Value(Field::expect), "100-continue"))
         return;
-    OstraSdk::TimedStream::Error error; // shows again when the body is read
+    OstraSdk::TimedStream::Error error; // occurs again when the body is read
     boost::asio::write(stream, boost::asio::buffer(kContinue), error);
 }
 
 VeJson Request::ReadBody(const OstraSdk::ByteStringSink& takeBytes) {
-    constexpr std::size_t kMaxBeside = std::size_t{64} * 1024;
+    constexpr std::size_t kMaxOtherSize = std::size_t{64} * 1024;
     std::optional<HttpError> refusal;
     VeJson body;
     try {
         CheckContentType();
-        body = OstraSdk::ReadBody(message, Value(Field::content_type), {message.MaxBytes(), kMaxBeside},
+        body = OstraSdk::ReadBody(message, Value(Field::content_type), {message.MaxBytes(), kMaxOtherSize},
                                   takeBytes);
         if (!body.IsEmpty() && !body.IsObject())
-            refusal.emplace(400, "The body is no object.");
+            refusal.emplace(400, "The body is not an object.");
     } catch (const Ve::Exception& failure) {
         refusal.emplace(400, failure.what());
     } catch (const HttpError& failure) {
         refusal = failure;
     }
-    PassOverBody();
+    SkipBody();
     if (refusal)
         throw HttpError(*refusal);
     return body;
 }
 
-/// A command without a type could come from a form of a web page.
+/// A POST without a content type could be sent by a form on a web page.
 void Request::CheckContentType() const {
     const std::size_t count = Count(Field::content_type);
     if (count > 1 || (count == 0 && Verb() == "POST"))
-        throw HttpError(400, "The request does not name one content type.");
+        throw HttpError(400, "The request must name exactly one content type.");
     if (count == 1 && !HasCborBody() && !OstraSdk::IsJsonType(Value(Field::content_type)))
         throw HttpError(400, "The body is neither JSON nor CBOR.");
 }
 
-void Request::PassOverBody() try {
+void Request::SkipBody() try {
     message.PassOverRest();
-    // A client that asks for digests sends them, too: where its own is missing, the head was damaged.
+    // A client that asks for digests also sends them: if its own is missing, the head was damaged.
     message.CheckDigest(message.BytesRead() > 0 && WantsDigest());
 } catch (const Ve::Exception& failure) {
     throw Refusal(failure);
@@ -114,6 +114,6 @@ bool Request::KeepsAlive() const {
     return message.IsComplete() && message.KeepsAlive() && !HasForeignCoding();
 }
 
-VeJson::Bytes Request::PassOver(OstraSdk::ByteString&) {
+VeJson::Bytes Request::Skip(OstraSdk::ByteString&) {
     return {};
 }

@@ -8,8 +8,8 @@
 #include <cstdint>
 #include <string>
 
-/// One request as it arrives: first its head, then its body. What cannot be read throws HttpError with the
-/// status that fits: 400, 408 when it does not arrive in time, 413 when it is too large.
+/// One request as it arrives: first its head, then its body. Every read throws HttpError with status 400 for
+/// what is malformed, 408 for what does not arrive in time, 413 for what is too large.
 class Request final {
   public:
     using Field = OstraSdk::RequestMessage::Field;
@@ -20,38 +20,38 @@ class Request final {
     /// Reads the head. @return false when the connection ended before a request began
     [[nodiscard]] bool ReadHead();
 
-    /// As the client sent it, or "-" where it never came.
+    /// As the client sent it, or "-" when it never arrived.
     [[nodiscard]] std::string Verb() const;
-    /// As the client sent it, or "-" where it never came.
+    /// As the client sent it, or "-" when it never arrived.
     [[nodiscard]] std::string Path() const;
     [[nodiscard]] std::string Value(Field field) const { return message.Value(field); }
     [[nodiscard]] std::size_t Count(Field field) const { return message.Count(field); }
     [[nodiscard]] bool IsHttp10() const;
-    /// Whether the body comes in a coding that this server does not have.
+    /// Whether the body has a transfer coding that this server does not support.
     [[nodiscard]] bool HasForeignCoding() const { return message.HasForeignCoding(); }
     [[nodiscard]] bool HasCborBody() const;
 
-    /// Lets the body come, which may have so many bytes, within a time.
+    /// Prepares for the body. @param limit its maximum size in bytes @param time in which it must arrive
     void BeginBody(std::uint64_t limit, std::chrono::milliseconds time);
-    /// Reads the body, an object, and compares its digest; an empty body is an empty value. That its bytes
-    /// are not those that were sent is reported before what is wrong with them.
-    /// @param takeBytes gets the byte strings; without it they are passed over
-    [[nodiscard]] OstraSdk::VeJson ReadBody(const OstraSdk::ByteStringSink& takeBytes = PassOver);
-    /// Reads the body without looking at it.
-    void PassOverBody();
-    /// Bytes of the body that were read so far.
+    /// Reads the body, an object, and compares its digest; an empty body gives an empty value. A wrong digest
+    /// is reported in preference to any other error of the body.
+    /// @param takeBytes receives the byte strings; by default they are skipped
+    [[nodiscard]] OstraSdk::VeJson ReadBody(const OstraSdk::ByteStringSink& takeBytes = Skip);
+    /// Reads the body and ignores it.
+    void SkipBody();
+    /// The bytes of the body that have been read so far.
     [[nodiscard]] std::uint64_t BytesRead() const { return message.BytesRead(); }
 
-    /// Under which address the client has reached this server.
+    /// This server's address, as used by the client.
     [[nodiscard]] std::string LocalAddress() const { return stream.LocalAddress(); }
 
-    /// Whether the client asks for the digest of the reply, and can take it after a reply in chunks.
+    /// Whether the client asks for a digest of the reply, and supports it as a trailer of a chunked reply.
     [[nodiscard]] bool WantsDigest() const;
-    /// Whether another request may follow.
+    /// Whether another request may follow on the connection.
     [[nodiscard]] bool KeepsAlive() const;
 
   private:
-    static OstraSdk::VeJson::Bytes PassOver(OstraSdk::ByteString& bytes);
+    static OstraSdk::VeJson::Bytes Skip(OstraSdk::ByteString& bytes);
     void CheckContentType() const;
     void Continue();
 

@@ -19,13 +19,13 @@ void Session::Run() noexcept {
     stream.Close();
 }
 
-/// False when the session has to give way.
+/// @return false when the listener has closed the session meanwhile
 bool Session::BecomeIdle() {
     Phase answered = Phase::Answered;
     return phase.compare_exchange_strong(answered, Phase::Idle);
 }
 
-bool Session::SendAwayIdle() {
+bool Session::CloseIdle() {
     Phase idle = Phase::Idle;
     if (phase.compare_exchange_strong(idle, Phase::Finished)) {
         stream.Stop();
@@ -67,8 +67,8 @@ Answer Session::Serve(Request& request) {
     request.BeginBody(std::min(sensor.options.requestLimit, handler.BodyLimit(request)),
                       sensor.options.transferTimeout);
     if (fault.status) {
-        request.PassOverBody();
-        throw HttpError(*fault.status, "This failure was asked for.");
+        request.SkipBody();
+        throw HttpError(*fault.status, "This failure was requested.");
     }
     return handler.Handle(request);
 }

@@ -14,23 +14,24 @@
 class Session final {
   public:
     enum class Phase {
-        Idle,     ///< waits for a request to begin
+        Idle,     ///< waits for a request
         Busy,     ///< reads a request or answers it
-        Answered, ///< sends the last bytes of an answer, and is idle then
-        Finished, ///< ends once the last bytes of an answer are sent
+        Answered, ///< sends the last bytes of a reply, and then becomes idle
+        Finished, ///< ends as soon as the last bytes of a reply are sent
     };
 
     Session(const Sensor& sensor, const Router& router, OstraSdk::TimedStream::Socket socket)
         : sensor(sensor), router(router), stream(std::move(socket)) {}
 
-    /// Serves until the client leaves, a deadline passes or the session is stopped; never throws.
+    /// Serves until the client disconnects, a deadline passes or the session is stopped; never throws.
     void Run() noexcept;
 
-    /// For other threads.
+    /// May be called from other threads.
     [[nodiscard]] Phase CurrentPhase() const { return phase; }
-    /// Ends the session if it is idle, or is about to be. @return whether it was; for other threads
-    [[nodiscard]] bool SendAwayIdle();
-    /// Ends the session soon; for other threads.
+    /// Ends the session if it is idle or about to become idle. May be called from other threads.
+    /// @return whether it was
+    [[nodiscard]] bool CloseIdle();
+    /// Ends the session soon. May be called from other threads.
     void Stop() { stream.Stop(); }
 
   private:

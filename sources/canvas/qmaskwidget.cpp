@@ -2,7 +2,6 @@
 
 #include "canvas/AccessibleCanvas.h"
 #include "canvas/PathPainter.h"
-#include "canvas/qmaskwidget.h"
 
 #include <QBackingStore>
 #include <QMouseEvent>

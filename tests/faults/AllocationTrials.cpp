@@ -29,10 +29,10 @@ namespace {
 
 constexpr int kWidth = 40;
 constexpr int kHeight = 20;
-constexpr unsigned kPatience = 300; // seconds: a hang ends the process
+constexpr unsigned kTimeOut = 300; // seconds: a hang ends the process
 const std::string kTracks = "./TmpDirOsws/vdk/ContourPath/";
 const std::string kBackup = "./station.osbak";
-constexpr const char* kSaid = "/said.txt"; ///< the error output of a trial
+constexpr const char* kErrorFile = "/errors.txt"; ///< the error output of a trial
 
 const independent::Track& Original() {
     static const independent::Track track = OperatorTrack(kWidth, kHeight);
@@ -45,7 +45,7 @@ const FileTree& Tracks() {
     return tracks;
 }
 
-/// What lies half-done in a folder.
+/// The unfinished files in a folder.
 std::vector<fs::path> HiddenIn(const std::string& folder) {
     std::vector<fs::path> hidden;
     std::error_code missing;
@@ -60,17 +60,17 @@ void Require(bool holds, const char* what) {
         throw std::runtime_error(what);
 }
 
-/// How an operation has come to its end.
+/// How an operation ended.
 enum class Outcome : std::uint8_t {
     Succeeded,
-    Failed, ///< with an error or an exception of its own
-    Ended,  ///< with its process
+    Failed, ///< with an error or an exception
+    Ended,  ///< its process ended
 };
 
-/// An operation, and what has to be true after it.
-struct AllocationRoad {
-    std::function<void()> prepare;              ///< makes what has to stand before it
-    std::function<bool()> operate;              ///< whether it succeeded; its exceptions are no success
+/// An operation and its checks.
+struct AllocationScenario {
+    std::function<void()> prepare;              ///< creates the files that the operation needs
+    std::function<bool()> operate;              ///< @return whether it succeeded; an exception is a failure
     std::function<void(Outcome outcome)> check; ///< @throws std::runtime_error with what is wrong
 };
 
@@ -90,13 +90,13 @@ bool Load(const std::string& path, QMaskWidget& canvas) {
            canvas.loadPaths(QString::fromStdString(path)) == 0;
 }
 
-AllocationRoad LoadRoad(const std::string& name, QMaskWidget& canvas) {
+AllocationScenario LoadScenario(const std::string& name, QMaskWidget& canvas) {
     return {[] {}, [name, &canvas] { return Load(TrackOf(name), canvas); },
             [name, &canvas](Outcome outcome) {
                 Require(FileContent(TrackOf(name)) == Tracks().at(name), "loading has changed the file");
                 Require(outcome != Outcome::Succeeded ||
                             (canvas.paths().size() == 1 && canvas.paths()[0].points.size() == 3),
-                        "the paths that were loaded are others");
+                        "wrong paths were loaded");
             }};
 }
 
@@ -117,18 +117,18 @@ bool IsSaved(const std::string& file) {
     }
 }
 
-AllocationRoad SaveRoad(const std::string& name, QMaskWidget& canvas) {
+AllocationScenario SaveScenario(const std::string& name, QMaskWidget& canvas) {
     return {[name, &canvas] { Require(Load(TrackOf(name), canvas), "the track cannot be loaded"); },
             [name, &canvas] { return Save(TrackOf(name), canvas); },
             [name](Outcome outcome) {
                 const std::string file = FileContent(TrackOf(name));
                 Require(IsSaved(file) || (outcome != Outcome::Succeeded && file == Tracks().at(name)),
                         "the track is broken");
-                Require(outcome == Outcome::Ended || HiddenIn(".").empty(), "a stray file is left");
+                Require(outcome == Outcome::Ended || HiddenIn(".").empty(), "a temporary file remains");
             }};
 }
 
-AllocationRoad UnpackRoad() {
+AllocationScenario UnpackScenario() {
     return {[] {},
             [] {
                 static_cast<void>(UnpackBackup(kBackup));
@@ -139,15 +139,15 @@ AllocationRoad UnpackRoad() {
                 Require(FileContent(kBackup) == BackupArchive(Tracks()), "the backup has changed");
                 const FileTree unpacked = FilesIn(kTracks);
                 Require(outcome != Outcome::Succeeded || unpacked == Tracks(),
-                        "what was unpacked is not whole");
-                Require(outcome == Outcome::Ended || HiddenIn(kTracks).empty(), "a stray file is left");
+                        "the unpacked files are incomplete");
+                Require(outcome == Outcome::Ended || HiddenIn(kTracks).empty(), "a temporary file remains");
                 for (const auto& [name, content] : unpacked)
                     Require(!LooksLikeContent(name) || content == Tracks().at(name),
                             "an unpacked file is broken");
             }};
 }
 
-AllocationRoad PackRoad() {
+AllocationScenario PackScenario() {
     return {[] {
                 static_cast<void>(UnpackBackup(kBackup));
                 static_cast<void>(UnpackWorkspace());
@@ -159,77 +159,79 @@ AllocationRoad PackRoad() {
             [](Outcome outcome) {
                 Require(TracksInBackup(FileContent(kBackup)) == Tracks(), "the backup is broken");
                 Require(FilesIn(kTracks) == Tracks(), "the workspace has changed");
-                Require(outcome == Outcome::Ended || HiddenIn(".").empty(), "a stray file is left");
+                Require(outcome == Outcome::Ended || HiddenIn(".").empty(), "a temporary file remains");
             }};
 }
 
-AllocationRoad RoadOf(const std::string& name, QMaskWidget& canvas) {
+AllocationScenario ScenarioOf(const std::string& name, QMaskWidget& canvas) {
     if (name == "memory-load-text")
-        return LoadRoad("text.trk", canvas);
+        return LoadScenario("text.trk", canvas);
     if (name == "memory-load-binary")
-        return LoadRoad("binary.trk", canvas);
+        return LoadScenario("binary.trk", canvas);
     if (name == "memory-save-text")
-        return SaveRoad("text.trk", canvas);
+        return SaveScenario("text.trk", canvas);
     if (name == "memory-save-binary")
-        return SaveRoad("binary.trk", canvas);
-    return name == "memory-pack" ? PackRoad() : UnpackRoad();
+        return SaveScenario("binary.trk", canvas);
+    return name == "memory-pack" ? PackScenario() : UnpackScenario();
 }
 
-// How a trial's process ends, other than by what the operation calls.
+// Exit codes of a trial's process.
 constexpr int kPassed = 0;
 constexpr int kNoneFailed = 10; ///< there were fewer allocations
 constexpr int kWrong = 11;
 
-void Prepare(const AllocationRoad& road) {
+void Prepare(const AllocationScenario& scenario) {
     for (const auto& [file, content] : Tracks())
         WriteFile(file, content);
     WriteFile(kBackup, BackupArchive(Tracks()));
-    road.prepare();
+    scenario.prepare();
 }
 
-/// The operation with one allocation that fails, and once more without. @return kPassed or kNoneFailed
-int FailOne(const AllocationRoad& road, long failing) {
+/// Runs the operation with one failing allocation, and again without. @return kPassed or kNoneFailed
+int FailOne(const AllocationScenario& scenario, long failing) {
     Outcome outcome = Outcome::Failed;
-    Prepare(road);
+    Prepare(scenario);
     try {
         CountAllocations(failing);
-        if (road.operate())
+        if (scenario.operate())
             outcome = Outcome::Succeeded;
     } catch (const Ve::Exception&) {
     } catch (const std::bad_alloc&) { // the program would end here, with its files as they are
     }
     const bool failed = StopCountingAllocations() >= failing;
-    road.check(outcome);
-    Require(failed || outcome == Outcome::Succeeded, "it failed though every allocation succeeded");
+    scenario.check(outcome);
+    Require(failed || outcome == Outcome::Succeeded, "it failed although every allocation succeeded");
     if (!failed)
         return kNoneFailed;
-    Require(road.operate(), "it does not work the next time");
-    road.check(Outcome::Succeeded);
+    Require(scenario.operate(), "it fails when repeated");
+    scenario.check(Outcome::Succeeded);
     return kPassed;
 }
 
-/// What a process has left that ended within the operation, and the operation from a new start.
-int CheckEnded(const AllocationRoad& road) {
-    road.check(Outcome::Ended);
-    for (const fs::path& hidden : HiddenIn(".")) // they may stay, but not count against the next start
+/// Checks the files after the process ended within the operation, and runs the operation from a new start.
+int CheckEnded(const AllocationScenario& scenario) {
+    scenario.check(Outcome::Ended);
+    for (const fs::path& hidden :
+         HiddenIn(".")) // they may remain, but must not be counted after the next start
         fs::remove(hidden);
-    Prepare(road);
-    Require(road.operate(), "it does not work after the next start");
-    road.check(Outcome::Succeeded);
+    Prepare(scenario);
+    Require(scenario.operate(), "it fails after the next start");
+    scenario.check(Outcome::Succeeded);
     return kPassed;
 }
 
-using TrialWork = std::function<int(const AllocationRoad& road)>;
+using TrialWork = std::function<int(const AllocationScenario& scenario)>;
 
 [[noreturn]] void Perform(const std::string& name, const std::string& folder, const TrialWork& work) {
     int result = kWrong;
-    alarm(kPatience);
+    alarm(kTimeOut);
     try {
         fs::current_path(folder + "/work");
-        const int said = open((folder + kSaid).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-        dup2(said, STDERR_FILENO);
+        const int errors =
+            open((folder + kErrorFile).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+        dup2(errors, STDERR_FILENO);
         QMaskWidget canvas;
-        result = work(RoadOf(name, canvas));
+        result = work(ScenarioOf(name, canvas));
     } catch (const std::exception& problem) {
         std::printf("    %s\n", problem.what());
         std::fflush(stdout);
@@ -237,7 +239,7 @@ using TrialWork = std::function<int(const AllocationRoad& road)>;
     _exit(result);
 }
 
-/// @return how the process has ended, as waitpid tells it
+/// @return the wait status of the process
 int InProcess(const std::string& name, const std::string& folder, const TrialWork& work) {
     std::fflush(stdout);
     const pid_t process = fork();
@@ -248,16 +250,16 @@ int InProcess(const std::string& name, const std::string& folder, const TrialWor
     return status;
 }
 
-/// The archive library makes room for its texts in a way that knows no failure: it says one of these and
+/// The archive library has no error path for the memory of its strings: it prints one of these messages and
 /// exits.
 bool LibraryHasExited(int status, const std::string& folder) {
-    const std::string said = FileContent(folder + kSaid);
+    const std::string printed = FileContent(folder + kErrorFile);
     return WIFEXITED(status) && WEXITSTATUS(status) == 1 &&
-           (said.ends_with("Fatal Internal Error in libarchive: Out of memory\n") ||
-            said.ends_with("Fatal Internal Error in libarchive: No memory\n"));
+           (printed.ends_with("Fatal Internal Error in libarchive: Out of memory\n") ||
+            printed.ends_with("Fatal Internal Error in libarchive: No memory\n"));
 }
 
-void TellProblem(long failing, int status) {
+void PrintProblem(long failing, int status) {
     if (WIFSIGNALED(status))
         std::printf("  allocation %ld: ended by signal %d\n", failing, WTERMSIG(status));
     else
@@ -266,19 +268,21 @@ void TellProblem(long failing, int status) {
 
 } // namespace
 
-std::vector<std::string> AllocationRoads() {
+std::vector<std::string> AllocationScenarios() {
     return {"memory-load-text",   "memory-load-binary", "memory-save-text",
             "memory-save-binary", "memory-pack",        "memory-unpack"};
 }
 
 AllocationResult RunAllocations(const std::string& name, const std::string& folder, long step) {
-    constexpr long kAllTaken = 100;
-    constexpr int kMostProblems = 10;
+    constexpr long kTestedWithoutGaps = 100;
+    constexpr int kMaxProblems = 10;
     AllocationResult result;
-    for (long failing = 1; result.problems < kMostProblems; failing += failing < kAllTaken ? 1 : step) {
+    for (long failing = 1; result.problems < kMaxProblems;
+         failing += failing < kTestedWithoutGaps ? 1 : step) {
         fs::remove_all(folder + "/work");
         fs::create_directory(folder + "/work");
-        int status = InProcess(name, folder, [failing](const auto& road) { return FailOne(road, failing); });
+        int status =
+            InProcess(name, folder, [failing](const auto& scenario) { return FailOne(scenario, failing); });
         if (LibraryHasExited(status, folder)) {
             ++result.exits;
             status = InProcess(name, folder, CheckEnded);
@@ -287,7 +291,7 @@ AllocationResult RunAllocations(const std::string& name, const std::string& fold
             return result;
         ++result.failed;
         if (status != kPassed) {
-            TellProblem(failing, status);
+            PrintProblem(failing, status);
             ++result.problems;
         }
     }

@@ -4,7 +4,7 @@
 #include <cerrno>
 #include <cstddef>
 
-// What the C library's own allocation is called behind the names that a program may replace.
+// The C library's own functions, under the names that a program does not replace.
 extern "C" {
 void* __libc_malloc(std::size_t size);                    // NOLINT(bugprone-reserved-identifier)
 void* __libc_calloc(std::size_t count, std::size_t size); // NOLINT(bugprone-reserved-identifier)
@@ -17,7 +17,7 @@ std::atomic<bool> counting{false};
 std::atomic<long> count{0};
 std::atomic<long> failure{0};
 
-/// Apart, as a place for a debugger to stop at.
+/// A separate function, for a breakpoint.
 [[gnu::noinline]] bool NoMemory() {
     errno = ENOMEM;
     return true;

@@ -1,7 +1,7 @@
 #pragma once
 
-/// From now on every allocation of this process is counted, and number `failing` (from 1; 0 for none) gets no
-/// memory. Whatever allocates is meant: the C library's calls are replaced, and all others go through them.
+/// Starts counting the allocations of this process, and makes number `failing` (from 1; 0 for none) fail. The
+/// C library's functions are replaced, through which all other allocation functions go.
 void CountAllocations(long failing);
-/// Ends that. @return how many there were
+/// Stops counting. @return the number of allocations
 long StopCountingAllocations();

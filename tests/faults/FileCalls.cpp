@@ -19,7 +19,7 @@
 #include <ucontext.h>
 #include <unistd.h>
 
-// The one place from which a watched call reaches the kernel: the filter lets it pass by its address.
+// The only place from which a watched call reaches the kernel: the filter allows it by its address.
 asm(R"(
     .text
     .hidden PassedFileCall
@@ -102,20 +102,20 @@ struct Call {
     std::array<long, 6> arguments;
 };
 
-constexpr std::size_t kLongestPath = 4096;
+constexpr std::size_t kMaxPath = 4096;
 
 FileCallReport* report = nullptr;
 std::span<const Kind> kinds;
-std::array<char, kLongestPath> root{};
+std::array<char, kMaxPath> root{};
 
 long Pass(const Call& call) {
     const auto& a = call.arguments;
     return PassedFileCall(call.number, a[0], a[1], a[2], a[3], a[4], a[5]);
 }
 
-/// Where a descriptor, or the working folder, lies.
+/// The path of a descriptor or of the working folder.
 struct Place {
-    std::array<char, kLongestPath> path{};
+    std::array<char, kMaxPath> path{};
 
     explicit Place(int descriptor) {
         std::array<char, 40> link{};
@@ -124,7 +124,7 @@ struct Place {
         else
             Number(link.data(), descriptor);
         const long size = PassedFileCall(SYS_readlink, reinterpret_cast<long>(link.data()),
-                                         reinterpret_cast<long>(path.data()), kLongestPath - 1, 0, 0, 0);
+                                         reinterpret_cast<long>(path.data()), kMaxPath - 1, 0, 0, 0);
         path[static_cast<std::size_t>(std::max(size, 0L))] = '\0';
     }
 
@@ -160,7 +160,7 @@ bool OpensToChange(long flags) {
     return (flags & (O_WRONLY | O_RDWR | O_CREAT | O_TRUNC)) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
 }
 
-/// The name of what a call changes; null when it changes nothing of the operator's.
+/// The name of the file that a call changes; null when it is not one of the watched files.
 const char* Changed(const Kind& kind, const Call& call, const Place& place) {
     const auto& a = call.arguments;
     switch (kind.names) {
@@ -215,13 +215,13 @@ void Copy(const char* text, std::array<char, kRoom>& target) {
     target[size] = '\0';
 }
 
-/// A file without a name is another thing than one with.
+/// A nameless file is counted under a name of its own.
 bool OpensNameless(const Kind& kind, const Call& call) {
     return kind.names == Names::OpenPathAt && (call.arguments[2] & O_TMPFILE) == O_TMPFILE;
 }
 
 void Record(long count, const Kind& kind, const Call& made, const char* path) {
-    if (count > FileCallReport::kMostCalls)
+    if (count > FileCallReport::kMaxCalls)
         return;
     FileCall& call = report->calls[static_cast<std::size_t>(count) - 1];
     call.number = kind.number;
@@ -231,7 +231,7 @@ void Record(long count, const Kind& kind, const Call& made, const char* path) {
     Copy(slash == nullptr ? path : slash + 1, call.place);
 }
 
-/// Half of a write. @return what the kernel says; 0 when the write is too small to be halved
+/// Performs half of a write. @return the kernel's result; 0 when the write is too small to be halved
 long WriteHalf(const Call& call) {
     std::array<long, 6> a = call.arguments;
     long number = call.number;
@@ -252,7 +252,7 @@ long WriteHalf(const Call& call) {
         PassedFileCall(SYS_kill, self, SIGKILL, 0, 0, 0, 0);
 }
 
-/// A call that fails; a descriptor is closed all the same, as the kernel does it.
+/// Makes a call fail; a descriptor is closed anyway, as by the kernel.
 long Fail(const Kind& kind, const Call& call, int error) {
     if (kind.names == Names::Closed)
         Pass(call);
@@ -324,7 +324,7 @@ long Answer(const Call& call) {
     return count > report->at && report->at > 0 ? FailLater(*kind, call) : Pass(call);
 }
 
-/// Runs within the call, on whichever thread makes it: it may use nothing but the kernel and the stack.
+/// Runs in a signal handler within the call, on the calling thread: it may use only the kernel and the stack.
 void OnCall(int /*signal*/, siginfo_t* info, void* context) {
     auto& registers = static_cast<ucontext_t*>(context)->uc_mcontext.gregs;
     const Call call{info->si_syscall,
@@ -347,7 +347,7 @@ sock_filter Return(std::uint32_t action) {
     return BPF_STMT(BPF_RET | BPF_K, action);
 }
 
-/// Traps the calls of the table, but for those that come from PassedFileCall.
+/// Traps the calls of the table, except those from PassedFileCall.
 bool InstallFilter() {
     const std::size_t count = kinds.size();
     constexpr std::size_t kAddress = offsetof(seccomp_data, instruction_pointer);
@@ -388,7 +388,7 @@ FileCallReport* MapReport(const char* path) {
 }
 
 bool WatchFileCalls(const char* path, FileCallReport* shared) {
-    if (std::strlen(path) >= kLongestPath)
+    if (std::strlen(path) >= kMaxPath)
         return false;
     std::strcpy(root.data(), path);
     report = shared;

@@ -14,17 +14,17 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr unsigned kPatience = 120; // seconds for one run: a hang ends it
+constexpr unsigned kTimeOut = 120; // seconds for one run: a hang ends it
 
-/// The process of one run: what it finds goes to a file.
-[[noreturn]] void Perform(const TrialRoad& road, const Trial& trial, const std::string& folder,
+/// The process of one run; writes the problems to a file.
+[[noreturn]] void Perform(const TrialScenario& scenario, const Trial& trial, const std::string& folder,
                           bool afterKill) {
-    alarm(kPatience);
+    alarm(kTimeOut);
     fs::current_path(folder);
     Problems problems;
     FileCallReport* const report = MapReport("report");
     try {
-        problems = afterKill ? road.RunAfterKill() : road.Run(trial, *report);
+        problems = afterKill ? scenario.RunAfterKill() : scenario.Run(trial, *report);
     } catch (const std::exception& exception) {
         problems.emplace_back(exception.what());
     }
@@ -32,7 +32,7 @@ constexpr unsigned kPatience = 120; // seconds for one run: a hang ends it
     for (const std::string& problem : problems)
         result << problem << '\n';
     result.close();
-    // Nothing is taken down: a window's end, with its threads and files, is no part of the trial.
+    // Exits without destructors: closing the window is not part of the trial.
     _exit(result.good() ? 0 : 1);
 }
 
@@ -59,7 +59,7 @@ void Harness::Start(const Trial& trial) {
     Running running{trial, folder + "/" + std::to_string(++started)};
     fs::create_directory(running.folder);
     FileCallReport* const report = MapReport((running.folder + "/report").c_str());
-    road.Arrange(*report);
+    scenario.Arrange(*report);
     report->fault = trial.fault;
     report->at = trial.at;
     munmap(report, sizeof(FileCallReport));
@@ -75,7 +75,7 @@ void Harness::StartProcess(const Running& running) {
     std::fflush(stdout);
     const pid_t process = fork();
     if (process == 0)
-        Perform(road, running.trial, running.folder, running.afterKill);
+        Perform(scenario, running.trial, running.folder, running.afterKill);
     processes[process] = running;
 }
 
@@ -117,7 +117,7 @@ void Harness::Conclude(const Running& running, const Problems& problems) {
     }
     if (running.trial.at == 0 && running.trial.freePages < 0) {
         counted = report->count;
-        for (long i = 0; i < std::min(counted, FileCallReport::kMostCalls); ++i) {
+        for (long i = 0; i < std::min(counted, FileCallReport::kMaxCalls); ++i) {
             const FileCall& call = report->calls[static_cast<std::size_t>(i)];
             calls.push_back(std::string(call.name.data()) + " " + call.place.data());
         }

@@ -8,17 +8,17 @@
 
 #include <sys/types.h>
 
-/// Runs trials of one road, several at a time, each in a process and a folder of its own.
+/// Runs the trials of one scenario, several at a time, each in its own process and folder.
 class Harness {
   public:
-    Harness(const TrialRoad& road, std::string folder, int jobs)
-        : road(road), folder(std::move(folder)), jobs(jobs) {}
+    Harness(const TrialScenario& scenario, std::string folder, int jobs)
+        : scenario(scenario), folder(std::move(folder)), jobs(jobs) {}
 
-    /// A run without a fault. @return how many calls it made; 0 when it did not even succeed
+    /// Runs once without a fault. @return the number of calls; 0 when that run fails
     long CountCalls();
-    /// Starts a trial, and waits first when too many run.
+    /// Starts a trial, after waiting for a free job.
     void Start(const Trial& trial);
-    /// Waits for the trials that run.
+    /// Waits for the running trials.
     void Finish();
 
     [[nodiscard]] int Injected() const { return injected; }
@@ -38,7 +38,7 @@ class Harness {
     void Ended(const Running& running, int status);
     void Conclude(const Running& running, const Problems& problems);
 
-    const TrialRoad& road;
+    const TrialScenario& scenario;
     std::string folder;
     int jobs;
     int started = 0;

@@ -31,7 +31,7 @@ bool IsEdited(const std::string& file, const independent::Track& original) {
     } catch (const std::exception&) {
         return false;
     }
-    expected.rulers = found.rulers; // the reader has checked that they are whole
+    expected.rulers = found.rulers; // the reader has checked that they are complete
     expected.heights.clear();
     expected.columnPositions.clear();
     expected.rowPositions.clear();
@@ -57,7 +57,7 @@ FileTree TracksInWorkspace(const std::string& archive) {
     FileTree tracks;
     for (const auto& [name, content] : TarContent(archive)) {
         if (name.rfind(kTrackPlace, 0) != 0)
-            throw std::runtime_error("a stray entry: " + name);
+            throw std::runtime_error("unexpected entry: " + name);
         tracks[name.substr(kTrackPlace.size())] = content;
     }
     return tracks;
@@ -68,6 +68,13 @@ FileTree TracksInBackup(const std::string& backup) {
     if (outer.count("info.json") != 1 || outer.count(kWorkspacePlace) != 1 || outer.size() != 2)
         throw std::runtime_error("other entries than the backup's two");
     return TracksInWorkspace(outer[kWorkspacePlace]);
+}
+
+FileTree InFolder(const std::string& folder, const FileTree& files) {
+    FileTree placed;
+    for (const auto& [name, content] : files)
+        placed[folder + name] = content;
+    return placed;
 }
 
 void WriteTree(const FileTree& files) {

@@ -2,9 +2,9 @@
 
 #include <cstdlib>
 
-// Loaded into a program before its own libraries, this watches the program's file calls from its first
-// moment. CORVANE_FAULT_REPORT names the report's file, CORVANE_FAULT_ROOT the folder that counts. A program
-// that cannot be watched does not start: an unwatched run would pass for a good one.
+// Preloaded into a program, this library watches its file calls from the start. CORVANE_FAULT_REPORT is the
+// report's file, CORVANE_FAULT_ROOT the watched folder. A program that cannot be watched does not start,
+// since an unwatched run would always pass.
 namespace {
 
 struct Start {

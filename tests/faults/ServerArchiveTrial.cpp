@@ -11,14 +11,14 @@
 
 namespace {
 
-const std::string kFetched = "fetched.osbak"; // what the editor's client makes of the reply
+const std::string kFetched = "fetched.osbak"; // the backup that the editor's client writes
 
-/// More than one piece of what the server reads at a time, and no whole number of them.
+/// Larger than one read of the server, and not a multiple of it.
 FileTree Tracks() {
     return {{"a.trk", std::string(600'000, 'a')}, {"b.trk", "small"}, {"empty.trk", ""}};
 }
 
-/// What a client has got: an archive, or the reason why there is none.
+/// The result of a client: an archive, or the reason why there is none.
 struct Outcome {
     std::optional<std::string> archive;
     std::string failure;
@@ -32,30 +32,30 @@ Outcome FetchAsEditor(const OstraServerProcess& server) {
         client.Backup(kFetched);
         return {FileContent(kFetched), ""};
     } catch (const Ve::Exception& failure) {
-        return {std::nullopt, std::filesystem::exists(kFetched) ? "a file is left" : failure.what()};
+        return {std::nullopt, std::filesystem::exists(kFetched) ? "a file remains" : failure.what()};
     }
 }
 
-/// The head of the reply is that of a map with one binary member, whose length has eight bytes.
+/// The reply begins with a CBOR map header, the key "data" and a byte string header with an 8-byte length.
 Outcome FetchPlainly(const OstraServerProcess& server) {
-    constexpr std::size_t kHead = 15;
+    constexpr std::size_t kPrefix = 15;
     const RawHttp::Reply reply = RawHttp::Request(server.ControlPort(), "POST", "/system/commands/archive",
                                                   R"({"contents": ["allWorkspaces"]})");
-    if (reply.status == 200 && reply.Whole())
-        return {reply.body.substr(std::min(kHead, reply.body.size())), ""};
+    if (reply.status == 200 && reply.IsComplete())
+        return {reply.body.substr(std::min(kPrefix, reply.body.size())), ""};
     if (reply.status == 200)
         return {std::nullopt, "cut"};
-    return {std::nullopt, reply.Whole() ? std::to_string(reply.status) + reply.body : "no answer"};
+    return {std::nullopt, reply.IsComplete() ? std::to_string(reply.status) + reply.body : "no answer"};
 }
 
-/// Whether a client was told of a failure in the way that is promised.
-bool IsTold(const Outcome& outcome) {
+/// Whether the failure was reported to the client as documented.
+bool IsReported(const Outcome& outcome) {
     return outcome.failure == "Failed to call the Backup request." || outcome.failure == "cut" ||
            outcome.failure == R"(500{"error":"The workspace cannot be read."})" ||
            outcome.failure == R"(500{"error":"The workspace cannot be opened."})";
 }
 
-bool IsWhole(const std::string& archive) {
+bool IsComplete(const std::string& archive) {
     try {
         return TracksInBackup(archive) == Tracks();
     } catch (const std::exception&) {
@@ -64,8 +64,8 @@ bool IsWhole(const std::string& archive) {
 }
 
 void CheckArchive(Problems& problems, const Outcome& outcome, const std::string& when) {
-    if (outcome.archive && !IsWhole(*outcome.archive))
-        problems.push_back(when + "the archive looks whole and is not");
+    if (outcome.archive && !IsComplete(*outcome.archive))
+        problems.push_back(when + "the archive looks complete but is not");
     if (FilesIn(kServedTracks) != Tracks())
         problems.push_back(when + "the workspace has changed");
 }
@@ -74,7 +74,7 @@ void CheckArchive(Problems& problems, const Outcome& outcome, const std::string&
 
 Problems ServerArchiveTrial::Run(const Trial& trial, FileCallReport& report) const {
     const TrialDisk disk(std::filesystem::absolute(kServerFolder), trial);
-    WriteFolder(kServedTracks, Tracks());
+    WriteTree(InFolder(kServedTracks, Tracks()));
     const OstraServerProcess server = StartWatched(preload);
     const auto fetch = plain ? FetchPlainly : FetchAsEditor;
 
@@ -83,7 +83,7 @@ Problems ServerArchiveTrial::Run(const Trial& trial, FileCallReport& report) con
     report.armed = false;
 
     Problems problems;
-    JudgeAnswer(problems, report, {outcome.archive.has_value(), IsTold(outcome)});
+    JudgeAnswer(problems, report, {outcome.archive.has_value(), IsReported(outcome)});
     CheckArchive(problems, outcome, "");
     const Outcome next = fetch(server);
     if (!next.archive)
@@ -93,5 +93,5 @@ Problems ServerArchiveTrial::Run(const Trial& trial, FileCallReport& report) con
 }
 
 Problems ServerArchiveTrial::RunAfterKill() const {
-    return {"nothing is killed while it only reads"};
+    return {"a scenario that only reads is never killed"};
 }

@@ -19,7 +19,7 @@ FileTree New() {
     return {{"a.trk", std::string(90'000, 'n')}, {"c.trk", "new"}, {"d.trk", ""}};
 }
 
-/// What the operator keeps beside the workspace.
+/// Other files of the operator in the same folder as the workspace.
 FileTree Neighbours() {
     return {{"station.osbak", "mine"}, {"mine.trk", "mine too"}};
 }
@@ -31,7 +31,7 @@ std::string BigEndian(std::uint32_t value) {
     return bytes;
 }
 
-/// @return the reply's status; 0 when the server has gone
+/// @return the reply's status; 0 when the server has ended
 unsigned Restore(const OstraServerProcess& server, std::string& text) {
     const std::string archive = BackupArchive(New());
     const std::string body = "\xa2\x68"
@@ -42,11 +42,11 @@ unsigned Restore(const OstraServerProcess& server, std::string& text) {
     const RawHttp::Reply reply =
         RawHttp::Request(server.ControlPort(), "POST", "/system/commands/restore", body, "application/cbor");
     text = reply.body;
-    return reply.Whole() ? reply.status : 0;
+    return reply.IsComplete() ? reply.status : 0;
 }
 
-/// What a server leaves beside the workspace on purpose: its lock, and earlier contents.
-bool IsMeantToStay(const std::string& name) {
+/// The files that a server keeps beside the workspace on purpose: its lock, and previous contents.
+bool IsKeptOnPurpose(const std::string& name) {
     return name.ends_with(".ostra-lock") || name.find(".ostra-kept-") != std::string::npos;
 }
 
@@ -54,16 +54,16 @@ void Check(Problems& problems, const std::string& when, bool finished) {
     const FileTree tracks = FilesIn(kServedTracks);
     if (tracks != New() && (finished || tracks != Old()))
         problems.push_back(when + "the workspace is neither the old nor the new one");
-    FileTree beside = FilesIn(kServerFolder);
-    std::erase_if(beside, [](const auto& file) { return IsMeantToStay(file.first); });
-    if (beside != Neighbours())
+    FileTree siblings = FilesIn(kServerFolder);
+    std::erase_if(siblings, [](const auto& file) { return IsKeptOnPurpose(file.first); });
+    if (siblings != Neighbours())
         problems.push_back(when + "something beside the workspace has changed");
 }
 
 bool HasHidden(const std::string& folder) {
     return std::any_of(fs::directory_iterator(folder), {}, [](const fs::directory_entry& entry) {
         const std::string name = entry.path().filename().string();
-        return name.front() == '.' && !IsMeantToStay(name);
+        return name.front() == '.' && !IsKeptOnPurpose(name);
     });
 }
 
@@ -77,14 +77,14 @@ void RestoreWell(Problems& problems, const OstraServerProcess& server, const std
 } // namespace
 
 void ServerTrial::Arrange(FileCallReport& report) const {
-    TrialRoad::Arrange(report);
+    TrialScenario::Arrange(report);
     report.noExchange = noExchange;
 }
 
 Problems ServerTrial::Run(const Trial& trial, FileCallReport& report) const {
     const TrialDisk disk(fs::absolute(kServerFolder), trial);
-    WriteFolder(kServedTracks, Old());
-    WriteFolder(kServerFolder + "/", Neighbours());
+    WriteTree(InFolder(kServedTracks, Old()));
+    WriteTree(InFolder(kServerFolder + "/", Neighbours()));
     OstraServerProcess server = StartWatched(preload);
 
     disk.Fill();
@@ -92,7 +92,7 @@ Problems ServerTrial::Run(const Trial& trial, FileCallReport& report) const {
     std::string text;
     const unsigned status = Restore(server, text);
     report.armed = false;
-    disk.Widen();
+    disk.Enlarge();
 
     Problems problems;
     if (trial.fault == Fault::Kill || trial.fault == Fault::TornKill) {
@@ -102,13 +102,13 @@ Problems ServerTrial::Run(const Trial& trial, FileCallReport& report) const {
         if (!noExchange || status == 200)
             Check(problems, "", status == 200);
         if (problems.empty())
-            raise(SIGKILL); // what the server has left is looked at after this process
+            raise(SIGKILL); // the harness checks the files after this process
         return problems;
     }
     const std::vector<std::string> requests = server.Requests();
     const bool logged = requests.size() == 1 && requests[0].ends_with(std::to_string(status));
     const bool shown = logged && text.find("\"error\":\"") != std::string::npos;
-    // What a restore opens and lists after the new workspace stands is the old one, to remove it.
+    // After the exchange, a restore opens and lists only the old workspace, to remove it.
     const bool removes = FallsOn(report, "getdents64") || FallsOn(report, "open to read");
     if (status != 200 || !removes)
         JudgeAnswer(problems, report, {status == 200, shown});

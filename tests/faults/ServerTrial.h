@@ -2,13 +2,13 @@
 
 #include "Trial.h"
 
-/// A restore, as the real server does it.
-class ServerTrial final : public TrialRoad {
+/// A restore by the real server.
+class ServerTrial final : public TrialScenario {
   public:
     /// @param preload the library that watches the server's calls
     /// @param noExchange on a file system that cannot exchange two folders in one step
     ServerTrial(std::string preload, bool reads, bool noExchange)
-        : TrialRoad(reads), preload(std::move(preload)), noExchange(noExchange) {}
+        : TrialScenario(reads), preload(std::move(preload)), noExchange(noExchange) {}
 
     void Arrange(FileCallReport& report) const override;
     Problems Run(const Trial& trial, FileCallReport& report) const override;

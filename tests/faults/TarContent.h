@@ -3,7 +3,7 @@
 #include <map>
 #include <string>
 
-/// The regular files in a tar archive by name, read by a reader that shares nothing with the editor's.
-/// @throws std::runtime_error for anything but a whole archive of files and directories with short names:
-/// sums of headers are checked, and two blocks of zeros must stand at the end
+/// The regular files in a tar archive by name, read independently of the editor's code.
+/// @throws std::runtime_error for anything but a complete archive of files and directories with short names:
+/// header checksums are verified, and two zero blocks must end the archive
 std::map<std::string, std::string> TarContent(const std::string& archive);

@@ -14,18 +14,19 @@
 namespace {
 
 constexpr long kPage = 4096;
-constexpr const char* kWide = "size=64m";
+constexpr const char* kLarge = "size=64m";
 
 const FileCall* CallOf(const FileCallReport& report) {
-    const bool known = report.at > 0 && report.at <= std::min<long>(report.count, FileCallReport::kMostCalls);
+    const bool known = report.at > 0 && report.at <= std::min<long>(report.count, FileCallReport::kMaxCalls);
     return known ? &report.calls[static_cast<std::size_t>(report.at) - 1] : nullptr;
 }
 
-/// The piece of a text track by which the encoding is told; without it the track is read as a text as well.
-bool TellsEncoding(const FileCall& call) {
-    constexpr long kLargestPiece = 8192;
+/// Whether the call reads the block from which the encoding of a text track is detected; without it the track
+/// is read as text as well.
+bool DetectsEncoding(const FileCall& call) {
+    constexpr long kMaxBlock = 8192;
     const std::string_view place = call.place.data();
-    return call.size <= kLargestPiece && (place == "text.trk" || place == "new.trk");
+    return call.size <= kMaxBlock && (place == "text.trk" || place == "new.trk");
 }
 
 const char* NameOf(Fault fault) {
@@ -54,10 +55,10 @@ const char* NameOf(Fault fault) {
     return "?";
 }
 
-/// A file system that only this process and its children see.
+/// Mounts a file system that only this process and its children see.
 bool Mount(const std::string& folder) {
     return unshare(CLONE_NEWNS) == 0 && mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-           mount("corvane", folder.c_str(), "tmpfs", 0, kWide) == 0;
+           mount("corvane", folder.c_str(), "tmpfs", 0, kLarge) == 0;
 }
 
 } // namespace
@@ -85,7 +86,7 @@ bool MayBeSurvived(const FileCallReport& report) {
         return again;
     const bool dialogLists = std::string_view(call->place.data()) == "work";
     if (name == "read" || name == "open to read")
-        return report.fault == Fault::InputOutput && (TellsEncoding(*call) || dialogLists);
+        return report.fault == Fault::InputOutput && (DetectsEncoding(*call) || dialogLists);
     if (name == "getdents64")
         return again || dialogLists;
     if (name == "close")
@@ -113,14 +114,14 @@ void JudgeAnswer(Problems& problems, const FileCallReport& report, const Answer&
     const bool survivable = answer.lessDone || report.fault == Fault::Short ||
                             (report.fault != Fault::DiskDead && MayBeSurvived(report));
     if (succeeded && !survivable)
-        problems.emplace_back("the fault was passed over in silence");
+        problems.emplace_back("the fault was not reported");
 }
 
 TrialDisk::TrialDisk(const std::string& folder, const Trial& trial)
     : folder(folder), freePages(trial.freePages) {
     std::filesystem::create_directory(folder);
     if (freePages >= 0 && !Mount(folder))
-        throw std::runtime_error("no file system of its own");
+        throw std::runtime_error("cannot mount a file system");
 }
 
 void TrialDisk::Fill() const {
@@ -128,16 +129,16 @@ void TrialDisk::Fill() const {
         return;
     struct statvfs state {};
     if (statvfs(folder.c_str(), &state) != 0)
-        throw std::runtime_error("the disk cannot be asked");
+        throw std::runtime_error("cannot read the state of the disk");
     const auto used = static_cast<long>((state.f_blocks - state.f_bfree) * state.f_frsize);
     const std::string size = "size=" + std::to_string(used + freePages * kPage);
     if (mount("corvane", folder.c_str(), "tmpfs", MS_REMOUNT, size.c_str()) != 0)
-        throw std::runtime_error("the disk cannot be made smaller");
+        throw std::runtime_error("cannot shrink the disk");
 }
 
-void TrialDisk::Widen() const {
-    if (freePages >= 0 && mount("corvane", folder.c_str(), "tmpfs", MS_REMOUNT, kWide) != 0)
-        throw std::runtime_error("the disk cannot be made larger");
+void TrialDisk::Enlarge() const {
+    if (freePages >= 0 && mount("corvane", folder.c_str(), "tmpfs", MS_REMOUNT, kLarge) != 0)
+        throw std::runtime_error("cannot enlarge the disk");
 }
 
 bool TrialDisk::IsPossible() {

@@ -6,70 +6,68 @@
 #include <string>
 #include <string_view>
 
-/// One run of one road with one fault.
+/// One run of a scenario with one fault.
 struct Trial {
     Fault fault = Fault::None;
-    long at = 0;        ///< the call that it falls on, from 1
-    int freePages = -1; ///< in place of a fault: a file system of its own with this much room; -1 for none
+    long at = 0;        ///< the call that fails, from 1
+    int freePages = -1; ///< instead of a fault: a small file system with this much free space; -1 for none
 };
 
-/// What a road has to do with a trial. Everything here runs in a process of its own, whose working folder is
-/// an empty one.
-class TrialRoad {
+/// A scenario as the harness runs it. Every function runs in a new process with an empty working folder.
+class TrialScenario {
   public:
-    /// @param reads the faults fall on the calls that read, in place of those that change something
-    explicit TrialRoad(bool reads) : reads(reads) {}
-    TrialRoad(const TrialRoad&) = delete;
-    TrialRoad& operator=(const TrialRoad&) = delete;
-    virtual ~TrialRoad() = default;
+    /// @param reads inject faults into the calls that read, instead of those that write
+    explicit TrialScenario(bool reads) : reads(reads) {}
+    TrialScenario(const TrialScenario&) = delete;
+    TrialScenario& operator=(const TrialScenario&) = delete;
+    virtual ~TrialScenario() = default;
 
     [[nodiscard]] bool Reads() const { return reads; }
-    /// Says what has to be watched before a run.
+    /// Sets what is watched, before a run.
     virtual void Arrange(FileCallReport& report) const { report.reads = reads; }
-    /// The road from its beginning, the fault on the way, and the same operation once more without one.
+    /// Runs the scenario with the fault, and then the same operation again without one.
     virtual Problems Run(const Trial& trial, FileCallReport& report) const = 0;
-    /// What a killed run has left, and the road from its beginning, without a fault.
+    /// Checks what a killed run has left, and then runs the scenario from a new start without a fault.
     virtual Problems RunAfterKill() const = 0;
 
   private:
     bool reads;
 };
 
-/// Says what the fault was.
+/// The fault as text.
 std::string Describe(const Trial& trial, const FileCallReport& report);
 
-/// Whether an operation may succeed although this call of it failed: what is removed may stay until the next
-/// time; for renaming, changing permissions and opening a file without a name there is another way, whose
-/// outcome is checked, as there is for copying within the system; a folder that was made before exists; a
-/// text track whose encoding cannot be told is read as a text; what a folder holds may be known before its
-/// end is met, or be what a dialog shows.
+/// Whether an operation may succeed although this call failed: files to be removed may remain until the next
+/// time; renaming, changing permissions, opening a nameless file and copying within the kernel have
+/// fallbacks, whose result is checked; a folder may exist already; a text track whose encoding cannot be
+/// detected is read as text; a folder's list may be complete before its end is read, or may be that of a
+/// dialog.
 bool MayBeSurvived(const FileCallReport& report);
-/// Whether the fault was meant for a call of this name.
+/// Whether the fault was injected into a call with this name.
 bool FallsOn(const FileCallReport& report, std::string_view name);
 
-/// What an operation has said.
+/// What an operation has reported.
 struct Answer {
     bool succeeded = false;
-    bool shown = false; ///< a failure was shown in every place that it has to be shown in
-    bool lessDone =
-        false; ///< the log says that something beside it was left undone, which stops no operation
+    bool shown = false;    ///< a failure was shown everywhere where it must be shown
+    bool lessDone = false; ///< the log reports that a side task failed, which stops no operation
 };
 
-/// Judges by the fault what an operation has said: a short write is no failure; any other fault is reported
-/// in one way or the other, unless it may be survived.
+/// Compares the report of an operation with the fault: a short write is not a failure; any other fault must
+/// be reported, unless it may be survived.
 void JudgeAnswer(Problems& problems, const FileCallReport& report, const Answer& answer);
 
-/// The folder that counts for trials: it becomes a file system of its own when the trial wants one.
+/// The watched folder of a trial; a separate small file system when the trial needs one.
 class TrialDisk {
   public:
-    /// Makes `folder`. @throws std::runtime_error when the system allows no file system of its own
+    /// Creates `folder`. @throws std::runtime_error when it cannot mount a file system there
     TrialDisk(const std::string& folder, const Trial& trial);
-    /// Leaves as much free room as the trial wants; does nothing when it wants none.
+    /// Reduces the free space to what the trial needs; does nothing for a trial without a small disk.
     void Fill() const;
-    /// Makes room again.
-    void Widen() const;
+    /// Makes the disk large again.
+    void Enlarge() const;
 
-    /// Whether this system allows small file systems.
+    /// Whether this user may mount file systems.
     static bool IsPossible();
 
   private:

@@ -10,7 +10,8 @@
 #include <string>
 #include <vector>
 
-/// Works the real window by mouse and keys, as the operator does. What cannot be done throws.
+/// Operates the real window with mouse and keys, as an operator does. @throws std::runtime_error for an
+/// impossible step
 class WindowOperator {
   public:
     WindowOperator();
@@ -23,32 +24,32 @@ class WindowOperator {
     /// Lets the event loop run until the condition holds. @return false after half a minute
     template<typename Condition>
     bool Await(Condition condition) {
-        return QTest::qWaitFor(condition, kPatience);
+        return QTest::qWaitFor(condition, kTimeOut);
     }
 
-    /// The next file dialog gets this name.
+    /// The next file dialog is answered with this name.
     void NameFile(const std::string& name) { answers.typeFileName(QString::fromStdString(name)); }
 
     void LoadBackup(const std::string& backup);
     /// Loads a track of the open workspace.
     void LoadTrack(const std::string& name);
     void LoadExternal(const std::string& path);
-    /// Gives the open track's first segment another length.
+    /// Changes the length of the open track's first segment to 33.
     void Edit();
 
-    /// Whether the window takes mouse and keys: not while the worker works.
+    /// Whether the window accepts input: it is disabled while the worker runs.
     [[nodiscard]] bool IsEnabled() const { return window.isEnabled(); }
 
     std::string Status();
     void ClearStatus();
     std::string Text(const char* widget);
-    /// The texts of the "Error" boxes seen since the last call; a box of another title is not one.
+    /// The texts of the "Error" boxes seen since the last call; boxes with another title do not count.
     std::vector<std::string> TakeErrors();
 
-    /// Whether a box has been seen that was not taken yet.
+    /// Whether there are boxes that TakeErrors has not returned yet.
     bool HasErrors();
 
-    /// That the last step succeeded. @throws std::runtime_error with what was shown instead
+    /// Checks that the last step succeeded. @throws std::runtime_error with what was shown instead
     void Expect(const std::string& status);
 
     template<typename Widget>
@@ -60,7 +61,7 @@ class WindowOperator {
     }
 
   private:
-    static constexpr int kPatience = 30'000; // milliseconds
+    static constexpr int kTimeOut = 30'000; // milliseconds
 
     DialogAnswers answers;
     std::vector<std::string> errors;

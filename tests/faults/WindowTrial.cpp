@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const std::string kFolder = "counts"; // below it lies all that the operator owns
+const std::string kFolder = "counts"; // contains all files of the operator
 
 void Enter(const std::string& folder) {
     fs::create_directories(folder);
@@ -29,8 +29,8 @@ bool HaveErrors(const std::vector<std::string>& lines) {
                        [](const std::string& line) { return line.rfind("ERROR", 0) == 0; });
 }
 
-/// Whether the log says that something beside the operation was left undone: a copy, or the list of what was
-/// not sent, could not be kept; heights under the pointer cannot be shown.
+/// Whether the log reports that a side task failed: a copy, or the list of unsent tracks, could not be
+/// stored; heights under the pointer cannot be shown.
 bool SayLessDone(const std::vector<std::string>& lines) {
     return std::any_of(lines.begin(), lines.end(), [](const std::string& line) {
         return line.rfind("INFO: No heights can be shown", 0) == 0 ||
@@ -46,56 +46,56 @@ Problems WindowTrial::Run(const Trial& trial, FileCallReport& report) const {
     const std::string root = fs::current_path() / kFolder;
     const TrialDisk disk(root, trial);
     Enter(root + "/work");
-    WriteTree(road->Before());
-    const std::unique_ptr<OstraServerProcess> server = road->Serve();
+    WriteTree(scenario->Before());
+    const std::unique_ptr<OstraServerProcess> server = scenario->Serve();
     if (!WatchFileCalls(root.c_str(), &report))
         return {"the calls cannot be watched"};
     LogCapture log;
     WindowOperator window;
-    road->LeadUp(window);
+    scenario->Prepare(window);
     window.ClearStatus();
     window.TakeErrors();
     static_cast<void>(log.Lines());
 
     disk.Fill();
     report.armed = true;
-    road->Operate(window);
+    scenario->Operate(window);
     report.armed = false;
-    disk.Widen();
+    disk.Enlarge();
 
     Problems problems;
     const bool boxed = window.HasErrors();
-    const bool succeeded = !boxed && window.Status() == road->Success();
+    const bool succeeded = !boxed && window.Status() == scenario->Success();
     const std::vector<std::string> lines = log.Lines();
     JudgeAnswer(problems, report, {succeeded, boxed && HaveErrors(lines), SayLessDone(lines)});
-    Add(problems, road->Check(succeeded), "");
-    Add(problems, Road::CheckKept(), "");
+    Add(problems, scenario->Check(succeeded), "");
+    Add(problems, Scenario::CheckKept(), "");
     if (succeeded)
-        Add(problems, road->CheckShown(window), "");
+        Add(problems, scenario->CheckShown(window), "");
 
     window.TakeErrors();
     window.ClearStatus();
-    road->Operate(window);
-    window.Expect(road->Success());
-    Add(problems, road->Check(true), "next time: ");
-    if (!succeeded) // a list that could not be read is asked for again
+    scenario->Operate(window);
+    window.Expect(scenario->Success());
+    Add(problems, scenario->Check(true), "next time: ");
+    if (!succeeded) // read a failed list again
         window.Choose("comboBox_operation", "Refresh");
-    Add(problems, road->CheckShown(window), "next time: ");
+    Add(problems, scenario->CheckShown(window), "next time: ");
     return problems;
 }
 
 Problems WindowTrial::RunAfterKill() const {
     Enter(kFolder + "/work");
     Problems problems;
-    Add(problems, road->Check(false), "");
-    Add(problems, Road::CheckKept(), "");
-    const std::unique_ptr<OstraServerProcess> server = road->Serve();
+    Add(problems, scenario->Check(false), "");
+    Add(problems, Scenario::CheckKept(), "");
+    const std::unique_ptr<OstraServerProcess> server = scenario->Serve();
     const LogCapture log;
     WindowOperator window;
-    road->LeadUp(window);
+    scenario->Prepare(window);
     window.ClearStatus();
-    road->Operate(window);
-    window.Expect(road->Success());
-    Add(problems, road->Check(true), "next start: ");
+    scenario->Operate(window);
+    window.Expect(scenario->Success());
+    Add(problems, scenario->Check(true), "next start: ");
     return problems;
 }

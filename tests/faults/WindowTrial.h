@@ -1,16 +1,17 @@
 #pragma once
 
-#include "Road.h"
+#include "Scenario.h"
 #include "Trial.h"
 
-/// A road through the real window.
-class WindowTrial final : public TrialRoad {
+/// A scenario in the real window.
+class WindowTrial final : public TrialScenario {
   public:
-    WindowTrial(std::unique_ptr<Road> road, bool reads) : TrialRoad(reads), road(std::move(road)) {}
+    WindowTrial(std::unique_ptr<Scenario> scenario, bool reads)
+        : TrialScenario(reads), scenario(std::move(scenario)) {}
 
     Problems Run(const Trial& trial, FileCallReport& report) const override;
     Problems RunAfterKill() const override;
 
   private:
-    std::unique_ptr<Road> road;
+    std::unique_ptr<Scenario> scenario;
 };

@@ -1,7 +1,7 @@
 #include "AllocationTrials.h"
 #include "Harness.h"
 #include "OstraServerProcess.h"
-#include "Road.h"
+#include "Scenario.h"
 #include "ServerArchiveTrial.h"
 #include "ServerTrial.h"
 #include "TemporaryFolder.h"
@@ -17,18 +17,17 @@
 
 #include <unistd.h>
 
-// faults_driver [--short] [--calls] [ROAD...]
-// Runs each road once to count the calls that change files (or read them), then once for every call and every
-// fault. Exit code 0 when every run has ended as it must.
+// faults_driver [--short] [--calls] [SCENARIO...] Runs each scenario once to count the calls that change (or
+// read) files, then once for every call and fault. Exit code 0 when no run had a problem.
 namespace {
 
-constexpr int kMostFreePages = 16; // 64 KiB
+constexpr int kMaxFreePages = 16; // 64 KiB
 constexpr int kJobs = 4;
 
 struct Options {
     bool brief = false;     ///< two faults and a kill for each call, every third size of disk
-    bool listCalls = false; ///< tell what the road calls
-    std::vector<std::string> roads;
+    bool listCalls = false; ///< print the calls of the scenario
+    std::vector<std::string> scenarios;
 };
 
 struct Sum {
@@ -46,13 +45,13 @@ Options ParseOptions(int count, char** words) {
         else if (word == "--calls")
             options.listCalls = true;
         else
-            options.roads.push_back(word);
+            options.scenarios.push_back(word);
     }
     return options;
 }
 
-/// The faults for one call. The short form takes two of the failures in turn, so that each falls on every
-/// kind of call sooner or later, and always the kill; of the two for a call that reads it takes one.
+/// The faults for one call. The short form takes the kill and two of the other faults in turn; for a call
+/// that reads, one of its two faults.
 std::vector<Fault> FaultsAt(long call, const Options& options, bool reads) {
     std::vector<Fault> faults{Fault::NoSpace, Fault::Quota,     Fault::InputOutput, Fault::DiskFull,
                               Fault::Short,   Fault::ShortFull, Fault::TornKill};
@@ -73,12 +72,12 @@ bool IsOfWritesOnly(Fault fault) {
     return fault == Fault::Short || fault == Fault::ShortFull || fault == Fault::TornKill;
 }
 
-/// A file that a call writes to, and none of the others.
+/// Whether a recorded call is a write.
 bool IsWrite(const std::string& call) {
     return call.rfind("write", 0) == 0 || call.rfind("pwrite", 0) == 0;
 }
 
-/// A new name is on the disk when its folder was synced after the renaming.
+/// Whether the folder was synced after the last renaming, which makes the new name durable.
 bool SyncsAfterRenaming(const std::vector<std::string>& calls) {
     const auto last = std::find_if(calls.rbegin(), calls.rend(),
                                    [](const std::string& call) { return call.starts_with("rename"); });
@@ -87,17 +86,17 @@ bool SyncsAfterRenaming(const std::vector<std::string>& calls) {
            });
 }
 
-Sum RunRoad(const std::string& name, const TrialRoad& road, const Options& options, const std::string& folder,
-            bool smallDisks) {
+Sum RunScenario(const std::string& name, const TrialScenario& scenario, const Options& options,
+                const std::string& folder, bool smallDisks) {
     const std::string place = folder + "/" + name;
     std::filesystem::create_directory(place);
-    Harness harness(road, place, kJobs);
+    Harness harness(scenario, place, kJobs);
     const long calls = harness.CountCalls();
     for (long call = 1; call <= calls; ++call)
-        for (const Fault fault : FaultsAt(call, options, road.Reads()))
+        for (const Fault fault : FaultsAt(call, options, scenario.Reads()))
             if (!IsOfWritesOnly(fault) || IsWrite(harness.Calls()[static_cast<std::size_t>(call) - 1]))
                 harness.Start({fault, call});
-    for (int pages = 0; smallDisks && !road.Reads() && calls > 0 && pages <= kMostFreePages;
+    for (int pages = 0; smallDisks && !scenario.Reads() && calls > 0 && pages <= kMaxFreePages;
          pages += options.brief ? 3 : 1)
         harness.Start({Fault::None, 0, pages});
     harness.Finish();
@@ -112,43 +111,42 @@ Sum RunRoad(const std::string& name, const TrialRoad& road, const Options& optio
     return {calls, harness.Injected(), harness.Problematic() + (calls == 0 ? 1 : 0) + (synced ? 0 : 1)};
 }
 
-using NamedRoads = std::vector<std::pair<std::string, std::unique_ptr<TrialRoad>>>;
+using NamedTrials = std::vector<std::pair<std::string, std::unique_ptr<TrialScenario>>>;
 
-void AddWindowRoads(NamedRoads& trials, std::vector<std::pair<std::string, std::unique_ptr<Road>>>&& roads,
-                    bool reads) {
-    for (auto& [name, road] : roads)
+void AddWindowScenarios(NamedTrials& trials, NamedScenarios&& scenarios, bool reads) {
+    for (auto& [name, scenario] : scenarios)
         trials.emplace_back((reads ? "reads-" : "") + name,
-                            std::make_unique<WindowTrial>(std::move(road), reads));
+                            std::make_unique<WindowTrial>(std::move(scenario), reads));
 }
 
-NamedRoads AllRoads() {
-    NamedRoads roads;
+NamedTrials AllScenarios() {
+    NamedTrials scenarios;
     const std::string preload = CORVANE_FAULTS_PRELOAD;
     for (const bool reads : {false, true}) {
-        AddWindowRoads(roads, TrackRoads(), reads);
-        AddWindowRoads(roads, BackupRoads(), reads);
-        AddWindowRoads(roads, KeepingRoads(), reads);
-        roads.emplace_back(reads ? "reads-server-restore" : "server-restore",
-                           std::make_unique<ServerTrial>(preload, reads, false));
+        AddWindowScenarios(scenarios, TrackScenarios(), reads);
+        AddWindowScenarios(scenarios, BackupScenarios(), reads);
+        AddWindowScenarios(scenarios, KeepingScenarios(), reads);
+        scenarios.emplace_back(reads ? "reads-server-restore" : "server-restore",
+                               std::make_unique<ServerTrial>(preload, reads, false));
     }
-    AddWindowRoads(roads, LoadRoads(), true);
-    AddWindowRoads(roads, UploadRoads(), true);
+    AddWindowScenarios(scenarios, LoadScenarios(), true);
+    AddWindowScenarios(scenarios, UploadScenarios(), true);
     for (const bool plain : {false, true})
-        roads.emplace_back(plain ? "reads-server-archive-plain" : "reads-server-archive",
-                           std::make_unique<ServerArchiveTrial>(preload, plain));
-    roads.emplace_back("server-steps", std::make_unique<ServerTrial>(preload, false, true));
-    return roads;
+        scenarios.emplace_back(plain ? "reads-server-archive-plain" : "reads-server-archive",
+                               std::make_unique<ServerArchiveTrial>(preload, plain));
+    scenarios.emplace_back("server-steps", std::make_unique<ServerTrial>(preload, false, true));
+    return scenarios;
 }
 
 bool IsWanted(const Options& options, const std::string& name) {
-    const auto& wanted = options.roads;
+    const auto& wanted = options.scenarios;
     return wanted.empty() || std::find(wanted.begin(), wanted.end(), name) != wanted.end();
 }
 
-Sum RunMemoryRoads(const Options& options, const std::string& folder) {
+Sum RunMemoryScenarios(const Options& options, const std::string& folder) {
     constexpr long kBriefStep = 7;
     Sum sum;
-    for (const std::string& name : AllocationRoads()) {
+    for (const std::string& name : AllocationScenarios()) {
         if (!IsWanted(options, name))
             continue;
         std::filesystem::create_directory(folder + "/" + name);
@@ -162,16 +160,16 @@ Sum RunMemoryRoads(const Options& options, const std::string& folder) {
     return sum;
 }
 
-/// Runs the roads that were asked for. @return what came out of them all
-Sum RunRoads(const Options& options, const std::string& folder) {
+/// Runs the selected scenarios. @return their totals
+Sum RunScenarios(const Options& options, const std::string& folder) {
     const bool smallDisks = TrialDisk::IsPossible();
     if (!smallDisks)
-        std::printf("This user may not make file systems: the full disks are left out.\n");
-    Sum sum = RunMemoryRoads(options, folder);
-    for (const auto& [name, road] : AllRoads()) {
+        std::printf("This user may not mount file systems: the full disks are skipped.\n");
+    Sum sum = RunMemoryScenarios(options, folder);
+    for (const auto& [name, scenario] : AllScenarios()) {
         if (!IsWanted(options, name))
             continue;
-        const Sum one = RunRoad(name, *road, options, folder, smallDisks);
+        const Sum one = RunScenario(name, *scenario, options, folder, smallDisks);
         sum.calls += one.calls;
         sum.injected += one.injected;
         sum.problematic += one.problematic;
@@ -179,7 +177,7 @@ Sum RunRoads(const Options& options, const std::string& folder) {
     return sum;
 }
 
-/// Trials fork: another thread's locks would stay locked for ever in them.
+/// Trials fork, and locks held by another thread would never be released in the child.
 bool IsOneThread() {
     const std::filesystem::directory_iterator tasks("/proc/self/task");
     return std::distance(begin(tasks), end(tasks)) == 1;
@@ -206,7 +204,7 @@ int main(int count, char** words) {
         std::fputs("more than one thread before the first trial\n", stderr);
         return 2;
     }
-    const Sum sum = RunRoads(options, folder.Path(""));
+    const Sum sum = RunScenarios(options, folder.Path(""));
     std::printf("%ld calls, %d faults injected, %d runs with problems\n", sum.calls, sum.injected,
                 sum.problematic);
     return sum.problematic == 0 && sum.injected > 0 ? 0 : 1;

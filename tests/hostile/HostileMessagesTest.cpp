@@ -73,7 +73,7 @@ TEST(HostileRequests, areRefusedAndChangeNothing) {
         http.EndSending();
         const RawHttp::Reply reply = http.Read();
         EXPECT_EQ(reply.status, request.status);
-        EXPECT_TRUE(reply.Whole());
+        EXPECT_TRUE(reply.IsComplete());
         EXPECT_EQ(Files("served"), files);
     }
     EXPECT_EQ(RawHttp::Request(server.ControlPort(), "GET", "/replay/playback").body, "{\"enabled\":false}");

@@ -41,7 +41,7 @@ class BackupCommands : public testing::Test {
   protected:
     BackupCommands() { WriteFile("a.osbak", Backup(Workspace())); }
 
-    /// What "verify" says of a backup with this content, which is not good.
+    /// The output of "verify" for a damaged backup with this content.
     static std::vector<std::string> ProblemsOf(const std::string& content) {
         WriteFile("b.osbak", content);
         const ToolResult result = RunTrackTool({"verify", "b.osbak"});
@@ -71,7 +71,7 @@ std::vector<std::string> NamesHere() {
     return names;
 }
 
-TEST_F(BackupCommands, listShowsWhatIsInTheBackupAndInItsWorkspace) {
+TEST_F(BackupCommands, listsTheEntriesOfTheBackupAndItsWorkspace) {
     const ToolResult result = RunTrackTool({"list", "a.osbak"});
     EXPECT_EQ(result.code, 0) << result.errors;
     const std::string workspace = std::to_string(Workspace().size());
@@ -84,7 +84,7 @@ TEST_F(BackupCommands, listShowsWhatIsInTheBackupAndInItsWorkspace) {
                             right(track) + "    vdk/ContourPath/part.trk", right("") + "    vdk/empty/"));
 }
 
-TEST_F(BackupCommands, listHasAFormForPrograms) {
+TEST_F(BackupCommands, listsAsJson) {
     const auto objects = RunTrackTool({"list", "--json", TestData("station.osbak")}).Objects();
     ASSERT_EQ(objects.size(), 10U);
     EXPECT_EQ(objects[6], (QJsonObject{{QStringLiteral("name"), QStringLiteral("vdk/ContourPath/fault.trk")},
@@ -94,14 +94,14 @@ TEST_F(BackupCommands, listHasAFormForPrograms) {
                                        {QStringLiteral("permissions"), 0644}}));
 }
 
-/// The backup with a damaged header in its workspace, behind the track.
+/// The backup with a damaged header in its workspace, after the track.
 std::string DamagedBackup() {
     std::string workspace = Workspace();
     workspace[workspace.find("vdk/empty") + 148] = 'x'; // the checksum
     return Backup(workspace);
 }
 
-TEST_F(BackupCommands, listShowsWhatComesBeforeTheDamage) {
+TEST_F(BackupCommands, listsTheEntriesBeforeTheDamage) {
     WriteFile("cut.osbak", DamagedBackup());
     const ToolResult result = RunTrackTool({"list", "cut.osbak"});
     EXPECT_EQ(result.code, 3);
@@ -110,7 +110,7 @@ TEST_F(BackupCommands, listShowsWhatComesBeforeTheDamage) {
                              "after vdk/ContourPath/part.trk\n");
 }
 
-TEST_F(BackupCommands, verifyIsContentWithAGoodBackup) {
+TEST_F(BackupCommands, verifiesAGoodBackup) {
     const ToolResult result = RunTrackTool({"verify", "a.osbak", TestData("station.osbak")});
     EXPECT_EQ(result.code, 0) << result.output;
     EXPECT_THAT(result.Lines(),
@@ -118,7 +118,7 @@ TEST_F(BackupCommands, verifyIsContentWithAGoodBackup) {
                             HasSubstr("station.osbak: good, with 4 files, 2 of them tracks")));
 }
 
-TEST_F(BackupCommands, verifyFindsWhatKeepsTheEditorFromWorkingWithIt) {
+TEST_F(BackupCommands, verifyFindsWhatTheEditorCannotUse) {
     EXPECT_THAT(ProblemsOf(TarFile("info.json", "{}") + TarEnd()),
                 ElementsAre("b.osbak: no workspaces/Workspace.osws"));
     EXPECT_THAT(ProblemsOf(Backup(TarFolder("vdk") + TarEnd())),
@@ -138,7 +138,7 @@ TEST_F(BackupCommands, verifyFindsWhatKeepsTheEditorFromWorkingWithIt) {
     EXPECT_THAT(ProblemsOf(""), ElementsAre(HasSubstr("damaged or cut short")));
 }
 
-TEST_F(BackupCommands, verifyFindsErrorsOfTracksWithTheirPlace) {
+TEST_F(BackupCommands, verifyReportsErrorsOfTracksWithTheirPlace) {
     std::string version = Track();
     version[8] = 2;
     EXPECT_THAT(
@@ -153,15 +153,15 @@ TEST_F(BackupCommands, verifyFindsErrorsOfTracksWithTheirPlace) {
         points += "1\n";
     const auto lines = ProblemsOf(Backup(Workspace(TarFile("vdk/ContourPath/text.trk", points))));
     EXPECT_EQ(lines.size(), 21U);
-    EXPECT_EQ(lines.back(), "b.osbak: vdk/ContourPath/text.trk: and 11 more errors"); // 30, and no map
+    EXPECT_EQ(lines.back(), "b.osbak: vdk/ContourPath/text.trk: and 11 more errors"); // 30 errors, and no map
 }
 
-TEST_F(BackupCommands, verifyFindsEveryCutAndEveryDamagedHeader) {
-    const std::string whole = FileContent("a.osbak");
-    for (std::size_t size = 0; size + 1024 < whole.size(); size += 512)
-        EXPECT_FALSE(ProblemsOf(whole.substr(0, size)).empty()) << size;
+TEST_F(BackupCommands, verifyFindsEveryTruncationAndDamagedHeader) {
+    const std::string complete = FileContent("a.osbak");
+    for (std::size_t size = 0; size + 1024 < complete.size(); size += 512)
+        EXPECT_FALSE(ProblemsOf(complete.substr(0, size)).empty()) << size;
     for (const std::size_t header : {std::size_t{0}, std::size_t{1024}, std::size_t{2048}}) {
-        std::string damaged = whole;
+        std::string damaged = complete;
         damaged[header + 148] = 'x'; // the checksum
         EXPECT_FALSE(ProblemsOf(damaged).empty()) << header;
     }
@@ -178,7 +178,7 @@ TEST_F(BackupCommands, verifyAgreesWithTheStrictUnpackingOfHostileWorkspaces) {
     ASSERT_EQ(reports.size(), archives.size());
     for (std::size_t i = 0; i < archives.size(); ++i) {
         SCOPED_TRACE(archives[i].name);
-        bool isRefused = false; // for more than that there are no tracks
+        bool isRefused = false; // there are no tracks to check for more
         for (const auto problem : reports[i].value(QLatin1String("problems")).toArray()) {
             const QString text = problem.toObject().value(QLatin1String("text")).toString();
             isRefused = isRefused || !text.startsWith(QLatin1String("no vdk/ContourPath"));
@@ -190,7 +190,7 @@ TEST_F(BackupCommands, verifyAgreesWithTheStrictUnpackingOfHostileWorkspaces) {
     EXPECT_FALSE(fs::exists("evil"));
 }
 
-TEST_F(BackupCommands, extractTakesATrackByItsNameAlone) {
+TEST_F(BackupCommands, extractsATrackByItsNameAlone) {
     EXPECT_EQ(RunTrackTool({"extract", "a.osbak", "part.trk"}).errors, "");
     EXPECT_EQ(FileContent("part.trk"), Track());
     EXPECT_EQ(RunTrackTool({"extract", "a.osbak", "part.trk", "-o", "other.trk"}).errors, "");
@@ -201,7 +201,7 @@ TEST_F(BackupCommands, extractTakesATrackByItsNameAlone) {
               (std::map<std::string, std::string>{{"part.trk", Track()}, {"settings.json", "{}"}}));
 }
 
-TEST_F(BackupCommands, extractTakesWhatComesBeforeTheDamage) {
+TEST_F(BackupCommands, extractsEntriesBeforeTheDamage) {
     WriteFile("cut.osbak", DamagedBackup());
     const ToolResult result = RunTrackTool({"extract", "cut.osbak", "part.trk"});
     EXPECT_EQ(result.code, 0);
@@ -209,7 +209,7 @@ TEST_F(BackupCommands, extractTakesWhatComesBeforeTheDamage) {
     EXPECT_EQ(FileContent("part.trk"), Track());
 }
 
-TEST_F(BackupCommands, extractUnpacksTheWholeWorkspace) {
+TEST_F(BackupCommands, extractsTheCompleteWorkspace) {
     EXPECT_EQ(RunTrackTool({"extract", "a.osbak", "--all", "-o", "new"}).errors, "");
     EXPECT_EQ(FolderTree("new"), (std::map<std::string, std::string>{{"vdk/", ""},
                                                                      {"vdk/settings.json", "{}"},
@@ -219,7 +219,7 @@ TEST_F(BackupCommands, extractUnpacksTheWholeWorkspace) {
     EXPECT_THAT(NamesHere(), testing::UnorderedElementsAre("a.osbak", "new"));
 }
 
-TEST_F(BackupCommands, extractWritesOverNoFolder) {
+TEST_F(BackupCommands, extractOverwritesNoFolder) {
     fs::create_directory("mine");
     WriteFile("mine/work", "precious");
     const ToolResult result = RunTrackTool({"extract", "a.osbak", "--all", "-o", "mine"});
@@ -228,7 +228,7 @@ TEST_F(BackupCommands, extractWritesOverNoFolder) {
     EXPECT_EQ(FileContent("mine/work"), "precious");
 }
 
-TEST_F(BackupCommands, extractRefusesWhatItCannotDo) {
+TEST_F(BackupCommands, extractRefusesImpossibleRequests) {
     const ToolResult missing = RunTrackTool({"extract", "a.osbak", "missing.trk"});
     EXPECT_EQ(missing.code, 3);
     EXPECT_EQ(missing.errors,
@@ -241,7 +241,7 @@ TEST_F(BackupCommands, extractRefusesWhatItCannotDo) {
     EXPECT_THAT(NamesHere(), ElementsAre("a.osbak"));
 }
 
-TEST_F(BackupCommands, replacePutsATrackIntoTheWorkspace) {
+TEST_F(BackupCommands, replacesATrackInTheWorkspace) {
     const auto before = Unpacked("a.osbak");
     const std::string other = BinaryFile(SmallTrack(PathAcross(0, 2, 0.75, 10)));
     WriteFile("new.trk", other);
@@ -253,7 +253,7 @@ TEST_F(BackupCommands, replacePutsATrackIntoTheWorkspace) {
     EXPECT_THAT(NamesHere(), testing::UnorderedElementsAre("a.osbak", "new.trk", "outer", "inner"));
 }
 
-TEST_F(BackupCommands, replaceCanWriteAnotherBackupAndAddFiles) {
+TEST_F(BackupCommands, replaceWritesAnotherBackupAndAddsFiles) {
     const std::string before = FileContent("a.osbak");
     WriteFile("notes.txt", "no track");
     const ToolResult unknown =
@@ -279,11 +279,11 @@ TEST_F(BackupCommands, replaceRefusesATrackThatTheEditorCannotOpen) {
     EXPECT_EQ(Unpacked("a.osbak").at("vdk/ContourPath/part.trk"), Track().substr(0, 100));
 }
 
-TEST_F(BackupCommands, replaceLeavesABackupThatIsNotWholeAsItWas) {
+TEST_F(BackupCommands, replaceLeavesADamagedBackupUnchanged) {
     WriteFile("new.trk", Track());
-    const std::string whole = FileContent("a.osbak");
+    const std::string complete = FileContent("a.osbak");
     for (const std::string& content :
-         {whole.substr(0, whole.size() - 1024), whole.substr(0, 3000),
+         {complete.substr(0, complete.size() - 1024), complete.substr(0, 3000),
           Backup(Workspace(TarLink("vdk/link", '2', "settings.json"))), std::string("no archive")}) {
         WriteFile("b.osbak", content);
         const ToolResult result = RunTrackTool({"replace", "b.osbak", "part.trk", "new.trk"});

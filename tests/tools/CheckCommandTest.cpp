@@ -47,7 +47,7 @@ std::string WithLine(int number, const std::string& line) {
     return line.empty() ? text : text.insert(at, line + "\n");
 }
 
-/// The number of the line that starts so.
+/// The number of the line that starts with this text.
 int LineOf(const std::string& start) {
     const std::string text = TextFile(Sample());
     const std::size_t at = text.find("\n" + start) + 1;
@@ -79,7 +79,7 @@ TEST_F(CheckCommand, findsErrorsInExactlyThoseHostileTracksThatTheEditorRefuses)
     for (std::size_t i = 0; i < tracks.size(); ++i) {
         SCOPED_TRACE(tracks[i].name);
         EXPECT_EQ(reports[i].value(QLatin1String("errors")).toInt() > 0, !tracks[i].Box().empty());
-        // Each problem has its place: nothing is left to the last word of the editor's readers.
+        // Each problem has a place: none was found only by the editor's readers.
         for (const auto problem : reports[i].value(QLatin1String("problems")).toArray()) {
             const QJsonObject object = problem.toObject();
             EXPECT_TRUE(object.contains(QLatin1String("line")) || object.contains(QLatin1String("offset")))
@@ -88,7 +88,7 @@ TEST_F(CheckCommand, findsErrorsInExactlyThoseHostileTracksThatTheEditorRefuses)
     }
 }
 
-TEST_F(CheckCommand, isContentWithGoodTracks) {
+TEST_F(CheckCommand, acceptsGoodTracks) {
     WriteFile("binary.trk", BinaryFile(Sample()));
     WriteFile("text.trk", TextFile(Sample()));
     const std::string samples = std::string(CORVANE_SAMPLES) + "/tracks/";
@@ -103,8 +103,8 @@ TEST_F(CheckCommand, isContentWithGoodTracks) {
 TEST_F(CheckCommand, reportsEveryProblemOfATextTrackWithItsLine) {
     const int map = LineOf("YX,");
     const int points = LineOf("Segment") + 2;
-    std::string content = WithLine(points + 1, "0,1,0,0,0.5,0.25,1,1,1"); // from the end on, so that
-    const auto replace = [&](int number, const std::string& line) {       // the numbers stay
+    std::string content = WithLine(points + 1, "0,1,0,0,0.5,0.25,1,1,1"); // from the end, so that
+    const auto replace = [&](int number, const std::string& line) {       // the numbers remain valid
         std::size_t at = 0;
         for (int i = 1; i < number; ++i)
             at = content.find('\n', at) + 1;
@@ -128,7 +128,7 @@ TEST_F(CheckCommand, reportsEveryProblemOfATextTrackWithItsLine) {
                             at + std::to_string(points + 2) + ": warning: Segment 2 where 1 was expected"));
 }
 
-TEST_F(CheckCommand, countsRowsOfATextTrack) {
+TEST_F(CheckCommand, reportsMissingAndSurplusRowsOfATextTrack) {
     const int map = LineOf("YX,");
     EXPECT_THAT(LinesOf(WithLine(map + 5, "")), ElementsAre("a.trk: line " + std::to_string(map + 20) +
                                                             ": error: 19 rows in a height map of 20"));
@@ -137,7 +137,7 @@ TEST_F(CheckCommand, countsRowsOfATextTrack) {
                                   ": error: a row too many in a height map of 20"));
 }
 
-TEST_F(CheckCommand, reportsTheProblemsOfABinaryTrackWithTheirBytes) {
+TEST_F(CheckCommand, reportsTheProblemsOfABinaryTrackWithTheirOffsets) {
     const std::string at = "a.trk: byte ";
     EXPECT_THAT(LinesOf(With(8, std::int32_t{7})),
                 ElementsAre(at + "8: error: version 7, whose layout is unknown"));
@@ -157,22 +157,21 @@ TEST_F(CheckCommand, reportsTheProblemsOfABinaryTrackWithTheirBytes) {
     const std::size_t points = rulers + 4 + 56 + 4;
     EXPECT_THAT(LinesOf(With(points, std::int32_t{4})),
                 ElementsAre(at + std::to_string(points) + ": error: 4 points, which are not in the file"));
-    EXPECT_THAT(
-        LinesOf(With(points + 4 + 56, std::int32_t{3})),
-        ElementsAre(at + std::to_string(points + 4 + 56) +
-                        ": warning: Track 3 neither goes on with Track 0 nor starts the next: the point "
-                        "is read as one of Track 0",
-                    "a.trk: good, with 1 warning"));
-    const std::string whole = BinaryFile(Sample());
-    EXPECT_THAT(LinesOf(whole + "abc"),
-                ElementsAre(at + std::to_string(whole.size()) +
+    EXPECT_THAT(LinesOf(With(points + 4 + 56, std::int32_t{3})),
+                ElementsAre(at + std::to_string(points + 4 + 56) +
+                                ": warning: Track 3 neither continues Track 0 nor starts the next: the point "
+                                "is read as one of Track 0",
+                            "a.trk: good, with 1 warning"));
+    const std::string complete = BinaryFile(Sample());
+    EXPECT_THAT(LinesOf(complete + "abc"),
+                ElementsAre(at + std::to_string(complete.size()) +
                                 ": warning: 3 bytes after the last block, which are not read",
                             "a.trk: good, with 1 warning"));
-    EXPECT_THAT(LinesOf(whole.substr(0, 50)),
+    EXPECT_THAT(LinesOf(complete.substr(0, 50)),
                 ElementsAre(at + "50: error: the file ends within the information"));
 }
 
-TEST_F(CheckCommand, endsWith1ForWarningsOnlyWhenItIsStrict) {
+TEST_F(CheckCommand, endsWith1ForWarningsOnlyIfStrict) {
     WriteFile("a.trk", BinaryFile(Sample()) + "abc");
     EXPECT_EQ(RunTrackTool({"check", "a.trk"}).code, 0);
     EXPECT_EQ(RunTrackTool({"check", "--strict", "a.trk"}).code, 1);

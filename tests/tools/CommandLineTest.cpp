@@ -49,7 +49,7 @@ const std::vector<std::string> kCommands = {"info",         "check",        "ren
                                             "paths export", "paths import", "convert", "profile",
                                             "list",         "verify",       "extract", "replace"};
 
-TEST_F(CommandLine, helpNamesEveryCommandAndExitCode) {
+TEST_F(CommandLine, listsEveryCommandAndExitCodeInTheHelp) {
     const ToolResult help = RunTrackTool({"--help"});
     EXPECT_EQ(help.code, 0);
     EXPECT_EQ(help.errors, "");
@@ -61,7 +61,7 @@ TEST_F(CommandLine, helpNamesEveryCommandAndExitCode) {
     EXPECT_EQ(RunTrackTool({"-h"}).output, help.output);
 }
 
-TEST_F(CommandLine, everyCommandHasHelp) {
+TEST_F(CommandLine, hasHelpForEveryCommand) {
     for (const std::string& command : kCommands) {
         SCOPED_TRACE(command);
         std::vector<std::string> words = WordsOf(command);
@@ -74,11 +74,11 @@ TEST_F(CommandLine, everyCommandHasHelp) {
     }
 }
 
-TEST_F(CommandLine, versionIsTheProjects) {
+TEST_F(CommandLine, printsTheProjectsVersion) {
     EXPECT_EQ(RunTrackTool({"--version"}).output, "corvane-track " CORVANE_VERSION "\n");
 }
 
-TEST_F(CommandLine, endsWith2ForWhatIsNotUnderstood) {
+TEST_F(CommandLine, endsWith2ForInvalidArguments) {
     const ToolResult nothing = RunTrackTool({});
     EXPECT_EQ(nothing.code, 2);
     EXPECT_EQ(nothing.errors, "corvane-track: no command\nSee corvane-track --help.\n");
@@ -95,7 +95,7 @@ TEST_F(CommandLine, endsWith2ForWhatIsNotUnderstood) {
     EXPECT_EQ(nothing.output + command.output + option.output + few.output, "");
 }
 
-TEST_F(CommandLine, aFileThatIsNamedLikeAnOptionFollowsTwoDashes) {
+TEST_F(CommandLine, acceptsAFileNamedLikeAnOptionAfterTwoDashes) {
     WriteFile("--help", BinaryFile(SmallTrack()));
     EXPECT_EQ(RunTrackTool({"check", "--", "--help"}).output, "--help: good\n");
 }
@@ -111,14 +111,14 @@ TEST_F(CommandLine, endsWith4WhenStandardOutputIsFull) {
               "corvane-track info: standard output: No space left on device\n");
 }
 
-TEST_F(CommandLine, bashCompletesCommandsOptionsAndFiles) {
+TEST_F(CommandLine, completesCommandsOptionsAndFilesInBash) {
     WriteFile("part.trk", "");
     EXPECT_THAT(Completions({"corvane-track", "in"}), ElementsAre("info"));
     EXPECT_THAT(Completions({"corvane-track", "check", "--"}), ElementsAre("--strict", "--json", "--help"));
     EXPECT_THAT(Completions({"corvane-track", "check", "--json", "pa"}), ElementsAre("part.trk"));
 }
 
-TEST_F(CommandLine, bashCompletesEveryCommand) {
+TEST_F(CommandLine, completesEveryCommandInBash) {
     for (const std::string& command : kCommands) {
         SCOPED_TRACE(command);
         std::vector<std::string> words = WordsOf(command);

@@ -21,7 +21,7 @@ class DiffCommand : public testing::Test {
   protected:
     DiffCommand() { WriteFile("a.trk", BinaryFile(Sample())); }
 
-    /// The lines of a comparison of the sample with another track, which must be different.
+    /// The lines of a comparison of the sample with another track, which must differ.
     static std::vector<std::string> Differences(const Track& other) {
         WriteFile("b.trk", BinaryFile(other));
         const ToolResult result = RunTrackTool({"diff", "a.trk", "b.trk"});
@@ -32,9 +32,9 @@ class DiffCommand : public testing::Test {
     TemporaryFolder folder;
 };
 
-TEST_F(DiffCommand, findsNothingInEqualTracksOfAnyEncoding) {
+TEST_F(DiffCommand, findsNoDifferenceInEqualTracksOfAnyEncoding) {
     Track rounded = Sample();
-    rounded.rulers = {{0, 0, 0, 1, 2, 3, 4, 1, 5}}; // follows from the paths elsewhere
+    rounded.rulers = {{0, 0, 0, 1, 2, 3, 4, 1, 5}}; // normally follows from the paths
     rounded.heights[3] = *rounded.heights[3] + 0.2; // a binary track has steps of 0.25
     WriteFile("text.trk", TextFile(rounded));
     const ToolResult result = RunTrackTool({"diff", "a.trk", "text.trk"});
@@ -47,18 +47,18 @@ TEST_F(DiffCommand, findsNothingInEqualTracksOfAnyEncoding) {
                             "  rows 0 to 0, columns 3 to 3"));
 }
 
-TEST_F(DiffCommand, findsDifferentInformation) {
+TEST_F(DiffCommand, reportsDifferentInformation) {
     Track other = Sample();
     other.xOffset = 11;
     other.anchor[2] = 45;
     for (independent::Segment& point : other.segments)
-        point.relativeX -= 1 / 20.0; // the same places in the world
+        point.relativeX -= 1 / 20.0; // the same world coordinates
     EXPECT_THAT(Differences(other), testing::Contains("information"));
     EXPECT_THAT(Differences(other), testing::Contains("  xOffset: 10 | 11"));
     EXPECT_THAT(Differences(other), testing::Contains("  anchorAngle: 0 | 45"));
 }
 
-TEST_F(DiffCommand, findsDifferentHeights) {
+TEST_F(DiffCommand, reportsDifferentHeights) {
     Track other = Sample();
     other.cells[2 * 40 + 5] += 4;
     other.cells[3 * 40 + 9] -= 6;
@@ -72,14 +72,14 @@ TEST_F(DiffCommand, findsDifferentHeights) {
     EXPECT_EQ(reversed.Lines()[2], "  1 cells are measured in the second track alone");
 }
 
-TEST_F(DiffCommand, doesNotCompareTheHeightsOfMapsWithOtherDimensions) {
+TEST_F(DiffCommand, skipsTheHeightsOfMapsWithDifferentDimensions) {
     const Track other = SmallTrack(PathAcross(0, 3, 0.25, 50), 20, 40);
     const auto lines = Differences(other);
     EXPECT_THAT(lines, testing::Contains("  width: 40 | 20"));
     EXPECT_THAT(lines, testing::Contains("  not compared, since the maps have different dimensions"));
 }
 
-TEST_F(DiffCommand, findsDifferentPointsAndPaths) {
+TEST_F(DiffCommand, reportsDifferentPointsAndPaths) {
     Track other = SmallTrack(PathAcross(0, 3, 0.25, 50));
     other.segments[1].relativeX = 0.55;
     other.segments[1].width = 7;
@@ -102,7 +102,7 @@ TEST_F(DiffCommand, toleratesSmallDifferences) {
     EXPECT_EQ(RunTrackTool({"diff", "--tolerance", "-1", "a.trk", "b.trk"}).code, 2);
 }
 
-TEST_F(DiffCommand, hasAFormForPrograms) {
+TEST_F(DiffCommand, printsJson) {
     Track other = Sample();
     other.yResolution = 0.5;
     other.cells[45] += 4;
@@ -122,7 +122,7 @@ TEST_F(DiffCommand, hasAFormForPrograms) {
     EXPECT_EQ(heights[QLatin1String("row")], 1);
     EXPECT_EQ(heights[QLatin1String("column")], 5);
     const QJsonArray points = difference[QLatin1String("points")].toArray();
-    ASSERT_EQ(points.size(), 3); // with the other resolution, every place is another
+    ASSERT_EQ(points.size(), 3); // with the other resolution every position differs
     EXPECT_TRUE(points[2].toObject()[QLatin1String("second")].isNull());
     EXPECT_EQ(points[2].toObject()[QLatin1String("first")].toObject()[QLatin1String("length")], 52);
     EXPECT_EQ(RunTrackTool({"diff", "--json", "a.trk", "a.trk"}).Objects()[0][QLatin1String("equal")], true);

@@ -15,7 +15,7 @@ using testing::HasSubstr;
 using testing::SizeIs;
 using testing::StartsWith;
 
-/// 40 x 20 cells of 0.5 x 0.25; world heights 0 to 39 + 19 x 0.25. Two paths, one without measurement cell.
+/// 40 x 20 cells of 0.5 x 0.25; world heights 0 to 39 + 19 x 0.25. Two paths, one cell without measurement.
 Track Sample() {
     Track track = SmallTrack(PathAcross(0, 3, 0.25, 50));
     track.anchor = {1.5, -2.25, 30};
@@ -62,7 +62,7 @@ void ExpectSample(const QJsonObject& info) {
     EXPECT_DOUBLE_EQ(paths[0].toObject().value(QLatin1String("length")).toDouble(), 10);
 }
 
-TEST_F(InfoCommand, isThatOfTheFileInBothEncodings) {
+TEST_F(InfoCommand, showsTheContentInBothEncodings) {
     WriteFile("binary.trk", BinaryFile(Sample()));
     WriteFile("text.trk", TextFile(Sample()));
     const QJsonObject binary = InfoOf("binary.trk");
@@ -87,7 +87,7 @@ TEST_F(InfoCommand, agreesWithTheIndependentReaderOnRealTracks) {
     EXPECT_EQ(static_cast<std::size_t>(points), track.segments.size());
 }
 
-TEST_F(InfoCommand, isReadable) {
+TEST_F(InfoCommand, printsReadableText) {
     WriteFile("a.trk", BinaryFile(Sample()));
     EXPECT_THAT(RunTrackTool({"info", "a.trk"}).Lines(),
                 ElementsAre("a.trk", "  Encoding              binary",
@@ -98,21 +98,21 @@ TEST_F(InfoCommand, isReadable) {
                             "    1                   3 points, length 10"));
 }
 
-TEST_F(InfoCommand, saysThatATextTrackHasNoPathSection) {
-    const std::string whole = TextFile(Sample());
-    WriteFile("a.trk", whole.substr(0, whole.find("Ruler")));
+TEST_F(InfoCommand, reportsATextTrackWithoutPathSection) {
+    const std::string complete = TextFile(Sample());
+    WriteFile("a.trk", complete.substr(0, complete.find("Ruler")));
     EXPECT_TRUE(InfoOf("a.trk").value(QLatin1String("paths")).isNull());
     EXPECT_THAT(RunTrackTool({"info", "a.trk"}).output, HasSubstr("no section with paths"));
 }
 
-TEST_F(InfoCommand, hasNoHeightsWhereNothingIsMeasured) {
+TEST_F(InfoCommand, showsNoHeightsWithoutMeasurements) {
     Track track = Sample();
     track.cells.assign(track.cells.size(), independent::kNoMeasurement);
     WriteFile("a.trk", BinaryFile(track));
     EXPECT_TRUE(InfoOf("a.trk").value(QLatin1String("minHeight")).isNull());
 }
 
-TEST_F(InfoCommand, goesOnAfterAFileThatCannotBeRead) {
+TEST_F(InfoCommand, continuesAfterAnUnreadableFile) {
     WriteFile("good.trk", BinaryFile(Sample()));
     WriteFile("bad.trk", BinaryFile(Sample()).substr(0, 100));
     const ToolResult result = RunTrackTool({"info", "--json", "bad.trk", "missing.trk", ".", "good.trk"});
@@ -124,7 +124,7 @@ TEST_F(InfoCommand, goesOnAfterAFileThatCannotBeRead) {
                            "corvane-track info: .: Is a directory\n"));
 }
 
-TEST_F(InfoCommand, refusesAVersionWhoseLayoutIsUnknown) {
+TEST_F(InfoCommand, refusesAnUnknownVersion) {
     std::string content = BinaryFile(Sample());
     content[8] = 2;
     WriteFile("a.trk", content);

@@ -38,7 +38,7 @@ class PathsCommands : public testing::Test {
         WriteFile("text.trk", TextFile(Sample()));
     }
 
-    /// Imports a list, which must be refused for this reason, and leave the track as it was.
+    /// Imports a list, which must be refused for this reason and leave the track unchanged.
     static void ExpectRefused(const std::string& list, const std::string& reason,
                               const std::string& name = "list.csv") {
         const std::string before = FileContent("binary.trk");
@@ -56,8 +56,8 @@ Track ReadTrack(const std::string& file) {
     return independent::ReadBinary(FileContent(file));
 }
 
-/// The ticks of one straight segment, worked out by hand: along the segment every Space + 1 pixels of the
-/// aspect-corrected image, from its start to before its end, Length / 2 to both sides.
+/// The ticks of one straight segment, calculated independently: along the segment every Space + 1 pixels of
+/// the aspect-corrected image, from its start to before its end, Length / 2 to both sides.
 std::vector<independent::Ruler> TicksOf(const Segment& from, const Segment& to, const Track& track) {
     constexpr double kShownWidth = 80; // 40 columns, twice as wide as high
     std::vector<independent::Ruler> ticks;
@@ -75,7 +75,7 @@ std::vector<independent::Ruler> TicksOf(const Segment& from, const Segment& to, 
     return ticks;
 }
 
-TEST_F(PathsCommands, exportEveryPointWithItsPlaceInTheWorld) {
+TEST_F(PathsCommands, exportsEveryPointWithItsWorldPosition) {
     const ToolResult result = RunTrackTool({"paths", "export", "binary.trk"});
     EXPECT_EQ(result.code, 0) << result.errors;
     EXPECT_THAT(result.Lines(),
@@ -87,7 +87,7 @@ TEST_F(PathsCommands, exportEveryPointWithItsPlaceInTheWorld) {
     EXPECT_EQ(FileContent("list.csv"), result.output);
 }
 
-TEST_F(PathsCommands, importWhatTheyExportedBitForBit) {
+TEST_F(PathsCommands, importsItsOwnExportBitForBit) {
     RunTrackTool({"paths", "export", "binary.trk", "-o", "list.csv"});
     Track other = Sample();
     other.segments = SmallTrack(PathAcross(0, 5, 0.75, 20)).segments;
@@ -97,7 +97,7 @@ TEST_F(PathsCommands, importWhatTheyExportedBitForBit) {
     EXPECT_FALSE(written.rulers.empty());
     written.rulers.clear();
     Track expected = Sample();
-    expected.heights.clear(); // the binary encoding holds none of these
+    expected.heights.clear(); // not stored in the binary encoding
     expected.columnPositions.clear();
     expected.rowPositions.clear();
     EXPECT_EQ(written, expected);
@@ -126,7 +126,7 @@ TEST_F(PathsCommands, importComputesTheRulerMarks) {
     }
 }
 
-TEST_F(PathsCommands, importTakesWhatTheEditorKeepsAfterACrash) {
+TEST_F(PathsCommands, importsTheEditorsCrashFile) {
     TrackPath path;
     path.AppendPoint({{1.0 / 3.0, 0.1}, 2, 30, 40, 50});
     path.AppendPoint({{0.7, 2.0 / 3.0}, 3, 31, 41, 51});
@@ -143,7 +143,7 @@ TEST_F(PathsCommands, importTakesWhatTheEditorKeepsAfterACrash) {
                 ElementsAre(2, 30, 40, 50));
 }
 
-TEST_F(PathsCommands, importCanGoByWorldCoordinates) {
+TEST_F(PathsCommands, importsWorldCoordinates) {
     WriteFile("list.csv", "X,Y,Track\n15,21.25,0\n20,22.5,0\n");
     EXPECT_EQ(RunTrackTool({"paths", "import", "binary.trk", "list.csv", "--coordinates", "world"}).errors,
               "");
@@ -152,12 +152,12 @@ TEST_F(PathsCommands, importCanGoByWorldCoordinates) {
     EXPECT_EQ(written.segments[1].relativeX, 0.5);
     EXPECT_EQ(written.segments[1].relativeY, 0.5);
     EXPECT_EQ(written.segments[1].x, 20);
-    EXPECT_EQ(written.segments[1].length, 100); // what a new point has
+    EXPECT_EQ(written.segments[1].length, 100); // the default of a new point
     EXPECT_EQ(written.segments[1].width, 50);
     EXPECT_EQ(written.segments[1].space, 100);
 }
 
-TEST_F(PathsCommands, jsonHasALineStringInWorldCoordinatesForEachPath) {
+TEST_F(PathsCommands, exportsALineStringPerPathAsJson) {
     EXPECT_EQ(RunTrackTool({"paths", "export", "text.trk", "-o", "list.geojson"}).errors, "");
     const QJsonObject collection =
         QJsonDocument::fromJson(QByteArray::fromStdString(FileContent("list.geojson"))).object();
@@ -174,7 +174,7 @@ TEST_F(PathsCommands, jsonHasALineStringInWorldCoordinatesForEachPath) {
     EXPECT_EQ(properties[QLatin1String("width")], (QJsonArray{60, 61, 62}));
 }
 
-TEST_F(PathsCommands, jsonComesBackToTheSamePlaces) {
+TEST_F(PathsCommands, importsItsOwnJsonToTheSamePositions) {
     RunTrackTool({"paths", "export", "binary.trk", "-o", "list.json"});
     Track blank = Sample();
     blank.segments.clear();
@@ -191,7 +191,7 @@ TEST_F(PathsCommands, jsonComesBackToTheSamePlaces) {
     }
 }
 
-TEST_F(PathsCommands, jsonMayHaveOneNumberForAllSegments) {
+TEST_F(PathsCommands, importsOneNumberForAllSegmentsFromJson) {
     WriteFile("list.json", R"({"type": "FeatureCollection", "features": [{"type": "Feature",
         "properties": {"width": 7}, "geometry": {"type": "LineString", "coordinates": [[10, 20], [30, 25]]}}]})");
     EXPECT_EQ(RunTrackTool({"paths", "import", "binary.trk", "list.json"}).errors, "");
@@ -203,7 +203,7 @@ TEST_F(PathsCommands, jsonMayHaveOneNumberForAllSegments) {
     EXPECT_EQ(written.segments[1].relativeY, 1);
 }
 
-TEST_F(PathsCommands, importIntoATextTrackNamesItsTarget) {
+TEST_F(PathsCommands, importRequiresATargetForATextTrack) {
     RunTrackTool({"paths", "export", "binary.trk", "-o", "list.csv"});
     const std::string before = FileContent("text.trk");
     const ToolResult unnamed = RunTrackTool({"paths", "import", "text.trk", "list.csv"});
@@ -217,32 +217,31 @@ TEST_F(PathsCommands, importIntoATextTrackNamesItsTarget) {
     EXPECT_EQ(ReadTrack("text.trk").segments, Sample().segments);
 }
 
-TEST_F(PathsCommands, importGivesATextTrackThePathSectionThatItLacks) {
-    const std::string whole = TextFile(Sample());
-    WriteFile("blank.trk", whole.substr(0, whole.find("Ruler")));
+TEST_F(PathsCommands, importAddsAMissingPathSectionToATextTrack) {
+    const std::string complete = TextFile(Sample());
+    WriteFile("blank.trk", complete.substr(0, complete.find("Ruler")));
     RunTrackTool({"paths", "export", "binary.trk", "-o", "list.csv"});
     EXPECT_EQ(RunTrackTool({"paths", "export", "blank.trk"}).code, 3);
     EXPECT_EQ(RunTrackTool({"paths", "import", "blank.trk", "list.csv", "-o", "new.trk"}).errors, "");
     EXPECT_EQ(ReadTrack("new.trk").segments, Sample().segments);
 }
 
-TEST_F(PathsCommands, importRefusesWhatIsNotClear) {
+TEST_F(PathsCommands, importRefusesAmbiguousInput) {
     ExpectRefused("", "line 0: no header line");
     ExpectRefused("0,0,0.5,0.5\n", "line 1: unknown column '0'");
-    ExpectRefused("Track,RelativeX\n", "line 1: column RelativeY is needed once");
-    ExpectRefused("Track,Track,RelativeX,RelativeY\n", "line 1: column Track is needed once");
+    ExpectRefused("Track,RelativeX\n", "line 1: column RelativeY is required exactly once");
+    ExpectRefused("Track,Track,RelativeX,RelativeY\n", "line 1: column Track is required exactly once");
     ExpectRefused("Track,RelativeX,RelativeY\n0,0.5\n", "line 2: 2 fields in place of 3");
-    ExpectRefused("Track,RelativeX,RelativeY\n\n0,half,0.5\n",
-                  "line 3: RelativeX is 'half', which is no number");
+    ExpectRefused("Track,RelativeX,RelativeY\n\n0,half,0.5\n", "line 3: RelativeX is 'half', not a number");
     ExpectRefused("Track,RelativeX,RelativeY\n0,nan,0.5\n", "line 2: the point has no place in the track");
     ExpectRefused("Track,RelativeX,RelativeY,Width\n0,0.5,0.5,1.5\n",
-                  "line 2: Width is '1.5', which is no whole number");
+                  "line 2: Width is '1.5', not an integer");
     ExpectRefused("Track,RelativeX,RelativeY\n0,0.5,0.5\n2,0.5,0.5\n",
-                  "line 3: Track 2 neither goes on with the Track before nor starts Track 1");
+                  "line 3: Track 2 neither continues the previous Track nor starts Track 1");
     ExpectRefused("Track,Segment,RelativeX,RelativeY\n0,0,0.5,0.5\n0,2,0.5,0.5\n",
                   "line 3: Segment is 2 where 1 was expected");
     ExpectRefused("Track,RelativeX,RelativeY\n0,\\x,0.5\n", "line 2: unknown escape sequence");
-    ExpectRefused("{\"type\": 1}", "no FeatureCollection with features", "list.json");
+    ExpectRefused("{\"type\": 1}", "not a FeatureCollection with features", "list.json");
     ExpectRefused("{", "byte 1: unterminated object", "list.json");
     const auto feature = [](const std::string& properties, const std::string& coordinates) {
         return R"({"type": "FeatureCollection", "features": [{"type": "Feature", "properties": {)" +
@@ -250,16 +249,16 @@ TEST_F(PathsCommands, importRefusesWhatIsNotClear) {
                "]}}]}";
     };
     ExpectRefused(feature("", ""), "feature 0: no coordinates", "list.json");
-    ExpectRefused(feature("", "[1]"), "feature 0: point 0 is no pair of numbers", "list.json");
+    ExpectRefused(feature("", "[1]"), "feature 0: point 0 is not a pair of numbers", "list.json");
     ExpectRefused(feature("\"track\": 1", "[1, 2]"), "feature 0: its track is not 0", "list.json");
     ExpectRefused(feature("\"width\": [1, 2]", "[1, 2]"), "feature 0: width has 2 entries for 1 points",
                   "list.json");
-    ExpectRefused(feature("\"width\": 2.5", "[1, 2]"), "feature 0: width is no whole number", "list.json");
-    ExpectRefused(feature("\"width\": 3000000000", "[1, 2]"), "feature 0: width is no whole number",
+    ExpectRefused(feature("\"width\": 2.5", "[1, 2]"), "feature 0: width is not an integer", "list.json");
+    ExpectRefused(feature("\"width\": 3000000000", "[1, 2]"), "feature 0: width is not an integer",
                   "list.json");
 }
 
-TEST_F(PathsCommands, importLeavesTheTrackWhereItCannotBeWritten) {
+TEST_F(PathsCommands, importLeavesAnUnwritableTrackUnchanged) {
     RunTrackTool({"paths", "export", "binary.trk", "-o", "list.csv"});
     const std::string before = FileContent("binary.trk");
     const ToolResult result =
@@ -270,8 +269,8 @@ TEST_F(PathsCommands, importLeavesTheTrackWhereItCannotBeWritten) {
     EXPECT_EQ(RunTrackTool({"paths", "export", "binary.trk", "-o", "missing/list.csv"}).code, 4);
 }
 
-TEST_F(PathsCommands, importRefusesMoreRulerMarksThanAFileHolds) {
-    // 2^31 pixels in steps of one: more ticks than are ever built.
+TEST_F(PathsCommands, importRefusesTooManyRulerMarks) {
+    // 2^31 pixels in steps of one: more ticks than the limit.
     WriteFile("list.csv", "Track,RelativeX,RelativeY,Space\n0,0,0,0\n0,20000000,0,0\n");
     const std::string before = FileContent("binary.trk");
     const ToolResult result = RunTrackTool({"paths", "import", "binary.trk", "list.csv"});
@@ -280,7 +279,7 @@ TEST_F(PathsCommands, importRefusesMoreRulerMarksThanAFileHolds) {
     EXPECT_EQ(FileContent("binary.trk"), before);
 }
 
-TEST_F(PathsCommands, convertWritesWhatATextTrackHoldsAsABinaryOne) {
+TEST_F(PathsCommands, convertsATextTrackToBinary) {
     EXPECT_EQ(RunTrackTool({"convert", "text.trk", "new.trk"}).errors, "");
     const Track written = ReadTrack("new.trk");
     EXPECT_EQ(written.cells, Sample().cells);
@@ -292,18 +291,18 @@ TEST_F(PathsCommands, convertWritesWhatATextTrackHoldsAsABinaryOne) {
     EXPECT_FALSE(written.rulers.empty());
 }
 
-TEST_F(PathsCommands, convertRefusesWhatItWouldNotKeep) {
+TEST_F(PathsCommands, convertRefusesContentThatWouldBeLost) {
     const ToolResult binary = RunTrackTool({"convert", "binary.trk", "new.trk"});
     EXPECT_EQ(binary.code, 3);
-    EXPECT_EQ(binary.errors, "corvane-track convert: binary.trk: a binary track already\n");
+    EXPECT_EQ(binary.errors, "corvane-track convert: binary.trk: already a binary track\n");
     Track high = Sample();
     high.heights[5] = 1e9;
     WriteFile("high.trk", TextFile(high));
     const ToolResult lost = RunTrackTool({"convert", "high.trk", "new.trk"});
     EXPECT_EQ(lost.code, 3);
     EXPECT_THAT(lost.errors, HasSubstr("row=0 column=5"));
-    const std::string whole = TextFile(Sample());
-    WriteFile("blank.trk", whole.substr(0, whole.find("Ruler")));
+    const std::string complete = TextFile(Sample());
+    WriteFile("blank.trk", complete.substr(0, complete.find("Ruler")));
     EXPECT_EQ(RunTrackTool({"convert", "blank.trk", "new.trk"}).errors,
               "corvane-track convert: blank.trk: no section with paths\n");
     EXPECT_FALSE(std::filesystem::exists("new.trk"));

@@ -57,7 +57,7 @@ class ProfileCommand : public testing::Test {
     TemporaryFolder folder;
 };
 
-TEST_F(ProfileCommand, isThatOfTheCellsBelowThePath) {
+TEST_F(ProfileCommand, samplesTheCellsAlongThePath) {
     const std::vector<std::string> expected = {
         "Distance,X,Y,Segment,Column,Row,Height",
         "0,12.25,21.375,0,4,5,5.25",
@@ -72,13 +72,13 @@ TEST_F(ProfileCommand, isThatOfTheCellsBelowThePath) {
     EXPECT_EQ(RunTrackTool({"profile", "text.trk", "--step", "1"}).Lines(), expected);
 }
 
-TEST_F(ProfileCommand, endsAtTheLastPointWhateverTheStep) {
+TEST_F(ProfileCommand, endsAtTheLastPointForAnyStep) {
     EXPECT_THAT(RunTrackTool({"profile", "a.trk", "--step", "4"}).Lines(),
                 ElementsAre("Distance,X,Y,Segment,Column,Row,Height", "0,12.25,21.375,0,4,5,5.25",
                             "4,16.25,21.375,1,12,5,13.25", "6,16.25,23.375,1,12,13,15.25"));
 }
 
-TEST_F(ProfileCommand, stepsByTheFinerResolutionUnlessToldOtherwise) {
+TEST_F(ProfileCommand, stepsByTheFinerResolutionByDefault) {
     EXPECT_EQ(RunTrackTool({"profile", "a.trk"}).Lines().size(), 1 + 6 / 0.25 + 1);
 }
 
@@ -89,14 +89,14 @@ TEST_F(ProfileCommand, hasNoHeightOutsideTheMap) {
                             "2,31,20.25,0,,1,"));
 }
 
-TEST_F(ProfileCommand, ofASinglePointHasOneHeight) {
+TEST_F(ProfileCommand, givesOneHeightForASinglePoint) {
     EXPECT_THAT(RunTrackTool({"profile", "a.trk", "--path", "3"}).Lines(),
                 ElementsAre("Distance,X,Y,Segment,Column,Row,Height", "0,30,25,0,39,19,43.75"));
 }
 
-TEST_F(ProfileCommand, givesTheHeightsOfATextTrackAsTheyAreWritten) {
+TEST_F(ProfileCommand, givesUnroundedHeightsOfATextTrack) {
     Track track = Sample();
-    track.heights[5 * 40 + 4] = 5.37; // no multiple of the Z resolution
+    track.heights[5 * 40 + 4] = 5.37; // not a multiple of the Z resolution
     WriteFile("text.trk", TextFile(track));
     EXPECT_EQ(RunTrackTool({"profile", "text.trk", "--step", "4"}).Lines()[1], "0,12.25,21.375,0,4,5,5.37");
 }
@@ -112,7 +112,7 @@ TEST_F(ProfileCommand, plotsTheCurve) {
     const int left = curve.front().column;
     const double width = curve.back().column - left;
     // Heights never fall along this path. Samples 0.75 and 1 of 6 are not measured: nothing is drawn between
-    // those beside them.
+    // their neighbours.
     for (std::size_t i = 1; i < curve.size(); ++i) {
         EXPECT_LE(curve[i].row, curve[i - 1].row + 1) << curve[i].column;
         const double distance = (curve[i].column - left) / width * 6;
@@ -126,7 +126,7 @@ TEST_F(ProfileCommand, plotsTheCurve) {
     EXPECT_TRUE(std::filesystem::exists("b.png"));
 }
 
-TEST_F(ProfileCommand, leavesNothingBehindForThePlot) {
+TEST_F(ProfileCommand, removesTemporaryFilesOfThePlot) {
     RunTrackTool({"profile", "a.trk", "--plot", "a.png"});
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator("."))
@@ -134,7 +134,7 @@ TEST_F(ProfileCommand, leavesNothingBehindForThePlot) {
     EXPECT_THAT(names, testing::UnorderedElementsAre("a.trk", "text.trk", "a.png"));
 }
 
-TEST_F(ProfileCommand, refusesWhatGivesNoProfile) {
+TEST_F(ProfileCommand, refusesPathsWithoutAProfile) {
     const ToolResult path = RunTrackTool({"profile", "a.trk", "--path", "4"});
     EXPECT_EQ(path.code, 2);
     EXPECT_THAT(path.errors, HasSubstr("has 3 paths, and none with number 4"));

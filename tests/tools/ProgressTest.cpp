@@ -13,7 +13,7 @@ namespace {
 using testing::EndsWith;
 using testing::HasSubstr;
 
-/// A terminal in the place of standard error while the object lives.
+/// Replaces standard error by a terminal while the object lives.
 class Terminal {
   public:
     Terminal() : master(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK)), before(dup(STDERR_FILENO)) {
@@ -44,10 +44,10 @@ class Terminal {
     int before;
 };
 
-TEST(Progress, showsOnATerminalHowFarALongJobIs) {
+TEST(Progress, showsTheProgressOnATerminal) {
     const Terminal terminal;
     Progress progress("Reading a.osbak");
-    progress.Update(1, 4); // too early to wonder
+    progress.Update(1, 4); // too early to be shown
     EXPECT_EQ(terminal.Shown(), "");
     std::string shown;
     while ((shown = terminal.Shown()).empty())
@@ -58,11 +58,11 @@ TEST(Progress, showsOnATerminalHowFarALongJobIs) {
     EXPECT_THAT(shown, EndsWith("  100 %"));
     progress.Clear();
     EXPECT_EQ(terminal.Shown(), "\r\033[K");
-    progress.Clear(); // there is nothing any more
+    progress.Clear(); // nothing is left to clear
     EXPECT_EQ(terminal.Shown(), "");
 }
 
-TEST(Progress, namesThePartOfTheJobAndGoesWithIt) {
+TEST(Progress, namesThePartAndRemovesItsLine) {
     const Terminal terminal;
     {
         Progress progress("Reading");

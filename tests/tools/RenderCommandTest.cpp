@@ -37,7 +37,7 @@ Track SquareSample() {
 
 class RenderCommand : public testing::Test {
   protected:
-    /// The picture that the program makes of a track.
+    /// The picture that the program draws of a track.
     static QImage Render(const Track& track, const std::vector<std::string>& options) {
         WriteFile("a.trk", BinaryFile(track));
         std::vector<std::string> words = {"render", "a.trk", "a.png"};
@@ -50,7 +50,7 @@ class RenderCommand : public testing::Test {
     TemporaryFolder folder;
 };
 
-/// A pixel for each cell, in the colour of its height.
+/// One pixel per cell, in the colour of its height.
 QImage MapOf(const Track& track) {
     QImage map(track.width, track.height, QImage::Format_RGB32);
     const double low = *std::min_element(track.cells.begin(), track.cells.end(), [](auto one, auto other) {
@@ -67,7 +67,7 @@ QImage MapOf(const Track& track) {
     return map;
 }
 
-/// How many pixels of two pictures of one size differ.
+/// The number of pixels that differ between two pictures of the same size.
 int CountDifferences(const QImage& one, const QImage& other) {
     EXPECT_EQ(one.size(), other.size());
     int count = 0;
@@ -119,7 +119,7 @@ TEST_F(RenderCommand, drawsPathsAsTheCanvasDoes) {
 
 TEST_F(RenderCommand, drawsTheBandsOfTheRuler) {
     const QImage picture = Render(Sample(), {});
-    // Ticks at 0, 20, ... 100 of the 120 pixels between the points, with bands of 6 x 10 pixels round them.
+    // Ticks at 0, 20, ... 100 of the 120 pixels between the points, with bands of 6 x 10 pixels around them.
     for (int x = 60; x < 180; x += 20) {
         for (const int side : {-3, 3})
             for (const int end : {-5, 5})
@@ -152,7 +152,7 @@ TEST_F(RenderCommand, refusesAPictureThatIsTooLarge) {
     EXPECT_FALSE(std::filesystem::exists("a.png"));
 }
 
-TEST_F(RenderCommand, saysWhatCannotBeReadOrWritten) {
+TEST_F(RenderCommand, reportsUnreadableAndUnwritableFiles) {
     Track flat = Sample();
     flat.cells.assign(flat.cells.size(), 7);
     WriteFile("flat.trk", BinaryFile(flat));

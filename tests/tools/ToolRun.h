@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// How a run of corvane-track ended, and what it wrote.
+/// The exit code and the output of a run of corvane-track.
 struct ToolResult {
     int code = -1; ///< -1 when it crashed
     std::string output;
@@ -13,7 +13,7 @@ struct ToolResult {
 
     /// The output's lines.
     [[nodiscard]] std::vector<std::string> Lines() const;
-    /// The output's lines as JSON objects; empty ones where a line is none.
+    /// The output's lines as JSON objects; empty for a line that is not one.
     [[nodiscard]] std::vector<QJsonObject> Objects() const;
 };
 

@@ -54,7 +54,7 @@ void Stage::Expect(bool condition, const std::string& what) {
 }
 
 void Stage::Picture(const std::string& name) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(150)); // the screen catches up with the last event
+    std::this_thread::sleep_for(std::chrono::milliseconds(150)); // until the screen shows the last event
     const int number = ++pictureCount;
     const std::string file =
         pictures + (number < 10 ? "/0" : "/") + std::to_string(number) + "-" + name + ".png";
@@ -64,7 +64,7 @@ void Stage::Picture(const std::string& name) {
 }
 
 void Stage::ClickOn(const char* widget) {
-    hand.Click(CentreOf(widget));
+    user.Click(CentreOf(widget));
 }
 
 void Stage::OpenList(const char* comboBox) {
@@ -85,16 +85,16 @@ void Stage::Choose(const char* comboBox, const QString& item) {
                              box->view()->visualRect(box->model()->index(row, 0)).center());
     });
     Expect(!place.isNull(), std::string(comboBox) + " offers " + item.toStdString());
-    hand.Click(place);
-    // An operation may leave the list at once for a dialog; the list itself is gone either way.
+    user.Click(place);
+    // An operation may open a dialog directly; the list is closed in any case.
     WaitUntil([&] { return !box->view()->isVisible(); }, std::string(comboBox) + " closes its list");
 }
 
 void Stage::Enter(const char* widget, const std::string& text) {
     ClickOn(widget);
-    hand.ControlKey("a");
-    hand.Type(text);
-    hand.Key("Tab");
+    user.ControlKey("a");
+    user.Type(text);
+    user.Key("Tab");
 }
 
 void Stage::AnswerFileDialog(const std::string& path) {
@@ -111,12 +111,12 @@ void Stage::AnswerFileDialog(const std::string& path) {
         name->window()->activateWindow();
         place = OnScreen(*name, name->rect().center());
     });
-    hand.Click(place);
+    user.Click(place);
     WaitUntil([&] { return name->hasFocus(); }, "the dialog takes the name");
-    hand.ControlKey("a");
-    hand.Type(path);
-    WaitUntil([&] { return name->text().toStdString() == path; }, "the name stands in the dialog");
-    hand.Key("Return");
+    user.ControlKey("a");
+    user.Type(path);
+    WaitUntil([&] { return name->text().toStdString() == path; }, "the name is in the dialog");
+    user.Key("Return");
     WaitUntil([] { return qobject_cast<QFileDialog*>(QApplication::activeModalWidget()) == nullptr; },
               "the file dialog closes");
 }

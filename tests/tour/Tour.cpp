@@ -23,7 +23,7 @@ void Begin(const std::string& scenario) {
     std::fflush(stdout);
 }
 
-/// Whether a file, read by other code than the editor's, holds the paths that stand on the canvas.
+/// Whether a file, read independently of the editor's code, has the paths of the canvas.
 bool FileHolds(const std::string& path, const std::vector<TrackPath>& canvas) {
     const std::vector<independent::Segment> stored = independent::ReadBinary(FileContent(path)).segments;
     std::size_t next = 0;
@@ -90,7 +90,7 @@ void Tour::RunMainScenario() {
     EditAnExternalTrack(longName);
     stage.OpenList("comboBox_file");
     stage.Picture("list");
-    stage.hand.Key("Escape");
+    stage.user.Key("Escape");
     Stage::Expect(stage.IsOnScreen(), "the window is on the screen completely");
 }
 
@@ -183,15 +183,15 @@ void Tour::Load(const QString& name) {
 }
 
 void Tour::DrawAPath() {
-    // A loaded track's paths count as open until they are closed one by one.
+    // The paths of a loaded track are open until each is closed.
     Say("close what is open, then draw a path of four points");
     const std::size_t before = stage.PathsOnCanvas().size();
     for (std::size_t closed = 0; closed < before; ++closed)
-        stage.hand.DoubleClick(stage.PlaceOf(stage.PathsOnCanvas().back().points.back()));
-    stage.hand.MoveTo(stage.OnCanvas(0.15, 0.2));
+        stage.user.DoubleClick(stage.PlaceOf(stage.PathsOnCanvas().back().points.back()));
+    stage.user.MoveTo(stage.OnCanvas(0.15, 0.2));
     for (const QPointF& place : {QPointF(0.15, 0.2), QPointF(0.35, 0.45), QPointF(0.6, 0.35)})
-        stage.hand.Click(stage.OnCanvas(place.x(), place.y()));
-    stage.hand.DoubleClick(stage.OnCanvas(0.8, 0.7));
+        stage.user.Click(stage.OnCanvas(place.x(), place.y()));
+    stage.user.DoubleClick(stage.OnCanvas(0.8, 0.7));
     stage.WaitUntil(
         [&] {
             const std::vector<TrackPath> paths = stage.PathsOnCanvas();
@@ -205,13 +205,13 @@ void Tour::DragItsLastPoint() {
     Say("drag its last point");
     const QPointF before = stage.PathsOnCanvas().back().points.back();
     const QPoint target = stage.OnCanvas(0.7, 0.85);
-    stage.hand.Drag(stage.PlaceOf(before), target);
+    stage.user.Drag(stage.PlaceOf(before), target);
     stage.WaitUntil(
         [&] {
             const QPoint now = stage.PlaceOf(stage.PathsOnCanvas().back().points.back());
             return (now - target).manhattanLength() <= 1;
         },
-        "the point is where the hand let it go");
+        "the point is where the mouse button was released");
     Stage::Expect(stage.PathsOnCanvas().back().points.size() == 4, "the drag added no point");
     stage.Picture("point-dragged");
 }

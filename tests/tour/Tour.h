@@ -6,18 +6,18 @@
 #include <string>
 #include <vector>
 
-/// The main job from end to end, as an operator does it. Each scenario prints its steps and throws when one
-/// does not do what it says. The working directory holds "station.osbak" and "fault.trk", which are edited.
+/// The complete work of an operator. Each scenario prints its steps and throws when one fails. The working
+/// directory holds "station.osbak" and "fault.trk", which are edited.
 class Tour {
   public:
     /// @param workspace the folder that the sensor server on loopback serves
     Tour(Stage& stage, std::string workspace);
 
-    /// Every scenario; called from a thread of its own.
+    /// Runs every scenario; called from the tour's thread.
     void Run();
 
-    /// A backup file edited, and a track of a very long name: what may look different on another desktop. The
-    /// window never leaves the screen. Called from a thread of its own.
+    /// Edits a backup file and a track with a very long name, which may look different on another desktop,
+    /// and checks that the window stays on the screen. Called from the tour's thread.
     void RunMainScenario();
 
   private:

@@ -1,5 +1,5 @@
-// The tour: the editor's own window, worked through the display by a mouse and a keyboard.
-// Usage: corvane-tour PICTURES [DESKTOP], in a folder of its own that holds "station.osbak", "fault.trk" and
+// The tour: operates the editor's window through the display with simulated mouse and keyboard.
+// Usage: corvane-tour PICTURES [DESKTOP], in a folder that has "station.osbak", "fault.trk" and
 // the folder "served", the workspace of the sensor server that it starts. Desktops: see Desktop.h.
 
 #include "Desktop.h"
@@ -16,7 +16,7 @@
 
 namespace {
 
-/// In milliseconds: the simulated user's double clicks are slow on a machine with much else to do.
+/// In milliseconds: the simulated user's double clicks are slow on a busy machine.
 constexpr int kDoubleClickInterval = 3000;
 
 int Failed(const char* reason) {
@@ -25,10 +25,10 @@ int Failed(const char* reason) {
 }
 
 /// Runs the tour and ends the application with its result.
-void RunTour(Stage& stage, Tour& tour, bool whole) {
+void RunTour(Stage& stage, Tour& tour, bool complete) {
     int result = 0;
     try {
-        if (whole)
+        if (complete)
             tour.Run();
         else
             tour.RunMainScenario();
@@ -53,7 +53,7 @@ int main(int argc, char** argv) {
         return Failed("usage: corvane-tour PICTURES [DESKTOP]");
     try {
         Desktop desktop(argc == 3 ? argv[2] : "plain");
-        // A slow archive, so that the busy sign is seen.
+        // A slow archive, so that the busy indicator is visible.
         const OstraServerProcess server(
             "served", {"--fault-delay", "1500", "--fault-path", "/system/commands/archive"});
         qputenv("OSTRA_DISCOVERY", QByteArray::fromStdString(server.DiscoveryAddress()));

@@ -1,9 +1,8 @@
 #include "tools/backup/BackupCheck.h"
 
 #include "cinder/TarName.h"
-#include "tools/backup/BackupUnpacking.h"
+#include "tools/backup/BackupFile.h"
 #include "tools/backup/BackupWalk.h"
-#include "tools/backup/CountedFile.h"
 #include "tools/commandline/Failure.h"
 
 #include <QDir>
@@ -15,7 +14,7 @@ namespace {
 
 using Sink = std::function<void(const BackupProblem& problem)>;
 
-/// So many errors of one track are reported. Whoever wants all of them extracts it.
+/// The errors reported of one track; "check" on the extracted track reports all of them.
 constexpr std::int64_t kMaxErrors = 20;
 
 class Check {
@@ -35,12 +34,12 @@ class Check {
 
   private:
     void CheckEntries() {
-        const bOwned<bFile> archive = OpenCounted(backup, progress);
+        const bOwned<bFile> archive = OpenWithProgress(backup, progress);
         try {
-            const std::int64_t passedOver = WalkBackup(
+            const std::int64_t skipped = WalkBackup(
                 archive.get(), [this](const BackupEntry& entry, const EntryContent&) { CheckEntry(entry); });
-            if (passedOver > 0)
-                Report("", std::to_string(passedOver) + " links or special files, which are not unpacked");
+            if (skipped > 0)
+                Report("", std::to_string(skipped) + " links or special files, which are not unpacked");
             isReadable = names.count({false, kWorkspaceArchive}) > 0;
             if (!isReadable)
                 Report("", "no " + std::string(kWorkspaceArchive));
@@ -58,7 +57,7 @@ class Check {
             Report(shown, "more than one file with this name");
     }
 
-    /// The unpacking has the last word, whatever the check of the entries did not think of.
+    /// Unpacks the backup, which finds whatever the checks of the entries do not cover.
     void CheckUnpacking() {
         const std::string outer = InScratch("backup");
         const std::string inner = InScratch("workspace");
@@ -101,7 +100,7 @@ class Check {
         return scratch.filePath(QLatin1String(name)).toStdString();
     }
 
-    /// Without the names that the reader of a message knows already, or cannot know.
+    /// The message without the name of the backup and of the temporary folder.
     [[nodiscard]] std::string WithoutScratch(std::string text) const {
         for (const std::string& prefix :
              {backup + ": ", InScratch("workspace") + "/", InScratch("backup") + "/"})

@@ -1,6 +1,7 @@
 #include "tools/backup/BackupWalk.h"
 
 #include "cinder/TarName.h"
+#include "tools/commandline/Failure.h"
 
 #include <array>
 #include <map>
@@ -27,7 +28,7 @@ std::string ReasonFor(bStatus status) {
     case bERROR_MEMORY:
         throw std::bad_alloc();
     default:
-        return "the archive cannot be read on";
+        return "the archive cannot be read further";
     }
 }
 
@@ -38,13 +39,13 @@ bOwned<bTar> OpenArchive(bFile* file) {
     return bOwned<bTar>(tar);
 }
 
-/// Goes through one archive of the two.
+/// Visits the entries of one of the two archives.
 class Walk {
   public:
     Walk(bFile* archive, bool isWorkspace, const EntryVisitor& visit)
         : tar(OpenArchive(archive)), isWorkspace(isWorkspace), visit(visit) {}
 
-    /// @return how many entries were passed over
+    /// @return how many entries were skipped
     std::int64_t Run() {
         std::array<char, bTar_NAME_SIZE> name{};
         int kind = 0;
@@ -59,11 +60,12 @@ class Walk {
         if (status != bERROR_END)
             throw BackupDamage((isWorkspace ? "workspace: " : "") + ReasonFor(status) +
                                (last.empty() ? "" : " after " + last));
-        return passedOver + bTar_LeftOut(tar.get()).count;
+        return skipped + bTar_LeftOut(tar.get()).count;
     }
 
   private:
-    /// The file that the current entry is a hard link to, through others if need be; empty when it is none.
+    /// The file that the current entry is a hard link to, resolved through other links; empty for a normal
+    /// entry.
     std::string Original(const std::string& entry) {
         const char* const target = bTar_LinkTarget(tar.get());
         if (target == nullptr)
@@ -80,7 +82,7 @@ class Walk {
     }
 
     void WalkWorkspace(std::int64_t size) {
-        const auto source = [this](char* /*room*/, std::size_t /*capacity*/, std::string_view* block) {
+        const auto source = [this](char* /*buffer*/, std::size_t /*capacity*/, std::string_view* block) {
             *block = {};
             const bStatus status = bTar_ReadBlock(tar.get(), block);
             return status == bERROR_END ? bOK : status;
@@ -89,18 +91,25 @@ class Walk {
         if (bFile_ConstructOver(&opened, source, size, bAlloc_Application()) != bOK)
             throw std::bad_alloc();
         const bOwned<bFile> inner(opened);
-        passedOver += Walk(inner.get(), true, visit).Run();
+        skipped += Walk(inner.get(), true, visit).Run();
     }
 
     bOwned<bTar> tar;
     bool isWorkspace;
     const EntryVisitor& visit;
-    std::string last; ///< the name of the entry, fit for a message
-    std::int64_t passedOver = 0;
-    std::map<std::string, std::string> links; ///< hard links, and what they are copies of
+    std::string last; ///< the printable name of the last entry
+    std::int64_t skipped = 0;
+    std::map<std::string, std::string> links; ///< hard links and their original files
 };
 
 } // namespace
+
+std::string WorkspaceName(const std::string& given) {
+    if (!IsConfinedTarName(given) || given.ends_with('/'))
+        throw Failure(ExitCode::Misused,
+                      "'" + PrintableTarName(given) + "' is not the name of a file in a workspace");
+    return given.find('/') == std::string::npos ? std::string(kTrackFolder) + "/" + given : given;
+}
 
 bool EntryContent::Next(std::string_view* block) const {
     const bStatus status = bTar_ReadBlock(tar, block);

@@ -28,11 +28,15 @@ std::string Plain(double number) {
 
 } // namespace
 
+OptionText Switch(const QString& name, const QString& description) {
+    return {name, {}, description, {}};
+}
+
 OptionText OutputOption(const QString& description) {
     return {QStringLiteral("output"), QStringLiteral("FILE"), description, QLatin1Char('o')};
 }
 
-Arguments::Arguments(const QStringList& words, const std::vector<OptionText>& options, int least, int most) {
+Arguments::Arguments(const QStringList& words, const std::vector<OptionText>& options, int min, int max) {
     QCommandLineParser parser;
     for (const OptionText& option : options)
         parser.addOption(Known(option));
@@ -44,10 +48,10 @@ Arguments::Arguments(const QStringList& words, const std::vector<OptionText>& op
         if (parser.isSet(option.name))
             values.insert(option.name, parser.value(option.name));
     const auto count = static_cast<int>(positional.size());
-    if (count < least)
+    if (count < min)
         Misuse("too few arguments");
-    if (most >= 0 && count > most)
-        Misuse("unexpected argument '" + positional[static_cast<std::size_t>(most)] + "'");
+    if (max >= 0 && count > max)
+        Misuse("unexpected argument '" + positional[static_cast<std::size_t>(max)] + "'");
 }
 
 bool Arguments::Has(const char* option) const {
@@ -60,37 +64,36 @@ std::optional<std::string> Arguments::Text(const char* option) const {
     return values.value(QLatin1String(option)).toStdString();
 }
 
-std::optional<std::int64_t> Arguments::Whole(const char* option, std::int64_t least,
-                                             std::int64_t most) const {
+std::optional<std::int64_t> Arguments::Integer(const char* option, std::int64_t min, std::int64_t max) const {
     if (!Has(option))
         return std::nullopt;
-    bool understood = false;
-    const std::int64_t value = values.value(QLatin1String(option)).toLongLong(&understood);
-    if (!understood || value < least || value > most)
-        Misuse("--" + std::string(option) + " is a whole number from " + std::to_string(least) + " to " +
-               std::to_string(most));
+    bool isValid = false;
+    const std::int64_t value = values.value(QLatin1String(option)).toLongLong(&isValid);
+    if (!isValid || value < min || value > max)
+        Misuse("--" + std::string(option) + " is an integer from " + std::to_string(min) + " to " +
+               std::to_string(max));
     return value;
 }
 
-std::optional<double> Arguments::Number(const char* option, double least, double most) const {
+std::optional<double> Arguments::Number(const char* option, double min, double max) const {
     if (!Has(option))
         return std::nullopt;
-    bool understood = false;
-    const double value = values.value(QLatin1String(option)).toDouble(&understood);
-    if (!understood || !std::isfinite(value) || value < least || value > most)
-        Misuse("--" + std::string(option) + " is a number from " + Plain(least) + " to " + Plain(most));
+    bool isValid = false;
+    const double value = values.value(QLatin1String(option)).toDouble(&isValid);
+    if (!isValid || !std::isfinite(value) || value < min || value > max)
+        Misuse("--" + std::string(option) + " is a number from " + Plain(min) + " to " + Plain(max));
     return value;
 }
 
-std::optional<QSize> Arguments::Size(const char* option, int most) const {
+std::optional<QSize> Arguments::Size(const char* option, int max) const {
     if (!Has(option))
         return std::nullopt;
     const QStringList sides = values.value(QLatin1String(option)).split(QLatin1Char('x'));
-    bool understood[2] = {};
-    const QSize size(sides.value(0).toInt(&understood[0]), sides.value(1).toInt(&understood[1]));
-    if (sides.size() != 2 || !understood[0] || !understood[1] || size.isEmpty() || size.width() > most ||
-        size.height() > most)
-        Misuse("--" + std::string(option) + " is WIDTHxHEIGHT, both from 1 to " + std::to_string(most));
+    bool isValid[2] = {};
+    const QSize size(sides.value(0).toInt(&isValid[0]), sides.value(1).toInt(&isValid[1]));
+    if (sides.size() != 2 || !isValid[0] || !isValid[1] || size.isEmpty() || size.width() > max ||
+        size.height() > max)
+        Misuse("--" + std::string(option) + " is WIDTHxHEIGHT, both from 1 to " + std::to_string(max));
     return size;
 }
 

@@ -1,8 +1,7 @@
 #include "tools/commandline/CommandLine.h"
 
-#include "tools/commandline/CompletionScript.h"
 #include "tools/commandline/HelpText.h"
-#include "tools/commandline/TextOutput.h"
+#include "tools/commandline/Output.h"
 
 #include <cstdio>
 #include <exception>
@@ -31,7 +30,7 @@ ExitCode RunCommand(const Command& command, const QStringList& words) {
     const CommandText text = command.Text();
     try {
         return AsksForHelp(words) ? Print(HelpOf(text))
-                                  : command.Run(Arguments(words, text.options, text.least, text.most));
+                                  : command.Run(Arguments(words, text.options, text.min, text.max));
     } catch (const Failure& failure) {
         Report(text.name, failure);
         if (failure.Code() == ExitCode::Misused)
@@ -48,7 +47,7 @@ int CommandLine::Run(const QStringList& arguments) const {
     } catch (const Failure& failure) {
         Report({}, failure);
         return static_cast<int>(failure.Code());
-    } catch (const std::exception& failure) { // no memory, for one
+    } catch (const std::exception& failure) { // for example std::bad_alloc
         Report({}, failure);
         return static_cast<int>(ExitCode::Unreadable);
     }

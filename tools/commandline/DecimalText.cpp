@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::size_t kLongestDecimal = 32;
+constexpr std::size_t kMaxDecimalLength = 32;
 
 std::string_view Trimmed(std::string_view text) {
     constexpr std::string_view kBlanks = " \t";
@@ -32,13 +32,13 @@ std::optional<Number> Parse(std::string_view text) {
 } // namespace
 
 std::string ShortestDecimal(double number) {
-    std::array<char, kLongestDecimal> text{};
+    std::array<char, kMaxDecimalLength> text{};
     const auto result = std::to_chars(text.data(), text.data() + text.size(), number);
     return {text.data(), result.ptr};
 }
 
 std::string RoundedDecimal(double number, int digits) {
-    std::array<char, kLongestDecimal> text{};
+    std::array<char, kMaxDecimalLength> text{};
     const auto result =
         std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::general, digits);
     return {text.data(), result.ptr};
@@ -48,6 +48,6 @@ std::optional<double> ParseNumber(std::string_view text) {
     return Parse<double>(text);
 }
 
-std::optional<std::int32_t> ParseWhole(std::string_view text) {
+std::optional<std::int32_t> ParseInteger(std::string_view text) {
     return Parse<std::int32_t>(text);
 }

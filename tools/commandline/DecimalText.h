@@ -5,16 +5,15 @@
 #include <string>
 #include <string_view>
 
-/// A number as its shortest decimal that reads back as the same double, whatever the process's locale:
-/// "12.5", "1e-07", "nan".
+/// The shortest decimal that reads back as the same double, in any locale: "12.5", "1e-07", "nan".
 std::string ShortestDecimal(double number);
 
-/// The same rounded to so many significant digits.
+/// The decimal rounded to this many significant digits.
 std::string RoundedDecimal(double number, int digits = 6);
 
-/// The number that a text is from its first to its last character, blanks around it aside; none for any other
-/// text, such as "12 mm".
+/// The number that the complete text represents, apart from blanks around it; nullopt for any other text,
+/// such as "12 mm".
 std::optional<double> ParseNumber(std::string_view text);
 
-/// The same for whole numbers that 32 bits hold.
-std::optional<std::int32_t> ParseWhole(std::string_view text);
+/// The same for 32-bit integers.
+std::optional<std::int32_t> ParseInteger(std::string_view text);

@@ -3,16 +3,16 @@
 #include <stdexcept>
 #include <string>
 
-/// How the program ends. Scripts depend on these numbers.
+/// The exit codes of the program. Scripts depend on these numbers.
 enum class ExitCode {
-    Done = 0,       ///< all was done, and nothing was found
-    Found = 1,      ///< errors, differences or damage were found, and reported
-    Misused = 2,    ///< the arguments are not understood
+    Done = 0,       ///< done, and nothing found
+    Found = 1,      ///< errors, differences or damage found and reported
+    Misused = 2,    ///< invalid arguments
     Unreadable = 3, ///< an input cannot be read
-    Unwritable = 4  ///< an output cannot be written; what was there before is as it was
+    Unwritable = 4  ///< an output cannot be written; an existing file is unchanged
 };
 
-/// Ends a command. The message says what failed, in which file, and why.
+/// Ends a command. The message names the operation, the file and the reason.
 class Failure final : public std::runtime_error {
   public:
     Failure(ExitCode code, const std::string& message) : std::runtime_error(message), code(code) {}

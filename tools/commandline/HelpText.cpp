@@ -1,5 +1,8 @@
 #include "tools/commandline/HelpText.h"
 
+#include <QMap>
+#include <QStringList>
+
 #include <algorithm>
 
 namespace {
@@ -22,6 +25,43 @@ QString Table(const QVector<QPair<QString, QString>>& rows) {
     for (const auto& row : rows)
         table += kIndent + row.first.leftJustified(width + 2) + row.second + QLatin1Char('\n');
     return table;
+}
+
+/// %1 is the first word of every command; %2 a case for each first word that has a second one; %3 a case with
+/// the options of each command.
+const QString kScript = QStringLiteral(
+    R"(# Completion of corvane-track for bash; made by "corvane-track completion".
+_corvane_track() {
+  local word=${COMP_WORDS[COMP_CWORD]} words=
+  if [ "$COMP_CWORD" -eq 1 ]; then
+    words='%1'
+  elif [ "$COMP_CWORD" -eq 2 ]; then
+    case "${COMP_WORDS[1]}" in
+%2    esac
+  fi
+  if [ -z "$words" ] && [[ $word == -* ]]; then
+    case "${COMP_WORDS[1]} ${COMP_WORDS[2]}" in
+%3    esac
+  fi
+  if [ -n "$words" ]; then
+    mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
+  else
+    compopt -o filenames 2>/dev/null
+    mapfile -t COMPREPLY < <(compgen -f -- "$word")
+  fi
+}
+complete -F _corvane_track corvane-track
+)");
+
+QString Case(const QString& pattern, const QStringList& words) {
+    return QStringLiteral("    %1) words='%2' ;;\n").arg(pattern, words.join(QLatin1Char(' ')));
+}
+
+QStringList OptionsOf(const CommandText& command) {
+    QStringList options;
+    for (const OptionText& option : command.options)
+        options.append(QStringLiteral("--") + option.name);
+    return options << QStringLiteral("--help");
 }
 
 } // namespace
@@ -49,17 +89,39 @@ QString OverviewOf(const Commands& commands) {
         rows.append({text.name, text.summary});
     }
     rows.append({QStringLiteral("completion"), QStringLiteral("Print the completion script for bash")});
-    return QStringLiteral(
-               "Usage: corvane-track COMMAND [OPTION...] FILE...\n\n"
-               "Reads, checks, compares, draws and converts track files (.trk), and looks into backups\n"
-               "(.osbak), without a display.\n\nCommands:\n") +
+    return QStringLiteral("Usage: corvane-track COMMAND [OPTION...] FILE...\n\n"
+                          "Reads, checks, compares, draws and converts track files (.trk), and reads and "
+                          "changes backups\n"
+                          "(.osbak), without a display.\n\nCommands:\n") +
            Table(rows) +
            QStringLiteral(
                "\n\"corvane-track COMMAND --help\" describes a command; --version shows the version.\n"
                "\nExit codes:\n"
                "  0  done, nothing found\n"
                "  1  errors, differences or damage found and reported\n"
-               "  2  arguments not understood\n"
+               "  2  invalid arguments\n"
                "  3  an input cannot be read\n"
-               "  4  an output cannot be written; what was there before is as it was\n");
+               "  4  an output cannot be written; an existing file is unchanged\n");
+}
+
+QString CompletionScriptFor(const Commands& commands) {
+    QStringList firstWords;
+    QMap<QString, QStringList> secondWords;
+    QString options;
+    for (const auto& command : commands) {
+        const CommandText text = command->Text();
+        const QStringList name = text.name.split(QLatin1Char(' '));
+        if (!firstWords.contains(name.first()))
+            firstWords.append(name.first());
+        if (name.size() > 1)
+            secondWords[name.first()].append(name.last());
+        options += Case(name.size() > 1 ? QStringLiteral("'%1'").arg(text.name)
+                                        : QStringLiteral("'%1 '*").arg(text.name),
+                        OptionsOf(text));
+    }
+    firstWords << QStringLiteral("completion") << QStringLiteral("--help") << QStringLiteral("--version");
+    QString groups;
+    for (auto group = secondWords.cbegin(); group != secondWords.cend(); ++group)
+        groups += Case(group.key(), group.value());
+    return kScript.arg(firstWords.join(QLatin1Char(' ')), groups, options);
 }

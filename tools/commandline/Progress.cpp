@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::chrono::milliseconds kPatience{300};
+constexpr std::chrono::milliseconds kDelay{300};
 constexpr std::chrono::milliseconds kInterval{100};
 
 } // namespace
@@ -14,7 +14,7 @@ constexpr std::chrono::milliseconds kInterval{100};
 Progress::Progress(std::string what)
     : what(std::move(what)),
       isShown(isatty(STDERR_FILENO) != 0),
-      next(std::chrono::steady_clock::now() + kPatience) {
+      next(std::chrono::steady_clock::now() + kDelay) {
 }
 
 void Progress::Begin(std::string part) {

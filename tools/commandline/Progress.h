@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string>
 
-/// Shows on standard error how far a long job is, in one line that is written over and removed at the end;
-/// only where standard error is a terminal, and only once a job takes long enough to wonder.
+/// Shows the progress of a long operation on standard error, in one line that is updated and removed at the
+/// end; only if standard error is a terminal, and only after the operation has taken 0.3 s.
 class Progress final {
   public:
     /// @param what "Reading station.osbak"
@@ -15,16 +15,16 @@ class Progress final {
     /// Removes the line.
     ~Progress() { Clear(); }
 
-    /// Begins another part of the job.
+    /// Begins the next part of the operation.
     void Begin(std::string part);
     /// @param total 0 when it is unknown
     void Update(std::int64_t done, std::int64_t total);
-    /// Removes the line, so that something else can be written.
+    /// Removes the line, so that other output can follow.
     void Clear();
 
   private:
     std::string what;
-    bool isShown; ///< at all
+    bool isShown; ///< whether standard error is a terminal
     std::chrono::steady_clock::time_point next;
     bool hasLine = false;
 };

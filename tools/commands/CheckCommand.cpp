@@ -1,7 +1,6 @@
-#include "tools/commands/CheckCommand.h"
+#include "tools/commands/Commands.h"
 
-#include "tools/commandline/FileLoop.h"
-#include "tools/commandline/TextOutput.h"
+#include "tools/commandline/Output.h"
 #include "tools/track/LoadedTrack.h"
 #include "tools/track/TrackCheck.h"
 
@@ -18,7 +17,7 @@ std::string Json(const QJsonObject& object) {
     return QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString();
 }
 
-/// The problems of one track, written as they are found: there may be millions.
+/// Writes the problems of one track as they are found, since there may be millions.
 class Report {
   public:
     Report(TextOutput& output, const std::string& file, bool json) : output(output), file(file), json(json) {
@@ -33,7 +32,7 @@ class Report {
         ++(problem.severity == TrackProblem::Severity::Error ? errors : warnings);
     }
 
-    /// @param strict whether warnings count
+    /// @param strict whether warnings count as errors
     [[nodiscard]] ExitCode Finish(bool strict) {
         if (json)
             output.Write("],\"errors\":" + std::to_string(errors) +
@@ -51,21 +50,12 @@ class Report {
     }
 
     [[nodiscard]] std::string Readable(const TrackProblem& problem) const {
-        std::string place;
-        if (problem.line)
-            place = " line " + std::to_string(*problem.line) + ":";
-        if (problem.offset)
-            place = " byte " + std::to_string(*problem.offset) + ":";
-        return file + ":" + place + ' ' + NameOf(problem.severity) + ": " + problem.text + '\n';
+        return file + ": " + problem.Place() + NameOf(problem.severity) + ": " + problem.text + '\n';
     }
 
     [[nodiscard]] std::string Machine(const TrackProblem& problem) const {
-        QJsonObject object{{QStringLiteral("severity"), QLatin1String(NameOf(problem.severity))},
-                           {QStringLiteral("text"), QString::fromStdString(problem.text)}};
-        if (problem.line)
-            object.insert(QStringLiteral("line"), static_cast<qint64>(*problem.line));
-        if (problem.offset)
-            object.insert(QStringLiteral("offset"), static_cast<qint64>(*problem.offset));
+        QJsonObject object = problem.ToJson();
+        object.insert(QStringLiteral("severity"), QLatin1String(NameOf(problem.severity)));
         return (errors + warnings == 0 ? "" : ",") + Json(object);
     }
 
@@ -83,15 +73,15 @@ CommandText CheckCommand::Text() const {
     text.name = QStringLiteral("check");
     text.summary = QStringLiteral("Report every problem of track files, with its line or byte offset");
     text.arguments = QStringLiteral("TRACK...");
-    text.most = -1;
+    text.max = -1;
     text.details = QStringLiteral(
-        "An error is what keeps the editor from opening the file; a warning is what it reads, but\n"
-        "in a way that was hardly meant. Lines of text tracks are counted from 1, bytes of binary\n"
+        "An error prevents the editor from opening the file; a warning is content that the editor reads,\n"
+        "but that is probably a mistake. Lines of text tracks are counted from 1, bytes of binary\n"
         "tracks from 0.\n");
     text.found = QStringLiteral("a file has an error; with --strict also when it has a warning");
     text.options = {
-        {QStringLiteral("strict"), {}, QStringLiteral("count warnings like errors"), {}},
-        {QStringLiteral("json"), {}, QStringLiteral("print a JSON object on a line for each track"), {}}};
+        Switch(QStringLiteral("strict"), QStringLiteral("count warnings like errors")),
+        Switch(QStringLiteral("json"), QStringLiteral("print a JSON object on a line for each track"))};
     return text;
 }
 

@@ -1,4 +1,4 @@
-#include "tools/commands/ConvertCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "tools/track/SavePaths.h"
 
@@ -7,15 +7,13 @@ CommandText ConvertCommand::Text() const {
     text.name = QStringLiteral("convert");
     text.summary = QStringLiteral("Write a text track as a binary one");
     text.arguments = QStringLiteral("TRACK TARGET");
-    text.least = text.most = 2;
+    text.min = text.max = 2;
     text.details = QStringLiteral(
-        "What the editor writes when it saves a text track. Each height becomes the whole number of\n"
-        "Z resolutions above the Z offset, without what is left over; the positions of columns and\n"
-        "rows are lost. A track with a height that has no such number is refused.\n");
-    text.options = {{QStringLiteral("without-paths"),
-                     {},
-                     QStringLiteral("accept a track that has no section with paths"),
-                     {}}};
+        "What the editor writes when it saves a text track. Each height becomes an integer\n"
+        "number of Z resolutions above the Z offset, truncated; the positions of columns and rows are\n"
+        "lost. A track with a height outside the range of these integers is refused.\n");
+    text.options = {
+        Switch(QStringLiteral("without-paths"), QStringLiteral("accept a track without a path section"))};
     return text;
 }
 
@@ -24,7 +22,7 @@ ExitCode ConvertCommand::Run(const Arguments& arguments) const {
     const LoadedTrack track =
         LoadTrack(file, arguments.Has("without-paths") ? PathSection::Optional : PathSection::Needed);
     if (track.encoding == TrackEncoding::Binary)
-        throw Failure(ExitCode::Unreadable, file + ": a binary track already");
+        throw Failure(ExitCode::Unreadable, file + ": already a binary track");
     SavePaths(track, track.paths, arguments.Words()[1]);
     return ExitCode::Done;
 }

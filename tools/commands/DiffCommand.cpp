@@ -1,8 +1,7 @@
-#include "tools/commands/DiffCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "tools/commandline/DecimalText.h"
-#include "tools/commandline/JsonLine.h"
-#include "tools/commandline/TextOutput.h"
+#include "tools/commandline/Output.h"
 #include "tools/track/TrackDifference.h"
 
 #include <QJsonArray>
@@ -33,7 +32,7 @@ std::string PlaceOf(const PathPoint& point, int digits = kReadableDigits) {
     return RoundedDecimal(point.position.x(), digits) + ", " + RoundedDecimal(point.position.y(), digits);
 }
 
-/// Both places, with as many digits as show the difference; empty when there is none.
+/// Both positions, with enough digits to show the difference; empty when they are equal.
 std::string Places(const PathPoint& first, const PathPoint& second) {
     for (const int digits : {kReadableDigits, kAllDigits})
         if (PlaceOf(first, digits) != PlaceOf(second, digits))
@@ -147,18 +146,18 @@ CommandText DiffCommand::Text() const {
     text.name = QStringLiteral("diff");
     text.summary = QStringLiteral("Compare two tracks: information, heights and paths");
     text.arguments = QStringLiteral("TRACK TRACK");
-    text.least = text.most = 2;
+    text.min = text.max = 2;
     text.details = QStringLiteral(
-        "Heights and places are in world units. Two text tracks are compared as they are written,\n"
-        "others as a binary track holds their heights. The ruler follows from the paths and is not\n"
+        "Heights and positions are in world units. The heights of two text tracks are compared as written,\n"
+        "others as a binary track stores them. The ruler follows from the paths and is not\n"
         "compared. Paths and points are counted from 1 as in the editor, with --json from 0 as in the\n"
         "files; rows and columns from 0.\n");
     text.found = QStringLiteral("the tracks differ");
     text.options = {{QStringLiteral("tolerance"),
                      QStringLiteral("LENGTH"),
-                     QStringLiteral("heights and places that differ by no more count as equal (default 0)"),
+                     QStringLiteral("heights and positions that differ by no more are equal (default 0)"),
                      {}},
-                    {QStringLiteral("json"), {}, QStringLiteral("print one JSON object on a line"), {}}};
+                    Switch(QStringLiteral("json"), QStringLiteral("print one JSON object on a line"))};
     return text;
 }
 

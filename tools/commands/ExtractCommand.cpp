@@ -1,10 +1,8 @@
-#include "tools/commands/ExtractCommand.h"
+#include "tools/commands/Commands.h"
 
-#include "tools/backup/BackupUnpacking.h"
+#include "tools/backup/BackupFile.h"
 #include "tools/backup/BackupWalk.h"
-#include "tools/backup/CountedFile.h"
-#include "tools/backup/WorkspaceName.h"
-#include "tools/commandline/TextOutput.h"
+#include "tools/commandline/Output.h"
 
 #include <QTemporaryDir>
 
@@ -16,7 +14,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Where each of the files goes, by its name in the workspace.
+/// The target path of each file, by its name in the workspace.
 using Targets = std::map<std::string, std::string>;
 
 Targets TargetsFor(const std::vector<std::string>& words, const std::string& output) {
@@ -24,7 +22,7 @@ Targets TargetsFor(const std::vector<std::string>& words, const std::string& out
     std::error_code ignored;
     const bool isFolder = fs::is_directory(output, ignored);
     if (words.size() > 2 && !isFolder)
-        throw Failure(ExitCode::Unwritable, output + ": no folder, which several files need");
+        throw Failure(ExitCode::Unwritable, output + ": not a folder, which several files need");
     for (std::size_t i = 1; i < words.size(); ++i) {
         const std::string name = WorkspaceName(words[i]);
         targets[name] = isFolder ? (fs::path(output) / fs::path(name).filename()).string() : output;
@@ -39,7 +37,7 @@ Failure NotInWorkspace(const std::string& backup, const std::string& name) {
 /// @return the hard links among the files, by what they are copies of: an earlier file of the archive
 std::multimap<std::string, std::string> ExtractBytes(const std::string& backup, const Targets& targets) {
     Progress progress("Reading " + backup);
-    const bOwned<bFile> file = OpenCounted(backup, progress);
+    const bOwned<bFile> file = OpenWithProgress(backup, progress);
     Targets missing = targets;
     std::multimap<std::string, std::string> links;
     try {
@@ -60,7 +58,8 @@ std::multimap<std::string, std::string> ExtractBytes(const std::string& backup, 
     } catch (const BackupDamage& damage) {
         if (!missing.empty())
             throw Failure(ExitCode::Unreadable, backup + ": " + damage.what());
-        std::fprintf(stderr, "corvane-track extract: warning: %s: %s; what was asked for comes before\n",
+        std::fprintf(stderr,
+                     "corvane-track extract: warning: %s: %s; the requested files precede the damage\n",
                      backup.c_str(), damage.what());
     }
     if (!missing.empty())
@@ -95,14 +94,14 @@ CommandText ExtractCommand::Text() const {
     text.name = QStringLiteral("extract");
     text.summary = QStringLiteral("Take files out of the workspace in a backup");
     text.arguments = QStringLiteral("BACKUP [FILE...]");
-    text.most = -1;
+    text.max = -1;
     text.details = QStringLiteral(
         "A FILE is named as \"list\" shows it; one without a slash is a track in vdk/ContourPath. It is\n"
         "written into the current folder, or to what --output names: a folder that exists, or for a\n"
-        "single FILE the name of the new file. With --all the whole workspace is unpacked into the new\n"
+        "single FILE the name of the new file. With --all the complete workspace is unpacked into the new\n"
         "folder that --output names.\n");
     text.options = {OutputOption(QStringLiteral("where to (default: the current folder)")),
-                    {QStringLiteral("all"), {}, QStringLiteral("unpack the whole workspace"), {}}};
+                    Switch(QStringLiteral("all"), QStringLiteral("unpack the complete workspace"))};
     return text;
 }
 

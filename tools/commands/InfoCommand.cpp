@@ -1,10 +1,8 @@
-#include "tools/commands/InfoCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "tools/commandline/DecimalText.h"
-#include "tools/commandline/FileLoop.h"
-#include "tools/commandline/JsonLine.h"
-#include "tools/commandline/TextOutput.h"
-#include "tools/track/LoadedTrack.h"
+#include "tools/commandline/Output.h"
+#include "tools/track/HeightProfile.h"
 #include "tools/track/SavePaths.h"
 
 #include <QJsonArray>
@@ -14,17 +12,7 @@
 
 namespace {
 
-/// The length of a path in world units.
-double WorldLength(const TrackPath& path, const WorldTransform& world) {
-    double length = 0.0;
-    for (std::size_t point = 1; point < path.points.size(); ++point) {
-        const QPointF step = world.PointOf(path.points[point]) - world.PointOf(path.points[point - 1]);
-        length += std::hypot(step.x(), step.y());
-    }
-    return length;
-}
-
-/// What is shown of one track.
+/// The facts about one track.
 struct Facts {
     explicit Facts(const std::string& file)
         : track(LoadTrack(file, PathSection::Optional)), shown(ShownSizeOf(track.info)) {
@@ -32,7 +20,7 @@ struct Facts {
         measured =
             std::count_if(heights.begin(), heights.end(), [](double height) { return !std::isnan(height); });
         for (const TrackPath& path : track.paths)
-            lengths.push_back(WorldLength(path, WorldOf(track.info)));
+            lengths.push_back(DistancesOf(path, WorldOf(track.info)).back());
     }
 
     LoadedTrack track;
@@ -126,12 +114,12 @@ CommandText InfoCommand::Text() const {
     text.name = QStringLiteral("info");
     text.summary = QStringLiteral("Show what track files hold");
     text.arguments = QStringLiteral("TRACK...");
-    text.most = -1;
+    text.max = -1;
     text.details =
         QStringLiteral("Heights and the lengths of paths are in world units. Cells without a measurement\n"
                        "do not count.\n");
     text.options = {
-        {QStringLiteral("json"), {}, QStringLiteral("print a JSON object on a line for each track"), {}}};
+        Switch(QStringLiteral("json"), QStringLiteral("print a JSON object on a line for each track"))};
     return text;
 }
 

@@ -1,10 +1,9 @@
-#include "tools/commands/ListCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "cinder/TarName.h"
+#include "tools/backup/BackupFile.h"
 #include "tools/backup/BackupWalk.h"
-#include "tools/backup/CountedFile.h"
-#include "tools/commandline/JsonLine.h"
-#include "tools/commandline/TextOutput.h"
+#include "tools/commandline/Output.h"
 
 namespace {
 
@@ -38,12 +37,10 @@ CommandText ListCommand::Text() const {
     text.details = QStringLiteral(
         "The files of the workspace follow workspaces/Workspace.osws, the archive that holds them, and\n"
         "are indented. Sizes are in bytes. A hard link is followed by \"=\" and\n"
-        "the file that it is a copy of. Other links and special files, which nobody unpacks, are not\n"
-        "listed.\n");
-    text.options = {{QStringLiteral("json"),
-                     {},
-                     QStringLiteral("print a JSON object on a line for each file and folder"),
-                     {}}};
+        "the file that it is a copy of. Other links and special files, which are never unpacked, are\n"
+        "not listed.\n");
+    text.options = {Switch(QStringLiteral("json"),
+                           QStringLiteral("print a JSON object on a line for each file and folder"))};
     return text;
 }
 
@@ -53,7 +50,7 @@ ExitCode ListCommand::Run(const Arguments& arguments) const {
     TextOutput output;
     try {
         Progress progress("Reading " + backup);
-        const bOwned<bFile> file = OpenCounted(backup, progress);
+        const bOwned<bFile> file = OpenWithProgress(backup, progress);
         WalkBackup(file.get(), [&](const BackupEntry& entry, const EntryContent& /*content*/) {
             output.Write(json ? JsonLine(Machine(entry)) : Readable(entry));
         });

@@ -1,7 +1,6 @@
-#include "tools/commands/ProfileCommand.h"
+#include "tools/commands/Commands.h"
 
-#include "tools/commandline/PictureOutput.h"
-#include "tools/commandline/TextOutput.h"
+#include "tools/commandline/Output.h"
 #include "tools/track/HeightProfile.h"
 #include "tools/track/ProfilePlot.h"
 
@@ -12,9 +11,9 @@
 namespace {
 
 constexpr int kMaxSide = 8192;
-constexpr QSize kUsualSize(800, 400);
+constexpr QSize kDefaultSize(800, 400);
 
-/// The index of the path that is asked for.
+/// The index of the path with this number.
 std::size_t PathIndex(const LoadedTrack& track, std::int64_t number) {
     if (number > static_cast<std::int64_t>(track.paths.size()))
         throw Failure(ExitCode::Misused, track.file + " has " + std::to_string(track.paths.size()) +
@@ -36,8 +35,8 @@ CommandText ProfileCommand::Text() const {
     text.summary = QStringLiteral("Write the heights along a path as CSV, or plot them");
     text.arguments = QStringLiteral("TRACK");
     text.details = QStringLiteral(
-        "Goes along the path in even steps and takes the height of the cell below. Lengths and heights\n"
-        "are in world units. Where nothing is measured, or outside the map, the height is empty.\n");
+        "Samples the height of the cell at equal steps along the path. Lengths and heights are in world\n"
+        "units. Where there is no measurement, and outside the map, the height is empty.\n");
     text.options = {{QStringLiteral("path"),
                      QStringLiteral("NUMBER"),
                      QStringLiteral("the path, from 1 as in the editor (default 1)"),
@@ -60,9 +59,9 @@ CommandText ProfileCommand::Text() const {
 
 ExitCode ProfileCommand::Run(const Arguments& arguments) const {
     const std::int64_t number =
-        arguments.Whole("path", 1, std::numeric_limits<std::int32_t>::max()).value_or(1);
+        arguments.Integer("path", 1, std::numeric_limits<std::int32_t>::max()).value_or(1);
     const std::optional<double> step = arguments.Number("step", std::numeric_limits<double>::min(), 1e300);
-    const QSize size = arguments.Size("size", kMaxSide).value_or(kUsualSize);
+    const QSize size = arguments.Size("size", kMaxSide).value_or(kDefaultSize);
     const std::optional<std::string> target = arguments.Text("output");
     const std::optional<std::string> picture = arguments.Text("plot");
 

@@ -1,7 +1,7 @@
-#include "tools/commands/RenderCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "document/TrackGeometry.h"
-#include "tools/commandline/PictureOutput.h"
+#include "tools/commandline/Output.h"
 #include "tools/track/SavePaths.h"
 #include "tools/track/TrackPicture.h"
 
@@ -10,7 +10,7 @@
 namespace {
 
 constexpr int kMaxSide = 32767;
-constexpr std::int64_t kMaxPixels = std::int64_t{1} << 27; ///< half a gigabyte of them
+constexpr std::int64_t kMaxPixels = std::int64_t{1} << 27; ///< half a gigabyte
 
 QSize ScaledSize(const TrackInfo& info, double scale) {
     return ShownImageSize({info.width, info.height}, info.xResolution, info.yResolution, scale);
@@ -18,17 +18,17 @@ QSize ScaledSize(const TrackInfo& info, double scale) {
 
 /// The largest size with the track's proportions that fits into a frame.
 QSize FittingSize(const TrackInfo& info, const QSize& frame) {
-    const QSize whole = ShownSizeOf(info);
-    const double scale = std::min(static_cast<double>(frame.width()) / whole.width(),
-                                  static_cast<double>(frame.height()) / whole.height());
-    return ScaledSize(info, scale).boundedTo(frame); // rounding may be a pixel beyond
+    const QSize full = ShownSizeOf(info);
+    const double scale = std::min(static_cast<double>(frame.width()) / full.width(),
+                                  static_cast<double>(frame.height()) / full.height());
+    return ScaledSize(info, scale).boundedTo(frame); // rounding may add a pixel
 }
 
 QSize PictureSize(const TrackInfo& info, const Arguments& arguments) {
     const std::optional<double> percent = arguments.Number("scale", 0.1, 10'000);
     const std::optional<QSize> frame = arguments.Size("size", kMaxSide);
     if (percent && frame)
-        throw Failure(ExitCode::Misused, "--scale and --size exclude each other");
+        throw Failure(ExitCode::Misused, "--scale and --size cannot be combined");
     const QSize size = frame ? FittingSize(info, *frame) : ScaledSize(info, percent.value_or(100) / 100);
     if (size.width() > kMaxSide || size.height() > kMaxSide ||
         std::int64_t{size.width()} * size.height() > kMaxPixels)
@@ -45,7 +45,7 @@ CommandText RenderCommand::Text() const {
     text.name = QStringLiteral("render");
     text.summary = QStringLiteral("Draw a track as the editor shows it, as a PNG picture");
     text.arguments = QStringLiteral("TRACK PICTURE");
-    text.least = text.most = 2;
+    text.min = text.max = 2;
     text.details = QStringLiteral(
         "Shows the height map in colours, stretched along one axis where its resolutions differ, and\n"
         "over it the paths and the bands of the ruler.\n");
@@ -57,8 +57,8 @@ CommandText RenderCommand::Text() const {
                      QStringLiteral("WxH"),
                      QStringLiteral("the largest picture that fits into W x H pixels"),
                      {}},
-                    {QStringLiteral("no-paths"), {}, QStringLiteral("show the height map alone"), {}},
-                    {QStringLiteral("no-ruler"), {}, QStringLiteral("show the paths without the ruler"), {}}};
+                    Switch(QStringLiteral("no-paths"), QStringLiteral("show the height map alone")),
+                    Switch(QStringLiteral("no-ruler"), QStringLiteral("show the paths without the ruler"))};
     return text;
 }
 

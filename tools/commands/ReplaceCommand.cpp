@@ -1,9 +1,8 @@
-#include "tools/commands/ReplaceCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "basalt/AtomicFile.h"
-#include "tools/backup/BackupUnpacking.h"
+#include "tools/backup/BackupFile.h"
 #include "tools/backup/BackupWalk.h"
-#include "tools/backup/WorkspaceName.h"
 #include "tools/track/LoadedTrack.h"
 #include "tools/track/TrackCheck.h"
 
@@ -24,7 +23,7 @@ void RequireGoodTrack(const std::string& file) {
     });
 }
 
-/// Puts a file in place of one in an unpacked workspace.
+/// Replaces or adds a file in an unpacked workspace.
 void PutInto(const std::string& workspace, const std::string& name, const std::string& file, bool add) {
     const fs::path target = fs::path(workspace) / name;
     if (!add && !fs::is_regular_file(fs::symlink_status(target)))
@@ -46,15 +45,15 @@ CommandText ReplaceCommand::Text() const {
     text.name = QStringLiteral("replace");
     text.summary = QStringLiteral("Put a file into the workspace in a backup");
     text.arguments = QStringLiteral("BACKUP NAME FILE");
-    text.least = text.most = 3;
+    text.min = text.max = 3;
     text.details = QStringLiteral(
         "NAME is that of the file in the workspace, as \"list\" shows it; one without a slash is a track\n"
-        "in vdk/ContourPath. The backup is packed anew, as the editor does, and replaced at once. It is\n"
-        "unpacked beside it meanwhile, so the disk must hold it three times.\n");
+        "in vdk/ContourPath. The backup is packed again, as the editor does, and replaced atomically. It\n"
+        "is unpacked beside it meanwhile, so the disk needs space for three copies.\n");
     text.options = {
         OutputOption(QStringLiteral("write the new backup to FILE, and leave BACKUP as it is")),
-        {QStringLiteral("add"), {}, QStringLiteral("accept a NAME that is not in the workspace"), {}},
-        {QStringLiteral("force"), {}, QStringLiteral("accept a .trk that the editor cannot open"), {}}};
+        Switch(QStringLiteral("add"), QStringLiteral("accept a NAME that is not in the workspace")),
+        Switch(QStringLiteral("force"), QStringLiteral("accept a .trk that the editor cannot open"))};
     return text;
 }
 

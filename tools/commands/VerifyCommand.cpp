@@ -1,32 +1,20 @@
-#include "tools/commands/VerifyCommand.h"
+#include "tools/commands/Commands.h"
 
 #include "tools/backup/BackupCheck.h"
-#include "tools/commandline/FileLoop.h"
-#include "tools/commandline/JsonLine.h"
-#include "tools/commandline/TextOutput.h"
+#include "tools/commandline/Output.h"
 
 #include <QJsonArray>
 
 namespace {
 
 std::string Readable(const BackupProblem& found) {
-    const TrackProblem& problem = found.problem;
-    std::string text = found.entry.empty() ? std::string() : found.entry + ": ";
-    if (problem.line)
-        text += "line " + std::to_string(*problem.line) + ": ";
-    if (problem.offset)
-        text += "byte " + std::to_string(*problem.offset) + ": ";
-    return text + problem.text;
+    return (found.entry.empty() ? "" : found.entry + ": ") + found.problem.Place() + found.problem.text;
 }
 
 QJsonObject Machine(const BackupProblem& found) {
-    QJsonObject object{{QStringLiteral("text"), QString::fromStdString(found.problem.text)}};
+    QJsonObject object = found.problem.ToJson();
     if (!found.entry.empty())
         object.insert(QStringLiteral("entry"), QString::fromStdString(found.entry));
-    if (found.problem.line)
-        object.insert(QStringLiteral("line"), static_cast<qint64>(*found.problem.line));
-    if (found.problem.offset)
-        object.insert(QStringLiteral("offset"), static_cast<qint64>(*found.problem.offset));
     return object;
 }
 
@@ -64,14 +52,14 @@ CommandText VerifyCommand::Text() const {
     text.name = QStringLiteral("verify");
     text.summary = QStringLiteral("Read backups to their end and report damage and broken tracks");
     text.arguments = QStringLiteral("BACKUP...");
-    text.most = -1;
+    text.max = -1;
     text.details = QStringLiteral(
         "Finds archives that are damaged or cut short, links and unsafe names, which are not unpacked,\n"
-        "a missing workspace, and the errors of every track in vdk/ContourPath. It is unpacked into the\n"
-        "folder for temporary files meanwhile.\n");
+        "a missing workspace, and the errors of every track in vdk/ContourPath. The backup is unpacked\n"
+        "into the folder for temporary files meanwhile.\n");
     text.found = QStringLiteral("a backup is not good");
     text.options = {
-        {QStringLiteral("json"), {}, QStringLiteral("print a JSON object on a line for each backup"), {}}};
+        Switch(QStringLiteral("json"), QStringLiteral("print a JSON object on a line for each backup"))};
     return text;
 }
 

@@ -15,10 +15,10 @@ using namespace BinaryTrackLayout;
 
 namespace {
 
-/// Binary tracks have their numbers as they were computed.
+/// Binary tracks store the computed numbers exactly.
 constexpr double kPlaceTolerance = 1e-9;
 
-/// Thrown after an error behind which nothing can be read.
+/// Thrown after an error that makes the rest of the file unreadable.
 class Unreadable final : public std::exception {};
 
 std::string Sides(const TrackInfo& info) {
@@ -38,7 +38,7 @@ void BinaryTrackCheck::Run() {
         CheckHeader();
         CheckMap();
         CheckBlocks();
-    } catch (const Unreadable&) { // has been reported
+    } catch (const Unreadable&) { // already reported
     }
 }
 
@@ -83,7 +83,7 @@ void BinaryTrackCheck::CheckHeader() {
 
 void BinaryTrackCheck::CheckMap() {
     place = size - bytes.Remaining();
-    // The largest dimensions give just less than an int64 holds.
+    // Cannot overflow: twice the product of two int32 fits into int64.
     const std::int64_t cells = std::int64_t{info.width} * info.height;
     const auto mapSize = cells * static_cast<std::int64_t>(sizeof(std::int16_t));
     if (mapSize > bytes.Remaining())
@@ -93,11 +93,11 @@ void BinaryTrackCheck::CheckMap() {
 }
 
 void BinaryTrackCheck::CheckHeights(std::int64_t cells) {
-    constexpr std::int64_t kCellsAtOnce = std::int64_t{64} * 1024;
+    constexpr std::int64_t kBlockCells = std::int64_t{64} * 1024;
     SampleRange range({info.zResolution, info.zOffset});
-    std::vector<std::int16_t> piece(static_cast<std::size_t>(std::min(cells, kCellsAtOnce)));
-    for (std::int64_t left = cells; left > 0; left -= kCellsAtOnce) {
-        const auto samples = std::span(piece).first(static_cast<std::size_t>(std::min(left, kCellsAtOnce)));
+    std::vector<std::int16_t> block(static_cast<std::size_t>(std::min(cells, kBlockCells)));
+    for (std::int64_t left = cells; left > 0; left -= kBlockCells) {
+        const auto samples = std::span(block).first(static_cast<std::size_t>(std::min(left, kBlockCells)));
         bytes.Read(samples.data(), samples.size_bytes());
         range.Add(samples);
     }
@@ -125,7 +125,7 @@ void BinaryTrackCheck::CheckAnchor() {
     bytes.Skip(kAnchorSize);
 }
 
-/// Passes over the records: they can be checked when the points are known.
+/// Skips the records; they are checked later, when the points are known.
 void BinaryTrackCheck::CheckRulers() {
     Require(sizeof rulers, "the number of rulers");
     rulers = Next<std::int32_t>();
@@ -138,15 +138,15 @@ void BinaryTrackCheck::CheckRulers() {
 void BinaryTrackCheck::CheckPoints() {
     Require(sizeof(std::int32_t), "the number of points");
     const auto count = Next<std::int32_t>();
-    const bool areThere = count >= 0 && count <= bytes.Remaining() / kRecordSize;
-    if (!areThere)
+    const bool isComplete = count >= 0 && count <= bytes.Remaining() / kRecordSize;
+    if (!isComplete)
         Error(std::to_string(count) + " points, which are not in the file");
     PointCheck points(WorldOf(info), kPlaceTolerance);
     for (std::int64_t left = count; left > 0 && bytes.Remaining() >= kRecordSize; --left)
         CheckPoint(points);
     CheckRulerRecords(points.PointCounts());
     place = size - bytes.Remaining();
-    if (areThere && bytes.Remaining() > 0)
+    if (isComplete && bytes.Remaining() > 0)
         Warning(std::to_string(bytes.Remaining()) + " bytes after the last block, which are not read");
 }
 
@@ -159,7 +159,7 @@ void BinaryTrackCheck::CheckPoint(PointCheck& points) {
          {&point.place.rx(), &point.place.ry(), &point.relative.rx(), &point.relative.ry()})
         *number = Next<double>();
     point.method = Next<std::int32_t>();
-    bytes.Skip(3 * sizeof(std::int32_t)); // Length, Width, Space: any number
+    bytes.Skip(3 * sizeof(std::int32_t)); // Length, Width, Space: any number is valid
     place = record;
     if (!points.Take(point, [this](const std::string& text) { Warning(text); }))
         Fail("the first point is one of Track " + std::to_string(point.track) + ", and there is no Track 0");

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-/// Reports the problems of a binary track, block by block.
+/// Reports the problems of a binary track, in file order.
 class BinaryTrackCheck final {
   public:
     /// @param file an existing one
@@ -30,17 +30,17 @@ class BinaryTrackCheck final {
     void CheckPoint(PointCheck& points);
     void CheckRulerRecords(const std::vector<std::int64_t>& pointCounts);
 
-    /// Reads a number whose bytes are known to be there.
+    /// Reads a number. @pre enough bytes remain
     template<typename Number>
     Number Next() {
         place = size - bytes.Remaining();
         return bytes.Read<Number>();
     }
-    /// Moves to the next tag. @return whether it is this one; otherwise it is the next block's
+    /// Reads the next tag unless one is pending. @return whether it is this one; otherwise it remains pending
     bool NextIs(std::int32_t blockTag);
     void Require(std::int64_t count, const char* what);
 
-    /// Ends the check: no reader gets beyond this place.
+    /// Reports an error and ends the check: no reader can continue after this place.
     [[noreturn]] void Fail(const std::string& text);
     void Error(const std::string& text) { sink({TrackProblem::Severity::Error, {}, place, text}); }
     void Warning(const std::string& text) { sink({TrackProblem::Severity::Warning, {}, place, text}); }
@@ -51,7 +51,7 @@ class BinaryTrackCheck final {
     const ProblemSink& sink;
     std::int64_t place = 0; ///< of what is being checked
     TrackInfo info;
-    std::optional<std::int32_t> tag; ///< the tag that was read last, while its block is not found yet
+    std::optional<std::int32_t> tag; ///< a tag that has been read, but whose block has not been handled yet
     std::int64_t rulersAt = 0;       ///< where the ruler records begin
     std::int32_t rulers = 0;
 };

@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <string>
 
-/// Takes the lines that the converters log while the object lives: their only way to say why they refuse a
-/// file.
+/// Captures the log lines of the converters as long as the object lives: the only place where they give a
+/// reason for rejecting a file.
 class CapturedLog final {
   public:
     CapturedLog();
@@ -12,8 +12,7 @@ class CapturedLog final {
     CapturedLog& operator=(const CapturedLog&) = delete;
     ~CapturedLog();
 
-    /// The message of the first ERROR line, without time stamp and the operation's tag; empty when there is
-    /// none.
+    /// The message of the first ERROR line, without time stamp and operation; empty if there is none.
     [[nodiscard]] std::string FirstError() const;
 
   private:

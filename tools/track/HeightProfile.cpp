@@ -11,7 +11,7 @@ namespace {
 
 constexpr double kMaxSamples = 10'000'000;
 
-/// Finds the cell below a place of a track.
+/// Finds the height at a place of a track.
 class HeightLookup {
   public:
     explicit HeightLookup(const LoadedTrack& track) : info(track.info), heights(LoadHeights(track)) {}
@@ -41,16 +41,6 @@ class HeightLookup {
     std::vector<double> heights;
 };
 
-/// The points of a path as distances from its first point, in world units.
-std::vector<double> DistancesOf(const TrackPath& path, const WorldTransform& world) {
-    std::vector<double> distances = {0.0};
-    for (std::size_t point = 1; point < path.points.size(); ++point) {
-        const QPointF step = world.PointOf(path.points[point]) - world.PointOf(path.points[point - 1]);
-        distances.push_back(distances.back() + std::hypot(step.x(), step.y()));
-    }
-    return distances;
-}
-
 double StepFor(const LoadedTrack& track, std::optional<double> step) {
     const double used = step.value_or(std::min(track.info.xResolution, track.info.yResolution));
     if (!(used > 0.0) || !std::isfinite(used))
@@ -59,7 +49,7 @@ double StepFor(const LoadedTrack& track, std::optional<double> step) {
     return used;
 }
 
-/// How many whole steps there are before the end of the path.
+/// The number of steps to the end of the path, the last one possibly shorter.
 std::int64_t CountSteps(const LoadedTrack& track, double length, double step) {
     if (!std::isfinite(length))
         throw Failure(ExitCode::Unreadable, track.file + ": the path has points that are not finite");
@@ -74,6 +64,15 @@ std::string Field(const std::optional<std::int32_t>& number) {
 }
 
 } // namespace
+
+std::vector<double> DistancesOf(const TrackPath& path, const WorldTransform& world) {
+    std::vector<double> distances = {0.0};
+    for (std::size_t point = 1; point < path.points.size(); ++point) {
+        const QPointF step = world.PointOf(path.points[point]) - world.PointOf(path.points[point - 1]);
+        distances.push_back(distances.back() + std::hypot(step.x(), step.y()));
+    }
+    return distances;
+}
 
 HeightProfile ProfileAlong(const LoadedTrack& track, std::size_t path, std::optional<double> step) {
     const std::vector<QPointF>& points = track.paths[path].points;

@@ -13,11 +13,7 @@
 
 namespace {
 
-// The text converter widens the range that it is given; the editor starts with this one.
-constexpr double kLowestStart = 32768.0;
-constexpr double kHighestStart = -32768.0;
-
-/// Has a converter do something. @throws Failure with the converter's own reason when its code is not 0
+/// Calls a converter. @throws Failure with the converter's own reason when it does not return 0
 template<typename Work>
 void Require(const std::string& file, const char* what, Work&& work) {
     const CapturedLog log;
@@ -38,7 +34,7 @@ void LoadText(LoadedTrack& track, PathSection section) {
 
 void LoadBinary(LoadedTrack& track) {
     ConvertBIN converter;
-    // The anchor first: reading it is what refuses a file of another version.
+    // The anchor first, since reading it rejects a file of another version.
     Require(track.file, "no anchor", [&] { return converter.ReadAnchor(track.file, track.info); });
     Require(track.file, "no information", [&] { return converter.ReadInfo(track.file, track.info); });
     Require(track.file, "no paths", [&] { return converter.ReadPath(track.file, track.paths); });
@@ -55,8 +51,8 @@ HeightMap LoadRawHeights(const LoadedTrack& track) {
     return heights;
 }
 
-/// Puts the heights of a text track in place of those that its raw values hold, which have been read: so the
-/// file has no row too many, and is large enough for its dimensions.
+/// Replaces the rounded heights by those written in the text track. @pre the raw values have been read, so
+/// the file has been checked for surplus rows and for its size
 void ReadHeightsAsWritten(const LoadedTrack& track, std::vector<double>& heights) {
     CsvScan scan(track.file);
     auto row = heights.begin();
@@ -84,8 +80,8 @@ LoadedTrack LoadTrack(const std::string& file, PathSection section) {
     LoadedTrack track;
     track.file = file;
     track.encoding = EncodingOf(file).value_or(TrackEncoding::Text);
-    track.info.minHeight = kLowestStart;
-    track.info.maxHeight = kHighestStart;
+    track.info.minHeight = kInitialMinHeight;
+    track.info.maxHeight = kInitialMaxHeight;
     if (track.encoding == TrackEncoding::Binary)
         LoadBinary(track);
     else

@@ -9,7 +9,11 @@
 #include <string>
 #include <vector>
 
-/// A track file as the editor's converters read it, all but its height map, which the functions below read.
+/// The height range before any cell is read, as in the editor; the text converter widens it.
+constexpr double kInitialMinHeight = 32768.0;
+constexpr double kInitialMaxHeight = -32768.0;
+
+/// A track file as the editor's converters read it, without its height map, which the functions below read.
 struct LoadedTrack {
     std::string file;
     TrackEncoding encoding = TrackEncoding::Text;
@@ -21,25 +25,24 @@ struct LoadedTrack {
     [[nodiscard]] bool IsMeasured() const { return info.minHeight <= info.maxHeight; }
 };
 
-/// @throws Failure with ExitCode::Unreadable, naming the reason, unless this is a file that can be read
+/// @throws Failure with ExitCode::Unreadable, with the reason, if the file cannot be read
 void RequireFile(const std::string& file);
 
-/// Whether a text track may lack the section with its paths. The editor opens none that does.
+/// Whether a text track may lack its path section. The editor does not open such a track.
 enum class PathSection { Needed, Optional };
 
-/// @throws Failure with ExitCode::Unreadable, naming the file and the reason
+/// @throws Failure with ExitCode::Unreadable, with the file and the reason
 LoadedTrack LoadTrack(const std::string& file, PathSection section = PathSection::Needed);
 
 /// The world heights of all cells, row-major; NaN for a cell without a measurement. Those of a text track are
-/// as the file has them.
+/// not rounded.
 /// @throws Failure with ExitCode::Unreadable
 std::vector<double> LoadHeights(const LoadedTrack& track);
 
-/// The world heights that the raw values of a track hold: those of a text track are rounded as they are when
-/// it is saved.
+/// The world heights of the raw values: those of a text track are rounded as when it is saved.
 /// @throws Failure with ExitCode::Unreadable
 std::vector<double> LoadStoredHeights(const LoadedTrack& track);
 
 /// The map in colours, as the editor shows it.
-/// @throws Failure with ExitCode::Unreadable, also for a map without two different heights
+/// @throws Failure with ExitCode::Unreadable, also for a map whose heights are all equal
 QImage LoadImage(const LoadedTrack& track);

@@ -1,11 +1,10 @@
-#include "tools/track/PathsCsv.h"
+#include "tools/track/PathsText.h"
 
 #include "basalt/InputFile.h"
 #include "document/formats/CsvScan.h"
 #include "tools/commandline/DecimalText.h"
 #include "tools/commandline/Failure.h"
 #include "tools/track/LoadedTrack.h"
-#include "tools/track/WorldPoint.h"
 
 #include <algorithm>
 #include <array>
@@ -21,11 +20,11 @@ enum Column { Track, Segment, X, Y, RelativeX, RelativeY, Method, Length, Width,
 constexpr std::array<std::string_view, kColumns> kNames = {
     "Track", "Segment", "X", "Y", "RelativeX", "RelativeY", "Method", "Length", "Width", "Space"};
 
-/// Goes through the lines of such a file.
+/// Reads one file.
 class Reader {
   public:
-    Reader(const std::string& file, const WorldTransform& world, Coordinates counting)
-        : file(file), world(world), counting(counting), lines(file) {}
+    Reader(const std::string& file, const WorldTransform& world, Coordinates coordinates)
+        : file(file), world(world), coordinates(coordinates), lines(file) {}
 
     std::vector<TrackPath> Read() {
         try {
@@ -55,7 +54,7 @@ class Reader {
 
     void ReadHeader() {
         bool found = Next();
-        if (found && line.Text() == "Segment") // the head of a text track's section
+        if (found && line.Text() == "Segment") // the first line of a text track's path section
             found = Next();
         if (!found)
             Fail("no header line");
@@ -67,13 +66,13 @@ class Reader {
             header.push_back(static_cast<Column>(known - kNames.begin()));
         }
         Require(Track);
-        Require(counting == Coordinates::World ? X : RelativeX);
-        Require(counting == Coordinates::World ? Y : RelativeY);
+        Require(coordinates == Coordinates::World ? X : RelativeX);
+        Require(coordinates == Coordinates::World ? Y : RelativeY);
     }
 
     void Require(Column column) const {
         if (std::count(header.begin(), header.end(), column) != 1)
-            Fail("column " + std::string(kNames[column]) + " is needed once");
+            Fail("column " + std::string(kNames[column]) + " is required exactly once");
     }
 
     void ReadPoint() {
@@ -83,14 +82,14 @@ class Reader {
         CsvFields fields(line);
         for (const Column column : header)
             values[column] = fields.Next();
-        const std::int32_t track = Whole(Track, *values[Track]);
+        const std::int32_t track = Integer(Track, *values[Track]);
         if (track != static_cast<std::int64_t>(paths.size()) &&
             track + 1 != static_cast<std::int64_t>(paths.size()))
             Fail("Track " + std::to_string(track) +
-                 " neither goes on with the Track before nor starts Track " + std::to_string(paths.size()));
+                 " neither continues the previous Track nor starts Track " + std::to_string(paths.size()));
         const std::size_t points =
             track == static_cast<std::int64_t>(paths.size()) ? 0 : paths.back().points.size();
-        if (values[Segment] && Whole(Segment, *values[Segment]) != static_cast<std::int64_t>(points))
+        if (values[Segment] && Integer(Segment, *values[Segment]) != static_cast<std::int64_t>(points))
             Fail("Segment is " + std::string(*values[Segment]) + " where " + std::to_string(points) +
                  " was expected");
         AppendPoint(track, PointOf(values), paths);
@@ -99,7 +98,7 @@ class Reader {
     [[nodiscard]] PathPoint
     PointOf(const std::array<std::optional<std::string_view>, kColumns>& values) const {
         PathPoint point;
-        if (counting == Coordinates::World)
+        if (coordinates == Coordinates::World)
             point.position = NormalisedPoint({Number(X, *values[X]), Number(Y, *values[Y])}, world);
         else
             point.position = {Number(RelativeX, *values[RelativeX]), Number(RelativeY, *values[RelativeY])};
@@ -107,7 +106,7 @@ class Reader {
             Fail("the point has no place in the track");
         const auto take = [&](Column column, int& parameter) {
             if (values[column])
-                parameter = Whole(column, *values[column]);
+                parameter = Integer(column, *values[column]);
         };
         take(Method, point.method);
         take(Length, point.length);
@@ -119,14 +118,14 @@ class Reader {
     [[nodiscard]] double Number(Column column, std::string_view text) const {
         const std::optional<double> value = ParseNumber(text);
         if (!value)
-            Fail(std::string(kNames[column]) + " is '" + std::string(text) + "', which is no number");
+            Fail(std::string(kNames[column]) + " is '" + std::string(text) + "', not a number");
         return *value;
     }
 
-    [[nodiscard]] std::int32_t Whole(Column column, std::string_view text) const {
-        const std::optional<std::int32_t> value = ParseWhole(text);
+    [[nodiscard]] std::int32_t Integer(Column column, std::string_view text) const {
+        const std::optional<std::int32_t> value = ParseInteger(text);
         if (!value)
-            Fail(std::string(kNames[column]) + " is '" + std::string(text) + "', which is no whole number");
+            Fail(std::string(kNames[column]) + " is '" + std::string(text) + "', not an integer");
         return *value;
     }
 
@@ -136,7 +135,7 @@ class Reader {
 
     std::string file;
     WorldTransform world;
-    Coordinates counting;
+    Coordinates coordinates;
     TextLines lines;
     CsvLine line;
     std::int64_t number = 0;
@@ -169,7 +168,7 @@ std::string PathsAsCsv(const std::vector<TrackPath>& paths, const WorldTransform
 }
 
 std::vector<TrackPath> PathsFromCsv(const std::string& file, const WorldTransform& world,
-                                    Coordinates counting) {
+                                    Coordinates coordinates) {
     RequireFile(file);
-    return Reader(file, world, counting).Read();
+    return Reader(file, world, coordinates).Read();
 }

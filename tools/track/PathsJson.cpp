@@ -1,8 +1,7 @@
-#include "tools/track/PathsJson.h"
+#include "tools/track/PathsText.h"
 
 #include "tools/commandline/Failure.h"
 #include "tools/track/LoadedTrack.h"
-#include "tools/track/WorldPoint.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -83,14 +82,14 @@ class Reader {
             throw Failure(ExitCode::Unreadable, file + ": byte " + std::to_string(error.offset) + ": " +
                                                     error.errorString().toStdString());
         if (document.value(kType) != kCollection || !document.value(kFeatures).isArray())
-            throw Failure(ExitCode::Unreadable, file + ": no FeatureCollection with features");
+            throw Failure(ExitCode::Unreadable, file + ": not a FeatureCollection with features");
         return document.value(kFeatures).toArray();
     }
 
     [[nodiscard]] TrackPath PathOf(const QJsonObject& feature) const {
         const QJsonObject geometry = feature.value(kGeometry).toObject();
         if (feature.value(kType) != kFeature || geometry.value(kType) != kLine)
-            Fail("no Feature with a LineString");
+            Fail("not a Feature with a LineString");
         const QJsonObject properties = feature.value(kProperties).toObject();
         if (properties.contains(kTrack) && properties.value(kTrack) != QJsonValue(index))
             Fail("its track is not " + std::to_string(index));
@@ -112,7 +111,7 @@ class Reader {
 
     [[nodiscard]] QPointF PositionOf(const QJsonArray& place, int point) const {
         if (place.size() != 2 || !place[0].isDouble() || !place[1].isDouble())
-            Fail("point " + std::to_string(point) + " is no pair of numbers");
+            Fail("point " + std::to_string(point) + " is not a pair of numbers");
         const QPointF position = NormalisedPoint({place[0].toDouble(), place[1].toDouble()}, world);
         if (!std::isfinite(position.x()) || !std::isfinite(position.y()))
             Fail("point " + std::to_string(point) + " has no place in the track");
@@ -127,7 +126,7 @@ class Reader {
         const double value = (values.isArray() ? list[point] : values).toDouble(std::nan(""));
         if (!(value >= std::numeric_limits<std::int32_t>::min() &&
               value <= std::numeric_limits<std::int32_t>::max() && value == std::floor(value)))
-            Fail(name.toStdString() + " is no whole number");
+            Fail(name.toStdString() + " is not an integer");
         return static_cast<int>(value);
     }
 

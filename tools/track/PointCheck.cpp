@@ -29,7 +29,7 @@ bool PointCheck::Take(const PointRecord& point, const Warn& warn) {
 
 void PointCheck::CheckNumbers(const PointRecord& point, const Warn& warn) const {
     if (const auto path = static_cast<std::int64_t>(points.size()) - 1; point.track != path)
-        warn("Track " + std::to_string(point.track) + " neither goes on with Track " + std::to_string(path) +
+        warn("Track " + std::to_string(point.track) + " neither continues Track " + std::to_string(path) +
              " nor starts the next: the point is read as one of Track " + std::to_string(path));
     else if (point.segment != points.back())
         warn("Segment " + std::to_string(point.segment) + " where " + std::to_string(points.back()) +
@@ -46,7 +46,7 @@ void PointCheck::CheckPlace(const PointRecord& point, const Warn& warn) const {
     const QPointF expected = world.PointOf(point.relative);
     const double xBound = tolerance * (std::abs(world.xScale) + std::abs(world.xOffset));
     const double yBound = tolerance * (std::abs(world.yScale) + std::abs(world.yOffset));
-    // Written so that a NaN on either side is a difference.
+    // Negated so that NaN on either side counts as a difference.
     if (!(std::abs(point.place.x() - expected.x()) <= xBound) ||
         !(std::abs(point.place.y() - expected.y()) <= yBound))
         warn("X, Y are " + Shown(point.place) +

@@ -9,28 +9,28 @@
 #include <string>
 #include <vector>
 
-/// One record of a path's point as a file has it, in either encoding.
+/// One point record of a track file, in either encoding.
 struct PointRecord {
     std::int32_t track = 0;
     std::int32_t segment = 0;
-    QPointF place; ///< in world units
+    QPointF place; ///< in world coordinates
     QPointF relative;
     std::int32_t method = 1;
 };
 
-/// Follows the records of a track's paths and finds those that do not fit the ones before or themselves.
+/// Checks the point records of a track, in order, for inconsistencies.
 class PointCheck final {
   public:
     using Warn = std::function<void(const std::string& text)>;
 
-    /// @param tolerance by which a place may differ from where the relative coordinates put it, as a part of
+    /// @param tolerance the allowed difference between a place and its relative coordinates, as a fraction of
     ///        the map's extent
     PointCheck(const WorldTransform& world, double tolerance) : world(world), tolerance(tolerance) {}
 
-    /// Takes the next record. @return false when readers fail: it is the first, and starts no path
+    /// Checks the next record. @return false when readers fail: the first record does not start a path
     [[nodiscard]] bool Take(const PointRecord& point, const Warn& warn);
 
-    /// How many points each path has so far.
+    /// The number of points of each path so far.
     [[nodiscard]] const std::vector<std::int64_t>& PointCounts() const { return points; }
 
   private:

@@ -6,6 +6,6 @@
 #include <QSize>
 #include <QString>
 
-/// A profile as a curve over the distance, with a mark at each point of the path; the curve is interrupted
-/// where there is no height. Makes an application object for the fonts, so there must be none.
+/// Draws a profile as a curve over the distance, with a line at each point of the path and gaps where there
+/// is no height. @pre no application object exists: it creates one, for the fonts
 QImage DrawProfile(const HeightProfile& profile, const QString& title, const QSize& size);

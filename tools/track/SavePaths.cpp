@@ -12,7 +12,7 @@
 
 namespace {
 
-/// Why a file cannot be written, as far as opening it says.
+/// The reason why a file cannot be written, as far as opening it shows.
 std::string ReasonFor(const std::string& target) {
     const AtomicFile file(target);
     return file.IsOpen() ? "cannot be written" : file.Failure().message();

@@ -5,17 +5,17 @@
 
 #include <QSize>
 
-/// The factors by which the editor saves the paths of a track.
+/// The transform with which the editor saves the paths of a track.
 WorldTransform WorldOf(const TrackInfo& info);
 
-/// The pixels in which segment parameters and ruler marks of a track are measured.
+/// The size in pixels of a track shown at 100 %, to which segment parameters and ruler marks refer.
 QSize ShownSizeOf(const TrackInfo& info);
 
-/// Puts the ruler marks into paths of a track.
+/// Computes the ruler marks of the paths.
 void ComputeRulerMarks(const TrackInfo& info, std::vector<TrackPath>& paths);
 
-/// Writes a track with other paths, and the ruler marks computed for them, as the editor does: as a binary
-/// track that appears at once, whatever the encoding of the original. The target may be the original.
-/// @throws Failure: Unreadable when the original is not whole, or has what a binary track does not hold;
-///         Unwritable
+/// Saves a track with other paths and their ruler marks as the editor does: atomically, as a binary track
+/// even if the original is a text track. The target may be the original.
+/// @throws Failure: Unreadable when the original is incomplete, or has content that a binary track cannot
+///         store; Unwritable
 void SavePaths(const LoadedTrack& original, std::vector<TrackPath> paths, const std::string& target);

@@ -9,12 +9,8 @@
 
 namespace {
 
-/// Text tracks have their numbers with 6 significant digits.
+/// Text tracks store numbers with 6 significant digits.
 constexpr double kPlaceTolerance = 1e-5;
-
-// The editor starts a text track's height range so.
-constexpr double kLowestStart = 32768.0;
-constexpr double kHighestStart = -32768.0;
 
 std::string Quoted(std::string_view field) {
     constexpr std::size_t kMaxShown = 40;
@@ -26,12 +22,12 @@ std::string Quoted(std::string_view field) {
 void TextTrackCheck::Run() {
     try {
         CheckSections();
-    } catch (const std::exception& failure) { // a line that is too long, or a disk that cannot be read
+    } catch (const std::exception& failure) { // a line is too long, or the disk cannot be read
         ++number;
         Error(failure.what());
         return;
     }
-    CheckWhatIsMissing();
+    CheckMissingSections();
 }
 
 void TextTrackCheck::CheckSections() {
@@ -64,8 +60,8 @@ void TextTrackCheck::CheckInfo() {
     info.xOffset = NumberOf(fields.Next(), "the X offset");
     info.yOffset = NumberOf(fields.Next(), "the Y offset");
     info.zOffset = NumberOf(fields.Next(), "the Z offset");
-    const std::int32_t width = WholeNumberOf(fields.Next(), "the width");
-    const std::int32_t height = WholeNumberOf(fields.Next(), "the height");
+    const std::int32_t width = IntegerOf(fields.Next(), "the width");
+    const std::int32_t height = IntegerOf(fields.Next(), "the height");
     if (hasMap && (width != info.width || height != info.height))
         Error("other dimensions than those that the height map was read with");
     info.width = width;
@@ -102,7 +98,7 @@ void TextTrackCheck::CheckMap() {
         for (fields.Next(); fields.HasNext();)
             NumberOf(fields.Next(), "a column's position");
     }
-    HeightRange range(kLowestStart, kHighestStart);
+    HeightRange range(kInitialMinHeight, kInitialMaxHeight);
     std::int64_t row = 0;
     for (; NextInSection(); ++row)
         if (hasInfo && isUsable)
@@ -118,7 +114,7 @@ void TextTrackCheck::CheckMap() {
 }
 
 void TextTrackCheck::CheckSize() {
-    // As the reader: rows may be short, so a small map is let through.
+    // Like the reader: rows may be short, so a small map is accepted.
     constexpr std::uint64_t kSmallMap = std::uint64_t{1} << 20;
     if (info.width < 1 || info.height < 1)
         return Error("a height map of " + std::to_string(info.width) + " x " + std::to_string(info.height) +
@@ -172,7 +168,7 @@ void TextTrackCheck::CheckPoints() {
         Warning("the section with the paths is not closed by an End line");
 }
 
-/// @param fails whether readers have given up before
+/// @param fails whether the readers have failed at an earlier point
 void TextTrackCheck::CheckPoint(PointCheck& points, bool& fails) {
     constexpr std::size_t kFields = 10;
     const std::size_t count = line.FieldCount();
@@ -184,23 +180,23 @@ void TextTrackCheck::CheckPoint(PointCheck& points, bool& fails) {
         Warning(std::to_string(count) + " fields for a point, which has 10; the others are not read");
     CsvFields fields(line);
     PointRecord point;
-    point.track = WholeNumberOf(fields.Next(), "Track");
-    point.segment = WholeNumberOf(fields.Next(), "Segment");
+    point.track = IntegerOf(fields.Next(), "Track");
+    point.segment = IntegerOf(fields.Next(), "Segment");
     point.place.rx() = NumberOf(fields.Next(), "X");
     point.place.ry() = NumberOf(fields.Next(), "Y");
     point.relative.rx() = NumberOf(fields.Next(), "RelativeX");
     point.relative.ry() = NumberOf(fields.Next(), "RelativeY");
-    point.method = WholeNumberOf(fields.Next(), "Method");
+    point.method = IntegerOf(fields.Next(), "Method");
     for (const char* const name : {"Length", "Width", "Space"})
-        WholeNumberOf(fields.Next(), name);
+        IntegerOf(fields.Next(), name);
     if (!points.Take(point, [this](const std::string& text) { Warning(text); }) && !fails) {
         fails = true;
         Error("the first point is one of Track " + std::to_string(point.track) + ", and there is no Track 0");
     }
 }
 
-void TextTrackCheck::CheckWhatIsMissing() {
-    ++number; // where it would be
+void TextTrackCheck::CheckMissingSections() {
+    ++number; // the line after the last one
     if (!hasMap)
         Error("no height map");
     if (!hasPoints)
@@ -216,9 +212,9 @@ double TextTrackCheck::NumberOf(std::string_view field, const std::string& name)
     return value;
 }
 
-std::int32_t TextTrackCheck::WholeNumberOf(std::string_view field, const std::string& name) {
+std::int32_t TextTrackCheck::IntegerOf(std::string_view field, const std::string& name) {
     const std::int32_t value = ToInt32(field);
-    if (!ParseWhole(field))
+    if (!ParseInteger(field))
         Warning(name + " is " + Quoted(field) + " and read as " + std::to_string(value));
     return value;
 }
@@ -238,7 +234,7 @@ bool TextTrackCheck::NextInSection() {
     return NextLine() && !(isUsable && line.StartsWith("End"));
 }
 
-/// Passes over a header line. @return whether a line with fields follows, or one that cannot be split
+/// Skips the header line. @return whether a line follows, with fields or malformed
 bool TextTrackCheck::MoveAfterHeader() {
     std::string_view text;
     if (!TakeLine(text) || !TakeLine(text) || text.empty())
@@ -261,7 +257,7 @@ void TextTrackCheck::Split(std::string_view text) {
     try {
         line.Split(text);
         isUsable = line.HasFields();
-    } catch (const std::exception& failure) { // an escape that is none
+    } catch (const std::exception& failure) { // an invalid escape sequence
         Error(failure.what());
     }
 }

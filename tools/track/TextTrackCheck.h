@@ -33,9 +33,9 @@ class TextTrackCheck final {
     void CheckCells(CsvFields& fields, HeightRange& range);
     void CheckPoints();
     void CheckPoint(PointCheck& points, bool& fails);
-    void CheckWhatIsMissing();
+    void CheckMissingSections();
     double NumberOf(std::string_view field, const std::string& name);
-    std::int32_t WholeNumberOf(std::string_view field, const std::string& name);
+    std::int32_t IntegerOf(std::string_view field, const std::string& name);
 
     void Error(const std::string& text) { Report(TrackProblem::Severity::Error, text); }
     void Warning(const std::string& text) { Report(TrackProblem::Severity::Warning, text); }

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Why the editor does not open a track; empty when it does.
+/// The editor's reason for not opening a track; empty when it opens.
 std::string EditorsRefusal(const std::string& file) {
     try {
         LoadImage(LoadTrack(file));
@@ -19,6 +19,21 @@ std::string EditorsRefusal(const std::string& file) {
 
 } // namespace
 
+std::string TrackProblem::Place() const {
+    if (line)
+        return "line " + std::to_string(*line) + ": ";
+    return offset ? "byte " + std::to_string(*offset) + ": " : "";
+}
+
+QJsonObject TrackProblem::ToJson() const {
+    QJsonObject object{{QStringLiteral("text"), QString::fromStdString(text)}};
+    if (line)
+        object.insert(QStringLiteral("line"), static_cast<qint64>(*line));
+    if (offset)
+        object.insert(QStringLiteral("offset"), static_cast<qint64>(*offset));
+    return object;
+}
+
 void CheckTrack(const std::string& file, const ProblemSink& sink) {
     bool hasError = false;
     const ProblemSink note = [&](const TrackProblem& problem) {
@@ -29,7 +44,7 @@ void CheckTrack(const std::string& file, const ProblemSink& sink) {
         BinaryTrackCheck(file, note).Run();
     else
         TextTrackCheck(file, note).Run();
-    // The editor's readers have the last word, whatever the check above did not think of.
+    // Finally the editor's own readers, for whatever the checks above do not cover.
     if (const std::string refusal = hasError ? std::string() : EditorsRefusal(file); !refusal.empty())
         sink({TrackProblem::Severity::Error, {}, {}, refusal});
 }

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Whether two numbers are the same; two that are not numbers are.
+/// Whether two numbers are equal within the tolerance; NaN equals NaN.
 bool AreEqual(double one, double other, double tolerance) {
     return one == other || std::abs(one - other) <= tolerance || (std::isnan(one) && std::isnan(other));
 }
@@ -84,7 +84,7 @@ bool HaveSameParameters(const PathPoint& one, const PathPoint& other) {
            one.space == other.space;
 }
 
-/// A point of a track with its place in the world; none where there is no such point.
+/// A point of a track with its world position; nullopt if it does not exist.
 std::optional<PathPoint> PointOf(const LoadedTrack& track, std::size_t path, std::size_t point) {
     if (path >= track.paths.size() || point >= track.paths[path].points.size())
         return std::nullopt;

@@ -17,11 +17,11 @@ void DrawPaths(const LoadedTrack& track, bool ruler, QImage& picture) {
     std::vector<TrackPath> paths = track.paths;
     if (ruler)
         ComputeRulerMarks(track.info, paths);
-    EditingState nothingChosen;
-    nothingChosen.currentPath = -1;
+    EditingState state;
+    state.currentPath = -1;
     PathExtents extents;
     ShapeCache shapes;
-    PathPainter painter(picture, picture.rect(), 1.0, paths, nothingChosen, extents, shapes,
+    PathPainter painter(picture, picture.rect(), 1.0, paths, state, extents, shapes,
                         CanvasScale(picture.size()));
     painter.Paint(ruler, {});
 }

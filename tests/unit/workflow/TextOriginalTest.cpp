@@ -5,7 +5,6 @@
 #include "SmallTrack.h"
 #include "TemporaryFolder.h"
 #include "TimeZone.h"
-#include "workflow/KeptCopies.h"
 
 #include <gtest/gtest.h>
 
