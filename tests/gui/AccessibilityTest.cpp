@@ -42,7 +42,7 @@ class Accessibility : public WindowTest {
     }
 };
 
-TEST_F(Accessibility, EveryControlHasAName) {
+TEST_F(Accessibility, everyControlHasAName) {
     openWindow();
     int controls = 0;
     walk([&](QAccessibleInterface& element) {
@@ -56,7 +56,7 @@ TEST_F(Accessibility, EveryControlHasAName) {
     EXPECT_GE(controls, 20);
 }
 
-TEST_F(Accessibility, NothingThatIsSpokenCarriesMarkup) {
+TEST_F(Accessibility, nothingThatIsSpokenCarriesMarkup) {
     openWindow();
     loadTrack("<b>bold & more<i>.trk");
     int texts = 0;
@@ -75,7 +75,7 @@ TEST_F(Accessibility, NothingThatIsSpokenCarriesMarkup) {
               "External - <b>bold & more<i>.trk");
 }
 
-TEST_F(Accessibility, LabelsBelongToTheirControls) {
+TEST_F(Accessibility, labelsBelongToTheirControls) {
     openWindow();
     for (const auto& [label, control] : {std::pair{"label_sensorIP", "comboBox_sensor"},
                                          {"label_file", "comboBox_file"},
@@ -94,7 +94,7 @@ TEST_F(Accessibility, LabelsBelongToTheirControls) {
     EXPECT_EQ(nameOf("label_mask"), "Height map");
 }
 
-TEST_F(Accessibility, TheCanvasDescribesItself) {
+TEST_F(Accessibility, theCanvasDescribesItself) {
     openWindow();
     EXPECT_EQ(canvasDescription(), "No track is open.");
     loadTrack("cover.trk");

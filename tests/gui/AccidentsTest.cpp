@@ -40,13 +40,13 @@ class Accidents : public SourceWorkflows {
     }
 };
 
-TEST_F(Accidents, TheWheelOverTheOperationsRunsNone) {
+TEST_F(Accidents, theWheelOverTheOperationsRunsNone) {
     openEditedTrack();
     turnWheelOver("comboBox_operation");
     expectNothingHappened();
 }
 
-TEST_F(Accidents, TheWheelOverTheSourcesKeepsTheBackupOpen) {
+TEST_F(Accidents, theWheelOverTheSourcesKeepsTheBackupOpen) {
     startServer(); // so that there is another source
     openEditedTrack();
     ASSERT_EQ(items("comboBox_sensor").size(), 2U);
@@ -54,7 +54,7 @@ TEST_F(Accidents, TheWheelOverTheSourcesKeepsTheBackupOpen) {
     expectNothingHappened();
 }
 
-TEST_F(Accidents, TheWheelOverFilesAndNumbersChoosesNone) {
+TEST_F(Accidents, theWheelOverFilesAndNumbersChoosesNone) {
     openEditedTrack();
     typeNumber("spinBox_segmentId", "2");
     for (const char* const control : {"comboBox_file", "spinBox_pathId", "spinBox_segmentId"})
@@ -67,7 +67,7 @@ TEST_F(Accidents, TheWheelOverFilesAndNumbersChoosesNone) {
 
 class AccidentalKeys : public Accidents, public ::testing::WithParamInterface<Qt::Key> {};
 
-TEST_P(AccidentalKeys, OnTheClosedOperationsOpenTheListInsteadOfChoosing) {
+TEST_P(AccidentalKeys, onTheClosedOperationsOpenTheListInsteadOfChoosing) {
     openEditedTrack();
     auto& list = find<QComboBox>("comboBox_operation");
     list.setFocus();
@@ -84,7 +84,7 @@ INSTANTIATE_TEST_SUITE_P(Each, AccidentalKeys,
                                            Qt::Key_PageDown, Qt::Key_Home),
                          [](const auto& key) { return QKeySequence(key.param).toString().toStdString(); });
 
-TEST_F(Accidents, KeysThatChooseNothingDoNotOpenTheOperations) {
+TEST_F(Accidents, keysThatChooseNothingDoNotOpenTheOperations) {
     openEditedTrack();
     auto& list = find<QComboBox>("comboBox_operation");
     list.setFocus();
@@ -94,7 +94,7 @@ TEST_F(Accidents, KeysThatChooseNothingDoNotOpenTheOperations) {
     expectNothingHappened();
 }
 
-TEST_F(Accidents, AfterAnOperationTheNextKeyIsNotTheListsAnyMore) {
+TEST_F(Accidents, afterAnOperationTheNextKeyIsNotTheListsAnyMore) {
     openEditedTrack();
     choose("comboBox_operation", "Save");
     EXPECT_TRUE(canvas().hasFocus());

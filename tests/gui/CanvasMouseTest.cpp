@@ -6,12 +6,12 @@ namespace {
 
 using CanvasMouse = CanvasTest;
 
-TEST_F(CanvasMouse, TracksTheMouseWithoutAButton) {
+TEST_F(CanvasMouse, tracksTheMouseWithoutAButton) {
     EXPECT_TRUE(window.canvas->hasMouseTracking());
     EXPECT_TRUE(window.canvas->testAttribute(Qt::WA_MouseTracking));
 }
 
-TEST_F(CanvasMouse, IgnoresEverythingWithoutAnImage) {
+TEST_F(CanvasMouse, ignoresEverythingWithoutAnImage) {
     window.canvas->clear();
     mouse.Draw({{50, 50}, {150, 50}});
     EXPECT_TRUE(Paths().empty());
@@ -21,7 +21,7 @@ TEST_F(CanvasMouse, IgnoresEverythingWithoutAnImage) {
     EXPECT_TRUE(State().rubberPoint.isNull());
 }
 
-TEST_F(CanvasMouse, EachHandlerIgnoresEventsOnceTheImageIsGone) {
+TEST_F(CanvasMouse, eachHandlerIgnoresEventsOnceTheImageIsGone) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Click({50, 200});
     mouse.Move({150, 50});
@@ -34,7 +34,7 @@ TEST_F(CanvasMouse, EachHandlerIgnoresEventsOnceTheImageIsGone) {
     EXPECT_EQ(At(0, 1), QPointF(150, 50));
 }
 
-TEST_F(CanvasMouse, AClickWithoutMovingMakesAnOpenPathOfOnePoint) {
+TEST_F(CanvasMouse, aClickWithoutMovingMakesAnOpenPathOfOnePoint) {
     QTest::mouseClick(window.canvas, Qt::LeftButton, {}, {120, 80});
     ASSERT_EQ(Paths().size(), 1U);
     EXPECT_EQ(Paths()[0].points.size(), 1U);
@@ -42,7 +42,7 @@ TEST_F(CanvasMouse, AClickWithoutMovingMakesAnOpenPathOfOnePoint) {
     EXPECT_EQ(Document().finishedCount(), 0);
 }
 
-TEST_F(CanvasMouse, AReleaseAtExactlyFivePixelsAddsNothing) {
+TEST_F(CanvasMouse, aReleaseAtExactlyFivePixelsAddsNothing) {
     mouse.Press({120, 80});
     mouse.Release({125, 80});
     EXPECT_EQ(Paths().at(0).points.size(), 1U);
@@ -50,7 +50,7 @@ TEST_F(CanvasMouse, AReleaseAtExactlyFivePixelsAddsNothing) {
     EXPECT_EQ(Paths().at(0).points.size(), 1U);
 }
 
-TEST_F(CanvasMouse, AReleaseMoreThanFivePixelsAwayAddsAPoint) {
+TEST_F(CanvasMouse, aReleaseMoreThanFivePixelsAwayAddsAPoint) {
     mouse.Press({120, 80});
     mouse.Release({126, 80});
     ASSERT_EQ(Paths().at(0).points.size(), 2U);
@@ -61,7 +61,7 @@ TEST_F(CanvasMouse, AReleaseMoreThanFivePixelsAwayAddsAPoint) {
     EXPECT_EQ(Paths()[0].spaces, (std::vector<int>{100, 100}));
 }
 
-TEST_F(CanvasMouse, OnlyTheLeftButtonActs) {
+TEST_F(CanvasMouse, onlyTheLeftButtonActs) {
     for (const Qt::MouseButton button : {Qt::RightButton, Qt::MiddleButton}) {
         mouse.Click({50, 50}, button);
         EXPECT_TRUE(Paths().empty());
@@ -80,12 +80,12 @@ TEST_F(CanvasMouse, OnlyTheLeftButtonActs) {
     EXPECT_TRUE(State().rubberPoint.isNull());
 }
 
-TEST_F(CanvasMouse, TheFirstPointIsTakenWhereTheButtonWentDown) {
+TEST_F(CanvasMouse, theFirstPointIsTakenWhereTheButtonWentDown) {
     mouse.Press({3, 297});
     EXPECT_EQ(At(0, 0), QPointF(3, 297));
 }
 
-TEST_F(CanvasMouse, LaterPointsAreClampedToTheMargin) {
+TEST_F(CanvasMouse, laterPointsAreClampedToTheMargin) {
     mouse.Click({200, 150});
     mouse.Release({3, 297});
     EXPECT_EQ(At(0, 1), QPointF(10, 290));
@@ -93,13 +93,13 @@ TEST_F(CanvasMouse, LaterPointsAreClampedToTheMargin) {
     EXPECT_EQ(At(0, 2), QPointF(390, 10));
 }
 
-TEST_F(CanvasMouse, TheReleaseDistanceIsMeasuredFromTheClampedPosition) {
+TEST_F(CanvasMouse, theReleaseDistanceIsMeasuredFromTheClampedPosition) {
     mouse.Press({10, 150});
     mouse.Release({2, 150});
     EXPECT_EQ(Paths().at(0).points.size(), 1U);
 }
 
-TEST_F(CanvasMouse, OnACanvasNarrowerThanTheMarginsEveryLaterPointIsAtTen) {
+TEST_F(CanvasMouse, onACanvasNarrowerThanTheMarginsEveryLaterPointIsAtTen) {
     window.ShowImage({15, 15});
     mouse.Press({1, 1});
     mouse.Release({14, 14});
@@ -108,13 +108,13 @@ TEST_F(CanvasMouse, OnACanvasNarrowerThanTheMarginsEveryLaterPointIsAtTen) {
     EXPECT_NEAR(At(0, 1).y(), 10.0, 1e-9);
 }
 
-TEST_F(CanvasMouse, APressWhileAPathIsOpenStartsNone) {
+TEST_F(CanvasMouse, aPressWhileAPathIsOpenStartsNone) {
     mouse.Click({50, 50});
     mouse.Press({150, 50});
     EXPECT_EQ(Paths().size(), 1U);
 }
 
-TEST_F(CanvasMouse, ADoubleClickClosesThePath) {
+TEST_F(CanvasMouse, aDoubleClickClosesThePath) {
     mouse.Draw({{50, 50}, {150, 50}});
     EXPECT_EQ(Document().finishedCount(), 1);
     ASSERT_EQ(Paths().size(), 1U);
@@ -124,26 +124,26 @@ TEST_F(CanvasMouse, ADoubleClickClosesThePath) {
     EXPECT_EQ(Paths().size(), 2U);
 }
 
-TEST_F(CanvasMouse, ADoubleClickWithoutAnOpenPathChangesNothing) {
+TEST_F(CanvasMouse, aDoubleClickWithoutAnOpenPathChangesNothing) {
     mouse.Draw({{50, 50}, {150, 50}});
     QTest::mouseDClick(window.canvas, Qt::LeftButton, {}, {150, 50});
     EXPECT_EQ(Document().finishedCount(), 1);
     EXPECT_EQ(Paths().size(), 1U);
 }
 
-TEST_F(CanvasMouse, AReleaseFarFromAClosedPathsLastPointExtendsIt) {
+TEST_F(CanvasMouse, aReleaseFarFromAClosedPathsLastPointExtendsIt) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Release({150, 150});
     EXPECT_EQ(Paths().at(0).points.size(), 3U);
     EXPECT_EQ(Document().finishedCount(), 1);
 }
 
-TEST_F(CanvasMouse, AReleaseWithoutPathsDoesNothing) {
+TEST_F(CanvasMouse, aReleaseWithoutPathsDoesNothing) {
     mouse.Release({150, 150});
     EXPECT_TRUE(Paths().empty());
 }
 
-TEST_F(CanvasMouse, HoldingTheButtonStretchesTheRubberBand) {
+TEST_F(CanvasMouse, holdingTheButtonStretchesTheRubberBand) {
     mouse.Press({50, 50});
     mouse.Move({150, 100});
     EXPECT_EQ(State().rubberPoint, QPointF(150.0 / 400, 100.0 / 300));
@@ -153,7 +153,7 @@ TEST_F(CanvasMouse, HoldingTheButtonStretchesTheRubberBand) {
     EXPECT_TRUE(State().rubberPoint.isNull());
 }
 
-TEST_F(CanvasMouse, APointNearerThanFivePixelsIsArmed) {
+TEST_F(CanvasMouse, aPointNearerThanFivePixelsIsArmed) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Move({154.99, 50});
     EXPECT_EQ(State().hoverPath, 0);
@@ -161,7 +161,7 @@ TEST_F(CanvasMouse, APointNearerThanFivePixelsIsArmed) {
     EXPECT_EQ(State().dragPoint, Paths()[0].points[1]);
 }
 
-TEST_F(CanvasMouse, APointExactlyFivePixelsAwayIsNotArmed) {
+TEST_F(CanvasMouse, aPointExactlyFivePixelsAwayIsNotArmed) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Move({150, 50});
     mouse.Move({155, 50});
@@ -169,14 +169,14 @@ TEST_F(CanvasMouse, APointExactlyFivePixelsAwayIsNotArmed) {
     EXPECT_EQ(State().hoverPoint, 0);
 }
 
-TEST_F(CanvasMouse, TheCursorIsClampedBeforeTheSearch) {
+TEST_F(CanvasMouse, theCursorIsClampedBeforeTheSearch) {
     mouse.Press({3, 150}); // the first point may lie in the margin
     mouse.Release({200, 150});
     mouse.Move({3, 150}); // the cursor counts as (10, 150)
     EXPECT_TRUE(State().dragPoint.isNull());
 }
 
-TEST_F(CanvasMouse, APressOnAnArmedPointCreatesNothing) {
+TEST_F(CanvasMouse, aPressOnAnArmedPointCreatesNothing) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Move({151, 51});
     mouse.Press({151, 51});
@@ -184,7 +184,7 @@ TEST_F(CanvasMouse, APressOnAnArmedPointCreatesNothing) {
     EXPECT_EQ(At(0, 1), QPointF(150, 50));
 }
 
-TEST_F(CanvasMouse, ADragMovesThePointUnderTheCursor) {
+TEST_F(CanvasMouse, aDragMovesThePointUnderTheCursor) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Move({151, 51});
     mouse.Press({151, 51});
@@ -198,7 +198,7 @@ TEST_F(CanvasMouse, ADragMovesThePointUnderTheCursor) {
     EXPECT_EQ(Paths()[0].points.size(), 2U);
 }
 
-TEST_F(CanvasMouse, ADraggedPointStaysInsideTheMargin) {
+TEST_F(CanvasMouse, aDraggedPointStaysInsideTheMargin) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Move({150, 50});
     mouse.Press({150, 50});
@@ -208,7 +208,7 @@ TEST_F(CanvasMouse, ADraggedPointStaysInsideTheMargin) {
     EXPECT_EQ(At(0, 1), QPointF(390, 290));
 }
 
-TEST_F(CanvasMouse, TheDragPointStaysUntilTheNextMoveWithoutAButton) {
+TEST_F(CanvasMouse, theDragPointStaysUntilTheNextMoveWithoutAButton) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Move({150, 50});
     mouse.Press({150, 50});
@@ -219,7 +219,7 @@ TEST_F(CanvasMouse, TheDragPointStaysUntilTheNextMoveWithoutAButton) {
     EXPECT_EQ(State().hoverPoint, 0);
 }
 
-TEST_F(CanvasMouse, OfTwoPointsAtOnePlaceTheEarlierPathsIsDragged) {
+TEST_F(CanvasMouse, ofTwoPointsAtOnePlaceTheEarlierPathsIsDragged) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Move({250, 250});
     mouse.Draw({{50, 200}, {200, 200}});
@@ -235,7 +235,7 @@ TEST_F(CanvasMouse, OfTwoPointsAtOnePlaceTheEarlierPathsIsDragged) {
     EXPECT_EQ(At(1, 1), QPointF(150, 50));
 }
 
-TEST_F(CanvasMouse, APointCanBeDraggedWhileAPathIsOpen) {
+TEST_F(CanvasMouse, aPointCanBeDraggedWhileAPathIsOpen) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Move({250, 250});
     mouse.Click({250, 250});
@@ -249,7 +249,7 @@ TEST_F(CanvasMouse, APointCanBeDraggedWhileAPathIsOpen) {
     EXPECT_EQ(Paths()[1].points.size(), 1U);
 }
 
-TEST_F(CanvasMouse, PointsAreKeptWhenTheCanvasIsResized) {
+TEST_F(CanvasMouse, pointsAreKeptWhenTheCanvasIsResized) {
     mouse.Draw({{100, 75}, {200, 150}});
     window.Resize({800, 600});
     EXPECT_EQ(At(0, 1), QPointF(400, 300));
@@ -257,7 +257,7 @@ TEST_F(CanvasMouse, PointsAreKeptWhenTheCanvasIsResized) {
     EXPECT_EQ(State().hoverPoint, 1);
 }
 
-TEST_F(CanvasMouse, DeleteLastOnTwoPointsRemovesThePathAndOnThreeLeavesTwo) {
+TEST_F(CanvasMouse, deleteLastOnTwoPointsRemovesThePathAndOnThreeLeavesTwo) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Move({250, 250});
     mouse.Draw({{50, 200}, {150, 200}, {250, 200}});
@@ -269,7 +269,7 @@ TEST_F(CanvasMouse, DeleteLastOnTwoPointsRemovesThePathAndOnThreeLeavesTwo) {
     EXPECT_EQ(Document().finishedCount(), 1);
 }
 
-TEST_F(CanvasMouse, ClearAllForgetsEveryPathAndTheState) {
+TEST_F(CanvasMouse, clearAllForgetsEveryPathAndTheState) {
     mouse.Draw({{50, 50}, {150, 50}});
     window.canvas->setCurrentPath(2);
     window.canvas->setCurrentSegment(3);
@@ -280,7 +280,7 @@ TEST_F(CanvasMouse, ClearAllForgetsEveryPathAndTheState) {
     EXPECT_EQ(window.canvas->currentSegment(), 0);
 }
 
-TEST_F(CanvasMouse, AnAddedPointRefreshesAShownRuler) {
+TEST_F(CanvasMouse, anAddedPointRefreshesAShownRuler) {
     window.shown = true;
     mouse.Press({50, 50});
     EXPECT_EQ(window.refreshes, 0);
@@ -291,7 +291,7 @@ TEST_F(CanvasMouse, AnAddedPointRefreshesAShownRuler) {
     EXPECT_EQ(Paths().at(0).rulerMarks.size(), 1U);
 }
 
-TEST_F(CanvasMouse, EveryDragStepRefreshesAShownRulerAndItsReleaseDoesNot) {
+TEST_F(CanvasMouse, everyDragStepRefreshesAShownRulerAndItsReleaseDoesNot) {
     window.shown = true;
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Move({150, 50});
@@ -304,7 +304,7 @@ TEST_F(CanvasMouse, EveryDragStepRefreshesAShownRulerAndItsReleaseDoesNot) {
     EXPECT_EQ(window.refreshes, 2);
 }
 
-TEST_F(CanvasMouse, AHiddenRulerIsNotRefreshed) {
+TEST_F(CanvasMouse, aHiddenRulerIsNotRefreshed) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Move({150, 50});
     mouse.Press({150, 50});
@@ -314,7 +314,7 @@ TEST_F(CanvasMouse, AHiddenRulerIsNotRefreshed) {
     EXPECT_TRUE(Paths().at(0).rulerMarks.empty());
 }
 
-TEST_F(CanvasMouse, TheWindowIsTakenAtConstruction) {
+TEST_F(CanvasMouse, theWindowIsTakenAtConstruction) {
     QScrollArea area;
     area.setWidget(window.canvas);
     window.shown = true;
@@ -323,7 +323,7 @@ TEST_F(CanvasMouse, TheWindowIsTakenAtConstruction) {
     area.takeWidget()->setParent(window.central);
 }
 
-TEST(CanvasAlone, WorksWithoutAWindow) {
+TEST(CanvasAlone, worksWithoutAWindow) {
     QMaskWidget canvas;
     QPixmap image(400, 300);
     image.fill(Qt::gray);

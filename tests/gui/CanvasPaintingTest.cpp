@@ -45,7 +45,7 @@ class CanvasPainting : public CanvasTest {
     }
 };
 
-TEST_F(CanvasPainting, NothingWithoutAnImage) {
+TEST_F(CanvasPainting, nothingWithoutAnImage) {
     DrawLevelLine();
     window.canvas->setText(QStringLiteral("A label would show this, and its frame."));
     window.canvas->setFrameShape(QFrame::Box);
@@ -55,18 +55,18 @@ TEST_F(CanvasPainting, NothingWithoutAnImage) {
     EXPECT_EQ(Count(paper, qRgb(7, 8, 9)), 400 * 300);
 }
 
-TEST_F(CanvasPainting, TheImageFillsTheCanvas) {
+TEST_F(CanvasPainting, theImageFillsTheCanvas) {
     EXPECT_EQ(Count(window.Picture(), kGrey), 400 * 300);
 }
 
-TEST_F(CanvasPainting, ASegmentIsABlueLineTwoPixelsWide) {
+TEST_F(CanvasPainting, aSegmentIsABlueLineTwoPixelsWide) {
     DrawLevelLine();
     const QImage picture = window.Picture();
     EXPECT_EQ(Count(picture, kBlue, QRect(150, 0, 1, 300)), 2);
     EXPECT_EQ(Count(picture, kBlue, QRect(100, 99, 100, 2)), 200);
 }
 
-TEST_F(CanvasPainting, EverySegmentOfEveryPathIsPainted) {
+TEST_F(CanvasPainting, everySegmentOfEveryPathIsPainted) {
     mouse.Draw({{50, 50}, {150, 50}, {150, 150}});
     mouse.Move({250, 250});
     mouse.Draw({{200, 50}, {300, 50}});
@@ -79,7 +79,7 @@ TEST_F(CanvasPainting, EverySegmentOfEveryPathIsPainted) {
     EXPECT_EQ(Count(picture, kBlue, QRect(170, 0, 1, 300)), 0);
 }
 
-TEST_F(CanvasPainting, APointIsAGreenSquareOfFivePixels) {
+TEST_F(CanvasPainting, aPointIsAGreenSquareOfFivePixels) {
     DrawLevelLine();
     const QImage picture = window.Picture();
     // The toolkit's painter may give a square whose edges fall between pixels one column or row more.
@@ -91,13 +91,13 @@ TEST_F(CanvasPainting, APointIsAGreenSquareOfFivePixels) {
     }
 }
 
-TEST_F(CanvasPainting, PointsLieOverTheLines) {
+TEST_F(CanvasPainting, pointsLieOverTheLines) {
     DrawLevelLine();
     EXPECT_EQ(window.Picture().pixel(50, 100), kGreen);
     EXPECT_EQ(window.Picture().pixel(52, 100), kGreen);
 }
 
-TEST_F(CanvasPainting, APathOfOnePointIsADotWithoutALine) {
+TEST_F(CanvasPainting, aPathOfOnePointIsADotWithoutALine) {
     mouse.Click({120, 80});
     const QImage picture = window.Picture();
     EXPECT_EQ(Count(picture, kGreen), 25);
@@ -105,7 +105,7 @@ TEST_F(CanvasPainting, APathOfOnePointIsADotWithoutALine) {
     EXPECT_EQ(Count(picture, kRed), 0);
 }
 
-TEST_F(CanvasPainting, TheRubberBandIsARedLineFromTheLastPoint) {
+TEST_F(CanvasPainting, theRubberBandIsARedLineFromTheLastPoint) {
     mouse.Press({50, 100});
     mouse.Move({250, 100});
     const QImage picture = window.Picture();
@@ -116,7 +116,7 @@ TEST_F(CanvasPainting, TheRubberBandIsARedLineFromTheLastPoint) {
     EXPECT_EQ(Count(window.Picture(), kRed), 0);
 }
 
-TEST_F(CanvasPainting, TheRubberBandReachesHalfItsWidthBeyondTheCursor) {
+TEST_F(CanvasPainting, theRubberBandReachesHalfItsWidthBeyondTheCursor) {
     mouse.Press({50, 100});
     mouse.Move({250, 100});
     const QImage picture = window.Picture();
@@ -124,7 +124,7 @@ TEST_F(CanvasPainting, TheRubberBandReachesHalfItsWidthBeyondTheCursor) {
     EXPECT_EQ(picture.pixel(251, 100), kGrey);
 }
 
-TEST_F(CanvasPainting, TheRubberBandLiesOverTheLinesAndUnderThePoints) {
+TEST_F(CanvasPainting, theRubberBandLiesOverTheLinesAndUnderThePoints) {
     mouse.Click({50, 100});
     mouse.Click({250, 100});
     window.canvas->setCurrentPath(9);
@@ -137,7 +137,7 @@ TEST_F(CanvasPainting, TheRubberBandLiesOverTheLinesAndUnderThePoints) {
     EXPECT_EQ(picture.pixel(249, 100), kGreen);
 }
 
-TEST_F(CanvasPainting, PointsLieOverTheChosenSegment) {
+TEST_F(CanvasPainting, pointsLieOverTheChosenSegment) {
     mouse.Draw({{50, 100}, {250, 100}});
     mouse.Move({390, 290});
     const QImage picture = window.Picture();
@@ -146,7 +146,7 @@ TEST_F(CanvasPainting, PointsLieOverTheChosenSegment) {
     EXPECT_EQ(picture.pixel(249, 100), kGreen);
 }
 
-TEST_F(CanvasPainting, TheChosenSegmentIsRedOverItsBlueLine) {
+TEST_F(CanvasPainting, theChosenSegmentIsRedOverItsBlueLine) {
     mouse.Draw({{50, 50}, {150, 50}, {150, 150}});
     window.canvas->setCurrentPath(0);
     window.canvas->setCurrentSegment(1);
@@ -156,7 +156,7 @@ TEST_F(CanvasPainting, TheChosenSegmentIsRedOverItsBlueLine) {
     EXPECT_EQ(Count(picture, kBlue, QRect(100, 40, 1, 20)), 2);
 }
 
-TEST_F(CanvasPainting, AChosenSegmentThatIsGoneIsNotHighlighted) {
+TEST_F(CanvasPainting, aChosenSegmentThatIsGoneIsNotHighlighted) {
     mouse.Draw({{50, 50}, {150, 50}, {150, 150}});
     window.canvas->setCurrentSegment(1);
     window.canvas->deleteLast();
@@ -167,7 +167,7 @@ TEST_F(CanvasPainting, AChosenSegmentThatIsGoneIsNotHighlighted) {
     EXPECT_EQ(Count(window.Picture(), kRed), 0);
 }
 
-TEST_F(CanvasPainting, ThePointUnderTheCursorIsAGreenSquareOfTenPixels) {
+TEST_F(CanvasPainting, thePointUnderTheCursorIsAGreenSquareOfTenPixels) {
     DrawLevelLine();
     mouse.Move({250, 100});
     const QImage picture = window.Picture();
@@ -178,7 +178,7 @@ TEST_F(CanvasPainting, ThePointUnderTheCursorIsAGreenSquareOfTenPixels) {
     EXPECT_TRUE(grip.contains(50, 100));
 }
 
-TEST_F(CanvasPainting, TheLabelStartsAtThePointOnItsBaseline) {
+TEST_F(CanvasPainting, theLabelStartsAtThePointOnItsBaseline) {
     DrawLevelLine();
     mouse.Move({250, 100});
     const QFontMetrics metrics(window.canvas->font());
@@ -191,7 +191,7 @@ TEST_F(CanvasPainting, TheLabelStartsAtThePointOnItsBaseline) {
     EXPECT_NEAR(red.top(), expected.top(), 2);
 }
 
-TEST_F(CanvasPainting, TheLabelHoldsBothNumbersInTheWidgetsFontAndLiesOverTheGrip) {
+TEST_F(CanvasPainting, theLabelHoldsBothNumbersInTheWidgetsFontAndLiesOverTheGrip) {
     DrawLevelLine();
     QFont font = window.canvas->font();
     font.setPixelSize(29);
@@ -207,7 +207,7 @@ TEST_F(CanvasPainting, TheLabelHoldsBothNumbersInTheWidgetsFontAndLiesOverTheGri
     EXPECT_EQ(window.Picture(), expected);
 }
 
-TEST_F(CanvasPainting, TheLabelNearTheRightEdgeStartsFortyPixelsFurtherLeft) {
+TEST_F(CanvasPainting, theLabelNearTheRightEdgeStartsFortyPixelsFurtherLeft) {
     mouse.Draw({{50, 100}, {359, 100}});
     window.canvas->setCurrentPath(9);
     mouse.Move({359, 100}); // 41 pixels from the edge
@@ -221,7 +221,7 @@ TEST_F(CanvasPainting, TheLabelNearTheRightEdgeStartsFortyPixelsFurtherLeft) {
     EXPECT_NEAR(Extent(window.Picture(), kRed).left(), 320, 4);
 }
 
-TEST_F(CanvasPainting, TheLabelTellsWidgetPixelsAtAnyScale) {
+TEST_F(CanvasPainting, theLabelTellsWidgetPixelsAtAnyScale) {
     DrawLevelLine();
     window.Resize({800, 600});
     mouse.Move({500, 200});
@@ -238,7 +238,7 @@ TEST_F(CanvasPainting, TheLabelTellsWidgetPixelsAtAnyScale) {
             ASSERT_EQ(picture.pixel(x, y), expected.pixel(x, y)) << x << ' ' << y;
 }
 
-TEST_F(CanvasPainting, BandsAreWhiteOutlinesWithGreenCorners) {
+TEST_F(CanvasPainting, bandsAreWhiteOutlinesWithGreenCorners) {
     window.shown = true;
     DrawLevelLine();
     // Ticks at 50 and 151, each with a band 100 across and 50 along.
@@ -252,13 +252,13 @@ TEST_F(CanvasPainting, BandsAreWhiteOutlinesWithGreenCorners) {
     EXPECT_EQ(Count(picture, kWhite, QRect(140, 60, 1, 35)), 0); // not filled
 }
 
-TEST_F(CanvasPainting, TicksThemselvesAreNotPainted) {
+TEST_F(CanvasPainting, ticksThemselvesAreNotPainted) {
     window.shown = true;
     DrawLevelLine();
     EXPECT_EQ(window.Picture().pixel(151, 70), kGrey);
 }
 
-TEST_F(CanvasPainting, EveryBandOfEverySegmentIsPaintedOverPointsAndGripAndUnderAllCorners) {
+TEST_F(CanvasPainting, everyBandOfEverySegmentIsPaintedOverPointsAndGripAndUnderAllCorners) {
     window.shown = true;
     DrawLevelLine(); // bands from 25 to 75 and from 126 to 176, between 50 and 150
     mouse.Draw({{126, 100}, {326, 100}, {326, 250}});
@@ -280,13 +280,13 @@ TEST_F(CanvasPainting, EveryBandOfEverySegmentIsPaintedOverPointsAndGripAndUnder
     EXPECT_EQ(hovered.pixel(126, 103), kWhite);
 }
 
-TEST_F(CanvasPainting, BandsLieOverThePaths) {
+TEST_F(CanvasPainting, bandsLieOverThePaths) {
     window.shown = true;
     DrawLevelLine();
     EXPECT_EQ(window.Picture().pixel(126, 100), kWhite);
 }
 
-TEST_F(CanvasPainting, AHiddenRulerIsNotPaintedThoughItsMarksAreCached) {
+TEST_F(CanvasPainting, aHiddenRulerIsNotPaintedThoughItsMarksAreCached) {
     window.shown = true;
     DrawLevelLine();
     window.shown = false;
@@ -294,7 +294,7 @@ TEST_F(CanvasPainting, AHiddenRulerIsNotPaintedThoughItsMarksAreCached) {
     EXPECT_EQ(Count(window.Picture(), kWhite), 0);
 }
 
-TEST_F(CanvasPainting, ClearedMarksLeaveNothingBehind) {
+TEST_F(CanvasPainting, clearedMarksLeaveNothingBehind) {
     window.shown = true;
     DrawLevelLine();
     window.canvas->clearRulerMarks();
@@ -302,7 +302,7 @@ TEST_F(CanvasPainting, ClearedMarksLeaveNothingBehind) {
     EXPECT_TRUE(Paths().at(0).rulerMarks.empty());
 }
 
-TEST_F(CanvasPainting, FollowsTheViewScale) {
+TEST_F(CanvasPainting, followsTheViewScale) {
     DrawLevelLine();
     window.Resize({800, 600});
     const QImage picture = window.Picture();
@@ -311,7 +311,7 @@ TEST_F(CanvasPainting, FollowsTheViewScale) {
     EXPECT_EQ(picture.pixel(500, 200), kGreen);
 }
 
-TEST_F(CanvasPainting, PointsBeyondAnyCanvasDoNoHarm) {
+TEST_F(CanvasPainting, pointsBeyondAnyCanvasDoNoHarm) {
     mouse.Draw({{50, 100}, {250, 100}});
     window.Resize({16'000'000, 2});
     window.Resize({400, 300});

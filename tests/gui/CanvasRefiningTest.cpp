@@ -71,7 +71,7 @@ class CanvasRefining : public CanvasTest {
     const QPixmap map = LargeNoise();
 };
 
-TEST_F(CanvasRefining, PaintsTheWholeMapFineBitByBit) {
+TEST_F(CanvasRefining, paintsTheWholeMapFineBitByBit) {
     const QImage fine = FineMap();
     window.canvas->repaint();
     ASSERT_TRUE(window.canvas->isRefining());
@@ -81,7 +81,7 @@ TEST_F(CanvasRefining, PaintsTheWholeMapFineBitByBit) {
     EXPECT_EQ(Screen(), fine);
 }
 
-TEST_F(CanvasRefining, AGrabbedPictureIsFineAtOnceAndTheScreenBecomesSo) {
+TEST_F(CanvasRefining, aGrabbedPictureIsFineAtOnceAndTheScreenBecomesSo) {
     const QImage fine = FineMap();
     window.canvas->repaint();
     ASSERT_TRUE(window.canvas->isRefining());
@@ -92,7 +92,7 @@ TEST_F(CanvasRefining, AGrabbedPictureIsFineAtOnceAndTheScreenBecomesSo) {
     EXPECT_EQ(Screen(), fine);
 }
 
-TEST_F(CanvasRefining, ShowsEveryStepOfADragMeanwhileAndEndsWithTheSamePicture) {
+TEST_F(CanvasRefining, showsEveryStepOfADragMeanwhileAndEndsWithTheSamePicture) {
     mouse.Draw({{60, 60}, {150, 60}, {150, 200}});
     window.canvas->repaint();
     mouse.Move({150, 60});
@@ -114,7 +114,7 @@ TEST_F(CanvasRefining, ShowsEveryStepOfADragMeanwhileAndEndsWithTheSamePicture) 
     EXPECT_EQ(Screen(), Undisturbed(map, {{60, 60}, steps.back(), {150, 200}}));
 }
 
-TEST_F(CanvasRefining, ADragOverTheFineMapLeavesItFine) {
+TEST_F(CanvasRefining, aDragOverTheFineMapLeavesItFine) {
     mouse.Draw({{60, 60}, {150, 60}, {150, 200}});
     window.canvas->repaint();
     AwaitTheFineMap();
@@ -131,7 +131,7 @@ TEST_F(CanvasRefining, ADragOverTheFineMapLeavesItFine) {
     EXPECT_EQ(Screen(), Undisturbed(map, {{60, 60}, {228, 177}, {150, 200}}));
 }
 
-TEST_F(CanvasRefining, RestsWhileItIsHiddenAndGoesOnWhenItIsSeen) {
+TEST_F(CanvasRefining, restsWhileItIsHiddenAndGoesOnWhenItIsSeen) {
     window.canvas->repaint();
     ASSERT_TRUE(window.canvas->isRefining());
     window.canvas->hide();
@@ -143,7 +143,7 @@ TEST_F(CanvasRefining, RestsWhileItIsHiddenAndGoesOnWhenItIsSeen) {
     EXPECT_FALSE(window.canvas->isRefining());
 }
 
-TEST_F(CanvasRefining, EndsWithTheImage) {
+TEST_F(CanvasRefining, endsWithTheImage) {
     window.canvas->repaint();
     ASSERT_TRUE(window.canvas->isRefining());
     window.canvas->clear();

@@ -55,7 +55,7 @@ QImage Part(QWidget* widget, const QRect& part) {
 
 using CanvasRepaint = CanvasTest;
 
-TEST_F(CanvasRepaint, OnlyWhatIsRepaintedChanges) {
+TEST_F(CanvasRepaint, onlyWhatIsRepaintedChanges) {
     window.resize(600, 500); // larger than any canvas the operator makes
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     window.canvas->setPixmap(QPixmap::fromImage(Noise({400, 300}, 1)));
@@ -84,7 +84,7 @@ TEST_F(CanvasRepaint, OnlyWhatIsRepaintedChanges) {
     EXPECT_GT(partial, 200); // it would be no test if everything were repainted each time
 }
 
-TEST_F(CanvasRepaint, APartIsPaintedAsTheWholeIs) {
+TEST_F(CanvasRepaint, aPartIsPaintedAsTheWholeIs) {
     window.canvas->setPixmap(QPixmap::fromImage(Noise({400, 300}, 2)));
     window.shown = true;
     RandomOperator robot(window, 6);
@@ -101,7 +101,7 @@ TEST_F(CanvasRepaint, APartIsPaintedAsTheWholeIs) {
     }
 }
 
-TEST_F(CanvasRepaint, AnotherChosenPathOrSegmentIsPaintedAtOnce) {
+TEST_F(CanvasRepaint, anotherChosenPathOrSegmentIsPaintedAtOnce) {
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     mouse.Draw({{50, 100}, {150, 100}, {250, 100}});
     mouse.Move({250, 250});
@@ -118,7 +118,7 @@ TEST_F(CanvasRepaint, AnotherChosenPathOrSegmentIsPaintedAtOnce) {
     EXPECT_TRUE(region.contains(QRect(60, 199, 80, 2)));
 }
 
-TEST_F(CanvasRepaint, ClearingAllRepaintsAndResettingForALoadDoesNot) {
+TEST_F(CanvasRepaint, clearingAllRepaintsAndResettingForALoadDoesNot) {
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     mouse.Draw({{50, 100}, {150, 100}});
     PaintedRegion painted(window.canvas);
@@ -129,7 +129,7 @@ TEST_F(CanvasRepaint, ClearingAllRepaintsAndResettingForALoadDoesNot) {
     EXPECT_TRUE(painted.Take().contains(window.canvas->rect()));
 }
 
-TEST_F(CanvasRepaint, LoadedPathsArePaintedAtOnce) {
+TEST_F(CanvasRepaint, loadedPathsArePaintedAtOnce) {
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     const TemporaryFolder folder;
     WriteFile("track.trk",
@@ -140,7 +140,7 @@ TEST_F(CanvasRepaint, LoadedPathsArePaintedAtOnce) {
     EXPECT_TRUE(painted.Take().contains(QRect(100, 149, 100, 2)));
 }
 
-TEST_F(CanvasRepaint, TheImageOfADisabledCanvasIsThatOfADisabledLabel) {
+TEST_F(CanvasRepaint, theImageOfADisabledCanvasIsThatOfADisabledLabel) {
     const QPixmap pixmap = QPixmap::fromImage(Noise({400, 300}, 12));
     window.canvas->setPixmap(pixmap);
     window.canvas->setEnabled(false);
@@ -153,7 +153,7 @@ TEST_F(CanvasRepaint, TheImageOfADisabledCanvasIsThatOfADisabledLabel) {
     EXPECT_NE(window.Picture(), PlainLabel(pixmap, {400, 300}));
 }
 
-TEST_F(CanvasRepaint, ARulerShownAfterItsMarksWereComputedIsPainted) {
+TEST_F(CanvasRepaint, aRulerShownAfterItsMarksWereComputedIsPainted) {
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     mouse.Draw({{50, 100}, {250, 100}});
     window.refreshRuler(); // as before a save, with the ruler hidden
@@ -165,7 +165,7 @@ TEST_F(CanvasRepaint, ARulerShownAfterItsMarksWereComputedIsPainted) {
     EXPECT_TRUE(painted.Take().contains(QPoint(126, 100)));
 }
 
-TEST_F(CanvasRepaint, ADragWithTheRulerShownRepaintsOnlyItsNeighbourhood) {
+TEST_F(CanvasRepaint, aDragWithTheRulerShownRepaintsOnlyItsNeighbourhood) {
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     window.shown = true;
     mouse.Draw({{50, 50}, {60, 60}});
@@ -184,7 +184,7 @@ TEST_F(CanvasRepaint, ADragWithTheRulerShownRepaintsOnlyItsNeighbourhood) {
     EXPECT_FALSE(region.intersects(QRect(0, 0, 200, 150)));
 }
 
-TEST_F(CanvasRepaint, APointDraggedFarAwayIsPaintedThere) {
+TEST_F(CanvasRepaint, aPointDraggedFarAwayIsPaintedThere) {
     window.ShowImage({400, 3000}); // painted in several strips, each of which looks for what reaches into it
     mouse.Draw({{100, 100}, {200, 120}});
     (void)window.Picture();
@@ -196,7 +196,7 @@ TEST_F(CanvasRepaint, APointDraggedFarAwayIsPaintedThere) {
     EXPECT_EQ(Part(window.canvas, {290, 2890, 20, 20}).pixelColor(10, 10), QColor(0, 255, 0));
 }
 
-TEST_F(CanvasRepaint, PathsLoadedInPlaceOfOthersArePaintedWhereTheyAre) {
+TEST_F(CanvasRepaint, pathsLoadedInPlaceOfOthersArePaintedWhereTheyAre) {
     const TemporaryFolder folder;
     WriteFile("other.trk",
               "Segment\nheader\n0,0,0,0,0.25,0.9,1,100,50,100\n0,1,0,0,0.5,0.95,1,100,50,100\nEnd\n");
@@ -208,7 +208,7 @@ TEST_F(CanvasRepaint, PathsLoadedInPlaceOfOthersArePaintedWhereTheyAre) {
     EXPECT_EQ(Part(window.canvas, {190, 2840, 20, 20}).pixelColor(10, 10), QColor(0, 255, 0));
 }
 
-TEST_F(CanvasRepaint, TheImageIsThatOfAPlainLabelAtEveryViewScale) {
+TEST_F(CanvasRepaint, theImageIsThatOfAPlainLabelAtEveryViewScale) {
     const QPixmap pixmap = QPixmap::fromImage(Noise({203, 149}, 3));
     window.canvas->setPixmap(pixmap);
     for (int step = 1; step <= 80; ++step) {
@@ -218,7 +218,7 @@ TEST_F(CanvasRepaint, TheImageIsThatOfAPlainLabelAtEveryViewScale) {
     }
 }
 
-TEST_F(CanvasRepaint, TheImageIsThatOfAPlainLabelWhenOneAxisIsStretched) {
+TEST_F(CanvasRepaint, theImageIsThatOfAPlainLabelWhenOneAxisIsStretched) {
     const QPixmap pixmap = QPixmap::fromImage(Noise({203, 149}, 4));
     window.canvas->setPixmap(pixmap);
     for (const QSize size : {QSize(300, 100), QSize(120, 380)}) {
@@ -227,7 +227,7 @@ TEST_F(CanvasRepaint, TheImageIsThatOfAPlainLabelWhenOneAxisIsStretched) {
     }
 }
 
-TEST_F(CanvasRepaint, ALargeMapAtASmallScaleIsRefinedToThatOfAPlainLabel) {
+TEST_F(CanvasRepaint, aLargeMapAtASmallScaleIsRefinedToThatOfAPlainLabel) {
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     const QPixmap pixmap = QPixmap::fromImage(Noise({5000, 5000}, 10));
     window.canvas->setPixmap(pixmap);
@@ -243,7 +243,7 @@ TEST_F(CanvasRepaint, ALargeMapAtASmallScaleIsRefinedToThatOfAPlainLabel) {
     EXPECT_FALSE(window.canvas->isRefining()); // what was averaged is kept
 }
 
-TEST_F(CanvasRepaint, AScreenFullOfALargeMapIsAveragedOnce) {
+TEST_F(CanvasRepaint, aScreenFullOfALargeMapIsAveragedOnce) {
     const QSize screen(2600, 1500);
     window.resize(screen);
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
@@ -256,13 +256,13 @@ TEST_F(CanvasRepaint, AScreenFullOfALargeMapIsAveragedOnce) {
     EXPECT_FALSE(window.canvas->isRefining());
 }
 
-TEST_F(CanvasRepaint, ANewImageIsShownAtOnce) {
+TEST_F(CanvasRepaint, aNewImageIsShownAtOnce) {
     ASSERT_EQ(window.Picture().pixel(100, 100), qRgb(90, 90, 90));
     window.ShowImage({400, 300}, QColor(200, 10, 20));
     EXPECT_EQ(window.Picture().pixel(100, 100), qRgb(200, 10, 20));
 }
 
-TEST_F(CanvasRepaint, ScrollingShowsTheSamePixels) {
+TEST_F(CanvasRepaint, scrollingShowsTheSamePixels) {
     const QPixmap pixmap = QPixmap::fromImage(Noise({203, 149}, 5));
     window.canvas->setPixmap(pixmap);
     QScrollArea area;
@@ -282,7 +282,7 @@ TEST_F(CanvasRepaint, ScrollingShowsTheSamePixels) {
     area.takeWidget()->setParent(window.central);
 }
 
-TEST_F(CanvasRepaint, TwoDevicePixelsAPixelGiveTheFullResolution) {
+TEST_F(CanvasRepaint, twoDevicePixelsAPixelGiveTheFullResolution) {
     const QPixmap pixmap = QPixmap::fromImage(Noise({400, 300}, 9));
     window.canvas->setPixmap(pixmap);
     mouse.Draw({{50, 100}, {250, 100}});
@@ -302,7 +302,7 @@ TEST_F(CanvasRepaint, TwoDevicePixelsAPixelGiveTheFullResolution) {
     EXPECT_EQ(picture.pixel(104, 204), qRgb(0, 255, 0));
 }
 
-TEST_F(CanvasRepaint, ACanvasOfAnySizePaintsInPieces) {
+TEST_F(CanvasRepaint, aCanvasOfAnySizePaintsInPieces) {
     window.Resize({3000, 2500});
     mouse.Draw({{50, 2400}, {2900, 2400}});
     const QImage picture = window.Picture();

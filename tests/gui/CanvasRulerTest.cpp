@@ -37,7 +37,7 @@ void ExpectMarksUpToDate(const std::vector<TrackPath>& paths, const QSize& image
     }
 }
 
-TEST_F(CanvasRuler, ComputesTheMarksOfEveryPath) {
+TEST_F(CanvasRuler, computesTheMarksOfEveryPath) {
     mouse.Draw({{50, 50}, {150, 50}, {150, 150}});
     mouse.Move({250, 250});
     mouse.Draw({{50, 200}, {350, 200}});
@@ -48,7 +48,7 @@ TEST_F(CanvasRuler, ComputesTheMarksOfEveryPath) {
     ExpectMarksUpToDate(Paths(), {400, 300});
 }
 
-TEST_F(CanvasRuler, ClearEmptiesTheMarksOfEveryPathAndComputingBringsThemBack) {
+TEST_F(CanvasRuler, clearEmptiesTheMarksOfEveryPathAndComputingBringsThemBack) {
     mouse.Draw({{50, 50}, {150, 50}});
     window.canvas->computeRulerMarks(400, 300);
     window.canvas->clearRulerMarks();
@@ -57,14 +57,14 @@ TEST_F(CanvasRuler, ClearEmptiesTheMarksOfEveryPathAndComputingBringsThemBack) {
     ExpectMarksUpToDate(Paths(), {400, 300});
 }
 
-TEST_F(CanvasRuler, AnotherImageSizeChangesEveryMark) {
+TEST_F(CanvasRuler, anotherImageSizeChangesEveryMark) {
     mouse.Draw({{50, 50}, {150, 50}, {150, 150}});
     window.canvas->computeRulerMarks(400, 300);
     window.canvas->computeRulerMarks(800, 900);
     ExpectMarksUpToDate(Paths(), {800, 900});
 }
 
-TEST_F(CanvasRuler, AParameterChangesTheMarksOnTheNextRefresh) {
+TEST_F(CanvasRuler, aParameterChangesTheMarksOnTheNextRefresh) {
     mouse.Draw({{50, 50}, {350, 50}, {350, 250}});
     window.canvas->computeRulerMarks(400, 300);
     window.canvas->setSegmentParameter(SegmentParameter::Space, 20);
@@ -76,7 +76,7 @@ TEST_F(CanvasRuler, AParameterChangesTheMarksOnTheNextRefresh) {
     ExpectMarksUpToDate(Paths(), {400, 300});
 }
 
-TEST_F(CanvasRuler, DeleteLastLeavesTheMarksToTheNextRefresh) {
+TEST_F(CanvasRuler, deleteLastLeavesTheMarksToTheNextRefresh) {
     mouse.Draw({{50, 50}, {150, 50}, {150, 150}});
     window.canvas->computeRulerMarks(400, 300);
     window.canvas->deleteLast();
@@ -85,7 +85,7 @@ TEST_F(CanvasRuler, DeleteLastLeavesTheMarksToTheNextRefresh) {
     ExpectMarksUpToDate(Paths(), {400, 300});
 }
 
-TEST_F(CanvasRuler, WithoutPathsOrAnImageSizeNothingHappens) {
+TEST_F(CanvasRuler, withoutPathsOrAnImageSizeNothingHappens) {
     window.canvas->computeRulerMarks(400, 300);
     mouse.Draw({{50, 50}, {150, 50}});
     window.canvas->computeRulerMarks(0, 0);
@@ -93,7 +93,7 @@ TEST_F(CanvasRuler, WithoutPathsOrAnImageSizeNothingHappens) {
         EXPECT_TRUE(marks.bands.empty());
 }
 
-TEST_F(CanvasRuler, RandomEditsGiveTheMarksOfComputingThemAll) {
+TEST_F(CanvasRuler, randomEditsGiveTheMarksOfComputingThemAll) {
     RandomOperator robot(window, 3);
     for (int step = 0; step < 2000; ++step) {
         robot.Act();

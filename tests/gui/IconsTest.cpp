@@ -18,7 +18,7 @@ int ColouredPixels(const QImage& picture) {
     return count;
 }
 
-TEST(Icons, WindowIconHasEverySizeThatDesktopsShow) {
+TEST(Icons, windowIconHasEverySizeThatDesktopsShow) {
     const QIcon icon(Named("app.ico"));
     ASSERT_FALSE(icon.isNull());
     for (const int side : {16, 24, 32, 48, 64, 128, 256}) {
@@ -30,20 +30,20 @@ TEST(Icons, WindowIconHasEverySizeThatDesktopsShow) {
     }
 }
 
-TEST(Icons, WindowIconIsRoundAtItsCorners) {
+TEST(Icons, windowIconIsRoundAtItsCorners) {
     const QImage picture = QIcon(Named("app.ico")).pixmap(48, 48).toImage();
     for (const QPoint& corner : {QPoint(0, 0), QPoint(47, 0), QPoint(0, 47), QPoint(47, 47)})
         EXPECT_EQ(qAlpha(picture.pixel(corner)), 0);
 }
 
-TEST(Icons, UploadIsDrawnForTheSizeItsButtonShows) {
+TEST(Icons, uploadIsDrawnForTheSizeItsButtonShows) {
     const QIcon icon(Named("upload.png"));
     const QImage picture = icon.pixmap(70, 70).toImage();
     ASSERT_EQ(picture.size(), QSize(70, 70));
     EXPECT_GT(ColouredPixels(picture), 1000);
 }
 
-TEST(Icons, RefreshShowsAtTheSizesOfAllStyles) {
+TEST(Icons, refreshShowsAtTheSizesOfAllStyles) {
     const QIcon icon(Named("refresh.png"));
     for (const int side : {16, 20, 24, 32}) {
         const QImage picture = icon.pixmap(side, side).toImage();
@@ -52,7 +52,7 @@ TEST(Icons, RefreshShowsAtTheSizesOfAllStyles) {
     }
 }
 
-TEST(Icons, FinerScreensFindFinerPictures) {
+TEST(Icons, finerScreensFindFinerPictures) {
     for (const char* const name : {"refresh", "upload"}) {
         const int side = QImage(Named(name) + QStringLiteral(".png")).width();
         ASSERT_GT(side, 0) << name;

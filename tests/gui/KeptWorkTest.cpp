@@ -69,7 +69,7 @@ class KeptWork : public SourceWorkflows {
     std::string state() { return text("label_state"); }
 };
 
-TEST_F(KeptWork, AnotherLoadKeepsTheUnsavedPaths) {
+TEST_F(KeptWork, anotherLoadKeepsTheUnsavedPaths) {
     openBackup("A.osbak");
     edit("x.trk");
     load("y.trk");
@@ -83,7 +83,7 @@ TEST_F(KeptWork, AnotherLoadKeepsTheUnsavedPaths) {
     expectNoBox();
 }
 
-TEST_F(KeptWork, AKeptCopyOpensAsAnExternalTrack) {
+TEST_F(KeptWork, aKeptCopyOpensAsAnExternalTrack) {
     openBackup("A.osbak");
     edit("x.trk");
     load("y.trk");
@@ -92,7 +92,7 @@ TEST_F(KeptWork, AKeptCopyOpensAsAnExternalTrack) {
     EXPECT_EQ(paths().at(0).lengths.at(0), 33);
 }
 
-TEST_F(KeptWork, LoadingTheSameTrackAgainKeepsTheUnsavedPaths) {
+TEST_F(KeptWork, loadingTheSameTrackAgainKeepsTheUnsavedPaths) {
     openBackup("A.osbak");
     edit("x.trk");
     load("x.trk");
@@ -100,7 +100,7 @@ TEST_F(KeptWork, LoadingTheSameTrackAgainKeepsTheUnsavedPaths) {
     EXPECT_EQ(paths().at(0).lengths.at(0), 100);
 }
 
-TEST_F(KeptWork, AnotherSourceKeepsTheUnsavedPaths) {
+TEST_F(KeptWork, anotherSourceKeepsTheUnsavedPaths) {
     startServer();
     openBackup("A.osbak");
     edit("x.trk");
@@ -109,7 +109,7 @@ TEST_F(KeptWork, AnotherSourceKeepsTheUnsavedPaths) {
     EXPECT_EQ(state(), "");
 }
 
-TEST_F(KeptWork, ResetKeepsTheUnsavedPaths) {
+TEST_F(KeptWork, resetKeepsTheUnsavedPaths) {
     openBackup("A.osbak");
     edit("x.trk");
     click("toolButton_reset");
@@ -117,7 +117,7 @@ TEST_F(KeptWork, ResetKeepsTheUnsavedPaths) {
     EXPECT_EQ(status(), "Reset successfully.");
 }
 
-TEST_F(KeptWork, DisconnectingKeepsTheUnsavedPathsOfAWorkspaceTrackOnly) {
+TEST_F(KeptWork, disconnectingKeepsTheUnsavedPathsOfAWorkspaceTrackOnly) {
     openConnected();
     edit("b.trk");
     click("pushButton_sensor");
@@ -132,7 +132,7 @@ TEST_F(KeptWork, DisconnectingKeepsTheUnsavedPathsOfAWorkspaceTrackOnly) {
     EXPECT_EQ(state(), "Unsaved") << "the external track stays open";
 }
 
-TEST_F(KeptWork, ClosingTheWindowKeepsTheUnsavedPaths) {
+TEST_F(KeptWork, closingTheWindowKeepsTheUnsavedPaths) {
     openBackup("A.osbak");
     edit("x.trk");
     closeWindow();
@@ -140,7 +140,7 @@ TEST_F(KeptWork, ClosingTheWindowKeepsTheUnsavedPaths) {
     EXPECT_EQ(keptLength("x.trk (unsaved).trk"), 33);
 }
 
-TEST_F(KeptWork, WhatIsSavedAlreadyOrTakenBackIsNotKept) {
+TEST_F(KeptWork, whatIsSavedAlreadyOrTakenBackIsNotKept) {
     openBackup("A.osbak");
     edit("x.trk");
     canvas().setFocus();
@@ -154,7 +154,7 @@ TEST_F(KeptWork, WhatIsSavedAlreadyOrTakenBackIsNotKept) {
     EXPECT_THAT(kept(), ElementsAre("y.trk (unsaved).trk")) << "the click extended the loaded path";
 }
 
-TEST_F(KeptWork, AFailedLoadKeepsTheUnsavedPathsOnce) {
+TEST_F(KeptWork, aFailedLoadKeepsTheUnsavedPathsOnce) {
     openBackup("A.osbak");
     edit("x.trk");
     WriteFile(folder.Path("empty.trk"), "");
@@ -169,7 +169,7 @@ TEST_F(KeptWork, AFailedLoadKeepsTheUnsavedPathsOnce) {
     EXPECT_EQ(kept().size(), 2U);
 }
 
-TEST_F(KeptWork, PathsWhoseTrackIsLostAreKeptAsText) {
+TEST_F(KeptWork, pathsWhoseTrackIsLostAreKeptAsText) {
     openBackup("A.osbak");
     edit("x.trk");
     fs::remove(kTracks + "x.trk");
@@ -178,7 +178,7 @@ TEST_F(KeptWork, PathsWhoseTrackIsLostAreKeptAsText) {
     EXPECT_THAT(FileContent(keptPath("x.trk (unsaved).csv")), HasSubstr(",33,"));
 }
 
-TEST_F(KeptWork, SavingForASourceWithoutSendingIsKeptWhenTheWindowCloses) {
+TEST_F(KeptWork, savingForASourceWithoutSendingIsKeptWhenTheWindowCloses) {
     openConnected();
     loadAndEdit("b.trk");
     EXPECT_EQ(state(), "Saved, not sent");
@@ -187,7 +187,7 @@ TEST_F(KeptWork, SavingForASourceWithoutSendingIsKeptWhenTheWindowCloses) {
     EXPECT_EQ(keptLength("b.trk (unsent).trk"), 33);
 }
 
-TEST_F(KeptWork, ADownloadOverASavedTrackKeepsItFirst) {
+TEST_F(KeptWork, aDownloadOverASavedTrackKeepsItFirst) {
     openConnected();
     loadAndEdit("b.trk");
     server->Kill();
@@ -205,7 +205,7 @@ TEST_F(KeptWork, ADownloadOverASavedTrackKeepsItFirst) {
     EXPECT_EQ(state(), "");
 }
 
-TEST_F(KeptWork, WhatWasSentOrPackedIsNotKept) {
+TEST_F(KeptWork, whatWasSentOrPackedIsNotKept) {
     openConnected();
     loadAndEdit("b.trk");
     click("toolButton_upload");
@@ -223,7 +223,7 @@ TEST_F(KeptWork, WhatWasSentOrPackedIsNotKept) {
     EXPECT_THAT(kept(), IsEmpty());
 }
 
-TEST_F(KeptWork, AFailedSaveIsNotCountedAsUnsent) {
+TEST_F(KeptWork, aFailedSaveIsNotCountedAsUnsent) {
     openBackup("A.osbak");
     edit("x.trk");
     fs::remove(kTracks + "x.trk");
@@ -234,7 +234,7 @@ TEST_F(KeptWork, AFailedSaveIsNotCountedAsUnsent) {
     EXPECT_THAT(kept(), ElementsAre("x.trk (unsaved).csv"));
 }
 
-TEST_F(KeptWork, SavedTracksOfACrashedRunAreKeptWhenTheirWorkspaceGoes) {
+TEST_F(KeptWork, savedTracksOfACrashedRunAreKeptWhenTheirWorkspaceGoes) {
     openBackup("A.osbak");
     loadAndEdit("x.trk");
     // What a crash leaves is what there is before an orderly end.
@@ -256,7 +256,7 @@ TEST_F(KeptWork, SavedTracksOfACrashedRunAreKeptWhenTheirWorkspaceGoes) {
     EXPECT_EQ(state(), "");
 }
 
-TEST_F(KeptWork, FiveSecondsAfterAnEditACrashLosesItNoMore) {
+TEST_F(KeptWork, fiveSecondsAfterAnEditACrashLosesItNoMore) {
     openBackup("A.osbak");
     edit("x.trk");
     const auto journals = [this] {
@@ -287,7 +287,7 @@ TEST_F(KeptWork, FiveSecondsAfterAnEditACrashLosesItNoMore) {
     EXPECT_FALSE(fs::exists(journal));
 }
 
-TEST_F(KeptWork, SavingDiscardsTheJournal) {
+TEST_F(KeptWork, savingDiscardsTheJournal) {
     openBackup("A.osbak");
     edit("x.trk");
     const auto hasJournal = [this] {
@@ -304,7 +304,7 @@ TEST_F(KeptWork, SavingDiscardsTheJournal) {
     EXPECT_FALSE(hasJournal());
 }
 
-TEST_F(KeptWork, PackingWithoutASaveSaysSoAndTheEditIsKept) {
+TEST_F(KeptWork, packingWithoutASaveSaysSoAndTheEditIsKept) {
     openBackup("A.osbak");
     edit("x.trk");
     click("toolButton_upload");
@@ -315,7 +315,7 @@ TEST_F(KeptWork, PackingWithoutASaveSaysSoAndTheEditIsKept) {
     EXPECT_EQ(keptLength("x.trk (unsaved).trk"), 33);
 }
 
-TEST_F(KeptWork, AnotherBackupClosesTheTrackSoThatNoneOfItsPathsGetIn) {
+TEST_F(KeptWork, anotherBackupClosesTheTrackSoThatNoneOfItsPathsGetIn) {
     openBackup("A.osbak");
     edit("x.trk");
     loadBackup(folder.Path("B.osbak"));
@@ -330,7 +330,7 @@ TEST_F(KeptWork, AnotherBackupClosesTheTrackSoThatNoneOfItsPathsGetIn) {
     EXPECT_EQ(firstLength(kTracks + "x.trk"), 700);
 }
 
-TEST_F(KeptWork, AnotherBackupLeavesAnExternalTrackOpen) {
+TEST_F(KeptWork, anotherBackupLeavesAnExternalTrackOpen) {
     WriteFile(folder.Path("outside.trk"), trackOfLength(100));
     openBackup("A.osbak");
     loadExternal(folder.Path("outside.trk"));
@@ -342,7 +342,7 @@ TEST_F(KeptWork, AnotherBackupLeavesAnExternalTrackOpen) {
     EXPECT_THAT(kept(), IsEmpty());
 }
 
-TEST_F(KeptWork, ABackupThatCannotBeOpenedLeavesTheTrackAndItsWorkspace) {
+TEST_F(KeptWork, aBackupThatCannotBeOpenedLeavesTheTrackAndItsWorkspace) {
     openBackup("A.osbak");
     edit("x.trk");
     WriteFile(folder.Path("broken.osbak"), "no archive");
@@ -354,7 +354,7 @@ TEST_F(KeptWork, ABackupThatCannotBeOpenedLeavesTheTrackAndItsWorkspace) {
     EXPECT_THAT(kept(), IsEmpty());
 }
 
-TEST_F(KeptWork, TheOperatorsBackupThatIsAWorkingFileIsKeptBeforeItGoes) {
+TEST_F(KeptWork, theOperatorsBackupThatIsAWorkingFileIsKeptBeforeItGoes) {
     fs::copy_file("A.osbak", "Ostra.osbak");
     openBackup("./Ostra.osbak");
     ASSERT_EQ(status(), "Load backup file successfully.");
@@ -367,7 +367,7 @@ TEST_F(KeptWork, TheOperatorsBackupThatIsAWorkingFileIsKeptBeforeItGoes) {
     EXPECT_EQ(FileContent(keptPath("Ostra.osbak (deleted).osbak")), saved);
 }
 
-TEST_F(KeptWork, TheOperatorsBackupIsKeptBeforeADownloadTakesItsPlace) {
+TEST_F(KeptWork, theOperatorsBackupIsKeptBeforeADownloadTakesItsPlace) {
     startServer();
     fs::copy_file("A.osbak", "Ostra.osbak");
     const std::string saved = FileContent("Ostra.osbak");
@@ -380,7 +380,7 @@ TEST_F(KeptWork, TheOperatorsBackupIsKeptBeforeADownloadTakesItsPlace) {
     EXPECT_EQ(kept().size(), 1U) << "what was downloaded is no file of the operator's";
 }
 
-TEST_F(KeptWork, ABackupThatLiesInAWorkingFolderIsKeptBeforeTheFolderIsReplaced) {
+TEST_F(KeptWork, aBackupThatLiesInAWorkingFolderIsKeptBeforeTheFolderIsReplaced) {
     openBackup("A.osbak");
     fs::copy_file("B.osbak", "TmpDirBackup/mine.osbak");
     const std::string mine = FileContent("B.osbak");
@@ -389,7 +389,7 @@ TEST_F(KeptWork, ABackupThatLiesInAWorkingFolderIsKeptBeforeTheFolderIsReplaced)
     EXPECT_EQ(FileContent(keptPath("mine.osbak (deleted).osbak")), mine);
 }
 
-TEST_F(KeptWork, ASecondExternalTrackOfANameKeepsTheFirst) {
+TEST_F(KeptWork, aSecondExternalTrackOfANameKeepsTheFirst) {
     fs::create_directory("elsewhere");
     WriteFile(folder.Path("x.trk"), trackOfLength(200));
     WriteFile(folder.Path("elsewhere/x.trk"), trackOfLength(300));
@@ -405,7 +405,7 @@ TEST_F(KeptWork, ASecondExternalTrackOfANameKeepsTheFirst) {
     EXPECT_EQ(keptLength("x-New.trk (replaced).trk"), 200);
 }
 
-TEST_F(KeptWork, AnExternalFileThatLiesAmongTheTracksIsNeverWrittenItself) {
+TEST_F(KeptWork, anExternalFileThatLiesAmongTheTracksIsNeverWrittenItself) {
     openBackup("A.osbak");
     fs::copy_file(kTracks + "x.trk", kTracks + "unlisted.trk");
     const std::string before = FileContent(kTracks + "unlisted.trk");
@@ -419,7 +419,7 @@ TEST_F(KeptWork, AnExternalFileThatLiesAmongTheTracksIsNeverWrittenItself) {
     EXPECT_EQ(find<QComboBox>("comboBox_file").currentText(), QStringLiteral("unlisted-New.trk"));
 }
 
-TEST_F(KeptWork, DeletingATrackKeepsIt) {
+TEST_F(KeptWork, deletingATrackKeepsIt) {
     openBackup("A.osbak");
     loadAndEdit("x.trk");
     choose("comboBox_operation", "Delete");
@@ -432,7 +432,7 @@ TEST_F(KeptWork, DeletingATrackKeepsIt) {
     EXPECT_EQ(kept().size(), 1U);
 }
 
-TEST_F(KeptWork, SavingOverATextTrackKeepsTheText) {
+TEST_F(KeptWork, savingOverATextTrackKeepsTheText) {
     const std::string text = independent::TextFile(track);
     makeBackup(folder.Path("text.osbak"), {{"t.trk", text}});
     openBackup("text.osbak");
@@ -460,7 +460,7 @@ void PrintTo(const LossyTrack& lossy, std::ostream* out) {
 
 class LossySave : public KeptWork, public ::testing::WithParamInterface<LossyTrack> {};
 
-TEST_P(LossySave, IsRefusedAndTheTextStays) {
+TEST_P(LossySave, isRefusedAndTheTextStays) {
     independent::Track lossy;
     lossy.zResolution = GetParam().zResolution;
     lossy.width = static_cast<int>(GetParam().heights.size());
@@ -524,7 +524,7 @@ class KeptNowhere : public KeptWork, public ::testing::WithParamInterface<BadFol
     }
 };
 
-TEST_P(KeptNowhere, StopsNoSequence) {
+TEST_P(KeptNowhere, stopsNoSequence) {
     openBackup("A.osbak");
     edit("x.trk");
     load("y.trk");
@@ -542,14 +542,14 @@ INSTANTIATE_TEST_SUITE_P(Folder, KeptNowhere,
                          ::testing::Values(BadFolder::IsAFile, BadFolder::IsReadOnly,
                                            BadFolder::CannotBeMade));
 
-TEST_F(KeptWork, TheStateLabelSaysWhereCopiesAre) {
+TEST_F(KeptWork, theStateLabelSaysWhereCopiesAre) {
     openWindow();
     auto& label = find<QLabel>("label_state");
     EXPECT_THAT(label.toolTip().toStdString(), HasSubstr(folder.Path("kept")));
     EXPECT_EQ(label.focusPolicy(), Qt::NoFocus);
 }
 
-TEST_F(KeptWork, NothingOfItGoesIntoAnArchive) {
+TEST_F(KeptWork, nothingOfItGoesIntoAnArchive) {
     openBackup("A.osbak");
     edit("x.trk");
     load("y.trk");

@@ -45,7 +45,7 @@ std::pair<int, int> Extremes(const QImage& picture) {
     return {darkest, lightest};
 }
 
-TEST_F(Legibility, TheFileNameIsDarkOnWhiteOnADarkDesktop) {
+TEST_F(Legibility, theFileNameIsDarkOnWhiteOnADarkDesktop) {
     const DarkDesktop dark;
     WriteFile(folder.Path("cover.trk"), independent::BinaryFile(SmallTrack(PathAcross(0, 3, 0.5, 100))));
     openWindow();
@@ -55,7 +55,7 @@ TEST_F(Legibility, TheFileNameIsDarkOnWhiteOnADarkDesktop) {
     EXPECT_GT(lightest, 240);
 }
 
-TEST_F(Legibility, TheBusySignIsLightOnADarkDesktop) {
+TEST_F(Legibility, theBusySignIsLightOnADarkDesktop) {
     const DarkDesktop dark;
     openWindow();
     auto* const spinner = window->findChild<WaitingSpinnerWidget*>();
@@ -65,7 +65,7 @@ TEST_F(Legibility, TheBusySignIsLightOnADarkDesktop) {
     EXPECT_GT(Extremes(picture).second, 200);
 }
 
-TEST_F(Legibility, AVeryLongNameLeavesTheOpenListHalfAScreenWide) {
+TEST_F(Legibility, aVeryLongNameLeavesTheOpenListHalfAScreenWide) {
     makeBackup(folder.Path("long.osbak"), {{std::string(200, 'W') + ".trk",
                                             independent::BinaryFile(SmallTrack(PathAcross(0, 3, 0.5, 1)))}});
     openWindow();
@@ -77,7 +77,7 @@ TEST_F(Legibility, AVeryLongNameLeavesTheOpenListHalfAScreenWide) {
     EXPECT_GE(list.view()->window()->width(), list.width());
 }
 
-TEST_F(Legibility, AVeryLongNameWidensNeitherTheListNorTheWindow) {
+TEST_F(Legibility, aVeryLongNameWidensNeitherTheListNorTheWindow) {
     openWindow();
     const QSize small = window->minimumSizeHint();
     const int list = find<QComboBox>("comboBox_file").sizeHint().width();

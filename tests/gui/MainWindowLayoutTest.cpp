@@ -111,7 +111,7 @@ class MainWindowLayout : public WindowTest {
     QSizePolicy::Policy down(const char* name) { return find<QWidget>(name).sizePolicy().verticalPolicy(); }
 };
 
-TEST_F(MainWindowLayout, HasEveryWidgetWithItsClassAndParent) {
+TEST_F(MainWindowLayout, hasEveryWidgetWithItsClassAndParent) {
     for (const Row& row : kTree) {
         const auto found = window->findChildren<QWidget*>(QString::fromLatin1(row.name));
         ASSERT_EQ(found.size(), 1) << row.name;
@@ -120,7 +120,7 @@ TEST_F(MainWindowLayout, HasEveryWidgetWithItsClassAndParent) {
     }
 }
 
-TEST_F(MainWindowLayout, HasNoOtherNamedWidgetOfItsOwn) {
+TEST_F(MainWindowLayout, hasNoOtherNamedWidgetOfItsOwn) {
     const QList<QWidget*> direct =
         find<QWidget>("centralwidget").findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
     std::size_t expected = 0;
@@ -130,7 +130,7 @@ TEST_F(MainWindowLayout, HasNoOtherNamedWidgetOfItsOwn) {
     EXPECT_EQ(window->findChild<QWidget*>(QStringLiteral("scrollAreaWidgetContents")), nullptr);
 }
 
-TEST_F(MainWindowLayout, SizesAndPolicies) {
+TEST_F(MainWindowLayout, sizesAndPolicies) {
     EXPECT_EQ(window->objectName(), QStringLiteral("MainWindow"));
     EXPECT_FALSE(window->isModal());
     EXPECT_TRUE(window->isEnabled());
@@ -158,12 +158,12 @@ TEST_F(MainWindowLayout, SizesAndPolicies) {
     }
 }
 
-TEST_F(MainWindowLayout, IsBuilt845By571) {
+TEST_F(MainWindowLayout, isBuilt845By571) {
     const MainWindow fresh;
     EXPECT_EQ(fresh.size(), QSize(845, 571));
 }
 
-TEST_F(MainWindowLayout, IconsComeFromTheResources) {
+TEST_F(MainWindowLayout, iconsComeFromTheResources) {
     const std::vector<std::pair<QIcon, const char*>> icons = {
         {window->windowIcon(), ":/icon/icon/app.ico"},
         {find<QToolButton>("toolButton_reset").icon(), ":/icon/icon/refresh.png"},
@@ -176,7 +176,7 @@ TEST_F(MainWindowLayout, IconsComeFromTheResources) {
     }
 }
 
-TEST_F(MainWindowLayout, ControlColumnInOrder) {
+TEST_F(MainWindowLayout, controlColumnInOrder) {
     const std::vector<std::vector<std::string>> expected = {
         {"splitter"},
         {"pushButton_sensor"},
@@ -206,7 +206,7 @@ TEST_F(MainWindowLayout, ControlColumnInOrder) {
     EXPECT_EQ(found, expected);
 }
 
-TEST_F(MainWindowLayout, LayoutsOfTheControlColumnAreThoseNamed) {
+TEST_F(MainWindowLayout, layoutsOfTheControlColumnAreThoseNamed) {
     const std::vector<std::pair<int, const char*>> rows = {
         {4, "horizontalLayout"},    {6, "horizontalLayout_4"},  {7, "horizontalLayout_5"},
         {9, "horizontalLayout_6"},  {13, "horizontalLayout_7"}, {14, "horizontalLayout_8"},
@@ -227,7 +227,7 @@ TEST_F(MainWindowLayout, LayoutsOfTheControlColumnAreThoseNamed) {
     EXPECT_EQ(bottom.spacerItem()->sizePolicy().verticalPolicy(), QSizePolicy::Expanding);
 }
 
-TEST_F(MainWindowLayout, StretchAndAlignment) {
+TEST_F(MainWindowLayout, stretchAndAlignment) {
     const auto& grid = dynamic_cast<QGridLayout&>(layout("gridLayout"));
     EXPECT_EQ(grid.columnStretch(0), 1);
     EXPECT_EQ(grid.columnStretch(1), 0);
@@ -247,7 +247,7 @@ TEST_F(MainWindowLayout, StretchAndAlignment) {
     EXPECT_EQ(layout("horizontalLayout_8").itemAt(1)->alignment(), Qt::Alignment());
 }
 
-TEST_F(MainWindowLayout, GridsAndForms) {
+TEST_F(MainWindowLayout, gridsAndForms) {
     const auto& grid = dynamic_cast<QGridLayout&>(layout("gridLayout"));
     EXPECT_EQ(find<QWidget>("centralwidget").layout(), &grid);
     EXPECT_EQ(grid.itemAtPosition(0, 0)->layout(), &layout("_2"));
@@ -276,7 +276,7 @@ TEST_F(MainWindowLayout, GridsAndForms) {
     EXPECT_EQ(splitter.count(), 2);
 }
 
-TEST_F(MainWindowLayout, Texts) {
+TEST_F(MainWindowLayout, texts) {
     const std::vector<std::pair<const char*, const char*>> texts = {
         {"label_mask", ""},
         {"label_sensorIP", "Source:"},
@@ -309,7 +309,7 @@ TEST_F(MainWindowLayout, Texts) {
               std::vector<std::string>({"Normal", "Load", "Save", "Save As", "Delete", "Refresh"}));
 }
 
-TEST_F(MainWindowLayout, EveryTextIsTranslatedInTheWindowsContext) {
+TEST_F(MainWindowLayout, everyTextIsTranslatedInTheWindowsContext) {
     struct Marking : QTranslator {
         [[nodiscard]] QString translate(const char* context, const char* source, const char*,
                                         int) const override {
@@ -333,7 +333,7 @@ TEST_F(MainWindowLayout, EveryTextIsTranslatedInTheWindowsContext) {
     EXPECT_EQ(sources->itemText(sources->count() - 1), QStringLiteral("~Backup File"));
 }
 
-TEST_F(MainWindowLayout, TabOrder) {
+TEST_F(MainWindowLayout, tabOrder) {
     const std::vector<std::string> expected = {"pushButton_sensor",     "lineEdit_heightMin",
                                                "lineEdit_heightMax",    "horizontalSlider_resizeImage",
                                                "pushButton_deleteLast", "pushButton_deleteAll",
@@ -352,7 +352,7 @@ TEST_F(MainWindowLayout, TabOrder) {
     EXPECT_EQ(found, expected);
 }
 
-TEST_F(MainWindowLayout, TabKeyWalksThatOrder) {
+TEST_F(MainWindowLayout, tabKeyWalksThatOrder) {
     find<QPushButton>("pushButton_sensor").setFocus();
     std::vector<std::string> visited;
     for (int step = 0; step < 12; ++step) {
@@ -366,7 +366,7 @@ TEST_F(MainWindowLayout, TabKeyWalksThatOrder) {
                             "lineEdit_lineLength", "lineEdit_lineWidth", "lineEdit_lineSpace"));
 }
 
-TEST_F(MainWindowLayout, SignalsAndSlotsKeepTheirOrder) {
+TEST_F(MainWindowLayout, signalsAndSlotsKeepTheirOrder) {
     const std::vector<std::string> expected = {"SignalRestore(QString)",
                                                "SignalBackup(QString)",
                                                "on_horizontalSlider_resizeImage_valueChanged(int)",
@@ -400,7 +400,7 @@ TEST_F(MainWindowLayout, SignalsAndSlotsKeepTheirOrder) {
             << found[static_cast<std::size_t>(index - meta.methodOffset())];
 }
 
-TEST_F(MainWindowLayout, InitialStates) {
+TEST_F(MainWindowLayout, initialStates) {
     EXPECT_FALSE(find<QComboBox>("comboBox_operation").isEnabled());
     for (const Row& row : kTree)
         EXPECT_EQ(find<QWidget>(row.name).isEnabled(), std::string(row.name) != "comboBox_operation")
@@ -433,18 +433,18 @@ TEST_F(MainWindowLayout, InitialStates) {
     }
 }
 
-TEST_F(MainWindowLayout, CanvasStandsInTheScrollArea) {
+TEST_F(MainWindowLayout, canvasStandsInTheScrollArea) {
     EXPECT_EQ(find<QScrollArea>("scrollArea").widget(), &canvas());
     EXPECT_FALSE(find<QScrollArea>("scrollArea").widgetResizable());
     EXPECT_TRUE(canvas().hasScaledContents());
     EXPECT_TRUE(canvas().hasMouseTracking());
 }
 
-TEST_F(MainWindowLayout, FirstLogLineTellsTheStart) {
+TEST_F(MainWindowLayout, firstLogLineTellsTheStart) {
     EXPECT_THAT(log.Lines(), ElementsAre("INFO: Starting Corvane."));
 }
 
-TEST_F(MainWindowLayout, WithoutAServerOnlyTheBackupFileIsOfferedAndTheControlsSaySo) {
+TEST_F(MainWindowLayout, withoutAServerOnlyTheBackupFileIsOfferedAndTheControlsSaySo) {
     EXPECT_EQ(items("comboBox_sensor"), std::vector<std::string>({"Backup File"}));
     EXPECT_EQ(items("comboBox_file"), std::vector<std::string>({"External"}));
     EXPECT_TRUE(find<QPushButton>("pushButton_sensor").isEnabled());
@@ -452,7 +452,7 @@ TEST_F(MainWindowLayout, WithoutAServerOnlyTheBackupFileIsOfferedAndTheControlsS
     EXPECT_EQ(find<QToolButton>("toolButton_upload").toolTip(), QStringLiteral("Save to Backup File"));
 }
 
-TEST_F(MainWindowLayout, ValidatorsRefuseWhatIsOutOfRange) {
+TEST_F(MainWindowLayout, validatorsRefuseWhatIsOutOfRange) {
     const auto acceptable = [this](const char* field, const char* number) {
         type(field, number);
         return find<QLineEdit>(field).hasAcceptableInput();
@@ -475,12 +475,12 @@ TEST_F(MainWindowLayout, ValidatorsRefuseWhatIsOutOfRange) {
     EXPECT_EQ(validator->top(), 10000);
 }
 
-TEST_F(MainWindowLayout, LettersAndGroupSeparatorsCannotBeTyped) {
+TEST_F(MainWindowLayout, lettersAndGroupSeparatorsCannotBeTyped) {
     type("lineEdit_lineLength", "x1,0.0-0");
     EXPECT_EQ(text("lineEdit_lineLength"), "1000");
 }
 
-TEST_F(MainWindowLayout, GrowingTheWindowGivesTheRoomToTheCanvasMostly) {
+TEST_F(MainWindowLayout, growingTheWindowGivesTheRoomToTheCanvasMostly) {
     const int before = find<QScrollArea>("scrollArea").width();
     const int columnBefore = find<QWidget>("groupBox").width();
     window->resize(window->width() + 550, window->height());
@@ -489,7 +489,7 @@ TEST_F(MainWindowLayout, GrowingTheWindowGivesTheRoomToTheCanvasMostly) {
     EXPECT_GT(grown, 9 * (find<QWidget>("groupBox").width() - columnBefore));
 }
 
-TEST_F(MainWindowLayout, AResizeAssertsTheScrollAreasOwnSizeAgain) {
+TEST_F(MainWindowLayout, aResizeAssertsTheScrollAreasOwnSizeAgain) {
     auto& area = find<QScrollArea>("scrollArea");
     const QSize before = area.size();
     area.setAttribute(Qt::WA_Resized, false); // set whenever a widget is told its size
@@ -499,7 +499,7 @@ TEST_F(MainWindowLayout, AResizeAssertsTheScrollAreasOwnSizeAgain) {
     EXPECT_EQ(area.size(), before);
 }
 
-TEST_F(MainWindowLayout, ClosingWithoutLeftoversDeletesAndReportsNothing) {
+TEST_F(MainWindowLayout, closingWithoutLeftoversDeletesAndReportsNothing) {
     WriteFile(folder.Path("keep.txt"), "kept");
     closeWindow();
     EXPECT_EQ(FileContent(folder.Path("keep.txt")), "kept");

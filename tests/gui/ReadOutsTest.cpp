@@ -62,7 +62,7 @@ class ReadOutsTest : public OperatingTest {
     }
 };
 
-TEST_F(ReadOutsTest, ArePermanentAndOfFixedWidthAndTakeNoFocus) {
+TEST_F(ReadOutsTest, arePermanentAndOfFixedWidthAndTakeNoFocus) {
     std::vector<int> places;
     for (const char* const name : {"label_position", "label_height", "label_drawnLength", "label_state"})
         places.push_back(find<QLabel>(name).mapTo(window.get(), QPoint()).x());
@@ -77,7 +77,7 @@ TEST_F(ReadOutsTest, ArePermanentAndOfFixedWidthAndTakeNoFocus) {
     EXPECT_LE(window->minimumSizeHint().width(), 845);
 }
 
-TEST_F(ReadOutsTest, SayWhereTheCursorIs) {
+TEST_F(ReadOutsTest, sayWhereTheCursorIs) {
     // 40 x 30 cells of 0.5 x 0.25 from (10, 20), shown 320 x 120 pixels at 400 %.
     ASSERT_EQ(canvas().size(), QSize(320, 120));
     mouse().Move({80.0, 30.0});
@@ -91,11 +91,11 @@ TEST_F(ReadOutsTest, SayWhereTheCursorIs) {
     EXPECT_EQ(height(), "");
 }
 
-TEST_F(ReadOutsTest, HeightsOfABinaryTrackAreExactToTheRawUnit) {
+TEST_F(ReadOutsTest, heightsOfABinaryTrackAreExactToTheRawUnit) {
     expectHeightsOf(ReadTrack());
 }
 
-TEST_F(ReadOutsTest, HeightsOfATextTrackAreExactToTheRawUnit) {
+TEST_F(ReadOutsTest, heightsOfATextTrackAreExactToTheRawUnit) {
     WriteFile(folder.Path("text.trk"), independent::TextFile(ReadTrack()));
     loadExternal(folder.Path("text.trk"));
     showPercent(400);
@@ -104,7 +104,7 @@ TEST_F(ReadOutsTest, HeightsOfATextTrackAreExactToTheRawUnit) {
     expectHeightsOf(ReadTrack());
 }
 
-TEST_F(ReadOutsTest, HeightsBeyondSixteenBitsAreShownAsTheyAre) {
+TEST_F(ReadOutsTest, heightsBeyondSixteenBitsAreShownAsTheyAre) {
     WriteFile(folder.Path("text.trk"), "Info\nheader\n1,1,0.001,0,0,0,2,2\nYX,0,1\n0,123456.789,-40000.125\n"
                                        "1,,5\nEnd\nSegment\nheader\nEnd\n");
     loadExternal(folder.Path("text.trk"));
@@ -118,7 +118,7 @@ TEST_F(ReadOutsTest, HeightsBeyondSixteenBitsAreShownAsTheyAre) {
     EXPECT_EQ(height(), "no measurement");
 }
 
-TEST_F(ReadOutsTest, FollowTheTrackThroughASave) {
+TEST_F(ReadOutsTest, followTheTrackThroughASave) {
     WriteFile(folder.Path("text.trk"), independent::TextFile(ReadTrack()));
     loadExternal(folder.Path("text.trk"));
     showPercent(400);
@@ -128,14 +128,14 @@ TEST_F(ReadOutsTest, FollowTheTrackThroughASave) {
     expectHeightsOf(independent::ReadBinary(FileContent(kTracks + "text.trk")));
 }
 
-TEST_F(ReadOutsTest, AFileThatAnotherProgramChangedHasNoHeights) {
+TEST_F(ReadOutsTest, aFileThatAnotherProgramChangedHasNoHeights) {
     WriteFile(folder.Path("a.trk"), "something else");
     mouse().Move({100.0, 70.0});
     EXPECT_NE(position(), "");
     EXPECT_EQ(height(), "");
 }
 
-TEST_F(ReadOutsTest, SayLengthsWhileAPathIsDrawn) {
+TEST_F(ReadOutsTest, sayLengthsWhileAPathIsDrawn) {
     EXPECT_EQ(lengths(), "");
     // The canvas is 320 x 120 pixels for 20 x 7.5 world units: 16 pixels a unit.
     mouse().Press({32.0, 32.0});
@@ -149,7 +149,7 @@ TEST_F(ReadOutsTest, SayLengthsWhileAPathIsDrawn) {
     EXPECT_EQ(lengths(), "") << "the path is closed";
 }
 
-TEST_F(ReadOutsTest, SayLengthsWhileAPointIsDragged) {
+TEST_F(ReadOutsTest, sayLengthsWhileAPointIsDragged) {
     // Points at x = 80, 160, 240 in the middle: 5 units from each other.
     mouse().Move(at(0, 2));
     EXPECT_EQ(lengths(), "");
@@ -164,13 +164,13 @@ TEST_F(ReadOutsTest, SayLengthsWhileAPointIsDragged) {
     EXPECT_EQ(position(), "x 29.375, y 23.750") << "of the point that was moved";
 }
 
-TEST_F(ReadOutsTest, CtrlCCopiesThePosition) {
+TEST_F(ReadOutsTest, ctrlCCopiesThePosition) {
     mouse().Move({80.0, 30.0});
     key(Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(QApplication::clipboard()->text().toStdString(), "15.000, 21.875");
 }
 
-TEST_F(ReadOutsTest, AreEmptyWithoutATrackAndWithoutACursor) {
+TEST_F(ReadOutsTest, areEmptyWithoutATrackAndWithoutACursor) {
     mouse().Move({80.0, 30.0});
     ASSERT_NE(position(), "");
     QEvent leave(QEvent::Leave);

@@ -61,7 +61,7 @@ class SegmentControls : public WindowTest {
     int number(const char* spinBox) { return find<QSpinBox>(spinBox).value(); }
 };
 
-TEST_F(SegmentControls, SliderShowsTheScaleInPercent) {
+TEST_F(SegmentControls, sliderShowsTheScaleInPercent) {
     setSlider(1);
     EXPECT_EQ(text("label_scale"), "Scale:5%");
     setSlider(80);
@@ -70,7 +70,7 @@ TEST_F(SegmentControls, SliderShowsTheScaleInPercent) {
     EXPECT_EQ(text("label_scale"), "Scale:185%");
 }
 
-TEST_F(SegmentControls, SliderStretchesTheCanvasAlongTheCoarserAxis) {
+TEST_F(SegmentControls, sliderStretchesTheCanvasAlongTheCoarserAxis) {
     independent::Track wide = SmallTrack(PathAcross(0, 2, 0.5, 100));
     load(wide); // 40 x 20 cells, twice as far apart along X
     setSlider(20);
@@ -87,13 +87,13 @@ TEST_F(SegmentControls, SliderStretchesTheCanvasAlongTheCoarserAxis) {
     EXPECT_EQ(canvas().size(), QSize(6, 5));
 }
 
-TEST_F(SegmentControls, SliderLeavesAnEmptyCanvasAlone) {
+TEST_F(SegmentControls, sliderLeavesAnEmptyCanvasAlone) {
     const QSize before = canvas().size();
     setSlider(60);
     EXPECT_EQ(canvas().size(), before);
 }
 
-TEST_F(SegmentControls, ScalingKeepsThePaths) {
+TEST_F(SegmentControls, scalingKeepsThePaths) {
     loadTwoPaths();
     const std::vector<QPointF> before = paths()[0].points;
     setSlider(4);
@@ -101,7 +101,7 @@ TEST_F(SegmentControls, ScalingKeepsThePaths) {
     EXPECT_EQ(paths()[0].points, before);
 }
 
-TEST_F(SegmentControls, DeleteLastTakesAPointAndRefreshesAShownRuler) {
+TEST_F(SegmentControls, deleteLastTakesAPointAndRefreshesAShownRuler) {
     loadTwoPaths();
     click("pushButton_deleteLast");
     EXPECT_THAT(paths()[1].points, SizeIs(2));
@@ -112,7 +112,7 @@ TEST_F(SegmentControls, DeleteLastTakesAPointAndRefreshesAShownRuler) {
     EXPECT_THAT(paths()[0].rulerMarks, IsEmpty());
 }
 
-TEST_F(SegmentControls, DeleteLastLeavesTheShownParameters) {
+TEST_F(SegmentControls, deleteLastLeavesTheShownParameters) {
     loadTwoPaths();
     typeNumber("spinBox_pathId", "2");
     const std::vector<std::string> before = shownParameters();
@@ -122,7 +122,7 @@ TEST_F(SegmentControls, DeleteLastLeavesTheShownParameters) {
     EXPECT_EQ(shownParameters(), before);
 }
 
-TEST_F(SegmentControls, DeleteAllResetsTheControlsAndRemovesThePaths) {
+TEST_F(SegmentControls, deleteAllResetsTheControlsAndRemovesThePaths) {
     loadTwoPaths();
     typeNumber("spinBox_pathId", "2");
     typeNumber("spinBox_segmentId", "2");
@@ -135,7 +135,7 @@ TEST_F(SegmentControls, DeleteAllResetsTheControlsAndRemovesThePaths) {
     EXPECT_EQ(canvas().currentSegment(), 0);
 }
 
-TEST_F(SegmentControls, DeleteButtonsWithoutATrackChangeNothingNotEvenTheControls) {
+TEST_F(SegmentControls, deleteButtonsWithoutATrackChangeNothingNotEvenTheControls) {
     type("lineEdit_lineLength", "77");
     type("lineEdit_lineWidth", "78");
     type("lineEdit_lineSpace", "79");
@@ -144,7 +144,7 @@ TEST_F(SegmentControls, DeleteButtonsWithoutATrackChangeNothingNotEvenTheControl
     EXPECT_THAT(shownParameters(), ElementsAre("77", "78", "79"));
 }
 
-TEST_F(SegmentControls, RulerButtonHidesAndRebuildsTheMarks) {
+TEST_F(SegmentControls, rulerButtonHidesAndRebuildsTheMarks) {
     loadTwoPaths();
     EXPECT_TRUE(window->rulerShown());
     EXPECT_THAT(paths()[0].rulerMarks, SizeIs(3));
@@ -162,14 +162,14 @@ TEST_F(SegmentControls, RulerButtonHidesAndRebuildsTheMarks) {
     EXPECT_EQ(ticks(0, 0), 4U);
 }
 
-TEST_F(SegmentControls, RulerButtonWorksWithoutATrack) {
+TEST_F(SegmentControls, rulerButtonWorksWithoutATrack) {
     click("pushButton_getRuler");
     EXPECT_EQ(text("pushButton_getRuler"), "Show Ruler");
     click("pushButton_getRuler");
     EXPECT_EQ(text("pushButton_getRuler"), "Hide Ruler");
 }
 
-TEST_F(SegmentControls, RulerIsMeasuredInTheCorrectedImage) {
+TEST_F(SegmentControls, rulerIsMeasuredInTheCorrectedImage) {
     // One segment down the middle half: 0.5 x the corrected height of 20 x 3 = 60 makes 30 pixels.
     independent::Track tall =
         SmallTrack({{0, 0, 0, 0, 0.5, 0.25, 1, 10, 10, 9}, {0, 1, 0, 0, 0.5, 0.75, 1, 10, 10, 9}});
@@ -179,7 +179,7 @@ TEST_F(SegmentControls, RulerIsMeasuredInTheCorrectedImage) {
     EXPECT_EQ(ticks(0, 0), 3U);
 }
 
-TEST_F(SegmentControls, BatchSettingDisablesTheChoiceOfTheSegment) {
+TEST_F(SegmentControls, batchSettingDisablesTheChoiceOfTheSegment) {
     click("checkBox_batchSetting");
     for (const char* name : {"label_path", "spinBox_pathId", "label_segment", "spinBox_segmentId"})
         EXPECT_FALSE(find<QWidget>(name).isEnabled()) << name;
@@ -188,7 +188,7 @@ TEST_F(SegmentControls, BatchSettingDisablesTheChoiceOfTheSegment) {
         EXPECT_TRUE(find<QWidget>(name).isEnabled()) << name;
 }
 
-TEST_F(SegmentControls, ATrackBeyondTheLastEndsAtTheLast) {
+TEST_F(SegmentControls, aTrackBeyondTheLastEndsAtTheLast) {
     loadTwoPaths();
     typeNumber("spinBox_pathId", "3");
     EXPECT_EQ(number("spinBox_pathId"), 2);
@@ -196,7 +196,7 @@ TEST_F(SegmentControls, ATrackBeyondTheLastEndsAtTheLast) {
     EXPECT_THAT(shownParameters(), ElementsAre("200", "210", "220"));
 }
 
-TEST_F(SegmentControls, ASegmentBeyondTheLastEndsAtTheLast) {
+TEST_F(SegmentControls, aSegmentBeyondTheLastEndsAtTheLast) {
     loadTwoPaths();
     typeNumber("spinBox_segmentId", "4");
     EXPECT_EQ(number("spinBox_segmentId"), 3);
@@ -204,7 +204,7 @@ TEST_F(SegmentControls, ASegmentBeyondTheLastEndsAtTheLast) {
     EXPECT_THAT(shownParameters(), ElementsAre("102", "112", "122"));
 }
 
-TEST_F(SegmentControls, ChoosingATrackChoosesItsFirstSegment) {
+TEST_F(SegmentControls, choosingATrackChoosesItsFirstSegment) {
     loadTwoPaths();
     typeNumber("spinBox_segmentId", "3");
     typeNumber("spinBox_pathId", "2");
@@ -217,7 +217,7 @@ TEST_F(SegmentControls, ChoosingATrackChoosesItsFirstSegment) {
     EXPECT_THAT(shownParameters(), ElementsAre("201", "211", "221"));
 }
 
-TEST_F(SegmentControls, ArrowKeysStopAtTheLast) {
+TEST_F(SegmentControls, arrowKeysStopAtTheLast) {
     loadTwoPaths();
     auto& box = find<QSpinBox>("spinBox_pathId");
     box.setFocus();
@@ -226,14 +226,14 @@ TEST_F(SegmentControls, ArrowKeysStopAtTheLast) {
     EXPECT_EQ(box.value(), 2);
 }
 
-TEST_F(SegmentControls, WithoutPathsBothBoxesFallBackToOne) {
+TEST_F(SegmentControls, withoutPathsBothBoxesFallBackToOne) {
     typeNumber("spinBox_pathId", "57");
     typeNumber("spinBox_segmentId", "86");
     EXPECT_EQ(number("spinBox_pathId"), 1);
     EXPECT_EQ(number("spinBox_segmentId"), 1);
 }
 
-TEST_F(SegmentControls, APathOfOnePointHasNoSegmentToChoose) {
+TEST_F(SegmentControls, aPathOfOnePointHasNoSegmentToChoose) {
     loadTwoPaths();
     typeNumber("spinBox_segmentId", "3");
     for (int closed = 0; closed < 2; ++closed) // loaded paths are closed one by one
@@ -248,7 +248,7 @@ TEST_F(SegmentControls, APathOfOnePointHasNoSegmentToChoose) {
     EXPECT_FALSE(canvas().segmentExists(0, 0));
 }
 
-TEST_F(SegmentControls, TheChosenTrackMayHaveGone) {
+TEST_F(SegmentControls, theChosenTrackMayHaveGone) {
     loadTwoPaths();
     typeNumber("spinBox_pathId", "2");
     typeNumber("spinBox_segmentId", "2");
@@ -263,7 +263,7 @@ TEST_F(SegmentControls, TheChosenTrackMayHaveGone) {
 }
 
 // The numbers walk back in one step: on a stack of 1 MiB a step for each number typed would not end well.
-TEST_F(SegmentControls, TenThousandEndsAtTheLastOnASmallStack) {
+TEST_F(SegmentControls, tenThousandEndsAtTheLastOnASmallStack) {
     load(SmallTrack(PathAcross(0, 2, 0.5, 100)));
     rlimit stack{};
     ASSERT_EQ(getrlimit(RLIMIT_STACK, &stack), 0);
@@ -281,7 +281,7 @@ TEST_F(SegmentControls, TenThousandEndsAtTheLastOnASmallStack) {
     }
 }
 
-TEST_F(SegmentControls, TypingSetsTheChosenSegmentFigureByFigure) {
+TEST_F(SegmentControls, typingSetsTheChosenSegmentFigureByFigure) {
     loadTwoPaths();
     typeNumber("spinBox_segmentId", "2");
     type("lineEdit_lineLength", "75");
@@ -295,7 +295,7 @@ TEST_F(SegmentControls, TypingSetsTheChosenSegmentFigureByFigure) {
     EXPECT_EQ(paths()[0].lengths[1], 7);
 }
 
-TEST_F(SegmentControls, ATextIsADecimalNumberAndCountsAsZeroWhenItIsNone) {
+TEST_F(SegmentControls, aTextIsADecimalNumberAndCountsAsZeroWhenItIsNone) {
     loadTwoPaths();
     type("lineEdit_lineLength", "");
     EXPECT_EQ(paths()[0].lengths[0], 0);
@@ -311,7 +311,7 @@ TEST_F(SegmentControls, ATextIsADecimalNumberAndCountsAsZeroWhenItIsNone) {
     EXPECT_THAT(paths()[1].spaces, Each(0));
 }
 
-TEST_F(SegmentControls, BatchSettingReachesEveryPointOfEveryPath) {
+TEST_F(SegmentControls, batchSettingReachesEveryPointOfEveryPath) {
     loadTwoPaths();
     click("checkBox_batchSetting");
     type("lineEdit_lineLength", "7");
@@ -324,7 +324,7 @@ TEST_F(SegmentControls, BatchSettingReachesEveryPointOfEveryPath) {
     }
 }
 
-TEST_F(SegmentControls, BatchSettingRebuildsAllMarksAtOnce) {
+TEST_F(SegmentControls, batchSettingRebuildsAllMarksAtOnce) {
     loadTwoPaths();
     canvas().clearRulerMarks();
     click("checkBox_batchSetting");
@@ -338,13 +338,13 @@ TEST_F(SegmentControls, BatchSettingRebuildsAllMarksAtOnce) {
     }
 }
 
-TEST_F(SegmentControls, TypingWithoutASegmentSetsNothing) {
+TEST_F(SegmentControls, typingWithoutASegmentSetsNothing) {
     load(SmallTrack({{0, 0, 0, 0, 0.5, 0.5, 1, 11, 12, 13}}));
     type("lineEdit_lineLength", "500");
     EXPECT_THAT(paths()[0].lengths, ElementsAre(11));
 }
 
-TEST_F(SegmentControls, TypingRefreshesAShownRulerAndAMethodDoesNot) {
+TEST_F(SegmentControls, typingRefreshesAShownRulerAndAMethodDoesNot) {
     loadTwoPaths();
     auto& methods = find<QComboBox>("comboBox_lineType");
     methods.addItem(QStringLiteral("another"));
@@ -364,7 +364,7 @@ TEST_F(SegmentControls, TypingRefreshesAShownRulerAndAMethodDoesNot) {
     EXPECT_THAT(paths()[1].methods, Each(2));
 }
 
-TEST_F(SegmentControls, ShowingASegmentInBatchModeChangesNoOther) {
+TEST_F(SegmentControls, showingASegmentInBatchModeChangesNoOther) {
     click("checkBox_batchSetting");
     loadTwoPaths();
     EXPECT_THAT(shownParameters(), ElementsAre("100", "110", "120"));
@@ -372,7 +372,7 @@ TEST_F(SegmentControls, ShowingASegmentInBatchModeChangesNoOther) {
     EXPECT_THAT(paths()[1].widths, ElementsAre(210, 211, 212));
 }
 
-TEST_F(SegmentControls, TheMethodOfTheChosenSegmentIsShown) {
+TEST_F(SegmentControls, theMethodOfTheChosenSegmentIsShown) {
     std::vector<independent::Segment> segments = PathAcross(0, 3, 0.5, 100);
     segments[0].method = 2;
     auto& methods = find<QComboBox>("comboBox_lineType");
@@ -387,14 +387,14 @@ TEST_F(SegmentControls, TheMethodOfTheChosenSegmentIsShown) {
     EXPECT_EQ(methods.currentIndex(), 0);
 }
 
-TEST_F(SegmentControls, AMethodThatIsNotOfferedIsKept) {
+TEST_F(SegmentControls, aMethodThatIsNotOfferedIsKept) {
     load(SmallTrack({{0, 0, 0, 0, 0.2, 0.5, 5, 10, 10, 10}, {0, 1, 0, 0, 0.8, 0.5, 5, 10, 10, 10}}));
     EXPECT_THAT(paths()[0].methods, Each(5));
     typeNumber("spinBox_segmentId", "1");
     EXPECT_THAT(paths()[0].methods, Each(5));
 }
 
-TEST_F(SegmentControls, AddingAndDraggingAPointRefreshAShownRuler) {
+TEST_F(SegmentControls, addingAndDraggingAPointRefreshAShownRuler) {
     load(SmallTrack(PathAcross(0, 3, 0.5, 100)));
     setSlider(80);
     QTest::mouseDClick(&canvas(), Qt::LeftButton, Qt::NoModifier, canvas().rect().center()); // closes it

@@ -71,7 +71,7 @@ class SourceConnections : public SourceWorkflows {
     }
 };
 
-TEST_F(SourceConnections, AFailedDiscoveryIsLoggedThenShownAndCanBeDoneAgain) {
+TEST_F(SourceConnections, aFailedDiscoveryIsLoggedThenShownAndCanBeDoneAgain) {
     onDiscovery = [] {
         throw Ve::Exception(__LINE__, __FILE__, bERROR_REQUEST, "Discovery", "%s", "No <b>%d</b> servers.");
     };
@@ -92,14 +92,14 @@ TEST_F(SourceConnections, AFailedDiscoveryIsLoggedThenShownAndCanBeDoneAgain) {
     EXPECT_TRUE(enabled("pushButton_sensor"));
 }
 
-TEST_F(SourceConnections, AFailureOfAnotherKindWhileServersAreLookedForEndsTheConstruction) {
+TEST_F(SourceConnections, aFailureOfAnotherKindWhileServersAreLookedForEndsTheConstruction) {
     onDiscovery = [] { throw std::runtime_error("The test wants it so."); };
     EXPECT_THROW({ const MainWindow fresh; }, std::runtime_error);
     EXPECT_THAT(log.Lines(), ElementsAre("INFO: Starting Corvane."));
     expectNoBox();
 }
 
-TEST_F(SourceConnections, ClosingTheWindowDisconnectsBeforeItRemovesTheWorkingFiles) {
+TEST_F(SourceConnections, closingTheWindowDisconnectsBeforeItRemovesTheWorkingFiles) {
     openConnected();
     int calls = 0;
     onDisconnect = [&calls] {
@@ -112,7 +112,7 @@ TEST_F(SourceConnections, ClosingTheWindowDisconnectsBeforeItRemovesTheWorkingFi
     EXPECT_FALSE(fs::exists("Ostra.osbak"));
 }
 
-TEST_F(SourceConnections, ClosingTheWindowDisconnectsOnlyWhatTheButtonCallsConnected) {
+TEST_F(SourceConnections, closingTheWindowDisconnectsOnlyWhatTheButtonCallsConnected) {
     startServer({"--fault-status", "500", "--fault-path", "/system/commands/archive"});
     openWindow();
     click("pushButton_sensor");
@@ -124,7 +124,7 @@ TEST_F(SourceConnections, ClosingTheWindowDisconnectsOnlyWhatTheButtonCallsConne
     EXPECT_EQ(calls, 0);
 }
 
-TEST_F(SourceConnections, AFailureToDisconnectOnClosingIsLoggedAndTheFilesGoAllTheSame) {
+TEST_F(SourceConnections, aFailureToDisconnectOnClosingIsLoggedAndTheFilesGoAllTheSame) {
     openConnected();
     failToDisconnect();
     (void)log.Lines();
@@ -136,7 +136,7 @@ TEST_F(SourceConnections, AFailureToDisconnectOnClosingIsLoggedAndTheFilesGoAllT
     expectNoBox();
 }
 
-TEST_F(SourceConnections, AWorkingFolderThatCannotBeRemovedIsLoggedAndTheOthersGo) {
+TEST_F(SourceConnections, aWorkingFolderThatCannotBeRemovedIsLoggedAndTheOthersGo) {
     openConnected();
     (void)log.Lines();
     const fs::path closed = "TmpDirBackup/closed";
@@ -153,7 +153,7 @@ TEST_F(SourceConnections, AWorkingFolderThatCannotBeRemovedIsLoggedAndTheOthersG
     expectNoBox();
 }
 
-TEST_F(SourceConnections, AFailureToDisconnectLeavesTheServerOpen) {
+TEST_F(SourceConnections, aFailureToDisconnectLeavesTheServerOpen) {
     openConnected();
     loadAndEdit("b.trk");
     failToDisconnect();
@@ -170,7 +170,7 @@ TEST_F(SourceConnections, AFailureToDisconnectLeavesTheServerOpen) {
     EXPECT_EQ(status(), "Disconnect successfully.");
 }
 
-TEST_F(SourceConnections, AResetThatCannotDisconnectDisablesTheButtonAndStopsThere) {
+TEST_F(SourceConnections, aResetThatCannotDisconnectDisablesTheButtonAndStopsThere) {
     openConnected();
     loadAndEdit("b.trk");
     failToDisconnect();
@@ -182,7 +182,7 @@ TEST_F(SourceConnections, AResetThatCannotDisconnectDisablesTheButtonAndStopsThe
     EXPECT_FALSE(enabled("comboBox_sensor"));
 }
 
-TEST_F(SourceConnections, AnotherSourceThatCannotDisconnectTheOldOneStopsThere) {
+TEST_F(SourceConnections, anotherSourceThatCannotDisconnectTheOldOneStopsThere) {
     openConnected();
     find<QComboBox>("comboBox_sensor").setEnabled(true);
     failToDisconnect();
@@ -194,7 +194,7 @@ TEST_F(SourceConnections, AnotherSourceThatCannotDisconnectTheOldOneStopsThere) 
     EXPECT_TRUE(enabled("comboBox_operation"));
 }
 
-TEST_F(SourceConnections, TheChosenServerIsConnectedByItsOwnAddressAndPort) {
+TEST_F(SourceConnections, theChosenServerIsConnectedByItsOwnAddressAndPort) {
     startServer();
     std::filesystem::copy(folder.Path("station"), folder.Path("station two"),
                           std::filesystem::copy_options::recursive);
@@ -213,7 +213,7 @@ TEST_F(SourceConnections, TheChosenServerIsConnectedByItsOwnAddressAndPort) {
     EXPECT_THAT(passedOver.Calls(), Not(Contains("POST /system/commands/archive")));
 }
 
-TEST_F(SourceConnections, DisconnectingLeavesWhatIsShownOfATrackThatFailedToLoad) {
+TEST_F(SourceConnections, disconnectingLeavesWhatIsShownOfATrackThatFailedToLoad) {
     openConnected();
     loadAndEdit("b.trk");
     WriteFile(kTracks + "b.trk", independent::TextMap(track)); // no paths in it
@@ -225,7 +225,7 @@ TEST_F(SourceConnections, DisconnectingLeavesWhatIsShownOfATrackThatFailedToLoad
     EXPECT_EQ(text("lineEdit_heightMax"), "43.75");
 }
 
-TEST_F(SourceConnections, TheCursorAsksToWaitDuringEveryLongStep) {
+TEST_F(SourceConnections, theCursorAsksToWaitDuringEveryLongStep) {
     startServer();
     openWindow();
     std::vector<bool> waits;
@@ -264,7 +264,7 @@ class PaintedMessages : public QObject {
     QStatusBar& bar;
 };
 
-TEST_F(SourceConnections, TheStepAtHandIsSeenBeforeTheWorkBegins) {
+TEST_F(SourceConnections, theStepAtHandIsSeenBeforeTheWorkBegins) {
     openWindow();
     makeBackup(folder.Path("x.osbak"), {{"b.trk", ""}});
     loadBackup(folder.Path("x.osbak"));

@@ -56,7 +56,7 @@ void expectRingFromTwentyToForty(WaitingSpinnerWidget& spinner) {
     EXPECT_GT(qAlpha(picture.pixel(40 + 37, 40)), 0);
 }
 
-TEST_F(SourceWorkflows, ServersAreListedBeforeTheBackupFileAndTheControlsAgreeFromTheStart) {
+TEST_F(SourceWorkflows, serversAreListedBeforeTheBackupFileAndTheControlsAgreeFromTheStart) {
     startServer();
     openWindow();
     EXPECT_THAT(items("comboBox_sensor"), ElementsAre("127.0.0.1", "Backup File"));
@@ -67,7 +67,7 @@ TEST_F(SourceWorkflows, ServersAreListedBeforeTheBackupFileAndTheControlsAgreeFr
     EXPECT_EQ(status(), "");
 }
 
-TEST_F(SourceWorkflows, ADiscoveryThatFailsIsReportedAndLeavesAnEmptyList) {
+TEST_F(SourceWorkflows, aDiscoveryThatFailsIsReportedAndLeavesAnEmptyList) {
     auto none = std::make_optional<NoSockets>();
     answers.note = [&none] {
         none.reset();
@@ -87,7 +87,7 @@ TEST_F(SourceWorkflows, ADiscoveryThatFailsIsReportedAndLeavesAnEmptyList) {
     EXPECT_THAT(items("comboBox_file"), ElementsAre("External"));
 }
 
-TEST_F(SourceWorkflows, ConnectingFetchesAndUnpacksTheWorkspace) {
+TEST_F(SourceWorkflows, connectingFetchesAndUnpacksTheWorkspace) {
     startServer();
     openWindowAndListen();
     click("pushButton_sensor");
@@ -114,7 +114,7 @@ TEST_F(SourceWorkflows, ConnectingFetchesAndUnpacksTheWorkspace) {
     expectNoBox();
 }
 
-TEST_F(SourceWorkflows, TheWholeRoadBringsAnEditedTrackBackToTheServer) {
+TEST_F(SourceWorkflows, theWholeRoadBringsAnEditedTrackBackToTheServer) {
     openConnected();
     loadAndEdit("b.trk");
     EXPECT_EQ(firstLength(folder.Path("station/vdk/ContourPath/b.trk")), 100);
@@ -129,7 +129,7 @@ TEST_F(SourceWorkflows, TheWholeRoadBringsAnEditedTrackBackToTheServer) {
     expectNoBox();
 }
 
-TEST_F(SourceWorkflows, ARestoreLeavesTheReplayModeAsItWas) {
+TEST_F(SourceWorkflows, aRestoreLeavesTheReplayModeAsItWas) {
     startServer({"--replay", "on", "--restore-sets-replay", "off"});
     openWindowAndListen();
     connectToServer();
@@ -143,7 +143,7 @@ TEST_F(SourceWorkflows, ARestoreLeavesTheReplayModeAsItWas) {
                             "PUT /replay/playback"));
 }
 
-TEST_F(SourceWorkflows, DisconnectingClosesATrackOfTheWorkspace) {
+TEST_F(SourceWorkflows, disconnectingClosesATrackOfTheWorkspace) {
     openConnected();
     loadAndEdit("b.trk");
     click("pushButton_sensor");
@@ -158,7 +158,7 @@ TEST_F(SourceWorkflows, DisconnectingClosesATrackOfTheWorkspace) {
     expectErrorBox("Please load a track file firstly.");
 }
 
-TEST_F(SourceWorkflows, DisconnectingKeepsAnExternalTrackOpen) {
+TEST_F(SourceWorkflows, disconnectingKeepsAnExternalTrackOpen) {
     openConnected();
     WriteFile(folder.Path("mine.trk"), independent::TextFile(track));
     loadExternal(folder.Path("mine.trk"));
@@ -169,7 +169,7 @@ TEST_F(SourceWorkflows, DisconnectingKeepsAnExternalTrackOpen) {
     EXPECT_THAT(paths(), SizeIs(1));
 }
 
-TEST_F(SourceWorkflows, SwitchingToTheBackupFileWhileConnectedDisconnectsAndClears) {
+TEST_F(SourceWorkflows, switchingToTheBackupFileWhileConnectedDisconnectsAndClears) {
     openConnected();
     loadAndEdit("b.trk");
     find<QComboBox>("comboBox_sensor").setEnabled(true);
@@ -187,7 +187,7 @@ TEST_F(SourceWorkflows, SwitchingToTheBackupFileWhileConnectedDisconnectsAndClea
     connectToServer();
 }
 
-TEST_F(SourceWorkflows, SwitchingToAServerClosesAnOpenBackupFile) {
+TEST_F(SourceWorkflows, switchingToAServerClosesAnOpenBackupFile) {
     startServer();
     openWindowAndListen();
     makeBackup(folder.Path("x.osbak"), {{"b.trk", independent::BinaryFile(track)}});
@@ -205,7 +205,7 @@ TEST_F(SourceWorkflows, SwitchingToAServerClosesAnOpenBackupFile) {
     expectErrorBox("ERROR_FILE - Please open a backup file firstly.");
 }
 
-TEST_F(SourceWorkflows, AnotherSourceClosesAnExternalTrackToo) {
+TEST_F(SourceWorkflows, anotherSourceClosesAnExternalTrackToo) {
     openConnected();
     WriteFile(folder.Path("mine.trk"), independent::TextFile(track));
     loadExternal(folder.Path("mine.trk"));
@@ -217,7 +217,7 @@ TEST_F(SourceWorkflows, AnotherSourceClosesAnExternalTrackToo) {
     expectErrorBox("Please load a track file firstly.");
 }
 
-TEST_F(SourceWorkflows, TheControlsAgreeWithTheSourceThatTheirSlotIsTold) {
+TEST_F(SourceWorkflows, theControlsAgreeWithTheSourceThatTheirSlotIsTold) {
     startServer();
     openWindow();
     const auto tell = [this](const char* source) {
@@ -232,7 +232,7 @@ TEST_F(SourceWorkflows, TheControlsAgreeWithTheSourceThatTheirSlotIsTold) {
     EXPECT_EQ(text("pushButton_sensor"), "Connect Sensor");
 }
 
-TEST_F(SourceWorkflows, AClosedTrackLeavesNothingToScroll) {
+TEST_F(SourceWorkflows, aClosedTrackLeavesNothingToScroll) {
     openConnected();
     loadAndEdit("b.trk");
     find<QSlider>("horizontalSlider_resizeImage").setValue(80);
@@ -245,7 +245,7 @@ TEST_F(SourceWorkflows, AClosedTrackLeavesNothingToScroll) {
     EXPECT_FALSE(area.verticalScrollBar()->isVisible());
 }
 
-TEST_F(SourceWorkflows, AClosedTrackLeavesTheControlsWithoutEffect) {
+TEST_F(SourceWorkflows, aClosedTrackLeavesTheControlsWithoutEffect) {
     openConnected();
     loadAndEdit("b.trk");
     click("pushButton_sensor");
@@ -266,7 +266,7 @@ TEST_F(SourceWorkflows, AClosedTrackLeavesTheControlsWithoutEffect) {
     EXPECT_THAT(paths()[0].rulerMarks, IsEmpty());
 }
 
-TEST(WorkerThread, HasTheHighestPriorityAndDisposesOfItsController) {
+TEST(WorkerThread, hasTheHighestPriorityAndDisposesOfItsController) {
     OstraSdkClient client;
     WorkerThread worker(client);
     const QPointer<BlockingController> controller = &worker.controller();
@@ -277,7 +277,7 @@ TEST(WorkerThread, HasTheHighestPriorityAndDisposesOfItsController) {
     EXPECT_TRUE(controller.isNull());
 }
 
-TEST_F(SourceWorkflows, AFailedBackupLeavesConnectSensorAndTheNextClickConnectsAgain) {
+TEST_F(SourceWorkflows, aFailedBackupLeavesConnectSensorAndTheNextClickConnectsAgain) {
     startServer({"--fault-status", "500", "--fault-path", "/system/commands/archive", "--fault-count", "1"});
     openWindowAndListen();
     click("pushButton_sensor");
@@ -294,7 +294,7 @@ TEST_F(SourceWorkflows, AFailedBackupLeavesConnectSensorAndTheNextClickConnectsA
     expectNoBox();
 }
 
-TEST_F(SourceWorkflows, AnotherSourcesWorkspaceNeverReachesAServerWhoseBackupFailed) {
+TEST_F(SourceWorkflows, anotherSourcesWorkspaceNeverReachesAServerWhoseBackupFailed) {
     startServer({"--fault-status", "500", "--fault-path", "/system/commands/archive"});
     openWindowAndListen();
     makeBackup(folder.Path("other.osbak"), {{"other.trk", "x"}});
@@ -312,7 +312,7 @@ TEST_F(SourceWorkflows, AnotherSourcesWorkspaceNeverReachesAServerWhoseBackupFai
     EXPECT_EQ(FileContent(folder.Path("other.osbak")), before);
 }
 
-TEST_F(SourceWorkflows, AServerWhoseBackupHasNoWorkspaceIsConnectedButNotOpen) {
+TEST_F(SourceWorkflows, aServerWhoseBackupHasNoWorkspaceIsConnectedButNotOpen) {
     ScriptedServer bare({{"/system/info", JsonReply("{}")},
                          {"/system/commands/archive", DataReply(TarFile("info.json", "{}") + TarEnd())}});
     const DiscoveryResponder found({DiscoveryAnswer(1, "127.0.0.1", bare.Port())});
@@ -331,7 +331,7 @@ TEST_F(SourceWorkflows, AServerWhoseBackupHasNoWorkspaceIsConnectedButNotOpen) {
     EXPECT_EQ(title(), before);
 }
 
-TEST_F(SourceWorkflows, AServersBackupTakesThePlaceOfAnOpenBackupFile) {
+TEST_F(SourceWorkflows, aServersBackupTakesThePlaceOfAnOpenBackupFile) {
     makeBackup("Ostra.osbak", {{"b.trk", independent::BinaryFile(track)}});
     makeBackup(folder.Path("mine.osbak"), {{"a.trk", ""}});
     openWindow();
@@ -346,7 +346,7 @@ TEST_F(SourceWorkflows, AServersBackupTakesThePlaceOfAnOpenBackupFile) {
     expectErrorBox("ERROR_FILE - Please open a backup file firstly.");
 }
 
-TEST_F(SourceWorkflows, AServerThatIsGoneCannotBeConnected) {
+TEST_F(SourceWorkflows, aServerThatIsGoneCannotBeConnected) {
     startServer();
     openWindowAndListen();
     server->Kill();
@@ -360,7 +360,7 @@ TEST_F(SourceWorkflows, AServerThatIsGoneCannotBeConnected) {
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
 }
 
-TEST_F(SourceWorkflows, AServerKilledBeforeTheRestoreIsReportedAndTheConnectionStaysAsItIs) {
+TEST_F(SourceWorkflows, aServerKilledBeforeTheRestoreIsReportedAndTheConnectionStaysAsItIs) {
     openConnected();
     server->Kill();
     click("toolButton_upload");
@@ -375,14 +375,14 @@ TEST_F(SourceWorkflows, AServerKilledBeforeTheRestoreIsReportedAndTheConnectionS
     EXPECT_THAT(items("comboBox_sensor"), ElementsAre("Backup File"));
 }
 
-TEST_F(SourceWorkflows, AServerWithoutTheTrackFolderGivesAnEmptyList) {
+TEST_F(SourceWorkflows, aServerWithoutTheTrackFolderGivesAnEmptyList) {
     fs::remove_all(folder.Path("station/vdk/ContourPath"));
     openConnected();
     EXPECT_THAT(items("comboBox_file"), ElementsAre("External"));
     EXPECT_TRUE(enabled("comboBox_operation"));
 }
 
-TEST_F(SourceWorkflows, UploadsNeedASource) {
+TEST_F(SourceWorkflows, uploadsNeedASource) {
     openWindowAndListen();
     click("toolButton_upload");
     expectErrorBox("ERROR_FILE - Please open a backup file firstly.");
@@ -395,7 +395,7 @@ TEST_F(SourceWorkflows, UploadsNeedASource) {
     EXPECT_EQ(status(), "");
 }
 
-TEST_F(SourceWorkflows, ABackupFileIsOpenedEditedAndSavedInPlace) {
+TEST_F(SourceWorkflows, aBackupFileIsOpenedEditedAndSavedInPlace) {
     makeBackup(folder.Path("my station.osbak"), {{"b.trk", independent::BinaryFile(track)}});
     openWindowAndListen();
     loadBackup(folder.Path("my station.osbak"));
@@ -420,7 +420,7 @@ TEST_F(SourceWorkflows, ABackupFileIsOpenedEditedAndSavedInPlace) {
     expectNoBox();
 }
 
-TEST_F(SourceWorkflows, ARealStationsBackupGoesTheWholeRoad) {
+TEST_F(SourceWorkflows, aRealStationsBackupGoesTheWholeRoad) {
     fs::copy(TestData("station.osbak"), folder.Path("station.osbak"));
     openWindowAndListen();
     loadBackup(folder.Path("station.osbak"));
@@ -438,7 +438,7 @@ TEST_F(SourceWorkflows, ARealStationsBackupGoesTheWholeRoad) {
     expectNoBox();
 }
 
-TEST_F(SourceWorkflows, TheTitleShowsAnOddPathAsItStands) {
+TEST_F(SourceWorkflows, theTitleShowsAnOddPathAsItStands) {
     const std::string odd = folder.Path("a [*] %1 <b>.osbak");
     makeBackup(odd, {});
     openWindow();
@@ -446,7 +446,7 @@ TEST_F(SourceWorkflows, TheTitleShowsAnOddPathAsItStands) {
     EXPECT_EQ(window->windowHandle()->title().toStdString(), "Corvane - Backup File - " + odd);
 }
 
-TEST_F(SourceWorkflows, ACancelledLoadBackupChangesNothingShown) {
+TEST_F(SourceWorkflows, aCancelledLoadBackupChangesNothingShown) {
     makeBackup(folder.Path("x.osbak"), {{"b.trk", ""}});
     openWindowAndListen();
     loadBackup("");
@@ -461,7 +461,7 @@ TEST_F(SourceWorkflows, ACancelledLoadBackupChangesNothingShown) {
     expectErrorBox("ERROR_FILE - Please open a backup file firstly.");
 }
 
-TEST_F(SourceWorkflows, ABackupWithoutAWorkspaceIsReportedAfterItsFirstUnpack) {
+TEST_F(SourceWorkflows, aBackupWithoutAWorkspaceIsReportedAfterItsFirstUnpack) {
     fs::create_directories(folder.Path("made/workspaces"));
     WriteFile(folder.Path("made/info.json"), "{}");
     TarCompress(folder.Path("made"), folder.Path("bare.osbak"), bAlloc_Application());
@@ -482,7 +482,7 @@ TEST_F(SourceWorkflows, ABackupWithoutAWorkspaceIsReportedAfterItsFirstUnpack) {
     EXPECT_EQ(status(), "Load backup file successfully.");
 }
 
-TEST_F(SourceWorkflows, AWorkspaceWithoutTracksGivesAnEmptyList) {
+TEST_F(SourceWorkflows, aWorkspaceWithoutTracksGivesAnEmptyList) {
     fs::create_directories(folder.Path("made/workspaces"));
     fs::create_directories(folder.Path("ws/other"));
     TarCompress(folder.Path("ws"), folder.Path("made/workspaces/Workspace.osws"), bAlloc_Application());
@@ -493,7 +493,7 @@ TEST_F(SourceWorkflows, AWorkspaceWithoutTracksGivesAnEmptyList) {
     EXPECT_THAT(items("comboBox_file"), ElementsAre("External"));
 }
 
-TEST_F(SourceWorkflows, ABackupThatCannotBePackedStaysAsItWas) {
+TEST_F(SourceWorkflows, aBackupThatCannotBePackedStaysAsItWas) {
     makeBackup(folder.Path("x.osbak"), {{"b.trk", ""}});
     openWindowAndListen();
     loadBackup(folder.Path("x.osbak"));
@@ -506,7 +506,7 @@ TEST_F(SourceWorkflows, ABackupThatCannotBePackedStaysAsItWas) {
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
 }
 
-TEST_F(SourceWorkflows, AServersBackupThatCannotBePackedIsNotSent) {
+TEST_F(SourceWorkflows, aServersBackupThatCannotBePackedIsNotSent) {
     openConnected();
     const std::string before = FileContent("Ostra.osbak");
     fs::remove_all("TmpDirOsws");
@@ -519,7 +519,7 @@ TEST_F(SourceWorkflows, AServersBackupThatCannotBePackedIsNotSent) {
     EXPECT_EQ(text("pushButton_sensor"), "Disconnect Sensor");
 }
 
-TEST_F(SourceWorkflows, AnIndexThatIsNoServerIsReported) {
+TEST_F(SourceWorkflows, anIndexThatIsNoServerIsReported) {
     startServer();
     openWindowAndListen();
     auto& sources = find<QComboBox>("comboBox_sensor");
@@ -533,7 +533,7 @@ TEST_F(SourceWorkflows, AnIndexThatIsNoServerIsReported) {
     }
 }
 
-TEST_F(SourceWorkflows, ResetLooksForServersAgain) {
+TEST_F(SourceWorkflows, resetLooksForServersAgain) {
     openWindowAndListen();
     EXPECT_THAT(items("comboBox_sensor"), ElementsAre("Backup File"));
     startServer();
@@ -545,7 +545,7 @@ TEST_F(SourceWorkflows, ResetLooksForServersAgain) {
     EXPECT_EQ(title(), "Corvane");
 }
 
-TEST_F(SourceWorkflows, ResetWhileConnectedDisconnectsAndClosesEverything) {
+TEST_F(SourceWorkflows, resetWhileConnectedDisconnectsAndClosesEverything) {
     openConnected();
     WriteFile(folder.Path("mine.trk"), independent::TextFile(track));
     loadExternal(folder.Path("mine.trk"));
@@ -560,7 +560,7 @@ TEST_F(SourceWorkflows, ResetWhileConnectedDisconnectsAndClosesEverything) {
     expectTrackClosed();
 }
 
-TEST_F(SourceWorkflows, AResetThatFailsDisablesTheButtonUntilOneSucceeds) {
+TEST_F(SourceWorkflows, aResetThatFailsDisablesTheButtonUntilOneSucceeds) {
     openWindowAndListen();
     auto none = std::make_optional<NoSockets>();
     answers.note = [this, &none] {
@@ -580,7 +580,7 @@ TEST_F(SourceWorkflows, AResetThatFailsDisablesTheButtonUntilOneSucceeds) {
     EXPECT_EQ(text("pushButton_sensor"), "Load Backup");
 }
 
-TEST_F(SourceWorkflows, ClosingWhileConnectedRemovesTheWorkingFiles) {
+TEST_F(SourceWorkflows, closingWhileConnectedRemovesTheWorkingFiles) {
     openConnected();
     ASSERT_TRUE(fs::exists("TmpDirBackup"));
     ASSERT_TRUE(fs::exists("TmpDirOsws"));
@@ -593,7 +593,7 @@ TEST_F(SourceWorkflows, ClosingWhileConnectedRemovesTheWorkingFiles) {
     expectNoBox();
 }
 
-TEST_F(SourceWorkflows, ClosingAfterTheServerHasGoneThrowsNothing) {
+TEST_F(SourceWorkflows, closingAfterTheServerHasGoneThrowsNothing) {
     openConnected();
     server->Kill();
     closeWindow();
@@ -601,7 +601,7 @@ TEST_F(SourceWorkflows, ClosingAfterTheServerHasGoneThrowsNothing) {
     expectNoBox();
 }
 
-TEST_F(SourceWorkflows, ClosingABackupFileLeavesTheFile) {
+TEST_F(SourceWorkflows, closingABackupFileLeavesTheFile) {
     makeBackup(folder.Path("x.osbak"), {{"b.trk", ""}});
     const std::string before = FileContent(folder.Path("x.osbak"));
     openWindow();
@@ -611,7 +611,7 @@ TEST_F(SourceWorkflows, ClosingABackupFileLeavesTheFile) {
     EXPECT_FALSE(fs::exists("TmpDirOsws"));
 }
 
-TEST_F(SourceWorkflows, LinksThatTheNextSaveWillNotHaveAreNamed) {
+TEST_F(SourceWorkflows, linksThatTheNextSaveWillNotHaveAreNamed) {
     const std::string workspace =
         TarFolder("vdk") + TarFolder("vdk/ContourPath") + TarFile("vdk/ContourPath/b.trk", "") +
         TarLink("vdk/ContourPath/hard.trk", '1', "vdk/ContourPath/b.trk") +
@@ -640,7 +640,7 @@ TEST_F(SourceWorkflows, LinksThatTheNextSaveWillNotHaveAreNamed) {
     expectNoBox();
 }
 
-TEST_F(SourceWorkflows, NothingIsCleanedAtTheStart) {
+TEST_F(SourceWorkflows, nothingIsCleanedAtTheStart) {
     fs::create_directories("TmpDirOsws/vdk/ContourPath");
     WriteFile("TmpDirOsws/vdk/ContourPath/left.trk", "");
     openWindow();
@@ -648,7 +648,7 @@ TEST_F(SourceWorkflows, NothingIsCleanedAtTheStart) {
     EXPECT_THAT(items("comboBox_file"), ElementsAre("External"));
 }
 
-TEST_F(SourceWorkflows, TheWindowStaysWhileTheWorkerUsesTheClient) {
+TEST_F(SourceWorkflows, theWindowStaysWhileTheWorkerUsesTheClient) {
     startServer({"--fault-delay", "400", "--fault-path", "/system/commands/archive"});
     openWindowAndListen();
     click("pushButton_sensor");
@@ -667,7 +667,7 @@ TEST_F(SourceWorkflows, TheWindowStaysWhileTheWorkerUsesTheClient) {
     EXPECT_TRUE(window->close());
 }
 
-TEST_F(SourceWorkflows, DestroyingTheWindowWaitsForTheWorker) {
+TEST_F(SourceWorkflows, destroyingTheWindowWaitsForTheWorker) {
     startServer({"--fault-delay", "300", "--fault-path", "/system/commands/archive"});
     openWindowAndListen();
     click("pushButton_sensor");
@@ -678,7 +678,7 @@ TEST_F(SourceWorkflows, DestroyingTheWindowWaitsForTheWorker) {
     EXPECT_FALSE(fs::exists("Ostra.osbak"));
 }
 
-TEST_F(SourceWorkflows, TheWindowIsBuiltWithinASecond) {
+TEST_F(SourceWorkflows, theWindowIsBuiltWithinASecond) {
     QElapsedTimer time;
     time.start();
     const MainWindow fresh;

@@ -82,21 +82,21 @@ class TrackOperations : public WindowTest {
     const independent::Track track = SmallTrack(PathAcross(0, 3, 0.5, 100));
 };
 
-TEST_F(TrackOperations, WithoutASourceTheListHoldsExternalAlone) {
+TEST_F(TrackOperations, withoutASourceTheListHoldsExternalAlone) {
     EXPECT_THAT(items("comboBox_file"), ElementsAre("External"));
 }
 
-TEST_F(TrackOperations, WorkspaceTracksAreListedByNameIgnoringCaseAndExternalLast) {
+TEST_F(TrackOperations, workspaceTracksAreListedByNameIgnoringCaseAndExternalLast) {
     makeBackup(folder.Path("x.osbak"), {{"b.trk", ""}, {"A.trk", ""}, {"C.trk", ""}, {"notes.txt", ""}});
     loadBackup(folder.Path("x.osbak"));
     EXPECT_THAT(items("comboBox_file"), ElementsAre("A.trk", "b.trk", "C.trk", "External"));
 }
 
-TEST_F(TrackOperations, AMissingFolderListsNothing) {
+TEST_F(TrackOperations, aMissingFolderListsNothing) {
     EXPECT_TRUE(ListFiles(QStringLiteral("./nowhere"), QStringLiteral("*.trk")).isEmpty());
 }
 
-TEST_F(TrackOperations, AFolderThatCannotBeReadIsAnErrorAndTheListStays) {
+TEST_F(TrackOperations, aFolderThatCannotBeReadIsAnErrorAndTheListStays) {
     openWorkspace();
     ASSERT_EQ(::chmod(kTracks.c_str(), 0), 0);
     ASSERT_EQ(::chmod("TmpDirOsws", 0755), 0); // it is open to its owner alone
@@ -114,7 +114,7 @@ TEST_F(TrackOperations, AFolderThatCannotBeReadIsAnErrorAndTheListStays) {
     EXPECT_THAT(items("comboBox_file"), ElementsAre("A.trk", "b.trk", "c.trk", "External"));
 }
 
-TEST_F(TrackOperations, NamesThatAreNoTextAndHiddenOnesAreLeftOutOfTheList) {
+TEST_F(TrackOperations, namesThatAreNoTextAndHiddenOnesAreLeftOutOfTheList) {
     openWorkspace();
     WriteFile(kTracks + "\xff.trk", "");
     WriteFile(kTracks + ".c.trk", "");
@@ -123,7 +123,7 @@ TEST_F(TrackOperations, NamesThatAreNoTextAndHiddenOnesAreLeftOutOfTheList) {
     EXPECT_THAT(items("comboBox_file"), ElementsAre("A.trk", "b.trk", "External"));
 }
 
-TEST_F(TrackOperations, OddNamesAndFilesWithoutPermissionsAreInTheList) {
+TEST_F(TrackOperations, oddNamesAndFilesWithoutPermissionsAreInTheList) {
     openWorkspace();
     for (const std::string name : {"c\n.trk", "d [*]?\\.TRK", "e\u0301.trk"})
         WriteFile(kTracks + name, "");
@@ -134,7 +134,7 @@ TEST_F(TrackOperations, OddNamesAndFilesWithoutPermissionsAreInTheList) {
                 ElementsAre("A.trk", "b.trk", "c\n.trk", "d [*]?\\.TRK", "e\u0301.trk", "External"));
 }
 
-TEST_F(TrackOperations, TheListIsThatOfTheToolkit) {
+TEST_F(TrackOperations, theListIsThatOfTheToolkit) {
     openWorkspace();
     for (const char* name :
          {"B2.trk", "_.trk", "a10.trk", "a9.trk", "\u00c4.trk", "\u00e4b.trk", "z.trk.old"})
@@ -154,7 +154,7 @@ TEST_F(TrackOperations, TheListIsThatOfTheToolkit) {
     EXPECT_EQ(items("comboBox_file"), expected);
 }
 
-TEST_F(TrackOperations, NamesThatDifferInTheirCaseAloneAreListedInOneOrder) {
+TEST_F(TrackOperations, namesThatDifferInTheirCaseAloneAreListedInOneOrder) {
     openWorkspace();
     for (const char* name : {"c.trk", "C.trk", "B.trk"})
         WriteFile(kTracks + name, "");
@@ -162,7 +162,7 @@ TEST_F(TrackOperations, NamesThatDifferInTheirCaseAloneAreListedInOneOrder) {
     EXPECT_THAT(items("comboBox_file"), ElementsAre("A.trk", "B.trk", "b.trk", "C.trk", "c.trk", "External"));
 }
 
-TEST_F(TrackOperations, ExternalCannotBeDeleted) {
+TEST_F(TrackOperations, externalCannotBeDeleted) {
     openWorkspace();
     const auto* model = qobject_cast<QStandardItemModel*>(find<QComboBox>("comboBox_operation").model());
     choose("comboBox_file", "External");
@@ -174,7 +174,7 @@ TEST_F(TrackOperations, ExternalCannotBeDeleted) {
     EXPECT_EQ(model->item(4)->flags(), Qt::ItemIsSelectable | Qt::ItemIsEnabled);
 }
 
-TEST_F(TrackOperations, LoadsATrackOfTheWorkspace) {
+TEST_F(TrackOperations, loadsATrackOfTheWorkspace) {
     openWorkspace();
     loadFromWorkspace("b.trk");
     EXPECT_EQ(text("label_fileName"), "b.trk");
@@ -193,7 +193,7 @@ TEST_F(TrackOperations, LoadsATrackOfTheWorkspace) {
     expectNoBox();
 }
 
-TEST_F(TrackOperations, LoadsAnExternalTrackByTheDialog) {
+TEST_F(TrackOperations, loadsAnExternalTrackByTheDialog) {
     WriteFile(folder.Path("one.trk"), independent::TextFile(track));
     loadExternal(folder.Path("one.trk"));
     EXPECT_EQ(text("label_fileName"), "External - one.trk");
@@ -206,7 +206,7 @@ TEST_F(TrackOperations, LoadsAnExternalTrackByTheDialog) {
     EXPECT_FALSE(dialogs[0].saves);
 }
 
-TEST_F(TrackOperations, ACancelledLoadShowsAndChangesNothing) {
+TEST_F(TrackOperations, aCancelledLoadShowsAndChangesNothing) {
     WriteFile(folder.Path("one.trk"), independent::TextFile(track));
     loadExternal(folder.Path("one.trk"));
     edit();
@@ -219,7 +219,7 @@ TEST_F(TrackOperations, ACancelledLoadShowsAndChangesNothing) {
     expectNoBox();
 }
 
-TEST_F(TrackOperations, HeightsAreShownWithSixFigures) {
+TEST_F(TrackOperations, heightsAreShownWithSixFigures) {
     independent::Track fine = track;
     fine.heights[5] = -12345678.0;
     fine.heights[6] = 1234.56789;
@@ -230,7 +230,7 @@ TEST_F(TrackOperations, HeightsAreShownWithSixFigures) {
     EXPECT_EQ(text("lineEdit_heightMax"), "1234.57");
 }
 
-TEST_F(TrackOperations, HeightsBelowZeroAreShownFromTheLowestToTheHighest) {
+TEST_F(TrackOperations, heightsBelowZeroAreShownFromTheLowestToTheHighest) {
     independent::Track low = track;
     for (auto& height : low.heights)
         *height -= 100.0;
@@ -240,7 +240,7 @@ TEST_F(TrackOperations, HeightsBelowZeroAreShownFromTheLowestToTheHighest) {
     EXPECT_EQ(text("lineEdit_heightMax"), "-56.25"); // 39 + 19 x 0.25 - 100
 }
 
-TEST_F(TrackOperations, TheRangeOfATextTrackStartsAtItsLimits) {
+TEST_F(TrackOperations, theRangeOfATextTrackStartsAtItsLimits) {
     for (const double shift : {40000.0, -40000.0}) {
         independent::Track far = track;
         for (auto& height : far.heights)
@@ -253,7 +253,7 @@ TEST_F(TrackOperations, TheRangeOfATextTrackStartsAtItsLimits) {
     }
 }
 
-TEST_F(TrackOperations, HeightsAreShownEvenWhenTheirMapCannotBe) {
+TEST_F(TrackOperations, heightsAreShownEvenWhenTheirMapCannotBe) {
     independent::Track flat = track;
     flat.heights.assign(flat.heights.size(), 7.5);
     WriteFile(folder.Path("flat.trk"), independent::TextFile(flat));
@@ -263,7 +263,7 @@ TEST_F(TrackOperations, HeightsAreShownEvenWhenTheirMapCannotBe) {
     EXPECT_EQ(text("lineEdit_heightMax"), "7.5");
 }
 
-TEST_F(TrackOperations, LoadingFitsTheImageToTheView) {
+TEST_F(TrackOperations, loadingFitsTheImageToTheView) {
     independent::Track large = track;
     large.width = 200;
     large.height = 100;
@@ -286,7 +286,7 @@ TEST_F(TrackOperations, LoadingFitsTheImageToTheView) {
     }
 }
 
-TEST_F(TrackOperations, TheFitIsOfTheImagesOwnSizeNotOfTheShownOne) {
+TEST_F(TrackOperations, theFitIsOfTheImagesOwnSizeNotOfTheShownOne) {
     independent::Track stretched = track;
     stretched.width = 200;
     stretched.height = 50;
@@ -305,7 +305,7 @@ TEST_F(TrackOperations, TheFitIsOfTheImagesOwnSizeNotOfTheShownOne) {
     EXPECT_EQ(canvas().size(), QSize(qRound(400 * expected * 0.05), qRound(50 * expected * 0.05)));
 }
 
-TEST_F(TrackOperations, AnImageFarTooLargeForTheViewKeepsTheSlidersLowestScale) {
+TEST_F(TrackOperations, anImageFarTooLargeForTheViewKeepsTheSlidersLowestScale) {
     independent::Track huge = track;
     huge.width = 20000;
     huge.height = 2;
@@ -321,7 +321,7 @@ TEST_F(TrackOperations, AnImageFarTooLargeForTheViewKeepsTheSlidersLowestScale) 
     }
 }
 
-TEST_F(TrackOperations, AnImageFarTooSmallForTheViewIsFittedWhereTheSliderCannotGo) {
+TEST_F(TrackOperations, anImageFarTooSmallForTheViewIsFittedWhereTheSliderCannotGo) {
     independent::Track tiny = track;
     tiny.width = 4;
     tiny.height = 4;
@@ -338,7 +338,7 @@ TEST_F(TrackOperations, AnImageFarTooSmallForTheViewIsFittedWhereTheSliderCannot
     EXPECT_EQ(canvas().width(), qRound(4 * fit * 0.05));
 }
 
-TEST_F(TrackOperations, LoadingSelectsTheFirstPath) {
+TEST_F(TrackOperations, loadingSelectsTheFirstPath) {
     std::vector<independent::Segment> segments = PathAcross(0, 3, 0.3, 100);
     for (const independent::Segment& segment : PathAcross(1, 3, 0.6, 200))
         segments.push_back(segment);
@@ -355,7 +355,7 @@ TEST_F(TrackOperations, LoadingSelectsTheFirstPath) {
     EXPECT_THAT(paths()[1].lengths, ElementsAre(200, 201, 202));
 }
 
-TEST_F(TrackOperations, LoadingForgetsHowManyPathsWereClosed) {
+TEST_F(TrackOperations, loadingForgetsHowManyPathsWereClosed) {
     WriteFile(folder.Path("one.trk"), independent::TextFile(track));
     loadExternal(folder.Path("one.trk"));
     QTest::mouseDClick(&canvas(), Qt::LeftButton, Qt::NoModifier, {2, 2});
@@ -369,14 +369,14 @@ TEST_F(TrackOperations, LoadingForgetsHowManyPathsWereClosed) {
     EXPECT_THAT(paths()[0].points, SizeIs(4)); // the last path goes on
 }
 
-TEST_F(TrackOperations, LoadingWithTheRulerHiddenMakesNoMarks) {
+TEST_F(TrackOperations, loadingWithTheRulerHiddenMakesNoMarks) {
     click("pushButton_getRuler");
     WriteFile(folder.Path("one.trk"), independent::TextFile(track));
     loadExternal(folder.Path("one.trk"));
     EXPECT_THAT(paths()[0].rulerMarks, IsEmpty());
 }
 
-TEST_F(TrackOperations, TheCursorAsksToWaitWhileATrackIsReadAndNoLonger) {
+TEST_F(TrackOperations, theCursorAsksToWaitWhileATrackIsReadAndNoLonger) {
     WriteFile(folder.Path("one.trk"), independent::TextFile(track));
     int waiting = 0;
     QObject::connect(&find<QLineEdit>("lineEdit_heightMax"), &QLineEdit::textChanged, window.get(),
@@ -396,7 +396,7 @@ TEST_F(TrackOperations, TheCursorAsksToWaitWhileATrackIsReadAndNoLonger) {
     EXPECT_EQ(answers.takeBoxes().at(0).underneath, QStringLiteral("free"));
 }
 
-TEST_F(TrackOperations, TheCursorAsksToWaitWhileATrackIsWrittenAndNoLonger) {
+TEST_F(TrackOperations, theCursorAsksToWaitWhileATrackIsWrittenAndNoLonger) {
     WriteFile(folder.Path("one.trk"), independent::TextFile(track));
     loadExternal(folder.Path("one.trk"));
     int waiting = 0;
@@ -415,7 +415,7 @@ TEST_F(TrackOperations, TheCursorAsksToWaitWhileATrackIsWrittenAndNoLonger) {
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
 }
 
-TEST_F(TrackOperations, AFailedLoadIsLoggedAndShownAndLeavesNoTrackToSave) {
+TEST_F(TrackOperations, aFailedLoadIsLoggedAndShownAndLeavesNoTrackToSave) {
     WriteFile(folder.Path("one.trk"), independent::TextFile(track));
     loadExternal(folder.Path("one.trk"));
     (void)log.Lines();
@@ -433,7 +433,7 @@ TEST_F(TrackOperations, AFailedLoadIsLoggedAndShownAndLeavesNoTrackToSave) {
     expectErrorBox(kNoTrack);
 }
 
-TEST_F(TrackOperations, AFailedHeadOrHeightMapLeavesThePictureAndThePaths) {
+TEST_F(TrackOperations, aFailedHeadOrHeightMapLeavesThePictureAndThePaths) {
     WriteFile(folder.Path("one.trk"), independent::TextFile(track));
     loadExternal(folder.Path("one.trk"));
     find<QSlider>("horizontalSlider_resizeImage").setValue(20);
@@ -454,7 +454,7 @@ TEST_F(TrackOperations, AFailedHeadOrHeightMapLeavesThePictureAndThePaths) {
     EXPECT_EQ(paths()[0].lengths[0], 33);
 }
 
-TEST_F(TrackOperations, ATrackWithoutPathsFailsToLoad) {
+TEST_F(TrackOperations, aTrackWithoutPathsFailsToLoad) {
     WriteFile(folder.Path("bare.trk"), independent::TextMap(track));
     loadExternal(folder.Path("bare.trk"));
     expectErrorBox("ERROR_TRACK - Failed to read path information.");
@@ -462,7 +462,7 @@ TEST_F(TrackOperations, ATrackWithoutPathsFailsToLoad) {
     EXPECT_EQ(canvas().pixmap(Qt::ReturnByValue).size(), QSize(40, 20));
 }
 
-TEST_F(TrackOperations, SavingBeforeALoadAsksForOne) {
+TEST_F(TrackOperations, savingBeforeALoadAsksForOne) {
     for (const char* operation : {"Save", "Save As"}) {
         answers.note = [this] { return find<QComboBox>("comboBox_operation").currentText(); };
         operate(operation);
@@ -477,7 +477,7 @@ TEST_F(TrackOperations, SavingBeforeALoadAsksForOne) {
     EXPECT_THAT(answers.takeFileDialogs(), IsEmpty());
 }
 
-TEST_F(TrackOperations, SavesABinaryTrackOfTheWorkspaceInPlace) {
+TEST_F(TrackOperations, savesABinaryTrackOfTheWorkspaceInPlace) {
     openWorkspace();
     loadFromWorkspace("b.trk");
     edit();
@@ -502,7 +502,7 @@ TEST_F(TrackOperations, SavesABinaryTrackOfTheWorkspaceInPlace) {
     expectNoBox();
 }
 
-TEST_F(TrackOperations, SavesATextTrackOfTheWorkspaceAsABinaryOne) {
+TEST_F(TrackOperations, savesATextTrackOfTheWorkspaceAsABinaryOne) {
     openWorkspace();
     loadFromWorkspace("A.trk");
     edit();
@@ -514,7 +514,7 @@ TEST_F(TrackOperations, SavesATextTrackOfTheWorkspaceAsABinaryOne) {
     expectEdited(kTracks + "A.trk");
 }
 
-TEST_F(TrackOperations, WidthsAreScaledByTheSmallerResolution) {
+TEST_F(TrackOperations, widthsAreScaledByTheSmallerResolution) {
     independent::Track narrow = track;
     narrow.xResolution = 0.125;
     WriteFile(folder.Path("narrow.trk"), independent::BinaryFile(narrow));
@@ -526,7 +526,7 @@ TEST_F(TrackOperations, WidthsAreScaledByTheSmallerResolution) {
     EXPECT_DOUBLE_EQ(saved.rulers[0].width, 110 * 0.125);
 }
 
-TEST_F(TrackOperations, SavingComputesTheRulerEvenWhenItIsHidden) {
+TEST_F(TrackOperations, savingComputesTheRulerEvenWhenItIsHidden) {
     openWorkspace();
     loadFromWorkspace("b.trk");
     click("pushButton_getRuler");
@@ -534,7 +534,7 @@ TEST_F(TrackOperations, SavingComputesTheRulerEvenWhenItIsHidden) {
     EXPECT_THAT(independent::ReadBinary(FileContent(kTracks + "b.trk")).rulers, Not(IsEmpty()));
 }
 
-TEST_F(TrackOperations, AnOldTemporaryTrackIsNoObstacle) {
+TEST_F(TrackOperations, anOldTemporaryTrackIsNoObstacle) {
     openWorkspace();
     WriteFile("temp.trk", "left by somebody");
     loadFromWorkspace("b.trk");
@@ -544,7 +544,7 @@ TEST_F(TrackOperations, AnOldTemporaryTrackIsNoObstacle) {
     EXPECT_FALSE(fs::exists("temp.trk"));
 }
 
-TEST_F(TrackOperations, AnOldTemporaryTrackThatIsALinkLeadsNowhere) {
+TEST_F(TrackOperations, anOldTemporaryTrackThatIsALinkLeadsNowhere) {
     openWorkspace();
     WriteFile(folder.Path("precious"), "kept");
     fs::create_symlink(folder.Path("precious"), "temp.trk");
@@ -557,7 +557,7 @@ TEST_F(TrackOperations, AnOldTemporaryTrackThatIsALinkLeadsNowhere) {
     EXPECT_FALSE(fs::is_symlink(kTracks + "b.trk"));
 }
 
-TEST_F(TrackOperations, ATrackThatMayNotBeWrittenStaysAsItWas) {
+TEST_F(TrackOperations, aTrackThatMayNotBeWrittenStaysAsItWas) {
     openWorkspace();
     loadFromWorkspace("b.trk");
     const std::string before = FileContent(kTracks + "b.trk");
@@ -583,7 +583,7 @@ TEST_F(TrackOperations, ATrackThatMayNotBeWrittenStaysAsItWas) {
     expectEdited(kTracks + "b.trk");
 }
 
-TEST_F(TrackOperations, AnInPlaceSaveThatFailsLeavesTheOldFileAndNoTemporaryTrack) {
+TEST_F(TrackOperations, anInPlaceSaveThatFailsLeavesTheOldFileAndNoTemporaryTrack) {
     openWorkspace();
     loadFromWorkspace("b.trk");
     const std::string before = FileContent(kTracks + "b.trk");
@@ -597,7 +597,7 @@ TEST_F(TrackOperations, AnInPlaceSaveThatFailsLeavesTheOldFileAndNoTemporaryTrac
     expectEdited(kTracks + "b.trk");
 }
 
-TEST_F(TrackOperations, ATrackThatHasGoneMeanwhileFailsToSaveAndLeavesNothing) {
+TEST_F(TrackOperations, aTrackThatHasGoneMeanwhileFailsToSaveAndLeavesNothing) {
     openWorkspace();
     for (const char* name : {"A.trk", "b.trk"}) {
         loadFromWorkspace(name);
@@ -610,7 +610,7 @@ TEST_F(TrackOperations, ATrackThatHasGoneMeanwhileFailsToSaveAndLeavesNothing) {
     }
 }
 
-TEST_F(TrackOperations, ATrackThatWasSpoiltMeanwhileIsNotReplacedByAnEmptyOne) {
+TEST_F(TrackOperations, aTrackThatWasSpoiltMeanwhileIsNotReplacedByAnEmptyOne) {
     openWorkspace();
     for (const char* name : {"A.trk", "b.trk"}) {
         loadFromWorkspace(name);
@@ -622,7 +622,7 @@ TEST_F(TrackOperations, ATrackThatWasSpoiltMeanwhileIsNotReplacedByAnEmptyOne) {
     }
 }
 
-TEST_F(TrackOperations, ATrackThatWasCutMeanwhileIsNotReplacedByWhatIsLeftOfIt) {
+TEST_F(TrackOperations, aTrackThatWasCutMeanwhileIsNotReplacedByWhatIsLeftOfIt) {
     openWorkspace();
     for (const char* name : {"A.trk", "b.trk"}) {
         loadFromWorkspace(name);
@@ -634,7 +634,7 @@ TEST_F(TrackOperations, ATrackThatWasCutMeanwhileIsNotReplacedByWhatIsLeftOfIt) 
     }
 }
 
-TEST_F(TrackOperations, ATextTrackThatLostItsAnchorAndPathsMeanwhileIsNotReplaced) {
+TEST_F(TrackOperations, aTextTrackThatLostItsAnchorAndPathsMeanwhileIsNotReplaced) {
     openWorkspace();
     loadFromWorkspace("A.trk");
     const std::string whole = FileContent(kTracks + "A.trk");
@@ -646,7 +646,7 @@ TEST_F(TrackOperations, ATextTrackThatLostItsAnchorAndPathsMeanwhileIsNotReplace
     EXPECT_EQ(FileContent(kTracks + "A.trk"), whole.substr(0, mapEnd));
 }
 
-TEST_F(TrackOperations, SavesInPlaceAcrossFileSystems) {
+TEST_F(TrackOperations, savesInPlaceAcrossFileSystems) {
     const fs::path shared = "/dev/shm";
     std::error_code failure;
     struct stat here {};
@@ -668,7 +668,7 @@ TEST_F(TrackOperations, SavesInPlaceAcrossFileSystems) {
     fs::remove_all(other, failure);
 }
 
-TEST_F(TrackOperations, AnExternalTrackOfANewNameJoinsTheWorkspace) {
+TEST_F(TrackOperations, anExternalTrackOfANewNameJoinsTheWorkspace) {
     openWorkspace();
     WriteFile(folder.Path("new.trk"), independent::TextFile(track));
     loadExternal(folder.Path("new.trk"));
@@ -686,7 +686,7 @@ TEST_F(TrackOperations, AnExternalTrackOfANewNameJoinsTheWorkspace) {
     EXPECT_EQ(FileContent(folder.Path("new.trk")), before);
 }
 
-TEST_F(TrackOperations, ATrackOfTheWorkspaceLoadedAfterAnExternalOneIsSavedInPlace) {
+TEST_F(TrackOperations, aTrackOfTheWorkspaceLoadedAfterAnExternalOneIsSavedInPlace) {
     openWorkspace();
     WriteFile(folder.Path("new.trk"), independent::TextFile(track));
     loadExternal(folder.Path("new.trk"));
@@ -697,7 +697,7 @@ TEST_F(TrackOperations, ATrackOfTheWorkspaceLoadedAfterAnExternalOneIsSavedInPla
     EXPECT_THAT(NamesIn(kTracks), ElementsAre("A.trk", "b.trk", "notes.txt"));
 }
 
-TEST_F(TrackOperations, AnExternalTrackOfAListedNameGetsANewOne) {
+TEST_F(TrackOperations, anExternalTrackOfAListedNameGetsANewOne) {
     openWorkspace();
     WriteFile(folder.Path("A.trk"), independent::TextFile(track));
     const std::string listed = FileContent(kTracks + "A.trk");
@@ -710,7 +710,7 @@ TEST_F(TrackOperations, AnExternalTrackOfAListedNameGetsANewOne) {
     EXPECT_THAT(items("comboBox_file"), ElementsAre("A-New.trk", "A.trk", "b.trk", "External"));
 }
 
-TEST_F(TrackOperations, AnExternalTrackWhoseNameDiffersInItsCaseKeepsIt) {
+TEST_F(TrackOperations, anExternalTrackWhoseNameDiffersInItsCaseKeepsIt) {
     openWorkspace();
     WriteFile(folder.Path("a.trk"), independent::TextFile(track));
     const std::string listed = FileContent(kTracks + "A.trk");
@@ -722,13 +722,13 @@ TEST_F(TrackOperations, AnExternalTrackWhoseNameDiffersInItsCaseKeepsIt) {
     EXPECT_EQ(text("label_fileName"), "a.trk");
 }
 
-TEST_F(TrackOperations, NewNamesReplaceWhatFollowsTheLastDot) {
+TEST_F(TrackOperations, newNamesReplaceWhatFollowsTheLastDot) {
     EXPECT_EQ(NewTrackName(QStringLiteral("A.trk")), QStringLiteral("A-New.trk"));
     EXPECT_EQ(NewTrackName(QStringLiteral("a.b.trk")), QStringLiteral("a.b-New.trk"));
     EXPECT_EQ(NewTrackName(QStringLiteral("plain")), QStringLiteral("plain-New.trk"));
 }
 
-TEST_F(TrackOperations, AnExternalTrackNeedsAWorkspaceToJoin) {
+TEST_F(TrackOperations, anExternalTrackNeedsAWorkspaceToJoin) {
     WriteFile(folder.Path("new.trk"), independent::TextFile(track));
     loadExternal(folder.Path("new.trk"));
     operate("Save");
@@ -736,7 +736,7 @@ TEST_F(TrackOperations, AnExternalTrackNeedsAWorkspaceToJoin) {
     EXPECT_EQ(text("label_fileName"), "External - new.trk");
 }
 
-TEST_F(TrackOperations, SaveAsWritesTheCopyAndKeepsEditingTheOriginal) {
+TEST_F(TrackOperations, saveAsWritesTheCopyAndKeepsEditingTheOriginal) {
     openWorkspace();
     loadFromWorkspace("b.trk");
     const std::string before = FileContent(kTracks + "b.trk");
@@ -760,7 +760,7 @@ TEST_F(TrackOperations, SaveAsWritesTheCopyAndKeepsEditingTheOriginal) {
     EXPECT_FALSE(fs::exists(folder.Path("copy.trk")));
 }
 
-TEST_F(TrackOperations, SaveAsComputesTheRulerEvenWhenItIsHidden) {
+TEST_F(TrackOperations, saveAsComputesTheRulerEvenWhenItIsHidden) {
     WriteFile(folder.Path("one.trk"), independent::TextFile(track));
     loadExternal(folder.Path("one.trk"));
     click("pushButton_getRuler");
@@ -769,7 +769,7 @@ TEST_F(TrackOperations, SaveAsComputesTheRulerEvenWhenItIsHidden) {
     EXPECT_THAT(independent::ReadBinary(FileContent(folder.Path("copy.trk"))).rulers, Not(IsEmpty()));
 }
 
-TEST_F(TrackOperations, SaveAsKeepsAnExternalTrackExternal) {
+TEST_F(TrackOperations, saveAsKeepsAnExternalTrackExternal) {
     openWorkspace();
     WriteFile(folder.Path("new.trk"), independent::TextFile(track));
     loadExternal(folder.Path("new.trk"));
@@ -780,7 +780,7 @@ TEST_F(TrackOperations, SaveAsKeepsAnExternalTrackExternal) {
     EXPECT_TRUE(fs::exists(kTracks + "new.trk"));
 }
 
-TEST_F(TrackOperations, ACancelledSaveAsStillReportsSuccess) {
+TEST_F(TrackOperations, aCancelledSaveAsStillReportsSuccess) {
     WriteFile(folder.Path("one.trk"), independent::TextFile(track));
     loadExternal(folder.Path("one.trk"));
     const std::vector<std::string> before = NamesIn(".");
@@ -791,7 +791,7 @@ TEST_F(TrackOperations, ACancelledSaveAsStillReportsSuccess) {
     expectNoBox();
 }
 
-TEST_F(TrackOperations, SaveAsOverTheOpenFileReplacesItByAnySpelling) {
+TEST_F(TrackOperations, saveAsOverTheOpenFileReplacesItByAnySpelling) {
     for (const bool textual : {true, false}) {
         const std::string file = folder.Path("one.trk");
         fs::create_directories(folder.Path("sub"));
@@ -813,7 +813,7 @@ TEST_F(TrackOperations, SaveAsOverTheOpenFileReplacesItByAnySpelling) {
     }
 }
 
-TEST_F(TrackOperations, ATrackNamedLikeTheTemporaryOneIsSavedLikeAnyOther) {
+TEST_F(TrackOperations, aTrackNamedLikeTheTemporaryOneIsSavedLikeAnyOther) {
     const std::string file = folder.Path("temp.trk");
     WriteFile(file, independent::BinaryFile(track));
     loadExternal(file);
@@ -824,7 +824,7 @@ TEST_F(TrackOperations, ATrackNamedLikeTheTemporaryOneIsSavedLikeAnyOther) {
     expectEdited(file);
 }
 
-TEST_F(TrackOperations, SaveAsReportsATargetThatCannotBeWritten) {
+TEST_F(TrackOperations, saveAsReportsATargetThatCannotBeWritten) {
     for (const bool textual : {true, false}) {
         WriteFile(folder.Path("one.trk"),
                   textual ? independent::TextFile(track) : independent::BinaryFile(track));
@@ -839,7 +839,7 @@ TEST_F(TrackOperations, SaveAsReportsATargetThatCannotBeWritten) {
     }
 }
 
-TEST_F(TrackOperations, DeleteRemovesTheFileAndItsEntryAndKeepsTheOpenTrack) {
+TEST_F(TrackOperations, deleteRemovesTheFileAndItsEntryAndKeepsTheOpenTrack) {
     openWorkspace();
     loadFromWorkspace("b.trk");
     operate("Delete");
@@ -855,7 +855,7 @@ TEST_F(TrackOperations, DeleteRemovesTheFileAndItsEntryAndKeepsTheOpenTrack) {
     expectNormal();
 }
 
-TEST_F(TrackOperations, WhenTheLastTrackIsDeletedExternalIsShownAndCannotBe) {
+TEST_F(TrackOperations, whenTheLastTrackIsDeletedExternalIsShownAndCannotBe) {
     openWorkspace();
     const auto* model = qobject_cast<QStandardItemModel*>(find<QComboBox>("comboBox_operation").model());
     choose("comboBox_file", "A.trk");
@@ -867,7 +867,7 @@ TEST_F(TrackOperations, WhenTheLastTrackIsDeletedExternalIsShownAndCannotBe) {
     EXPECT_EQ(model->item(4)->flags(), Qt::NoItemFlags);
 }
 
-TEST_F(TrackOperations, DeletingAFileThatHasGoneIsReported) {
+TEST_F(TrackOperations, deletingAFileThatHasGoneIsReported) {
     openWorkspace();
     choose("comboBox_file", "b.trk");
     fs::remove(kTracks + "b.trk");
@@ -881,7 +881,7 @@ TEST_F(TrackOperations, DeletingAFileThatHasGoneIsReported) {
     expectNormal();
 }
 
-TEST_F(TrackOperations, ADeleteOfNothingListedIsAnErrorNotACrash) {
+TEST_F(TrackOperations, aDeleteOfNothingListedIsAnErrorNotACrash) {
     openWorkspace();
     choose("comboBox_file", "External");
     find<QComboBox>("comboBox_operation").setCurrentIndex(4); // no hand can do this
@@ -889,7 +889,7 @@ TEST_F(TrackOperations, ADeleteOfNothingListedIsAnErrorNotACrash) {
     EXPECT_THAT(NamesIn(kTracks), ElementsAre("A.trk", "b.trk", "notes.txt"));
 }
 
-TEST_F(TrackOperations, RefreshListsWhatIsThereNow) {
+TEST_F(TrackOperations, refreshListsWhatIsThereNow) {
     openWorkspace();
     WriteFile(kTracks + "late.trk", "");
     fs::remove(kTracks + "A.trk");
@@ -902,7 +902,7 @@ TEST_F(TrackOperations, RefreshListsWhatIsThereNow) {
     expectNormal();
 }
 
-TEST_F(TrackOperations, TheSlotRunsTheOperationThatItIsTold) {
+TEST_F(TrackOperations, theSlotRunsTheOperationThatItIsTold) {
     openWorkspace();
     const auto tell = [this](const char* operation) {
         ASSERT_TRUE(QMetaObject::invokeMethod(window.get(), "on_comboBox_operation_currentIndexChanged",
@@ -922,13 +922,13 @@ TEST_F(TrackOperations, TheSlotRunsTheOperationThatItIsTold) {
     expectNoBox();
 }
 
-TEST_F(TrackOperations, TheStatusStaysUntilReplaced) {
+TEST_F(TrackOperations, theStatusStaysUntilReplaced) {
     operate("Refresh");
     QTest::qWait(50);
     EXPECT_EQ(status(), "Refresh successfully.");
 }
 
-TEST_F(TrackOperations, OddNamesAreShownAsTheyStand) {
+TEST_F(TrackOperations, oddNamesAreShownAsTheyStand) {
     const std::string odd = "a %s %n 'b' \"c\" <b>ß<i> 日本 [*].trk";
     makeBackup(folder.Path("x.osbak"), {{odd, independent::TextFile(track)}});
     loadBackup(folder.Path("x.osbak"));
@@ -955,7 +955,7 @@ TEST_F(TrackOperations, OddNamesAreShownAsTheyStand) {
     expectErrorBox("ERROR_TRACK - Failed to read basic information.");
 }
 
-TEST_F(TrackOperations, LongNamesLeaveTheCanvasItsRoomAndCanBeToldApart) {
+TEST_F(TrackOperations, longNamesLeaveTheCanvasItsRoomAndCanBeToldApart) {
     const std::string start = std::string(40, 'l') + " <b>&amp; station ";
     makeBackup(folder.Path("x.osbak"), {{start + "1.trk", independent::TextFile(track)},
                                         {start + "2.trk", independent::TextFile(track)}});

@@ -49,7 +49,7 @@ class Undo : public WindowTest {
     std::optional<Mouse> canvasMouse;
 };
 
-TEST_F(Undo, TakesBackADragAsOneStepAndMakesItAgain) {
+TEST_F(Undo, takesBackADragAsOneStepAndMakesItAgain) {
     const QPointF before = paths()[0].points[1];
     drag(at(0, 1), at(0, 1) + QPoint(20, 15));
     const QPointF after = paths()[0].points[1];
@@ -64,7 +64,7 @@ TEST_F(Undo, TakesBackADragAsOneStepAndMakesItAgain) {
     EXPECT_EQ(paths()[0].points[1].y(), after.y());
 }
 
-TEST_F(Undo, TakesBackDrawingStepByStep) {
+TEST_F(Undo, takesBackDrawingStepByStep) {
     drawPath({{0.2, 0.2}, {0.4, 0.2}});
     ASSERT_EQ(paths().size(), 2U);
     undo();
@@ -79,7 +79,7 @@ TEST_F(Undo, TakesBackDrawingStepByStep) {
     EXPECT_EQ(document().finishedCount(), 2);
 }
 
-TEST_F(Undo, TakesBackTheDeleteButtons) {
+TEST_F(Undo, takesBackTheDeleteButtons) {
     click("pushButton_deleteLast");
     ASSERT_EQ(paths()[0].points.size(), 2U);
     click("pushButton_deleteLast");
@@ -97,7 +97,7 @@ TEST_F(Undo, TakesBackTheDeleteButtons) {
     EXPECT_EQ(document().finishedCount(), 1);
 }
 
-TEST_F(Undo, TakesBackABatchSettingAsOneStep) {
+TEST_F(Undo, takesBackABatchSettingAsOneStep) {
     click("checkBox_batchSetting");
     type("lineEdit_lineSpace", "77");
     ASSERT_EQ(paths()[0].spaces, (std::vector<int>{77, 77, 77}));
@@ -108,7 +108,7 @@ TEST_F(Undo, TakesBackABatchSettingAsOneStep) {
     EXPECT_EQ(paths()[0].spaces, (std::vector<int>{77, 77, 77}));
 }
 
-TEST_F(Undo, TakesBackWhatWasTypedIntoAFieldAsOneStepAndShowsIt) {
+TEST_F(Undo, takesBackWhatWasTypedIntoAFieldAsOneStepAndShowsIt) {
     type("lineEdit_lineLength", "345");
     ASSERT_EQ(paths()[0].lengths[0], 345);
     canvas().setFocus();
@@ -120,7 +120,7 @@ TEST_F(Undo, TakesBackWhatWasTypedIntoAFieldAsOneStepAndShowsIt) {
     EXPECT_EQ(text("lineEdit_lineLength"), "345");
 }
 
-TEST_F(Undo, LeavingAFieldEndsTheStep) {
+TEST_F(Undo, leavingAFieldEndsTheStep) {
     type("lineEdit_lineLength", "3");
     canvas().setFocus();
     type("lineEdit_lineLength", "45");
@@ -131,7 +131,7 @@ TEST_F(Undo, LeavingAFieldEndsTheStep) {
     EXPECT_EQ(paths()[0].lengths[0], 100);
 }
 
-TEST_F(Undo, AFieldWithTheFocusTakesBackItsOwnTypingFirst) {
+TEST_F(Undo, aFieldWithTheFocusTakesBackItsOwnTypingFirst) {
     drag(at(0, 1), at(0, 1) + QPoint(20, 15));
     const QPointF dragged = paths()[0].points[1];
     auto& field = find<QLineEdit>("lineEdit_lineLength");
@@ -146,7 +146,7 @@ TEST_F(Undo, AFieldWithTheFocusTakesBackItsOwnTypingFirst) {
     QTest::keyClick(&field, Qt::Key_Y, Qt::ControlModifier);
 }
 
-TEST_F(Undo, ASpinBoxWithTheFocusLetsTheDocumentTakeItsTurn) {
+TEST_F(Undo, aSpinBoxWithTheFocusLetsTheDocumentTakeItsTurn) {
     const QPointF before = paths()[0].points[1];
     drag(at(0, 1), at(0, 1) + QPoint(20, 15));
     auto& box = find<QSpinBox>("spinBox_segmentId");
@@ -156,7 +156,7 @@ TEST_F(Undo, ASpinBoxWithTheFocusLetsTheDocumentTakeItsTurn) {
     EXPECT_EQ(paths()[0].points[1].x(), before.x());
 }
 
-TEST_F(Undo, DoesNothingWhileTheButtonIsDown) {
+TEST_F(Undo, doesNothingWhileTheButtonIsDown) {
     drag(at(0, 1), at(0, 1) + QPoint(20, 15));
     const QPoint point = at(0, 2);
     mouse().Move(point);
@@ -173,7 +173,7 @@ TEST_F(Undo, DoesNothingWhileTheButtonIsDown) {
     EXPECT_EQ(paths()[0].points[1].x(), other.x());
 }
 
-TEST_F(Undo, AMoveWithTwoButtonsHeldDragsOn) {
+TEST_F(Undo, aMoveWithTwoButtonsHeldDragsOn) {
     const QPoint point = at(0, 1);
     mouse().Move(point);
     mouse().Press(point);
@@ -186,7 +186,7 @@ TEST_F(Undo, AMoveWithTwoButtonsHeldDragsOn) {
     EXPECT_EQ(at(0, 1), point);
 }
 
-TEST_F(Undo, ForgetsThePointUnderTheCursorAndTheRubberBand) {
+TEST_F(Undo, forgetsThePointUnderTheCursorAndTheRubberBand) {
     drag(at(0, 1), at(0, 1) + QPoint(20, 15));
     ASSERT_FALSE(canvas().editingState().dragPoint.isNull());
     undo();
@@ -196,7 +196,7 @@ TEST_F(Undo, ForgetsThePointUnderTheCursorAndTheRubberBand) {
     EXPECT_EQ(canvas().editingState().hoverPoint, 0);
 }
 
-TEST_F(Undo, KeepsTheViewAndItsScale) {
+TEST_F(Undo, keepsTheViewAndItsScale) {
     find<QSlider>("horizontalSlider_resizeImage").setValue(60);
     auto& bar = *find<QScrollArea>("scrollArea").horizontalScrollBar();
     click("pushButton_deleteLast");
@@ -209,7 +209,7 @@ TEST_F(Undo, KeepsTheViewAndItsScale) {
     EXPECT_EQ(text("label_scale"), "Scale:300%");
 }
 
-TEST_F(Undo, BringsTheSpinBoxesWithinWhatExists) {
+TEST_F(Undo, bringsTheSpinBoxesWithinWhatExists) {
     drawPath({{0.2, 0.2}, {0.4, 0.2}, {0.4, 0.7}});
     typeNumber("spinBox_pathId", "2");
     typeNumber("spinBox_segmentId", "2");
@@ -228,7 +228,7 @@ TEST_F(Undo, BringsTheSpinBoxesWithinWhatExists) {
     EXPECT_EQ(text("lineEdit_lineWidth"), "110");
 }
 
-TEST_F(Undo, RefreshesTheRulerOnlyWhileItIsShown) {
+TEST_F(Undo, refreshesTheRulerOnlyWhileItIsShown) {
     click("pushButton_deleteLast");
     ASSERT_EQ(paths()[0].rulerMarks.size(), 1U);
     undo();
@@ -239,7 +239,7 @@ TEST_F(Undo, RefreshesTheRulerOnlyWhileItIsShown) {
     EXPECT_TRUE(paths()[0].rulerMarks.empty());
 }
 
-TEST_F(Undo, IsEmptyAfterALoad) {
+TEST_F(Undo, isEmptyAfterALoad) {
     click("pushButton_deleteLast");
     loadExternal(folder.Path("a.trk"));
     ASSERT_EQ(paths()[0].points.size(), 3U);
@@ -248,7 +248,7 @@ TEST_F(Undo, IsEmptyAfterALoad) {
     EXPECT_FALSE(document().canRedo());
 }
 
-TEST_F(Undo, SavingUnmodifiesAndSavingACopyDoesNot) {
+TEST_F(Undo, savingUnmodifiesAndSavingACopyDoesNot) {
     const auto state = [this] { return text("label_state"); };
     EXPECT_EQ(state(), "");
     click("pushButton_deleteLast");

@@ -21,7 +21,7 @@ class ViewNavigationTest : public OperatingTest {
     }
 };
 
-TEST_F(ViewNavigationTest, TheWheelWithCtrlZoomsByOneStepAtTheCursor) {
+TEST_F(ViewNavigationTest, theWheelWithCtrlZoomsByOneStepAtTheCursor) {
     const QPoint place(123, 77);
     const QPointF shown = shownAt(place);
     turnWheel(place, kNotch);
@@ -33,7 +33,7 @@ TEST_F(ViewNavigationTest, TheWheelWithCtrlZoomsByOneStepAtTheCursor) {
     expectShownAt(shown, place);
 }
 
-TEST_F(ViewNavigationTest, AFineWheelIsCountedToWholeSteps) {
+TEST_F(ViewNavigationTest, aFineWheelIsCountedToWholeSteps) {
     for (int part = 0; part < 7; ++part)
         turnWheel({100, 100}, kNotch / 4);
     EXPECT_EQ(slider().value(), 41);
@@ -43,7 +43,7 @@ TEST_F(ViewNavigationTest, AFineWheelIsCountedToWholeSteps) {
     EXPECT_EQ(slider().value(), 40);
 }
 
-TEST_F(ViewNavigationTest, TheWheelAloneScrolls) {
+TEST_F(ViewNavigationTest, theWheelAloneScrolls) {
     QWidget* const view = area().viewport();
     QWheelEvent event(QPoint(100, 100), view->mapToGlobal(QPoint(100, 100)), QPoint(), QPoint(0, -kNotch),
                       Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
@@ -52,7 +52,7 @@ TEST_F(ViewNavigationTest, TheWheelAloneScrolls) {
     EXPECT_GT(area().verticalScrollBar()->value(), 900);
 }
 
-TEST_F(ViewNavigationTest, AHundredTimesInAndOutReturns) {
+TEST_F(ViewNavigationTest, aHundredTimesInAndOutReturns) {
     const QPoint place(211, 93);
     const QPoint before = canvas().pos();
     for (int time = 0; time < 100; ++time) {
@@ -70,7 +70,7 @@ TEST_F(ViewNavigationTest, AHundredTimesInAndOutReturns) {
     EXPECT_LE((canvas().pos() - before).manhattanLength(), 1);
 }
 
-TEST_F(ViewNavigationTest, KeysZoomAtTheCursor) {
+TEST_F(ViewNavigationTest, keysZoomAtTheCursor) {
     const QPoint place(123, 77);
     mouse().Move(place - canvas().pos());
     const QPointF shown = shownAt(place);
@@ -88,7 +88,7 @@ TEST_F(ViewNavigationTest, KeysZoomAtTheCursor) {
     expectShownAt(shown, place);
 }
 
-TEST_F(ViewNavigationTest, KeysOnAControlZoomAsWell) {
+TEST_F(ViewNavigationTest, keysOnAControlZoomAsWell) {
     auto& field = find<QLineEdit>("lineEdit_lineLength");
     field.setFocus();
     QTest::keyClick(&field, Qt::Key_Plus, Qt::ControlModifier);
@@ -96,7 +96,7 @@ TEST_F(ViewNavigationTest, KeysOnAControlZoomAsWell) {
     EXPECT_EQ(text("lineEdit_lineLength"), "100");
 }
 
-TEST_F(ViewNavigationTest, CtrlZeroFitsAsLoadingDoes) {
+TEST_F(ViewNavigationTest, ctrlZeroFitsAsLoadingDoes) {
     const int fitting = [this] {
         const double across = double(area().width()) / 1000;
         const double down = double(area().height()) / 1500;
@@ -108,7 +108,7 @@ TEST_F(ViewNavigationTest, CtrlZeroFitsAsLoadingDoes) {
     EXPECT_EQ(slider().value(), fitting);
 }
 
-TEST_F(ViewNavigationTest, TheSliderKeepsTheMiddleOfTheView) {
+TEST_F(ViewNavigationTest, theSliderKeepsTheMiddleOfTheView) {
     const QPoint middle = area().viewport()->rect().center();
     const QPointF shown = shownAt(middle);
     slider().setValue(47);
@@ -120,7 +120,7 @@ TEST_F(ViewNavigationTest, TheSliderKeepsTheMiddleOfTheView) {
     expectShownAt(shown, middle);
 }
 
-TEST_F(ViewNavigationTest, WhatIsScrolledMeanwhileIsTheNewPlace) {
+TEST_F(ViewNavigationTest, whatIsScrolledMeanwhileIsTheNewPlace) {
     const QPoint place(211, 93);
     turnWheel(place, kNotch);
     scrollTo(500, 700);
@@ -129,7 +129,7 @@ TEST_F(ViewNavigationTest, WhatIsScrolledMeanwhileIsTheNewPlace) {
     expectShownAt(shown, place);
 }
 
-TEST_F(ViewNavigationTest, TheMiddleButtonDragsTheView) {
+TEST_F(ViewNavigationTest, theMiddleButtonDragsTheView) {
     const QPoint before = canvas().pos();
     const QPoint start(900, 1100);
     mouse().Move(start);
@@ -145,7 +145,7 @@ TEST_F(ViewNavigationTest, TheMiddleButtonDragsTheView) {
     EXPECT_EQ(paths().size(), 1U);
 }
 
-TEST_F(ViewNavigationTest, SpaceWithTheLeftButtonDragsTheViewAndDrawsNothing) {
+TEST_F(ViewNavigationTest, spaceWithTheLeftButtonDragsTheViewAndDrawsNothing) {
     const QPoint before = canvas().pos();
     const QPoint start(900, 1100);
     QTest::keyPress(&canvas(), Qt::Key_Space);
@@ -162,7 +162,7 @@ TEST_F(ViewNavigationTest, SpaceWithTheLeftButtonDragsTheViewAndDrawsNothing) {
     EXPECT_EQ(paths().size(), 2U) << "without Space the button draws again";
 }
 
-TEST_F(ViewNavigationTest, TheViewIsDraggedWithAPathHalfDrawn) {
+TEST_F(ViewNavigationTest, theViewIsDraggedWithAPathHalfDrawn) {
     mouse().Click({900.0, 1100.0});
     mouse().Click({950.0, 1100.0});
     mouse().Press({900.0, 1000.0}, Qt::MiddleButton);
@@ -174,7 +174,7 @@ TEST_F(ViewNavigationTest, TheViewIsDraggedWithAPathHalfDrawn) {
     EXPECT_EQ(paths().at(1).points.size(), 3U);
 }
 
-TEST_F(ViewNavigationTest, AButtonThatGoesDownDuringAPanDrawsNothing) {
+TEST_F(ViewNavigationTest, aButtonThatGoesDownDuringAPanDrawsNothing) {
     mouse().Press({900.0, 1000.0}, Qt::MiddleButton);
     mouse().Press({900.0, 1000.0}, Qt::LeftButton);
     mouse().Release({900.0, 1000.0}, Qt::MiddleButton);
@@ -183,7 +183,7 @@ TEST_F(ViewNavigationTest, AButtonThatGoesDownDuringAPanDrawsNothing) {
     EXPECT_EQ(paths()[0].points.size(), 3U);
 }
 
-TEST_F(ViewNavigationTest, WhileAPointIsDraggedTheViewStays) {
+TEST_F(ViewNavigationTest, whileAPointIsDraggedTheViewStays) {
     scrollTo(0, 0);
     mouse().Move(at(0, 0));
     mouse().Press(at(0, 0));
@@ -198,7 +198,7 @@ TEST_F(ViewNavigationTest, WhileAPointIsDraggedTheViewStays) {
     mouse().Release(at(0, 0));
 }
 
-TEST_F(ViewNavigationTest, APressAfterZoomingDragsNoPointThatIsNotUnderTheCursor) {
+TEST_F(ViewNavigationTest, aPressAfterZoomingDragsNoPointThatIsNotUnderTheCursor) {
     scrollTo(0, 1100);
     const QPoint grip = at(0, 0);
     mouse().Move(grip);
@@ -211,7 +211,7 @@ TEST_F(ViewNavigationTest, APressAfterZoomingDragsNoPointThatIsNotUnderTheCursor
     EXPECT_EQ(point(0, 0), before);
 }
 
-TEST_F(ViewNavigationTest, RightToLeftKeepsThePlaceToo) {
+TEST_F(ViewNavigationTest, rightToLeftKeepsThePlaceToo) {
     window->setLayoutDirection(Qt::RightToLeft);
     QApplication::processEvents();
     scrollTo(700, 900);

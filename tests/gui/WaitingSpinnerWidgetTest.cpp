@@ -120,7 +120,7 @@ class WaitingSpinnerWidgetTest : public ::testing::Test {
     QWidget parent;
 };
 
-TEST_F(WaitingSpinnerWidgetTest, SlotsStandInTheirOrder) {
+TEST_F(WaitingSpinnerWidgetTest, slotsStandInTheirOrder) {
     const QMetaObject& meta = WaitingSpinnerWidget::staticMetaObject;
     ASSERT_EQ(meta.methodCount() - meta.methodOffset(), 3);
     const char* const names[] = {"start()", "stop()", "rotate()"};
@@ -131,7 +131,7 @@ TEST_F(WaitingSpinnerWidgetTest, SlotsStandInTheirOrder) {
     }
 }
 
-TEST_F(WaitingSpinnerWidgetTest, IsBuiltHiddenFramelessAndTranslucent) {
+TEST_F(WaitingSpinnerWidgetTest, isBuiltHiddenFramelessAndTranslucent) {
     const auto spinner = make();
     EXPECT_TRUE(spinner->isHidden());
     EXPECT_FALSE(spinner->isSpinning());
@@ -143,14 +143,14 @@ TEST_F(WaitingSpinnerWidgetTest, IsBuiltHiddenFramelessAndTranslucent) {
     EXPECT_TRUE(parent.isEnabled());
 }
 
-TEST_F(WaitingSpinnerWidgetTest, TakesTheModalityItIsGiven) {
+TEST_F(WaitingSpinnerWidgetTest, takesTheModalityItIsGiven) {
     const WaitingSpinnerWidget modal(Qt::ApplicationModal, nullptr, false, false);
     const WaitingSpinnerWidget free(Qt::NonModal, nullptr, false, false);
     EXPECT_EQ(modal.windowModality(), Qt::ApplicationModal);
     EXPECT_EQ(free.windowModality(), Qt::NonModal);
 }
 
-TEST_F(WaitingSpinnerWidgetTest, SizeIsTwiceRadiusAndLengthAndFixed) {
+TEST_F(WaitingSpinnerWidgetTest, sizeIsTwiceRadiusAndLengthAndFixed) {
     const auto spinner = make();
     EXPECT_EQ(spinner->minimumSize(), QSize(40, 40));
     EXPECT_EQ(spinner->maximumSize(), QSize(40, 40));
@@ -161,7 +161,7 @@ TEST_F(WaitingSpinnerWidgetTest, SizeIsTwiceRadiusAndLengthAndFixed) {
     EXPECT_EQ(spinner->maximumSize(), QSize(80, 80));
 }
 
-TEST_F(WaitingSpinnerWidgetTest, StepTakes31MillisecondsAtEverySize) {
+TEST_F(WaitingSpinnerWidgetTest, stepTakes31MillisecondsAtEverySize) {
     const auto spinner = make();
     ASSERT_NE(timer(*spinner), nullptr);
     EXPECT_EQ(timer(*spinner)->interval(), 31);
@@ -171,7 +171,7 @@ TEST_F(WaitingSpinnerWidgetTest, StepTakes31MillisecondsAtEverySize) {
     EXPECT_EQ(timer(*spinner)->interval(), 31);
 }
 
-TEST_F(WaitingSpinnerWidgetTest, StartShowsTurnsAndDisablesTheParent) {
+TEST_F(WaitingSpinnerWidgetTest, startShowsTurnsAndDisablesTheParent) {
     const auto spinner = make();
     spinner->start();
     EXPECT_TRUE(spinner->isVisible());
@@ -180,7 +180,7 @@ TEST_F(WaitingSpinnerWidgetTest, StartShowsTurnsAndDisablesTheParent) {
     EXPECT_FALSE(parent.isEnabled());
 }
 
-TEST_F(WaitingSpinnerWidgetTest, StopHidesHaltsAndEnablesTheParent) {
+TEST_F(WaitingSpinnerWidgetTest, stopHidesHaltsAndEnablesTheParent) {
     const auto spinner = make();
     spinner->start();
     spinner->stop();
@@ -190,7 +190,7 @@ TEST_F(WaitingSpinnerWidgetTest, StopHidesHaltsAndEnablesTheParent) {
     EXPECT_TRUE(parent.isEnabled());
 }
 
-TEST_F(WaitingSpinnerWidgetTest, ParentStaysEnabledWhenNotToBeDisabled) {
+TEST_F(WaitingSpinnerWidgetTest, parentStaysEnabledWhenNotToBeDisabled) {
     const auto spinner = make(true, false);
     spinner->start();
     EXPECT_TRUE(parent.isEnabled());
@@ -199,7 +199,7 @@ TEST_F(WaitingSpinnerWidgetTest, ParentStaysEnabledWhenNotToBeDisabled) {
     EXPECT_FALSE(parent.isEnabled());
 }
 
-TEST_F(WaitingSpinnerWidgetTest, WorksWithoutAParent) {
+TEST_F(WaitingSpinnerWidgetTest, worksWithoutAParent) {
     WaitingSpinnerWidget spinner(Qt::NonModal, nullptr, true, true);
     spinner.move(11, 13);
     spinner.start();
@@ -209,7 +209,7 @@ TEST_F(WaitingSpinnerWidgetTest, WorksWithoutAParent) {
     EXPECT_TRUE(spinner.isHidden());
 }
 
-TEST_F(WaitingSpinnerWidgetTest, ACloseEventIsIgnored) {
+TEST_F(WaitingSpinnerWidgetTest, aCloseEventIsIgnored) {
     const auto spinner = make();
     spinner->start();
     EXPECT_FALSE(spinner->close());
@@ -218,7 +218,7 @@ TEST_F(WaitingSpinnerWidgetTest, ACloseEventIsIgnored) {
     EXPECT_FALSE(parent.isEnabled());
 }
 
-TEST_F(WaitingSpinnerWidgetTest, StopWhileStoppedEnablesTheParent) {
+TEST_F(WaitingSpinnerWidgetTest, stopWhileStoppedEnablesTheParent) {
     const auto spinner = make();
     parent.setEnabled(false);
     spinner->stop();
@@ -226,14 +226,14 @@ TEST_F(WaitingSpinnerWidgetTest, StopWhileStoppedEnablesTheParent) {
     EXPECT_TRUE(parent.isEnabled());
 }
 
-TEST_F(WaitingSpinnerWidgetTest, StopWhileStoppedKeepsTheLeadingBar) {
+TEST_F(WaitingSpinnerWidgetTest, stopWhileStoppedKeepsTheLeadingBar) {
     const auto spinner = make();
     turn(*spinner, 3);
     spinner->stop();
     ExpectPicture(Picture(*spinner), {10, 10, 3});
 }
 
-TEST_F(WaitingSpinnerWidgetTest, StartWhileSpinningGoesOnFromTheSameBar) {
+TEST_F(WaitingSpinnerWidgetTest, startWhileSpinningGoesOnFromTheSameBar) {
     const auto spinner = make();
     spinner->start();
     turn(*spinner, 5);
@@ -241,7 +241,7 @@ TEST_F(WaitingSpinnerWidgetTest, StartWhileSpinningGoesOnFromTheSameBar) {
     ExpectPicture(Picture(*spinner), {10, 10, 5});
 }
 
-TEST_F(WaitingSpinnerWidgetTest, StartAfterStopBeginsAtTheFirstBar) {
+TEST_F(WaitingSpinnerWidgetTest, startAfterStopBeginsAtTheFirstBar) {
     const auto spinner = make();
     spinner->start();
     turn(*spinner, 5);
@@ -252,14 +252,14 @@ TEST_F(WaitingSpinnerWidgetTest, StartAfterStopBeginsAtTheFirstBar) {
     ExpectPicture(Picture(*spinner), {10, 10, 0});
 }
 
-TEST_F(WaitingSpinnerWidgetTest, ClockTurnsTheRing) {
+TEST_F(WaitingSpinnerWidgetTest, clockTurnsTheRing) {
     const auto spinner = make();
     const QImage before = Picture(*spinner);
     spinner->start();
     EXPECT_TRUE(QTest::qWaitFor([&] { return Picture(*spinner) != before; }));
 }
 
-TEST_F(WaitingSpinnerWidgetTest, EveryStepIsPainted) {
+TEST_F(WaitingSpinnerWidgetTest, everyStepIsPainted) {
     struct PaintCount : QObject {
         bool eventFilter(QObject*, QEvent* event) override {
             paints += event->type() == QEvent::Paint ? 1 : 0;
@@ -280,7 +280,7 @@ TEST_F(WaitingSpinnerWidgetTest, EveryStepIsPainted) {
     }
 }
 
-TEST_F(WaitingSpinnerWidgetTest, PictureShowsTheTrailBehindEveryLeader) {
+TEST_F(WaitingSpinnerWidgetTest, pictureShowsTheTrailBehindEveryLeader) {
     const auto spinner = make();
     for (int leader = 0; leader < kBars; ++leader) {
         SCOPED_TRACE(leader);
@@ -290,7 +290,7 @@ TEST_F(WaitingSpinnerWidgetTest, PictureShowsTheTrailBehindEveryLeader) {
     ExpectPicture(Picture(*spinner), {10, 10, 0});
 }
 
-TEST_F(WaitingSpinnerWidgetTest, PictureOfTheWindowsOwnSize) {
+TEST_F(WaitingSpinnerWidgetTest, pictureOfTheWindowsOwnSize) {
     const auto spinner = make();
     spinner->setInnerRadius(20);
     spinner->setLineLength(20);
@@ -303,7 +303,7 @@ TEST_F(WaitingSpinnerWidgetTest, PictureOfTheWindowsOwnSize) {
     }
 }
 
-TEST_F(WaitingSpinnerWidgetTest, LeaderIsOpaqueAndFarBarsAreAtTheFloor) {
+TEST_F(WaitingSpinnerWidgetTest, leaderIsOpaqueAndFarBarsAreAtTheFloor) {
     const auto spinner = make();
     spinner->setInnerRadius(20);
     spinner->setLineLength(20);
@@ -324,21 +324,21 @@ TEST_F(WaitingSpinnerWidgetTest, LeaderIsOpaqueAndFarBarsAreAtTheFloor) {
     EXPECT_EQ(upright.pixel(40, 70) & 0xffffffU, 0U);
 }
 
-TEST_F(WaitingSpinnerWidgetTest, MiddleAndCornersAreTransparent) {
+TEST_F(WaitingSpinnerWidgetTest, middleAndCornersAreTransparent) {
     const auto spinner = make();
     const QImage picture = Picture(*spinner);
     for (const QPoint& place : {QPoint(20, 20), QPoint(0, 0), QPoint(39, 0), QPoint(0, 39), QPoint(39, 39)})
         EXPECT_EQ(qAlpha(picture.pixel(place)), 0);
 }
 
-TEST_F(WaitingSpinnerWidgetTest, StandsOverTheMiddleOfItsParent) {
+TEST_F(WaitingSpinnerWidgetTest, standsOverTheMiddleOfItsParent) {
     const auto spinner = make();
     spinner->start();
     // 100 + 301 / 2 − 20 = 230.5, cut to 230; 60 + 100 − 20 = 140
     EXPECT_EQ(spinner->pos(), QPoint(parent.x() + 130, parent.y() + 80));
 }
 
-TEST_F(WaitingSpinnerWidgetTest, CutsItsPlaceTowardZero) {
+TEST_F(WaitingSpinnerWidgetTest, cutsItsPlaceTowardZero) {
     const auto spinner = make();
     parent.resize(101, 61);
     parent.move(-200, -150);
@@ -347,7 +347,7 @@ TEST_F(WaitingSpinnerWidgetTest, CutsItsPlaceTowardZero) {
     EXPECT_EQ(spinner->pos(), QPoint(-169, -139));
 }
 
-TEST_F(WaitingSpinnerWidgetTest, FollowsItsParentWhenPainted) {
+TEST_F(WaitingSpinnerWidgetTest, followsItsParentWhenPainted) {
     const auto spinner = make();
     spinner->start();
     parent.setGeometry(300, 200, 200, 100);
@@ -355,7 +355,7 @@ TEST_F(WaitingSpinnerWidgetTest, FollowsItsParentWhenPainted) {
     EXPECT_EQ(spinner->pos(), QPoint(parent.x() + 80, parent.y() + 30));
 }
 
-TEST_F(WaitingSpinnerWidgetTest, StaysWhereItIsWhenNotToBeCentred) {
+TEST_F(WaitingSpinnerWidgetTest, staysWhereItIsWhenNotToBeCentred) {
     const auto spinner = make(false, true);
     spinner->move(7, 9);
     spinner->start();

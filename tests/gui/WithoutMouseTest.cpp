@@ -41,7 +41,7 @@ class WithoutMouse : public SourceWorkflows {
     }
 };
 
-TEST_F(WithoutMouse, TheWholeJobCanBeDone) {
+TEST_F(WithoutMouse, theWholeJobCanBeDone) {
     startServer();
     openWindowAndListen();
     QApplication::setActiveWindow(window.get());

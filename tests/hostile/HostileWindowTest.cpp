@@ -177,15 +177,15 @@ std::string MessageOf(const HostileArchive& archive, const std::string& target) 
     return at == std::string::npos ? archive.message : std::string(archive.message).replace(at, 1, target);
 }
 
-TEST_F(HostileWindow, TellsWhatIsWrongWithATextTrackAndLoadsTheNext) {
+TEST_F(HostileWindow, tellsWhatIsWrongWithATextTrackAndLoadsTheNext) {
     walk(HostileTextTracks());
 }
 
-TEST_F(HostileWindow, TellsWhatIsWrongWithABinaryTrackAndLoadsTheNext) {
+TEST_F(HostileWindow, tellsWhatIsWrongWithABinaryTrackAndLoadsTheNext) {
     walk(HostileBinaryTracks());
 }
 
-TEST_F(HostileWindow, UnpacksAHostileBackupNoFurtherThanItsDefectAllows) {
+TEST_F(HostileWindow, unpacksAHostileBackupNoFurtherThanItsDefectAllows) {
     const auto before = outside();
     for (const HostileArchive& archive : HostileArchives()) {
         SCOPED_TRACE(archive.name);
@@ -201,7 +201,7 @@ TEST_F(HostileWindow, UnpacksAHostileBackupNoFurtherThanItsDefectAllows) {
     }
 }
 
-TEST_F(HostileWindow, UnpacksAHostileWorkspaceNoFurtherThanItsDefectAllows) {
+TEST_F(HostileWindow, unpacksAHostileWorkspaceNoFurtherThanItsDefectAllows) {
     const auto before = outside();
     for (const HostileArchive& archive : HostileArchives()) {
         SCOPED_TRACE(archive.name);

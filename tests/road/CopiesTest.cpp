@@ -81,7 +81,7 @@ class CopiesTest : public ::testing::Test {
     std::vector<std::unique_ptr<QProcess>> copies;
 };
 
-TEST_F(CopiesTest, SecondCopyEndsWithZeroAndLeavesTheLogAlone) {
+TEST_F(CopiesTest, secondCopyEndsWithZeroAndLeavesTheLogAlone) {
     QProcess& first = start();
     ASSERT_TRUE(waitForWindow());
     ASSERT_EQ(::unlink("Corvane.log"), 0); // whoever opens it now makes another
@@ -94,7 +94,7 @@ TEST_F(CopiesTest, SecondCopyEndsWithZeroAndLeavesTheLogAlone) {
     EXPECT_FALSE(hasEnded(first));
 }
 
-TEST_F(CopiesTest, SaysWhetherACopyRuns) {
+TEST_F(CopiesTest, saysWhetherACopyRuns) {
     QProcess& none = start({QStringLiteral("--running")});
     ASSERT_TRUE(none.waitForFinished(60'000));
     EXPECT_EQ(none.exitCode(), 1);
@@ -109,14 +109,14 @@ TEST_F(CopiesTest, SaysWhetherACopyRuns) {
     EXPECT_EQ(one.readAllStandardOutput().toStdString(), "A copy of Corvane runs.\n");
 }
 
-TEST_F(CopiesTest, FromTheDesktopItWorksInAFolderOfTheUsersOwn) {
+TEST_F(CopiesTest, fromTheDesktopItWorksInAFolderOfTheUsersOwn) {
     ::setenv("HOME", folder.Path("home").c_str(), 1);
     start({QStringLiteral("--desktop")});
     ASSERT_TRUE(waitUntil([this] { return !FileContent(folder.Path("home/Corvane/Corvane.log")).empty(); }));
     EXPECT_NE(::access("Corvane.log", F_OK), 0);
 }
 
-TEST_F(CopiesTest, FromTheDesktopItSaysWhyItDoesNotOpen) {
+TEST_F(CopiesTest, fromTheDesktopItSaysWhyItDoesNotOpen) {
     ::mkdir("home", 0700);
     ::setenv("HOME", folder.Path("home").c_str(), 1);
     WriteFile("home/Corvane", "a file in the folder's place");
@@ -133,7 +133,7 @@ TEST_F(CopiesTest, FromTheDesktopItSaysWhyItDoesNotOpen) {
     EXPECT_FALSE(hasEnded(second));
 }
 
-TEST_F(CopiesTest, ShowsItsVersionAndItsOptionsWithoutADisplay) {
+TEST_F(CopiesTest, showsItsVersionAndItsOptionsWithoutADisplay) {
     ::setenv("QT_QPA_PLATFORM", "none", 1); // no window could be made
     QProcess& version = start({QStringLiteral("--version")});
     ASSERT_TRUE(version.waitForFinished(60'000));
@@ -146,7 +146,7 @@ TEST_F(CopiesTest, ShowsItsVersionAndItsOptionsWithoutADisplay) {
     EXPECT_NE(::access("Corvane.log", F_OK), 0);
 }
 
-TEST_F(CopiesTest, SaysWhetherADisplayAnswers) {
+TEST_F(CopiesTest, saysWhetherADisplayAnswers) {
     QProcess& shown = start({QStringLiteral("--display")});
     ASSERT_TRUE(shown.waitForFinished(60'000));
     EXPECT_EQ(shown.exitCode(), 0);
@@ -160,7 +160,7 @@ TEST_F(CopiesTest, SaysWhetherADisplayAnswers) {
     EXPECT_NE(::access("Corvane.log", F_OK), 0);
 }
 
-TEST_F(CopiesTest, KilledCopyLetsTheNextStartAtOnce) {
+TEST_F(CopiesTest, killedCopyLetsTheNextStartAtOnce) {
     QProcess& first = start();
     ASSERT_TRUE(waitForWindow());
     first.kill();
@@ -171,7 +171,7 @@ TEST_F(CopiesTest, KilledCopyLetsTheNextStartAtOnce) {
     EXPECT_FALSE(hasEnded(second));
 }
 
-TEST_F(CopiesTest, ExactlyOneOfFiftyAtOnceHasAWindow) {
+TEST_F(CopiesTest, exactlyOneOfFiftyAtOnceHasAWindow) {
     for (int copy = 0; copy < 50; ++copy)
         start();
     ASSERT_TRUE(waitForWindow());

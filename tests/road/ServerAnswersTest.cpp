@@ -26,7 +26,7 @@ bool ReplayOf(const OstraServerProcess& server) {
 
 using ServerAnswers = ServerTest;
 
-TEST_F(ServerAnswers, InfoHasEveryKeyWithItsType) {
+TEST_F(ServerAnswers, infoHasEveryKeyWithItsType) {
     const OstraServerProcess server(Served(), {"--serial", "4294967295", "--model", "Line \"5\""});
     const RawHttp::Reply reply = RawHttp::Request(server.ControlPort(), "GET", "/system/info");
     EXPECT_EQ(reply.status, 200U);
@@ -39,7 +39,7 @@ TEST_F(ServerAnswers, InfoHasEveryKeyWithItsType) {
     EXPECT_EQ(info.value(QLatin1String("Mask")).toString(), QLatin1String("255.0.0.0"));
 }
 
-TEST_F(ServerAnswers, ArchiveHoldsTheWorkspaceOnBothLevels) {
+TEST_F(ServerAnswers, archiveHoldsTheWorkspaceOnBothLevels) {
     const OstraServerProcess server(Served(), {"--serial", "77"});
     EXPECT_EQ(ServedTree(server), original);
     EXPECT_THAT(FileContent(folder.Path("got/info.json")), testing::HasSubstr("\"serial\":\"77\""));
@@ -47,14 +47,14 @@ TEST_F(ServerAnswers, ArchiveHoldsTheWorkspaceOnBothLevels) {
     EXPECT_EQ(FileContent(folder.Path("names")), "info.json\nworkspaces/\nworkspaces/Workspace.osws\n");
 }
 
-TEST_F(ServerAnswers, BsdTarReadsTheArchiveToo) {
+TEST_F(ServerAnswers, bsdTarReadsTheArchiveToo) {
     const OstraServerProcess server(Served());
     ServedTree(server);
     EXPECT_TRUE(Shell("mkdir bsd && bsdtar -xf got/workspaces/Workspace.osws -C bsd"));
     EXPECT_EQ(TreeOf(folder.Path("bsd")), original);
 }
 
-TEST_F(ServerAnswers, ArchiveKeepsLongNamesAndModificationTimes) {
+TEST_F(ServerAnswers, archiveKeepsLongNamesAndModificationTimes) {
     const std::string longName = "vdk/ContourPath/" + std::string(200, 'n') + ".trk";
     const std::string exactlyHundred = "vdk/" + std::string(96, 'h');
     original[longName] = "long";
@@ -67,7 +67,7 @@ TEST_F(ServerAnswers, ArchiveKeepsLongNamesAndModificationTimes) {
     EXPECT_TRUE(Shell("test $(stat -c %Y got/in/vdk/settings.json) = 1700000000"));
 }
 
-TEST_F(ServerAnswers, ArchiveLeavesOutLinksAndOtherThings) {
+TEST_F(ServerAnswers, archiveLeavesOutLinksAndOtherThings) {
     EXPECT_TRUE(
         Shell("ln -s /etc/passwd 'station one/vdk/ContourPath/link.trk'; ln -s /etc 'station one/etc'; "
               "mkfifo 'station one/vdk/pipe'"));
@@ -75,7 +75,7 @@ TEST_F(ServerAnswers, ArchiveLeavesOutLinksAndOtherThings) {
     EXPECT_EQ(ServedTree(server), original);
 }
 
-TEST_F(ServerAnswers, FoldersNestAsDeepInAnArchiveAsClientsUnpackThem) {
+TEST_F(ServerAnswers, foldersNestAsDeepInAnArchiveAsClientsUnpackThem) {
     std::string deepest;
     for (int level = 0; level < 64; ++level)
         deepest += "d/";
@@ -88,7 +88,7 @@ TEST_F(ServerAnswers, FoldersNestAsDeepInAnArchiveAsClientsUnpackThem) {
     EXPECT_EQ(reply.body, R"({"error":"The workspace's folders nest too deep."})");
 }
 
-TEST_F(ServerAnswers, ANameThatClientsDoNotAcceptIsToldBeforeTheArchiveBegins) {
+TEST_F(ServerAnswers, aNameThatClientsDoNotAcceptIsToldBeforeTheArchiveBegins) {
     const std::string folders = std::string(200, 'a') + "/" + std::string(200, 'b') + "/";
     MakeTree(Served(), {{folders + std::string(112, 'c'), ""}}); // 514 characters
     const OstraServerProcess server(Served());
@@ -97,7 +97,7 @@ TEST_F(ServerAnswers, ANameThatClientsDoNotAcceptIsToldBeforeTheArchiveBegins) {
     EXPECT_EQ(Archive(server).status, 200U);
 }
 
-TEST_F(ServerAnswers, ATimeBeyondTheHeadersRoomIsKept) {
+TEST_F(ServerAnswers, aTimeBeyondTheHeadersRoomIsKept) {
     EXPECT_TRUE(Shell("touch -d @8589935592 'station one/vdk/settings.json'")); // a thousand beyond 8^11
     if (!Shell("test $(stat -c %Y 'station one/vdk/settings.json') = 8589935592"))
         GTEST_SKIP() << "the file system has no room for it either";
@@ -106,7 +106,7 @@ TEST_F(ServerAnswers, ATimeBeyondTheHeadersRoomIsKept) {
     EXPECT_TRUE(Shell("test $(stat -c %Y got/in/vdk/settings.json) = 8589935592"));
 }
 
-TEST_F(ServerAnswers, SizesBeyondTheHeadersRoomAreTold) {
+TEST_F(ServerAnswers, sizesBeyondTheHeadersRoomAreTold) {
     MakeTree(Served(), {{"a", ""}});
     EXPECT_TRUE(Shell("truncate -s 8589934592 'station one/a'")); // 8^11
     const OstraServerProcess server(Served(), {"--fault-cut", "10000"});
@@ -121,7 +121,7 @@ TEST_F(ServerAnswers, SizesBeyondTheHeadersRoomAreTold) {
     EXPECT_THAT(FileContent(folder.Path("inner")), testing::ContainsRegex(" 8589934592 .* a\n"));
 }
 
-TEST_F(ServerAnswers, AFileThatIsNoLongerAsItWasEndsTheArchiveEarly) {
+TEST_F(ServerAnswers, aFileThatIsNoLongerAsItWasEndsTheArchiveEarly) {
     const std::string file = "'station one/z.trk'";
     const std::vector<std::pair<std::string, std::string>> changes{
         {"full", "printf more >> " + file},
@@ -149,7 +149,7 @@ TEST_F(ServerAnswers, AFileThatIsNoLongerAsItWasEndsTheArchiveEarly) {
     }
 }
 
-TEST_F(ServerAnswers, AFolderExchangedForALinkGivesNothingFromOutside) {
+TEST_F(ServerAnswers, aFolderExchangedForALinkGivesNothingFromOutside) {
     const std::string secret = "not for clients";
     for (const std::string change : {"mv deep elsewhere && ln -s \"$PWD/../outside\" deep",
                                      "mv deep/er elsewhere && ln -s \"$PWD/../outside/er\" deep/er"}) {
@@ -169,7 +169,7 @@ TEST_F(ServerAnswers, AFolderExchangedForALinkGivesNothingFromOutside) {
     }
 }
 
-TEST_F(ServerAnswers, ArchiveNotesTheReplayMode) {
+TEST_F(ServerAnswers, archiveNotesTheReplayMode) {
     const OstraServerProcess server(Served(), {"--replay", "on"});
     const std::string on = DataOf(Archive(server).body);
     RawHttp::Request(server.ControlPort(), "PUT", kReplayPath, "{\"enabled\": false}");
@@ -180,20 +180,20 @@ TEST_F(ServerAnswers, ArchiveNotesTheReplayMode) {
     EXPECT_FALSE(ReplayOf(server));
 }
 
-TEST_F(ServerAnswers, ArchiveOfAnEmptyWorkspaceIsAnArchive) {
+TEST_F(ServerAnswers, archiveOfAnEmptyWorkspaceIsAnArchive) {
     MakeTree(Served(), {});
     const OstraServerProcess server(Served());
     EXPECT_TRUE(ServedTree(server).empty());
 }
 
-TEST_F(ServerAnswers, ArchiveSeesWhatWasChangedOnTheDisk) {
+TEST_F(ServerAnswers, archiveSeesWhatWasChangedOnTheDisk) {
     const OstraServerProcess server(Served());
     ServedTree(server);
     MakeTree(Served(), changed);
     EXPECT_EQ(ServedTree(server), changed);
 }
 
-TEST_F(ServerAnswers, ReplayModeIsReadAndSet) {
+TEST_F(ServerAnswers, replayModeIsReadAndSet) {
     const OstraServerProcess server(Served());
     EXPECT_FALSE(ReplayOf(server));
     const RawHttp::Reply on =
@@ -210,12 +210,12 @@ TEST_F(ServerAnswers, ReplayModeIsReadAndSet) {
     EXPECT_FALSE(ReplayOf(server));
 }
 
-TEST_F(ServerAnswers, ReplayModeStartsAsAsked) {
+TEST_F(ServerAnswers, replayModeStartsAsAsked) {
     const OstraServerProcess server(Served(), {"--replay", "on"});
     EXPECT_TRUE(ReplayOf(server));
 }
 
-TEST_F(ServerAnswers, OneConnectionServesManyRequests) {
+TEST_F(ServerAnswers, oneConnectionServesManyRequests) {
     const OstraServerProcess server(Served());
     RawHttp http(server.ControlPort());
     for (int round = 0; round < 3; ++round) {
@@ -229,7 +229,7 @@ TEST_F(ServerAnswers, OneConnectionServesManyRequests) {
     EXPECT_EQ(http.Read().status, 200U);
 }
 
-TEST_F(ServerAnswers, ConnectionClosesWhenAskedTo) {
+TEST_F(ServerAnswers, connectionClosesWhenAskedTo) {
     const OstraServerProcess server(Served());
     RawHttp http(server.ControlPort());
     http.Send("GET /system/info HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n\r\n");
@@ -241,7 +241,7 @@ TEST_F(ServerAnswers, ConnectionClosesWhenAskedTo) {
     EXPECT_TRUE(old.Closed());
 }
 
-TEST_F(ServerAnswers, RequestsAreLoggedInTheirOrder) {
+TEST_F(ServerAnswers, requestsAreLoggedInTheirOrder) {
     OstraServerProcess server(Served());
     RawHttp::Request(server.ControlPort(), "GET", "/system/info");
     RawHttp::Request(server.ControlPort(), "PUT", kReplayPath, "{\"enabled\": true}");
@@ -253,7 +253,7 @@ TEST_F(ServerAnswers, RequestsAreLoggedInTheirOrder) {
     EXPECT_EQ(server.Calls().back(), "POST /system/commands/archive");
 }
 
-TEST_F(ServerAnswers, TheLogShowsTwoHundredLettersOfAPath) {
+TEST_F(ServerAnswers, theLogShowsTwoHundredLettersOfAPath) {
     OstraServerProcess server(Served());
     const std::string path = "/" + std::string(199, 'p');
     RawHttp::Request(server.ControlPort(), "GET", path);
@@ -262,7 +262,7 @@ TEST_F(ServerAnswers, TheLogShowsTwoHundredLettersOfAPath) {
     EXPECT_EQ(server.Requests().size(), 2U);
 }
 
-TEST_F(ServerAnswers, LogGoesToTheNamedFile) {
+TEST_F(ServerAnswers, logGoesToTheNamedFile) {
     const OstraServerProcess server(Served(), {"--log", folder.Path("requests.log")});
     RawHttp::Request(server.ControlPort(), "GET", "/system/info");
     EXPECT_EQ(FileContent(folder.Path("requests.log")), "GET /system/info 0 200\n");

@@ -57,7 +57,7 @@ class ServerConnections : public ServerTest {
     }
 };
 
-TEST_F(ServerConnections, OneTooManyIs503) {
+TEST_F(ServerConnections, oneTooManyIs503) {
     const OstraServerProcess server(Served(), {"--connections", "2"});
     RawHttp first(server.ControlPort(), "127.0.0.2");
     RawHttp second(server.ControlPort(), "127.0.0.3");
@@ -71,7 +71,7 @@ TEST_F(ServerConnections, OneTooManyIs503) {
     EXPECT_EQ(first.Read().status, 200U);
 }
 
-TEST_F(ServerConnections, OneAddressGetsHalfOfThePlaces) {
+TEST_F(ServerConnections, oneAddressGetsHalfOfThePlaces) {
     const OstraServerProcess server(Served(), {"--connections", "8"});
     Connections greedy;
     for (int i = 0; i < 4; ++i)
@@ -82,7 +82,7 @@ TEST_F(ServerConnections, OneAddressGetsHalfOfThePlaces) {
     EXPECT_EQ(StatusFrom(server, "127.0.0.4"), 503U) << "now there is no place at all";
 }
 
-TEST_F(ServerConnections, HalfHeadsDoNotLockOthersOut) {
+TEST_F(ServerConnections, halfHeadsDoNotLockOthersOut) {
     const OstraServerProcess server(Served(), {"--head-timeout", "400"});
     Connections half;
     Open(half, server, 32, "127.0.0.2", "GET /system/info HTTP/1.1\r\nHost: 127");
@@ -93,7 +93,7 @@ TEST_F(ServerConnections, HalfHeadsDoNotLockOthersOut) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
 }
 
-TEST_F(ServerConnections, AHeadHasFiveSecondsToArrive) {
+TEST_F(ServerConnections, aHeadHasFiveSecondsToArrive) {
     const OstraServerProcess server(Served());
     RawHttp http(server.ControlPort());
     http.Send("GET /sys");
@@ -102,7 +102,7 @@ TEST_F(ServerConnections, AHeadHasFiveSecondsToArrive) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(15));
 }
 
-TEST_F(ServerConnections, TheOldestIdleOneGivesWayToANewOne) {
+TEST_F(ServerConnections, theOldestIdleOneGivesWayToANewOne) {
     const OstraServerProcess server(Served(), {"--connections", "4"});
     Connections idle;
     for (const char* const from : {"127.0.0.2", "127.0.0.3", "127.0.0.4", "127.0.0.5"}) {
@@ -116,7 +116,7 @@ TEST_F(ServerConnections, TheOldestIdleOneGivesWayToANewOne) {
     EXPECT_EQ(idle.back().Read().status, 200U);
 }
 
-TEST_F(ServerConnections, WithOnePlaceAConnectFollowedByARequestWorksEachTime) {
+TEST_F(ServerConnections, withOnePlaceAConnectFollowedByARequestWorksEachTime) {
     const OstraServerProcess server(Served(), {"--connections", "1"});
     const std::string closing = "GET /system/info HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n\r\n";
     for (int round = 0; round < 300; ++round) {
@@ -131,7 +131,7 @@ TEST_F(ServerConnections, WithOnePlaceAConnectFollowedByARequestWorksEachTime) {
     }
 }
 
-TEST_F(ServerConnections, EachNeedsOneDescriptor) {
+TEST_F(ServerConnections, eachNeedsOneDescriptor) {
     const OstraServerProcess server(Served(), {"--connections", "400"});
     const std::ptrdiff_t before = DescriptorsOf(server);
     Connections connections;
@@ -143,7 +143,7 @@ TEST_F(ServerConnections, EachNeedsOneDescriptor) {
     EXPECT_LE(DescriptorsOf(server), before + 100);
 }
 
-TEST_F(ServerConnections, ADescriptorTooFewIsWaitedFor) {
+TEST_F(ServerConnections, aDescriptorTooFewIsWaitedFor) {
     const OstraServerProcess server(Served());
     EXPECT_EQ(StatusFrom(server, "127.0.0.2"), 200U);
     rlimit before{};
@@ -159,7 +159,7 @@ TEST_F(ServerConnections, ADescriptorTooFewIsWaitedFor) {
         EXPECT_EQ(each->Read().status, 200U);
 }
 
-TEST_F(ServerConnections, MoreThanTheSystemAllowsAreRefusedAtTheStart) {
+TEST_F(ServerConnections, moreThanTheSystemAllowsAreRefusedAtTheStart) {
     const std::string start =
         "ulimit -n 300 && '" + OstraServerProcess::Program() +
         "' --port 0 --discovery-port 0 --workspace 'station one' --connections 1000 2> error";
@@ -168,7 +168,7 @@ TEST_F(ServerConnections, MoreThanTheSystemAllowsAreRefusedAtTheStart) {
                 testing::HasSubstr("--connections 1000 needs 3144 open files, and the system allows 300"));
 }
 
-TEST_F(ServerConnections, AServerOfAThousandStartsWhereTheSystemAllowsIt) {
+TEST_F(ServerConnections, aServerOfAThousandStartsWhereTheSystemAllowsIt) {
     const OstraServerProcess server(Served(), {"--connections", "1000"});
     Connections connections;
     for (int i = 0; i < 400; ++i)
@@ -176,7 +176,7 @@ TEST_F(ServerConnections, AServerOfAThousandStartsWhereTheSystemAllowsIt) {
     EXPECT_EQ(StatusFrom(server, "127.0.0.2"), 200U);
 }
 
-TEST_F(ServerConnections, AFloodDoesNotEndTheServer) {
+TEST_F(ServerConnections, aFloodDoesNotEndTheServer) {
     const OstraServerProcess server(Served(), {"--connections", "4"});
     for (int round = 0; round < 20; ++round) {
         Connections flood;

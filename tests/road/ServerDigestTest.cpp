@@ -24,12 +24,12 @@ class ServerDigest : public ServerTest {
     const std::string wish = "Want-Content-Digest: crc32c=1\r\n";
 };
 
-TEST_F(ServerDigest, ARequestWithTheRightDigestIsCarriedOut) {
+TEST_F(ServerDigest, aRequestWithTheRightDigestIsCarriedOut) {
     EXPECT_EQ(RestoreWith(digest, body), 200U);
     EXPECT_EQ(TreeOf(Served()), changed);
 }
 
-TEST_F(ServerDigest, AFlippedBitInAFilesContentChangesNothing) {
+TEST_F(ServerDigest, aFlippedBitInAFilesContentChangesNothing) {
     std::string damaged = body;
     const std::size_t content = damaged.find("second");
     ASSERT_NE(content, std::string::npos);
@@ -39,7 +39,7 @@ TEST_F(ServerDigest, AFlippedBitInAFilesContentChangesNothing) {
     EXPECT_EQ(RestoreWith("", damaged), 200U); // nothing else would have told
 }
 
-TEST_F(ServerDigest, ADamagedRequestIsNotBlamedOnItsArchive) {
+TEST_F(ServerDigest, aDamagedRequestIsNotBlamedOnItsArchive) {
     std::string damaged = body;
     const std::size_t header = damaged.find("workspaces");
     ASSERT_NE(header, std::string::npos);
@@ -49,25 +49,25 @@ TEST_F(ServerDigest, ADamagedRequestIsNotBlamedOnItsArchive) {
     EXPECT_EQ(TreeOf(Served()), original);
 }
 
-TEST_F(ServerDigest, OfSeveralDigestsEachMustFit) {
+TEST_F(ServerDigest, ofSeveralDigestsEachMustFit) {
     EXPECT_EQ(RestoreWith(digest + "Content-Digest: crc32c=:AAAAAA==:\r\n", body), 400U);
     EXPECT_EQ(TreeOf(Served()), original);
 }
 
-TEST_F(ServerDigest, WhoAsksForDigestsSendsThemToo) {
+TEST_F(ServerDigest, whoAsksForDigestsSendsThemToo) {
     EXPECT_EQ(RestoreWith(wish, body), 400U);
     EXPECT_EQ(RestoreWith(wish + "Content-Digest: sha-256=:AA==:\r\n", body), 400U);
     EXPECT_EQ(TreeOf(Served()), original);
     EXPECT_EQ(RestoreWith(wish + digest, body), 200U);
 }
 
-TEST_F(ServerDigest, WhoDoesNotAskGetsALengthAndNoDigest) {
+TEST_F(ServerDigest, whoDoesNotAskGetsALengthAndNoDigest) {
     const RawHttp::Reply reply = Archive(server);
     EXPECT_TRUE(reply.Whole());
     EXPECT_EQ(reply.head.find("Digest"), std::string::npos);
 }
 
-TEST_F(ServerDigest, TheDigestStandsBehindTheChunksOfTheReply) {
+TEST_F(ServerDigest, theDigestStandsBehindTheChunksOfTheReply) {
     RawHttp connection(server.ControlPort());
     connection.Send("GET /replay/playback HTTP/1.1\r\nHost: 127.0.0.1\r\n" + wish + "\r\n");
     const RawHttp::Reply reply = connection.Read();
@@ -78,7 +78,7 @@ TEST_F(ServerDigest, TheDigestStandsBehindTheChunksOfTheReply) {
                               ContentDigest(independent::SlowCrc32c(json)) + "\r\n\r\n");
 }
 
-TEST_F(ServerDigest, BehindTheDigestTheConnectionServesOn) {
+TEST_F(ServerDigest, behindTheDigestTheConnectionServesOn) {
     RawHttp connection(server.ControlPort());
     for (int request = 0; request < 3; ++request) {
         connection.Send("GET /replay/playback HTTP/1.1\r\nHost: 127.0.0.1\r\n" + wish + "\r\n");
@@ -88,7 +88,7 @@ TEST_F(ServerDigest, BehindTheDigestTheConnectionServesOn) {
     }
 }
 
-TEST_F(ServerDigest, AClientOfAnOlderHttpGetsNoChunks) {
+TEST_F(ServerDigest, aClientOfAnOlderHttpGetsNoChunks) {
     RawHttp connection(server.ControlPort());
     connection.Send("GET /replay/playback HTTP/1.0\r\n" + wish + "\r\n");
     const RawHttp::Reply reply = connection.Read();

@@ -45,7 +45,7 @@ class ServerKeep : public ServerTest {
     }
 };
 
-TEST_F(ServerKeep, ASecondServerOnTheFolderTouchesNothingAndEnds) {
+TEST_F(ServerKeep, aSecondServerOnTheFolderTouchesNothingAndEnds) {
     for (int i = 0; i < 200; ++i)
         changed["vdk/ContourPath/" + std::to_string(i) + ".trk"] = std::string(20'000, 'x');
     const std::string text =
@@ -65,7 +65,7 @@ TEST_F(ServerKeep, ASecondServerOnTheFolderTouchesNothingAndEnds) {
     }
 }
 
-TEST_F(ServerKeep, APortThatIsTakenIsNamedAndNothingIsTouchedBefore) {
+TEST_F(ServerKeep, aPortThatIsTakenIsNamedAndNothingIsTouchedBefore) {
     const OstraServerProcess other(folder.Path("."));
     MakeTree(folder.Path(".station one.ostra-new-abcdef"), changed);
     const std::string program = "'" + OstraServerProcess::Program() + "' --workspace 'station one' ";
@@ -80,7 +80,7 @@ TEST_F(ServerKeep, APortThatIsTakenIsNamedAndNothingIsTouchedBefore) {
     EXPECT_THAT(Leftovers(), HasSubstr(".station one.ostra-new-abcdef"));
 }
 
-TEST_F(ServerKeep, TheLockOfAServerThatWasKilledDoesNotMatter) {
+TEST_F(ServerKeep, theLockOfAServerThatWasKilledDoesNotMatter) {
     OstraServerProcess server(Served());
     server.Kill();
     EXPECT_TRUE(fs::exists(folder.Path(".station one.ostra-lock")));
@@ -89,7 +89,7 @@ TEST_F(ServerKeep, TheLockOfAServerThatWasKilledDoesNotMatter) {
     EXPECT_EQ(server.Stop(), 0);
 }
 
-TEST_F(ServerKeep, ARestoreThatLostAPartOfWhatItUnpackedIsNotDone) {
+TEST_F(ServerKeep, aRestoreThatLostAPartOfWhatItUnpackedIsNotDone) {
     for (int i = 0; i < 50; ++i)
         changed["vdk/ContourPath/" + std::to_string(i) + ".trk"] = std::string(20'000, 'x');
     const std::string text =
@@ -112,7 +112,7 @@ TEST_F(ServerKeep, ARestoreThatLostAPartOfWhatItUnpackedIsNotDone) {
     }
 }
 
-TEST_F(ServerKeep, TheLastThreeContentsAreKept) {
+TEST_F(ServerKeep, theLastThreeContentsAreKept) {
     const OstraServerProcess server(Served());
     RestoreNumbered(server, 5);
     const std::vector<std::string> kept = Kept();
@@ -125,7 +125,7 @@ TEST_F(ServerKeep, TheLastThreeContentsAreKept) {
     EXPECT_EQ(ServedTree(server), Numbered(5)) << "what is kept is not served";
 }
 
-TEST_F(ServerKeep, AsManyAreKeptAsAskedFor) {
+TEST_F(ServerKeep, asManyAreKeptAsAskedFor) {
     {
         const OstraServerProcess server(Served(), {"--keep", "0"});
         RestoreNumbered(server, 2);
@@ -142,7 +142,7 @@ TEST_F(ServerKeep, AsManyAreKeptAsAskedFor) {
     }
 }
 
-TEST_F(ServerKeep, AKeptContentIsPutBackAndTheOtherOneKept) {
+TEST_F(ServerKeep, aKeptContentIsPutBackAndTheOtherOneKept) {
     {
         const OstraServerProcess server(Served());
         RestoreNumbered(server, 2);
@@ -158,7 +158,7 @@ TEST_F(ServerKeep, AKeptContentIsPutBackAndTheOtherOneKept) {
     EXPECT_EQ(TreeOf(Served()), Numbered(2));
 }
 
-TEST_F(ServerKeep, OnlyWhatIsKeptIsPutBack) {
+TEST_F(ServerKeep, onlyWhatIsKeptIsPutBack) {
     MakeTree(folder.Path("elsewhere"), changed);
     for (const std::string name : {"20200101T000000Z", "/../elsewhere", "../elsewhere", "''"}) {
         EXPECT_EQ(Run("--put-back " + name), 1) << name;
@@ -167,7 +167,7 @@ TEST_F(ServerKeep, OnlyWhatIsKeptIsPutBack) {
     EXPECT_EQ(Run("--put-back x --list-kept"), 2);
 }
 
-TEST_F(ServerKeep, AnArchiveBeingSentStaysWholeWhenItsContentIsNoLongerKept) {
+TEST_F(ServerKeep, anArchiveBeingSentStaysWholeWhenItsContentIsNoLongerKept) {
     original["vdk/ContourPath/large.trk"] = std::string(30'000'000, 'o');
     MakeTree(Served(), original);
     const OstraServerProcess server(Served(), {"--keep", "1"});
@@ -183,7 +183,7 @@ TEST_F(ServerKeep, AnArchiveBeingSentStaysWholeWhenItsContentIsNoLongerKept) {
     EXPECT_EQ(Kept().size(), 1U);
 }
 
-TEST_F(ServerKeep, AWorkspaceThatAKillLeftBesideIsKept) {
+TEST_F(ServerKeep, aWorkspaceThatAKillLeftBesideIsKept) {
     {
         OstraServerProcess server(Served());
         RestoreNumbered(server, 1);

@@ -25,14 +25,14 @@ class ServerLimits : public ServerTest {
     }
 };
 
-TEST_F(ServerLimits, UnknownPathsAre404) {
+TEST_F(ServerLimits, unknownPathsAre404) {
     const OstraServerProcess server(Served());
     for (const std::string path :
          {"/", "/system", "/system/info/", "/system/info?x=1", "/../etc/passwd", "*"})
         EXPECT_EQ(RawHttp::Request(server.ControlPort(), "GET", path).status, 404U) << path;
 }
 
-TEST_F(ServerLimits, WrongVerbsAre405) {
+TEST_F(ServerLimits, wrongVerbsAre405) {
     const OstraServerProcess server(Served());
     for (const std::string verb : {"GET", "PUT", "DELETE", "POSTER"}) {
         EXPECT_EQ(RawHttp::Request(server.ControlPort(), verb, kArchivePath).status, 405U) << verb;
@@ -43,7 +43,7 @@ TEST_F(ServerLimits, WrongVerbsAre405) {
     EXPECT_EQ(RawHttp::Request(server.ControlPort(), "PUT", "/system/info").status, 405U);
 }
 
-TEST_F(ServerLimits, ARefusedVerbIsAnsweredWithThoseThatFit) {
+TEST_F(ServerLimits, aRefusedVerbIsAnsweredWithThoseThatFit) {
     const OstraServerProcess server(Served());
     const auto allowed = [&](const std::string& verb, const std::string& path) {
         const std::string head = RawHttp::Request(server.ControlPort(), verb, path).head;
@@ -59,7 +59,7 @@ TEST_F(ServerLimits, ARefusedVerbIsAnsweredWithThoseThatFit) {
     EXPECT_EQ(allowed("GET", "/nowhere"), "none");
 }
 
-TEST_F(ServerLimits, HeadIsRefusedWithAHeadAlone) {
+TEST_F(ServerLimits, headIsRefusedWithAHeadAlone) {
     const OstraServerProcess server(Served());
     for (const std::string path : {kArchivePath, "/nowhere"}) {
         for (const std::string fields : {"", "Want-Content-Digest: crc32c=1\r\n"}) {
@@ -77,7 +77,7 @@ TEST_F(ServerLimits, HeadIsRefusedWithAHeadAlone) {
     }
 }
 
-TEST_F(ServerLimits, BodiesThatCannotBeUnderstoodAre400) {
+TEST_F(ServerLimits, bodiesThatCannotBeUnderstoodAre400) {
     const OstraServerProcess server(Served());
     const auto put = [&](const std::string& body, const std::string& type = "application/json") {
         return RawHttp::Request(server.ControlPort(), "PUT", kReplayPath, body, type).status;
@@ -99,7 +99,7 @@ TEST_F(ServerLimits, BodiesThatCannotBeUnderstoodAre400) {
     ExpectWorks(server);
 }
 
-TEST_F(ServerLimits, NestingIsBounded) {
+TEST_F(ServerLimits, nestingIsBounded) {
     const OstraServerProcess server(Served());
     const auto nested = [](unsigned levels) {
         return "{\"enabled\": true, \"x\": " + std::string(levels, '[') + std::string(levels, ']') + "}";
@@ -123,7 +123,7 @@ TEST_F(ServerLimits, NestingIsBounded) {
     ExpectWorks(server);
 }
 
-TEST_F(ServerLimits, MalformedCborIs400AndChangesNothing) {
+TEST_F(ServerLimits, malformedCborIs400AndChangesNothing) {
     const OstraServerProcess server(Served());
     const std::string good = RestoreBody(Backup(changed));
     const std::string key = "\x64"
@@ -154,7 +154,7 @@ TEST_F(ServerLimits, MalformedCborIs400AndChangesNothing) {
     EXPECT_EQ(Leftovers(), "");
 }
 
-TEST_F(ServerLimits, CborWithReservedLengthsOverflowOrAKeyTwiceIs400) {
+TEST_F(ServerLimits, cborWithReservedLengthsOverflowOrAKeyTwiceIs400) {
     const OstraServerProcess server(Served());
     const std::string zeros(8, '\0');
     const std::string on = "\x67"
@@ -175,7 +175,7 @@ TEST_F(ServerLimits, CborWithReservedLengthsOverflowOrAKeyTwiceIs400) {
     EXPECT_EQ(put("\xa1" + on), 200U);
 }
 
-TEST_F(ServerLimits, ContentsInCborAreOneListThatMayHoldOtherThings) {
+TEST_F(ServerLimits, contentsInCborAreOneListThatMayHoldOtherThings) {
     const OstraServerProcess server(Served());
     const std::string contents = "\x68"
                                  "contents";
@@ -193,7 +193,7 @@ TEST_F(ServerLimits, ContentsInCborAreOneListThatMayHoldOtherThings) {
     EXPECT_EQ(post("\xa2" + contents + "\x81" + all + contents + "\x81" + all), 400U);
 }
 
-TEST_F(ServerLimits, HeadsAndBodiesUpToTheirLimitsAreTaken) {
+TEST_F(ServerLimits, headsAndBodiesUpToTheirLimitsAreTaken) {
     const OstraServerProcess server(Served());
     const std::string longField = "X: " + std::string(64'000, 'x') + "\r\n";
     EXPECT_EQ(StatusOf(server, "GET /system/info HTTP/1.1\r\nHost: 127.0.0.1\r\n" + longField + "\r\n"),
@@ -203,12 +203,12 @@ TEST_F(ServerLimits, HeadsAndBodiesUpToTheirLimitsAreTaken) {
     EXPECT_EQ(RawHttp::Request(server.ControlPort(), "PUT", kReplayPath, body).status, 200U);
 }
 
-TEST_F(ServerLimits, ABodyHasItsOwnTimeToArriveIn) {
+TEST_F(ServerLimits, aBodyHasItsOwnTimeToArriveIn) {
     const OstraServerProcess server(Served(), {"--idle-timeout", "3600000", "--transfer-timeout", "50"});
     EXPECT_EQ(StatusOf(server, Head(kArchivePath, "Content-Length: 10\r\n")), 408U);
 }
 
-TEST_F(ServerLimits, ARequestBeyondItsLimitIsRefusedBeforeItsBodyIsRead) {
+TEST_F(ServerLimits, aRequestBeyondItsLimitIsRefusedBeforeItsBodyIsRead) {
     OstraServerProcess server(Served(), {"--request-limit", "100000"});
     const std::string cbor = "Content-Type: application/cbor\r\n";
     EXPECT_EQ(StatusOf(server, Head(kRestorePath, cbor + "Content-Length: 100001\r\n")), 413U);
@@ -225,14 +225,14 @@ TEST_F(ServerLimits, ARequestBeyondItsLimitIsRefusedBeforeItsBodyIsRead) {
         400U);
 }
 
-TEST_F(ServerLimits, AClientThatSendsOnGetsTheRefusalToo) {
+TEST_F(ServerLimits, aClientThatSendsOnGetsTheRefusalToo) {
     const OstraServerProcess server(Served(), {"--request-limit", "1000"});
     RawHttp http(server.ControlPort());
     http.Send(RawHttp::Text("POST", kRestorePath, std::string(3'000'000, 'x'), "application/cbor"));
     EXPECT_EQ(http.Read().status, 413U);
 }
 
-TEST_F(ServerLimits, ChunkedBodiesAreUnderstoodAndLimited) {
+TEST_F(ServerLimits, chunkedBodiesAreUnderstoodAndLimited) {
     const OstraServerProcess server(Served());
     const std::string chunked = "Transfer-Encoding: chunked\r\n";
     EXPECT_EQ(StatusOf(server, "PUT /replay/playback HTTP/1.1\r\nHost: 127.0.0.1\r\n" + chunked +
@@ -255,7 +255,7 @@ TEST_F(ServerLimits, ChunkedBodiesAreUnderstoodAndLimited) {
     EXPECT_EQ(StatusOf(server, Head(kArchivePath, chunked) + "ffffffffffffffffff\r\n"), 400U);
 }
 
-TEST_F(ServerLimits, ContradictoryLengthsAre400) {
+TEST_F(ServerLimits, contradictoryLengthsAre400) {
     const OstraServerProcess server(Served());
     for (const std::string fields :
          {"Content-Length: 2\r\nContent-Length: 3\r\n", "Content-Length: 2\r\nTransfer-Encoding: chunked\r\n",
@@ -265,7 +265,7 @@ TEST_F(ServerLimits, ContradictoryLengthsAre400) {
     ExpectWorks(server);
 }
 
-TEST_F(ServerLimits, MalformedHeadsAre400) {
+TEST_F(ServerLimits, malformedHeadsAre400) {
     const OstraServerProcess server(Served());
     for (const std::string& request :
          {std::string("\r\n\r\nnonsense\r\n\r\n"), std::string("GET\r\n\r\n"),
@@ -276,7 +276,7 @@ TEST_F(ServerLimits, MalformedHeadsAre400) {
     ExpectWorks(server);
 }
 
-TEST_F(ServerLimits, ACutBodyIs400AndChangesNothing) {
+TEST_F(ServerLimits, aCutBodyIs400AndChangesNothing) {
     OstraServerProcess server(Served());
     const std::string request =
         RawHttp::Text("POST", kRestorePath, RestoreBody(Backup(changed)), "application/cbor");
@@ -290,7 +290,7 @@ TEST_F(ServerLimits, ACutBodyIs400AndChangesNothing) {
     EXPECT_EQ(Leftovers(), "");
 }
 
-TEST_F(ServerLimits, ClientsThatLeaveAreForgotten) {
+TEST_F(ServerLimits, clientsThatLeaveAreForgotten) {
     const OstraServerProcess server(Served(), {"--connections", "2"});
     const std::string request =
         RawHttp::Text("POST", kRestorePath, RestoreBody(Backup(changed)), "application/cbor");
@@ -305,7 +305,7 @@ TEST_F(ServerLimits, ClientsThatLeaveAreForgotten) {
     EXPECT_EQ(status, 200U);
 }
 
-TEST_F(ServerLimits, ASilentClientIsDropped) {
+TEST_F(ServerLimits, aSilentClientIsDropped) {
     const OstraServerProcess server(Served(), {"--idle-timeout", "100"});
     RawHttp silent(server.ControlPort());
     EXPECT_TRUE(silent.Closed());
@@ -315,7 +315,7 @@ TEST_F(ServerLimits, ASilentClientIsDropped) {
     EXPECT_TRUE(half.Closed());
 }
 
-TEST_F(ServerLimits, ADrippingClientIsDropped) {
+TEST_F(ServerLimits, aDrippingClientIsDropped) {
     OstraServerProcess server(Served(), {"--idle-timeout", "200", "--transfer-timeout", "200"});
     const auto drip = [&](const std::string& start) {
         RawHttp http(server.ControlPort());
@@ -334,7 +334,7 @@ TEST_F(ServerLimits, ADrippingClientIsDropped) {
     EXPECT_EQ(Leftovers(), "");
 }
 
-TEST_F(ServerLimits, AClientThatDoesNotReadIsDropped) {
+TEST_F(ServerLimits, aClientThatDoesNotReadIsDropped) {
     original["vdk/ContourPath/large.trk"] = std::string(30'000'000, 'o');
     MakeTree(Served(), original);
     const OstraServerProcess server(Served(), {"--transfer-timeout", "200", "--connections", "1"});
@@ -348,7 +348,7 @@ TEST_F(ServerLimits, AClientThatDoesNotReadIsDropped) {
     EXPECT_FALSE(lazy.Read().Whole());
 }
 
-TEST_F(ServerLimits, ContinueIsSaidToAClientThatWaitsForIt) {
+TEST_F(ServerLimits, continueIsSaidToAClientThatWaitsForIt) {
     const OstraServerProcess server(Served());
     RawHttp http(server.ControlPort());
     http.Send("PUT /replay/playback HTTP/1.1\r\nHost: 127.0.0.1\r\nExpect: 100-continue\r\n"

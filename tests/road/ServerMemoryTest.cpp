@@ -40,7 +40,7 @@ class ServerMemory : public ServerTest {
     }
 };
 
-TEST_F(ServerMemory, NoByteBesideABodyTakesMemoryWithoutABound) {
+TEST_F(ServerMemory, noByteBesideABodyTakesMemoryWithoutABound) {
     if (!kMemoryTells)
         GTEST_SKIP() << "the sanitizer's own memory hides the program's";
     constexpr std::uint64_t kMostGrowth = 4'000'000;
@@ -68,7 +68,7 @@ TEST_F(ServerMemory, NoByteBesideABodyTakesMemoryWithoutABound) {
     EXPECT_EQ(RawHttp::Request(server.ControlPort(), "GET", "/system/info").status, 200U);
 }
 
-TEST_F(ServerMemory, FramesOfChunksMayHave64KiBInAll) {
+TEST_F(ServerMemory, framesOfChunksMayHave64KiBInAll) {
     const OstraServerProcess server(Served());
     const std::string start =
         "PUT /replay/playback HTTP/1.1\r\nHost: 127.0.0.1\r\nTransfer-Encoding: chunked\r\n\r\n";

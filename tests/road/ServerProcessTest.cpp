@@ -56,7 +56,7 @@ const char* const kQuestion = "{\"ostra\":\"discover\",\"version\":1}";
 
 using ServerProcess = ServerTest;
 
-TEST_F(ServerProcess, DiscoveryAnswerHasEveryKeyWithItsType) {
+TEST_F(ServerProcess, discoveryAnswerHasEveryKeyWithItsType) {
     const OstraServerProcess server(Served(), {"--serial", "4711", "--model", "Line 5"});
     const Asker asker(server.DiscoveryPort());
     asker.Ask(kQuestion);
@@ -74,7 +74,7 @@ TEST_F(ServerProcess, DiscoveryAnswerHasEveryKeyWithItsType) {
     EXPECT_EQ(answer.value(QLatin1String("Address")).toString(), QLatin1String("127.0.0.1"));
 }
 
-TEST_F(ServerProcess, OnlyTheQuestionIsAnswered) {
+TEST_F(ServerProcess, onlyTheQuestionIsAnswered) {
     const OstraServerProcess server(Served(), {"--serial", "4711"});
     const Asker stranger(server.DiscoveryPort());
     for (const std::string& datagram :
@@ -92,7 +92,7 @@ TEST_F(ServerProcess, OnlyTheQuestionIsAnswered) {
     EXPECT_FALSE(stranger.HasAnswer()) << stranger.Answer();
 }
 
-TEST_F(ServerProcess, StopsCleanlyOnASignal) {
+TEST_F(ServerProcess, stopsCleanlyOnASignal) {
     OstraServerProcess server(Served());
     EXPECT_EQ(server.Stop(), 0);
     server.Restart();
@@ -100,7 +100,7 @@ TEST_F(ServerProcess, StopsCleanlyOnASignal) {
     EXPECT_EQ(server.Stop(), 0);
 }
 
-TEST_F(ServerProcess, StopsWhileClientsAreInTheMiddle) {
+TEST_F(ServerProcess, stopsWhileClientsAreInTheMiddle) {
     original["vdk/ContourPath/large.trk"] = std::string(30'000'000, 'o');
     MakeTree(Served(), original);
     OstraServerProcess server(Served(), {"--fault-delay", "60000", "--fault-path", "/system/info"});
@@ -120,7 +120,7 @@ TEST_F(ServerProcess, StopsWhileClientsAreInTheMiddle) {
     EXPECT_EQ(Leftovers(), "");
 }
 
-TEST_F(ServerProcess, HelpTellsTheOptions) {
+TEST_F(ServerProcess, helpTellsTheOptions) {
     EXPECT_TRUE(Shell("'" + OstraServerProcess::Program() + "' --help > help"));
     for (const char* option :
          {"--address", "--port", "--discovery-port", "--workspace", "--serial", "--model", "--request-limit",
@@ -130,7 +130,7 @@ TEST_F(ServerProcess, HelpTellsTheOptions) {
         EXPECT_THAT(FileContent(folder.Path("help")), HasSubstr(option));
 }
 
-TEST_F(ServerProcess, WrongOptionsAreToldAndEndIt) {
+TEST_F(ServerProcess, wrongOptionsAreToldAndEndIt) {
     const std::string start = "'" + OstraServerProcess::Program() + "' --port 0 --discovery-port 0 ";
     for (const std::string words :
          {"", "--workspace . --port 65536", "--workspace . --port x", "--workspace . --replay maybe",
@@ -144,14 +144,14 @@ TEST_F(ServerProcess, WrongOptionsAreToldAndEndIt) {
     EXPECT_TRUE(Shell(start + "--workspace . --address nonsense 2> error; test $? = 1"));
 }
 
-TEST_F(ServerProcess, FaultStatusAnswersInsteadOfDoing) {
+TEST_F(ServerProcess, faultStatusAnswersInsteadOfDoing) {
     const OstraServerProcess server(Served(), {"--fault-status", "500", "--fault-path", kRestorePath});
     EXPECT_EQ(Restore(server, Backup(changed)).status, 500U);
     EXPECT_EQ(TreeOf(Served()), original);
     EXPECT_EQ(Archive(server).status, 200U);
 }
 
-TEST_F(ServerProcess, FaultCutClosesWithinTheReply) {
+TEST_F(ServerProcess, faultCutClosesWithinTheReply) {
     const OstraServerProcess server(Served(), {"--fault-cut", "1000", "--fault-path", kArchivePath});
     const RawHttp::Reply reply = Archive(server);
     EXPECT_EQ(reply.status, 200U);
@@ -160,12 +160,12 @@ TEST_F(ServerProcess, FaultCutClosesWithinTheReply) {
     EXPECT_TRUE(RawHttp::Request(server.ControlPort(), "GET", "/system/info").Whole());
 }
 
-TEST_F(ServerProcess, FaultCutOfZeroGivesNoReply) {
+TEST_F(ServerProcess, faultCutOfZeroGivesNoReply) {
     const OstraServerProcess server(Served(), {"--fault-cut", "0"});
     EXPECT_EQ(Archive(server).status, 0U);
 }
 
-TEST_F(ServerProcess, FaultDamageChangesBytesOfTheBodyOnly) {
+TEST_F(ServerProcess, faultDamageChangesBytesOfTheBodyOnly) {
     const RawHttp::Reply whole = Archive(OstraServerProcess(Served()));
     const RawHttp::Reply damaged = Archive(OstraServerProcess(Served(), {"--fault-damage"}));
     EXPECT_EQ(damaged.status, 200U);
@@ -177,21 +177,21 @@ TEST_F(ServerProcess, FaultDamageChangesBytesOfTheBodyOnly) {
     EXPECT_EQ(different, (whole.body.size() + 999) / 1000);
 }
 
-TEST_F(ServerProcess, FaultDelayHoldsTheReplyBack) {
+TEST_F(ServerProcess, faultDelayHoldsTheReplyBack) {
     const OstraServerProcess server(Served(), {"--fault-delay", "300", "--fault-path", "/system/info"});
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(RawHttp::Request(server.ControlPort(), "GET", "/system/info").status, 200U);
     EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(300));
 }
 
-TEST_F(ServerProcess, ADelayTakesNoTimeFromTheReply) {
+TEST_F(ServerProcess, aDelayTakesNoTimeFromTheReply) {
     const OstraServerProcess server(
         Served(), {"--fault-delay", "1600", "--idle-timeout", "1500", "--transfer-timeout", "1500"});
     EXPECT_TRUE(RawHttp::Request(server.ControlPort(), "GET", "/system/info").Whole());
     EXPECT_TRUE(Archive(server).Whole());
 }
 
-TEST_F(ServerProcess, FaultsCanBeSkippedAndCounted) {
+TEST_F(ServerProcess, faultsCanBeSkippedAndCounted) {
     const OstraServerProcess server(Served(), {"--fault-status", "503", "--fault-path", kReplayPath,
                                                "--fault-skip", "1", "--fault-count", "2"});
     std::vector<unsigned> statuses;

@@ -39,7 +39,7 @@ class ServerRestore : public ServerTest {
     }
 };
 
-TEST_F(ServerRestore, PutsTheArchivedWorkspaceInPlace) {
+TEST_F(ServerRestore, putsTheArchivedWorkspaceInPlace) {
     const OstraServerProcess server(Served());
     const RawHttp::Reply reply = Restore(server, Backup(changed));
     EXPECT_EQ(reply.status, 200U) << reply.body;
@@ -49,7 +49,7 @@ TEST_F(ServerRestore, PutsTheArchivedWorkspaceInPlace) {
     AwaitNoLeftovers();
 }
 
-TEST_F(ServerRestore, TakesBackItsOwnArchive) {
+TEST_F(ServerRestore, takesBackItsOwnArchive) {
     const OstraServerProcess server(Served());
     const std::string archive = DataOf(Archive(server).body);
     MakeTree(Served(), changed);
@@ -57,14 +57,14 @@ TEST_F(ServerRestore, TakesBackItsOwnArchive) {
     EXPECT_EQ(TreeOf(Served()), original);
 }
 
-TEST_F(ServerRestore, TakesTheArchiveOfARealStation) {
+TEST_F(ServerRestore, takesTheArchiveOfARealStation) {
     const OstraServerProcess server(Served());
     EXPECT_EQ(Restore(server, FileContent(TestData("station.osbak"))).status, 200U);
     EXPECT_EQ(FileContent(Served() + "/vdk/ContourPath/fault.trk"), FileContent(TestData("fault.trk")));
     EXPECT_EQ(TreeOf(Served()).count("vdk/empty/"), 1U);
 }
 
-TEST_F(ServerRestore, TakesArchivesOfOtherTools) {
+TEST_F(ServerRestore, takesArchivesOfOtherTools) {
     const OstraServerProcess server(Served());
     const std::string longFolder = "vdk/" + std::string(90, 'd') + "/";
     changed[longFolder] = "";
@@ -82,14 +82,14 @@ TEST_F(ServerRestore, TakesArchivesOfOtherTools) {
     EXPECT_EQ(TreeOf(Served()), changed);
 }
 
-TEST_F(ServerRestore, KeepsTheFoldersPermissions) {
+TEST_F(ServerRestore, keepsTheFoldersPermissions) {
     std::filesystem::permissions(Served(), std::filesystem::perms(0751));
     const OstraServerProcess server(Served());
     EXPECT_EQ(Restore(server, Backup(changed)).status, 200U);
     EXPECT_EQ(std::filesystem::status(Served()).permissions(), std::filesystem::perms(0751));
 }
 
-TEST_F(ServerRestore, ReplayModeFollowsTheArchive) {
+TEST_F(ServerRestore, replayModeFollowsTheArchive) {
     const OstraServerProcess server(Served());
     EXPECT_EQ(Restore(server, Backup(changed, "{\"serial\": \"1\", \"replay\": true}")).status, 200U);
     EXPECT_EQ(Replay(server), "{\"enabled\":true}");
@@ -99,7 +99,7 @@ TEST_F(ServerRestore, ReplayModeFollowsTheArchive) {
     EXPECT_EQ(Replay(server), "{\"enabled\":false}");
 }
 
-TEST_F(ServerRestore, ReplayModeIsWhatTheOptionSays) {
+TEST_F(ServerRestore, replayModeIsWhatTheOptionSays) {
     const OstraServerProcess server(Served(), {"--restore-sets-replay", "on"});
     EXPECT_EQ(Restore(server, "no archive").status, 422U);
     EXPECT_EQ(Replay(server), "{\"enabled\":false}");
@@ -107,12 +107,12 @@ TEST_F(ServerRestore, ReplayModeIsWhatTheOptionSays) {
     EXPECT_EQ(Replay(server), "{\"enabled\":true}");
 }
 
-TEST_F(ServerRestore, RefusesAFolderWithoutTheOneAbove) {
+TEST_F(ServerRestore, refusesAFolderWithoutTheOneAbove) {
     const OstraServerProcess server(Served());
     ExpectRefused(server, BackupAround(TarFolder("missing/vdk") + TarEnd(), "{}"));
 }
 
-TEST_F(ServerRestore, RefusesAnArchiveCutAtAnyBlock) {
+TEST_F(ServerRestore, refusesAnArchiveCutAtAnyBlock) {
     const OstraServerProcess server(Served());
     original = changed;
     MakeTree(Served(), original);
@@ -129,7 +129,7 @@ TEST_F(ServerRestore, RefusesAnArchiveCutAtAnyBlock) {
     EXPECT_EQ(Restore(server, whole).status, 200U);
 }
 
-TEST_F(ServerRestore, RefusesAnInnerArchiveCutAtAnyBlock) {
+TEST_F(ServerRestore, refusesAnInnerArchiveCutAtAnyBlock) {
     const OstraServerProcess server(Served());
     std::string inner = Tarred({{"vdk/ContourPath/a.trk", std::string(1500, 'a')}});
     inner.resize(inner.find_last_not_of('\0') / 512 * 512 + std::size_t{3} * 512);
@@ -139,7 +139,7 @@ TEST_F(ServerRestore, RefusesAnInnerArchiveCutAtAnyBlock) {
     }
 }
 
-TEST_F(ServerRestore, RefusesDamagedHeaders) {
+TEST_F(ServerRestore, refusesDamagedHeaders) {
     const OstraServerProcess server(Served());
     const std::string inner = Tarred(changed);
     for (std::size_t block = 0; block < 3; ++block) {
@@ -150,7 +150,7 @@ TEST_F(ServerRestore, RefusesDamagedHeaders) {
     }
 }
 
-TEST_F(ServerRestore, RefusesUnsafeNames) {
+TEST_F(ServerRestore, refusesUnsafeNames) {
     const OstraServerProcess server(Served());
     for (const std::string name : {"../outside.trk", "/tmp/outside.trk", "vdk/../../outside.trk",
                                    "C:/outside.trk", "vdk\\..\\..\\outside.trk"}) {
@@ -169,7 +169,7 @@ TEST_F(ServerRestore, RefusesUnsafeNames) {
     EXPECT_FALSE(std::filesystem::exists("/tmp/outside.trk"));
 }
 
-TEST_F(ServerRestore, RefusesLinksAndSpecialFiles) {
+TEST_F(ServerRestore, refusesLinksAndSpecialFiles) {
     const OstraServerProcess server(Served());
     const std::vector<std::string> made{"ln -s /etc/passwd tarred/vdk/link", "ln -s .. tarred/vdk/up",
                                         "ln tarred/vdk/ContourPath/new.trk tarred/vdk/hard",
@@ -182,7 +182,7 @@ TEST_F(ServerRestore, RefusesLinksAndSpecialFiles) {
     }
 }
 
-TEST_F(ServerRestore, RefusesLinksAndSpecialFilesBesideTheWorkspaceToo) {
+TEST_F(ServerRestore, refusesLinksAndSpecialFilesBesideTheWorkspaceToo) {
     const OstraServerProcess server(Served());
     const std::string osws = Tarred(changed);
     for (const std::string command :
@@ -194,7 +194,7 @@ TEST_F(ServerRestore, RefusesLinksAndSpecialFilesBesideTheWorkspaceToo) {
     }
 }
 
-TEST_F(ServerRestore, ADiskThatFailsIsTheServersFailureNotTheArchives) {
+TEST_F(ServerRestore, aDiskThatFailsIsTheServersFailureNotTheArchives) {
     // Whoever starts with this signal ignored gets an error for a file beyond its limit.
     const auto before = std::signal(SIGXFSZ, SIG_IGN);
     const OstraServerProcess server(Served());
@@ -211,7 +211,7 @@ TEST_F(ServerRestore, ADiskThatFailsIsTheServersFailureNotTheArchives) {
     EXPECT_EQ(Restore(server, Backup(changed)).status, 200U);
 }
 
-TEST_F(ServerRestore, RefusesToWriteThroughALinkInTheArchive) {
+TEST_F(ServerRestore, refusesToWriteThroughALinkInTheArchive) {
     const OstraServerProcess server(Served());
     MakeTree(folder.Path("one"), {});
     MakeTree(folder.Path("two"), {{"vdk/ContourPath/evil.trk", "evil"}});
@@ -223,7 +223,7 @@ TEST_F(ServerRestore, RefusesToWriteThroughALinkInTheArchive) {
     EXPECT_TRUE(TreeOf(folder.Path("victim")).empty());
 }
 
-TEST_F(ServerRestore, RefusesWhatIsNoBackup) {
+TEST_F(ServerRestore, refusesWhatIsNoBackup) {
     const OstraServerProcess server(Served());
     ExpectRefused(server, "");
     ExpectRefused(server, "not a tar archive at all");
@@ -245,7 +245,7 @@ TEST_F(ServerRestore, RefusesWhatIsNoBackup) {
     ExpectRefused(server, FileContent(folder.Path("twice.tar")));
 }
 
-TEST_F(ServerRestore, NotesOf64KiBAreTheLongest) {
+TEST_F(ServerRestore, notesOf64KiBAreTheLongest) {
     const OstraServerProcess server(Served());
     const std::string notes = R"({"replay": true})";
     const std::size_t room = std::size_t{64} * 1024 - notes.size();
@@ -254,7 +254,7 @@ TEST_F(ServerRestore, NotesOf64KiBAreTheLongest) {
     EXPECT_EQ(RawHttp::Request(server.ControlPort(), "GET", kReplayPath).body, R"({"enabled":true})");
 }
 
-TEST_F(ServerRestore, AnArchiveBeingSentStaysWholeWhileTheWorkspaceIsReplaced) {
+TEST_F(ServerRestore, anArchiveBeingSentStaysWholeWhileTheWorkspaceIsReplaced) {
     original["vdk/ContourPath/large.trk"] = std::string(30'000'000, 'o');
     MakeTree(Served(), original);
     const OstraServerProcess server(Served());
@@ -273,7 +273,7 @@ TEST_F(ServerRestore, AnArchiveBeingSentStaysWholeWhileTheWorkspaceIsReplaced) {
     AwaitNoLeftovers();
 }
 
-TEST_F(ServerRestore, ManyClientsAtOnceSeeOneWorkspaceOrTheOther) {
+TEST_F(ServerRestore, manyClientsAtOnceSeeOneWorkspaceOrTheOther) {
     const OstraServerProcess server(Served());
     const std::string first = Backup(original);
     const std::string second = Backup(changed);
@@ -304,7 +304,7 @@ TEST_F(ServerRestore, ManyClientsAtOnceSeeOneWorkspaceOrTheOther) {
     AwaitNoLeftovers();
 }
 
-TEST_F(ServerRestore, AKillAtAnyMomentLeavesTheOldWorkspaceOrTheNewOne) {
+TEST_F(ServerRestore, aKillAtAnyMomentLeavesTheOldWorkspaceOrTheNewOne) {
     for (int i = 0; i < 40; ++i)
         changed["vdk/ContourPath/" + std::to_string(i) + ".trk"] =
             std::string(20000, static_cast<char>('a' + i % 26));
@@ -330,7 +330,7 @@ TEST_F(ServerRestore, AKillAtAnyMomentLeavesTheOldWorkspaceOrTheNewOne) {
     RecordProperty("replaced", replaced);
 }
 
-TEST_F(ServerRestore, AWorkspaceLeftAsideByAKillIsPutBackAtTheNextStart) {
+TEST_F(ServerRestore, aWorkspaceLeftAsideByAKillIsPutBackAtTheNextStart) {
     std::filesystem::rename(Served(), folder.Path(".station one.ostra-old"));
     MakeTree(folder.Path(".station one.ostra-new-abcdef/workspace"), changed);
     const OstraServerProcess server(Served());
@@ -338,7 +338,7 @@ TEST_F(ServerRestore, AWorkspaceLeftAsideByAKillIsPutBackAtTheNextStart) {
     EXPECT_EQ(Leftovers(), "");
 }
 
-TEST_F(ServerRestore, StartRemovesWhatAKillLeftAndNothingElse) {
+TEST_F(ServerRestore, startRemovesWhatAKillLeftAndNothingElse) {
     MakeTree(folder.Path(".station one.ostra-old"), changed);
     MakeTree(folder.Path(".station one.ostra-new-abcdef"), changed);
     MakeTree(folder.Path("station one.ostra-new-abcdef"), changed);

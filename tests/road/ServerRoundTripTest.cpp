@@ -34,7 +34,7 @@ class ServerRoundTrip : public ServerTest {
     }
 };
 
-TEST_F(ServerRoundTrip, AConnectAndSyncWithoutAnEditChangesNothing) {
+TEST_F(ServerRoundTrip, aConnectAndSyncWithoutAnEditChangesNothing) {
     EXPECT_TRUE(
         Shell("cd 'station one' && mkdir -m 700 vdk/private && echo s > vdk/private/secret && "
               "chmod 600 vdk/private/secret && echo '#!/bin/sh' > vdk/run && chmod 755 vdk/run && "
@@ -51,7 +51,7 @@ TEST_F(ServerRoundTrip, AConnectAndSyncWithoutAnEditChangesNothing) {
     EXPECT_EQ(Facts(), before);
 }
 
-TEST_F(ServerRoundTrip, WhatCannotSurviveIsReportedByTheLogAndKept) {
+TEST_F(ServerRoundTrip, whatCannotSurviveIsReportedByTheLogAndKept) {
     EXPECT_TRUE(Shell("cd 'station one' && ln -s ContourPath vdk/link && mkfifo vdk/pipe"));
     const OstraServerProcess server(Served(), {"--log", folder.Path("log")});
     ConnectAndSync(server);

@@ -42,7 +42,7 @@ class ServerStrangers : public ServerTest {
     }
 };
 
-TEST_F(ServerStrangers, AHostThatIsNoAddressIsRefused) {
+TEST_F(ServerStrangers, aHostThatIsNoAddressIsRefused) {
     const OstraServerProcess server(Served());
     for (const std::string host : {"evil.example", "evil.example:3600", "localhost", "127.0.0.1.evil.example",
                                    "x127.0.0.1", "[::1", "[::1]x", "[", "[evil]:80", "", "127.0.0.1@evil"})
@@ -51,7 +51,7 @@ TEST_F(ServerStrangers, AHostThatIsNoAddressIsRefused) {
     ExpectRefused(server, 400, "Host: 127.0.0.1\r\nHost: 127.0.0.1\r\n");
 }
 
-TEST_F(ServerStrangers, AnyAddressIsAHost) {
+TEST_F(ServerStrangers, anyAddressIsAHost) {
     const OstraServerProcess server(Served());
     for (const std::string host : {"127.0.0.1", "127.0.0.1:3600", "10.0.0.7:1", "[::1]:3600", "[fe80::1]"}) {
         MakeTree(Served(), original);
@@ -60,14 +60,14 @@ TEST_F(ServerStrangers, AnyAddressIsAHost) {
     }
 }
 
-TEST_F(ServerStrangers, ANameThatTheServerWasGivenIsAHost) {
+TEST_F(ServerStrangers, aNameThatTheServerWasGivenIsAHost) {
     const OstraServerProcess server(Served(), {"--host-name", "Station-One", "--host-name", "station.local"});
     EXPECT_EQ(Restore(server, "Host: station-one:3600\r\n"), 200U);
     EXPECT_EQ(Restore(server, "Host: STATION.LOCAL\r\n"), 200U);
     EXPECT_EQ(Restore(server, "Host: station\r\n"), 403U);
 }
 
-TEST_F(ServerStrangers, ARequestOfAWebPageIsRefused) {
+TEST_F(ServerStrangers, aRequestOfAWebPageIsRefused) {
     const OstraServerProcess server(Served());
     for (const std::string origin : {"http://evil.example", "null", "http://127.0.0.1:3600", ""})
         ExpectRefused(server, 403, "Host: 127.0.0.1\r\nOrigin: " + origin + "\r\n");
@@ -80,7 +80,7 @@ TEST_F(ServerStrangers, ARequestOfAWebPageIsRefused) {
     EXPECT_THAT(reply.head, testing::Not(HasSubstr("Access-Control")));
 }
 
-TEST_F(ServerStrangers, ACommandWithoutAContentTypeIsRefused) {
+TEST_F(ServerStrangers, aCommandWithoutAContentTypeIsRefused) {
     const OstraServerProcess server(Served());
     const auto post = [&](const std::string& fields) {
         RawHttp http(server.ControlPort());
@@ -95,7 +95,7 @@ TEST_F(ServerStrangers, ACommandWithoutAContentTypeIsRefused) {
     EXPECT_EQ(post("Content-Type: application/json\r\n"), 200U);
 }
 
-TEST_F(ServerStrangers, AnUnknownTransferCodingIs501AndCloses) {
+TEST_F(ServerStrangers, anUnknownTransferCodingIs501AndCloses) {
     const OstraServerProcess server(Served());
     for (const std::string coding : {"gzip", "identity", "gzip, chunked", "chunked, gzip", "xchunked"}) {
         RawHttp http(server.ControlPort());
@@ -106,7 +106,7 @@ TEST_F(ServerStrangers, AnUnknownTransferCodingIs501AndCloses) {
     }
 }
 
-TEST_F(ServerStrangers, WithATokenNothingIsDoneWithoutIt) {
+TEST_F(ServerStrangers, withATokenNothingIsDoneWithoutIt) {
     const OstraServerProcess server(Served(), {"--token-file", TokenFile("se-cret.1\nnot this line\n")});
     const std::string host = "Host: 127.0.0.1\r\n";
     ExpectRefused(server, 401, host);
@@ -120,7 +120,7 @@ TEST_F(ServerStrangers, WithATokenNothingIsDoneWithoutIt) {
     EXPECT_EQ(Restore(server, host + "Authorization: Bearer se-cret.1\r\n"), 200U);
 }
 
-TEST_F(ServerStrangers, ATokenFileThatIsNoneEndsTheStart) {
+TEST_F(ServerStrangers, aTokenFileThatIsNoneEndsTheStart) {
     const std::vector<std::string> unusable = {"", "\n", "two words\n", "tab\t\n", std::string(1001, 'a')};
     for (const std::string& content : unusable)
         EXPECT_THROW(OstraServerProcess(Served(), {"--token-file", TokenFile(content)}), std::runtime_error);
@@ -128,7 +128,7 @@ TEST_F(ServerStrangers, ATokenFileThatIsNoneEndsTheStart) {
     EXPECT_NO_THROW(OstraServerProcess(Served(), {"--token-file", TokenFile(std::string(1000, 'a'))}));
 }
 
-TEST_F(ServerStrangers, TheEditorBringsTheTokenThatItWasGiven) {
+TEST_F(ServerStrangers, theEditorBringsTheTokenThatItWasGiven) {
     const OstraServerProcess server(Served(), {"--token-file", TokenFile("secret\n")});
     OstraSdkClient client;
     EXPECT_EQ(ThrownBy([&] { client.Connect("127.0.0.1", server.ControlPort()); }).Status(), bERROR_REFUSED);

@@ -40,7 +40,7 @@ class ServerStream : public ServerTest {
     std::string text;
 };
 
-TEST_F(ServerStream, TheNewWorkspaceIsUnpackedBesideWhileItArrives) {
+TEST_F(ServerStream, theNewWorkspaceIsUnpackedBesideWhileItArrives) {
     const OstraServerProcess server(Served());
     RawHttp http(server.ControlPort());
     http.Send(text.substr(0, text.size() - 1));
@@ -51,7 +51,7 @@ TEST_F(ServerStream, TheNewWorkspaceIsUnpackedBesideWhileItArrives) {
     EXPECT_EQ(TreeOf(Served()), changed);
 }
 
-TEST_F(ServerStream, ARequestThatEndsInItsArchiveLeavesNothing) {
+TEST_F(ServerStream, aRequestThatEndsInItsArchiveLeavesNothing) {
     const OstraServerProcess server(Served());
     for (const std::size_t missing :
          {std::size_t{1}, std::size_t{600}, body.size() / 2, body.size() - 2000}) {
@@ -64,7 +64,7 @@ TEST_F(ServerStream, ARequestThatEndsInItsArchiveLeavesNothing) {
     }
 }
 
-TEST_F(ServerStream, ARequestThatStopsInItsArchiveLeavesNothing) {
+TEST_F(ServerStream, aRequestThatStopsInItsArchiveLeavesNothing) {
     const OstraServerProcess server(Served(), {"--transfer-timeout", "300"});
     RawHttp http(server.ControlPort());
     http.Send(text.substr(0, text.size() / 2));
@@ -72,7 +72,7 @@ TEST_F(ServerStream, ARequestThatStopsInItsArchiveLeavesNothing) {
     ExpectNothingChanged();
 }
 
-TEST_F(ServerStream, AMissingPartBehindTheArchiveLeavesNothing) {
+TEST_F(ServerStream, aMissingPartBehindTheArchiveLeavesNothing) {
     const OstraServerProcess server(Served());
     const auto restore = [&](const std::string& cbor) {
         return RawHttp::Request(server.ControlPort(), "POST", kRestorePath, cbor, "application/cbor").status;
@@ -86,7 +86,7 @@ TEST_F(ServerStream, AMissingPartBehindTheArchiveLeavesNothing) {
     EXPECT_EQ(TreeOf(Served()), changed);
 }
 
-TEST_F(ServerStream, AfterARefusedArchiveTheConnectionServesOn) {
+TEST_F(ServerStream, afterARefusedArchiveTheConnectionServesOn) {
     const OstraServerProcess server(Served());
     RawHttp http(server.ControlPort());
     const std::string refused = RestoreBody("no archive" + std::string(1'000'000, 'x'));
@@ -98,7 +98,7 @@ TEST_F(ServerStream, AfterARefusedArchiveTheConnectionServesOn) {
     EXPECT_EQ(TreeOf(Served()), changed);
 }
 
-TEST_F(ServerStream, AFaultThatWasAskedForUnpacksNothing) {
+TEST_F(ServerStream, aFaultThatWasAskedForUnpacksNothing) {
     const OstraServerProcess server(Served(), {"--fault-status", "507"});
     RawHttp http(server.ControlPort());
     http.Send(text);
@@ -106,7 +106,7 @@ TEST_F(ServerStream, AFaultThatWasAskedForUnpacksNothing) {
     ExpectNothingChanged();
 }
 
-TEST_F(ServerStream, AnArchiveOfALengthThatIsOnlyClaimedIsRefused) {
+TEST_F(ServerStream, anArchiveOfALengthThatIsOnlyClaimedIsRefused) {
     const OstraServerProcess server(Served(), {"--request-limit", "100000"});
     const std::string chunked = "POST " + std::string(kRestorePath) +
                                 " HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: application/cbor\r\n"
@@ -123,7 +123,7 @@ TEST_F(ServerStream, AnArchiveOfALengthThatIsOnlyClaimedIsRefused) {
     ExpectNothingChanged();
 }
 
-TEST_F(ServerStream, OfTwoRestoresAtOnceTheOneThatIsWholeLastStands) {
+TEST_F(ServerStream, ofTwoRestoresAtOnceTheOneThatIsWholeLastStands) {
     const OstraServerProcess server(Served());
     RawHttp slow(server.ControlPort());
     slow.Send(text.substr(0, text.size() / 2));

@@ -69,7 +69,7 @@ class StartUpTest : public ::testing::Test {
     TemporaryFolder folder;
 };
 
-TEST_F(StartUpTest, ShowsTheTitledWindowAndEndsWithTheLoopsResult) {
+TEST_F(StartUpTest, showsTheTitledWindowAndEndsWithTheLoopsResult) {
     std::string title;
     whenShown = [&](QMainWindow& window) {
         title = window.windowTitle().toStdString();
@@ -84,11 +84,11 @@ TEST_F(StartUpTest, ShowsTheTitledWindowAndEndsWithTheLoopsResult) {
     EXPECT_NE(log(), "");
 }
 
-TEST_F(StartUpTest, ClosingTheWindowEndsWithZero) {
+TEST_F(StartUpTest, closingTheWindowEndsWithZero) {
     EXPECT_EQ(start(), 0);
 }
 
-TEST_F(StartUpTest, WindowIsDestroyedBeforeTheApplication) {
+TEST_F(StartUpTest, windowIsDestroyedBeforeTheApplication) {
     bool destroyed = false;
     bool applicationLived = false;
     whenShown = [&](QMainWindow& window) {
@@ -104,14 +104,14 @@ TEST_F(StartUpTest, WindowIsDestroyedBeforeTheApplication) {
     EXPECT_EQ(QCoreApplication::instance(), nullptr);
 }
 
-TEST_F(StartUpTest, ExceptionFromTheEventLoopEndsTheProcess) {
+TEST_F(StartUpTest, exceptionFromTheEventLoopEndsTheProcess) {
     whenShown = [](QMainWindow&) { throw std::runtime_error("nobody catches this"); };
     // Without the noexcept the test's own frame would be the one that catches it.
     const auto startAlone = []() noexcept { start(); };
     EXPECT_DEATH(startAlone(), "nobody catches this");
 }
 
-TEST_F(StartUpTest, FileNamesAreUtf8WhateverTheDesktopsEncoding) {
+TEST_F(StartUpTest, fileNamesAreUtf8WhateverTheDesktopsEncoding) {
     // What a toolkit that follows the desktop would find on one with an older encoding.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
     const std::string name = "straße 日.trk";
@@ -129,14 +129,14 @@ TEST_F(StartUpTest, FileNamesAreUtf8WhateverTheDesktopsEncoding) {
     EXPECT_EQ(encoded, name);
 }
 
-TEST_F(StartUpTest, LogIsEmptiedByTheStart) {
+TEST_F(StartUpTest, logIsEmptiedByTheStart) {
     WriteFile("Corvane.log", "an older run\n");
     start();
     EXPECT_THAT(log(), ::testing::Not(::testing::HasSubstr("older")));
     EXPECT_NE(log(), "");
 }
 
-TEST_F(StartUpTest, MutexThatIsTakenEndsTheStartWithZero) {
+TEST_F(StartUpTest, mutexThatIsTakenEndsTheStartWithZero) {
     WriteFile("Corvane.log", "the other copy's\n");
     const HANDLE other = CreateMutexW(nullptr, FALSE, L"corvane");
     EXPECT_EQ(start(), 0);
@@ -146,14 +146,14 @@ TEST_F(StartUpTest, MutexThatIsTakenEndsTheStartWithZero) {
     EXPECT_EQ(QCoreApplication::instance(), nullptr);
 }
 
-TEST_F(StartUpTest, MutexThatCannotBeMadeKeepsNobodyOut) {
+TEST_F(StartUpTest, mutexThatCannotBeMadeKeepsNobodyOut) {
     ::mkdir("instance/corvane.lock", 0700);
     EXPECT_EQ(CreateMutexW(nullptr, FALSE, L"corvane"), nullptr);
     EXPECT_EQ(start(), 0);
     EXPECT_EQ(fakeLibraries::deviceStarts, 1);
 }
 
-TEST_F(StartUpTest, MutexIsHeldWhileTheWindowIsOpen) {
+TEST_F(StartUpTest, mutexIsHeldWhileTheWindowIsOpen) {
     DWORD found = 0;
     whenShown = [&](QMainWindow& window) {
         CloseHandle(CreateMutexW(nullptr, FALSE, L"corvane"));
@@ -164,7 +164,7 @@ TEST_F(StartUpTest, MutexIsHeldWhileTheWindowIsOpen) {
     EXPECT_EQ(found, ERROR_ALREADY_EXISTS);
 }
 
-TEST_F(StartUpTest, LogThatCannotBeOpenedIsToldOnStandardError) {
+TEST_F(StartUpTest, logThatCannotBeOpenedIsToldOnStandardError) {
     ::mkdir("Corvane.log", 0700);
     ::testing::internal::CaptureStderr();
     const int result = start();
@@ -176,7 +176,7 @@ TEST_F(StartUpTest, LogThatCannotBeOpenedIsToldOnStandardError) {
     EXPECT_EQ(fakeLibraries::apiStarts, 0);
 }
 
-TEST_F(StartUpTest, FirstLibraryThatFailsLeavesTheLogEmpty) {
+TEST_F(StartUpTest, firstLibraryThatFailsLeavesTheLogEmpty) {
     WriteFile("Corvane.log", "an older run\n");
     fakeLibraries::apiStatus = -997;
     EXPECT_EQ(start(), -1);
@@ -184,13 +184,13 @@ TEST_F(StartUpTest, FirstLibraryThatFailsLeavesTheLogEmpty) {
     EXPECT_EQ(fakeLibraries::deviceStarts, 0);
 }
 
-TEST_F(StartUpTest, AnyStatusButOneIsAFailure) {
+TEST_F(StartUpTest, anyStatusButOneIsAFailure) {
     fakeLibraries::apiStatus = 0;
     EXPECT_EQ(start(), -1);
     EXPECT_EQ(log(), "");
 }
 
-TEST_F(StartUpTest, SecondLibraryThatFailsWritesOneLine) {
+TEST_F(StartUpTest, secondLibraryThatFailsWritesOneLine) {
     fakeLibraries::deviceStatus = -993;
     EXPECT_EQ(start(), -1);
     EXPECT_THAT(log(), ::testing::MatchesRegex("[0-9][0-9]:[0-9][0-9]:[0-9][0-9].0[0-9][0-9] ERROR: "

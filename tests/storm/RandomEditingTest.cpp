@@ -12,7 +12,7 @@ unsigned Setting(const char* name, unsigned usual) {
 
 using RandomEditing = Monkey;
 
-TEST_F(RandomEditing, KeepsWhatTheCanvasHoldsInOrderAndSavesIt) {
+TEST_F(RandomEditing, keepsWhatTheCanvasHoldsInOrderAndSavesIt) {
     const unsigned seed = Setting("CORVANE_STORM_SEED", 1);
     const unsigned events = Setting("CORVANE_STORM_EVENTS", 3000);
     open(seed);

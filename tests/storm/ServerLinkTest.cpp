@@ -279,7 +279,7 @@ class ServerLink : public ::testing::Test {
     std::map<std::string, unsigned> counts;
 };
 
-TEST_F(ServerLink, LeavesTheOldWorkspaceOrTheNewOneWhateverTheNetworkDoes) {
+TEST_F(ServerLink, leavesTheOldWorkspaceOrTheNewOneWhateverTheNetworkDoes) {
     const unsigned rounds = Setting("CORVANE_STORM_ROUNDS", 100);
     for (unsigned round = 0; round < rounds && !HasFailure(); ++round) {
         SCOPED_TRACE("seed " + std::to_string(seed) + ", round " + std::to_string(round));
@@ -293,7 +293,7 @@ TEST_F(ServerLink, LeavesTheOldWorkspaceOrTheNewOneWhateverTheNetworkDoes) {
 }
 
 // The checks above would pass a proxy that does nothing.
-TEST_F(ServerLink, TheProxyDoesWhatItIsToldTo) {
+TEST_F(ServerLink, theProxyDoesWhatItIsToldTo) {
     std::string content(100'000, '\0');
     for (char& byte : content)
         byte = static_cast<char>(random());
@@ -314,7 +314,7 @@ TEST_F(ServerLink, TheProxyDoesWhatItIsToldTo) {
 }
 
 // A file's content is the one place where nothing but the digest tells.
-TEST_F(ServerLink, AReplyThatTheServerDamagedIsNoBackup) {
+TEST_F(ServerLink, aReplyThatTheServerDamagedIsNoBackup) {
     server.reset(); // one server serves a folder
     server = std::make_unique<OstraServerProcess>(
         kServed, std::vector<std::string>{"--fault-damage", "--fault-path", "/system/commands/archive"});

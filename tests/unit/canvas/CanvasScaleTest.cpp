@@ -8,25 +8,25 @@ namespace {
 
 const CanvasScale kScale{QSize(200, 100)};
 
-TEST(CanvasScale, NormalizesByTheCanvasSize) {
+TEST(CanvasScale, normalizesByTheCanvasSize) {
     const QPointF point = kScale.toNormalized({50.0, 25.0});
     EXPECT_EQ(point.x(), 0.25);
     EXPECT_EQ(point.y(), 0.25);
 }
 
-TEST(CanvasScale, RoundsToTheNearestPixel) {
+TEST(CanvasScale, roundsToTheNearestPixel) {
     EXPECT_EQ(kScale.toWidgetPixels({0.502, 0.494}), QPoint(100, 49));
 }
 
-TEST(CanvasScale, RoundsHalvesUpwards) {
+TEST(CanvasScale, roundsHalvesUpwards) {
     EXPECT_EQ(kScale.toWidgetPixels({0.5 / 200.0, 1.5 / 100.0}), QPoint(1, 2));
 }
 
-TEST(CanvasScale, RoundsNegativeHalvesUpwardsToo) {
+TEST(CanvasScale, roundsNegativeHalvesUpwardsToo) {
     EXPECT_EQ(kScale.toWidgetPixels({-0.5 / 200.0, -1.5 / 100.0}), QPoint(0, -1));
 }
 
-TEST(CanvasScale, TakesAnyNumber) {
+TEST(CanvasScale, takesAnyNumber) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double huge = std::numeric_limits<double>::infinity();
     EXPECT_EQ(kScale.toWidgetPixels({nan, nan}), QPoint(0, 0));
@@ -34,17 +34,17 @@ TEST(CanvasScale, TakesAnyNumber) {
     EXPECT_LT(kScale.toWidgetPixels({0.0, -huge}).y(), -(1 << 24));
 }
 
-TEST(CanvasScale, KeepsPositionsInsideTheMargin) {
+TEST(CanvasScale, keepsPositionsInsideTheMargin) {
     EXPECT_EQ(kScale.ClampToMargin({50.0, 50.0}), QPointF(50.0, 50.0));
     EXPECT_EQ(kScale.ClampToMargin({9.0, -3.0}), QPointF(10.0, 10.0));
     EXPECT_EQ(kScale.ClampToMargin({191.0, 500.0}), QPointF(190.0, 90.0));
 }
 
-TEST(CanvasScale, TheLowerBoundWinsOnACanvasTooSmallForBoth) {
+TEST(CanvasScale, theLowerBoundWinsOnACanvasTooSmallForBoth) {
     EXPECT_EQ(CanvasScale(QSize(15, 19)).ClampToMargin({12.0, 3.0}), QPointF(10.0, 10.0));
 }
 
-TEST(CanvasScale, ACanvasWithoutAnAreaDividesByOne) {
+TEST(CanvasScale, aCanvasWithoutAnAreaDividesByOne) {
     EXPECT_EQ(CanvasScale(QSize(0, 0)).toNormalized({3.0, 4.0}), QPointF(3.0, 4.0));
 }
 

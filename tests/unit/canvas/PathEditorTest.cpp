@@ -21,7 +21,7 @@ class PathEditorTest : public ::testing::Test {
     PathEditor editor{document};
 };
 
-TEST_F(PathEditorTest, StartsIdle) {
+TEST_F(PathEditorTest, startsIdle) {
     const EditingState& state = editor.State();
     EXPECT_EQ(document.finishedCount(), 0);
     EXPECT_EQ(state.hoverPath, 0);
@@ -33,12 +33,12 @@ TEST_F(PathEditorTest, StartsIdle) {
     EXPECT_TRUE(Paths().empty());
 }
 
-TEST_F(PathEditorTest, AReleaseWithoutAPathDoesNothing) {
+TEST_F(PathEditorTest, aReleaseWithoutAPathDoesNothing) {
     EXPECT_FALSE(editor.Release(kScale, {50.0, 50.0}));
     EXPECT_TRUE(Paths().empty());
 }
 
-TEST_F(PathEditorTest, ForgetsTheCursor) {
+TEST_F(PathEditorTest, forgetsTheCursor) {
     Draw({{50.0, 50.0}, {150.0, 50.0}});
     Draw({{50.0, 150.0}, {150.0, 150.0}, {200.0, 150.0}});
     editor.Drag(kScale, {300.0, 200.0});
@@ -53,7 +53,7 @@ TEST_F(PathEditorTest, ForgetsTheCursor) {
     EXPECT_EQ(editor.State().currentPath, 1);
 }
 
-TEST_F(PathEditorTest, ResetForgetsTheChosenSegmentToo) {
+TEST_F(PathEditorTest, resetForgetsTheChosenSegmentToo) {
     Draw({{50.0, 50.0}, {150.0, 50.0}});
     editor.Drag(kScale, {300.0, 200.0});
     editor.SetCurrentPath(3);
@@ -64,7 +64,7 @@ TEST_F(PathEditorTest, ResetForgetsTheChosenSegmentToo) {
     EXPECT_EQ(editor.State().currentSegment, 0);
 }
 
-TEST_F(PathEditorTest, ADragOfAPointThatIsGoneChangesNoPath) {
+TEST_F(PathEditorTest, aDragOfAPointThatIsGoneChangesNoPath) {
     Draw({{50.0, 50.0}, {150.0, 50.0}});
     editor.Hover(kScale, {150.0, 50.0});
     document.resetPaths();
@@ -73,7 +73,7 @@ TEST_F(PathEditorTest, ADragOfAPointThatIsGoneChangesNoPath) {
     EXPECT_TRUE(Paths().empty());
 }
 
-TEST_F(PathEditorTest, AWholeDragIsOneStep) {
+TEST_F(PathEditorTest, aWholeDragIsOneStep) {
     Draw({{50.0, 50.0}, {150.0, 50.0}});
     editor.Hover(kScale, {150.0, 50.0});
     document.endGesture();

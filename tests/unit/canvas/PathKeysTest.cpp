@@ -34,7 +34,7 @@ class PathKeys : public ::testing::Test {
     PathEditor editor{document};
 };
 
-TEST_F(PathKeys, AddsPointsAsClicksDo) {
+TEST_F(PathKeys, addsPointsAsClicksDo) {
     ASSERT_EQ(Paths().size(), 2U);
     EXPECT_EQ(Point(0, 2), Place(150, 150));
     EXPECT_EQ(document.finishedCount(), 2);
@@ -45,13 +45,13 @@ TEST_F(PathKeys, AddsPointsAsClicksDo) {
     EXPECT_EQ(editor.TouchedPoint(), (PointIndex{2, 0}));
 }
 
-TEST_F(PathKeys, WithoutATouchedPointNothingMoves) {
+TEST_F(PathKeys, withoutATouchedPointNothingMoves) {
     EXPECT_FALSE(editor.TouchedPoint());
     EXPECT_FALSE(Nudge(10, 0));
     EXPECT_FALSE(editor.RemoveTouched());
 }
 
-TEST_F(PathKeys, MovesThePointUnderTheCursorByTenthsOfAnImagePixel) {
+TEST_F(PathKeys, movesThePointUnderTheCursorByTenthsOfAnImagePixel) {
     editor.Hover(kScale, {151, 51});
     const int steps = document.undoDepth();
     EXPECT_TRUE(Nudge(10, 0));
@@ -67,7 +67,7 @@ TEST_F(PathKeys, MovesThePointUnderTheCursorByTenthsOfAnImagePixel) {
     EXPECT_EQ(Point(0, 1), Place(151, 50));
 }
 
-TEST_F(PathKeys, TenTenthsAreExactlyOnePixel) {
+TEST_F(PathKeys, tenTenthsAreExactlyOnePixel) {
     editor.Hover(kScale, {150, 50});
     for (int tenth = 0; tenth < 70; ++tenth)
         Nudge(1, 1);
@@ -75,7 +75,7 @@ TEST_F(PathKeys, TenTenthsAreExactlyOnePixel) {
     EXPECT_EQ(Point(0, 1).y(), Place(157, 57).y());
 }
 
-TEST_F(PathKeys, AMovedPointStopsAtTheMarginWhereTheMouseStops) {
+TEST_F(PathKeys, aMovedPointStopsAtTheMarginWhereTheMouseStops) {
     editor.Hover(kScale, {150, 50});
     for (int step = 0; step < 10; ++step)
         Nudge(0, -100);
@@ -85,7 +85,7 @@ TEST_F(PathKeys, AMovedPointStopsAtTheMarginWhereTheMouseStops) {
     EXPECT_EQ(Point(0, 1).x(), kScale.toNormalized(kScale.ClampToMargin({400, 0})).x());
 }
 
-TEST_F(PathKeys, APointInTheMarginGoesNoFurtherOutButBack) {
+TEST_F(PathKeys, aPointInTheMarginGoesNoFurtherOutButBack) {
     editor.AddPoint(kScale, {3, 100}); // of which the first is where the button went down
     document.closeAllPaths();
     editor.LetGo();
@@ -98,7 +98,7 @@ TEST_F(PathKeys, APointInTheMarginGoesNoFurtherOutButBack) {
     EXPECT_EQ(Point(2, 0), Place(4, 100));
 }
 
-TEST_F(PathKeys, RemovesTheTouchedPointAndAPathOfFewerThanThree) {
+TEST_F(PathKeys, removesTheTouchedPointAndAPathOfFewerThanThree) {
     editor.Hover(kScale, {150, 50});
     EXPECT_TRUE(editor.RemoveTouched());
     EXPECT_EQ(Paths().at(0).points.size(), 2U);
@@ -109,7 +109,7 @@ TEST_F(PathKeys, RemovesTheTouchedPointAndAPathOfFewerThanThree) {
     EXPECT_EQ(Paths().size(), 1U);
 }
 
-TEST_F(PathKeys, SplitsTheSegmentUnderTheCursor) {
+TEST_F(PathKeys, splitsTheSegmentUnderTheCursor) {
     document.setParameter({0, 1}, SegmentParameter::Width, 7);
     EXPECT_TRUE(editor.SplitSegment(kScale, QPointF(152, 90)));
     EXPECT_EQ(Paths().at(0).points.size(), 4U);
@@ -118,7 +118,7 @@ TEST_F(PathKeys, SplitsTheSegmentUnderTheCursor) {
     EXPECT_EQ(editor.TouchedPoint(), (PointIndex{0, 2}));
 }
 
-TEST_F(PathKeys, WithoutACursorTheChosenSegmentIsHalved) {
+TEST_F(PathKeys, withoutACursorTheChosenSegmentIsHalved) {
     editor.SetCurrentPath(1);
     EXPECT_TRUE(editor.SplitSegment(kScale, std::nullopt));
     EXPECT_EQ(Point(1, 1), Place(250, 200));
@@ -126,7 +126,7 @@ TEST_F(PathKeys, WithoutACursorTheChosenSegmentIsHalved) {
     EXPECT_FALSE(editor.SplitSegment(kScale, std::nullopt)) << "there is no such segment";
 }
 
-TEST_F(PathKeys, ChoosesPointAfterPointAndStopsAtTheEnds) {
+TEST_F(PathKeys, choosesPointAfterPointAndStopsAtTheEnds) {
     editor.SetCurrentSegment(1);
     std::vector<PointIndex> visited;
     while (editor.ChoosePoint(1))
@@ -139,7 +139,7 @@ TEST_F(PathKeys, ChoosesPointAfterPointAndStopsAtTheEnds) {
     EXPECT_EQ(editor.State().dragPoint, Point(0, 0));
 }
 
-TEST_F(PathKeys, APressWhereTheCursorRestsDoesNotDragAPointThatAKeyChose) {
+TEST_F(PathKeys, aPressWhereTheCursorRestsDoesNotDragAPointThatAKeyChose) {
     editor.Hover(kScale, {350, 250});
     ASSERT_TRUE(editor.ChoosePoint(1));
     const QPointF chosen = Point(0, 0);
@@ -149,7 +149,7 @@ TEST_F(PathKeys, APressWhereTheCursorRestsDoesNotDragAPointThatAKeyChose) {
     EXPECT_EQ(Paths().size(), 3U) << "it began a path";
 }
 
-TEST_F(PathKeys, AGivenUpDragLeavesThePointAndNoStep) {
+TEST_F(PathKeys, aGivenUpDragLeavesThePointAndNoStep) {
     editor.Hover(kScale, {150, 50});
     document.endGesture();
     const int steps = document.undoDepth();
@@ -167,7 +167,7 @@ TEST_F(PathKeys, AGivenUpDragLeavesThePointAndNoStep) {
     EXPECT_EQ(Paths().at(1).points.size(), 2U);
 }
 
-TEST_F(PathKeys, AGivenUpRubberBandAddsNoPoint) {
+TEST_F(PathKeys, aGivenUpRubberBandAddsNoPoint) {
     editor.Press(kScale, {20, 250});
     editor.Drag(kScale, {100, 250});
     EXPECT_FALSE(editor.GiveUpGesture());
@@ -178,7 +178,7 @@ TEST_F(PathKeys, AGivenUpRubberBandAddsNoPoint) {
     EXPECT_TRUE(editor.Release(kScale, {100, 250})) << "the next click works as ever";
 }
 
-TEST_F(PathKeys, TheTouchedPointIsForgottenWhenItsIndexMayBeAnothers) {
+TEST_F(PathKeys, theTouchedPointIsForgottenWhenItsIndexMayBeAnothers) {
     ASSERT_TRUE(editor.ChoosePoint(1));
     editor.ForgetCursor();
     ASSERT_TRUE(editor.TouchedPoint());

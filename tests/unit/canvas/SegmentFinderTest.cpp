@@ -13,14 +13,14 @@ TrackPath PathOf(const std::vector<QPointF>& pixels) {
     return path;
 }
 
-TEST(SegmentFinder, FindsNothingWhereThereIsNoSegment) {
+TEST(SegmentFinder, findsNothingWhereThereIsNoSegment) {
     EXPECT_FALSE(FindSegment({}, kScale, {10, 10}));
     EXPECT_FALSE(FindSegment({PathOf({{10, 10}})}, kScale, {10, 10}));
     EXPECT_FALSE(
         FindSegment({PathOf({{10, 10}, {100, 10}}), PathOf({{10, 90}, {100, 90}})}, kScale, {50, 50}));
 }
 
-TEST(SegmentFinder, FindsThePlaceBelowTheCursor) {
+TEST(SegmentFinder, findsThePlaceBelowTheCursor) {
     const auto found = FindSegment(
         {PathOf({{300, 10}, {310, 10}}), PathOf({{10, 50}, {110, 50}, {110, 150}})}, kScale, {60, 53});
     ASSERT_TRUE(found);
@@ -29,7 +29,7 @@ TEST(SegmentFinder, FindsThePlaceBelowTheCursor) {
     EXPECT_DOUBLE_EQ(found->position.y(), 50.0 / 200);
 }
 
-TEST(SegmentFinder, ThePlaceIsNearestInPixelsAndNotInNormalisedUnits) {
+TEST(SegmentFinder, thePlaceIsNearestInPixelsAndNotInNormalisedUnits) {
     // Along the diagonal of a square of pixels, the foot of the perpendicular from (61, 59) is (60, 60).
     const auto found = FindSegment({PathOf({{10, 10}, {110, 110}})}, kScale, {61, 59});
     ASSERT_TRUE(found);
@@ -37,20 +37,20 @@ TEST(SegmentFinder, ThePlaceIsNearestInPixelsAndNotInNormalisedUnits) {
     EXPECT_DOUBLE_EQ(found->position.y(), 60.0 / 200);
 }
 
-TEST(SegmentFinder, ASegmentFivePixelsAwayIsNotFound) {
+TEST(SegmentFinder, aSegmentFivePixelsAwayIsNotFound) {
     const std::vector<TrackPath> paths{PathOf({{10, 50}, {110, 50}})};
     EXPECT_FALSE(FindSegment(paths, kScale, {60, 55}));
     EXPECT_TRUE(FindSegment(paths, kScale, {60, 54.9}));
     EXPECT_FALSE(FindSegment(paths, kScale, {116, 50})) << "beyond its end";
 }
 
-TEST(SegmentFinder, TheNearestOfSeveralIsFound) {
+TEST(SegmentFinder, theNearestOfSeveralIsFound) {
     const std::vector<TrackPath> paths{PathOf({{10, 50}, {110, 50}, {110, 54}, {10, 54}})};
     EXPECT_EQ(FindSegment(paths, kScale, {60, 53})->start, (PointIndex{0, 2}));
     EXPECT_EQ(FindSegment(paths, kScale, {60, 51})->start, (PointIndex{0, 0}));
 }
 
-TEST(SegmentFinder, ASegmentWithoutLengthIsItsPoint) {
+TEST(SegmentFinder, aSegmentWithoutLengthIsItsPoint) {
     const auto found = FindSegment({PathOf({{10, 50}, {10, 50}})}, kScale, {12, 50});
     ASSERT_TRUE(found);
     EXPECT_EQ(found->position, kScale.toNormalized({10, 50}));

@@ -14,7 +14,7 @@ TrackPath PathOf(const std::vector<QPointF>& points) {
     return path;
 }
 
-TEST(PathLength, IsInWorldUnits) {
+TEST(PathLength, isInWorldUnits) {
     // 30 across and 40 down, then 10 up, in world units.
     const TrackPath path = PathOf({{0.1, 0.1}, {0.4, 0.9}, {0.4, 0.7}});
     const auto lengths = LengthsAt(1, path, kWorld);
@@ -25,11 +25,11 @@ TEST(PathLength, IsInWorldUnits) {
     EXPECT_DOUBLE_EQ(LengthsAt(0, path, kWorld)->segment, 50) << "the first point starts its segment";
 }
 
-TEST(PathLength, OfOnePointThereIsNone) {
+TEST(PathLength, ofOnePointThereIsNone) {
     EXPECT_FALSE(LengthsAt(0, PathOf({{0.1, 0.1}}), kWorld));
 }
 
-TEST(PathLength, CountsTheSegmentThatIsDrawn) {
+TEST(PathLength, countsTheSegmentThatIsDrawn) {
     const DrawnLengths lengths = LengthsTo({0.4, 0.9}, PathOf({{0.0, 0.1}, {0.1, 0.1}}), kWorld);
     EXPECT_DOUBLE_EQ(lengths.segment, 50);
     EXPECT_DOUBLE_EQ(lengths.path, 60);

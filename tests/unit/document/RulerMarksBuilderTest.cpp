@@ -36,7 +36,7 @@ void ExpectAt(const QPointF& normalized, double x, double y) {
     EXPECT_NEAR(normalized.y() * kSide, y, 1e-9);
 }
 
-TEST(RulerMarks, ALevelSegmentHasUprightTicksAtEverySpacePlusOne) {
+TEST(RulerMarks, aLevelSegmentHasUprightTicksAtEverySpacePlusOne) {
     const auto marks = kBuilder.MarksOfPath(PathOf({{100, 300}, {300, 300}}));
     ASSERT_EQ(marks.size(), 1U);
     ASSERT_EQ(marks[0].tickStarts.size(), 2U);
@@ -47,7 +47,7 @@ TEST(RulerMarks, ALevelSegmentHasUprightTicksAtEverySpacePlusOne) {
     ExpectAt(marks[0].tickEnds[1], 201, 250);
 }
 
-TEST(RulerMarks, ABandIsWidthAlongAndLengthAcross) {
+TEST(RulerMarks, aBandIsWidthAlongAndLengthAcross) {
     const auto marks = kBuilder.MarksOfPath(PathOf({{100, 300}, {300, 300}}));
     ASSERT_EQ(marks.at(0).bands.size(), 2U);
     const RulerMarks::Band& band = marks[0].bands[0];
@@ -57,13 +57,13 @@ TEST(RulerMarks, ABandIsWidthAlongAndLengthAcross) {
     ExpectAt(band[3], 125, 350);
 }
 
-TEST(RulerMarks, ATickStandsExactlyBeforeTheSegmentsEndOnly) {
+TEST(RulerMarks, aTickStandsExactlyBeforeTheSegmentsEndOnly) {
     // Ticks at 0 and 101; one at 202 would stand on the end.
     EXPECT_EQ(kBuilder.MarksOfPath(PathOf({{100, 300}, {302, 300}})).at(0).bands.size(), 2U);
     EXPECT_EQ(kBuilder.MarksOfPath(PathOf({{100, 300}, {303, 300}})).at(0).bands.size(), 3U);
 }
 
-TEST(RulerMarks, SpacingContinuesRoundTheCorner) {
+TEST(RulerMarks, spacingContinuesRoundTheCorner) {
     // 200 long: ticks at 0 and 101, the third would stand 2 behind the corner.
     const auto marks = kBuilder.MarksOfPath(PathOf({{100, 300}, {300, 300}, {300, 500}}));
     ASSERT_EQ(marks.size(), 2U);
@@ -73,13 +73,13 @@ TEST(RulerMarks, SpacingContinuesRoundTheCorner) {
     ExpectAt(marks[1].tickStarts[1], 250, 403);
 }
 
-TEST(RulerMarks, TheRunningOffsetIsTruncatedAtEachCorner) {
+TEST(RulerMarks, theRunningOffsetIsTruncatedAtEachCorner) {
     // 200.25 long: the third tick stands 1.75 behind the corner, which counts as 1.
     const auto marks = kBuilder.MarksOfPath(PathOf({{100, 300}, {300.25, 300}, {300.25, 500}}));
     ExpectAt(marks.at(1).tickStarts.at(0), 250.25, 301);
 }
 
-TEST(RulerMarks, ASegmentShorterThanTheOffsetHasNoTickAndHandsOnTheRest) {
+TEST(RulerMarks, aSegmentShorterThanTheOffsetHasNoTickAndHandsOnTheRest) {
     // 201 long: the next tick stands 1 behind the first corner... and the second segment is 1 long: none in
     // it.
     const auto marks = kBuilder.MarksOfPath(PathOf({{100, 300}, {301, 300}, {302, 300}, {402, 300}}));
@@ -89,21 +89,21 @@ TEST(RulerMarks, ASegmentShorterThanTheOffsetHasNoTickAndHandsOnTheRest) {
     ExpectAt(marks[2].tickStarts[0], 302, 350);
 }
 
-TEST(RulerMarks, TicksOfAFallingSegmentStandUprightOnIt) {
+TEST(RulerMarks, ticksOfAFallingSegmentStandUprightOnIt) {
     // 3-4-5: half a tick of 50 is 40 across and 30 down.
     const auto marks = kBuilder.MarksOfPath(PathOf({{100, 100}, {400, 500}}));
     ExpectAt(marks.at(0).tickStarts.at(0), 60, 130);
     ExpectAt(marks.at(0).tickEnds.at(0), 140, 70);
 }
 
-TEST(RulerMarks, TicksOfARisingSegmentTurnTheOtherWay) {
+TEST(RulerMarks, ticksOfARisingSegmentTurnTheOtherWay) {
     const auto marks = kBuilder.MarksOfPath(PathOf({{100, 500}, {400, 100}}));
     ExpectAt(marks.at(0).tickStarts.at(0), 60, 470);
     ExpectAt(marks.at(0).tickEnds.at(0), 140, 530);
     ExpectAt(marks.at(0).tickStarts.at(1), 60 + 101 * 0.6, 470 - 101 * 0.8);
 }
 
-TEST(RulerMarks, EachSegmentUsesItsOwnParameters) {
+TEST(RulerMarks, eachSegmentUsesItsOwnParameters) {
     TrackPath path = PathOf({{100, 300}, {300, 300}, {300, 500}});
     path.lengths = {20, 60, 999};
     path.widths = {10, 30, 999};
@@ -115,7 +115,7 @@ TEST(RulerMarks, EachSegmentUsesItsOwnParameters) {
     ExpectAt(marks[1].bands[0][0], 270, 285);
 }
 
-TEST(RulerMarks, WidthAndHeightAreDividedBackSeparately) {
+TEST(RulerMarks, widthAndHeightAreDividedBackSeparately) {
     TrackPath path = PathOf({});
     path = {{{0.25, 0.5}, {0.75, 0.5}}, {1, 1}, {100, 100}, {50, 50}, {100, 100}, {}};
     const auto marks = RulerMarksBuilder(QSize(400, 200)).MarksOfPath(path);
@@ -124,32 +124,32 @@ TEST(RulerMarks, WidthAndHeightAreDividedBackSeparately) {
     EXPECT_NEAR(marks[0].tickStarts[1].y(), 150.0 / 200.0, 1e-12);
 }
 
-TEST(RulerMarks, AStepBelowOneCountsAsOne) {
+TEST(RulerMarks, aStepBelowOneCountsAsOne) {
     for (const int space : {0, -1, -100, std::numeric_limits<int>::min()})
         EXPECT_EQ(kBuilder.MarksOfPath(PathOf({{100, 300}, {110, 300}}, {10, 2, space})).at(0).bands.size(),
                   10U)
             << space;
 }
 
-TEST(RulerMarks, TheLargestSpaceGivesOneTick) {
+TEST(RulerMarks, theLargestSpaceGivesOneTick) {
     const Parameters parameters{10, 2, std::numeric_limits<int>::max()};
     EXPECT_EQ(kBuilder.MarksOfPath(PathOf({{100, 300}, {900, 300}}, parameters)).at(0).bands.size(), 1U);
 }
 
-TEST(RulerMarks, ASegmentNeverGetsMoreThanAHundredThousandTicks) {
+TEST(RulerMarks, aSegmentNeverGetsMoreThanAHundredThousandTicks) {
     const auto marks = kBuilder.MarksOfPath(PathOf({{0, 300}, {1e12, 300}, {1e12, 400}}, {10, 2, 0}));
     EXPECT_EQ(marks.at(0).bands.size(), 100'000U);
     EXPECT_EQ(marks.at(1).bands.size(), 100U);
 }
 
-TEST(RulerMarks, ASegmentWithoutLengthHasNoTicksAndKeepsTheOffset) {
+TEST(RulerMarks, aSegmentWithoutLengthHasNoTicksAndKeepsTheOffset) {
     const auto marks = kBuilder.MarksOfPath(PathOf({{100, 300}, {300, 300}, {300, 300}, {300, 500}}));
     ASSERT_EQ(marks.size(), 3U);
     EXPECT_TRUE(marks[1].bands.empty());
     ExpectAt(marks[2].tickStarts.at(0), 250, 302);
 }
 
-TEST(RulerMarks, PointsThatAreNotFiniteHaveNoTicks) {
+TEST(RulerMarks, pointsThatAreNotFiniteHaveNoTicks) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double infinite = std::numeric_limits<double>::infinity();
     for (const double value : {nan, infinite, -infinite}) {
@@ -161,7 +161,7 @@ TEST(RulerMarks, PointsThatAreNotFiniteHaveNoTicks) {
     }
 }
 
-TEST(RulerMarks, EveryStoredPointIsFinite) {
+TEST(RulerMarks, everyStoredPointIsFinite) {
     const Parameters parameters{1'000'000'000, 1'000'000'000, 100};
     for (const double start : {0.0, 1e-300, 0.1, 1e9, 1e200, 1e304}) {
         for (const double length : {5e-324, 1e-310, 1e-300, 1e-160, 1e-20, 1e-3, 1e150, 1e300, 1e304}) {
@@ -174,7 +174,7 @@ TEST(RulerMarks, EveryStoredPointIsFinite) {
     }
 }
 
-TEST(RulerMarks, APathOfOnePointHasNone) {
+TEST(RulerMarks, aPathOfOnePointHasNone) {
     EXPECT_TRUE(kBuilder.MarksOfPath(PathOf({{100, 300}})).empty());
     EXPECT_TRUE(kBuilder.MarksOfPath(PathOf({})).empty());
 }
@@ -216,7 +216,7 @@ void ExpectMarksOf(const TrackPath& path, const std::vector<RulerMarks>& marks, 
     }
 }
 
-TEST(RulerMarks, AgreeWithTheGeometryOnRandomPaths) {
+TEST(RulerMarks, agreeWithTheGeometryOnRandomPaths) {
     std::mt19937 random(7);
     std::uniform_real_distribution<double> place(0.0, 1.0);
     std::uniform_int_distribution<int> parameter(0, 150);
@@ -237,7 +237,7 @@ std::uint64_t CountOf(const std::vector<QPointF>& imagePixels, int space) {
     return kBuilder.TickCount({PathOf(imagePixels, {100, 50, space})});
 }
 
-TEST(RulerTickCount, CountsAcrossCornersAndPaths) {
+TEST(RulerTickCount, countsAcrossCornersAndPaths) {
     EXPECT_EQ(CountOf({{100, 300}, {302, 300}}, 100), 2U); // the next one would be on the end
     EXPECT_EQ(CountOf({{100, 300}, {302.5, 300}}, 100), 3U);
     EXPECT_EQ(CountOf({{100, 300}, {300, 300}, {300, 500}}, 100), 4U); // at 2 and 103 after the corner
@@ -245,7 +245,7 @@ TEST(RulerTickCount, CountsAcrossCornersAndPaths) {
     EXPECT_EQ(kBuilder.TickCount({path, path, path}), 3U);
 }
 
-TEST(RulerTickCount, IsThatOfTheMarksOfRandomPaths) {
+TEST(RulerTickCount, isThatOfTheMarksOfRandomPaths) {
     std::mt19937 random(11);
     std::uniform_real_distribution<double> place(-200.0, 1200.0);
     std::uniform_int_distribution<int> space(-2, 300);
@@ -264,14 +264,14 @@ TEST(RulerTickCount, IsThatOfTheMarksOfRandomPaths) {
     }
 }
 
-TEST(RulerTickCount, IsNotLimited) {
+TEST(RulerTickCount, isNotLimited) {
     EXPECT_EQ(CountOf({{0, 300}, {1e12, 300}, {1e12, 400}}, 0), 1'000'000'000'100U);
     EXPECT_EQ(CountOf({{0, 300}, {1e12, 300}, {1e12, 400}}, 1), 500'000'000'050U);
     const std::vector<TrackPath> many(3'000, PathOf({{0, 300}, {1000, 300}}, {10, 2, 0}));
     EXPECT_EQ(kBuilder.TickCount(many), 3'000'000U);
 }
 
-TEST(RulerTickCount, StopsWhereDoublesNoLongerCount) {
+TEST(RulerTickCount, stopsWhereDoublesNoLongerCount) {
     constexpr double kFar = 4503599627370495.0; // 2^52 - 1
     EXPECT_EQ(CountOf({{0, 0}, {kFar, 0}}, 0), 4503599627370495U);
     EXPECT_EQ(CountOf({{0, 0}, {kFar + 1, 0}}, 0), RulerMarksBuilder::kUncountable);
@@ -285,7 +285,7 @@ TEST(RulerTickCount, StopsWhereDoublesNoLongerCount) {
     EXPECT_EQ(kBuilder.TickCount({half}), 2'099U * 4503599627370495U);
 }
 
-TEST(RulerTickCount, IsNoneWhereThereAreNoTicks) {
+TEST(RulerTickCount, isNoneWhereThereAreNoTicks) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     EXPECT_EQ(CountOf({{100, 300}, {100, 300}}, 0), 0U);
     EXPECT_EQ(CountOf({{nan, 300}, {100, 300}}, 0), 0U);
@@ -295,7 +295,7 @@ TEST(RulerTickCount, IsNoneWhereThereAreNoTicks) {
     EXPECT_EQ(RulerMarksBuilder(QSize()).TickCount({PathOf({{0, 0}, {100, 0}})}), 0U);
 }
 
-TEST(RulerTickCount, HasTheTicksThatAreTooFarAwayForMarks) {
+TEST(RulerTickCount, hasTheTicksThatAreTooFarAwayForMarks) {
     const TrackPath path = PathOf({{1e307, 0}, {1e307, 100}});
     EXPECT_TRUE(kBuilder.MarksOfPath(path).at(0).tickStarts.empty());
     EXPECT_EQ(kBuilder.TickCount({path}), 1U);

@@ -77,7 +77,7 @@ class TrackDocumentTest : public ::testing::Test {
     TrackDocument document;
 };
 
-TEST_F(TrackDocumentTest, StartsWithoutATrack) {
+TEST_F(TrackDocumentTest, startsWithoutATrack) {
     EXPECT_FALSE(document.hasImage());
     EXPECT_FALSE(document.isOpen());
     EXPECT_FALSE(document.isModified());
@@ -87,7 +87,7 @@ TEST_F(TrackDocumentTest, StartsWithoutATrack) {
     EXPECT_EQ(document.finishedCount(), 0);
 }
 
-TEST_F(TrackDocumentTest, ANewPointGetsTheDefaultParameters) {
+TEST_F(TrackDocumentTest, aNewPointGetsTheDefaultParameters) {
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     EXPECT_THAT(Paths().at(0).methods, ElementsAre(1, 1));
     EXPECT_THAT(Paths()[0].lengths, ElementsAre(100, 100));
@@ -97,14 +97,14 @@ TEST_F(TrackDocumentTest, ANewPointGetsTheDefaultParameters) {
     EXPECT_EQ(document.finishedCount(), 1);
 }
 
-TEST_F(TrackDocumentTest, DeletingTheLastOfTwoPointsRemovesThePath) {
+TEST_F(TrackDocumentTest, deletingTheLastOfTwoPointsRemovesThePath) {
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     document.deleteLast();
     EXPECT_TRUE(Paths().empty());
     EXPECT_EQ(document.finishedCount(), 0);
 }
 
-TEST_F(TrackDocumentTest, DeletingTheLastOfThreePointsLeavesTwoAndTheirMarks) {
+TEST_F(TrackDocumentTest, deletingTheLastOfThreePointsLeavesTwoAndTheirMarks) {
     Draw({{0.1, 0.1}, {0.2, 0.1}, {0.2, 0.9}});
     document.computeRulerMarks({400, 300});
     ASSERT_EQ(Paths()[0].rulerMarks.size(), 2U);
@@ -118,7 +118,7 @@ TEST_F(TrackDocumentTest, DeletingTheLastOfThreePointsLeavesTwoAndTheirMarks) {
     EXPECT_EQ(document.finishedCount(), 1);
 }
 
-TEST_F(TrackDocumentTest, DeletingAWholePathClosesEveryOther) {
+TEST_F(TrackDocumentTest, deletingAWholePathClosesEveryOther) {
     document.open(
         Content({Path({{0.1, 0.1}, {0.2, 0.2}}), Path({{0.3, 0.3}, {0.4, 0.4}}), Path({{0.5, 0.5}})}),
         "a.trk", TrackOrigin::External);
@@ -128,7 +128,7 @@ TEST_F(TrackDocumentTest, DeletingAWholePathClosesEveryOther) {
     EXPECT_EQ(document.finishedCount(), 2);
 }
 
-TEST_F(TrackDocumentTest, RemovingAPointOfFewerThanThreeRemovesItsPathAndClosesEveryOther) {
+TEST_F(TrackDocumentTest, removingAPointOfFewerThanThreeRemovesItsPathAndClosesEveryOther) {
     document.open(
         Content({Path({{0.1, 0.1}, {0.2, 0.2}}, 10), Path({{0.3, 0.3}, {0.4, 0.4}, {0.5, 0.4}}, 20)}),
         "a.trk", TrackOrigin::External);
@@ -146,7 +146,7 @@ TEST_F(TrackDocumentTest, RemovingAPointOfFewerThanThreeRemovesItsPathAndClosesE
     EXPECT_EQ(document.finishedCount(), 0);
 }
 
-TEST_F(TrackDocumentTest, BothHalvesOfASegmentHaveItsParameters) {
+TEST_F(TrackDocumentTest, bothHalvesOfASegmentHaveItsParameters) {
     document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}}, 10)}), "a.trk", TrackOrigin::External);
     document.setParameter({0, 0}, SegmentParameter::Length, 77);
     document.setParameter({0, 0}, SegmentParameter::Method, 3);
@@ -159,7 +159,7 @@ TEST_F(TrackDocumentTest, BothHalvesOfASegmentHaveItsParameters) {
     EXPECT_THAT(Paths()[0].spaces, ElementsAre(12, 12, 12));
 }
 
-TEST_F(TrackDocumentTest, ClosingAllPathsIsOneStep) {
+TEST_F(TrackDocumentTest, closingAllPathsIsOneStep) {
     document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}}), Path({{0.3, 0.3}, {0.4, 0.4}})}), "a.trk",
                   TrackOrigin::External);
     document.closePath();
@@ -173,7 +173,7 @@ TEST_F(TrackDocumentTest, ClosingAllPathsIsOneStep) {
     EXPECT_EQ(document.finishedCount(), 1);
 }
 
-TEST_F(TrackDocumentTest, ASegmentExistsBetweenTwoPoints) {
+TEST_F(TrackDocumentTest, aSegmentExistsBetweenTwoPoints) {
     Draw({{0.1, 0.1}, {0.2, 0.1}, {0.2, 0.2}});
     EXPECT_TRUE(document.segmentExists(0, 0));
     EXPECT_TRUE(document.segmentExists(0, 1));
@@ -182,7 +182,7 @@ TEST_F(TrackDocumentTest, ASegmentExistsBetweenTwoPoints) {
     EXPECT_FALSE(TrackDocument().segmentExists(0, 0));
 }
 
-TEST_F(TrackDocumentTest, EachParameterGoesToItsOwnListAndSegment) {
+TEST_F(TrackDocumentTest, eachParameterGoesToItsOwnListAndSegment) {
     Draw({{0.1, 0.1}, {0.2, 0.1}, {0.2, 0.2}});
     EXPECT_TRUE(document.setParameter({0, 1}, SegmentParameter::Method, 2));
     EXPECT_TRUE(document.setParameter({0, 1}, SegmentParameter::Length, 3));
@@ -198,7 +198,7 @@ TEST_F(TrackDocumentTest, EachParameterGoesToItsOwnListAndSegment) {
     EXPECT_EQ(document.parameter({0, 1}, SegmentParameter::Space), 5);
 }
 
-TEST_F(TrackDocumentTest, AParameterOfNoSegmentIsNotSet) {
+TEST_F(TrackDocumentTest, aParameterOfNoSegmentIsNotSet) {
     EXPECT_FALSE(document.setParameter({0, 0}, SegmentParameter::Length, 3));
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     EXPECT_FALSE(document.setParameter({0, 1}, SegmentParameter::Length, 3));
@@ -207,7 +207,7 @@ TEST_F(TrackDocumentTest, AParameterOfNoSegmentIsNotSet) {
     EXPECT_THAT(Paths()[0].lengths, ElementsAre(100, 100));
 }
 
-TEST_F(TrackDocumentTest, ABatchReachesTheLastPointsToo) {
+TEST_F(TrackDocumentTest, aBatchReachesTheLastPointsToo) {
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     Draw({{0.1, 0.5}, {0.2, 0.5}, {0.3, 0.5}});
     document.setParameterEverywhere(SegmentParameter::Width, 7);
@@ -216,7 +216,7 @@ TEST_F(TrackDocumentTest, ABatchReachesTheLastPointsToo) {
     EXPECT_THAT(Paths()[1].lengths, ElementsAre(100, 100, 100));
 }
 
-TEST_F(TrackDocumentTest, EveryKindOfEditIsOneStep) {
+TEST_F(TrackDocumentTest, everyKindOfEditIsOneStep) {
     document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}, {0.3, 0.1}}), Path({{0.3, 0.3}, {0.4, 0.4}}, 20)}),
                   "a.trk", TrackOrigin::External);
     ExpectOneStep([this] { document.addPoint({0.5, 0.5}); });
@@ -240,7 +240,7 @@ TEST_F(TrackDocumentTest, EveryKindOfEditIsOneStep) {
     ExpectOneStep([this] { document.deleteAll(); });
 }
 
-TEST_F(TrackDocumentTest, TypingInOneFieldForOneSegmentIsOneStep) {
+TEST_F(TrackDocumentTest, typingInOneFieldForOneSegmentIsOneStep) {
     Draw({{0.1, 0.1}, {0.2, 0.1}, {0.2, 0.2}});
     const State before = StateOf(document);
     document.endGesture();
@@ -256,7 +256,7 @@ TEST_F(TrackDocumentTest, TypingInOneFieldForOneSegmentIsOneStep) {
     EXPECT_TRUE(StateOf(document) == before);
 }
 
-TEST_F(TrackDocumentTest, ABatchSettingIsOneStepHoweverItIsTyped) {
+TEST_F(TrackDocumentTest, aBatchSettingIsOneStepHoweverItIsTyped) {
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     document.setParameter({0, 0}, SegmentParameter::Length, 5);
     const State before = StateOf(document);
@@ -269,7 +269,7 @@ TEST_F(TrackDocumentTest, ABatchSettingIsOneStepHoweverItIsTyped) {
     EXPECT_THAT(Paths()[0].lengths, ElementsAre(75, 75));
 }
 
-TEST_F(TrackDocumentTest, AnotherGestureIsAnotherStep) {
+TEST_F(TrackDocumentTest, anotherGestureIsAnotherStep) {
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     document.endGesture();
     document.movePoint({0, 0}, {0.3, 0.3});
@@ -281,7 +281,7 @@ TEST_F(TrackDocumentTest, AnotherGestureIsAnotherStep) {
     EXPECT_EQ(Paths()[0].points[0].x(), 0.1);
 }
 
-TEST_F(TrackDocumentTest, AGestureThatEndsWhereItBeganIsNoStep) {
+TEST_F(TrackDocumentTest, aGestureThatEndsWhereItBeganIsNoStep) {
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     document.deleteAll();
     document.undo();
@@ -298,7 +298,7 @@ TEST_F(TrackDocumentTest, AGestureThatEndsWhereItBeganIsNoStep) {
     EXPECT_EQ(document.finishedCount(), 0);
 }
 
-TEST_F(TrackDocumentTest, AnEditAfterUndoEndsWhatCouldBeRedone) {
+TEST_F(TrackDocumentTest, anEditAfterUndoEndsWhatCouldBeRedone) {
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     document.undo();
     ASSERT_TRUE(document.canRedo());
@@ -309,7 +309,7 @@ TEST_F(TrackDocumentTest, AnEditAfterUndoEndsWhatCouldBeRedone) {
     EXPECT_TRUE(StateOf(document) == after);
 }
 
-TEST_F(TrackDocumentTest, UndoneIsNotModifiedAndRedoneIs) {
+TEST_F(TrackDocumentTest, undoneIsNotModifiedAndRedoneIs) {
     document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}})}), "a.trk", TrackOrigin::External);
     EXPECT_FALSE(document.isModified());
     document.addPoint({0.3, 0.3});
@@ -320,14 +320,14 @@ TEST_F(TrackDocumentTest, UndoneIsNotModifiedAndRedoneIs) {
     EXPECT_TRUE(document.isModified());
 }
 
-TEST_F(TrackDocumentTest, ClosingAPathModifiesNoFile) {
+TEST_F(TrackDocumentTest, closingAPathModifiesNoFile) {
     document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}})}), "a.trk", TrackOrigin::External);
     document.closePath();
     EXPECT_TRUE(document.canUndo());
     EXPECT_FALSE(document.isModified());
 }
 
-TEST_F(TrackDocumentTest, SavingMakesThePresentStateTheUnmodifiedOne) {
+TEST_F(TrackDocumentTest, savingMakesThePresentStateTheUnmodifiedOne) {
     document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}})}), "a.trk", TrackOrigin::External);
     document.setParameter({0, 0}, SegmentParameter::Length, 7);
     document.setSaved();
@@ -341,7 +341,7 @@ TEST_F(TrackDocumentTest, SavingMakesThePresentStateTheUnmodifiedOne) {
     EXPECT_TRUE(document.isModified());
 }
 
-TEST_F(TrackDocumentTest, OpeningAndClosingForgetTheSteps) {
+TEST_F(TrackDocumentTest, openingAndClosingForgetTheSteps) {
     document.addPath({0.1, 0.1});
     document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}})}), "a.trk", TrackOrigin::Workspace);
     EXPECT_FALSE(document.canUndo());
@@ -358,7 +358,7 @@ TEST_F(TrackDocumentTest, OpeningAndClosingForgetTheSteps) {
     EXPECT_FALSE(document.isWorkspaceTrack());
 }
 
-TEST_F(TrackDocumentTest, ADetachedTrackIsShownButNotOpen) {
+TEST_F(TrackDocumentTest, aDetachedTrackIsShownButNotOpen) {
     document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}})}), "a.trk", TrackOrigin::Workspace);
     document.addPoint({0.5, 0.5});
     document.detach();
@@ -368,7 +368,7 @@ TEST_F(TrackDocumentTest, ADetachedTrackIsShownButNotOpen) {
     EXPECT_TRUE(document.canUndo());
 }
 
-TEST_F(TrackDocumentTest, AnExternalTrackJoinsTheWorkspace) {
+TEST_F(TrackDocumentTest, anExternalTrackJoinsTheWorkspace) {
     document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}})}), "/elsewhere/a.trk", TrackOrigin::External);
     EXPECT_TRUE(document.isExternal());
     document.moveToWorkspace("./tracks/a.trk");
@@ -377,7 +377,7 @@ TEST_F(TrackDocumentTest, AnExternalTrackJoinsTheWorkspace) {
     EXPECT_EQ(document.file(), "./tracks/a.trk");
 }
 
-TEST_F(TrackDocumentTest, ItsWorldIsThatOfItsInformationAndImage) {
+TEST_F(TrackDocumentTest, itsWorldIsThatOfItsInformationAndImage) {
     document.open(Content({}), "a.trk", TrackOrigin::External);
     const WorldTransform world = document.worldTransform();
     EXPECT_EQ(world.widthScale, 0.25);
@@ -388,7 +388,7 @@ TEST_F(TrackDocumentTest, ItsWorldIsThatOfItsInformationAndImage) {
     EXPECT_EQ(document.shownSize(), QSize(80, 30));
 }
 
-TEST_F(TrackDocumentTest, SaysWhatChanged) {
+TEST_F(TrackDocumentTest, saysWhatChanged) {
     std::vector<std::size_t> kinds;
     QObject::connect(&document, &TrackDocument::pathsChanged,
                      [&](const PathsChange& change) { kinds.push_back(change.index()); });
@@ -407,7 +407,7 @@ TEST_F(TrackDocumentTest, SaysWhatChanged) {
     EXPECT_THAT(kinds, ElementsAre(kindOf(PathInserted{}), kindOf(FinishedCountSet{})));
 }
 
-TEST_F(TrackDocumentTest, AMoveSaysWhereThePointWas) {
+TEST_F(TrackDocumentTest, aMoveSaysWhereThePointWas) {
     Draw({{0.1, 0.2}, {0.3, 0.4}});
     PointMoved seen{};
     QObject::connect(&document, &TrackDocument::pathsChanged, [&](const PathsChange& change) {
@@ -419,7 +419,7 @@ TEST_F(TrackDocumentTest, AMoveSaysWhereThePointWas) {
     EXPECT_EQ(seen.before, QPointF(0.3, 0.4));
 }
 
-TEST_F(TrackDocumentTest, MarksFollowEveryStepBackAndForth) {
+TEST_F(TrackDocumentTest, marksFollowEveryStepBackAndForth) {
     Draw({{0.1, 0.1}, {0.8, 0.1}, {0.8, 0.9}});
     Draw({{0.2, 0.3}, {0.7, 0.35}});
     document.movePoint({0, 1}, {0.7, 0.2});
@@ -454,7 +454,7 @@ TEST_F(TrackDocumentTest, MarksFollowEveryStepBackAndForth) {
     }
 }
 
-TEST_F(TrackDocumentTest, TheHistoryHoldsAThousandSteps) {
+TEST_F(TrackDocumentTest, theHistoryHoldsAThousandSteps) {
     for (int step = 0; step < UndoHistory::kMaxSteps + 5; ++step) {
         document.addPath({0.5, 0.5});
     }
@@ -466,7 +466,7 @@ TEST_F(TrackDocumentTest, TheHistoryHoldsAThousandSteps) {
     EXPECT_TRUE(document.isModified()) << "the state before the first step cannot be come back to";
 }
 
-TEST_F(TrackDocumentTest, UndoWithManyPointsRestoresThemAll) {
+TEST_F(TrackDocumentTest, undoWithManyPointsRestoresThemAll) {
     std::vector<QPointF> points;
     for (int point = 0; point < 100'000; ++point)
         points.emplace_back(point * 1e-5, (point % 317) / 317.0);

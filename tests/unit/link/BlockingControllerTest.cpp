@@ -54,7 +54,7 @@ class BlockingControllerTest : public ::testing::Test {
     std::vector<Ve::Exception> restores;
 };
 
-TEST_F(BlockingControllerTest, MethodsStandInTheirOrder) {
+TEST_F(BlockingControllerTest, methodsStandInTheirOrder) {
     const QMetaObject& meta = BlockingController::staticMetaObject;
     struct Row {
         const char* signature;
@@ -72,28 +72,28 @@ TEST_F(BlockingControllerTest, MethodsStandInTheirOrder) {
     }
 }
 
-TEST_F(BlockingControllerTest, ResultTypeIsRegisteredUnderItsName) {
+TEST_F(BlockingControllerTest, resultTypeIsRegisteredUnderItsName) {
     const int type = QMetaType::type("Ve::Exception");
     EXPECT_NE(type, QMetaType::UnknownType);
     EXPECT_EQ(type, qMetaTypeId<Ve::Exception>());
 }
 
-TEST_F(BlockingControllerTest, BackupThatWorksReportsStatusOneOnce) {
+TEST_F(BlockingControllerTest, backupThatWorksReportsStatusOneOnce) {
     ExpectOneBackup(1, "");
     EXPECT_THAT(server.calls, ElementsAre("Backup a.osbak"));
 }
 
-TEST_F(BlockingControllerTest, BackupHandsOnNamesBeyondAscii) {
+TEST_F(BlockingControllerTest, backupHandsOnNamesBeyondAscii) {
     controller.SlotBackup(QStringLiteral(u"./Über %s.osbak"));
     EXPECT_THAT(server.calls, ElementsAre("Backup ./Über %s.osbak"));
 }
 
-TEST_F(BlockingControllerTest, BackupThatFailsReportsItsStatusAndMessageOnce) {
+TEST_F(BlockingControllerTest, backupThatFailsReportsItsStatusAndMessageOnce) {
     server.failAt("Backup", Failure(-998, "Failed to receive 100% of the backup."));
     ExpectOneBackup(-998, "Failed to receive 100% of the backup.");
 }
 
-TEST_F(BlockingControllerTest, RestoreThatKeepsTheReplayModeSetsNothing) {
+TEST_F(BlockingControllerTest, restoreThatKeepsTheReplayModeSetsNothing) {
     for (const bool mode : {false, true}) {
         server = FakeServer();
         restores.clear();
@@ -104,7 +104,7 @@ TEST_F(BlockingControllerTest, RestoreThatKeepsTheReplayModeSetsNothing) {
     }
 }
 
-TEST_F(BlockingControllerTest, RestoreThatChangesTheReplayModeSetsItBack) {
+TEST_F(BlockingControllerTest, restoreThatChangesTheReplayModeSetsItBack) {
     for (const bool mode : {false, true}) {
         server = FakeServer();
         restores.clear();
@@ -117,33 +117,33 @@ TEST_F(BlockingControllerTest, RestoreThatChangesTheReplayModeSetsItBack) {
     }
 }
 
-TEST_F(BlockingControllerTest, FailureToReadTheModeFirstSkipsTheRestore) {
+TEST_F(BlockingControllerTest, failureToReadTheModeFirstSkipsTheRestore) {
     server.failAt("GetReplayMode", Failure(-988, "not connected"));
     ExpectOneRestore(-988, "not connected");
     EXPECT_THAT(server.calls, ElementsAre("GetReplayMode"));
 }
 
-TEST_F(BlockingControllerTest, FailedRestoreLeavesTheReplayModeAlone) {
+TEST_F(BlockingControllerTest, failedRestoreLeavesTheReplayModeAlone) {
     server.replayModeAfterRestore = true;
     server.failAt("Restore", Failure(-998, "refused"));
     ExpectOneRestore(-998, "refused");
     EXPECT_THAT(server.calls, ElementsAre("GetReplayMode", "Restore a.osbak"));
 }
 
-TEST_F(BlockingControllerTest, FailureToReadTheModeAgainSetsNothing) {
+TEST_F(BlockingControllerTest, failureToReadTheModeAgainSetsNothing) {
     server.replayModeAfterRestore = true;
     server.failAt("GetReplayMode", Failure(-998, "gone"), 2);
     ExpectOneRestore(-998, "gone");
     EXPECT_THAT(server.calls, ElementsAre("GetReplayMode", "Restore a.osbak", "GetReplayMode"));
 }
 
-TEST_F(BlockingControllerTest, FailureToSetTheModeBackIsReported) {
+TEST_F(BlockingControllerTest, failureToSetTheModeBackIsReported) {
     server.replayModeAfterRestore = true;
     server.failAt("SetReplayMode", Failure(-998, "no"));
     ExpectOneRestore(-998, "no");
 }
 
-TEST_F(BlockingControllerTest, OtherExceptionsBecomeResultsToo) {
+TEST_F(BlockingControllerTest, otherExceptionsBecomeResultsToo) {
     server.failAt("Backup", std::runtime_error("50%d off"));
     ExpectOneBackup(-998, "The operation was given up - 50%d off.");
     backups.clear();
@@ -154,12 +154,12 @@ TEST_F(BlockingControllerTest, OtherExceptionsBecomeResultsToo) {
     EXPECT_THAT(restores[0].what(), StrEq("The operation was given up - std::bad_alloc."));
 }
 
-TEST_F(BlockingControllerTest, ThrownValuesBecomeResultsToo) {
+TEST_F(BlockingControllerTest, thrownValuesBecomeResultsToo) {
     server.failAt("Backup", 42);
     ExpectOneBackup(-998, "The operation was given up - unknown error.");
 }
 
-TEST_F(BlockingControllerTest, NextOperationWorksAfterAFailure) {
+TEST_F(BlockingControllerTest, nextOperationWorksAfterAFailure) {
     server.failAt("Backup", Failure(-998, "once"));
     controller.SlotBackup(QStringLiteral("a"));
     controller.SlotBackup(QStringLiteral("b"));
@@ -187,7 +187,7 @@ class Window : public QObject {
     std::vector<Ve::Exception> results;
 };
 
-TEST(BlockingControllerThread, ResultsCrossBackFromTheWorkersThread) {
+TEST(BlockingControllerThread, resultsCrossBackFromTheWorkersThread) {
     FakeServer server;
     OstraSdkClient client;
     auto* const controller = new BlockingController(&client, nullptr); // deleted by its thread's end

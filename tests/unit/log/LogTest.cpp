@@ -31,7 +31,7 @@ class LogTest : public ::testing::Test {
     std::FILE* file;
 };
 
-TEST_F(LogTest, LevelsHaveTheirValuesAndNames) {
+TEST_F(LogTest, levelsHaveTheirValuesAndNames) {
     const char* const names[] = {"ERROR", "WARNING", "INFO", "DEBUG", "DEBUG1", "DEBUG2", "DEBUG3", "DEBUG4"};
     const LogLevel levels[] = {ERROR, WARNING, INFO, DEBUG, DEBUG1, DEBUG2, DEBUG3, DEBUG4};
     for (int value = 0; value < 8; ++value) {
@@ -40,13 +40,13 @@ TEST_F(LogTest, LevelsHaveTheirValuesAndNames) {
     }
 }
 
-TEST_F(LogTest, LineHasTimeLevelAndMessage) {
+TEST_F(LogTest, lineHasTimeLevelAndMessage) {
     fakeClock::ticks = fakeClock::kStart + 42;
     LOG_LINE(ERROR) << "Failed to open " << 3 << " files.";
     EXPECT_EQ(written(), "14:03:07.042 ERROR: Failed to open 3 files.\n");
 }
 
-TEST_F(LogTest, TabsCountTheLevelsBeyondDebug) {
+TEST_F(LogTest, tabsCountTheLevelsBeyondDebug) {
     LOG_LINE(ERROR) << "e";
     LOG_LINE(WARNING) << "w";
     LOG_LINE(INFO) << "i";
@@ -65,29 +65,29 @@ TEST_F(LogTest, TabsCountTheLevelsBeyondDebug) {
                          "14:03:07.000 DEBUG4: \t\t\t\td4\n");
 }
 
-TEST_F(LogTest, FailedTimeStampStandsInTheLine) {
+TEST_F(LogTest, failedTimeStampStandsInTheLine) {
     fakeClock::fails = true;
     LOG_LINE(INFO) << "on";
     fakeClock::fails = false;
     EXPECT_EQ(written(), "Error in NowTime() INFO: on\n");
 }
 
-TEST_F(LogTest, MessageIsNeverAFormat) {
+TEST_F(LogTest, messageIsNeverAFormat) {
     LOG_LINE(INFO) << "100%s of %n%n %d \"./Ü b.trk\"";
     EXPECT_EQ(written(), "14:03:07.000 INFO: 100%s of %n%n %d \"./Ü b.trk\"\n");
 }
 
-TEST_F(LogTest, LongMessageIsWrittenWhole) {
+TEST_F(LogTest, longMessageIsWrittenWhole) {
     const std::string message(1'000'000, 'x');
     LOG_LINE(INFO) << message;
     EXPECT_EQ(written(), "14:03:07.000 INFO: " + message + "\n");
 }
 
-TEST_F(LogTest, EveryLevelIsReportedUnlessSomebodyChangesThat) {
+TEST_F(LogTest, everyLevelIsReportedUnlessSomebodyChangesThat) {
     EXPECT_EQ(FILELog::ReportingLevel(), DEBUG4);
 }
 
-TEST_F(LogTest, LevelsBeyondTheReportedOneAreNeitherEvaluatedNorWritten) {
+TEST_F(LogTest, levelsBeyondTheReportedOneAreNeitherEvaluatedNorWritten) {
     FILELog::ReportingLevel() = INFO;
     int evaluated = 0;
     LOG_LINE(DEBUG) << ++evaluated;
@@ -96,7 +96,7 @@ TEST_F(LogTest, LevelsBeyondTheReportedOneAreNeitherEvaluatedNorWritten) {
     EXPECT_EQ(written(), "14:03:07.000 INFO: kept\n");
 }
 
-TEST_F(LogTest, NothingIsEvaluatedOrWrittenWithoutATarget) {
+TEST_F(LogTest, nothingIsEvaluatedOrWrittenWithoutATarget) {
     Output2FILE::Target() = nullptr;
     int evaluated = 0;
     LOG_LINE(ERROR) << ++evaluated;
@@ -105,14 +105,14 @@ TEST_F(LogTest, NothingIsEvaluatedOrWrittenWithoutATarget) {
     EXPECT_EQ(written(), "");
 }
 
-TEST_F(LogTest, EachLineIsFlushedAtOnce) {
+TEST_F(LogTest, eachLineIsFlushedAtOnce) {
     LOG_LINE(INFO) << "one";
     EXPECT_EQ(written(), "14:03:07.000 INFO: one\n");
     LOG_LINE(INFO) << "two";
     EXPECT_EQ(written(), "14:03:07.000 INFO: one\n14:03:07.000 INFO: two\n");
 }
 
-TEST_F(LogTest, StatementStandsWhereAnyStatementMay) {
+TEST_F(LogTest, statementStandsWhereAnyStatementMay) {
     bool reached = false;
     if (written().empty()) {
         LOG_LINE(INFO) << "then";
@@ -131,7 +131,7 @@ struct Collector {
     static void Write(const std::string& text) { Lines().push_back(text); }
 };
 
-TEST_F(LogTest, LineLeavesInOneWriteWhenTheObjectEnds) {
+TEST_F(LogTest, lineLeavesInOneWriteWhenTheObjectEnds) {
     {
         Log<Collector> log;
         log.Line(INFO) << "in "
@@ -146,19 +146,19 @@ struct Forgetful {
     static void Write(const std::string&) { throw std::bad_alloc(); }
 };
 
-TEST_F(LogTest, LineThatCannotBeWrittenIsLostAndNotTheProgram) {
+TEST_F(LogTest, lineThatCannotBeWrittenIsLostAndNotTheProgram) {
     EXPECT_NO_THROW({ Log<Forgetful>().Line(ERROR) << "lost"; });
     LOG_LINE(INFO) << "on";
     EXPECT_EQ(written(), "14:03:07.000 INFO: on\n");
 }
 
-TEST_F(LogTest, LogIsPolymorphicAndNotCopied) {
+TEST_F(LogTest, logIsPolymorphicAndNotCopied) {
     EXPECT_TRUE(std::has_virtual_destructor_v<FILELog>);
     EXPECT_FALSE(std::is_copy_constructible_v<FILELog>);
     EXPECT_FALSE(std::is_copy_assignable_v<FILELog>);
 }
 
-TEST_F(LogTest, LinesOfTwoThreadsDoNotMix) {
+TEST_F(LogTest, linesOfTwoThreadsDoNotMix) {
     constexpr int kLines = 500;
     const auto write = [](char letter) {
         for (int i = 0; i < kLines; ++i)
@@ -180,7 +180,7 @@ TEST_F(LogTest, LinesOfTwoThreadsDoNotMix) {
                       1U);
 }
 
-TEST(LogTarget, IsStandardErrorAtFirst) {
+TEST(LogTarget, isStandardErrorAtFirst) {
     EXPECT_EQ(Output2FILE::Target(), stderr);
 }
 

@@ -16,11 +16,11 @@ class NowTimeTest : public ::testing::Test {
     }
 };
 
-TEST_F(NowTimeTest, CountStartsWithTheFirstGoodStamp) {
+TEST_F(NowTimeTest, countStartsWithTheFirstGoodStamp) {
     EXPECT_EQ(after(0), "14:03:07.000"); // 700 had the failed stamp before it started the count
 }
 
-TEST_F(NowTimeTest, FractionIsTheTimeSinceTheFirstStamp) {
+TEST_F(NowTimeTest, fractionIsTheTimeSinceTheFirstStamp) {
     EXPECT_EQ(after(7), "14:03:07.007");
     EXPECT_EQ(after(42), "14:03:07.042");
     EXPECT_EQ(after(999), "14:03:07.999");
@@ -28,12 +28,12 @@ TEST_F(NowTimeTest, FractionIsTheTimeSinceTheFirstStamp) {
     EXPECT_EQ(after(1500), "14:03:07.500");
 }
 
-TEST_F(NowTimeTest, CountGoesOnWhenTheTicksTurnOver) {
+TEST_F(NowTimeTest, countGoesOnWhenTheTicksTurnOver) {
     EXPECT_EQ(after(0x100), "14:03:07.256"); // the ticks stand at 0
     EXPECT_EQ(after(0x123), "14:03:07.291");
 }
 
-TEST_F(NowTimeTest, FractionTurnsNegativeAfterHalfTheRange) {
+TEST_F(NowTimeTest, fractionTurnsNegativeAfterHalfTheRange) {
     EXPECT_EQ(after(2147483647U), "14:03:07.647");
     EXPECT_EQ(after(2147483648U), "14:03:07.-648");
     EXPECT_EQ(after(4294967284U), "14:03:07.-12");
@@ -41,7 +41,7 @@ TEST_F(NowTimeTest, FractionTurnsNegativeAfterHalfTheRange) {
     EXPECT_EQ(after(4294966296U), "14:03:07.000");
 }
 
-TEST_F(NowTimeTest, TellsThatTheSystemHasNoTime) {
+TEST_F(NowTimeTest, tellsThatTheSystemHasNoTime) {
     fakeClock::fails = true;
     EXPECT_EQ(NowTime(), "Error in NowTime()");
 }

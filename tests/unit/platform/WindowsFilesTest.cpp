@@ -97,7 +97,7 @@ class WindowsFiles : public ::testing::Test {
     std::string folder;
 };
 
-TEST_F(WindowsFiles, AreSavedUnderNamesOutsideAnyCodePage) {
+TEST_F(WindowsFiles, areSavedUnderNamesOutsideAnyCodePage) {
     const std::string path = In("\u6e2c\u5b9a \U0001F527 \u00fc.trk");
     EXPECT_TRUE(Save(path, "one"));
     EXPECT_TRUE(Save(path, "two"));
@@ -106,7 +106,7 @@ TEST_F(WindowsFiles, AreSavedUnderNamesOutsideAnyCodePage) {
     EXPECT_EQ(bFile_Size(path.c_str()), 3);
 }
 
-TEST_F(WindowsFiles, AreReachedByPathsOfMoreThan260Characters) {
+TEST_F(WindowsFiles, areReachedByPathsOfMoreThan260Characters) {
     std::string path = folder;
     while (path.size() < 400) {
         path += "/" + std::string(60, 'n');
@@ -124,7 +124,7 @@ TEST_F(WindowsFiles, AreReachedByPathsOfMoreThan260Characters) {
     EXPECT_THAT(NamesIn(path), ElementsAre("track.trk"));
 }
 
-TEST_F(WindowsFiles, MarkedAsReadOnlyStayAsTheyAre) {
+TEST_F(WindowsFiles, markedAsReadOnlyStayAsTheyAre) {
     Put(In("track.trk"), "old");
     SetFileAttributesW(Long(In("track.trk")).c_str(), FILE_ATTRIBUTE_READONLY);
     AtomicFile file(In("track.trk"));
@@ -135,7 +135,7 @@ TEST_F(WindowsFiles, MarkedAsReadOnlyStayAsTheyAre) {
     EXPECT_THAT(NamesIn(folder), ElementsAre("track.trk"));
 }
 
-TEST_F(WindowsFiles, OpenInAnotherProgramStayAsTheyAre) {
+TEST_F(WindowsFiles, openInAnotherProgramStayAsTheyAre) {
     Put(In("track.trk"), "old");
     // As a program opens a file that it wants nobody else to change.
     const HANDLE other = Open(In("track.trk"), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
@@ -147,7 +147,7 @@ TEST_F(WindowsFiles, OpenInAnotherProgramStayAsTheyAre) {
     EXPECT_EQ(ContentOf(In("track.trk")), "new");
 }
 
-TEST_F(WindowsFiles, OpenedByAnotherProgramDuringTheSavingStayAsTheyAre) {
+TEST_F(WindowsFiles, openedByAnotherProgramDuringTheSavingStayAsTheyAre) {
     Put(In("track.trk"), "old");
     AtomicFile file(In("track.trk"));
     file.Write("new");
@@ -159,7 +159,7 @@ TEST_F(WindowsFiles, OpenedByAnotherProgramDuringTheSavingStayAsTheyAre) {
     EXPECT_THAT(NamesIn(folder), ElementsAre("track.trk"));
 }
 
-TEST_F(WindowsFiles, HaveNoNamesThatTheSystemTakesForSomethingElse) {
+TEST_F(WindowsFiles, haveNoNamesThatTheSystemTakesForSomethingElse) {
     const FolderHandle handle(folder, FolderHandle::Links::Followed);
     for (const char* name : {"CON",         "nul",       "NUL.txt", "com1",  "LPT9.trk",
                              "AUX .trk",    "COM\u00b2", "name.",   "name ", "name:stream",
@@ -179,7 +179,7 @@ TEST_F(WindowsFiles, HaveNoNamesThatTheSystemTakesForSomethingElse) {
         EXPECT_FALSE(handle.MakeFolder(name, 0700)) << name;
 }
 
-TEST_F(WindowsFiles, AreNotReplacedByNamesThatDifferOnlyInCase) {
+TEST_F(WindowsFiles, areNotReplacedByNamesThatDifferOnlyInCase) {
     const FolderHandle handle(folder, FolderHandle::Links::Followed);
     Put(In("Track.trk"), "old");
     ASSERT_FALSE(handle.MakeFolder("Folder", 0700));
@@ -196,7 +196,7 @@ TEST_F(WindowsFiles, AreNotReplacedByNamesThatDifferOnlyInCase) {
     EXPECT_EQ(ContentOf(In("Track.trk")), "old");
 }
 
-TEST_F(WindowsFiles, AreRenamedRemovedAndReplacedInTheirFolder) {
+TEST_F(WindowsFiles, areRenamedRemovedAndReplacedInTheirFolder) {
     const FolderHandle handle(folder, FolderHandle::Links::Followed);
     Put(In("one"), "1");
     EXPECT_FALSE(handle.RenameToFree("one", "two"));
@@ -215,7 +215,7 @@ TEST_F(WindowsFiles, AreRenamedRemovedAndReplacedInTheirFolder) {
     EXPECT_FALSE(handle.Sync());
 }
 
-TEST_F(WindowsFiles, HaveTheTimeAndTheMarkThatTheyAreGiven) {
+TEST_F(WindowsFiles, haveTheTimeAndTheMarkThatTheyAreGiven) {
     const FolderHandle handle(folder, FolderHandle::Links::Followed);
     constexpr std::int64_t kTime = 1'234'567'890;
     {
@@ -234,7 +234,7 @@ TEST_F(WindowsFiles, HaveTheTimeAndTheMarkThatTheyAreGiven) {
     EXPECT_EQ(facts.kind, FileKind::Folder);
 }
 
-TEST_F(WindowsFiles, AreListedAllOfThem) {
+TEST_F(WindowsFiles, areListedAllOfThem) {
     std::set<std::string> names;
     for (int i = 0; i < 700; ++i) {
         names.insert("a name of some length for a list of several pieces " + std::to_string(i));
@@ -245,7 +245,7 @@ TEST_F(WindowsFiles, AreListedAllOfThem) {
     EXPECT_EQ(NamesIn(folder), names);
 }
 
-TEST_F(WindowsFiles, InATreeAreRemovedReadOnlyOnesToo) {
+TEST_F(WindowsFiles, inATreeAreRemovedReadOnlyOnesToo) {
     ASSERT_EQ(bDirectory_Create(In("tree").c_str()), bOK);
     ASSERT_EQ(bDirectory_Create(In("tree/below").c_str()), bOK);
     Put(In("tree/below/file"), "x");
@@ -255,7 +255,7 @@ TEST_F(WindowsFiles, InATreeAreRemovedReadOnlyOnesToo) {
     EXPECT_EQ(bDirectory_Delete(In("tree").c_str()), bERROR_NOT_FOUND);
 }
 
-TEST_F(WindowsFiles, BehindALinkAreNeitherRemovedNorReached) {
+TEST_F(WindowsFiles, behindALinkAreNeitherRemovedNorReached) {
     ASSERT_EQ(bDirectory_Create(In("outside").c_str()), bOK);
     ASSERT_EQ(bDirectory_Create(In("tree").c_str()), bOK);
     Put(In("outside/file"), "x");
@@ -269,7 +269,7 @@ TEST_F(WindowsFiles, BehindALinkAreNeitherRemovedNorReached) {
     EXPECT_EQ(ContentOf(In("outside/file")), "x");
 }
 
-TEST_F(WindowsFiles, AreLockedByOneAtATime) {
+TEST_F(WindowsFiles, areLockedByOneAtATime) {
     const FolderHandle handle(folder, FolderHandle::Links::Followed);
     {
         const FileLock first(handle, "a.lock");
@@ -280,13 +280,13 @@ TEST_F(WindowsFiles, AreLockedByOneAtATime) {
     EXPECT_EQ(FileLock(handle, "CON").Result(), FileLock::State::Failed);
 }
 
-TEST_F(WindowsFiles, ThatAreDevicesAreNotRead) {
+TEST_F(WindowsFiles, thatAreDevicesAreNotRead) {
     EXPECT_EQ(InputFile("NUL").Failure(), std::errc::not_supported);
     EXPECT_EQ(InputFile(folder.c_str()).Failure(), std::errc::is_a_directory);
     EXPECT_EQ(bFile_Exists("NUL"), 0);
 }
 
-TEST_F(WindowsFiles, HavePathsThatAreTakenApart) {
+TEST_F(WindowsFiles, havePathsThatAreTakenApart) {
     EXPECT_EQ(FolderOf("C:/one/two"), "C:/one");
     EXPECT_EQ(FolderOf("C:\\one\\two"), "C:\\one");
     EXPECT_EQ(FolderOf("C:/two"), "C:/");
@@ -299,7 +299,7 @@ TEST_F(WindowsFiles, HavePathsThatAreTakenApart) {
     EXPECT_EQ(AbsolutePath(folder + "/a/../b/./c"), In("b/c"));
 }
 
-TEST_F(WindowsFiles, AreTheSameByAnyPath) {
+TEST_F(WindowsFiles, areTheSameByAnyPath) {
     Put(In("Track.trk"), "x");
     Put(In("other.trk"), "x");
     EXPECT_TRUE(LeadToTheSame(In("Track.trk"), In("./track.TRK")));

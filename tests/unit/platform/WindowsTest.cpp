@@ -57,7 +57,7 @@ class MutexTest : public ::testing::Test {
     std::string instance;
 };
 
-TEST_F(MutexTest, FirstMakesItAndSecondFindsIt) {
+TEST_F(MutexTest, firstMakesItAndSecondFindsIt) {
     const HANDLE first = CreateMutexW(nullptr, FALSE, L"corvane");
     ASSERT_NE(first, nullptr);
     EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
@@ -68,7 +68,7 @@ TEST_F(MutexTest, FirstMakesItAndSecondFindsIt) {
     EXPECT_EQ(CloseHandle(first), TRUE);
 }
 
-TEST_F(MutexTest, SecondHandleClosedLeavesTheMutexToTheFirst) {
+TEST_F(MutexTest, secondHandleClosedLeavesTheMutexToTheFirst) {
     const HANDLE first = CreateMutexW(nullptr, FALSE, L"corvane");
     CloseHandle(CreateMutexW(nullptr, FALSE, L"corvane"));
     const HANDLE third = CreateMutexW(nullptr, FALSE, L"corvane");
@@ -77,14 +77,14 @@ TEST_F(MutexTest, SecondHandleClosedLeavesTheMutexToTheFirst) {
     CloseHandle(first);
 }
 
-TEST_F(MutexTest, ClosedOneCanBeMadeAgain) {
+TEST_F(MutexTest, closedOneCanBeMadeAgain) {
     CloseHandle(CreateMutexW(nullptr, FALSE, L"corvane"));
     const HANDLE again = CreateMutexW(nullptr, FALSE, L"corvane");
     EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
     CloseHandle(again);
 }
 
-TEST_F(MutexTest, OtherNamesAreOtherMutexes) {
+TEST_F(MutexTest, otherNamesAreOtherMutexes) {
     const HANDLE one = CreateMutexW(nullptr, FALSE, L"corvane");
     const HANDLE other = CreateMutexW(nullptr, FALSE, L"corvane-2");
     EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
@@ -92,14 +92,14 @@ TEST_F(MutexTest, OtherNamesAreOtherMutexes) {
     CloseHandle(one);
 }
 
-TEST_F(MutexTest, OtherArgumentsAreRefused) {
+TEST_F(MutexTest, otherArgumentsAreRefused) {
     EXPECT_EQ(CreateMutexW(nullptr, FALSE, nullptr), nullptr);
     EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
     EXPECT_EQ(CreateMutexW(nullptr, TRUE, L"corvane"), nullptr);
     EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
 }
 
-TEST_F(MutexTest, NamesThatCouldLeaveTheFolderAreRefused) {
+TEST_F(MutexTest, namesThatCouldLeaveTheFolderAreRefused) {
     const std::wstring tooLong(101, L'x');
     for (const wchar_t* const name : {L"", L"a/b", L"..", L".hidden", L"a\\b", L"ä", tooLong.c_str()}) {
         EXPECT_EQ(CreateMutexW(nullptr, FALSE, name), nullptr);
@@ -108,12 +108,12 @@ TEST_F(MutexTest, NamesThatCouldLeaveTheFolderAreRefused) {
     EXPECT_TRUE(::rmdir(instance.c_str()) == 0); // nothing was made in it
 }
 
-TEST_F(MutexTest, NullHandleCannotBeClosed) {
+TEST_F(MutexTest, nullHandleCannotBeClosed) {
     EXPECT_EQ(CloseHandle(nullptr), FALSE);
     EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
 }
 
-TEST_F(MutexTest, HolderThatIsKilledGivesItUpAtOnce) {
+TEST_F(MutexTest, holderThatIsKilledGivesItUpAtOnce) {
     const pid_t child = holdInChild([] { CreateMutexW(nullptr, FALSE, L"corvane"); });
     const HANDLE whileHeld = CreateMutexW(nullptr, FALSE, L"corvane");
     EXPECT_EQ(GetLastError(), ERROR_ALREADY_EXISTS);
@@ -124,7 +124,7 @@ TEST_F(MutexTest, HolderThatIsKilledGivesItUpAtOnce) {
     CloseHandle(after);
 }
 
-TEST_F(MutexTest, ExactlyOneOfFiftyAtOnceMakesIt) {
+TEST_F(MutexTest, exactlyOneOfFiftyAtOnceMakesIt) {
     int start[2];
     int results[2];
     ASSERT_EQ(::pipe(start), 0);
@@ -155,7 +155,7 @@ TEST_F(MutexTest, ExactlyOneOfFiftyAtOnceMakesIt) {
     EXPECT_EQ(std::count(answers.begin(), answers.end(), 'e'), 49) << answers;
 }
 
-TEST_F(MutexTest, ProgramsStartedMeanwhileDoNotHoldIt) {
+TEST_F(MutexTest, programsStartedMeanwhileDoNotHoldIt) {
     const HANDLE mutex = CreateMutexW(nullptr, FALSE, L"corvane");
     const pid_t child = ::fork();
     if (child == 0) {
@@ -173,14 +173,14 @@ TEST_F(MutexTest, ProgramsStartedMeanwhileDoNotHoldIt) {
     kill(child);
 }
 
-TEST_F(MutexTest, LockFileIsPrivateAndStays) {
+TEST_F(MutexTest, lockFileIsPrivateAndStays) {
     CloseHandle(CreateMutexW(nullptr, FALSE, L"corvane"));
     struct stat state {};
     ASSERT_EQ(::stat((instance + "/corvane.lock").c_str(), &state), 0);
     EXPECT_EQ(state.st_mode, static_cast<mode_t>(S_IFREG | S_ISVTX | 0600));
 }
 
-TEST_F(MutexTest, LinkInPlaceOfTheLockFileIsNotFollowed) {
+TEST_F(MutexTest, linkInPlaceOfTheLockFileIsNotFollowed) {
     WriteFile(folder.Path("precious"), "keep");
     ASSERT_EQ(::symlink(folder.Path("precious").c_str(), (instance + "/corvane.lock").c_str()), 0);
     EXPECT_EQ(CreateMutexW(nullptr, FALSE, L"corvane"), nullptr);
@@ -191,19 +191,19 @@ TEST_F(MutexTest, LinkInPlaceOfTheLockFileIsNotFollowed) {
     EXPECT_EQ(FileContent(folder.Path("precious")), "keep");
 }
 
-TEST_F(MutexTest, FolderInPlaceOfTheLockFileIsRefused) {
+TEST_F(MutexTest, folderInPlaceOfTheLockFileIsRefused) {
     ::mkdir((instance + "/corvane.lock").c_str(), 0700);
     EXPECT_EQ(CreateMutexW(nullptr, FALSE, L"corvane"), nullptr);
     EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
 }
 
-TEST_F(MutexTest, PipeInPlaceOfTheLockFileIsRefused) {
+TEST_F(MutexTest, pipeInPlaceOfTheLockFileIsRefused) {
     ASSERT_EQ(::mkfifo((instance + "/corvane.lock").c_str(), 0600), 0);
     EXPECT_EQ(CreateMutexW(nullptr, FALSE, L"corvane"), nullptr);
     EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
 }
 
-TEST_F(MutexTest, OtherInstanceFoldersHaveOtherMutexes) {
+TEST_F(MutexTest, otherInstanceFoldersHaveOtherMutexes) {
     const HANDLE one = CreateMutexW(nullptr, FALSE, L"corvane");
     ::mkdir("other", 0700);
     ::setenv("CORVANE_INSTANCE", folder.Path("other").c_str(), 1);
@@ -213,7 +213,7 @@ TEST_F(MutexTest, OtherInstanceFoldersHaveOtherMutexes) {
     CloseHandle(one);
 }
 
-TEST_F(MutexTest, InstanceFolderThatIsNotThisUsersAloneIsRefused) {
+TEST_F(MutexTest, instanceFolderThatIsNotThisUsersAloneIsRefused) {
     ASSERT_EQ(::symlink(instance.c_str(), folder.Path("link").c_str()), 0);
     ::mkdir("open", 0700);
     ::chmod("open", 0755);
@@ -230,7 +230,7 @@ TEST_F(MutexTest, InstanceFolderThatIsNotThisUsersAloneIsRefused) {
 }
 
 /// Its files have a name of their own in the user's own places, and are removed afterwards.
-TEST_F(MutexTest, HoldsForTheUserWhateverTheRuntimeDirectory) {
+TEST_F(MutexTest, holdsForTheUserWhateverTheRuntimeDirectory) {
     const std::string name = "corvane-test-" + std::to_string(::getpid());
     const std::wstring wide(name.begin(), name.end());
     ::unsetenv("CORVANE_INSTANCE");
@@ -251,7 +251,7 @@ TEST_F(MutexTest, HoldsForTheUserWhateverTheRuntimeDirectory) {
         EXPECT_EQ(::unlinkat(place.Number(), (name + ".lock").c_str(), 0), 0);
 }
 
-TEST(FopenSTest, OpensEmptiesAndReportsFailures) {
+TEST(FopenSTest, opensEmptiesAndReportsFailures) {
     const TemporaryFolder folder;
     WriteFile("log", "old");
     std::FILE* file = nullptr;
@@ -268,7 +268,7 @@ TEST(FopenSTest, OpensEmptiesAndReportsFailures) {
     EXPECT_EQ(file, nullptr);
 }
 
-TEST(FopenSTest, KeepsTheFileFromProgramsStartedMeanwhile) {
+TEST(FopenSTest, keepsTheFileFromProgramsStartedMeanwhile) {
     const TemporaryFolder folder;
     std::FILE* file = nullptr;
     ASSERT_EQ(fopen_s(&file, "log", "w+"), 0);
@@ -276,7 +276,7 @@ TEST(FopenSTest, KeepsTheFileFromProgramsStartedMeanwhile) {
     std::fclose(file);
 }
 
-TEST(TickCountTest, CountsMilliseconds) {
+TEST(TickCountTest, countsMilliseconds) {
     const auto before = std::chrono::steady_clock::now();
     const DWORD first = GetTickCount();
     DWORD passed = 0;
@@ -287,7 +287,7 @@ TEST(TickCountTest, CountsMilliseconds) {
     EXPECT_GE(elapsed, std::chrono::milliseconds(19));
 }
 
-TEST(TickCountTest, IsTheTimeThatNobodySets) {
+TEST(TickCountTest, isTheTimeThatNobodySets) {
     const auto now = [] {
         timespec time{};
         ::clock_gettime(CLOCK_MONOTONIC, &time);
@@ -300,7 +300,7 @@ TEST(TickCountTest, IsTheTimeThatNobodySets) {
 }
 
 /// The hours of a place where it is afternoon.
-TEST(TimeFormatTest, CountsTwentyFourHoursOfTheLocalTime) {
+TEST(TimeFormatTest, countsTwentyFourHoursOfTheLocalTime) {
     const std::time_t now = std::time(nullptr);
     std::tm world{};
     gmtime_r(&now, &world);
@@ -314,7 +314,7 @@ TEST(TimeFormatTest, CountsTwentyFourHoursOfTheLocalTime) {
     EXPECT_THAT(std::string(text).substr(0, 3), ::testing::AnyOf("13:", "14:"));
 }
 
-TEST(TimeFormatTest, WritesTheLocalTimeOfNow) {
+TEST(TimeFormatTest, writesTheLocalTimeOfNow) {
     char text[200];
     const std::time_t before = std::time(nullptr);
     ASSERT_EQ(GetTimeFormatA(LOCALE_USER_DEFAULT, 0, nullptr, "HH':'mm':'ss", text, sizeof text), 9);
@@ -331,7 +331,7 @@ TEST(TimeFormatTest, WritesTheLocalTimeOfNow) {
     EXPECT_TRUE(found) << text;
 }
 
-TEST(TimeFormatTest, RefusesWhatItDoesNotKnow) {
+TEST(TimeFormatTest, refusesWhatItDoesNotKnow) {
     char text[200];
     EXPECT_EQ(GetTimeFormatA(LOCALE_USER_DEFAULT, 0, nullptr, "HH':'mm':'ss", text, 8), 0);
     EXPECT_EQ(GetTimeFormatA(LOCALE_USER_DEFAULT, 0, nullptr, "HH':'mm':'ss", text, 0), 0);

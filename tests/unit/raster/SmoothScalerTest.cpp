@@ -40,7 +40,7 @@ int DifferenceAt(const QImage& source, const QSize& target, std::mt19937& random
     return LargestDifference(rendered.copy(QRect(QPoint(3, 2), part.size())), whole.copy(part));
 }
 
-TEST(SmoothScaler, GivesThePixelsOfTheWholeAtEveryViewScale) {
+TEST(SmoothScaler, givesThePixelsOfTheWholeAtEveryViewScale) {
     std::mt19937 random(5);
     for (const QSize size : {QSize(397, 301), QSize(200, 120), QSize(31, 400)}) {
         const QImage source = Noise(size, 11);
@@ -51,21 +51,21 @@ TEST(SmoothScaler, GivesThePixelsOfTheWholeAtEveryViewScale) {
     }
 }
 
-TEST(SmoothScaler, GivesThePixelsOfTheWholeWhenOneAxisGrowsAndTheOtherShrinks) {
+TEST(SmoothScaler, givesThePixelsOfTheWholeWhenOneAxisGrowsAndTheOtherShrinks) {
     std::mt19937 random(6);
     const QImage source = Noise({300, 200}, 12);
     for (const QSize target : {QSize(450, 130), QSize(211, 390), QSize(300, 37), QSize(40, 200)})
         EXPECT_EQ(DifferenceAt(source, target, random), 0) << target.width() << " x " << target.height();
 }
 
-TEST(SmoothScaler, TheSameSizeIsTheSourceItself) {
+TEST(SmoothScaler, theSameSizeIsTheSourceItself) {
     const QImage source = Noise({50, 40}, 13);
     QImage rendered(50, 40, QImage::Format_RGB32);
     SmoothScaler(source, {50, 40}).Render({0, 0, 50, 40}, rendered, {0, 0});
     EXPECT_EQ(rendered, source);
 }
 
-TEST(SmoothScaler, ScalesASinglePixel) {
+TEST(SmoothScaler, scalesASinglePixel) {
     QImage source(1, 1, QImage::Format_RGB32);
     source.fill(qRgb(10, 20, 30));
     QImage rendered(8, 8, QImage::Format_RGB32);

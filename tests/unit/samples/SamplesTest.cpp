@@ -37,7 +37,7 @@ class SamplesTest : public ::testing::Test {
     TemporaryFolder folder;
 };
 
-TEST_F(SamplesTest, DecimalsAreExactAndShort) {
+TEST_F(SamplesTest, decimalsAreExactAndShort) {
     EXPECT_EQ(Decimal(0, 3), "0");
     EXPECT_EQ(Decimal(333, 3), "0.333");
     EXPECT_EQ(Decimal(10, 3), "0.01");
@@ -46,7 +46,7 @@ TEST_F(SamplesTest, DecimalsAreExactAndShort) {
     EXPECT_EQ(Decimal(40000, 3), "40");
 }
 
-TEST_F(SamplesTest, BothEncodingsHoldTheSameRawMap) {
+TEST_F(SamplesTest, bothEncodingsHoldTheSameRawMap) {
     const MachinedPart part(Kind::Groove, 90, 60, 7);
     const independent::Track asText = text(part);
     const independent::Track asBinary = binary(part);
@@ -62,7 +62,7 @@ TEST_F(SamplesTest, BothEncodingsHoldTheSameRawMap) {
     EXPECT_EQ(asText.segments, asBinary.segments);
 }
 
-TEST_F(SamplesTest, PositionsFollowTheResolution) {
+TEST_F(SamplesTest, positionsFollowTheResolution) {
     const independent::Track track = text(MachinedPart(Kind::Seam, 90, 60, 1));
     EXPECT_EQ(track.xResolution, 1.111); // 100 mm / 90, in whole micrometres
     ASSERT_EQ(track.columnPositions.size(), 90U);
@@ -73,7 +73,7 @@ TEST_F(SamplesTest, PositionsFollowTheResolution) {
         EXPECT_NEAR(track.rowPositions[static_cast<std::size_t>(row)], 12.5 + row * 1.111, 1e-9);
 }
 
-TEST_F(SamplesTest, PathsStandInsideThePartInBothCoordinateSystems) {
+TEST_F(SamplesTest, pathsStandInsideThePartInBothCoordinateSystems) {
     const independent::Track track = binary(MachinedPart(Kind::Groove, 300, 200, 3));
     ASSERT_EQ(track.segments.size(), 8U);
     for (const independent::Segment& segment : track.segments) {
@@ -102,7 +102,7 @@ double MeanAround(const independent::Track& track, double x, double y) {
     return count == 0 ? -32768.0 : sum / count;
 }
 
-TEST_F(SamplesTest, PathFollowsTheGrooveOrSeam) {
+TEST_F(SamplesTest, pathFollowsTheGrooveOrSeam) {
     for (const std::uint32_t seed : {1U, 2U, 3U}) {
         const independent::Track groove = binary(MachinedPart(Kind::Groove, 300, 200, seed));
         const independent::Track seam = binary(MachinedPart(Kind::Seam, 300, 200, seed));
@@ -116,7 +116,7 @@ TEST_F(SamplesTest, PathFollowsTheGrooveOrSeam) {
     }
 }
 
-TEST_F(SamplesTest, PartHasHolesShadowsNoiseAndABoss) {
+TEST_F(SamplesTest, partHasHolesShadowsNoiseAndABoss) {
     const independent::Track track = binary(MachinedPart(Kind::Groove, 300, 200, 1));
     EXPECT_EQ(MeanAround(track, 0.74, 0.30), -32768.0); // the bore
     const double boss = MeanAround(track, 0.21, 0.70);
@@ -130,7 +130,7 @@ TEST_F(SamplesTest, PartHasHolesShadowsNoiseAndABoss) {
     EXPECT_NE(track.cells[60 * 300 + 150], track.cells[62 * 300 + 150]);
 }
 
-TEST_F(SamplesTest, SameSeedGivesTheSameBytesAndAnotherSeedOthers) {
+TEST_F(SamplesTest, sameSeedGivesTheSameBytesAndAnotherSeedOthers) {
     WriteTrackFile("1", MachinedPart(Kind::Groove, 60, 40, 5), {TrackFormat::Text, true});
     WriteTrackFile("2", MachinedPart(Kind::Groove, 60, 40, 5), {TrackFormat::Text, true});
     WriteTrackFile("3", MachinedPart(Kind::Groove, 60, 40, 6), {TrackFormat::Text, true});
@@ -138,7 +138,7 @@ TEST_F(SamplesTest, SameSeedGivesTheSameBytesAndAnotherSeedOthers) {
     EXPECT_NE(FileContent("1"), FileContent("3"));
 }
 
-TEST_F(SamplesTest, CommittedTracksAreWhatTheGeneratorMakes) {
+TEST_F(SamplesTest, committedTracksAreWhatTheGeneratorMakes) {
     const std::string tracks = std::string(CORVANE_SAMPLES) + "/tracks/";
     const std::pair<const char*, const char*> made[] = {
         {"housing.trk", ""},
@@ -154,7 +154,7 @@ TEST_F(SamplesTest, CommittedTracksAreWhatTheGeneratorMakes) {
     EXPECT_LT(size, 1'500'000U);
 }
 
-TEST_F(SamplesTest, SmallestAndNarrowPartsAreWhole) {
+TEST_F(SamplesTest, smallestAndNarrowPartsAreWhole) {
     for (const auto& [columns, rows] : {std::pair{2, 2}, {2, 500}, {500, 2}}) {
         const independent::Track track = binary(MachinedPart(Kind::Seam, columns, rows, 1));
         EXPECT_EQ(track.width, columns);
@@ -162,7 +162,7 @@ TEST_F(SamplesTest, SmallestAndNarrowPartsAreWhole) {
     }
 }
 
-TEST_F(SamplesTest, WorkspaceHasTheSensorsLayout) {
+TEST_F(SamplesTest, workspaceHasTheSensorsLayout) {
     ASSERT_EQ(run("workspace space"), 0);
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::recursive_directory_iterator("space"))
@@ -176,7 +176,7 @@ TEST_F(SamplesTest, WorkspaceHasTheSensorsLayout) {
     EXPECT_EQ(independent::ReadBinary(FileContent("space/vdk/ContourPath/cover.trk")).width, 400);
 }
 
-TEST_F(SamplesTest, ProgramTellsWhatItDoesNotUnderstand) {
+TEST_F(SamplesTest, programTellsWhatItDoesNotUnderstand) {
     for (const char* const arguments :
          {"", "paint x", "track", "track x --width 1", "track x --width 100001", "track x --width 3x",
           "track x --seed -1", "track x --format csv", "track x --part lid", "track x --height",
@@ -187,19 +187,19 @@ TEST_F(SamplesTest, ProgramTellsWhatItDoesNotUnderstand) {
     }
 }
 
-TEST_F(SamplesTest, ProgramReportsWhatItCannotWrite) {
+TEST_F(SamplesTest, programReportsWhatItCannotWrite) {
     EXPECT_EQ(run("track no/such/x.trk 2>message"), 1);
     EXPECT_EQ(FileContent("message"), "corvane-samples: cannot write no/such/x.trk\n");
     WriteFile("file", "");
     EXPECT_EQ(run("workspace file 2>message"), 1);
 }
 
-TEST_F(SamplesTest, FullDiskIsReported) {
+TEST_F(SamplesTest, fullDiskIsReported) {
     EXPECT_THROW(WriteTrackFile("/dev/full", MachinedPart(Kind::Groove, 300, 200, 1), {}),
                  std::runtime_error);
 }
 
-TEST_F(SamplesTest, HelpNamesEveryOption) {
+TEST_F(SamplesTest, helpNamesEveryOption) {
     ASSERT_EQ(run("--help >help"), 0);
     for (const char* const option :
          {"--width", "--height", "--format", "--part", "--seed", "--no-paths", "workspace", "track"})

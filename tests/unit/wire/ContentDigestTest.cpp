@@ -24,7 +24,7 @@ std::string RandomBytes(std::mt19937& random, std::size_t size) {
     return bytes;
 }
 
-TEST(Crc32c, GivesThePublishedChecksums) {
+TEST(Crc32c, givesThePublishedChecksums) {
     std::string rising(32, '\0');
     std::iota(rising.begin(), rising.end(), '\0');
     EXPECT_EQ(Checksum(""), 0U);
@@ -34,7 +34,7 @@ TEST(Crc32c, GivesThePublishedChecksums) {
     EXPECT_EQ(Checksum(rising), 0x46DD794EU);
 }
 
-TEST(Crc32c, IsTheChecksumComputedBitByBit) {
+TEST(Crc32c, isTheChecksumComputedBitByBit) {
     std::mt19937 random(1);
     std::vector<std::size_t> sizes(300);
     std::iota(sizes.begin(), sizes.end(), 0U);
@@ -48,7 +48,7 @@ TEST(Crc32c, IsTheChecksumComputedBitByBit) {
     }
 }
 
-TEST(Crc32c, DoesNotDependOnThePieces) {
+TEST(Crc32c, doesNotDependOnThePieces) {
     std::mt19937 random(2);
     const std::string bytes = RandomBytes(random, 5000);
     for (int round = 0; round < 50; ++round) {
@@ -62,30 +62,30 @@ TEST(Crc32c, DoesNotDependOnThePieces) {
     }
 }
 
-TEST(ContentDigest, IsWrittenAsFourBytesInBase64) {
+TEST(ContentDigest, isWrittenAsFourBytesInBase64) {
     EXPECT_EQ(ContentDigest(0xE3069283U), "crc32c=:4waSgw==:");
     EXPECT_EQ(ContentDigest(0), "crc32c=:AAAAAA==:");
     EXPECT_EQ(ContentDigest(0xFFFFFFFFU), "crc32c=://///w==:");
 }
 
-TEST(ContentDigest, OfTheRightBytesIsEqual) {
+TEST(ContentDigest, ofTheRightBytesIsEqual) {
     EXPECT_EQ(CheckContentDigest("crc32c=:4waSgw==:", 0xE3069283U), DigestCheck::Equal);
     EXPECT_EQ(CheckContentDigest("sha-256=:AA==:, crc32c=:4waSgw==: ", 0xE3069283U), DigestCheck::Equal);
     EXPECT_EQ(CheckContentDigest("\tcrc32c=:4waSgw==:,sha-256=:AA==:", 0xE3069283U), DigestCheck::Equal);
 }
 
-TEST(ContentDigest, OfOtherBytesOrNotUnderstoodIsDifferent) {
+TEST(ContentDigest, ofOtherBytesOrNotUnderstoodIsDifferent) {
     for (const char* field : {"crc32c=:4waSgg==:", "crc32c=:4waSgw==", "crc32c=", "crc32c=4waSgw==",
                               "crc32c=::", "crc32c=:4waSgw==:;x=1", "sha-256=:AA==:, crc32c=:AAAAAA==:"})
         EXPECT_EQ(CheckContentDigest(field, 0xE3069283U), DigestCheck::Different) << field;
 }
 
-TEST(ContentDigest, OfAnotherAlgorithmTellsNothing) {
+TEST(ContentDigest, ofAnotherAlgorithmTellsNothing) {
     for (const char* field : {"", " ", ",", ",,", "sha-256=:4waSgw==:", "crc32=:4waSgw==:"})
         EXPECT_EQ(CheckContentDigest(field, 0xE3069283U), DigestCheck::NotTold) << field;
 }
 
-TEST(ContentDigest, IsWantedUnlessItsWeightIsZero) {
+TEST(ContentDigest, isWantedUnlessItsWeightIsZero) {
     EXPECT_TRUE(WantsCrc32c(kWantedDigest));
     EXPECT_TRUE(WantsCrc32c("sha-256=1, crc32c=3"));
     EXPECT_FALSE(WantsCrc32c("sha-256=1, crc32c=0"));
