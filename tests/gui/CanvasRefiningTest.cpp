@@ -71,7 +71,7 @@ class CanvasRefining : public CanvasTest {
     const QPixmap map = LargeNoise();
 };
 
-TEST_F(CanvasRefining, paintsTheWholeMapFineBitByBit) {
+TEST_F(CanvasRefining, refinesTheCompleteMapInSteps) {
     const QImage fine = FineMap();
     window.canvas->repaint();
     ASSERT_TRUE(window.canvas->isRefining());
@@ -81,7 +81,7 @@ TEST_F(CanvasRefining, paintsTheWholeMapFineBitByBit) {
     EXPECT_EQ(Screen(), fine);
 }
 
-TEST_F(CanvasRefining, aGrabbedPictureIsFineAtOnceAndTheScreenBecomesSo) {
+TEST_F(CanvasRefining, grabIsFineImmediatelyAndTheScreenFollows) {
     const QImage fine = FineMap();
     window.canvas->repaint();
     ASSERT_TRUE(window.canvas->isRefining());
@@ -92,7 +92,7 @@ TEST_F(CanvasRefining, aGrabbedPictureIsFineAtOnceAndTheScreenBecomesSo) {
     EXPECT_EQ(Screen(), fine);
 }
 
-TEST_F(CanvasRefining, showsEveryStepOfADragMeanwhileAndEndsWithTheSamePicture) {
+TEST_F(CanvasRefining, dragDuringRefiningIsShownAndEndsWithTheSamePicture) {
     mouse.Draw({{60, 60}, {150, 60}, {150, 200}});
     window.canvas->repaint();
     mouse.Move({150, 60});
@@ -114,7 +114,7 @@ TEST_F(CanvasRefining, showsEveryStepOfADragMeanwhileAndEndsWithTheSamePicture) 
     EXPECT_EQ(Screen(), Undisturbed(map, {{60, 60}, steps.back(), {150, 200}}));
 }
 
-TEST_F(CanvasRefining, aDragOverTheFineMapLeavesItFine) {
+TEST_F(CanvasRefining, dragOverTheFineMapKeepsItFine) {
     mouse.Draw({{60, 60}, {150, 60}, {150, 200}});
     window.canvas->repaint();
     AwaitTheFineMap();
@@ -131,7 +131,7 @@ TEST_F(CanvasRefining, aDragOverTheFineMapLeavesItFine) {
     EXPECT_EQ(Screen(), Undisturbed(map, {{60, 60}, {228, 177}, {150, 200}}));
 }
 
-TEST_F(CanvasRefining, restsWhileItIsHiddenAndGoesOnWhenItIsSeen) {
+TEST_F(CanvasRefining, pausesWhileHiddenAndResumesWhenShown) {
     window.canvas->repaint();
     ASSERT_TRUE(window.canvas->isRefining());
     window.canvas->hide();
@@ -143,7 +143,7 @@ TEST_F(CanvasRefining, restsWhileItIsHiddenAndGoesOnWhenItIsSeen) {
     EXPECT_FALSE(window.canvas->isRefining());
 }
 
-TEST_F(CanvasRefining, endsWithTheImage) {
+TEST_F(CanvasRefining, stopsWhenTheImageIsRemoved) {
     window.canvas->repaint();
     ASSERT_TRUE(window.canvas->isRefining());
     window.canvas->clear();

@@ -69,7 +69,7 @@ class KeptWork : public SourceWorkflows {
     std::string state() { return text("label_state"); }
 };
 
-TEST_F(KeptWork, anotherLoadKeepsTheUnsavedPaths) {
+TEST_F(KeptWork, loadingAnotherTrackKeepsUnsavedPaths) {
     openBackup("A.osbak");
     edit("x.trk");
     load("y.trk");
@@ -83,7 +83,7 @@ TEST_F(KeptWork, anotherLoadKeepsTheUnsavedPaths) {
     expectNoBox();
 }
 
-TEST_F(KeptWork, aKeptCopyOpensAsAnExternalTrack) {
+TEST_F(KeptWork, keptCopyOpensAsAnExternalTrack) {
     openBackup("A.osbak");
     edit("x.trk");
     load("y.trk");
@@ -92,7 +92,7 @@ TEST_F(KeptWork, aKeptCopyOpensAsAnExternalTrack) {
     EXPECT_EQ(paths().at(0).lengths.at(0), 33);
 }
 
-TEST_F(KeptWork, loadingTheSameTrackAgainKeepsTheUnsavedPaths) {
+TEST_F(KeptWork, reloadingTheTrackKeepsUnsavedPaths) {
     openBackup("A.osbak");
     edit("x.trk");
     load("x.trk");
@@ -100,7 +100,7 @@ TEST_F(KeptWork, loadingTheSameTrackAgainKeepsTheUnsavedPaths) {
     EXPECT_EQ(paths().at(0).lengths.at(0), 100);
 }
 
-TEST_F(KeptWork, anotherSourceKeepsTheUnsavedPaths) {
+TEST_F(KeptWork, changingTheSourceKeepsUnsavedPaths) {
     startServer();
     openBackup("A.osbak");
     edit("x.trk");
@@ -109,7 +109,7 @@ TEST_F(KeptWork, anotherSourceKeepsTheUnsavedPaths) {
     EXPECT_EQ(state(), "");
 }
 
-TEST_F(KeptWork, resetKeepsTheUnsavedPaths) {
+TEST_F(KeptWork, resetKeepsUnsavedPaths) {
     openBackup("A.osbak");
     edit("x.trk");
     click("toolButton_reset");
@@ -117,7 +117,7 @@ TEST_F(KeptWork, resetKeepsTheUnsavedPaths) {
     EXPECT_EQ(status(), "Reset successfully.");
 }
 
-TEST_F(KeptWork, disconnectingKeepsTheUnsavedPathsOfAWorkspaceTrackOnly) {
+TEST_F(KeptWork, disconnectingKeepsUnsavedPathsOfAWorkspaceTrackOnly) {
     openConnected();
     edit("b.trk");
     click("pushButton_sensor");
@@ -132,7 +132,7 @@ TEST_F(KeptWork, disconnectingKeepsTheUnsavedPathsOfAWorkspaceTrackOnly) {
     EXPECT_EQ(state(), "Unsaved") << "the external track stays open";
 }
 
-TEST_F(KeptWork, closingTheWindowKeepsTheUnsavedPaths) {
+TEST_F(KeptWork, closingTheWindowKeepsUnsavedPaths) {
     openBackup("A.osbak");
     edit("x.trk");
     closeWindow();
@@ -140,7 +140,7 @@ TEST_F(KeptWork, closingTheWindowKeepsTheUnsavedPaths) {
     EXPECT_EQ(keptLength("x.trk (unsaved).trk"), 33);
 }
 
-TEST_F(KeptWork, whatIsSavedAlreadyOrTakenBackIsNotKept) {
+TEST_F(KeptWork, doesNotKeepSavedOrUndoneEdits) {
     openBackup("A.osbak");
     edit("x.trk");
     canvas().setFocus();
@@ -154,7 +154,7 @@ TEST_F(KeptWork, whatIsSavedAlreadyOrTakenBackIsNotKept) {
     EXPECT_THAT(kept(), ElementsAre("y.trk (unsaved).trk")) << "the click extended the loaded path";
 }
 
-TEST_F(KeptWork, aFailedLoadKeepsTheUnsavedPathsOnce) {
+TEST_F(KeptWork, failedLoadKeepsUnsavedPathsOnce) {
     openBackup("A.osbak");
     edit("x.trk");
     WriteFile(folder.Path("empty.trk"), "");
@@ -178,7 +178,7 @@ TEST_F(KeptWork, pathsWhoseTrackIsLostAreKeptAsText) {
     EXPECT_THAT(FileContent(keptPath("x.trk (unsaved).csv")), HasSubstr(",33,"));
 }
 
-TEST_F(KeptWork, savingForASourceWithoutSendingIsKeptWhenTheWindowCloses) {
+TEST_F(KeptWork, closingTheWindowKeepsSavedButUnsentTracks) {
     openConnected();
     loadAndEdit("b.trk");
     EXPECT_EQ(state(), "Saved, not sent");
@@ -187,7 +187,7 @@ TEST_F(KeptWork, savingForASourceWithoutSendingIsKeptWhenTheWindowCloses) {
     EXPECT_EQ(keptLength("b.trk (unsent).trk"), 33);
 }
 
-TEST_F(KeptWork, aDownloadOverASavedTrackKeepsItFirst) {
+TEST_F(KeptWork, downloadKeepsTheSavedTrackThatItReplaces) {
     openConnected();
     loadAndEdit("b.trk");
     server->Kill();
@@ -205,7 +205,7 @@ TEST_F(KeptWork, aDownloadOverASavedTrackKeepsItFirst) {
     EXPECT_EQ(state(), "");
 }
 
-TEST_F(KeptWork, whatWasSentOrPackedIsNotKept) {
+TEST_F(KeptWork, doesNotKeepSentOrPackedTracks) {
     openConnected();
     loadAndEdit("b.trk");
     click("toolButton_upload");
@@ -223,7 +223,7 @@ TEST_F(KeptWork, whatWasSentOrPackedIsNotKept) {
     EXPECT_THAT(kept(), IsEmpty());
 }
 
-TEST_F(KeptWork, aFailedSaveIsNotCountedAsUnsent) {
+TEST_F(KeptWork, failedSaveIsNotCountedAsUnsent) {
     openBackup("A.osbak");
     edit("x.trk");
     fs::remove(kTracks + "x.trk");
@@ -234,7 +234,7 @@ TEST_F(KeptWork, aFailedSaveIsNotCountedAsUnsent) {
     EXPECT_THAT(kept(), ElementsAre("x.trk (unsaved).csv"));
 }
 
-TEST_F(KeptWork, savedTracksOfACrashedRunAreKeptWhenTheirWorkspaceGoes) {
+TEST_F(KeptWork, keepsSavedTracksOfACrashedRunBeforeTheirWorkspaceIsRemoved) {
     openBackup("A.osbak");
     loadAndEdit("x.trk");
     // What a crash leaves is what there is before an orderly end.
@@ -256,7 +256,7 @@ TEST_F(KeptWork, savedTracksOfACrashedRunAreKeptWhenTheirWorkspaceGoes) {
     EXPECT_EQ(state(), "");
 }
 
-TEST_F(KeptWork, fiveSecondsAfterAnEditACrashLosesItNoMore) {
+TEST_F(KeptWork, recoversAnEditAfterACrashFiveSecondsLater) {
     openBackup("A.osbak");
     edit("x.trk");
     const auto journals = [this] {
@@ -304,7 +304,7 @@ TEST_F(KeptWork, savingDiscardsTheJournal) {
     EXPECT_FALSE(hasJournal());
 }
 
-TEST_F(KeptWork, packingWithoutASaveSaysSoAndTheEditIsKept) {
+TEST_F(KeptWork, packingLeavesUnsavedPathsUnsavedAndKeepsThem) {
     openBackup("A.osbak");
     edit("x.trk");
     click("toolButton_upload");
@@ -315,7 +315,7 @@ TEST_F(KeptWork, packingWithoutASaveSaysSoAndTheEditIsKept) {
     EXPECT_EQ(keptLength("x.trk (unsaved).trk"), 33);
 }
 
-TEST_F(KeptWork, anotherBackupClosesTheTrackSoThatNoneOfItsPathsGetIn) {
+TEST_F(KeptWork, openingAnotherBackupClosesTheTrackAndPacksNoneOfItsPaths) {
     openBackup("A.osbak");
     edit("x.trk");
     loadBackup(folder.Path("B.osbak"));
@@ -330,7 +330,7 @@ TEST_F(KeptWork, anotherBackupClosesTheTrackSoThatNoneOfItsPathsGetIn) {
     EXPECT_EQ(firstLength(kTracks + "x.trk"), 700);
 }
 
-TEST_F(KeptWork, anotherBackupLeavesAnExternalTrackOpen) {
+TEST_F(KeptWork, openingAnotherBackupLeavesAnExternalTrackOpen) {
     WriteFile(folder.Path("outside.trk"), trackOfLength(100));
     openBackup("A.osbak");
     loadExternal(folder.Path("outside.trk"));
@@ -342,7 +342,7 @@ TEST_F(KeptWork, anotherBackupLeavesAnExternalTrackOpen) {
     EXPECT_THAT(kept(), IsEmpty());
 }
 
-TEST_F(KeptWork, aBackupThatCannotBeOpenedLeavesTheTrackAndItsWorkspace) {
+TEST_F(KeptWork, unreadableBackupLeavesTheTrackAndItsWorkspace) {
     openBackup("A.osbak");
     edit("x.trk");
     WriteFile(folder.Path("broken.osbak"), "no archive");
@@ -354,7 +354,7 @@ TEST_F(KeptWork, aBackupThatCannotBeOpenedLeavesTheTrackAndItsWorkspace) {
     EXPECT_THAT(kept(), IsEmpty());
 }
 
-TEST_F(KeptWork, theOperatorsBackupThatIsAWorkingFileIsKeptBeforeItGoes) {
+TEST_F(KeptWork, keepsTheOperatorsBackupThatIsAWorkingFileBeforeRemoval) {
     fs::copy_file("A.osbak", "Ostra.osbak");
     openBackup("./Ostra.osbak");
     ASSERT_EQ(status(), "Load backup file successfully.");
@@ -367,7 +367,7 @@ TEST_F(KeptWork, theOperatorsBackupThatIsAWorkingFileIsKeptBeforeItGoes) {
     EXPECT_EQ(FileContent(keptPath("Ostra.osbak (deleted).osbak")), saved);
 }
 
-TEST_F(KeptWork, theOperatorsBackupIsKeptBeforeADownloadTakesItsPlace) {
+TEST_F(KeptWork, keepsTheOperatorsBackupBeforeADownloadReplacesIt) {
     startServer();
     fs::copy_file("A.osbak", "Ostra.osbak");
     const std::string saved = FileContent("Ostra.osbak");
@@ -380,7 +380,7 @@ TEST_F(KeptWork, theOperatorsBackupIsKeptBeforeADownloadTakesItsPlace) {
     EXPECT_EQ(kept().size(), 1U) << "what was downloaded is no file of the operator's";
 }
 
-TEST_F(KeptWork, aBackupThatLiesInAWorkingFolderIsKeptBeforeTheFolderIsReplaced) {
+TEST_F(KeptWork, keepsABackupInAWorkingFolderBeforeTheFolderIsReplaced) {
     openBackup("A.osbak");
     fs::copy_file("B.osbak", "TmpDirBackup/mine.osbak");
     const std::string mine = FileContent("B.osbak");
@@ -389,7 +389,7 @@ TEST_F(KeptWork, aBackupThatLiesInAWorkingFolderIsKeptBeforeTheFolderIsReplaced)
     EXPECT_EQ(FileContent(keptPath("mine.osbak (deleted).osbak")), mine);
 }
 
-TEST_F(KeptWork, aSecondExternalTrackOfANameKeepsTheFirst) {
+TEST_F(KeptWork, secondExternalTrackOfANameKeepsTheFirst) {
     fs::create_directory("elsewhere");
     WriteFile(folder.Path("x.trk"), trackOfLength(200));
     WriteFile(folder.Path("elsewhere/x.trk"), trackOfLength(300));
@@ -405,7 +405,7 @@ TEST_F(KeptWork, aSecondExternalTrackOfANameKeepsTheFirst) {
     EXPECT_EQ(keptLength("x-New.trk (replaced).trk"), 200);
 }
 
-TEST_F(KeptWork, anExternalFileThatLiesAmongTheTracksIsNeverWrittenItself) {
+TEST_F(KeptWork, externalFileInTheTrackFolderIsNeverOverwritten) {
     openBackup("A.osbak");
     fs::copy_file(kTracks + "x.trk", kTracks + "unlisted.trk");
     const std::string before = FileContent(kTracks + "unlisted.trk");
@@ -419,7 +419,7 @@ TEST_F(KeptWork, anExternalFileThatLiesAmongTheTracksIsNeverWrittenItself) {
     EXPECT_EQ(find<QComboBox>("comboBox_file").currentText(), QStringLiteral("unlisted-New.trk"));
 }
 
-TEST_F(KeptWork, deletingATrackKeepsIt) {
+TEST_F(KeptWork, deletingATrackKeepsACopy) {
     openBackup("A.osbak");
     loadAndEdit("x.trk");
     choose("comboBox_operation", "Delete");
@@ -524,7 +524,7 @@ class KeptNowhere : public KeptWork, public ::testing::WithParamInterface<BadFol
     }
 };
 
-TEST_P(KeptNowhere, stopsNoSequence) {
+TEST_P(KeptNowhere, doesNotStopAnySequence) {
     openBackup("A.osbak");
     edit("x.trk");
     load("y.trk");
@@ -542,14 +542,14 @@ INSTANTIATE_TEST_SUITE_P(Folder, KeptNowhere,
                          ::testing::Values(BadFolder::IsAFile, BadFolder::IsReadOnly,
                                            BadFolder::CannotBeMade));
 
-TEST_F(KeptWork, theStateLabelSaysWhereCopiesAre) {
+TEST_F(KeptWork, stateLabelSaysWhereCopiesAre) {
     openWindow();
     auto& label = find<QLabel>("label_state");
     EXPECT_THAT(label.toolTip().toStdString(), HasSubstr(folder.Path("kept")));
     EXPECT_EQ(label.focusPolicy(), Qt::NoFocus);
 }
 
-TEST_F(KeptWork, nothingOfItGoesIntoAnArchive) {
+TEST_F(KeptWork, keptCopiesAreNeverPacked) {
     openBackup("A.osbak");
     edit("x.trk");
     load("y.trk");

@@ -77,7 +77,7 @@ std::vector<independent::Segment> Records(const std::vector<TrackPath>& paths) {
 }
 
 /// 14 rounds of up to 900 edits, since 1,000 steps are kept; each round begins where the one before ended.
-TEST(RandomUndo, tenThousandEditsGoBackAndForthBitForBit) {
+TEST(RandomUndo, undoesAndRedoesTenThousandEditsExactly) {
     CanvasWindow window;
     window.shown = true;
     RandomOperator someone(window, 4711);
@@ -96,7 +96,7 @@ TEST(RandomUndo, tenThousandEditsGoBackAndForthBitForBit) {
     EXPECT_GE(edits, 10'000U);
 }
 
-TEST(RandomUndo, whatIsSavedAfterBackAndForthReadsBackEqual) {
+TEST(RandomUndo, trackSavedAfterUndoAndRedoReadsBackEqual) {
     const TemporaryFolder folder;
     const std::string track = folder.Path("a.trk");
     WriteFile(track, independent::BinaryFile(SmallTrack(PathAcross(0, 3, 0.5, 100))));

@@ -62,7 +62,7 @@ class ReadOutsTest : public OperatingTest {
     }
 };
 
-TEST_F(ReadOutsTest, arePermanentAndOfFixedWidthAndTakeNoFocus) {
+TEST_F(ReadOutsTest, arePermanentOfFixedWidthAndWithoutFocus) {
     std::vector<int> places;
     for (const char* const name : {"label_position", "label_height", "label_drawnLength", "label_state"})
         places.push_back(find<QLabel>(name).mapTo(window.get(), QPoint()).x());
@@ -77,7 +77,7 @@ TEST_F(ReadOutsTest, arePermanentAndOfFixedWidthAndTakeNoFocus) {
     EXPECT_LE(window->minimumSizeHint().width(), 845);
 }
 
-TEST_F(ReadOutsTest, sayWhereTheCursorIs) {
+TEST_F(ReadOutsTest, showTheCursorPosition) {
     // 40 x 30 cells of 0.5 x 0.25 from (10, 20), shown 320 x 120 pixels at 400 %.
     ASSERT_EQ(canvas().size(), QSize(320, 120));
     mouse().Move({80.0, 30.0});
@@ -91,11 +91,11 @@ TEST_F(ReadOutsTest, sayWhereTheCursorIs) {
     EXPECT_EQ(height(), "");
 }
 
-TEST_F(ReadOutsTest, heightsOfABinaryTrackAreExactToTheRawUnit) {
+TEST_F(ReadOutsTest, showExactRawHeightsOfABinaryTrack) {
     expectHeightsOf(ReadTrack());
 }
 
-TEST_F(ReadOutsTest, heightsOfATextTrackAreExactToTheRawUnit) {
+TEST_F(ReadOutsTest, showExactRawHeightsOfATextTrack) {
     WriteFile(folder.Path("text.trk"), independent::TextFile(ReadTrack()));
     loadExternal(folder.Path("text.trk"));
     showPercent(400);
@@ -104,7 +104,7 @@ TEST_F(ReadOutsTest, heightsOfATextTrackAreExactToTheRawUnit) {
     expectHeightsOf(ReadTrack());
 }
 
-TEST_F(ReadOutsTest, heightsBeyondSixteenBitsAreShownAsTheyAre) {
+TEST_F(ReadOutsTest, showHeightsBeyondSixteenBits) {
     WriteFile(folder.Path("text.trk"), "Info\nheader\n1,1,0.001,0,0,0,2,2\nYX,0,1\n0,123456.789,-40000.125\n"
                                        "1,,5\nEnd\nSegment\nheader\nEnd\n");
     loadExternal(folder.Path("text.trk"));
@@ -128,14 +128,14 @@ TEST_F(ReadOutsTest, followTheTrackThroughASave) {
     expectHeightsOf(independent::ReadBinary(FileContent(kTracks + "text.trk")));
 }
 
-TEST_F(ReadOutsTest, aFileThatAnotherProgramChangedHasNoHeights) {
+TEST_F(ReadOutsTest, showNoHeightsOfAFileThatAnotherProgramChanged) {
     WriteFile(folder.Path("a.trk"), "something else");
     mouse().Move({100.0, 70.0});
     EXPECT_NE(position(), "");
     EXPECT_EQ(height(), "");
 }
 
-TEST_F(ReadOutsTest, sayLengthsWhileAPathIsDrawn) {
+TEST_F(ReadOutsTest, showLengthsWhileAPathIsDrawn) {
     EXPECT_EQ(lengths(), "");
     // The canvas is 320 x 120 pixels for 20 x 7.5 world units: 16 pixels a unit.
     mouse().Press({32.0, 32.0});
@@ -149,7 +149,7 @@ TEST_F(ReadOutsTest, sayLengthsWhileAPathIsDrawn) {
     EXPECT_EQ(lengths(), "") << "the path is closed";
 }
 
-TEST_F(ReadOutsTest, sayLengthsWhileAPointIsDragged) {
+TEST_F(ReadOutsTest, showLengthsWhileAPointIsDragged) {
     // Points at x = 80, 160, 240 in the middle: 5 units from each other.
     mouse().Move(at(0, 2));
     EXPECT_EQ(lengths(), "");

@@ -87,7 +87,7 @@ TEST_F(SegmentControls, sliderStretchesTheCanvasAlongTheCoarserAxis) {
     EXPECT_EQ(canvas().size(), QSize(6, 5));
 }
 
-TEST_F(SegmentControls, sliderLeavesAnEmptyCanvasAlone) {
+TEST_F(SegmentControls, sliderIgnoresAnEmptyCanvas) {
     const QSize before = canvas().size();
     setSlider(60);
     EXPECT_EQ(canvas().size(), before);
@@ -101,7 +101,7 @@ TEST_F(SegmentControls, scalingKeepsThePaths) {
     EXPECT_EQ(paths()[0].points, before);
 }
 
-TEST_F(SegmentControls, deleteLastTakesAPointAndRefreshesAShownRuler) {
+TEST_F(SegmentControls, deleteLastRemovesAPointAndRefreshesAShownRuler) {
     loadTwoPaths();
     click("pushButton_deleteLast");
     EXPECT_THAT(paths()[1].points, SizeIs(2));
@@ -112,7 +112,7 @@ TEST_F(SegmentControls, deleteLastTakesAPointAndRefreshesAShownRuler) {
     EXPECT_THAT(paths()[0].rulerMarks, IsEmpty());
 }
 
-TEST_F(SegmentControls, deleteLastLeavesTheShownParameters) {
+TEST_F(SegmentControls, deleteLastKeepsTheShownParameters) {
     loadTwoPaths();
     typeNumber("spinBox_pathId", "2");
     const std::vector<std::string> before = shownParameters();
@@ -135,7 +135,7 @@ TEST_F(SegmentControls, deleteAllResetsTheControlsAndRemovesThePaths) {
     EXPECT_EQ(canvas().currentSegment(), 0);
 }
 
-TEST_F(SegmentControls, deleteButtonsWithoutATrackChangeNothingNotEvenTheControls) {
+TEST_F(SegmentControls, deleteButtonsWithoutATrackChangeNothing) {
     type("lineEdit_lineLength", "77");
     type("lineEdit_lineWidth", "78");
     type("lineEdit_lineSpace", "79");
@@ -179,7 +179,7 @@ TEST_F(SegmentControls, rulerIsMeasuredInTheCorrectedImage) {
     EXPECT_EQ(ticks(0, 0), 3U);
 }
 
-TEST_F(SegmentControls, batchSettingDisablesTheChoiceOfTheSegment) {
+TEST_F(SegmentControls, batchSettingDisablesSegmentSelection) {
     click("checkBox_batchSetting");
     for (const char* name : {"label_path", "spinBox_pathId", "label_segment", "spinBox_segmentId"})
         EXPECT_FALSE(find<QWidget>(name).isEnabled()) << name;
@@ -188,7 +188,7 @@ TEST_F(SegmentControls, batchSettingDisablesTheChoiceOfTheSegment) {
         EXPECT_TRUE(find<QWidget>(name).isEnabled()) << name;
 }
 
-TEST_F(SegmentControls, aTrackBeyondTheLastEndsAtTheLast) {
+TEST_F(SegmentControls, pathNumberBeyondTheLastBecomesTheLast) {
     loadTwoPaths();
     typeNumber("spinBox_pathId", "3");
     EXPECT_EQ(number("spinBox_pathId"), 2);
@@ -196,7 +196,7 @@ TEST_F(SegmentControls, aTrackBeyondTheLastEndsAtTheLast) {
     EXPECT_THAT(shownParameters(), ElementsAre("200", "210", "220"));
 }
 
-TEST_F(SegmentControls, aSegmentBeyondTheLastEndsAtTheLast) {
+TEST_F(SegmentControls, segmentNumberBeyondTheLastBecomesTheLast) {
     loadTwoPaths();
     typeNumber("spinBox_segmentId", "4");
     EXPECT_EQ(number("spinBox_segmentId"), 3);
@@ -204,7 +204,7 @@ TEST_F(SegmentControls, aSegmentBeyondTheLastEndsAtTheLast) {
     EXPECT_THAT(shownParameters(), ElementsAre("102", "112", "122"));
 }
 
-TEST_F(SegmentControls, choosingATrackChoosesItsFirstSegment) {
+TEST_F(SegmentControls, selectingAPathSelectsItsFirstSegment) {
     loadTwoPaths();
     typeNumber("spinBox_segmentId", "3");
     typeNumber("spinBox_pathId", "2");
@@ -233,7 +233,7 @@ TEST_F(SegmentControls, withoutPathsBothBoxesFallBackToOne) {
     EXPECT_EQ(number("spinBox_segmentId"), 1);
 }
 
-TEST_F(SegmentControls, aPathOfOnePointHasNoSegmentToChoose) {
+TEST_F(SegmentControls, pathOfOnePointHasNoSegmentToSelect) {
     loadTwoPaths();
     typeNumber("spinBox_segmentId", "3");
     for (int closed = 0; closed < 2; ++closed) // loaded paths are closed one by one
@@ -248,7 +248,7 @@ TEST_F(SegmentControls, aPathOfOnePointHasNoSegmentToChoose) {
     EXPECT_FALSE(canvas().segmentExists(0, 0));
 }
 
-TEST_F(SegmentControls, theChosenTrackMayHaveGone) {
+TEST_F(SegmentControls, acceptsThatTheSelectedPathWasRemoved) {
     loadTwoPaths();
     typeNumber("spinBox_pathId", "2");
     typeNumber("spinBox_segmentId", "2");
@@ -263,7 +263,7 @@ TEST_F(SegmentControls, theChosenTrackMayHaveGone) {
 }
 
 // The numbers walk back in one step: on a stack of 1 MiB a step for each number typed would not end well.
-TEST_F(SegmentControls, tenThousandEndsAtTheLastOnASmallStack) {
+TEST_F(SegmentControls, tenThousandBecomesTheLastOnASmallStack) {
     load(SmallTrack(PathAcross(0, 2, 0.5, 100)));
     rlimit stack{};
     ASSERT_EQ(getrlimit(RLIMIT_STACK, &stack), 0);
@@ -281,7 +281,7 @@ TEST_F(SegmentControls, tenThousandEndsAtTheLastOnASmallStack) {
     }
 }
 
-TEST_F(SegmentControls, typingSetsTheChosenSegmentFigureByFigure) {
+TEST_F(SegmentControls, typingSetsTheSelectedSegmentDigitByDigit) {
     loadTwoPaths();
     typeNumber("spinBox_segmentId", "2");
     type("lineEdit_lineLength", "75");
@@ -295,7 +295,7 @@ TEST_F(SegmentControls, typingSetsTheChosenSegmentFigureByFigure) {
     EXPECT_EQ(paths()[0].lengths[1], 7);
 }
 
-TEST_F(SegmentControls, aTextIsADecimalNumberAndCountsAsZeroWhenItIsNone) {
+TEST_F(SegmentControls, fieldTextThatIsNoNumberCountsAsZero) {
     loadTwoPaths();
     type("lineEdit_lineLength", "");
     EXPECT_EQ(paths()[0].lengths[0], 0);
@@ -324,7 +324,7 @@ TEST_F(SegmentControls, batchSettingReachesEveryPointOfEveryPath) {
     }
 }
 
-TEST_F(SegmentControls, batchSettingRebuildsAllMarksAtOnce) {
+TEST_F(SegmentControls, batchSettingRebuildsAllMarksImmediately) {
     loadTwoPaths();
     canvas().clearRulerMarks();
     click("checkBox_batchSetting");
@@ -364,7 +364,7 @@ TEST_F(SegmentControls, typingRefreshesAShownRulerAndAMethodDoesNot) {
     EXPECT_THAT(paths()[1].methods, Each(2));
 }
 
-TEST_F(SegmentControls, showingASegmentInBatchModeChangesNoOther) {
+TEST_F(SegmentControls, showingASegmentInBatchModeChangesNothing) {
     click("checkBox_batchSetting");
     loadTwoPaths();
     EXPECT_THAT(shownParameters(), ElementsAre("100", "110", "120"));
@@ -372,7 +372,7 @@ TEST_F(SegmentControls, showingASegmentInBatchModeChangesNoOther) {
     EXPECT_THAT(paths()[1].widths, ElementsAre(210, 211, 212));
 }
 
-TEST_F(SegmentControls, theMethodOfTheChosenSegmentIsShown) {
+TEST_F(SegmentControls, showsTheMethodOfTheSelectedSegment) {
     std::vector<independent::Segment> segments = PathAcross(0, 3, 0.5, 100);
     segments[0].method = 2;
     auto& methods = find<QComboBox>("comboBox_lineType");
@@ -387,7 +387,7 @@ TEST_F(SegmentControls, theMethodOfTheChosenSegmentIsShown) {
     EXPECT_EQ(methods.currentIndex(), 0);
 }
 
-TEST_F(SegmentControls, aMethodThatIsNotOfferedIsKept) {
+TEST_F(SegmentControls, keepsAMethodThatIsNotListed) {
     load(SmallTrack({{0, 0, 0, 0, 0.2, 0.5, 5, 10, 10, 10}, {0, 1, 0, 0, 0.8, 0.5, 5, 10, 10, 10}}));
     EXPECT_THAT(paths()[0].methods, Each(5));
     typeNumber("spinBox_segmentId", "1");

@@ -71,7 +71,7 @@ class SourceConnections : public SourceWorkflows {
     }
 };
 
-TEST_F(SourceConnections, aFailedDiscoveryIsLoggedThenShownAndCanBeDoneAgain) {
+TEST_F(SourceConnections, failedDiscoveryIsLoggedThenShownAndCanBeRepeated) {
     onDiscovery = [] {
         throw Ve::Exception(__LINE__, __FILE__, bERROR_REQUEST, "Discovery", "%s", "No <b>%d</b> servers.");
     };
@@ -92,14 +92,14 @@ TEST_F(SourceConnections, aFailedDiscoveryIsLoggedThenShownAndCanBeDoneAgain) {
     EXPECT_TRUE(enabled("pushButton_sensor"));
 }
 
-TEST_F(SourceConnections, aFailureOfAnotherKindWhileServersAreLookedForEndsTheConstruction) {
+TEST_F(SourceConnections, otherExceptionDuringDiscoveryEndsTheConstruction) {
     onDiscovery = [] { throw std::runtime_error("The test wants it so."); };
     EXPECT_THROW({ const MainWindow fresh; }, std::runtime_error);
     EXPECT_THAT(log.Lines(), ElementsAre("INFO: Starting Corvane."));
     expectNoBox();
 }
 
-TEST_F(SourceConnections, closingTheWindowDisconnectsBeforeItRemovesTheWorkingFiles) {
+TEST_F(SourceConnections, closingDisconnectsBeforeRemovingTheWorkingFiles) {
     openConnected();
     int calls = 0;
     onDisconnect = [&calls] {
@@ -112,7 +112,7 @@ TEST_F(SourceConnections, closingTheWindowDisconnectsBeforeItRemovesTheWorkingFi
     EXPECT_FALSE(fs::exists("Ostra.osbak"));
 }
 
-TEST_F(SourceConnections, closingTheWindowDisconnectsOnlyWhatTheButtonCallsConnected) {
+TEST_F(SourceConnections, closingDisconnectsOnlyWhenTheButtonSaysConnected) {
     startServer({"--fault-status", "500", "--fault-path", "/system/commands/archive"});
     openWindow();
     click("pushButton_sensor");
@@ -124,7 +124,7 @@ TEST_F(SourceConnections, closingTheWindowDisconnectsOnlyWhatTheButtonCallsConne
     EXPECT_EQ(calls, 0);
 }
 
-TEST_F(SourceConnections, aFailureToDisconnectOnClosingIsLoggedAndTheFilesGoAllTheSame) {
+TEST_F(SourceConnections, failedDisconnectOnClosingIsLoggedAndTheFilesAreRemovedAnyway) {
     openConnected();
     failToDisconnect();
     (void)log.Lines();
@@ -136,7 +136,7 @@ TEST_F(SourceConnections, aFailureToDisconnectOnClosingIsLoggedAndTheFilesGoAllT
     expectNoBox();
 }
 
-TEST_F(SourceConnections, aWorkingFolderThatCannotBeRemovedIsLoggedAndTheOthersGo) {
+TEST_F(SourceConnections, unremovableWorkingFolderIsLoggedAndTheOthersAreRemoved) {
     openConnected();
     (void)log.Lines();
     const fs::path closed = "TmpDirBackup/closed";
@@ -153,7 +153,7 @@ TEST_F(SourceConnections, aWorkingFolderThatCannotBeRemovedIsLoggedAndTheOthersG
     expectNoBox();
 }
 
-TEST_F(SourceConnections, aFailureToDisconnectLeavesTheServerOpen) {
+TEST_F(SourceConnections, failedDisconnectLeavesTheServerOpen) {
     openConnected();
     loadAndEdit("b.trk");
     failToDisconnect();
@@ -170,7 +170,7 @@ TEST_F(SourceConnections, aFailureToDisconnectLeavesTheServerOpen) {
     EXPECT_EQ(status(), "Disconnect successfully.");
 }
 
-TEST_F(SourceConnections, aResetThatCannotDisconnectDisablesTheButtonAndStopsThere) {
+TEST_F(SourceConnections, resetThatCannotDisconnectDisablesTheButtonAndStops) {
     openConnected();
     loadAndEdit("b.trk");
     failToDisconnect();
@@ -182,7 +182,7 @@ TEST_F(SourceConnections, aResetThatCannotDisconnectDisablesTheButtonAndStopsThe
     EXPECT_FALSE(enabled("comboBox_sensor"));
 }
 
-TEST_F(SourceConnections, anotherSourceThatCannotDisconnectTheOldOneStopsThere) {
+TEST_F(SourceConnections, sourceChangeThatCannotDisconnectStops) {
     openConnected();
     find<QComboBox>("comboBox_sensor").setEnabled(true);
     failToDisconnect();
@@ -194,7 +194,7 @@ TEST_F(SourceConnections, anotherSourceThatCannotDisconnectTheOldOneStopsThere) 
     EXPECT_TRUE(enabled("comboBox_operation"));
 }
 
-TEST_F(SourceConnections, theChosenServerIsConnectedByItsOwnAddressAndPort) {
+TEST_F(SourceConnections, connectsToTheSelectedServersAddressAndPort) {
     startServer();
     std::filesystem::copy(folder.Path("station"), folder.Path("station two"),
                           std::filesystem::copy_options::recursive);
@@ -213,7 +213,7 @@ TEST_F(SourceConnections, theChosenServerIsConnectedByItsOwnAddressAndPort) {
     EXPECT_THAT(passedOver.Calls(), Not(Contains("POST /system/commands/archive")));
 }
 
-TEST_F(SourceConnections, disconnectingLeavesWhatIsShownOfATrackThatFailedToLoad) {
+TEST_F(SourceConnections, disconnectingKeepsThePictureOfATrackThatFailedToLoad) {
     openConnected();
     loadAndEdit("b.trk");
     WriteFile(kTracks + "b.trk", independent::TextMap(track)); // no paths in it
@@ -225,7 +225,7 @@ TEST_F(SourceConnections, disconnectingLeavesWhatIsShownOfATrackThatFailedToLoad
     EXPECT_EQ(text("lineEdit_heightMax"), "43.75");
 }
 
-TEST_F(SourceConnections, theCursorAsksToWaitDuringEveryLongStep) {
+TEST_F(SourceConnections, showsTheWaitCursorDuringEveryLongStep) {
     startServer();
     openWindow();
     std::vector<bool> waits;
@@ -264,7 +264,7 @@ class PaintedMessages : public QObject {
     QStatusBar& bar;
 };
 
-TEST_F(SourceConnections, theStepAtHandIsSeenBeforeTheWorkBegins) {
+TEST_F(SourceConnections, showsTheCurrentStepBeforeItsWorkBegins) {
     openWindow();
     makeBackup(folder.Path("x.osbak"), {{"b.trk", ""}});
     loadBackup(folder.Path("x.osbak"));

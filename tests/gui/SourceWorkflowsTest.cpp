@@ -56,7 +56,7 @@ void expectRingFromTwentyToForty(WaitingSpinnerWidget& spinner) {
     EXPECT_GT(qAlpha(picture.pixel(40 + 37, 40)), 0);
 }
 
-TEST_F(SourceWorkflows, serversAreListedBeforeTheBackupFileAndTheControlsAgreeFromTheStart) {
+TEST_F(SourceWorkflows, listsServersBeforeTheBackupFileAndInitialControlsAgree) {
     startServer();
     openWindow();
     EXPECT_THAT(items("comboBox_sensor"), ElementsAre("127.0.0.1", "Backup File"));
@@ -67,7 +67,7 @@ TEST_F(SourceWorkflows, serversAreListedBeforeTheBackupFileAndTheControlsAgreeFr
     EXPECT_EQ(status(), "");
 }
 
-TEST_F(SourceWorkflows, aDiscoveryThatFailsIsReportedAndLeavesAnEmptyList) {
+TEST_F(SourceWorkflows, failedDiscoveryIsReportedAndLeavesAnEmptyList) {
     auto none = std::make_optional<NoSockets>();
     answers.note = [&none] {
         none.reset();
@@ -114,7 +114,7 @@ TEST_F(SourceWorkflows, connectingFetchesAndUnpacksTheWorkspace) {
     expectNoBox();
 }
 
-TEST_F(SourceWorkflows, theWholeRoadBringsAnEditedTrackBackToTheServer) {
+TEST_F(SourceWorkflows, editedTrackReturnsToTheServer) {
     openConnected();
     loadAndEdit("b.trk");
     EXPECT_EQ(firstLength(folder.Path("station/vdk/ContourPath/b.trk")), 100);
@@ -129,7 +129,7 @@ TEST_F(SourceWorkflows, theWholeRoadBringsAnEditedTrackBackToTheServer) {
     expectNoBox();
 }
 
-TEST_F(SourceWorkflows, aRestoreLeavesTheReplayModeAsItWas) {
+TEST_F(SourceWorkflows, restoreKeepsTheReplayMode) {
     startServer({"--replay", "on", "--restore-sets-replay", "off"});
     openWindowAndListen();
     connectToServer();
@@ -205,7 +205,7 @@ TEST_F(SourceWorkflows, switchingToAServerClosesAnOpenBackupFile) {
     expectErrorBox("ERROR_FILE - Please open a backup file firstly.");
 }
 
-TEST_F(SourceWorkflows, anotherSourceClosesAnExternalTrackToo) {
+TEST_F(SourceWorkflows, changingTheSourceClosesAnExternalTrackToo) {
     openConnected();
     WriteFile(folder.Path("mine.trk"), independent::TextFile(track));
     loadExternal(folder.Path("mine.trk"));
@@ -217,7 +217,7 @@ TEST_F(SourceWorkflows, anotherSourceClosesAnExternalTrackToo) {
     expectErrorBox("Please load a track file firstly.");
 }
 
-TEST_F(SourceWorkflows, theControlsAgreeWithTheSourceThatTheirSlotIsTold) {
+TEST_F(SourceWorkflows, slotSetsTheControlsForTheGivenSource) {
     startServer();
     openWindow();
     const auto tell = [this](const char* source) {
@@ -232,7 +232,7 @@ TEST_F(SourceWorkflows, theControlsAgreeWithTheSourceThatTheirSlotIsTold) {
     EXPECT_EQ(text("pushButton_sensor"), "Connect Sensor");
 }
 
-TEST_F(SourceWorkflows, aClosedTrackLeavesNothingToScroll) {
+TEST_F(SourceWorkflows, closedTrackLeavesNothingToScroll) {
     openConnected();
     loadAndEdit("b.trk");
     find<QSlider>("horizontalSlider_resizeImage").setValue(80);
@@ -245,7 +245,7 @@ TEST_F(SourceWorkflows, aClosedTrackLeavesNothingToScroll) {
     EXPECT_FALSE(area.verticalScrollBar()->isVisible());
 }
 
-TEST_F(SourceWorkflows, aClosedTrackLeavesTheControlsWithoutEffect) {
+TEST_F(SourceWorkflows, closedTrackLeavesTheControlsWithoutEffect) {
     openConnected();
     loadAndEdit("b.trk");
     click("pushButton_sensor");
@@ -266,7 +266,7 @@ TEST_F(SourceWorkflows, aClosedTrackLeavesTheControlsWithoutEffect) {
     EXPECT_THAT(paths()[0].rulerMarks, IsEmpty());
 }
 
-TEST(WorkerThread, hasTheHighestPriorityAndDisposesOfItsController) {
+TEST(WorkerThread, hasTheHighestPriorityAndDeletesItsController) {
     OstraSdkClient client;
     WorkerThread worker(client);
     const QPointer<BlockingController> controller = &worker.controller();
@@ -277,7 +277,7 @@ TEST(WorkerThread, hasTheHighestPriorityAndDisposesOfItsController) {
     EXPECT_TRUE(controller.isNull());
 }
 
-TEST_F(SourceWorkflows, aFailedBackupLeavesConnectSensorAndTheNextClickConnectsAgain) {
+TEST_F(SourceWorkflows, failedBackupAllowsConnectingAgain) {
     startServer({"--fault-status", "500", "--fault-path", "/system/commands/archive", "--fault-count", "1"});
     openWindowAndListen();
     click("pushButton_sensor");
@@ -294,7 +294,7 @@ TEST_F(SourceWorkflows, aFailedBackupLeavesConnectSensorAndTheNextClickConnectsA
     expectNoBox();
 }
 
-TEST_F(SourceWorkflows, anotherSourcesWorkspaceNeverReachesAServerWhoseBackupFailed) {
+TEST_F(SourceWorkflows, neverSendsAnotherSourcesWorkspaceToAServerWhoseBackupFailed) {
     startServer({"--fault-status", "500", "--fault-path", "/system/commands/archive"});
     openWindowAndListen();
     makeBackup(folder.Path("other.osbak"), {{"other.trk", "x"}});
@@ -312,7 +312,7 @@ TEST_F(SourceWorkflows, anotherSourcesWorkspaceNeverReachesAServerWhoseBackupFai
     EXPECT_EQ(FileContent(folder.Path("other.osbak")), before);
 }
 
-TEST_F(SourceWorkflows, aServerWhoseBackupHasNoWorkspaceIsConnectedButNotOpen) {
+TEST_F(SourceWorkflows, serverWhoseBackupHasNoWorkspaceIsConnectedButNotOpen) {
     ScriptedServer bare({{"/system/info", JsonReply("{}")},
                          {"/system/commands/archive", DataReply(TarFile("info.json", "{}") + TarEnd())}});
     const DiscoveryResponder found({DiscoveryAnswer(1, "127.0.0.1", bare.Port())});
@@ -331,7 +331,7 @@ TEST_F(SourceWorkflows, aServerWhoseBackupHasNoWorkspaceIsConnectedButNotOpen) {
     EXPECT_EQ(title(), before);
 }
 
-TEST_F(SourceWorkflows, aServersBackupTakesThePlaceOfAnOpenBackupFile) {
+TEST_F(SourceWorkflows, serversBackupReplacesAnOpenBackupFile) {
     makeBackup("Ostra.osbak", {{"b.trk", independent::BinaryFile(track)}});
     makeBackup(folder.Path("mine.osbak"), {{"a.trk", ""}});
     openWindow();
@@ -346,7 +346,7 @@ TEST_F(SourceWorkflows, aServersBackupTakesThePlaceOfAnOpenBackupFile) {
     expectErrorBox("ERROR_FILE - Please open a backup file firstly.");
 }
 
-TEST_F(SourceWorkflows, aServerThatIsGoneCannotBeConnected) {
+TEST_F(SourceWorkflows, stoppedServerCannotBeConnected) {
     startServer();
     openWindowAndListen();
     server->Kill();
@@ -360,7 +360,7 @@ TEST_F(SourceWorkflows, aServerThatIsGoneCannotBeConnected) {
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
 }
 
-TEST_F(SourceWorkflows, aServerKilledBeforeTheRestoreIsReportedAndTheConnectionStaysAsItIs) {
+TEST_F(SourceWorkflows, killedServerIsReportedAndTheConnectionStateStays) {
     openConnected();
     server->Kill();
     click("toolButton_upload");
@@ -375,7 +375,7 @@ TEST_F(SourceWorkflows, aServerKilledBeforeTheRestoreIsReportedAndTheConnectionS
     EXPECT_THAT(items("comboBox_sensor"), ElementsAre("Backup File"));
 }
 
-TEST_F(SourceWorkflows, aServerWithoutTheTrackFolderGivesAnEmptyList) {
+TEST_F(SourceWorkflows, serverWithoutTheTrackFolderGivesAnEmptyList) {
     fs::remove_all(folder.Path("station/vdk/ContourPath"));
     openConnected();
     EXPECT_THAT(items("comboBox_file"), ElementsAre("External"));
@@ -395,7 +395,7 @@ TEST_F(SourceWorkflows, uploadsNeedASource) {
     EXPECT_EQ(status(), "");
 }
 
-TEST_F(SourceWorkflows, aBackupFileIsOpenedEditedAndSavedInPlace) {
+TEST_F(SourceWorkflows, opensEditsAndSavesABackupFileInPlace) {
     makeBackup(folder.Path("my station.osbak"), {{"b.trk", independent::BinaryFile(track)}});
     openWindowAndListen();
     loadBackup(folder.Path("my station.osbak"));
@@ -420,7 +420,7 @@ TEST_F(SourceWorkflows, aBackupFileIsOpenedEditedAndSavedInPlace) {
     expectNoBox();
 }
 
-TEST_F(SourceWorkflows, aRealStationsBackupGoesTheWholeRoad) {
+TEST_F(SourceWorkflows, realStationsBackupIsOpenedEditedAndPacked) {
     fs::copy(TestData("station.osbak"), folder.Path("station.osbak"));
     openWindowAndListen();
     loadBackup(folder.Path("station.osbak"));
@@ -438,7 +438,7 @@ TEST_F(SourceWorkflows, aRealStationsBackupGoesTheWholeRoad) {
     expectNoBox();
 }
 
-TEST_F(SourceWorkflows, theTitleShowsAnOddPathAsItStands) {
+TEST_F(SourceWorkflows, titleShowsAnOddPathUnchanged) {
     const std::string odd = folder.Path("a [*] %1 <b>.osbak");
     makeBackup(odd, {});
     openWindow();
@@ -446,7 +446,7 @@ TEST_F(SourceWorkflows, theTitleShowsAnOddPathAsItStands) {
     EXPECT_EQ(window->windowHandle()->title().toStdString(), "Corvane - Backup File - " + odd);
 }
 
-TEST_F(SourceWorkflows, aCancelledLoadBackupChangesNothingShown) {
+TEST_F(SourceWorkflows, cancelledLoadBackupChangesNothing) {
     makeBackup(folder.Path("x.osbak"), {{"b.trk", ""}});
     openWindowAndListen();
     loadBackup("");
@@ -461,7 +461,7 @@ TEST_F(SourceWorkflows, aCancelledLoadBackupChangesNothingShown) {
     expectErrorBox("ERROR_FILE - Please open a backup file firstly.");
 }
 
-TEST_F(SourceWorkflows, aBackupWithoutAWorkspaceIsReportedAfterItsFirstUnpack) {
+TEST_F(SourceWorkflows, backupWithoutAWorkspaceIsReportedAfterTheFirstUnpacking) {
     fs::create_directories(folder.Path("made/workspaces"));
     WriteFile(folder.Path("made/info.json"), "{}");
     TarCompress(folder.Path("made"), folder.Path("bare.osbak"), bAlloc_Application());
@@ -482,7 +482,7 @@ TEST_F(SourceWorkflows, aBackupWithoutAWorkspaceIsReportedAfterItsFirstUnpack) {
     EXPECT_EQ(status(), "Load backup file successfully.");
 }
 
-TEST_F(SourceWorkflows, aWorkspaceWithoutTracksGivesAnEmptyList) {
+TEST_F(SourceWorkflows, workspaceWithoutTracksGivesAnEmptyList) {
     fs::create_directories(folder.Path("made/workspaces"));
     fs::create_directories(folder.Path("ws/other"));
     TarCompress(folder.Path("ws"), folder.Path("made/workspaces/Workspace.osws"), bAlloc_Application());
@@ -493,7 +493,7 @@ TEST_F(SourceWorkflows, aWorkspaceWithoutTracksGivesAnEmptyList) {
     EXPECT_THAT(items("comboBox_file"), ElementsAre("External"));
 }
 
-TEST_F(SourceWorkflows, aBackupThatCannotBePackedStaysAsItWas) {
+TEST_F(SourceWorkflows, backupThatCannotBePackedStaysUnchanged) {
     makeBackup(folder.Path("x.osbak"), {{"b.trk", ""}});
     openWindowAndListen();
     loadBackup(folder.Path("x.osbak"));
@@ -506,7 +506,7 @@ TEST_F(SourceWorkflows, aBackupThatCannotBePackedStaysAsItWas) {
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
 }
 
-TEST_F(SourceWorkflows, aServersBackupThatCannotBePackedIsNotSent) {
+TEST_F(SourceWorkflows, serversBackupThatCannotBePackedIsNotSent) {
     openConnected();
     const std::string before = FileContent("Ostra.osbak");
     fs::remove_all("TmpDirOsws");
@@ -519,7 +519,7 @@ TEST_F(SourceWorkflows, aServersBackupThatCannotBePackedIsNotSent) {
     EXPECT_EQ(text("pushButton_sensor"), "Disconnect Sensor");
 }
 
-TEST_F(SourceWorkflows, anIndexThatIsNoServerIsReported) {
+TEST_F(SourceWorkflows, reportsAnIndexWithoutAServer) {
     startServer();
     openWindowAndListen();
     auto& sources = find<QComboBox>("comboBox_sensor");
@@ -533,7 +533,7 @@ TEST_F(SourceWorkflows, anIndexThatIsNoServerIsReported) {
     }
 }
 
-TEST_F(SourceWorkflows, resetLooksForServersAgain) {
+TEST_F(SourceWorkflows, resetRepeatsTheDiscovery) {
     openWindowAndListen();
     EXPECT_THAT(items("comboBox_sensor"), ElementsAre("Backup File"));
     startServer();
@@ -560,7 +560,7 @@ TEST_F(SourceWorkflows, resetWhileConnectedDisconnectsAndClosesEverything) {
     expectTrackClosed();
 }
 
-TEST_F(SourceWorkflows, aResetThatFailsDisablesTheButtonUntilOneSucceeds) {
+TEST_F(SourceWorkflows, failedResetDisablesTheButtonUntilOneSucceeds) {
     openWindowAndListen();
     auto none = std::make_optional<NoSockets>();
     answers.note = [this, &none] {
@@ -593,7 +593,7 @@ TEST_F(SourceWorkflows, closingWhileConnectedRemovesTheWorkingFiles) {
     expectNoBox();
 }
 
-TEST_F(SourceWorkflows, closingAfterTheServerHasGoneThrowsNothing) {
+TEST_F(SourceWorkflows, closingAfterTheServerStoppedDoesNotThrow) {
     openConnected();
     server->Kill();
     closeWindow();
@@ -601,7 +601,7 @@ TEST_F(SourceWorkflows, closingAfterTheServerHasGoneThrowsNothing) {
     expectNoBox();
 }
 
-TEST_F(SourceWorkflows, closingABackupFileLeavesTheFile) {
+TEST_F(SourceWorkflows, closingABackupFileKeepsTheFile) {
     makeBackup(folder.Path("x.osbak"), {{"b.trk", ""}});
     const std::string before = FileContent(folder.Path("x.osbak"));
     openWindow();
@@ -611,7 +611,7 @@ TEST_F(SourceWorkflows, closingABackupFileLeavesTheFile) {
     EXPECT_FALSE(fs::exists("TmpDirOsws"));
 }
 
-TEST_F(SourceWorkflows, linksThatTheNextSaveWillNotHaveAreNamed) {
+TEST_F(SourceWorkflows, namesLinksThatTheNextSaveLeavesOut) {
     const std::string workspace =
         TarFolder("vdk") + TarFolder("vdk/ContourPath") + TarFile("vdk/ContourPath/b.trk", "") +
         TarLink("vdk/ContourPath/hard.trk", '1', "vdk/ContourPath/b.trk") +
@@ -640,7 +640,7 @@ TEST_F(SourceWorkflows, linksThatTheNextSaveWillNotHaveAreNamed) {
     expectNoBox();
 }
 
-TEST_F(SourceWorkflows, nothingIsCleanedAtTheStart) {
+TEST_F(SourceWorkflows, startLeavesOldWorkingFiles) {
     fs::create_directories("TmpDirOsws/vdk/ContourPath");
     WriteFile("TmpDirOsws/vdk/ContourPath/left.trk", "");
     openWindow();
@@ -648,7 +648,7 @@ TEST_F(SourceWorkflows, nothingIsCleanedAtTheStart) {
     EXPECT_THAT(items("comboBox_file"), ElementsAre("External"));
 }
 
-TEST_F(SourceWorkflows, theWindowStaysWhileTheWorkerUsesTheClient) {
+TEST_F(SourceWorkflows, windowCannotCloseWhileTheWorkerUsesTheClient) {
     startServer({"--fault-delay", "400", "--fault-path", "/system/commands/archive"});
     openWindowAndListen();
     click("pushButton_sensor");
@@ -678,7 +678,7 @@ TEST_F(SourceWorkflows, destroyingTheWindowWaitsForTheWorker) {
     EXPECT_FALSE(fs::exists("Ostra.osbak"));
 }
 
-TEST_F(SourceWorkflows, theWindowIsBuiltWithinASecond) {
+TEST_F(SourceWorkflows, constructionTakesLessThanASecond) {
     QElapsedTimer time;
     time.start();
     const MainWindow fresh;

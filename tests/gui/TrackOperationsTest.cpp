@@ -82,21 +82,21 @@ class TrackOperations : public WindowTest {
     const independent::Track track = SmallTrack(PathAcross(0, 3, 0.5, 100));
 };
 
-TEST_F(TrackOperations, withoutASourceTheListHoldsExternalAlone) {
+TEST_F(TrackOperations, listHoldsOnlyExternalWithoutASource) {
     EXPECT_THAT(items("comboBox_file"), ElementsAre("External"));
 }
 
-TEST_F(TrackOperations, workspaceTracksAreListedByNameIgnoringCaseAndExternalLast) {
+TEST_F(TrackOperations, listsWorkspaceTracksByNameIgnoringCaseAndExternalLast) {
     makeBackup(folder.Path("x.osbak"), {{"b.trk", ""}, {"A.trk", ""}, {"C.trk", ""}, {"notes.txt", ""}});
     loadBackup(folder.Path("x.osbak"));
     EXPECT_THAT(items("comboBox_file"), ElementsAre("A.trk", "b.trk", "C.trk", "External"));
 }
 
-TEST_F(TrackOperations, aMissingFolderListsNothing) {
+TEST_F(TrackOperations, missingFolderListsNothing) {
     EXPECT_TRUE(ListFiles(QStringLiteral("./nowhere"), QStringLiteral("*.trk")).isEmpty());
 }
 
-TEST_F(TrackOperations, aFolderThatCannotBeReadIsAnErrorAndTheListStays) {
+TEST_F(TrackOperations, unreadableFolderIsReportedAndTheListStays) {
     openWorkspace();
     ASSERT_EQ(::chmod(kTracks.c_str(), 0), 0);
     ASSERT_EQ(::chmod("TmpDirOsws", 0755), 0); // it is open to its owner alone
@@ -114,7 +114,7 @@ TEST_F(TrackOperations, aFolderThatCannotBeReadIsAnErrorAndTheListStays) {
     EXPECT_THAT(items("comboBox_file"), ElementsAre("A.trk", "b.trk", "c.trk", "External"));
 }
 
-TEST_F(TrackOperations, namesThatAreNoTextAndHiddenOnesAreLeftOutOfTheList) {
+TEST_F(TrackOperations, listOmitsInvalidUtf8AndHiddenNames) {
     openWorkspace();
     WriteFile(kTracks + "\xff.trk", "");
     WriteFile(kTracks + ".c.trk", "");
@@ -123,7 +123,7 @@ TEST_F(TrackOperations, namesThatAreNoTextAndHiddenOnesAreLeftOutOfTheList) {
     EXPECT_THAT(items("comboBox_file"), ElementsAre("A.trk", "b.trk", "External"));
 }
 
-TEST_F(TrackOperations, oddNamesAndFilesWithoutPermissionsAreInTheList) {
+TEST_F(TrackOperations, listHasOddNamesAndFilesWithoutPermissions) {
     openWorkspace();
     for (const std::string name : {"c\n.trk", "d [*]?\\.TRK", "e\u0301.trk"})
         WriteFile(kTracks + name, "");
@@ -134,7 +134,7 @@ TEST_F(TrackOperations, oddNamesAndFilesWithoutPermissionsAreInTheList) {
                 ElementsAre("A.trk", "b.trk", "c\n.trk", "d [*]?\\.TRK", "e\u0301.trk", "External"));
 }
 
-TEST_F(TrackOperations, theListIsThatOfTheToolkit) {
+TEST_F(TrackOperations, listEqualsThatOfQt) {
     openWorkspace();
     for (const char* name :
          {"B2.trk", "_.trk", "a10.trk", "a9.trk", "\u00c4.trk", "\u00e4b.trk", "z.trk.old"})
@@ -154,7 +154,7 @@ TEST_F(TrackOperations, theListIsThatOfTheToolkit) {
     EXPECT_EQ(items("comboBox_file"), expected);
 }
 
-TEST_F(TrackOperations, namesThatDifferInTheirCaseAloneAreListedInOneOrder) {
+TEST_F(TrackOperations, namesThatDifferOnlyInCaseHaveAFixedOrder) {
     openWorkspace();
     for (const char* name : {"c.trk", "C.trk", "B.trk"})
         WriteFile(kTracks + name, "");
@@ -174,7 +174,7 @@ TEST_F(TrackOperations, externalCannotBeDeleted) {
     EXPECT_EQ(model->item(4)->flags(), Qt::ItemIsSelectable | Qt::ItemIsEnabled);
 }
 
-TEST_F(TrackOperations, loadsATrackOfTheWorkspace) {
+TEST_F(TrackOperations, loadsAWorkspaceTrack) {
     openWorkspace();
     loadFromWorkspace("b.trk");
     EXPECT_EQ(text("label_fileName"), "b.trk");
@@ -193,7 +193,7 @@ TEST_F(TrackOperations, loadsATrackOfTheWorkspace) {
     expectNoBox();
 }
 
-TEST_F(TrackOperations, loadsAnExternalTrackByTheDialog) {
+TEST_F(TrackOperations, loadsAnExternalTrackFromTheDialog) {
     WriteFile(folder.Path("one.trk"), independent::TextFile(track));
     loadExternal(folder.Path("one.trk"));
     EXPECT_EQ(text("label_fileName"), "External - one.trk");
@@ -206,7 +206,7 @@ TEST_F(TrackOperations, loadsAnExternalTrackByTheDialog) {
     EXPECT_FALSE(dialogs[0].saves);
 }
 
-TEST_F(TrackOperations, aCancelledLoadShowsAndChangesNothing) {
+TEST_F(TrackOperations, cancelledLoadChangesNothing) {
     WriteFile(folder.Path("one.trk"), independent::TextFile(track));
     loadExternal(folder.Path("one.trk"));
     edit();
@@ -219,7 +219,7 @@ TEST_F(TrackOperations, aCancelledLoadShowsAndChangesNothing) {
     expectNoBox();
 }
 
-TEST_F(TrackOperations, heightsAreShownWithSixFigures) {
+TEST_F(TrackOperations, heightsAreShownWithSixDigits) {
     independent::Track fine = track;
     fine.heights[5] = -12345678.0;
     fine.heights[6] = 1234.56789;
@@ -230,7 +230,7 @@ TEST_F(TrackOperations, heightsAreShownWithSixFigures) {
     EXPECT_EQ(text("lineEdit_heightMax"), "1234.57");
 }
 
-TEST_F(TrackOperations, heightsBelowZeroAreShownFromTheLowestToTheHighest) {
+TEST_F(TrackOperations, negativeHeightsAreShownFromLowestToHighest) {
     independent::Track low = track;
     for (auto& height : low.heights)
         *height -= 100.0;
@@ -240,7 +240,7 @@ TEST_F(TrackOperations, heightsBelowZeroAreShownFromTheLowestToTheHighest) {
     EXPECT_EQ(text("lineEdit_heightMax"), "-56.25"); // 39 + 19 x 0.25 - 100
 }
 
-TEST_F(TrackOperations, theRangeOfATextTrackStartsAtItsLimits) {
+TEST_F(TrackOperations, textTracksRangeStartsAtItsLimits) {
     for (const double shift : {40000.0, -40000.0}) {
         independent::Track far = track;
         for (auto& height : far.heights)
@@ -253,7 +253,7 @@ TEST_F(TrackOperations, theRangeOfATextTrackStartsAtItsLimits) {
     }
 }
 
-TEST_F(TrackOperations, heightsAreShownEvenWhenTheirMapCannotBe) {
+TEST_F(TrackOperations, heightsAreShownEvenWhenTheMapFails) {
     independent::Track flat = track;
     flat.heights.assign(flat.heights.size(), 7.5);
     WriteFile(folder.Path("flat.trk"), independent::TextFile(flat));
@@ -286,7 +286,7 @@ TEST_F(TrackOperations, loadingFitsTheImageToTheView) {
     }
 }
 
-TEST_F(TrackOperations, theFitIsOfTheImagesOwnSizeNotOfTheShownOne) {
+TEST_F(TrackOperations, fitUsesTheImagesSizeNotTheShownOne) {
     independent::Track stretched = track;
     stretched.width = 200;
     stretched.height = 50;
@@ -305,7 +305,7 @@ TEST_F(TrackOperations, theFitIsOfTheImagesOwnSizeNotOfTheShownOne) {
     EXPECT_EQ(canvas().size(), QSize(qRound(400 * expected * 0.05), qRound(50 * expected * 0.05)));
 }
 
-TEST_F(TrackOperations, anImageFarTooLargeForTheViewKeepsTheSlidersLowestScale) {
+TEST_F(TrackOperations, hugeImageGetsTheSlidersLowestScale) {
     independent::Track huge = track;
     huge.width = 20000;
     huge.height = 2;
@@ -321,7 +321,7 @@ TEST_F(TrackOperations, anImageFarTooLargeForTheViewKeepsTheSlidersLowestScale) 
     }
 }
 
-TEST_F(TrackOperations, anImageFarTooSmallForTheViewIsFittedWhereTheSliderCannotGo) {
+TEST_F(TrackOperations, tinyImageIsFittedBeyondTheSlidersRange) {
     independent::Track tiny = track;
     tiny.width = 4;
     tiny.height = 4;
@@ -355,7 +355,7 @@ TEST_F(TrackOperations, loadingSelectsTheFirstPath) {
     EXPECT_THAT(paths()[1].lengths, ElementsAre(200, 201, 202));
 }
 
-TEST_F(TrackOperations, loadingForgetsHowManyPathsWereClosed) {
+TEST_F(TrackOperations, loadingResetsTheNumberOfClosedPaths) {
     WriteFile(folder.Path("one.trk"), independent::TextFile(track));
     loadExternal(folder.Path("one.trk"));
     QTest::mouseDClick(&canvas(), Qt::LeftButton, Qt::NoModifier, {2, 2});
@@ -369,14 +369,14 @@ TEST_F(TrackOperations, loadingForgetsHowManyPathsWereClosed) {
     EXPECT_THAT(paths()[0].points, SizeIs(4)); // the last path goes on
 }
 
-TEST_F(TrackOperations, loadingWithTheRulerHiddenMakesNoMarks) {
+TEST_F(TrackOperations, loadingWithTheRulerHiddenComputesNoMarks) {
     click("pushButton_getRuler");
     WriteFile(folder.Path("one.trk"), independent::TextFile(track));
     loadExternal(folder.Path("one.trk"));
     EXPECT_THAT(paths()[0].rulerMarks, IsEmpty());
 }
 
-TEST_F(TrackOperations, theCursorAsksToWaitWhileATrackIsReadAndNoLonger) {
+TEST_F(TrackOperations, showsTheWaitCursorOnlyWhileATrackIsRead) {
     WriteFile(folder.Path("one.trk"), independent::TextFile(track));
     int waiting = 0;
     QObject::connect(&find<QLineEdit>("lineEdit_heightMax"), &QLineEdit::textChanged, window.get(),
@@ -396,7 +396,7 @@ TEST_F(TrackOperations, theCursorAsksToWaitWhileATrackIsReadAndNoLonger) {
     EXPECT_EQ(answers.takeBoxes().at(0).underneath, QStringLiteral("free"));
 }
 
-TEST_F(TrackOperations, theCursorAsksToWaitWhileATrackIsWrittenAndNoLonger) {
+TEST_F(TrackOperations, showsTheWaitCursorOnlyWhileATrackIsWritten) {
     WriteFile(folder.Path("one.trk"), independent::TextFile(track));
     loadExternal(folder.Path("one.trk"));
     int waiting = 0;
@@ -415,7 +415,7 @@ TEST_F(TrackOperations, theCursorAsksToWaitWhileATrackIsWrittenAndNoLonger) {
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
 }
 
-TEST_F(TrackOperations, aFailedLoadIsLoggedAndShownAndLeavesNoTrackToSave) {
+TEST_F(TrackOperations, failedLoadIsLoggedAndShownAndLeavesNoTrackToSave) {
     WriteFile(folder.Path("one.trk"), independent::TextFile(track));
     loadExternal(folder.Path("one.trk"));
     (void)log.Lines();
@@ -433,7 +433,7 @@ TEST_F(TrackOperations, aFailedLoadIsLoggedAndShownAndLeavesNoTrackToSave) {
     expectErrorBox(kNoTrack);
 }
 
-TEST_F(TrackOperations, aFailedHeadOrHeightMapLeavesThePictureAndThePaths) {
+TEST_F(TrackOperations, failedHeaderOrHeightMapKeepsThePictureAndThePaths) {
     WriteFile(folder.Path("one.trk"), independent::TextFile(track));
     loadExternal(folder.Path("one.trk"));
     find<QSlider>("horizontalSlider_resizeImage").setValue(20);
@@ -454,7 +454,7 @@ TEST_F(TrackOperations, aFailedHeadOrHeightMapLeavesThePictureAndThePaths) {
     EXPECT_EQ(paths()[0].lengths[0], 33);
 }
 
-TEST_F(TrackOperations, aTrackWithoutPathsFailsToLoad) {
+TEST_F(TrackOperations, trackWithoutPathsFailsToLoad) {
     WriteFile(folder.Path("bare.trk"), independent::TextMap(track));
     loadExternal(folder.Path("bare.trk"));
     expectErrorBox("ERROR_TRACK - Failed to read path information.");
@@ -462,7 +462,7 @@ TEST_F(TrackOperations, aTrackWithoutPathsFailsToLoad) {
     EXPECT_EQ(canvas().pixmap(Qt::ReturnByValue).size(), QSize(40, 20));
 }
 
-TEST_F(TrackOperations, savingBeforeALoadAsksForOne) {
+TEST_F(TrackOperations, savingBeforeALoadAsksForALoad) {
     for (const char* operation : {"Save", "Save As"}) {
         answers.note = [this] { return find<QComboBox>("comboBox_operation").currentText(); };
         operate(operation);
@@ -477,7 +477,7 @@ TEST_F(TrackOperations, savingBeforeALoadAsksForOne) {
     EXPECT_THAT(answers.takeFileDialogs(), IsEmpty());
 }
 
-TEST_F(TrackOperations, savesABinaryTrackOfTheWorkspaceInPlace) {
+TEST_F(TrackOperations, savesABinaryWorkspaceTrackInPlace) {
     openWorkspace();
     loadFromWorkspace("b.trk");
     edit();
@@ -502,7 +502,7 @@ TEST_F(TrackOperations, savesABinaryTrackOfTheWorkspaceInPlace) {
     expectNoBox();
 }
 
-TEST_F(TrackOperations, savesATextTrackOfTheWorkspaceAsABinaryOne) {
+TEST_F(TrackOperations, savesATextWorkspaceTrackAsBinary) {
     openWorkspace();
     loadFromWorkspace("A.trk");
     edit();
@@ -534,7 +534,7 @@ TEST_F(TrackOperations, savingComputesTheRulerEvenWhenItIsHidden) {
     EXPECT_THAT(independent::ReadBinary(FileContent(kTracks + "b.trk")).rulers, Not(IsEmpty()));
 }
 
-TEST_F(TrackOperations, anOldTemporaryTrackIsNoObstacle) {
+TEST_F(TrackOperations, savesDespiteAnOldTemporaryTrack) {
     openWorkspace();
     WriteFile("temp.trk", "left by somebody");
     loadFromWorkspace("b.trk");
@@ -544,7 +544,7 @@ TEST_F(TrackOperations, anOldTemporaryTrackIsNoObstacle) {
     EXPECT_FALSE(fs::exists("temp.trk"));
 }
 
-TEST_F(TrackOperations, anOldTemporaryTrackThatIsALinkLeadsNowhere) {
+TEST_F(TrackOperations, doesNotFollowATemporaryTrackThatIsALink) {
     openWorkspace();
     WriteFile(folder.Path("precious"), "kept");
     fs::create_symlink(folder.Path("precious"), "temp.trk");
@@ -557,7 +557,7 @@ TEST_F(TrackOperations, anOldTemporaryTrackThatIsALinkLeadsNowhere) {
     EXPECT_FALSE(fs::is_symlink(kTracks + "b.trk"));
 }
 
-TEST_F(TrackOperations, aTrackThatMayNotBeWrittenStaysAsItWas) {
+TEST_F(TrackOperations, readOnlyTrackStaysUnchanged) {
     openWorkspace();
     loadFromWorkspace("b.trk");
     const std::string before = FileContent(kTracks + "b.trk");
@@ -583,7 +583,7 @@ TEST_F(TrackOperations, aTrackThatMayNotBeWrittenStaysAsItWas) {
     expectEdited(kTracks + "b.trk");
 }
 
-TEST_F(TrackOperations, anInPlaceSaveThatFailsLeavesTheOldFileAndNoTemporaryTrack) {
+TEST_F(TrackOperations, failedSaveKeepsTheOldFileAndRemovesTheTemporaryTrack) {
     openWorkspace();
     loadFromWorkspace("b.trk");
     const std::string before = FileContent(kTracks + "b.trk");
@@ -597,7 +597,7 @@ TEST_F(TrackOperations, anInPlaceSaveThatFailsLeavesTheOldFileAndNoTemporaryTrac
     expectEdited(kTracks + "b.trk");
 }
 
-TEST_F(TrackOperations, aTrackThatHasGoneMeanwhileFailsToSaveAndLeavesNothing) {
+TEST_F(TrackOperations, savingARemovedTrackFailsAndCreatesNothing) {
     openWorkspace();
     for (const char* name : {"A.trk", "b.trk"}) {
         loadFromWorkspace(name);
@@ -610,7 +610,7 @@ TEST_F(TrackOperations, aTrackThatHasGoneMeanwhileFailsToSaveAndLeavesNothing) {
     }
 }
 
-TEST_F(TrackOperations, aTrackThatWasSpoiltMeanwhileIsNotReplacedByAnEmptyOne) {
+TEST_F(TrackOperations, savingADamagedTrackDoesNotReplaceItByAnEmptyOne) {
     openWorkspace();
     for (const char* name : {"A.trk", "b.trk"}) {
         loadFromWorkspace(name);
@@ -622,7 +622,7 @@ TEST_F(TrackOperations, aTrackThatWasSpoiltMeanwhileIsNotReplacedByAnEmptyOne) {
     }
 }
 
-TEST_F(TrackOperations, aTrackThatWasCutMeanwhileIsNotReplacedByWhatIsLeftOfIt) {
+TEST_F(TrackOperations, savingATruncatedTrackDoesNotReplaceIt) {
     openWorkspace();
     for (const char* name : {"A.trk", "b.trk"}) {
         loadFromWorkspace(name);
@@ -634,7 +634,7 @@ TEST_F(TrackOperations, aTrackThatWasCutMeanwhileIsNotReplacedByWhatIsLeftOfIt) 
     }
 }
 
-TEST_F(TrackOperations, aTextTrackThatLostItsAnchorAndPathsMeanwhileIsNotReplaced) {
+TEST_F(TrackOperations, savingATextTrackThatLostItsAnchorAndPathsDoesNotReplaceIt) {
     openWorkspace();
     loadFromWorkspace("A.trk");
     const std::string whole = FileContent(kTracks + "A.trk");
@@ -668,7 +668,7 @@ TEST_F(TrackOperations, savesInPlaceAcrossFileSystems) {
     fs::remove_all(other, failure);
 }
 
-TEST_F(TrackOperations, anExternalTrackOfANewNameJoinsTheWorkspace) {
+TEST_F(TrackOperations, savingAnExternalTrackOfANewNameAddsItToTheWorkspace) {
     openWorkspace();
     WriteFile(folder.Path("new.trk"), independent::TextFile(track));
     loadExternal(folder.Path("new.trk"));
@@ -686,7 +686,7 @@ TEST_F(TrackOperations, anExternalTrackOfANewNameJoinsTheWorkspace) {
     EXPECT_EQ(FileContent(folder.Path("new.trk")), before);
 }
 
-TEST_F(TrackOperations, aTrackOfTheWorkspaceLoadedAfterAnExternalOneIsSavedInPlace) {
+TEST_F(TrackOperations, savesAWorkspaceTrackLoadedAfterAnExternalOneInPlace) {
     openWorkspace();
     WriteFile(folder.Path("new.trk"), independent::TextFile(track));
     loadExternal(folder.Path("new.trk"));
@@ -697,7 +697,7 @@ TEST_F(TrackOperations, aTrackOfTheWorkspaceLoadedAfterAnExternalOneIsSavedInPla
     EXPECT_THAT(NamesIn(kTracks), ElementsAre("A.trk", "b.trk", "notes.txt"));
 }
 
-TEST_F(TrackOperations, anExternalTrackOfAListedNameGetsANewOne) {
+TEST_F(TrackOperations, savingAnExternalTrackOfAListedNameChoosesANewName) {
     openWorkspace();
     WriteFile(folder.Path("A.trk"), independent::TextFile(track));
     const std::string listed = FileContent(kTracks + "A.trk");
@@ -710,7 +710,7 @@ TEST_F(TrackOperations, anExternalTrackOfAListedNameGetsANewOne) {
     EXPECT_THAT(items("comboBox_file"), ElementsAre("A-New.trk", "A.trk", "b.trk", "External"));
 }
 
-TEST_F(TrackOperations, anExternalTrackWhoseNameDiffersInItsCaseKeepsIt) {
+TEST_F(TrackOperations, savingAnExternalTrackWhoseNameDiffersOnlyInCaseKeepsItsName) {
     openWorkspace();
     WriteFile(folder.Path("a.trk"), independent::TextFile(track));
     const std::string listed = FileContent(kTracks + "A.trk");
@@ -728,7 +728,7 @@ TEST_F(TrackOperations, newNamesReplaceWhatFollowsTheLastDot) {
     EXPECT_EQ(NewTrackName(QStringLiteral("plain")), QStringLiteral("plain-New.trk"));
 }
 
-TEST_F(TrackOperations, anExternalTrackNeedsAWorkspaceToJoin) {
+TEST_F(TrackOperations, savingAnExternalTrackNeedsAWorkspace) {
     WriteFile(folder.Path("new.trk"), independent::TextFile(track));
     loadExternal(folder.Path("new.trk"));
     operate("Save");
@@ -780,7 +780,7 @@ TEST_F(TrackOperations, saveAsKeepsAnExternalTrackExternal) {
     EXPECT_TRUE(fs::exists(kTracks + "new.trk"));
 }
 
-TEST_F(TrackOperations, aCancelledSaveAsStillReportsSuccess) {
+TEST_F(TrackOperations, cancelledSaveAsStillReportsSuccess) {
     WriteFile(folder.Path("one.trk"), independent::TextFile(track));
     loadExternal(folder.Path("one.trk"));
     const std::vector<std::string> before = NamesIn(".");
@@ -791,7 +791,7 @@ TEST_F(TrackOperations, aCancelledSaveAsStillReportsSuccess) {
     expectNoBox();
 }
 
-TEST_F(TrackOperations, saveAsOverTheOpenFileReplacesItByAnySpelling) {
+TEST_F(TrackOperations, saveAsReplacesTheOpenFileByAnySpellingOfItsPath) {
     for (const bool textual : {true, false}) {
         const std::string file = folder.Path("one.trk");
         fs::create_directories(folder.Path("sub"));
@@ -813,7 +813,7 @@ TEST_F(TrackOperations, saveAsOverTheOpenFileReplacesItByAnySpelling) {
     }
 }
 
-TEST_F(TrackOperations, aTrackNamedLikeTheTemporaryOneIsSavedLikeAnyOther) {
+TEST_F(TrackOperations, savesATrackNamedLikeTheTemporaryOne) {
     const std::string file = folder.Path("temp.trk");
     WriteFile(file, independent::BinaryFile(track));
     loadExternal(file);
@@ -824,7 +824,7 @@ TEST_F(TrackOperations, aTrackNamedLikeTheTemporaryOneIsSavedLikeAnyOther) {
     expectEdited(file);
 }
 
-TEST_F(TrackOperations, saveAsReportsATargetThatCannotBeWritten) {
+TEST_F(TrackOperations, saveAsReportsAnUnwritableTarget) {
     for (const bool textual : {true, false}) {
         WriteFile(folder.Path("one.trk"),
                   textual ? independent::TextFile(track) : independent::BinaryFile(track));
@@ -855,7 +855,7 @@ TEST_F(TrackOperations, deleteRemovesTheFileAndItsEntryAndKeepsTheOpenTrack) {
     expectNormal();
 }
 
-TEST_F(TrackOperations, whenTheLastTrackIsDeletedExternalIsShownAndCannotBe) {
+TEST_F(TrackOperations, deletingTheLastTrackLeavesExternalWhichCannotBeDeleted) {
     openWorkspace();
     const auto* model = qobject_cast<QStandardItemModel*>(find<QComboBox>("comboBox_operation").model());
     choose("comboBox_file", "A.trk");
@@ -867,7 +867,7 @@ TEST_F(TrackOperations, whenTheLastTrackIsDeletedExternalIsShownAndCannotBe) {
     EXPECT_EQ(model->item(4)->flags(), Qt::NoItemFlags);
 }
 
-TEST_F(TrackOperations, deletingAFileThatHasGoneIsReported) {
+TEST_F(TrackOperations, deletingAMissingFileIsReported) {
     openWorkspace();
     choose("comboBox_file", "b.trk");
     fs::remove(kTracks + "b.trk");
@@ -881,7 +881,7 @@ TEST_F(TrackOperations, deletingAFileThatHasGoneIsReported) {
     expectNormal();
 }
 
-TEST_F(TrackOperations, aDeleteOfNothingListedIsAnErrorNotACrash) {
+TEST_F(TrackOperations, deletingWithoutASelectedTrackIsReported) {
     openWorkspace();
     choose("comboBox_file", "External");
     find<QComboBox>("comboBox_operation").setCurrentIndex(4); // no hand can do this
@@ -889,7 +889,7 @@ TEST_F(TrackOperations, aDeleteOfNothingListedIsAnErrorNotACrash) {
     EXPECT_THAT(NamesIn(kTracks), ElementsAre("A.trk", "b.trk", "notes.txt"));
 }
 
-TEST_F(TrackOperations, refreshListsWhatIsThereNow) {
+TEST_F(TrackOperations, refreshListsTheFolderAgain) {
     openWorkspace();
     WriteFile(kTracks + "late.trk", "");
     fs::remove(kTracks + "A.trk");
@@ -902,7 +902,7 @@ TEST_F(TrackOperations, refreshListsWhatIsThereNow) {
     expectNormal();
 }
 
-TEST_F(TrackOperations, theSlotRunsTheOperationThatItIsTold) {
+TEST_F(TrackOperations, slotRunsTheGivenOperation) {
     openWorkspace();
     const auto tell = [this](const char* operation) {
         ASSERT_TRUE(QMetaObject::invokeMethod(window.get(), "on_comboBox_operation_currentIndexChanged",
@@ -922,13 +922,13 @@ TEST_F(TrackOperations, theSlotRunsTheOperationThatItIsTold) {
     expectNoBox();
 }
 
-TEST_F(TrackOperations, theStatusStaysUntilReplaced) {
+TEST_F(TrackOperations, statusStaysUntilReplaced) {
     operate("Refresh");
     QTest::qWait(50);
     EXPECT_EQ(status(), "Refresh successfully.");
 }
 
-TEST_F(TrackOperations, oddNamesAreShownAsTheyStand) {
+TEST_F(TrackOperations, oddNamesAreShownUnchanged) {
     const std::string odd = "a %s %n 'b' \"c\" <b>ß<i> 日本 [*].trk";
     makeBackup(folder.Path("x.osbak"), {{odd, independent::TextFile(track)}});
     loadBackup(folder.Path("x.osbak"));
@@ -955,7 +955,7 @@ TEST_F(TrackOperations, oddNamesAreShownAsTheyStand) {
     expectErrorBox("ERROR_TRACK - Failed to read basic information.");
 }
 
-TEST_F(TrackOperations, longNamesLeaveTheCanvasItsRoomAndCanBeToldApart) {
+TEST_F(TrackOperations, longNamesKeepTheCanvasSizeAndCanBeDistinguished) {
     const std::string start = std::string(40, 'l') + " <b>&amp; station ";
     makeBackup(folder.Path("x.osbak"), {{start + "1.trk", independent::TextFile(track)},
                                         {start + "2.trk", independent::TextFile(track)}});

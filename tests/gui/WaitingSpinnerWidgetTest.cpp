@@ -120,7 +120,7 @@ class WaitingSpinnerWidgetTest : public ::testing::Test {
     QWidget parent;
 };
 
-TEST_F(WaitingSpinnerWidgetTest, slotsStandInTheirOrder) {
+TEST_F(WaitingSpinnerWidgetTest, slotsAreInOrder) {
     const QMetaObject& meta = WaitingSpinnerWidget::staticMetaObject;
     ASSERT_EQ(meta.methodCount() - meta.methodOffset(), 3);
     const char* const names[] = {"start()", "stop()", "rotate()"};
@@ -143,7 +143,7 @@ TEST_F(WaitingSpinnerWidgetTest, isBuiltHiddenFramelessAndTranslucent) {
     EXPECT_TRUE(parent.isEnabled());
 }
 
-TEST_F(WaitingSpinnerWidgetTest, takesTheModalityItIsGiven) {
+TEST_F(WaitingSpinnerWidgetTest, hasTheGivenModality) {
     const WaitingSpinnerWidget modal(Qt::ApplicationModal, nullptr, false, false);
     const WaitingSpinnerWidget free(Qt::NonModal, nullptr, false, false);
     EXPECT_EQ(modal.windowModality(), Qt::ApplicationModal);
@@ -209,7 +209,7 @@ TEST_F(WaitingSpinnerWidgetTest, worksWithoutAParent) {
     EXPECT_TRUE(spinner.isHidden());
 }
 
-TEST_F(WaitingSpinnerWidgetTest, aCloseEventIsIgnored) {
+TEST_F(WaitingSpinnerWidgetTest, closeEventIsIgnored) {
     const auto spinner = make();
     spinner->start();
     EXPECT_FALSE(spinner->close());
@@ -233,7 +233,7 @@ TEST_F(WaitingSpinnerWidgetTest, stopWhileStoppedKeepsTheLeadingBar) {
     ExpectPicture(Picture(*spinner), {10, 10, 3});
 }
 
-TEST_F(WaitingSpinnerWidgetTest, startWhileSpinningGoesOnFromTheSameBar) {
+TEST_F(WaitingSpinnerWidgetTest, startWhileSpinningContinuesFromTheSameBar) {
     const auto spinner = make();
     spinner->start();
     turn(*spinner, 5);
@@ -280,7 +280,7 @@ TEST_F(WaitingSpinnerWidgetTest, everyStepIsPainted) {
     }
 }
 
-TEST_F(WaitingSpinnerWidgetTest, pictureShowsTheTrailBehindEveryLeader) {
+TEST_F(WaitingSpinnerWidgetTest, pictureShowsTheTrailOfEveryLeader) {
     const auto spinner = make();
     for (int leader = 0; leader < kBars; ++leader) {
         SCOPED_TRACE(leader);
@@ -290,7 +290,7 @@ TEST_F(WaitingSpinnerWidgetTest, pictureShowsTheTrailBehindEveryLeader) {
     ExpectPicture(Picture(*spinner), {10, 10, 0});
 }
 
-TEST_F(WaitingSpinnerWidgetTest, pictureOfTheWindowsOwnSize) {
+TEST_F(WaitingSpinnerWidgetTest, pictureHasTheWindowsOwnSize) {
     const auto spinner = make();
     spinner->setInnerRadius(20);
     spinner->setLineLength(20);
@@ -303,7 +303,7 @@ TEST_F(WaitingSpinnerWidgetTest, pictureOfTheWindowsOwnSize) {
     }
 }
 
-TEST_F(WaitingSpinnerWidgetTest, leaderIsOpaqueAndFarBarsAreAtTheFloor) {
+TEST_F(WaitingSpinnerWidgetTest, leaderIsOpaqueAndFarBarsHaveTheMinimumOpacity) {
     const auto spinner = make();
     spinner->setInnerRadius(20);
     spinner->setLineLength(20);
@@ -331,14 +331,14 @@ TEST_F(WaitingSpinnerWidgetTest, middleAndCornersAreTransparent) {
         EXPECT_EQ(qAlpha(picture.pixel(place)), 0);
 }
 
-TEST_F(WaitingSpinnerWidgetTest, standsOverTheMiddleOfItsParent) {
+TEST_F(WaitingSpinnerWidgetTest, isCentredOverItsParent) {
     const auto spinner = make();
     spinner->start();
     // 100 + 301 / 2 − 20 = 230.5, cut to 230; 60 + 100 − 20 = 140
     EXPECT_EQ(spinner->pos(), QPoint(parent.x() + 130, parent.y() + 80));
 }
 
-TEST_F(WaitingSpinnerWidgetTest, cutsItsPlaceTowardZero) {
+TEST_F(WaitingSpinnerWidgetTest, truncatesItsPositionTowardZero) {
     const auto spinner = make();
     parent.resize(101, 61);
     parent.move(-200, -150);

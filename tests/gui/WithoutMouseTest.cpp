@@ -41,7 +41,7 @@ class WithoutMouse : public SourceWorkflows {
     }
 };
 
-TEST_F(WithoutMouse, theWholeJobCanBeDone) {
+TEST_F(WithoutMouse, completesTheJob) {
     startServer();
     openWindowAndListen();
     QApplication::setActiveWindow(window.get());

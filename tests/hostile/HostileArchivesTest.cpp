@@ -63,7 +63,7 @@ void ExpectOrdinary(const std::string& folder) {
     }
 }
 
-TEST(HostileArchives, stayInTheirTargetAndLeaveWhatTheirDefectAllows) {
+TEST(HostileArchives, unpackOnlyInsideTheTargetUpToTheirDefect) {
     const TemporaryFolder folder;
     const LogCapture log;
     fs::create_directories("stage/beside");

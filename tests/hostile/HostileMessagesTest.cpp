@@ -29,7 +29,7 @@ std::string Backup(OstraSdkClient& client) {
     }
 }
 
-TEST(HostileReplies, areRefusedAndTheNextOneIsTaken) {
+TEST(HostileReplies, areRefusedAndTheNextOneIsAccepted) {
     const TemporaryFolder folder;
     std::string bytes;
     ScriptedServer server([&bytes](const ScriptedRequest& request) {

@@ -17,7 +17,7 @@ std::size_t CountOf(const Entries& entries) {
     return entries.size();
 }
 
-TEST(HostileTables, nameEachDefectOnceAndHoldEnoughOfThem) {
+TEST(HostileTables, nameEachDefectOnceAndHoldTheMinimumNumber) {
     constexpr std::size_t kFewestArchives = 60;
     constexpr std::size_t kFewestInAll = 250;
     const std::size_t archives = CountOf(HostileArchives());

@@ -177,15 +177,15 @@ std::string MessageOf(const HostileArchive& archive, const std::string& target) 
     return at == std::string::npos ? archive.message : std::string(archive.message).replace(at, 1, target);
 }
 
-TEST_F(HostileWindow, tellsWhatIsWrongWithATextTrackAndLoadsTheNext) {
+TEST_F(HostileWindow, reportsADamagedTextTrackAndLoadsTheNext) {
     walk(HostileTextTracks());
 }
 
-TEST_F(HostileWindow, tellsWhatIsWrongWithABinaryTrackAndLoadsTheNext) {
+TEST_F(HostileWindow, reportsADamagedBinaryTrackAndLoadsTheNext) {
     walk(HostileBinaryTracks());
 }
 
-TEST_F(HostileWindow, unpacksAHostileBackupNoFurtherThanItsDefectAllows) {
+TEST_F(HostileWindow, unpacksAHostileBackupUpToItsDefect) {
     const auto before = outside();
     for (const HostileArchive& archive : HostileArchives()) {
         SCOPED_TRACE(archive.name);
@@ -201,7 +201,7 @@ TEST_F(HostileWindow, unpacksAHostileBackupNoFurtherThanItsDefectAllows) {
     }
 }
 
-TEST_F(HostileWindow, unpacksAHostileWorkspaceNoFurtherThanItsDefectAllows) {
+TEST_F(HostileWindow, unpacksAHostileWorkspaceUpToItsDefect) {
     const auto before = outside();
     for (const HostileArchive& archive : HostileArchives()) {
         SCOPED_TRACE(archive.name);
