@@ -45,7 +45,7 @@ TEST_F(PathKeys, addsPointsAsClicksDo) {
     EXPECT_EQ(editor.TouchedPoint(), (PointIndex{2, 0}));
 }
 
-TEST_F(PathKeys, withoutATouchedPointNothingMoves) {
+TEST_F(PathKeys, movesNothingWithoutATouchedPoint) {
     EXPECT_FALSE(editor.TouchedPoint());
     EXPECT_FALSE(Nudge(10, 0));
     EXPECT_FALSE(editor.RemoveTouched());
@@ -75,7 +75,7 @@ TEST_F(PathKeys, tenTenthsAreExactlyOnePixel) {
     EXPECT_EQ(Point(0, 1).y(), Place(157, 57).y());
 }
 
-TEST_F(PathKeys, aMovedPointStopsAtTheMarginWhereTheMouseStops) {
+TEST_F(PathKeys, movedPointStopsAtTheMouseMargin) {
     editor.Hover(kScale, {150, 50});
     for (int step = 0; step < 10; ++step)
         Nudge(0, -100);
@@ -85,7 +85,7 @@ TEST_F(PathKeys, aMovedPointStopsAtTheMarginWhereTheMouseStops) {
     EXPECT_EQ(Point(0, 1).x(), kScale.toNormalized(kScale.ClampToMargin({400, 0})).x());
 }
 
-TEST_F(PathKeys, aPointInTheMarginGoesNoFurtherOutButBack) {
+TEST_F(PathKeys, pointInTheMarginMovesInwardsOnly) {
     editor.AddPoint(kScale, {3, 100}); // of which the first is where the button went down
     document.closeAllPaths();
     editor.LetGo();
@@ -98,7 +98,7 @@ TEST_F(PathKeys, aPointInTheMarginGoesNoFurtherOutButBack) {
     EXPECT_EQ(Point(2, 0), Place(4, 100));
 }
 
-TEST_F(PathKeys, removesTheTouchedPointAndAPathOfFewerThanThree) {
+TEST_F(PathKeys, removesTheTouchedPointOrItsPathOfFewerThanThree) {
     editor.Hover(kScale, {150, 50});
     EXPECT_TRUE(editor.RemoveTouched());
     EXPECT_EQ(Paths().at(0).points.size(), 2U);
@@ -118,7 +118,7 @@ TEST_F(PathKeys, splitsTheSegmentUnderTheCursor) {
     EXPECT_EQ(editor.TouchedPoint(), (PointIndex{0, 2}));
 }
 
-TEST_F(PathKeys, withoutACursorTheChosenSegmentIsHalved) {
+TEST_F(PathKeys, halvesTheSelectedSegmentWithoutACursor) {
     editor.SetCurrentPath(1);
     EXPECT_TRUE(editor.SplitSegment(kScale, std::nullopt));
     EXPECT_EQ(Point(1, 1), Place(250, 200));
@@ -126,7 +126,7 @@ TEST_F(PathKeys, withoutACursorTheChosenSegmentIsHalved) {
     EXPECT_FALSE(editor.SplitSegment(kScale, std::nullopt)) << "there is no such segment";
 }
 
-TEST_F(PathKeys, choosesPointAfterPointAndStopsAtTheEnds) {
+TEST_F(PathKeys, selectsPointAfterPointAndStopsAtTheEnds) {
     editor.SetCurrentSegment(1);
     std::vector<PointIndex> visited;
     while (editor.ChoosePoint(1))
@@ -139,7 +139,7 @@ TEST_F(PathKeys, choosesPointAfterPointAndStopsAtTheEnds) {
     EXPECT_EQ(editor.State().dragPoint, Point(0, 0));
 }
 
-TEST_F(PathKeys, aPressWhereTheCursorRestsDoesNotDragAPointThatAKeyChose) {
+TEST_F(PathKeys, pressAtARestingCursorDoesNotDragThePointSelectedByKey) {
     editor.Hover(kScale, {350, 250});
     ASSERT_TRUE(editor.ChoosePoint(1));
     const QPointF chosen = Point(0, 0);
@@ -149,7 +149,7 @@ TEST_F(PathKeys, aPressWhereTheCursorRestsDoesNotDragAPointThatAKeyChose) {
     EXPECT_EQ(Paths().size(), 3U) << "it began a path";
 }
 
-TEST_F(PathKeys, aGivenUpDragLeavesThePointAndNoStep) {
+TEST_F(PathKeys, cancelledDragRestoresThePointWithoutAnUndoStep) {
     editor.Hover(kScale, {150, 50});
     document.endGesture();
     const int steps = document.undoDepth();
@@ -167,7 +167,7 @@ TEST_F(PathKeys, aGivenUpDragLeavesThePointAndNoStep) {
     EXPECT_EQ(Paths().at(1).points.size(), 2U);
 }
 
-TEST_F(PathKeys, aGivenUpRubberBandAddsNoPoint) {
+TEST_F(PathKeys, cancelledRubberBandAddsNoPoint) {
     editor.Press(kScale, {20, 250});
     editor.Drag(kScale, {100, 250});
     EXPECT_FALSE(editor.GiveUpGesture());
@@ -178,7 +178,7 @@ TEST_F(PathKeys, aGivenUpRubberBandAddsNoPoint) {
     EXPECT_TRUE(editor.Release(kScale, {100, 250})) << "the next click works as ever";
 }
 
-TEST_F(PathKeys, theTouchedPointIsForgottenWhenItsIndexMayBeAnothers) {
+TEST_F(PathKeys, resetsTheTouchedPointWhenIndexesShift) {
     ASSERT_TRUE(editor.ChoosePoint(1));
     editor.ForgetCursor();
     ASSERT_TRUE(editor.TouchedPoint());

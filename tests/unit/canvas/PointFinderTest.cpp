@@ -17,28 +17,28 @@ TEST(PointFinder, findsNothingWithoutPaths) {
     EXPECT_FALSE(FindPoint({}, kScale, {0.0, 0.0}));
 }
 
-TEST(PointFinder, aPointExactlyFivePixelsAwayIsNotFound) {
+TEST(PointFinder, doesNotFindAPointExactlyFivePixelsAway) {
     EXPECT_FALSE(FindPoint({PathOf({{100.0, 100.0}})}, kScale, {105.0, 100.0}));
     EXPECT_FALSE(FindPoint({PathOf({{100.0, 100.0}})}, kScale, {103.0, 104.0}));
 }
 
-TEST(PointFinder, aPointJustNearerThanFivePixelsIsFound) {
+TEST(PointFinder, findsAPointJustNearerThanFivePixels) {
     EXPECT_EQ(FindPoint({PathOf({{100.0, 100.0}})}, kScale, {104.99, 100.0}), (PointIndex{0, 0}));
     EXPECT_EQ(FindPoint({PathOf({{100.0, 100.0}})}, kScale, {100.0, 95.01}), (PointIndex{0, 0}));
 }
 
-TEST(PointFinder, distancesAreFromThePointsWholePixel) {
+TEST(PointFinder, measuresFromThePointsRoundedPixel) {
     // The point lies at 100.4 and counts as 100.
     EXPECT_EQ(FindPoint({PathOf({{100.4, 100.0}})}, kScale, {95.3, 100.0}), (PointIndex{0, 0}));
     EXPECT_FALSE(FindPoint({PathOf({{100.4, 100.0}})}, kScale, {105.2, 100.0}));
 }
 
-TEST(PointFinder, theFirstPointFoundWinsOverANearerOne) {
+TEST(PointFinder, firstPointFoundWinsOverANearerOne) {
     EXPECT_EQ(FindPoint({PathOf({{300.0, 300.0}, {103.0, 100.0}, {100.0, 100.0}})}, kScale, {100.0, 100.0}),
               (PointIndex{0, 1}));
 }
 
-TEST(PointFinder, aPointOfAnEarlierPathHidesOneOfALaterPath) {
+TEST(PointFinder, earlierPathsPointHidesALaterPaths) {
     const std::vector<TrackPath> paths{PathOf({{10.0, 10.0}}), PathOf({{50.0, 50.0}}),
                                        PathOf({{50.0, 50.0}})};
     EXPECT_EQ(FindPoint(paths, kScale, {50.0, 50.0}), (PointIndex{1, 0}));

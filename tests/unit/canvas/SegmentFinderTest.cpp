@@ -20,7 +20,7 @@ TEST(SegmentFinder, findsNothingWhereThereIsNoSegment) {
         FindSegment({PathOf({{10, 10}, {100, 10}}), PathOf({{10, 90}, {100, 90}})}, kScale, {50, 50}));
 }
 
-TEST(SegmentFinder, findsThePlaceBelowTheCursor) {
+TEST(SegmentFinder, findsThePositionUnderTheCursor) {
     const auto found = FindSegment(
         {PathOf({{300, 10}, {310, 10}}), PathOf({{10, 50}, {110, 50}, {110, 150}})}, kScale, {60, 53});
     ASSERT_TRUE(found);
@@ -29,7 +29,7 @@ TEST(SegmentFinder, findsThePlaceBelowTheCursor) {
     EXPECT_DOUBLE_EQ(found->position.y(), 50.0 / 200);
 }
 
-TEST(SegmentFinder, thePlaceIsNearestInPixelsAndNotInNormalisedUnits) {
+TEST(SegmentFinder, findsTheNearestPositionInPixelsNotInNormalisedUnits) {
     // Along the diagonal of a square of pixels, the foot of the perpendicular from (61, 59) is (60, 60).
     const auto found = FindSegment({PathOf({{10, 10}, {110, 110}})}, kScale, {61, 59});
     ASSERT_TRUE(found);
@@ -37,20 +37,20 @@ TEST(SegmentFinder, thePlaceIsNearestInPixelsAndNotInNormalisedUnits) {
     EXPECT_DOUBLE_EQ(found->position.y(), 60.0 / 200);
 }
 
-TEST(SegmentFinder, aSegmentFivePixelsAwayIsNotFound) {
+TEST(SegmentFinder, doesNotFindASegmentFivePixelsAway) {
     const std::vector<TrackPath> paths{PathOf({{10, 50}, {110, 50}})};
     EXPECT_FALSE(FindSegment(paths, kScale, {60, 55}));
     EXPECT_TRUE(FindSegment(paths, kScale, {60, 54.9}));
     EXPECT_FALSE(FindSegment(paths, kScale, {116, 50})) << "beyond its end";
 }
 
-TEST(SegmentFinder, theNearestOfSeveralIsFound) {
+TEST(SegmentFinder, findsTheNearestOfSeveral) {
     const std::vector<TrackPath> paths{PathOf({{10, 50}, {110, 50}, {110, 54}, {10, 54}})};
     EXPECT_EQ(FindSegment(paths, kScale, {60, 53})->start, (PointIndex{0, 2}));
     EXPECT_EQ(FindSegment(paths, kScale, {60, 51})->start, (PointIndex{0, 0}));
 }
 
-TEST(SegmentFinder, aSegmentWithoutLengthIsItsPoint) {
+TEST(SegmentFinder, segmentWithoutLengthIsItsPoint) {
     const auto found = FindSegment({PathOf({{10, 50}, {10, 50}})}, kScale, {12, 50});
     ASSERT_TRUE(found);
     EXPECT_EQ(found->position, kScale.toNormalized({10, 50}));

@@ -87,7 +87,7 @@ TEST_F(TrackDocumentTest, startsWithoutATrack) {
     EXPECT_EQ(document.finishedCount(), 0);
 }
 
-TEST_F(TrackDocumentTest, aNewPointGetsTheDefaultParameters) {
+TEST_F(TrackDocumentTest, newPointGetsTheDefaultParameters) {
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     EXPECT_THAT(Paths().at(0).methods, ElementsAre(1, 1));
     EXPECT_THAT(Paths()[0].lengths, ElementsAre(100, 100));
@@ -118,7 +118,7 @@ TEST_F(TrackDocumentTest, deletingTheLastOfThreePointsLeavesTwoAndTheirMarks) {
     EXPECT_EQ(document.finishedCount(), 1);
 }
 
-TEST_F(TrackDocumentTest, deletingAWholePathClosesEveryOther) {
+TEST_F(TrackDocumentTest, deletingAPathClosesEveryOther) {
     document.open(
         Content({Path({{0.1, 0.1}, {0.2, 0.2}}), Path({{0.3, 0.3}, {0.4, 0.4}}), Path({{0.5, 0.5}})}),
         "a.trk", TrackOrigin::External);
@@ -173,7 +173,7 @@ TEST_F(TrackDocumentTest, closingAllPathsIsOneStep) {
     EXPECT_EQ(document.finishedCount(), 1);
 }
 
-TEST_F(TrackDocumentTest, aSegmentExistsBetweenTwoPoints) {
+TEST_F(TrackDocumentTest, segmentExistsBetweenTwoPoints) {
     Draw({{0.1, 0.1}, {0.2, 0.1}, {0.2, 0.2}});
     EXPECT_TRUE(document.segmentExists(0, 0));
     EXPECT_TRUE(document.segmentExists(0, 1));
@@ -198,7 +198,7 @@ TEST_F(TrackDocumentTest, eachParameterGoesToItsOwnListAndSegment) {
     EXPECT_EQ(document.parameter({0, 1}, SegmentParameter::Space), 5);
 }
 
-TEST_F(TrackDocumentTest, aParameterOfNoSegmentIsNotSet) {
+TEST_F(TrackDocumentTest, doesNotSetAParameterOfAMissingSegment) {
     EXPECT_FALSE(document.setParameter({0, 0}, SegmentParameter::Length, 3));
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     EXPECT_FALSE(document.setParameter({0, 1}, SegmentParameter::Length, 3));
@@ -207,7 +207,7 @@ TEST_F(TrackDocumentTest, aParameterOfNoSegmentIsNotSet) {
     EXPECT_THAT(Paths()[0].lengths, ElementsAre(100, 100));
 }
 
-TEST_F(TrackDocumentTest, aBatchReachesTheLastPointsToo) {
+TEST_F(TrackDocumentTest, batchReachesTheLastPointsToo) {
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     Draw({{0.1, 0.5}, {0.2, 0.5}, {0.3, 0.5}});
     document.setParameterEverywhere(SegmentParameter::Width, 7);
@@ -256,7 +256,7 @@ TEST_F(TrackDocumentTest, typingInOneFieldForOneSegmentIsOneStep) {
     EXPECT_TRUE(StateOf(document) == before);
 }
 
-TEST_F(TrackDocumentTest, aBatchSettingIsOneStepHoweverItIsTyped) {
+TEST_F(TrackDocumentTest, batchSettingIsOneStepHoweverItIsTyped) {
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     document.setParameter({0, 0}, SegmentParameter::Length, 5);
     const State before = StateOf(document);
@@ -269,7 +269,7 @@ TEST_F(TrackDocumentTest, aBatchSettingIsOneStepHoweverItIsTyped) {
     EXPECT_THAT(Paths()[0].lengths, ElementsAre(75, 75));
 }
 
-TEST_F(TrackDocumentTest, anotherGestureIsAnotherStep) {
+TEST_F(TrackDocumentTest, newGestureIsANewStep) {
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     document.endGesture();
     document.movePoint({0, 0}, {0.3, 0.3});
@@ -281,7 +281,7 @@ TEST_F(TrackDocumentTest, anotherGestureIsAnotherStep) {
     EXPECT_EQ(Paths()[0].points[0].x(), 0.1);
 }
 
-TEST_F(TrackDocumentTest, aGestureThatEndsWhereItBeganIsNoStep) {
+TEST_F(TrackDocumentTest, gestureThatEndsWhereItBeganIsNoStep) {
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     document.deleteAll();
     document.undo();
@@ -298,7 +298,7 @@ TEST_F(TrackDocumentTest, aGestureThatEndsWhereItBeganIsNoStep) {
     EXPECT_EQ(document.finishedCount(), 0);
 }
 
-TEST_F(TrackDocumentTest, anEditAfterUndoEndsWhatCouldBeRedone) {
+TEST_F(TrackDocumentTest, editAfterUndoClearsRedo) {
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     document.undo();
     ASSERT_TRUE(document.canRedo());
@@ -309,7 +309,7 @@ TEST_F(TrackDocumentTest, anEditAfterUndoEndsWhatCouldBeRedone) {
     EXPECT_TRUE(StateOf(document) == after);
 }
 
-TEST_F(TrackDocumentTest, undoneIsNotModifiedAndRedoneIs) {
+TEST_F(TrackDocumentTest, undoClearsModifiedAndRedoSetsIt) {
     document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}})}), "a.trk", TrackOrigin::External);
     EXPECT_FALSE(document.isModified());
     document.addPoint({0.3, 0.3});
@@ -320,14 +320,14 @@ TEST_F(TrackDocumentTest, undoneIsNotModifiedAndRedoneIs) {
     EXPECT_TRUE(document.isModified());
 }
 
-TEST_F(TrackDocumentTest, closingAPathModifiesNoFile) {
+TEST_F(TrackDocumentTest, closingAPathDoesNotModifyTheTrack) {
     document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}})}), "a.trk", TrackOrigin::External);
     document.closePath();
     EXPECT_TRUE(document.canUndo());
     EXPECT_FALSE(document.isModified());
 }
 
-TEST_F(TrackDocumentTest, savingMakesThePresentStateTheUnmodifiedOne) {
+TEST_F(TrackDocumentTest, savingMakesTheCurrentStateUnmodified) {
     document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}})}), "a.trk", TrackOrigin::External);
     document.setParameter({0, 0}, SegmentParameter::Length, 7);
     document.setSaved();
@@ -341,7 +341,7 @@ TEST_F(TrackDocumentTest, savingMakesThePresentStateTheUnmodifiedOne) {
     EXPECT_TRUE(document.isModified());
 }
 
-TEST_F(TrackDocumentTest, openingAndClosingForgetTheSteps) {
+TEST_F(TrackDocumentTest, openingAndClosingClearTheHistory) {
     document.addPath({0.1, 0.1});
     document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}})}), "a.trk", TrackOrigin::Workspace);
     EXPECT_FALSE(document.canUndo());
@@ -358,7 +358,7 @@ TEST_F(TrackDocumentTest, openingAndClosingForgetTheSteps) {
     EXPECT_FALSE(document.isWorkspaceTrack());
 }
 
-TEST_F(TrackDocumentTest, aDetachedTrackIsShownButNotOpen) {
+TEST_F(TrackDocumentTest, detachedTrackIsShownButNotOpen) {
     document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}})}), "a.trk", TrackOrigin::Workspace);
     document.addPoint({0.5, 0.5});
     document.detach();
@@ -368,7 +368,7 @@ TEST_F(TrackDocumentTest, aDetachedTrackIsShownButNotOpen) {
     EXPECT_TRUE(document.canUndo());
 }
 
-TEST_F(TrackDocumentTest, anExternalTrackJoinsTheWorkspace) {
+TEST_F(TrackDocumentTest, addsAnExternalTrackToTheWorkspace) {
     document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}})}), "/elsewhere/a.trk", TrackOrigin::External);
     EXPECT_TRUE(document.isExternal());
     document.moveToWorkspace("./tracks/a.trk");
@@ -377,7 +377,7 @@ TEST_F(TrackDocumentTest, anExternalTrackJoinsTheWorkspace) {
     EXPECT_EQ(document.file(), "./tracks/a.trk");
 }
 
-TEST_F(TrackDocumentTest, itsWorldIsThatOfItsInformationAndImage) {
+TEST_F(TrackDocumentTest, worldComesFromInformationAndImage) {
     document.open(Content({}), "a.trk", TrackOrigin::External);
     const WorldTransform world = document.worldTransform();
     EXPECT_EQ(world.widthScale, 0.25);
@@ -388,7 +388,7 @@ TEST_F(TrackDocumentTest, itsWorldIsThatOfItsInformationAndImage) {
     EXPECT_EQ(document.shownSize(), QSize(80, 30));
 }
 
-TEST_F(TrackDocumentTest, saysWhatChanged) {
+TEST_F(TrackDocumentTest, reportsWhatChanged) {
     std::vector<std::size_t> kinds;
     QObject::connect(&document, &TrackDocument::pathsChanged,
                      [&](const PathsChange& change) { kinds.push_back(change.index()); });
@@ -407,7 +407,7 @@ TEST_F(TrackDocumentTest, saysWhatChanged) {
     EXPECT_THAT(kinds, ElementsAre(kindOf(PathInserted{}), kindOf(FinishedCountSet{})));
 }
 
-TEST_F(TrackDocumentTest, aMoveSaysWhereThePointWas) {
+TEST_F(TrackDocumentTest, moveReportsThePreviousPosition) {
     Draw({{0.1, 0.2}, {0.3, 0.4}});
     PointMoved seen{};
     QObject::connect(&document, &TrackDocument::pathsChanged, [&](const PathsChange& change) {
@@ -454,7 +454,7 @@ TEST_F(TrackDocumentTest, marksFollowEveryStepBackAndForth) {
     }
 }
 
-TEST_F(TrackDocumentTest, theHistoryHoldsAThousandSteps) {
+TEST_F(TrackDocumentTest, historyHoldsAThousandSteps) {
     for (int step = 0; step < UndoHistory::kMaxSteps + 5; ++step) {
         document.addPath({0.5, 0.5});
     }

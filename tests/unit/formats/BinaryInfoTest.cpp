@@ -68,13 +68,13 @@ TEST_F(BinaryInfo, holdsTheFieldsOfTheHeader) {
     EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
-TEST_F(BinaryInfo, rangeIsOfScaledSamplesWithoutTheEmptyOnes) {
+TEST_F(BinaryInfo, rangeCoversScaledSamplesWithoutTheEmptyOnes) {
     EXPECT_EQ(Read(BinaryFile(SampleTrack())), 0);
     EXPECT_EQ(info.minHeight, -40 * 0.125 + 600);
     EXPECT_EQ(info.maxHeight, 80 * 0.125 + 600);
 }
 
-TEST_F(BinaryInfo, rangeDoesNotDependOnWhatTheCallerStartsWith) {
+TEST_F(BinaryInfo, rangeIgnoresTheCallersInitialValues) {
     info.minHeight = -1e9;
     info.maxHeight = 1e9;
     EXPECT_EQ(Read(BinaryFile(SampleTrack())), 0);
@@ -82,13 +82,13 @@ TEST_F(BinaryInfo, rangeDoesNotDependOnWhatTheCallerStartsWith) {
     EXPECT_EQ(info.maxHeight, 610);
 }
 
-TEST_F(BinaryInfo, rangeOfAMapWithoutMeasurementsStaysAtItsStart) {
+TEST_F(BinaryInfo, rangeWithoutMeasurementsKeepsItsInitialValues) {
     EXPECT_EQ(Read(BinaryFile(RowOf(std::vector<std::int16_t>(100, kNoMeasurement)))), 0);
     EXPECT_EQ(info.minHeight, 1e38);
     EXPECT_EQ(info.maxHeight, -1e38);
 }
 
-TEST_F(BinaryInfo, rangeTakesTheWholeOfSixteenBits) {
+TEST_F(BinaryInfo, rangeCoversAllSixteenBits) {
     EXPECT_EQ(Read(BinaryFile(RowOf({kNoMeasurement, 32767, kNoMeasurement}))), 0);
     EXPECT_EQ(info.minHeight, 32767);
     EXPECT_EQ(info.maxHeight, 32767);
@@ -97,13 +97,13 @@ TEST_F(BinaryInfo, rangeTakesTheWholeOfSixteenBits) {
     EXPECT_EQ(info.maxHeight, 32767);
 }
 
-TEST_F(BinaryInfo, rangeTurnsRoundWithANegativeResolution) {
+TEST_F(BinaryInfo, rangeIsReversedByANegativeResolution) {
     EXPECT_EQ(Read(BinaryFile(RowOf({1, 2, 3}, -2, 10))), 0);
     EXPECT_EQ(info.minHeight, 4);
     EXPECT_EQ(info.maxHeight, 8);
 }
 
-TEST_F(BinaryInfo, rangeSeesTheExtremesWhereverTheyStand) {
+TEST_F(BinaryInfo, rangeFindsTheExtremesAtAnyPosition) {
     constexpr std::size_t kCells = 67;
     for (std::size_t place = 0; place < kCells; ++place) {
         std::vector<std::int16_t> cells(kCells, 5);
@@ -115,7 +115,7 @@ TEST_F(BinaryInfo, rangeSeesTheExtremesWhereverTheyStand) {
     }
 }
 
-TEST_F(BinaryInfo, rangeSpansMapsLargerThanOneReadAtATime) {
+TEST_F(BinaryInfo, rangeCoversMapsLargerThanTheReadBuffer) {
     Track track;
     track.width = 400;
     track.height = 1000;
@@ -130,7 +130,7 @@ TEST_F(BinaryInfo, rangeSpansMapsLargerThanOneReadAtATime) {
     }
 }
 
-TEST_F(BinaryInfo, heightsThatAreNotFiniteDoNotCount) {
+TEST_F(BinaryInfo, rangeIgnoresNonFiniteHeights) {
     for (const double strange : {kInfinity, -kInfinity, kNaN}) {
         EXPECT_EQ(Read(BinaryFile(RowOf({-1, 0, 1}, strange, 0))), 0);
         EXPECT_EQ(info.minHeight, 1e38);
@@ -144,7 +144,7 @@ TEST_F(BinaryInfo, heightsThatAreNotFiniteDoNotCount) {
     EXPECT_EQ(info.maxHeight, 10 * 1e305);
 }
 
-TEST_F(BinaryInfo, heightsBetweenOnesThatAreTooLargeCount) {
+TEST_F(BinaryInfo, rangeIncludesHeightsBetweenTooLargeOnes) {
     EXPECT_EQ(Read(BinaryFile(RowOf({-10, 10, 30000}, 1e305, 0))), 0);
     EXPECT_EQ(info.minHeight, -10 * 1e305);
     EXPECT_EQ(info.maxHeight, 10 * 1e305);
@@ -157,7 +157,7 @@ TEST_F(BinaryInfo, heightsBetweenOnesThatAreTooLargeCount) {
     EXPECT_EQ(info.maxHeight, -19000 * 5e303 + 1e308);
 }
 
-TEST_F(BinaryInfo, keepsTheAnchorAndThePositionsThatItHad) {
+TEST_F(BinaryInfo, keepsTheCallersAnchorAndPositions) {
     info.anchorX = 7;
     info.anchorY = 8;
     info.anchorAngle = 9;
@@ -171,7 +171,7 @@ TEST_F(BinaryInfo, keepsTheAnchorAndThePositionsThatItHad) {
     EXPECT_THAT(info.rowPositions, ElementsAre(3));
 }
 
-TEST_F(BinaryInfo, anotherVersionCountsAsReadWithNothingInIt) {
+TEST_F(BinaryInfo, otherVersionReadsAsEmpty) {
     info.width = 77;
     info.minHeight = 32768;
     for (const char version : {'\0', '\2', '\xFF'}) {
@@ -186,7 +186,7 @@ TEST_F(BinaryInfo, anotherVersionCountsAsReadWithNothingInIt) {
     EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
-TEST_F(BinaryInfo, ofNoFileIsAFailureWithItsOwnLine) {
+TEST_F(BinaryInfo, reportsAMissingFile) {
     EXPECT_EQ(converter.ReadInfo("mis %s sing.trk", info), 1);
     std::filesystem::create_directory("folder.trk");
     EXPECT_EQ(converter.ReadInfo("folder.trk", info), 1);
@@ -199,7 +199,7 @@ TEST_F(BinaryInfo, ofNoFileIsAFailureWithItsOwnLine) {
                             "ERROR: Could not find file (pipe.trk)", "ERROR: Could not find file (a.trk)"));
 }
 
-TEST_F(BinaryInfo, ofAnUnreadableFileIsAFailureWithItsOwnLine) {
+TEST_F(BinaryInfo, reportsAnUnreadableFile) {
     WriteFile("a.trk", BinaryFile(SampleTrack()));
     std::filesystem::permissions("a.trk", std::filesystem::perms::none);
     const OrdinaryUser user(".");
@@ -208,7 +208,7 @@ TEST_F(BinaryInfo, ofAnUnreadableFileIsAFailureWithItsOwnLine) {
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Could not find file (a.trk)"));
 }
 
-TEST_F(BinaryInfo, magicMayHoldItsWordAnywhereInEightBytes) {
+TEST_F(BinaryInfo, magicWordMayBeAnywhereInEightBytes) {
     std::string content = BinaryFile(SampleTrack());
     for (const char* magic : {"Tra\0\0\0\0\0", "xTraxxxx", "\0\0\0\0\0Tra", "Tracking"}) {
         content.replace(0, 8, magic, 8);
@@ -222,7 +222,7 @@ TEST_F(BinaryInfo, magicMayHoldItsWordAnywhereInEightBytes) {
     }
 }
 
-TEST_F(BinaryInfo, ofAHeaderCutAtAnyByteFailsAndKeepsTheFieldsBeforeTheCut) {
+TEST_F(BinaryInfo, truncatedHeaderFailsAndKeepsTheFieldsBefore) {
     const std::string content = BinaryFile(SampleTrack());
     for (std::size_t size = 0; size < kHeaderSize; ++size) {
         SCOPED_TRACE("cut at " + std::to_string(size));
@@ -243,7 +243,7 @@ TEST_F(BinaryInfo, ofAHeaderCutAtAnyByteFailsAndKeepsTheFieldsBeforeTheCut) {
     }
 }
 
-TEST_F(BinaryInfo, ofAMapCutShortFailsAndKeepsTheRangeOfTheWholeRows) {
+TEST_F(BinaryInfo, truncatedMapFailsAndKeepsTheRangeOfTheCompleteRows) {
     const std::string content = BinaryFile(SampleTrack());
     for (std::size_t size = kHeaderSize; size < kHeaderSize + 30; ++size) {
         SCOPED_TRACE("cut at " + std::to_string(size));
@@ -257,7 +257,7 @@ TEST_F(BinaryInfo, ofAMapCutShortFailsAndKeepsTheRangeOfTheWholeRows) {
     }
 }
 
-TEST_F(BinaryInfo, needsNoBlockBehindTheMapButAnAnchorMustBeWhole) {
+TEST_F(BinaryInfo, needsNoBlockAfterTheMapButAnAnchorMustBeComplete) {
     const Track track = SampleTrack();
     const std::string head = BinaryHead(track);
     EXPECT_EQ(Read(head), 0);
@@ -270,7 +270,7 @@ TEST_F(BinaryInfo, needsNoBlockBehindTheMapButAnAnchorMustBeWhole) {
         EXPECT_EQ(Read(head + anchor.substr(0, size)), 1) << size;
 }
 
-TEST_F(BinaryInfo, ofImpossibleDimensionsIsAFailureWithoutALargeAllocation) {
+TEST_F(BinaryInfo, reportsImpossibleDimensionsWithoutALargeAllocation) {
     constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
     Track track = SampleTrack();
     for (const auto& [width, height] :
@@ -295,7 +295,7 @@ TEST_F(BinaryInfo, ofImpossibleDimensionsIsAFailureWithoutALargeAllocation) {
     }
 }
 
-TEST_F(BinaryInfo, ofANegativeDimensionFailsWithARangeThatIsEmpty) {
+TEST_F(BinaryInfo, negativeDimensionFailsWithAnEmptyRange) {
     Track track = SampleTrack();
     for (const auto& [width, height] :
          std::vector<std::pair<std::int32_t, std::int32_t>>{{-1, 3}, {5, -1}, {-5, -3}}) {
@@ -311,7 +311,7 @@ TEST_F(BinaryInfo, ofANegativeDimensionFailsWithARangeThatIsEmpty) {
     }
 }
 
-TEST_F(BinaryInfo, ofAMapWithoutCellsIsReadWithAnEmptyRange) {
+TEST_F(BinaryInfo, mapWithoutCellsHasAnEmptyRange) {
     constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
     Track track;
     for (const auto& [width, height] : std::vector<std::pair<std::int32_t, std::int32_t>>{
@@ -326,7 +326,7 @@ TEST_F(BinaryInfo, ofAMapWithoutCellsIsReadWithAnEmptyRange) {
     }
 }
 
-TEST_F(BinaryInfo, heightMapIsNotOffered) {
+TEST_F(BinaryInfo, heightMapIsNotSupported) {
     WriteFile("a.trk", BinaryFile(SampleTrack()));
     std::vector<std::int16_t> heights = {1, 2, 3};
     std::int64_t size = 42;

@@ -69,7 +69,7 @@ TEST_P(ConverterContract, writesRecordsThatTheIndependentReaderFinds) {
     EXPECT_EQ(found.anchor, expected.anchor);
 }
 
-TEST_P(ConverterContract, leavesInformationAndImageAsTheyWere) {
+TEST_P(ConverterContract, keepsInformationAndImage) {
     WriteFile("a.trk", GetParam().write(SampleTrack()));
     ASSERT_EQ(Update("a.trk", "b.trk", SamplePaths()), 0);
     for (const char* name : {"a.trk", "b.trk"}) {
@@ -100,7 +100,7 @@ TEST_P(ConverterContract, needsARangeAboveZero) {
     EXPECT_THAT(log.Lines(), Contains("ERROR: Invalid depth range for pixel retrieval from CSV"));
 }
 
-TEST_P(ConverterContract, tellsAMissingOriginalFromATargetThatCannotBe) {
+TEST_P(ConverterContract, distinguishesAMissingOriginalFromAnUnwritableTarget) {
     WriteFile("a.trk", GetParam().write(SampleTrack()));
     const auto converter = CreateConverter("a.trk");
     EXPECT_EQ(converter->UpdatePath("missing.trk", "b.trk", {}, 1, 0, 0, 1, 1), 1);
@@ -118,7 +118,7 @@ TEST_P(ConverterContract, updatesAFileInPlace) {
     EXPECT_THAT(NamesHere(), ElementsAre("a.trk"));
 }
 
-TEST_P(ConverterContract, seesTheSameSurfaceInTheRealTrack) {
+TEST_P(ConverterContract, readsTheSameSurfaceFromTheRealTrack) {
     const std::string path = TestData(GetParam().realTrack);
     TrackInfo info;
     info.minHeight = 32768;
@@ -168,7 +168,7 @@ TEST(RealTracks, holdTheSameCellsInBothEncodings) {
     EXPECT_EQ(text.segments.size(), binary.segments.size());
 }
 
-TEST(RealTracks, givePicturesThatDifferByARawStepAtMost) {
+TEST(RealTracks, givePicturesThatDifferByAtMostARawStep) {
     QImage images[2];
     const char* names[2] = {"fault.trk", "fault-binary.trk"};
     for (int i = 0; i < 2; ++i) {
@@ -217,7 +217,7 @@ class SmallDisk {
     bool mounted = false;
 };
 
-TEST_P(ConverterContract, leavesTheOldFileOnAFullDisk) {
+TEST_P(ConverterContract, keepsTheOldFileOnAFullDisk) {
     WriteFile("a.trk", GetParam().write(SampleTrack()));
     std::vector<TrackPath> many(1000, SamplePaths()[0]);
     for (int kibibytes = 4; kibibytes <= 64; kibibytes += 4) {

@@ -49,26 +49,26 @@ class CreateConverterTest : public testing::Test {
     LogCapture log;
 };
 
-TEST_F(CreateConverterTest, takesTextForAnEmptyFile) {
+TEST_F(CreateConverterTest, choosesTextForAnEmptyFile) {
     EXPECT_TRUE(IsText(CreatedFor("")));
     EXPECT_THAT(log.Lines(), ElementsAre("INFO: Creating ConvertCSV."));
 }
 
-TEST_F(CreateConverterTest, takesTextForAFirstLineOfThreeBytes) {
+TEST_F(CreateConverterTest, choosesTextForAFirstLineOfThreeBytes) {
     EXPECT_TRUE(IsText(CreatedFor("Tra\nTrack")));
     EXPECT_TRUE(IsText(CreatedFor("Tra")));
 }
 
-TEST_F(CreateConverterTest, takesBinaryForTheWordInsideALongerOne) {
+TEST_F(CreateConverterTest, choosesBinaryForTheWordInsideALongerOne) {
     EXPECT_TRUE(IsBinary(CreatedFor("xxTracyy\nInfo\n")));
     EXPECT_THAT(log.Lines(), ElementsAre("INFO: Creating ConvertBIN."));
 }
 
-TEST_F(CreateConverterTest, takesBinaryForTheFourBytesAlone) {
+TEST_F(CreateConverterTest, choosesBinaryForTheFourBytesAlone) {
     EXPECT_TRUE(IsBinary(CreatedFor("Trac")));
 }
 
-TEST_F(CreateConverterTest, looksAtTheFirstLineOnly) {
+TEST_F(CreateConverterTest, readsOnlyTheFirstLine) {
     EXPECT_TRUE(IsText(CreatedFor("Info\nTrack")));
     EXPECT_TRUE(IsText(CreatedFor("Tr\nac")));
     for (const std::size_t before : {0U, 4090U, 4091U, 4092U, 4095U, 4096U, 10'000U, 1'000'000U}) {
@@ -78,12 +78,12 @@ TEST_F(CreateConverterTest, looksAtTheFirstLineOnly) {
     }
 }
 
-TEST_F(CreateConverterTest, looksAtNoExtension) {
+TEST_F(CreateConverterTest, ignoresTheExtension) {
     WriteFile("a.txt", std::string("Track  \0\1\0\0\0", 12));
     EXPECT_TRUE(IsBinary(CreateConverter("a.txt")));
 }
 
-TEST_F(CreateConverterTest, looksAtRawBytes) {
+TEST_F(CreateConverterTest, comparesRawBytes) {
     EXPECT_TRUE(IsBinary(CreatedFor(std::string("\0\"\\Trac", 7))));
     EXPECT_TRUE(IsText(CreatedFor("TRAC")));
 }
@@ -94,12 +94,12 @@ TEST_F(CreateConverterTest, findsTheWordAnywhereInALongLine) {
     EXPECT_TRUE(IsText(CreatedFor(TenMegabytes('x'))));
 }
 
-TEST_F(CreateConverterTest, takesTextAndSaysSoForAFileThatIsNotThere) {
+TEST_F(CreateConverterTest, choosesTextAndLogsItForAMissingFile) {
     EXPECT_TRUE(IsText(CreateConverter("no such \"file\" %s ü.trk")));
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Could not find file (no such \"file\" %s ü.trk)"));
 }
 
-TEST_F(CreateConverterTest, takesAFolderForAFileThatIsNotThere) {
+TEST_F(CreateConverterTest, treatsAFolderAsAMissingFile) {
     std::filesystem::create_directory("folder");
     EXPECT_TRUE(IsText(CreateConverter("folder")));
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Could not find file (folder)"));
@@ -121,13 +121,13 @@ TEST_F(CreateConverterTest, findsTheRealTracksEncodings) {
     EXPECT_TRUE(IsBinary(CreateConverter(TestData("fault-binary.trk"))));
 }
 
-TEST_F(CreateConverterTest, neverWritesAWholeTextTrack) {
+TEST_F(CreateConverterTest, neverWritesACompleteTextTrack) {
     WriteFile("a.trk", "before");
     EXPECT_EQ(CreateConverter("none")->WriteTrack("a.trk", {}, {}, 0, {}, 1, 0, 0, 1, 1), -1);
     EXPECT_EQ(FileContent("a.trk"), "before");
 }
 
-TEST(EncodingOf, isNoneForWhatCannotBeOpened) {
+TEST(EncodingOf, isUnknownForAFileThatCannotBeOpened) {
     const TemporaryFolder folder;
     LogCapture log;
     std::filesystem::create_directory("folder");

@@ -44,7 +44,7 @@ TEST_F(CsvUpdate, equalsTheIndependentWriterByteForByte) {
     EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
-TEST_F(CsvUpdate, writesTheLinesOfAPathAsTheyAreDescribed) {
+TEST_F(CsvUpdate, writesTheDocumentedPathLines) {
     TrackPath path;
     path.points = {{0.25, 0.4}, {0.65, 0.4}};
     path.methods = {1, 2};
@@ -63,26 +63,26 @@ TEST_F(CsvUpdate, writesTheLinesOfAPathAsTheyAreDescribed) {
                   "0,0,35,420,0.25,0.4,1,100,50,99\n0,1,75,420,0.65,0.4,2,101,51,98\nEnd\n");
 }
 
-TEST_F(CsvUpdate, keepsAnAnchorAndWritesZerosWhereThereIsNone) {
+TEST_F(CsvUpdate, keepsAnAnchorOrWritesZeros) {
     const Track track = TrackWithPaths();
     EXPECT_EQ(Updated(TextMap(track) + TextAnchor(track) + TextPaths(track), {}),
               TextMap(track) + TextAnchor(track) + kNoPaths);
     EXPECT_EQ(Updated(TextMap(track) + TextPaths(track), {}), TextMap(track) + kZeroAnchor + kNoPaths);
 }
 
-TEST_F(CsvUpdate, losesEverythingFromTheFirstRulerLineOn) {
+TEST_F(CsvUpdate, dropsEverythingFromTheFirstRulerLine) {
     const Track track = TrackWithPaths();
     EXPECT_EQ(Updated(TextPaths(track) + TextMap(track) + TextAnchor(track), {}), kZeroAnchor + kNoPaths);
     EXPECT_EQ(Updated("before\nRuler", {}), "before\n" + kZeroAnchor + kNoPaths);
 }
 
-TEST_F(CsvUpdate, copiesAnOriginalWithoutRulersWhole) {
+TEST_F(CsvUpdate, copiesAnOriginalWithoutRulersCompletely) {
     const std::string old = "Segment\nhead\n0,0,1,1,0.1,0.2,1,2,3,4\nEnd\n";
     EXPECT_EQ(Updated(TextMap(SampleTrack()) + old, SamplePaths()),
               TextMap(SampleTrack()) + old + kZeroAnchor + TextPaths(TrackWithPaths()));
 }
 
-TEST_F(CsvUpdate, knowsItsKeywordsAnywhereInTheFirstFieldAlone) {
+TEST_F(CsvUpdate, findsKeywordsAnywhereInTheFirstFieldOnly) {
     EXPECT_EQ(Updated("MyAnchors,1\n", {}), "MyAnchors,1\n" + kNoPaths);
     EXPECT_EQ(Updated("x,Anchor\n", {}), "x,Anchor\n" + kZeroAnchor + kNoPaths);
     EXPECT_EQ(Updated("anchor\nAncho\n", {}), "anchor\nAncho\n" + kZeroAnchor + kNoPaths);
@@ -91,14 +91,14 @@ TEST_F(CsvUpdate, knowsItsKeywordsAnywhereInTheFirstFieldAlone) {
     EXPECT_EQ(Updated("\"a,Ruler\",1\nb\n", {}), kZeroAnchor + kNoPaths);
 }
 
-TEST_F(CsvUpdate, copiesLinesUnchangedWithALineFeedBehindEach) {
+TEST_F(CsvUpdate, copiesLinesUnchangedWithALineFeedAfterEach) {
     EXPECT_EQ(Updated("\n\n a , \"b,c\" ,d\\\\e\n\nlast without a line feed", {}),
               "\n\n a , \"b,c\" ,d\\\\e\n\nlast without a line feed\n" + kZeroAnchor + kNoPaths);
     EXPECT_EQ(Updated("", {}), kZeroAnchor + kNoPaths);
     EXPECT_EQ(Updated("a\r\nb\r\n", {}), "a\nb\n" + kZeroAnchor + kNoPaths);
 }
 
-TEST_F(CsvUpdate, numbersTheRulersOfAllPathsThroughout) {
+TEST_F(CsvUpdate, numbersTheRulersOfAllPathsConsecutively) {
     const std::vector<TrackPath> paths = {SamplePaths()[0], SamplePaths()[1], SamplePaths()[0]};
     Track track = SampleTrack();
     SetRecords(track, paths, SampleTransform());
@@ -107,12 +107,12 @@ TEST_F(CsvUpdate, numbersTheRulersOfAllPathsThroughout) {
     EXPECT_EQ(Updated(TextFile(SampleTrack()), paths), TextFile(track));
 }
 
-TEST_F(CsvUpdate, ofPathsWithoutMarksHasTheTwoHeadLinesOfItsRulers) {
+TEST_F(CsvUpdate, writesTheTwoRulerHeaderLinesWithoutMarks) {
     const std::string target = Updated(TextMap(SampleTrack()), WithoutMarks(SamplePaths()));
     EXPECT_THAT(target, HasSubstr("Ruler\nRuler,Track,Segment,X1,Y1,X2,Y2,Method,Width\nEnd\n\nSegment\n"));
 }
 
-TEST_F(CsvUpdate, ofAPathOfOnePointWritesOneLine) {
+TEST_F(CsvUpdate, writesOneLineForAPathOfOnePoint) {
     EXPECT_THAT(Updated("", {SamplePaths()[1]}), HasSubstr("Space\n0,0,-48,17.5,0.5,0.625,4,7,-8,9\nEnd\n"));
 }
 
@@ -147,7 +147,7 @@ TEST_F(CsvUpdate, writesNumbersWithSixSignificantDigits) {
     EXPECT_THAT(FileContent("b.trk"), HasSubstr("Space\n" + expected + "End\n"));
 }
 
-TEST_F(CsvUpdate, writesAnyNumberAsAStreamDoes) {
+TEST_F(CsvUpdate, writesAnyNumberLikeAStream) {
     std::mt19937_64 random(20); // NOLINT(cert-msc51-cpp): the same numbers in every run
     TrackPath path;
     std::string expected;
@@ -177,7 +177,7 @@ class CommaNumbers : public std::numpunct<char> {
     [[nodiscard]] std::string do_grouping() const override { return "\3"; }
 };
 
-TEST_F(CsvUpdate, writesThePointWhateverTheLocale) {
+TEST_F(CsvUpdate, writesADecimalPointInAnyLocale) {
     const std::string before = std::setlocale(LC_ALL, nullptr);
     for (const char* name : {"de_DE.UTF-8", "fr_FR.UTF-8"})
         std::setlocale(LC_ALL, name); // where the system has one
@@ -188,13 +188,13 @@ TEST_F(CsvUpdate, writesThePointWhateverTheLocale) {
     EXPECT_EQ(target, TextFile(TrackWithPaths()));
 }
 
-TEST_F(CsvUpdate, mayHaveTheOriginalAsItsTarget) {
+TEST_F(CsvUpdate, canOverwriteTheOriginal) {
     WriteFile("a.trk", TextFile(SampleTrack()));
     EXPECT_EQ(Update("a.trk", "a.trk", SamplePaths()), 0);
     EXPECT_EQ(FileContent("a.trk"), TextFile(TrackWithPaths()));
 }
 
-TEST_F(CsvUpdate, ofTheRealTrackKeepsEverythingBeforeItsRulers) {
+TEST_F(CsvUpdate, keepsEverythingBeforeTheRealTracksRulers) {
     const std::string content = FileContent(TestData("fault.trk"));
     Track track;
     SetRecords(track, SamplePaths(), SampleTransform());
@@ -203,7 +203,7 @@ TEST_F(CsvUpdate, ofTheRealTrackKeepsEverythingBeforeItsRulers) {
     EXPECT_EQ(independent::ReadText(updated).segments, track.segments);
 }
 
-TEST_F(CsvUpdate, ofNoFileFailsWithoutALine) {
+TEST_F(CsvUpdate, missingFileFailsWithoutALogLine) {
     std::filesystem::create_directory("folder.trk");
     EXPECT_EQ(Update("missing.trk", "b.trk", {}), kOriginalNotReadable);
     EXPECT_EQ(Update("folder.trk", "b.trk", {}), kOriginalNotReadable);
@@ -212,7 +212,7 @@ TEST_F(CsvUpdate, ofNoFileFailsWithoutALine) {
     EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
-TEST_F(CsvUpdate, reachesNoTargetInAMissingFolder) {
+TEST_F(CsvUpdate, failsForATargetInAMissingFolder) {
     WriteFile("a.trk", TextFile(SampleTrack()));
     EXPECT_EQ(Update("a.trk", "missing/b.trk", {}), kTargetNotWritable);
     EXPECT_THAT(NamesHere(), ElementsAre("a.trk"));
@@ -221,7 +221,7 @@ TEST_F(CsvUpdate, reachesNoTargetInAMissingFolder) {
     EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
-TEST_F(CsvUpdate, ofALineWithABadEscapeFailsAndLeavesTheTarget) {
+TEST_F(CsvUpdate, badEscapeFailsAndKeepsTheTarget) {
     WriteFile("b.trk", "old");
     for (const char* line : {"a\\x,b\n", "a,b\\q\n", "ends with \\"}) {
         WriteFile("a.trk", "Info\n" + std::string(line));
@@ -237,7 +237,7 @@ TEST_F(CsvUpdate, copiesALineOfTenMegabytes) {
     EXPECT_TRUE(Updated(line, {}) == line + kZeroAnchor + kNoPaths);
 }
 
-TEST_F(CsvUpdate, onAFullDiskLeavesTheOldFile) {
+TEST_F(CsvUpdate, keepsTheOldFileOnAFullDisk) {
     const std::string original = TextFile(SampleTrack());
     WriteFile("a.trk", original);
     for (const std::size_t limit : {std::size_t{0}, std::size_t{100}, original.size()}) {
@@ -248,7 +248,7 @@ TEST_F(CsvUpdate, onAFullDiskLeavesTheOldFile) {
     }
 }
 
-TEST_F(CsvUpdate, ofPathsWhoseListsAreNotParallelLeavesTheOldFile) {
+TEST_F(CsvUpdate, keepsTheOldFileForListsOfUnequalLengths) {
     WriteFile("a.trk", "old");
     for (std::vector<int> TrackPath::*list :
          {&TrackPath::methods, &TrackPath::lengths, &TrackPath::widths, &TrackPath::spaces}) {
@@ -259,7 +259,7 @@ TEST_F(CsvUpdate, ofPathsWhoseListsAreNotParallelLeavesTheOldFile) {
     EXPECT_EQ(FileContent("a.trk"), "old");
 }
 
-TEST_F(CsvUpdate, neverWritesAWholeTrack) {
+TEST_F(CsvUpdate, neverWritesACompleteTrack) {
     EXPECT_EQ(
         converter.WriteTrack("a.trk", InfoOf(SampleTrack()), SampleTrack().cells, 25, {}, 1, 0, 0, 1, 1), -1);
     EXPECT_THAT(NamesHere(), IsEmpty());
@@ -267,7 +267,7 @@ TEST_F(CsvUpdate, neverWritesAWholeTrack) {
 
 using CsvPathsAlone = UpdateTest<ConvertCSV>;
 
-TEST_F(CsvPathsAlone, areTheSegmentSection) {
+TEST_F(CsvPathsAlone, equalTheSegmentSection) {
     TrackPath path;
     path.points = {{0.5, 0.1}, {1.0 / 3.0, 12345678.75}};
     path.methods = {1, 2};
@@ -285,7 +285,7 @@ TEST_F(CsvPathsAlone, areTheSegmentSection) {
               "End\n");
 }
 
-TEST_F(CsvPathsAlone, readBackBitForBit) {
+TEST_F(CsvPathsAlone, readBackExactly) {
     std::mt19937_64 random(3);
     std::uniform_real_distribution<double> place(-1, 2);
     std::vector<TrackPath> paths(5);
@@ -303,7 +303,7 @@ TEST_F(CsvPathsAlone, readBackBitForBit) {
     ExpectSamePaths(read, paths);
 }
 
-TEST_F(CsvPathsAlone, leaveTheTargetWhenItCannotBeWritten) {
+TEST_F(CsvPathsAlone, keepTheTargetWhenItCannotBeWritten) {
     EXPECT_EQ(WriteCsvPathsAlone("missing/a.csv", {}), kTargetNotWritable);
     WriteFile("a.csv", "old");
     const FileSizeLimit full(10);

@@ -128,7 +128,7 @@ class FaultTrack : public testing::Test {
     PlainTrack plain = ReadPlainly(path);
 };
 
-TEST_F(FaultTrack, hasTheInformationThatAPlainReaderFinds) {
+TEST_F(FaultTrack, hasTheInformationOfAnIndependentReader) {
     const TrackInfo info = ReadInfo();
     EXPECT_EQ(info.width, 403);
     EXPECT_EQ(info.height, 344);
@@ -142,7 +142,7 @@ TEST_F(FaultTrack, hasTheInformationThatAPlainReaderFinds) {
     EXPECT_EQ(info.anchorAngle, Number(plain.anchor[2]));
 }
 
-TEST_F(FaultTrack, isPaintedPixelByPixelAsTheFormulaSays) {
+TEST_F(FaultTrack, isPaintedAsTheFormulaSaysInEveryPixel) {
     const TrackInfo info = ReadInfo();
     QImage image;
     ASSERT_EQ(ConvertCSV().ReadImage(path, info, info.minHeight, info.maxHeight, image), 0);
@@ -162,7 +162,7 @@ TEST_F(FaultTrack, isPaintedPixelByPixelAsTheFormulaSays) {
     EXPECT_GT(empty, 0);
 }
 
-TEST_F(FaultTrack, hasTheRawHeightsThatThePlainReaderFinds) {
+TEST_F(FaultTrack, hasTheRawHeightsOfAnIndependentReader) {
     const TrackInfo info = ReadInfo();
     HeightMap heights;
     std::int64_t size = 0;
@@ -178,7 +178,7 @@ TEST_F(FaultTrack, hasTheRawHeightsThatThePlainReaderFinds) {
     EXPECT_EQ(different, 0);
 }
 
-TEST_F(FaultTrack, hasThePathsThatThePlainReaderFinds) {
+TEST_F(FaultTrack, hasThePathsOfAnIndependentReader) {
     std::vector<TrackPath> paths;
     ASSERT_EQ(ConvertCSV().ReadPath(path, paths), 0);
     ASSERT_FALSE(plain.points.empty());

@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST(SampleRamp, writesThreeBytesForEachSampleAndNoneBeyond) {
+TEST(SampleRamp, writesExactlyThreeBytesForEachSample) {
     const SampleRamp ramp(HeightRamp(0, 1792), {1, 0});
     for (std::size_t count = 0; count <= 13; ++count) {
         std::vector<std::int16_t> samples;

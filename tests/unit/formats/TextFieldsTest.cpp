@@ -316,7 +316,7 @@ class LineMaker {
     std::mt19937 random{20'240'607};
 };
 
-TEST(TextFields, readEveryOddFormLikeTheTokenizerAndTheLibrary) {
+TEST(TextFields, readOddFormsLikeTheTokenizerAndTheLibrary) {
     for (const std::string& field : OddFields()) {
         for (const std::string& line :
              {field, Joined({field, ",1"}), Joined({"1,", field}), Joined({"1,", field, ",2.5,,3.25,4.125,"}),
@@ -356,7 +356,7 @@ TEST(TextFields, readRandomLinesLikeTheTokenizerAndTheLibraryUnderACommaLocale) 
     }
 }
 
-TEST(TextFields, haveAPointUnderACommaLocale) {
+TEST(TextFields, useADecimalPointUnderACommaLocale) {
     const CommaLocale locale;
     ASSERT_EQ(std::strtod("1,5", nullptr), 1.5) << "the locale does not act";
     EXPECT_EQ(ToDouble("1.5"), 1.5);
@@ -371,7 +371,7 @@ TEST(TextFields, skipLeadingBlanksAndIgnoreTrailingText) {
     EXPECT_EQ(ToInt32("  \t25mm"), 25);
 }
 
-TEST(TextFields, readWhatIsNoNumberAsZero) {
+TEST(TextFields, readNonNumbersAsZero) {
     EXPECT_EQ(ToDouble("height"), 0.0);
     EXPECT_EQ(ToInt32("height"), 0);
     EXPECT_EQ(ToDouble(""), 0.0);
@@ -379,13 +379,13 @@ TEST(TextFields, readWhatIsNoNumberAsZero) {
     EXPECT_EQ(ToInt32("2.9"), 2);
 }
 
-TEST(TextFields, cutIntegersBeyondLongToTheirLowBits) {
+TEST(TextFields, truncateIntegersBeyondLongToTheirLowBits) {
     EXPECT_EQ(ToInt32("4294967299"), 3);
     EXPECT_EQ(ToInt32("99999999999999999999"), -1);
     EXPECT_EQ(ToInt32("-99999999999999999999"), 0);
 }
 
-TEST(TextFields, areNoneInAnEmptyLineOnly) {
+TEST(TextFields, areAbsentOnlyInAnEmptyLine) {
     CsvLine line;
     line.Split("");
     EXPECT_FALSE(line.HasFields());
@@ -406,7 +406,7 @@ TEST(TextFields, areCountedInLinesOfEveryLength) {
     }
 }
 
-TEST(TextFields, keepTheLengthOfTheFirst) {
+TEST(TextFields, keepTheFirstFieldsLength) {
     CsvLine line;
     line.Split("\"a,b\",c");
     EXPECT_EQ(line.First().size(), 3U);

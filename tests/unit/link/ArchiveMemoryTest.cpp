@@ -70,16 +70,16 @@ void ExpectBackupInBounds(const std::string& lengthField) {
     EXPECT_EQ(std::filesystem::file_size("Ostra.osbak"), kArchiveSize);
 }
 
-TEST(ArchiveMemory, aBackupTakesAtMostOneAndAHalfTimesItsSize) {
+TEST(ArchiveMemory, backupTakesAtMostOneAndAHalfTimesItsSize) {
     const std::uint64_t body = CborDataHead(0).size() + kArchiveSize;
     ExpectBackupInBounds("Content-Length: " + std::to_string(body) + "\r\n");
 }
 
-TEST(ArchiveMemory, aBackupWithoutADeclaredLengthTakesNoMore) {
+TEST(ArchiveMemory, backupWithoutADeclaredLengthTakesNoMore) {
     ExpectBackupInBounds("Connection: close\r\n");
 }
 
-TEST(ArchiveMemory, aRestoreTakesAtMostOneAndAHalfTimesItsSize) {
+TEST(ArchiveMemory, restoreTakesAtMostOneAndAHalfTimesItsSize) {
     if (!kMemoryTells)
         GTEST_SKIP() << "the sanitizer's own memory hides the program's";
     const TemporaryFolder folder;
@@ -95,7 +95,7 @@ TEST(ArchiveMemory, aRestoreTakesAtMostOneAndAHalfTimesItsSize) {
     EXPECT_GT(server.Requests().at(1).bodySize, kArchiveSize);
 }
 
-TEST(ArchiveMemory, aDeclaredLengthThatDoesNotComeTakesNone) {
+TEST(ArchiveMemory, declaredLengthWithoutItsBytesTakesNone) {
     if (!kMemoryTells)
         GTEST_SKIP() << "the sanitizer's own memory hides the program's";
     const TemporaryFolder folder;
@@ -128,7 +128,7 @@ std::string ChunksWithExtensions() {
     return chunks;
 }
 
-TEST(ArchiveMemory, noByteBesideABodyTakesMemoryWithoutABound) {
+TEST(ArchiveMemory, limitsTheMemoryOfBytesOutsideTheBody) {
     if (!kMemoryTells)
         GTEST_SKIP() << "the sanitizer's own memory hides the program's";
     constexpr std::uint64_t kMostGrowth = 4'000'000;

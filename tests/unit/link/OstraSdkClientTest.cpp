@@ -87,14 +87,14 @@ TEST(OstraSdkClient, refusesToConnectToWhatIsNoAddress) {
     EXPECT_FALSE(client.IsConnected());
 }
 
-TEST(OstraSdkClient, tellsTheAddressThatItCouldNotConnectTo) {
+TEST(OstraSdkClient, reportsTheAddressThatItCouldNotConnectTo) {
     OstraSdkClient client;
     ExpectThrown([&] { client.Connect("127.0.0.1", ClosedPort()); }, -990, "OstraSdkClient::Connect",
                  "Failed to connect the OstraServer (127.0.0.1).");
     EXPECT_FALSE(client.IsConnected());
 }
 
-TEST(OstraSdkClient, failsToConnectToAPortThatCannotBe) {
+TEST(OstraSdkClient, failsToConnectToAnImpossiblePort) {
     OstraSdkClient client;
     for (const unsigned int port : {0U, 65536U, 99999U, 4294967295U})
         ExpectThrown([&] { client.Connect("127.0.0.1", port); }, -2, "OstraSdkClient::Connect",
@@ -128,7 +128,7 @@ TEST(OstraSdkClient, isNotConnectedAfterAFailedConnectToAnotherServer) {
     EXPECT_FALSE(client.IsConnected());
 }
 
-TEST(OstraSdkClient, disconnectsTheOldServerBeforeItLooksAtTheNewAddress) {
+TEST(OstraSdkClient, disconnectsTheOldServerBeforeCheckingTheNewAddress) {
     const ScriptedServer server(WillingReplies());
     OstraSdkClient client;
     client.Connect("127.0.0.1", server.Port());
@@ -176,7 +176,7 @@ TEST(OstraSdkClient, staysConnectedToAServerThatHasDiedUntilItDisconnects) {
     EXPECT_FALSE(client.IsConnected());
 }
 
-TEST(OstraSdkClient, failsEveryRequestAtOnceWhenNotConnected) {
+TEST(OstraSdkClient, failsEveryRequestImmediatelyWhenNotConnected) {
     const TemporaryFolder folder;
     OstraSdkClient client;
     constexpr const char* kMessage = "The client hasn't connected to any Ostra Server.";
@@ -238,7 +238,7 @@ TEST(OstraSdkClient, writesAnEmptyFileForAnEmptyArchive) {
     EXPECT_EQ(FileContent("Ostra.osbak"), "");
 }
 
-TEST(OstraSdkClient, tellsTheBackupFileThatItCannotWrite) {
+TEST(OstraSdkClient, reportsTheBackupFileThatItCannotWrite) {
     const TemporaryFolder folder;
     const ScriptedServer server(WillingReplies());
     OstraSdkClient client;
@@ -325,7 +325,7 @@ TEST(OstraSdkClient, failsTheBackupOfAReplyThatIsNoArchive) {
     }
 }
 
-TEST(OstraSdkClient, failsTheBackupOfADeclaredLengthThatDoesNotCome) {
+TEST(OstraSdkClient, failsTheBackupShorterThanItsDeclaredLength) {
     const TemporaryFolder folder;
     for (const std::string length : {"3000000000", "10000000000", "18446744073709551615",
                                      "18446744073709551616", "-1", "1e3", "12\r\nContent-Length: 13"}) {
@@ -340,7 +340,7 @@ TEST(OstraSdkClient, failsTheBackupOfADeclaredLengthThatDoesNotCome) {
     }
 }
 
-TEST(OstraSdkClient, failsTheBackupThatIsCutAtEveryTenth) {
+TEST(OstraSdkClient, failsTheBackupTruncatedAtAnyTenth) {
     const TemporaryFolder folder;
     const ScriptedReply whole = DataReply(std::string(1'000'000, 'a'));
     for (std::uint64_t tenth = 0; tenth < 10; ++tenth) {
@@ -357,7 +357,7 @@ TEST(OstraSdkClient, failsTheBackupThatIsCutAtEveryTenth) {
 
 // Restore
 
-TEST(OstraSdkClient, sendsTheWholeFileToBeRestored) {
+TEST(OstraSdkClient, sendsTheCompleteFileToRestore) {
     const TemporaryFolder folder;
     const ScriptedServer server(WillingReplies());
     OstraSdkClient client;
@@ -415,7 +415,7 @@ TEST(OstraSdkClient, failsTheRestoreThatAServerRefuses) {
     }
 }
 
-TEST(OstraSdkClient, endsTheRestoreAtOnceWhenTheServerRefusesBeforeReadingTheFile) {
+TEST(OstraSdkClient, endsTheRestoreWhenTheServerRefusesBeforeReadingTheFile) {
     const TemporaryFolder folder;
     WriteFile("a.osbak", std::string(30'000'000, 'a'));
     ScriptedReply refusal = HttpReply(413, "application/json", R"({"error":"too large"})");
@@ -504,7 +504,7 @@ TEST(OstraSdkClient, givesUpOnTheReplayModeOfASilentServerAfterThreeSeconds) {
 
 // Reading a file
 
-TEST(ReadFileBuffer, readsAWholeFileInPlaceOfWhatTheBufferHeld) {
+TEST(ReadFileBuffer, replacesTheBufferByTheCompleteFile) {
     const TemporaryFolder folder;
     WriteFile("a", std::string("a\0b\r\n\x1A\xFF", 7));
     std::vector<std::uint8_t> buffer(100, 1);
@@ -512,14 +512,14 @@ TEST(ReadFileBuffer, readsAWholeFileInPlaceOfWhatTheBufferHeld) {
     EXPECT_THAT(buffer, ElementsAre('a', 0, 'b', '\r', '\n', 0x1A, 0xFF));
 }
 
-TEST(ReadFileBuffer, tellsAnEmptyFile) {
+TEST(ReadFileBuffer, reportsAnEmptyFile) {
     const TemporaryFolder folder;
     WriteFile("a", "");
     std::vector<std::uint8_t> buffer;
     ExpectThrown([&] { OstraSdkClient::ReadFileBuffer("a", buffer); }, -997, "ReadFileBuffer", "a is empty.");
 }
 
-TEST(ReadFileBuffer, tellsAFileThatItCannotOpen) {
+TEST(ReadFileBuffer, reportsAFileThatItCannotOpen) {
     const TemporaryFolder folder;
     std::filesystem::create_directory("folder");
     std::vector<std::uint8_t> buffer;
@@ -528,7 +528,7 @@ TEST(ReadFileBuffer, tellsAFileThatItCannotOpen) {
                      "Failed to open " + name + ".");
 }
 
-TEST(ReadFileBuffer, failsForAFileThatNoRequestCanCarry) {
+TEST(ReadFileBuffer, failsForAFileTooLargeForARequest) {
     const TemporaryFolder folder;
     WriteFile("huge", "a");
     std::error_code error;
@@ -544,7 +544,7 @@ TEST(ReadFileBuffer, failsForAFileThatNoRequestCanCarry) {
                             "carries no more than 4 GiB"));
 }
 
-TEST(OstraSdkClient, tellsTheLogWhyItFailed) {
+TEST(OstraSdkClient, logsWhyItFailed) {
     const TemporaryFolder folder;
     const ScriptedServer server(
         WillingExcept("/system/commands/archive",
@@ -574,7 +574,7 @@ TEST(OstraSdkClient, tellsTheLogWhyItFailed) {
 
 // Discovery
 
-TEST(OstraSdkClient, listsTheServersThatAnswerInTheirOrder) {
+TEST(OstraSdkClient, listsServersInTheOrderOfTheirAnswers) {
     const DiscoveryResponder responder(
         {DiscoveryAnswer(2, "10.0.0.9", 3600), DiscoveryAnswer(1, "192.168.100.200", 65535)},
         std::chrono::milliseconds(20));
@@ -588,7 +588,7 @@ TEST(OstraSdkClient, listsTheServersThatAnswerInTheirOrder) {
     EXPECT_EQ(list[1].controlPort, 65535U);
 }
 
-TEST(OstraSdkClient, findsNothingWithoutAnError) {
+TEST(OstraSdkClient, findsNoServerWithoutAnError) {
     setenv("OSTRA_DISCOVERY", "127.0.0.1:9", 1);
     std::vector<OstraServerInfo> list(3);
     OstraSdkClient::DiscoverOstraServers(list);

@@ -54,14 +54,14 @@ std::string NamesIn(const std::string& archive) {
     return RunTool("tar --quoting-style=literal -tf '" + archive + "'");
 }
 
-TEST(TarCompress, listsADirectorysEntryThenItsFilesThenItsDirectoriesDepthFirst) {
+TEST(TarCompress, packsADirectoryThenItsFilesThenItsDirectories) {
     const TemporaryFolder folder;
     MakeTree();
     EXPECT_EQ(Packing("./tree", "out.tar"), "packed");
     EXPECT_EQ(NamesIn("out.tar"), "top.trk\nzero\na/\na/größe.trk\na/b/\na/b/c.trk\nempty/\n");
 }
 
-TEST(TarCompress, ofAnEmptyDirectoryHasNoEntries) {
+TEST(TarCompress, writesNoEntriesForAnEmptyDirectory) {
     const TemporaryFolder folder;
     fs::create_directory("tree");
     EXPECT_EQ(Packing("tree", "out.tar"), "packed");
@@ -89,7 +89,7 @@ TEST(TarCompress, leavesOutLinksAndSpecialFiles) {
     EXPECT_EQ(NamesIn("out.tar"), "top.trk\nzero\na/\na/größe.trk\na/b/\na/b/c.trk\nempty/\n");
 }
 
-TEST(TarCompress, isReadByGnuTarAndBsdtarByNameAndContent) {
+TEST(TarCompress, isReadByGnuTarAndBsdtar) {
     const TemporaryFolder folder;
     MakeTree();
     const std::string longPart(120, 'l');
@@ -114,7 +114,7 @@ TEST(TarCompress, refusesWhatIsNotADirectory) {
     EXPECT_EQ(FileContent("out.tar"), "old");
 }
 
-TEST(TarCompress, saysWhenTheArchiveCannotBeOpened) {
+TEST(TarCompress, reportsAnArchiveThatCannotBeOpened) {
     const TemporaryFolder folder;
     MakeTree();
     EXPECT_EQ(Packing("tree", "missing/out.tar"),
@@ -148,7 +148,7 @@ TEST(TarCompress, namesTheStepAtWhichMemoryRanOut) {
                               Failure(bERROR_MEMORY, "Failed to list directories in tree")}));
 }
 
-TEST(TarCompress, refusesADirectoryWhoseNameNoReaderHasRoomFor) {
+TEST(TarCompress, refusesATooLongDirectoryName) {
     const TemporaryFolder folder;
     const std::string part(255, 'd');
     fs::create_directories("tree/" + part + "/" + part);
@@ -159,7 +159,7 @@ TEST(TarCompress, refusesADirectoryWhoseNameNoReaderHasRoomFor) {
     EXPECT_EQ(Packing("tree", "out.tar"), Failure(bERROR_TOO_LONG, "Failed to create the replay directory."));
 }
 
-TEST(TarCompress, refusesATreeDeeperThanItWouldBeUnpacked) {
+TEST(TarCompress, refusesATreeTooDeepToUnpack) {
     const TemporaryFolder folder;
     std::string path = "tree";
     for (int i = 0; i < 65; ++i)
@@ -169,7 +169,7 @@ TEST(TarCompress, refusesATreeDeeperThanItWouldBeUnpacked) {
               Failure(bERROR_PARAMETER, "Failed to create the replay directory."));
 }
 
-TEST(TarCompress, refusesAFileWhoseNameWouldNotBeUnpacked) {
+TEST(TarCompress, refusesAFileNameThatWouldNotBeUnpacked) {
     const TemporaryFolder folder;
     fs::create_directory("tree");
     WriteFile("tree/..\\out", "x");
@@ -177,7 +177,7 @@ TEST(TarCompress, refusesAFileWhoseNameWouldNotBeUnpacked) {
     EXPECT_FALSE(fs::exists("out.tar"));
 }
 
-TEST(TarCompress, saysWhichDirectoryCannotBeListed) {
+TEST(TarCompress, namesTheDirectoryThatCannotBeListed) {
     const TemporaryFolder folder;
     const OrdinaryUser user(".");
     ASSERT_TRUE(user.IsReady());
@@ -219,7 +219,7 @@ TEST(TarCompress, keepsTheOldArchiveWhenTheDiskIsFull) {
     EXPECT_EQ(fs::file_size("out.tar"), kWhole);
 }
 
-TEST(TarCompress, takesALittleMemoryForALargeFile) {
+TEST(TarCompress, takesLittleMemoryForALargeFile) {
     const TemporaryFolder folder;
     fs::create_directory("tree");
     WriteFile("tree/large", "");
@@ -232,7 +232,7 @@ TEST(TarCompress, takesALittleMemoryForALargeFile) {
     EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 16 * 1024) << "kilobytes";
 }
 
-TEST(TarCompress, tellsTheLogWhyItFailed) {
+TEST(TarCompress, logsWhyItFailed) {
     const TemporaryFolder folder;
     fs::create_directory("tree");
     WriteFile("tree/large", std::string(300'000, 'l'));

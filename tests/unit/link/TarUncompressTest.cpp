@@ -89,7 +89,7 @@ std::string StrictStatus(const std::string& archive) {
     }
 }
 
-TEST(TarUncompress, bringsBackATree) {
+TEST(TarUncompress, restoresATree) {
     const TemporaryFolder folder;
     EXPECT_EQ(UnpackingOf(TarFile("top", "t") + TarFolder("a") +
                           TarFile("a/file", std::string(100'000, 'f')) + TarFolder("a/empty") +
@@ -102,7 +102,7 @@ TEST(TarUncompress, bringsBackATree) {
                                        {"zero", ""}}));
 }
 
-TEST(TarUncompress, takesEveryKindButAFileForADirectory) {
+TEST(TarUncompress, treatsEveryKindButAFileAsADirectory) {
     const TemporaryFolder folder;
     for (const int kind : {2, -1}) {
         kindOfDirectories = kind;
@@ -112,7 +112,7 @@ TEST(TarUncompress, takesEveryKindButAFileForADirectory) {
     kindOfDirectories = bTar_DIRECTORY;
 }
 
-TEST(TarUncompress, removesWhatStoodInTheTargetDirectory) {
+TEST(TarUncompress, removesTheTargetsOldContent) {
     const TemporaryFolder folder;
     fs::create_directories("out/old");
     WriteFile("out/old/file", "x");
@@ -120,13 +120,13 @@ TEST(TarUncompress, removesWhatStoodInTheTargetDirectory) {
     EXPECT_EQ(FolderTree("out"), (Tree{{"new", "n"}}));
 }
 
-TEST(TarUncompress, takesATargetThatEndsInASlash) {
+TEST(TarUncompress, acceptsATargetThatEndsInASlash) {
     const TemporaryFolder folder;
     WriteFile("in.tar", TarFile("../evil", "x") + TarEnd());
     EXPECT_EQ(Unpacking("in.tar", "out/"), Failure(bERROR_FILE, "Failed to open file - out/../evil"));
 }
 
-TEST(TarUncompress, createsOneMissingLevelForAFileAndNoMore) {
+TEST(TarUncompress, createsAtMostOneMissingLevelForAFile) {
     const TemporaryFolder folder;
     EXPECT_EQ(UnpackingOf(TarFile("a/file", "x") + TarEnd()), "unpacked");
     EXPECT_EQ(FileContent("out/a/file"), "x");
@@ -136,7 +136,7 @@ TEST(TarUncompress, createsOneMissingLevelForAFileAndNoMore) {
               Failure(bERROR_FILE, "Failed to create the directory - out/a/b"));
 }
 
-TEST(TarUncompress, letsTheLastOfTwoEntriesOfOneNameStand) {
+TEST(TarUncompress, keepsTheLastOfTwoEntriesOfOneName) {
     const TemporaryFolder folder;
     EXPECT_EQ(UnpackingOf(TarFolder("a") + TarFile("a/f", "longer") + TarFolder("a") + TarFile("a/f", "x") +
                           TarEnd()),
@@ -163,7 +163,7 @@ TEST(TarUncompress, readsTheArchivesOfGnuTarAndBsdtar) {
     }
 }
 
-TEST(TarUncompress, bringsBackWhatTarCompressPacked) {
+TEST(TarUncompress, restoresTheArchivesOfTarCompress) {
     const TemporaryFolder folder;
     fs::create_directories("tree/a/b/c");
     WriteFile("tree/a/u\xcc\x88.trk", "decomposed");
@@ -179,7 +179,7 @@ TEST(TarUncompress, bringsBackWhatTarCompressPacked) {
     EXPECT_EQ(StrictStatus(FileContent("in.tar")), "unpacked");
 }
 
-TEST(TarUncompress, takesARealBackupOnBothLevelsAndItPacksAgain) {
+TEST(TarUncompress, unpacksARealBackupOnBothLevelsAndItPacksAgain) {
     const TemporaryFolder folder;
     const std::string workspace = "backup/workspaces/Workspace.osws";
     ASSERT_EQ(Unpacking(TestData("station.osbak"), "backup"), "unpacked");
@@ -198,7 +198,7 @@ TEST(TarUncompress, takesARealBackupOnBothLevelsAndItPacksAgain) {
     EXPECT_EQ(FolderTree("osws"), tree);
 }
 
-TEST(TarUncompress, passesOverLinksAndSpecialFiles) {
+TEST(TarUncompress, skipsLinksAndSpecialFiles) {
     const TemporaryFolder folder;
     std::string archive = TarLink("symbolic", '2', "/etc") + TarLink("hard", '1', "/etc/passwd");
     for (const char type : {'3', '4', '6'})
@@ -216,7 +216,7 @@ TEST(TarUncompress, writesNothingThroughALinkOfTheArchive) {
     EXPECT_EQ(FileContent("out/door/evil"), "x");
 }
 
-TEST(TarUncompress, refusesNamesThatWouldLandOutside) {
+TEST(TarUncompress, refusesNamesOutsideTheTarget) {
     const TemporaryFolder folder;
     fs::create_directory("inside");
     fs::current_path("inside");
@@ -253,7 +253,7 @@ TEST(TarUncompress, refusesNamesThatNoFileCanHave) {
               Failure(bERROR_FILE, "Failed to open file - out/" + name));
 }
 
-TEST(TarUncompress, refusesADepthThatNoTreeHas) {
+TEST(TarUncompress, refusesATooDeepTree) {
     const TemporaryFolder folder;
     std::string archive;
     std::string name;
@@ -271,7 +271,7 @@ TEST(TarUncompress, showsNoControlCharactersInItsMessages) {
               Failure(bERROR_FILE, "Failed to open file - out/../a?b?"));
 }
 
-TEST(TarUncompress, failsOnANameTooLongInsteadOfDroppingWhatFollows) {
+TEST(TarUncompress, failsOnATooLongName) {
     const TemporaryFolder folder;
     EXPECT_EQ(UnpackingOf(TarFile("first", "1") + TarPax(PaxRecord("path", std::string(600, 'n'))) +
                           TarFile("short", "x") + TarFile("last", "2") + TarEnd()),
@@ -279,7 +279,7 @@ TEST(TarUncompress, failsOnANameTooLongInsteadOfDroppingWhatFollows) {
     EXPECT_EQ(FolderTree("out"), (Tree{{"first", "1"}}));
 }
 
-TEST(TarUncompress, failsBeforeItWritesWhenTheArchiveCannotHoldAnEntry) {
+TEST(TarUncompress, failsBeforeWritingAnEntryLargerThanTheArchive) {
     const TemporaryFolder folder;
     TarBlockEntry entry;
     entry.name = "huge";
@@ -297,7 +297,7 @@ TEST(TarUncompress, failsBeforeItWritesWhenTheArchiveCannotHoldAnEntry) {
               Failure(bERROR_FORMAT, "Failed to read item - hole"));
 }
 
-TEST(TarUncompress, bringsBackASmallSparseFile) {
+TEST(TarUncompress, restoresASmallSparseFile) {
     const TemporaryFolder folder;
     EXPECT_EQ(UnpackingOf(TarPax(PaxRecord("GNU.sparse.name", "hole") + PaxRecord("GNU.sparse.size", "1200") +
                                  PaxRecord("GNU.sparse.map", "500,3,900,2")) +
@@ -307,7 +307,7 @@ TEST(TarUncompress, bringsBackASmallSparseFile) {
               std::string(500, '\0') + "abc" + std::string(397, '\0') + "de" + std::string(298, '\0'));
 }
 
-TEST(TarUncompress, ofADamagedArchiveGivesWhatStandsBeforeAndALineInTheLog) {
+TEST(TarUncompress, unpacksADamagedArchiveUpToTheDamageAndLogsIt) {
     const TemporaryFolder folder;
     LogCapture log;
     TarBlockEntry spoilt;
@@ -325,7 +325,7 @@ TEST(TarUncompress, ofADamagedArchiveGivesWhatStandsBeforeAndALineInTheLog) {
     EXPECT_THAT(FolderTree("out"), IsEmpty());
 }
 
-TEST(TarUncompress, failsWhereTheArchiveIsNotAtItsEndButCannotBeReadOn) {
+TEST(TarUncompress, failsWhereTheArchiveCannotBeReadToItsEnd) {
     const TemporaryFolder folder;
     LogCapture log;
     for (const auto& [end, failure] :
@@ -346,7 +346,7 @@ TEST(TarUncompress, failsWhereTheArchiveIsNotAtItsEndButCannotBeReadOn) {
     EXPECT_THAT(errors, ElementsAre("ERROR: (ERROR_FORMAT) The archive is damaged - in.tar"));
 }
 
-TEST(TarUncompress, tellsTheLogWhyItFailed) {
+TEST(TarUncompress, logsWhyItFailed) {
     const TemporaryFolder folder;
     LogCapture log;
     WriteFile("in.tar", TarFile("large", std::string(300'000, 'l')) + TarEnd());
@@ -372,7 +372,7 @@ TEST(TarUncompress, tellsTheLogWhyItFailed) {
         ElementsAre("INFO: Failed to create the directory - missing/out - No such file or directory"));
 }
 
-TEST(TarUncompress, strictlyTakesNothingThatIsCutOrDamaged) {
+TEST(TarUncompress, strictlyRefusesTruncatedOrDamagedArchives) {
     const TemporaryFolder folder;
     TarBlockEntry spoilt;
     spoilt.name = "b";
@@ -386,7 +386,7 @@ TEST(TarUncompress, strictlyTakesNothingThatIsCutOrDamaged) {
     EXPECT_EQ(StrictStatus(TarEnd()), "unpacked");
 }
 
-TEST(TarUncompress, ofAnArchiveCutAtEveryBlockLeavesNoHalfFile) {
+TEST(TarUncompress, leavesNoPartialFileOfATruncatedArchive) {
     const TemporaryFolder folder;
     const std::string large(5000, 'l');
     const std::string archive = TarFolder("a") + TarFile("a/large", large) +
@@ -408,7 +408,7 @@ TEST(TarUncompress, ofAnArchiveCutAtEveryBlockLeavesNoHalfFile) {
     EXPECT_EQ(failures, 10 + 1 + 1); // within the data of the three files, their last block missing included
 }
 
-TEST(TarUncompress, givesPermissionsWithin0777AndTheOwnerTheFile) {
+TEST(TarUncompress, setsPermissionsWithin0777AndOwnerAccess) {
     const TemporaryFolder folder;
     umask(022);
     TarBlockEntry entry;
@@ -442,7 +442,7 @@ std::string FactsOf(const std::string& path) {
     return std::to_string(state.st_mode & 07777U) + " " + std::to_string(state.st_mtim.tv_sec);
 }
 
-TEST(TarUncompress, permissionsAndTimesSurvivePackingAndUnpacking) {
+TEST(TarUncompress, keepsPermissionsAndTimesFromPacking) {
     const TemporaryFolder folder;
     fs::create_directories("tree/a/b");
     fs::create_directories("tree/c");
@@ -471,7 +471,7 @@ TEST(TarUncompress, permissionsAndTimesSurvivePackingAndUnpacking) {
         EXPECT_EQ(FactsOf("out/" + name), expected) << name;
 }
 
-TEST(TarUncompress, aFolderHasItsTimeWhateverComesIntoItLater) {
+TEST(TarUncompress, setsAFoldersTimeAfterItsContent) {
     const TemporaryFolder folder;
     const std::string early = TarFolder("a");
     ASSERT_EQ(UnpackingOf(early + TarFolder("b") + TarFile("b/x", "x") + TarFile("a/y", "y") +
@@ -514,7 +514,7 @@ TEST(TarUncompress, readsHardLinksOfOtherTools) {
     }
 }
 
-TEST(TarUncompress, countsAndNamesWhatItLeavesOutInTheLog) {
+TEST(TarUncompress, logsNumberAndNamesOfOmittedEntries) {
     const TemporaryFolder folder;
     WriteFile("outside", "secret");
     LogCapture log;
@@ -530,7 +530,7 @@ TEST(TarUncompress, countsAndNamesWhatItLeavesOutInTheLog) {
                                                "missing, through, toFolder, link, fifo)"));
 }
 
-TEST(TarUncompress, namesAHundredOfThoseThatItLeavesOut) {
+TEST(TarUncompress, namesAtMostAHundredOmittedEntries) {
     const TemporaryFolder folder;
     std::string links;
     for (int i = 0; i < 150; ++i)
@@ -545,7 +545,7 @@ TEST(TarUncompress, namesAHundredOfThoseThatItLeavesOut) {
     EXPECT_THAT(lines[0], testing::EndsWith(", l99, ...)"));
 }
 
-TEST(TarUncompress, needsAnArchiveThatExists) {
+TEST(TarUncompress, failsForAMissingArchive) {
     const TemporaryFolder folder;
     fs::create_directories("out");
     WriteFile("out/kept", "x");
@@ -554,7 +554,7 @@ TEST(TarUncompress, needsAnArchiveThatExists) {
     EXPECT_EQ(FileContent("out/kept"), "x");
 }
 
-TEST(TarUncompress, needsAnArchiveThatMayBeRead) {
+TEST(TarUncompress, failsForAnUnreadableArchive) {
     const TemporaryFolder folder;
     const OrdinaryUser user(".");
     ASSERT_TRUE(user.IsReady());
@@ -580,7 +580,7 @@ TEST(TarUncompress, namesTheStepAtWhichMemoryRanOut) {
                                         Failure(bERROR_MEMORY, "Failed to construct a bTar object.")}));
 }
 
-TEST(TarUncompress, saysWhenTheTargetCannotBeDeleted) {
+TEST(TarUncompress, reportsATargetThatCannotBeDeleted) {
     const TemporaryFolder folder;
     const OrdinaryUser user(".");
     ASSERT_TRUE(user.IsReady());
@@ -591,7 +591,7 @@ TEST(TarUncompress, saysWhenTheTargetCannotBeDeleted) {
     ASSERT_EQ(chmod("out/locked", 0700), 0);
 }
 
-TEST(TarUncompress, saysWhenTheTargetCannotBeCreated) {
+TEST(TarUncompress, reportsATargetThatCannotBeCreated) {
     const TemporaryFolder folder;
     WriteFile("in.tar", TarEnd());
     EXPECT_EQ(Unpacking("in.tar", "missing/out"),
@@ -601,7 +601,7 @@ TEST(TarUncompress, saysWhenTheTargetCannotBeCreated) {
     EXPECT_EQ(FileContent("out"), "a file");
 }
 
-TEST(TarUncompress, replacesATargetThatIsALinkAndNotWhatItLeadsTo) {
+TEST(TarUncompress, replacesALinkTargetNotItsDestination) {
     const TemporaryFolder folder;
     fs::create_directory("elsewhere");
     WriteFile("elsewhere/kept", "x");
@@ -611,7 +611,7 @@ TEST(TarUncompress, replacesATargetThatIsALinkAndNotWhatItLeadsTo) {
     EXPECT_EQ(FolderTree("elsewhere"), (Tree{{"kept", "x"}}));
 }
 
-TEST(TarUncompress, saysWhenAFileStandsWhereADirectoryShouldAndTheOtherWayRound) {
+TEST(TarUncompress, reportsAFileInPlaceOfADirectoryAndViceVersa) {
     const TemporaryFolder folder;
     EXPECT_EQ(UnpackingOf(TarFolder("a") + TarFile("a", "x") + TarEnd()),
               Failure(bERROR_FILE, "Failed to open file - out/a"));
@@ -621,7 +621,7 @@ TEST(TarUncompress, saysWhenAFileStandsWhereADirectoryShouldAndTheOtherWayRound)
               Failure(bERROR_FILE, "Failed to create the directory - out/a/b"));
 }
 
-TEST(TarUncompress, leavesNoHalfFileWhenTheDiskIsFull) {
+TEST(TarUncompress, leavesNoPartialFileOnAFullDisk) {
     const TemporaryFolder folder;
     WriteFile("in.tar", TarFile("a", "x") + TarFile("large", std::string(300'000, 'l')) + TarEnd());
     const FileSizeLimit limit(200'000);
@@ -629,7 +629,7 @@ TEST(TarUncompress, leavesNoHalfFileWhenTheDiskIsFull) {
     EXPECT_EQ(FolderTree("out"), (Tree{{"a", "x"}}));
 }
 
-TEST(TarUncompress, takesALittleMemoryForALargeFile) {
+TEST(TarUncompress, takesLittleMemoryForALargeFile) {
     const TemporaryFolder folder;
     fs::create_directory("tree");
     WriteFile("tree/large", "");

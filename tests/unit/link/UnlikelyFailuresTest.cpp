@@ -146,12 +146,12 @@ class ChangingFile : public UnlikelyFailures {
     std::vector<std::uint8_t> buffer;
 };
 
-TEST_F(ChangingFile, thatGrowsWhileItIsReadIsNotRead) {
+TEST_F(ChangingFile, isRefusedWhenItGrowsDuringTheRead) {
     Meanwhile([] { std::filesystem::resize_file("a.osbak", kFileSize + 1); });
     ExpectNotRead();
 }
 
-TEST_F(ChangingFile, thatShrinksWhileItIsReadIsNotRead) {
+TEST_F(ChangingFile, isRefusedWhenItShrinksDuringTheRead) {
     Meanwhile([] { std::filesystem::resize_file("a.osbak", kFileSize - 1); });
     ExpectNotRead();
     WriteFile("a.osbak", content);
@@ -160,7 +160,7 @@ TEST_F(ChangingFile, thatShrinksWhileItIsReadIsNotRead) {
     ExpectNotRead();
 }
 
-TEST_F(ChangingFile, thatIsReplacedWhileItIsReadIsReadAsItWas) {
+TEST_F(ChangingFile, isReadAsItWasWhenReplacedDuringTheRead) {
     Meanwhile([] {
         WriteFile("new", std::string(kFileSize + 5, 'b'));
         std::filesystem::rename("new", "a.osbak");
@@ -180,13 +180,13 @@ TEST_F(ChangingFile, isNotSentToTheServer) {
 }
 
 // What only the platform is told is seen by what stands in its place.
-TEST(OstraSdkClient, isBoundToThisMachineAndTheUsualPortAtFirst) {
+TEST(OstraSdkClient, usesLoopbackAndTheDefaultPortInitially) {
     const OstraSdkClient client;
     EXPECT_EQ(systemAddress, (bIpAddress{{127, 0, 0, 1}}));
     EXPECT_EQ(systemPort, 3600U);
 }
 
-TEST(OstraSdkClient, looksForServersWithATimeOutOfTenThousand) {
+TEST(OstraSdkClient, discoversServersWithATimeoutOfTenThousand) {
     const DiscoveryResponder responder({DiscoveryAnswer(1, "10.0.0.1", 3600)});
     setenv("OSTRA_DISCOVERY", responder.Target().c_str(), 1);
     std::vector<OstraServerInfo> list;
@@ -194,7 +194,7 @@ TEST(OstraSdkClient, looksForServersWithATimeOutOfTenThousand) {
     EXPECT_EQ(discoveryTimeout, 10000);
 }
 
-TEST(OstraSdkClient, waitsForEachResponseAsLongAsItsRequestMayTake) {
+TEST(OstraSdkClient, waitsForEachResponseForItsRequestsTimeout) {
     const TemporaryFolder folder;
     WriteFile("a.osbak", "archive");
     const ScriptedServer server(
@@ -213,13 +213,13 @@ TEST(OstraSdkClient, waitsForEachResponseAsLongAsItsRequestMayTake) {
                                             "GetResponse 3000000", "CheckResponse 3000000"));
 }
 
-TEST_F(UnlikelyFailures, anAddressThatCannotBeParsedStopsTheConstructor) {
+TEST_F(UnlikelyFailures, unparsableAddressStopsTheConstructor) {
     parseFails = true;
     ExpectThrown([] { const OstraSdkClient client; }, -77, "OstraSdkClient::OstraSdkClient",
                  "Failed to parse the ip address.");
 }
 
-TEST_F(UnlikelyFailures, anAddressThatCannotBeParsedStopsTheConnectWithTheParsersStatus) {
+TEST_F(UnlikelyFailures, unparsableAddressStopsTheConnectWithTheParsersStatus) {
     OstraSdkClient client;
     parseFails = true;
     ExpectThrown([&] { client.Connect("127.0.0.1", 1); }, -77, "OstraSdkClient::Connect",
@@ -227,7 +227,7 @@ TEST_F(UnlikelyFailures, anAddressThatCannotBeParsedStopsTheConnectWithTheParser
     EXPECT_EQ(systemPort, 3600U) << "no system is made for that address";
 }
 
-TEST_F(UnlikelyFailures, aFailedDiscoveryIsHandedOnAsItIsAndLeavesNoServers) {
+TEST_F(UnlikelyFailures, failedDiscoveryIsRethrownAndLeavesNoServers) {
     discoveryFails = true;
     std::vector<OstraServerInfo> list(3);
     ExpectThrown([&] { OstraSdkClient::DiscoverOstraServers(list); }, -80,
@@ -235,7 +235,7 @@ TEST_F(UnlikelyFailures, aFailedDiscoveryIsHandedOnAsItIsAndLeavesNoServers) {
     EXPECT_TRUE(list.empty());
 }
 
-TEST_F(UnlikelyFailures, anAddressThatCannotBeFormattedStopsTheDiscovery) {
+TEST_F(UnlikelyFailures, unformattableAddressStopsTheDiscovery) {
     const DiscoveryResponder responder({DiscoveryAnswer(1, "10.0.0.1", 3600)});
     setenv("OSTRA_DISCOVERY", responder.Target().c_str(), 1);
     formatFails = true;
@@ -244,7 +244,7 @@ TEST_F(UnlikelyFailures, anAddressThatCannotBeFormattedStopsTheDiscovery) {
                  "OstraSdkClient::DiscoverOstraServers", "Failed to format the ip address.");
 }
 
-TEST_F(UnlikelyFailures, aFailedDisconnectTellsTheAddress) {
+TEST_F(UnlikelyFailures, failedDisconnectReportsTheAddress) {
     const ScriptedServer server(JsonReply("{}"));
     OstraSdkClient client;
     client.Connect("127.0.0.1", server.Port());
@@ -253,7 +253,7 @@ TEST_F(UnlikelyFailures, aFailedDisconnectTellsTheAddress) {
                  "Failed to disconnect the OstraServer (127.0.0.1)");
 }
 
-TEST_F(UnlikelyFailures, whateverARequestThrowsBecomesItsOwnFailure) {
+TEST_F(UnlikelyFailures, anyExceptionOfARequestBecomesItsOwnFailure) {
     const TemporaryFolder folder;
     WriteFile("a.osbak", "archive");
     const ScriptedServer server(JsonReply("{}"));
@@ -276,7 +276,7 @@ TEST_F(UnlikelyFailures, whateverARequestThrowsBecomesItsOwnFailure) {
     EXPECT_FALSE(std::filesystem::exists("Ostra.osbak"));
 }
 
-TEST_F(UnlikelyFailures, aServerThatCannotBeDisconnectedKeepsTheNextOneFromBeingConnected) {
+TEST_F(UnlikelyFailures, failedDisconnectPreventsTheNextConnect) {
     const ScriptedServer first(JsonReply("{}"));
     const ScriptedServer second(JsonReply("{}"));
     OstraSdkClient client;
@@ -288,7 +288,7 @@ TEST_F(UnlikelyFailures, aServerThatCannotBeDisconnectedKeepsTheNextOneFromBeing
     EXPECT_TRUE(client.IsConnected());
 }
 
-TEST_F(UnlikelyFailures, aFailedDisconnectWhoseAddressCannotBeFormattedTellsThat) {
+TEST_F(UnlikelyFailures, failedDisconnectReportsAnUnformattableAddress) {
     const ScriptedServer server(JsonReply("{}"));
     OstraSdkClient client;
     client.Connect("127.0.0.1", server.Port());

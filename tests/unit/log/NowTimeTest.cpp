@@ -28,12 +28,12 @@ TEST_F(NowTimeTest, fractionIsTheTimeSinceTheFirstStamp) {
     EXPECT_EQ(after(1500), "14:03:07.500");
 }
 
-TEST_F(NowTimeTest, countGoesOnWhenTheTicksTurnOver) {
+TEST_F(NowTimeTest, countContinuesWhenTheTicksWrapAround) {
     EXPECT_EQ(after(0x100), "14:03:07.256"); // the ticks stand at 0
     EXPECT_EQ(after(0x123), "14:03:07.291");
 }
 
-TEST_F(NowTimeTest, fractionTurnsNegativeAfterHalfTheRange) {
+TEST_F(NowTimeTest, fractionBecomesNegativeAfterHalfTheRange) {
     EXPECT_EQ(after(2147483647U), "14:03:07.647");
     EXPECT_EQ(after(2147483648U), "14:03:07.-648");
     EXPECT_EQ(after(4294967284U), "14:03:07.-12");
@@ -41,7 +41,7 @@ TEST_F(NowTimeTest, fractionTurnsNegativeAfterHalfTheRange) {
     EXPECT_EQ(after(4294966296U), "14:03:07.000");
 }
 
-TEST_F(NowTimeTest, tellsThatTheSystemHasNoTime) {
+TEST_F(NowTimeTest, reportsThatTheSystemHasNoTime) {
     fakeClock::fails = true;
     EXPECT_EQ(NowTime(), "Error in NowTime()");
 }

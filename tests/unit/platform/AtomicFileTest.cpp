@@ -80,7 +80,7 @@ TEST(AtomicFile, appearsWithItsContentWhenCommitted) {
     EXPECT_EQ(EntriesHere(), 1U);
 }
 
-TEST(AtomicFile, leavesTheOldFileUntilItIsCommitted) {
+TEST(AtomicFile, keepsTheOldFileUntilCommitted) {
     const TemporaryFolder folder;
     WriteFile("a.trk", "old");
     {
@@ -105,7 +105,7 @@ TEST(AtomicFile, keepsTheOrderOfSmallAndLargeWrites) {
     EXPECT_EQ(FileContent("a"), expected);
 }
 
-TEST(AtomicFile, isWholeWhenTheSystemTakesItInPieces) {
+TEST(AtomicFile, isCompleteAfterPartialWrites) {
     const TemporaryFolder folder;
     std::string content;
     for (int i = 0; i < 30'000; ++i)
@@ -156,7 +156,7 @@ void Replace(const char* path) {
     EXPECT_EQ(FileContent(path), "new");
 }
 
-TEST(AtomicFile, staysWithTheOwnerAndTheGroupOfTheFileItReplaces) {
+TEST(AtomicFile, keepsTheOwnerAndGroupOfTheFileItReplaces) {
     const TemporaryFolder folder;
     WriteFile("a.trk", "old");
     if (chown("a.trk", 12345, 54321) != 0)
@@ -168,7 +168,7 @@ TEST(AtomicFile, staysWithTheOwnerAndTheGroupOfTheFileItReplaces) {
     EXPECT_EQ(StateOf("a.trk").st_mode & 0777U, 0640U);
 }
 
-TEST(AtomicFile, staysWithTheGroupWhereOnlyThatMayBeKept) {
+TEST(AtomicFile, keepsTheGroupWhereOnlyThatIsAllowed) {
     const TemporaryFolder folder;
     WriteFile("a.trk", "old");
     if (chown("a.trk", 12345, 0) != 0)
@@ -184,7 +184,7 @@ TEST(AtomicFile, staysWithTheGroupWhereOnlyThatMayBeKept) {
     EXPECT_EQ(StateOf("a.trk").st_mode & 0777U, 0666U);
 }
 
-TEST(AtomicFile, givesAnotherGroupNoMoreThanEverybodyHas) {
+TEST(AtomicFile, givesANewGroupOnlyThePermissionsOfOthers) {
     const TemporaryFolder folder;
     for (const auto& [before, after] : {std::pair{0666U, 0666U}, {0676U, 0666U}, {0646U, 0646U}}) {
         WriteFile("a.trk", "old");
@@ -213,7 +213,7 @@ std::error_code FailureOf(int fileFailure, int folderFailure) {
     return file.Failure();
 }
 
-TEST(AtomicFile, isNotPutInPlaceBeforeItIsOnTheDisk) {
+TEST(AtomicFile, isSyncedBeforeItIsRenamed) {
     const TemporaryFolder folder;
     for (const int failure : {EIO, ENOSPC, EINVAL}) {
         EXPECT_EQ(FailureOf(failure, 0).value(), failure);
@@ -222,14 +222,14 @@ TEST(AtomicFile, isNotPutInPlaceBeforeItIsOnTheDisk) {
     }
 }
 
-TEST(AtomicFile, saysWhenItsNameMayNotBeOnTheDisk) {
+TEST(AtomicFile, reportsAFailedSyncOfTheFolder) {
     const TemporaryFolder folder;
     EXPECT_EQ(FailureOf(0, EIO).value(), EIO);
     EXPECT_EQ(FileContent("a.trk"), "new");
     EXPECT_EQ(EntriesHere(), 1U);
 }
 
-TEST(AtomicFile, isDoneWhereFoldersAreNotSynced) {
+TEST(AtomicFile, succeedsWhereFoldersCannotBeSynced) {
     const TemporaryFolder folder;
     for (const int failure : {EINVAL, ENOTSUP}) {
         EXPECT_EQ(FailureOf(0, failure), std::error_code());
@@ -237,7 +237,7 @@ TEST(AtomicFile, isDoneWhereFoldersAreNotSynced) {
     }
 }
 
-TEST(AtomicFile, isDoneInAFolderThatMayNotBeListed) {
+TEST(AtomicFile, succeedsInAFolderThatCannotBeListed) {
     const TemporaryFolder folder;
     const OrdinaryUser user(".");
     ASSERT_TRUE(user.IsReady());
@@ -248,7 +248,7 @@ TEST(AtomicFile, isDoneInAFolderThatMayNotBeListed) {
     ASSERT_EQ(chmod("box", 0700), 0);
 }
 
-TEST(AtomicFile, needsNoPermissionsSetThatItHasAnyway) {
+TEST(AtomicFile, doesNotSetPermissionsThatAreAlreadyRight) {
     const TemporaryFolder folder;
     WriteFile("a.trk", "old");
     ASSERT_EQ(chmod("a.trk", 0600), 0);
@@ -266,7 +266,7 @@ TEST(AtomicFile, needsNoPermissionsSetThatItHasAnyway) {
     EXPECT_EQ(EntriesHere(), 1U);
 }
 
-TEST(AtomicFile, makesTheFileThatALinkLeadsToWithoutItBeingThere) {
+TEST(AtomicFile, createsTheMissingTargetOfALink) {
     const TemporaryFolder folder;
     std::filesystem::create_directory("there");
     std::filesystem::create_symlink("there/second", "first");
@@ -277,7 +277,7 @@ TEST(AtomicFile, makesTheFileThatALinkLeadsToWithoutItBeingThere) {
     EXPECT_EQ(FileContent("there/real.trk"), "new");
 }
 
-TEST(AtomicFile, isNotOpenedThroughARingOfLinksOrTooManyOfThem) {
+TEST(AtomicFile, isNotOpenedThroughCyclicOrTooManyLinks) {
     const TemporaryFolder folder;
     std::filesystem::create_symlink("ring2", "ring1");
     std::filesystem::create_symlink("ring1", "ring2");
@@ -296,7 +296,7 @@ TEST(AtomicFile, isNotOpenedThroughARingOfLinksOrTooManyOfThem) {
     EXPECT_EQ(EntriesHere(), 53U);
 }
 
-TEST(AtomicFile, ofANewNameHasThePermissionsThatTheMaskLeaves) {
+TEST(AtomicFile, newFileHasThePermissionsOfTheMask) {
     const TemporaryFolder folder;
     const mode_t before = umask(027);
     Replace("a.trk");
@@ -304,7 +304,7 @@ TEST(AtomicFile, ofANewNameHasThePermissionsThatTheMaskLeaves) {
     EXPECT_EQ(StateOf("a.trk").st_mode & 07777U, 0640U);
 }
 
-TEST(AtomicFile, takesOverNoPermissionsBeyond0777) {
+TEST(AtomicFile, keepsNoPermissionsBeyond0777) {
     const TemporaryFolder folder;
     WriteFile("a.trk", "old");
     ASSERT_EQ(chmod("a.trk", 04711), 0);
@@ -312,7 +312,7 @@ TEST(AtomicFile, takesOverNoPermissionsBeyond0777) {
     EXPECT_EQ(StateOf("a.trk").st_mode & 07777U, 0711U);
 }
 
-TEST(AtomicFile, isNotOpenedWhereNoFileCanStand) {
+TEST(AtomicFile, isNotOpenedWhereNoFileCanBe) {
     const TemporaryFolder folder;
     std::filesystem::create_directory("folder");
     ASSERT_EQ(mkfifo("fifo", 0600), 0);

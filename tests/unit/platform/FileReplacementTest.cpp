@@ -51,7 +51,7 @@ TEST(ReplaceAtomically, keepsTheOwnerAndTheGroupOfTheTarget) {
     EXPECT_EQ(FileContent("target"), "other group alone");
 }
 
-TEST(ReplaceAtomically, refusesWhatIsNoFile) {
+TEST(ReplaceAtomically, refusesAnythingButAFile) {
     const TemporaryFolder folder;
     WriteFile("from", "new");
     EXPECT_EQ(ReplaceAtomically("from", "missing"), std::errc::no_such_file_or_directory);
@@ -82,14 +82,14 @@ TEST(CopyAtomically, copiesEveryByte) {
 
 /// Files that say they are empty, and are not, are read to their end; such a copy is not the file that was
 /// announced.
-TEST(CopyAtomically, refusesAFileWhoseSizeIsAnother) {
+TEST(CopyAtomically, refusesAFileOfAnotherSize) {
     const TemporaryFolder folder;
     WriteFile("to", "old");
     EXPECT_EQ(CopyAtomically("/proc/self/status", "to"), std::errc::resource_unavailable_try_again);
     EXPECT_EQ(FileContent("to"), "old");
 }
 
-TEST(CopyAtomically, leavesTheTargetOnAFullDisk) {
+TEST(CopyAtomically, keepsTheTargetOnAFullDisk) {
     const TemporaryFolder folder;
     WriteFile("from", ManyBytes());
     WriteFile("to", "old");
@@ -101,7 +101,7 @@ TEST(CopyAtomically, leavesTheTargetOnAFullDisk) {
     EXPECT_EQ(std::distance(fs::directory_iterator("."), fs::directory_iterator()), 2);
 }
 
-TEST(CopyAtomically, refusesWhatIsNoFile) {
+TEST(CopyAtomically, refusesAnythingButAFile) {
     const TemporaryFolder folder;
     fs::create_directory("folder");
     EXPECT_EQ(CopyAtomically("missing", "to"), std::errc::no_such_file_or_directory);

@@ -7,7 +7,7 @@
 
 namespace {
 
-TEST(Libraries, areHandedOutOnceForAll) {
+TEST(Libraries, areTheSameForEveryCaller) {
     const VeApiLib* api = nullptr;
     const VeApiLib* sameApi = nullptr;
     EXPECT_EQ(VeApiLib_Construct(&api), bOK);
@@ -22,7 +22,7 @@ TEST(Libraries, areHandedOutOnceForAll) {
     EXPECT_EQ(device, sameDevice);
 }
 
-TEST(Libraries, needAPlaceForTheirHandle) {
+TEST(Libraries, needAPointerForTheirHandle) {
     EXPECT_EQ(VeApiLib_Construct(nullptr), bERROR_FILE);
     EXPECT_EQ(bCdLib_Construct(nullptr), bERROR_FILE);
 }

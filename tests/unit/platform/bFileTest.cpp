@@ -86,7 +86,7 @@ TEST(File, isReadToItsEnd) {
     EXPECT_EQ(count, 0U);
 }
 
-TEST(File, isReadWholeWhenTheSystemGivesItInPieces) {
+TEST(File, isReadCompletelyInPartialReads) {
     const TemporaryFolder folder;
     WriteFile("file", "abcdefghijklmnopqrstuvwxyz");
     const auto file = Open("file", bFile_READ);
@@ -100,7 +100,7 @@ TEST(File, isReadWholeWhenTheSystemGivesItInPieces) {
     EXPECT_EQ(data, "abcdefgh????????????");
 }
 
-TEST(File, isNotSkippedBackWhenItHasBecomeShorter) {
+TEST(File, skipsNotBackwardsWhenItHasBecomeShorter) {
     const TemporaryFolder folder;
     WriteFile("file", "abcdefgh");
     const auto file = Open("file", bFile_READ);
@@ -124,7 +124,7 @@ TEST(File, isNotSkippedBeyondItsEnd) {
     EXPECT_EQ(file->Skip(-1), -1);
 }
 
-TEST(File, isOpenedForReadingOnlyWhenItIsRegular) {
+TEST(File, opensOnlyRegularFilesForReading) {
     const TemporaryFolder folder;
     std::filesystem::create_directory("folder");
     ASSERT_EQ(mkfifo("fifo", 0600), 0);
@@ -177,7 +177,7 @@ TEST(File, keepsTheOrderOfSmallAndLargeWritesThroughItsBuffer) {
     EXPECT_EQ(FileContent("file"), expected);
 }
 
-TEST(File, doesNotReplaceTheOldContentWhenTheDiskIsFull) {
+TEST(File, keepsTheOldContentOnAFullDisk) {
     const TemporaryFolder folder;
     WriteFile("file", "old");
     const FileSizeLimit limit(100'000);
@@ -199,7 +199,7 @@ TEST(File, reportsAFullDiskWhileItIsWritten) {
     EXPECT_EQ(file->Write("x", 1), bERROR_FILE);
 }
 
-TEST(File, saysWhenMemoryIsOut) {
+TEST(File, reportsThatMemoryIsOut) {
     const TemporaryFolder folder;
     FailingAllocator none(1);
     bFile* file = nullptr;
@@ -214,7 +214,7 @@ TEST(File, saysWhenMemoryIsOut) {
     EXPECT_TRUE(std::filesystem::is_empty("."));
 }
 
-TEST(File, thatIsReadTakesNoWriteBuffer) {
+TEST(File, allocatesNoWriteBufferForReading) {
     const TemporaryFolder folder;
     WriteFile("file", "abc");
     const auto file = Open("file", bFile_READ);
@@ -224,7 +224,7 @@ TEST(File, thatIsReadTakesNoWriteBuffer) {
     EXPECT_EQ(FileContent("file"), "abc");
 }
 
-TEST(File, mayBeASourceThatGivesItsBytesOneAfterTheOther) {
+TEST(File, readsFromASequentialSource) {
     int calls = 0;
     const auto source = [&calls](char* room, std::size_t capacity, std::string_view* block) {
         EXPECT_EQ(capacity, 4U);
@@ -255,7 +255,7 @@ TEST(File, mayBeASourceThatGivesItsBytesOneAfterTheOther) {
     EXPECT_EQ(bFile_Commit(file), bERROR_FILE);
 }
 
-TEST(Status, everyStatusHasANameOfItsOwn) {
+TEST(Status, everyStatusHasADistinctName) {
     std::set<std::string> names;
     const bStatus statuses[] = {bOK,
                                 bERROR_MEMORY,
@@ -284,7 +284,7 @@ TEST(Status, everyStatusHasANameOfItsOwn) {
     EXPECT_STREQ(bStatus_Name(0), "STATUS 0");
 }
 
-TEST(Status, nameLivesWhileOtherThreadsAsk) {
+TEST(Status, nameStaysValidWhileOtherThreadsAsk) {
     const char* const name = bStatus_Name(12345);
     std::thread([] { EXPECT_STREQ(bStatus_Name(777), "STATUS 777"); }).join();
     EXPECT_STREQ(name, "STATUS 12345");

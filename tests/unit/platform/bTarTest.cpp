@@ -99,7 +99,7 @@ bStatus Add(bTar* tar, const std::string& name, const std::string& content) {
     return xbTar_WriteFile(tar, name.c_str(), file.get(), static_cast<std::int64_t>(content.size()));
 }
 
-TEST(Tar, withoutEntriesIsItsEndMarkAlone) {
+TEST(Tar, writesOnlyItsEndMarkWithoutEntries) {
     const TemporaryFolder folder;
     EXPECT_EQ(Written([](bTar*) {}), TarEnd());
 }
@@ -128,7 +128,7 @@ TEST(Tar, isWrittenAsUstarWithOwnerZero) {
     EXPECT_EQ(archive.substr(1536), TarEnd());
 }
 
-TEST(Tar, keepsAFilesTimeAndItsPermissionsWithin0777) {
+TEST(Tar, keepsAFilesTimeAndPermissionsWithin0777) {
     const TemporaryFolder folder;
     const std::string archive = Written([](bTar* tar) {
         WriteFile("content", "x");
@@ -142,7 +142,7 @@ TEST(Tar, keepsAFilesTimeAndItsPermissionsWithin0777) {
     EXPECT_EQ(std::stoul(archive.substr(136, 12), nullptr, 8), 1'600'000'000U);
 }
 
-TEST(Tar, givesTheSameBytesForTheSameContent) {
+TEST(Tar, writesTheSameBytesForTheSameContent) {
     const TemporaryFolder folder;
     const auto fill = [](bTar* tar) {
         EXPECT_EQ(bTar_BeginWrite(tar, "größe", bTar_DIRECTORY, 0), bOK);
@@ -166,7 +166,7 @@ TEST(Tar, writesPaxHeadersOnlyWhereTheyAreNeeded) {
     }
 }
 
-TEST(Tar, givesASizeBeyondUstarAPaxHeader) {
+TEST(Tar, writesAPaxHeaderForASizeBeyondUstar) {
     const TemporaryFolder folder;
     WriteFile("large", "");
     static constexpr std::int64_t kSize = 9LL << 30;
@@ -181,7 +181,7 @@ TEST(Tar, givesASizeBeyondUstarAPaxHeader) {
     EXPECT_THAT(archive, HasSubstr(PaxRecord("size", "9663676416")));
 }
 
-TEST(Tar, refusesAFileOfAnotherSizeThanTold) {
+TEST(Tar, refusesAFileOfAnotherSizeThanStated) {
     const TemporaryFolder folder;
     for (const std::int64_t told : {0, 6, 8, -1}) {
         const std::string archive = Written([&](bTar* tar) {
@@ -193,7 +193,7 @@ TEST(Tar, refusesAFileOfAnotherSizeThanTold) {
     }
 }
 
-TEST(Tar, refusesAFileThatGrewAfterItWasOpened) {
+TEST(Tar, refusesAFileThatGrewAfterOpening) {
     const TemporaryFolder folder;
     Written([](bTar* tar) {
         WriteFile("content", "1234567");
@@ -203,7 +203,7 @@ TEST(Tar, refusesAFileThatGrewAfterItWasOpened) {
     });
 }
 
-TEST(Tar, refusesAFileThatIsChangedWhileItIsPacked) {
+TEST(Tar, refusesAFileChangedWhilePacking) {
     const TemporaryFolder folder;
     const std::vector<std::function<void()>> changes = {
         [] { WriteFile("content", std::string(2001, 'y')); },
@@ -226,7 +226,7 @@ TEST(Tar, refusesAFileThatIsChangedWhileItIsPacked) {
     }
 }
 
-TEST(Tar, givesDirectoriesAndFilesWithoutDataTheUsualPermissions) {
+TEST(Tar, writesDefaultPermissionsForDirectoriesAndFilesWithoutData) {
     const TemporaryFolder folder;
     const std::string archive = Written([](bTar* tar) {
         EXPECT_EQ(bTar_BeginWrite(tar, "a", bTar_DIRECTORY, 0), bOK);
@@ -236,7 +236,7 @@ TEST(Tar, givesDirectoriesAndFilesWithoutDataTheUsualPermissions) {
     EXPECT_EQ(std::stoul(archive.substr(512 + 100, 8), nullptr, 8), 0644U);
 }
 
-TEST(Tar, cannotBeFinishedAfterAnEntryThatIsNotWhole) {
+TEST(Tar, cannotBeFinishedAfterAnIncompleteEntry) {
     const TemporaryFolder folder;
     const std::string archive = Written(
         [](bTar* tar) {
@@ -275,7 +275,7 @@ TEST(Tar, holdsNamesOfUpTo511Characters) {
     EXPECT_THAT(Read(archive), ElementsAre(name + "=", kRegularEnd));
 }
 
-TEST(Tar, saysWhenANameHasNoRoomAndHandsOutNoOtherName) {
+TEST(Tar, reportsATooLongNameInsteadOfTheShortOne) {
     const TemporaryFolder folder;
     for (const std::string& before :
          {TarGnuLongName(std::string(512, 'n')), TarPax(PaxRecord("path", std::string(512, 'n')))})
@@ -309,7 +309,7 @@ TEST(Tar, keepsTheBytesOfNames) {
                     ElementsAre(name + "=x", kRegularEnd));
 }
 
-TEST(Tar, passesOverWhatIsNeitherFileNorDirectory) {
+TEST(Tar, skipsEverythingButFilesAndDirectories) {
     const TemporaryFolder folder;
     std::string archive = TarFile("first", "1");
     archive += TarLink("symbolic", '2', "/etc/passwd") + TarLink("hard", '1', "first");
@@ -320,7 +320,7 @@ TEST(Tar, passesOverWhatIsNeitherFileNorDirectory) {
     EXPECT_THAT(Read(archive), ElementsAre("first=1", "hard->first", "last=2", kRegularEnd));
 }
 
-TEST(Tar, namesWhatItLeavesOut) {
+TEST(Tar, namesOmittedEntries) {
     const TemporaryFolder folder;
     WriteFile("read.tar", TarLink("one\n", '2', "x") + TarFile("a", "") + TarLink("two", '6', "") + TarEnd());
     const auto file = Open("read.tar", bFile_READ);
@@ -335,7 +335,7 @@ TEST(Tar, namesWhatItLeavesOut) {
     EXPECT_EQ(bTar_LeftOut(tar.get()).count, 2);
 }
 
-TEST(Tar, isWrittenPieceByPieceToo) {
+TEST(Tar, isAlsoWrittenInPieces) {
     const TemporaryFolder folder;
     const std::string archive = Written([](bTar* tar) {
         bTar_Describe(tar, {.modified = 1'700'000'000, .permissions = 0750});
@@ -352,7 +352,7 @@ TEST(Tar, isWrittenPieceByPieceToo) {
         << "a description is for one entry";
 }
 
-TEST(Tar, takesNeitherMoreNorLessDataThanItsHeaderSays) {
+TEST(Tar, requiresExactlyTheDataOfItsHeader) {
     const TemporaryFolder folder;
     Written(
         [](bTar* tar) {
@@ -371,13 +371,13 @@ TEST(Tar, takesNeitherMoreNorLessDataThanItsHeaderSays) {
     Written([](bTar* tar) { EXPECT_EQ(bTar_BeginWrite(tar, "a", bTar_FILE, 2), bOK); }, bERROR_FILE);
 }
 
-TEST(Tar, takesAnOldDirectoryMarkedOnlyByItsName) {
+TEST(Tar, readsAnOldDirectoryMarkedOnlyByItsName) {
     const TemporaryFolder folder;
     EXPECT_THAT(Read(TarFile("folder/", "") + TarEnd()), ElementsAre("folder/", kRegularEnd));
     EXPECT_THAT(Read(TarFile("file/", "x") + TarEnd()), ElementsAre("file/", kDamaged));
 }
 
-TEST(Tar, endsRegularlyOnlyWithItsEndMark) {
+TEST(Tar, needsItsEndMark) {
     const TemporaryFolder folder;
     const std::string entry = TarFile("a", "x");
     EXPECT_THAT(Read(entry + TarEnd()), ElementsAre("a=x", kRegularEnd));
@@ -404,7 +404,7 @@ TEST(Tar, endsAtDamage) {
     EXPECT_THAT(Read(std::string(5000, '#')), ElementsAre(kDamaged));
 }
 
-TEST(Tar, endsAtALyingPaxRecordInsteadOfTakingTheShortName) {
+TEST(Tar, endsAtAFalsePaxRecordInsteadOfUsingTheShortName) {
     const TemporaryFolder folder;
     for (const std::string& records : {PaxRecord("path", "long.trk", 90), PaxRecord("path", "long.trk", -5),
                                        std::string("path=long.trk\n"), std::string("0 path=long.trk\n"),
@@ -414,7 +414,7 @@ TEST(Tar, endsAtALyingPaxRecordInsteadOfTakingTheShortName) {
             << records;
 }
 
-TEST(Tar, refusesASizeThatItCannotHold) {
+TEST(Tar, refusesAnEntryLargerThanTheArchive) {
     const TemporaryFolder folder;
     for (const long long size : {2000LL, 10LL << 30, 0x7FFFFFFFFFFFFFFELL}) {
         TarBlockEntry entry;
@@ -478,7 +478,7 @@ TEST(Tar, refusesAHoleOfTerabytes) {
         ElementsAre("hole=!" + kDamaged, "good=x", kRegularEnd));
 }
 
-TEST(Tar, refusesPiecesOfASparseFileThatDoNotFitOneBehindTheOther) {
+TEST(Tar, refusesSparseFilePiecesOutOfOrder) {
     const TemporaryFolder folder;
     for (const char* const map : {"900,3,500,2", "500,3,501,2", "5000,3,5003,2", "1198,3,1201,2"}) {
         const std::vector<std::string> lines =
@@ -491,13 +491,13 @@ TEST(Tar, refusesPiecesOfASparseFileThatDoNotFitOneBehindTheOther) {
     }
 }
 
-TEST(Tar, givesADirectorysNameWithoutAnySlashAtItsEndButTheRootsOwn) {
+TEST(Tar, trimsTrailingSlashesOfADirectoryExceptTheRoots) {
     const TemporaryFolder folder;
     EXPECT_THAT(Read(TarFolder("a//") + TarFolder("b/c///") + TarFolder("/") + TarEnd()),
                 ElementsAre("a/", "b/c/", "//", kRegularEnd));
 }
 
-TEST(Tar, tellsAnArchiveThatCannotBeReadFromADamagedOne) {
+TEST(Tar, distinguishesAnUnreadableArchiveFromADamagedOne) {
     const std::string archive = TarFile("a", "x") + TarFile("b", std::string(1000, 'b')) + TarEnd();
     const auto ending = [&archive](std::size_t readable) {
         std::size_t given = 0;
@@ -568,12 +568,12 @@ bStatus StatusBehindLinks(std::int64_t count) {
     return status;
 }
 
-TEST(Tar, takesAMillionEntriesAndNoMore) {
+TEST(Tar, readsAtMostAMillionEntries) {
     EXPECT_EQ(StatusBehindLinks(999'999), bOK);
     EXPECT_EQ(StatusBehindLinks(1'000'000), bERROR_LIMIT);
 }
 
-TEST(Tar, readsNothingWithoutAPlaceForIt) {
+TEST(Tar, refusesNullAndEmptyOutputs) {
     const TemporaryFolder folder;
     WriteFile("read.tar", TarFile("a", "x") + TarEnd());
     const auto file = Open("read.tar", bFile_READ);
@@ -590,7 +590,7 @@ TEST(Tar, readsNothingWithoutAPlaceForIt) {
     EXPECT_STREQ(name, "a");
 }
 
-TEST(Tar, cutAtEveryBlockNeverEndsRegularlyAndNeverGivesHalfAFile) {
+TEST(Tar, reportsTruncationAtEveryBlockAndNeverAPartialFile) {
     const TemporaryFolder folder;
     const std::string archive = TarFolder("a") + TarFile("a/one", std::string(1500, '1')) +
                                 TarPax(PaxRecord("path", "a/zwö")) + TarFile("s", std::string(512, '\0')) +
@@ -606,7 +606,7 @@ TEST(Tar, cutAtEveryBlockNeverEndsRegularlyAndNeverGivesHalfAFile) {
     }
 }
 
-TEST(Tar, isNoOtherFormatAndNotCompressed) {
+TEST(Tar, refusesOtherAndCompressedFormats) {
     const TemporaryFolder folder;
     WriteFile("content", "x");
     for (const char* const tool :
@@ -618,7 +618,7 @@ TEST(Tar, isNoOtherFormatAndNotCompressed) {
     }
 }
 
-TEST(Tar, hidesNoPermissionsBeyond0777) {
+TEST(Tar, reportsPermissionsWithin0777) {
     const TemporaryFolder folder;
     TarBlockEntry entry;
     entry.name = "a";
@@ -633,7 +633,7 @@ TEST(Tar, hidesNoPermissionsBeyond0777) {
     EXPECT_EQ(bTar_Facts(tar.get()).permissions, 0755U);
 }
 
-TEST(Tar, passesOverDataThatIsNotRead) {
+TEST(Tar, skipsUnreadData) {
     const TemporaryFolder folder;
     WriteFile("read.tar", TarFile("a", std::string(700'000, 'a')) + TarFile("b", "b") + TarEnd());
     const auto file = Open("read.tar", bFile_READ);
@@ -664,7 +664,7 @@ TEST(Tar, isNotConstructedWithoutFileModeOrMemory) {
     }
 }
 
-TEST(Tar, isOnlyReadOrOnlyWritten) {
+TEST(Tar, isEitherReadOrWritten) {
     const TemporaryFolder folder;
     WriteFile("read.tar", TarEnd());
     const auto file = Open("read.tar", bFile_READ);

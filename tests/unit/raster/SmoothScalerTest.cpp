@@ -40,7 +40,7 @@ int DifferenceAt(const QImage& source, const QSize& target, std::mt19937& random
     return LargestDifference(rendered.copy(QRect(QPoint(3, 2), part.size())), whole.copy(part));
 }
 
-TEST(SmoothScaler, givesThePixelsOfTheWholeAtEveryViewScale) {
+TEST(SmoothScaler, partsEqualTheWholePictureAtEveryViewScale) {
     std::mt19937 random(5);
     for (const QSize size : {QSize(397, 301), QSize(200, 120), QSize(31, 400)}) {
         const QImage source = Noise(size, 11);
@@ -51,14 +51,14 @@ TEST(SmoothScaler, givesThePixelsOfTheWholeAtEveryViewScale) {
     }
 }
 
-TEST(SmoothScaler, givesThePixelsOfTheWholeWhenOneAxisGrowsAndTheOtherShrinks) {
+TEST(SmoothScaler, partsEqualTheWholePictureWhenOneAxisGrowsAndTheOtherShrinks) {
     std::mt19937 random(6);
     const QImage source = Noise({300, 200}, 12);
     for (const QSize target : {QSize(450, 130), QSize(211, 390), QSize(300, 37), QSize(40, 200)})
         EXPECT_EQ(DifferenceAt(source, target, random), 0) << target.width() << " x " << target.height();
 }
 
-TEST(SmoothScaler, theSameSizeIsTheSourceItself) {
+TEST(SmoothScaler, sameSizeIsTheSourceUnchanged) {
     const QImage source = Noise({50, 40}, 13);
     QImage rendered(50, 40, QImage::Format_RGB32);
     SmoothScaler(source, {50, 40}).Render({0, 0, 50, 40}, rendered, {0, 0});

@@ -15,7 +15,7 @@ std::string Together(const WireBody& body) {
     return whole;
 }
 
-TEST(WireBody, isNoneForTheEmptyValue) {
+TEST(WireBody, isEmptyForTheEmptyValue) {
     const WireBody body{VeJson()};
     EXPECT_EQ(body.ContentType(), "");
     EXPECT_EQ(body.Size(), 0U);
@@ -68,7 +68,7 @@ TEST(WireBody, doesNotCopyTheBytes) {
     EXPECT_TRUE(found);
 }
 
-TEST(WireBody, knowsTheContentTypeOfCbor) {
+TEST(WireBody, recognisesTheContentTypeOfCbor) {
     for (const char* const type :
          {"application/cbor", "Application/CBOR", "application/cbor; a=b", "application/cbor ;a"})
         EXPECT_TRUE(OstraSdk::IsCborType(type)) << type;

@@ -102,7 +102,7 @@ class EditJournalTest : public testing::Test {
     std::vector<TrackPath> madePaths;
 };
 
-TEST_F(EditJournalTest, becomesAWholeTrackAtTheNextStart) {
+TEST_F(EditJournalTest, becomesACompleteTrackAtTheNextStart) {
     Crash(OddPaths());
     EXPECT_THAT(log.Lines(), IsEmpty());
     Recover();
@@ -126,7 +126,7 @@ TEST_F(EditJournalTest, holdsTheLastPathsWritten) {
     ExpectSamePaths(madePaths, OddPaths());
 }
 
-TEST_F(EditJournalTest, isGoneWhenThePathsAreSaved) {
+TEST_F(EditJournalTest, isRemovedWhenThePathsAreSaved) {
     {
         EditJournal journal(copies);
         journal.Discard();
@@ -209,7 +209,7 @@ TEST_F(EditJournalTest, becomesATrackOfTheFileAsItIsNow) {
     EXPECT_EQ(independent::ReadBinary(FolderTree(kept).begin()->second).cells, changed.cells);
 }
 
-TEST_F(EditJournalTest, becomesPathsAloneWhenTheTrackIsGone) {
+TEST_F(EditJournalTest, becomesPathsAloneWhenTheTrackIsMissing) {
     Crash(OddPaths());
     fs::remove(track);
     Recover();
@@ -239,7 +239,7 @@ TEST_F(EditJournalTest, becomesPathsAloneWhenTheMapHasAnotherSize) {
     }
 }
 
-TEST_F(EditJournalTest, becomesPathsAloneWhenNoTrackIsMade) {
+TEST_F(EditJournalTest, becomesPathsAloneWhenNoTrackCanBeMade) {
     Crash(OddPaths());
     makes = false;
     Recover();
@@ -247,7 +247,7 @@ TEST_F(EditJournalTest, becomesPathsAloneWhenNoTrackIsMade) {
     ExpectPathsAlone(OddPaths());
 }
 
-TEST_F(EditJournalTest, staysWhereNothingCanBeKept) {
+TEST_F(EditJournalTest, staysWhenNothingCanBeKept) {
     Crash(OddPaths());
     const Tree before = FolderTree(kept);
     {
@@ -260,14 +260,14 @@ TEST_F(EditJournalTest, staysWhereNothingCanBeKept) {
     EXPECT_THAT(FolderTree(kept), ElementsAre(testing::Key(kStamp + "größe.trk (crash).trk")));
 }
 
-TEST_F(EditJournalTest, canBeOfAPathWithoutPoints) {
+TEST_F(EditJournalTest, canHoldAPathWithoutPoints) {
     Crash({TrackPath(), TrackPath()});
     Recover();
     EXPECT_THAT(madePaths, SizeIs(2));
     EXPECT_TRUE(madePaths[1].points.empty());
 }
 
-TEST_F(EditJournalTest, isNotWrittenWhereTheFolderCannotBe) {
+TEST_F(EditJournalTest, isNotWrittenWhereTheFolderCannotBeMade) {
     WriteFile("file", "");
     KeptCopies nowhere(folder.Path("file/kept"));
     EditJournal(nowhere).Write(track, kMap, OddPaths());
@@ -384,12 +384,12 @@ class DamagedJournalTest : public EditJournalTest {
     std::string content;
 };
 
-TEST_F(DamagedJournalTest, isIgnoredWhenCutAtAnyByte) {
+TEST_F(DamagedJournalTest, isIgnoredWhenTruncatedAtAnyByte) {
     for (std::size_t size = 0; size < content.size(); ++size)
         ASSERT_NO_FATAL_FAILURE(ExpectIgnored(content.substr(0, size))) << size;
 }
 
-TEST_F(DamagedJournalTest, isIgnoredWhenAnyByteIsAnother) {
+TEST_F(DamagedJournalTest, isIgnoredWhenAnyByteIsChanged) {
     for (std::size_t at = 0; at < content.size(); ++at) {
         for (const int change : {0x01, 0x80, 0xFF}) {
             std::string flipped = content;

@@ -81,7 +81,7 @@ class KeptCopiesTest : public testing::Test {
     std::time_t now = kTime;
 };
 
-TEST_F(KeptCopiesTest, keepAFileAsItIs) {
+TEST_F(KeptCopiesTest, keepAFileUnchanged) {
     const std::string content("Track  \0\r\n\xFF", 11);
     WriteFile("cover.trk", content);
     KeptCopies copies = Copies();
@@ -123,7 +123,7 @@ TEST_F(KeptCopiesTest, areCountedWithinASecond) {
                                       {kStamp + "a.trk (deleted).trk", "content"}}));
 }
 
-TEST_F(KeptCopiesTest, canBeWhatAWriterMakes) {
+TEST_F(KeptCopiesTest, canBeMadeByAWriter) {
     KeptCopies copies = Copies();
     const auto writer = [](const std::string& path) {
         WriteFile(path, "made");
@@ -151,7 +151,7 @@ TEST_F(KeptCopiesTest, areNotMadeByAWriterThatFails) {
     EXPECT_THAT(FolderTree(kept), IsEmpty());
 }
 
-TEST_F(KeptCopiesTest, areNotMadeOfWhatCannotBeRead) {
+TEST_F(KeptCopiesTest, areNotMadeOfAnUnreadableFile) {
     KeptCopies copies = Copies();
     fs::create_directory("folder.trk");
     EXPECT_EQ(copies.KeepFile("missing.trk", KeptReason::Deleted), std::nullopt);
@@ -163,7 +163,7 @@ TEST_F(KeptCopiesTest, areNotMadeOfWhatCannotBeRead) {
     EXPECT_THAT(FolderTree(kept), IsEmpty());
 }
 
-TEST_F(KeptCopiesTest, haveAValidNameWhateverTheOriginals) {
+TEST_F(KeptCopiesTest, haveAValidNameForAnyOriginal) {
     KeptCopies copies = Copies();
     std::vector<std::string> names = {"line\nfeed.trk",
                                       ".hidden.trk",
@@ -231,7 +231,7 @@ TEST_F(KeptCopiesTest, leaveNothingOnAFullDisk) {
     EXPECT_TRUE(copies.KeepFile("a.trk", KeptReason::Deleted));
 }
 
-TEST_F(KeptCopiesTest, stayUpToTheirNumber) {
+TEST_F(KeptCopiesTest, areLimitedInNumber) {
     KeptCopies copies = Copies(3);
     std::vector<std::string> names;
     for (int i = 0; i < 5; ++i)
@@ -240,7 +240,7 @@ TEST_F(KeptCopiesTest, stayUpToTheirNumber) {
     EXPECT_THAT(log.Lines(), testing::Contains("INFO: Removed the kept copy " + names[1]));
 }
 
-TEST_F(KeptCopiesTest, stayUpToTheirSize) {
+TEST_F(KeptCopiesTest, areLimitedInSize) {
     KeptCopies copies = Copies(50, 10);
     Keep(copies, "a.trk", "four");
     const std::string second = Keep(copies, "a.trk", "four");
@@ -270,7 +270,7 @@ TEST_F(KeptCopiesTest, stayWhenTheClockWasSetBack) {
     EXPECT_EQ(FolderTree(kept), (Tree{{second, "1"}, {newest, "2"}}));
 }
 
-TEST_F(KeptCopiesTest, areRemovedInTheirOrderWithinASecond) {
+TEST_F(KeptCopiesTest, areRemovedInOrderWithinASecond) {
     KeptCopies copies = Copies(2);
     for (int i = 0; i < 12; ++i) {
         --now; // which Keep moves on

@@ -55,7 +55,7 @@ TEST_F(KeptNameTest, canHaveAnotherExtension) {
     EXPECT_EQ(name.Text(), "2026-11-22 14.03.12 cover.trk (crash).csv");
 }
 
-TEST_F(KeptNameTest, takesForAnExtensionOnlyWhatLooksLikeOne) {
+TEST_F(KeptNameTest, recognisesOnlyPlausibleExtensions) {
     for (const char* const original : {"a.", "a.b c", "a.(b)", "a.übel", "a.12345678901234567", "."})
         EXPECT_THAT(TextOf(original), EndsWith("(unsaved)")) << original;
     EXPECT_THAT(TextOf("a.123456789012345"), EndsWith("(unsaved).123456789012345"));
@@ -102,7 +102,7 @@ TEST_F(KeptNameTest, isRecognised) {
         EXPECT_TRUE(KeptName::IsOne(name)) << name;
 }
 
-TEST_F(KeptNameTest, isNotMistaken) {
+TEST_F(KeptNameTest, isDistinguishedFromOtherNames) {
     for (const char* const name : {"",
                                    "cover.trk",
                                    "2026-11-22 14.03.12",

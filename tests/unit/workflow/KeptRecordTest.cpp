@@ -59,7 +59,7 @@ std::string FlawOf(const std::string& file, std::uint32_t version = kVersion) {
     return {};
 }
 
-TEST(KeptRecord, readsBackBitForBit) {
+TEST(KeptRecord, readsBackExactly) {
     EXPECT_EQ(FlawOf(Sample()), "");
 }
 
@@ -83,14 +83,14 @@ TEST(KeptRecord, isWrittenInPieces) {
     record.ExpectEnd();
 }
 
-TEST(KeptRecord, isRefusedWhenCutAtAnyByte) {
+TEST(KeptRecord, isRefusedWhenTruncatedAtAnyByte) {
     const std::string file = Sample();
     for (std::size_t size = 0; size < file.size(); ++size)
         EXPECT_NE(FlawOf(file.substr(0, size)), "") << size;
     EXPECT_NE(FlawOf(file + "x"), "");
 }
 
-TEST(KeptRecord, isRefusedWhenAnyBitIsAnother) {
+TEST(KeptRecord, isRefusedWhenAnyBitIsChanged) {
     const std::string file = Sample();
     for (std::size_t at = 0; at < file.size(); ++at) {
         for (int bit = 0; bit < 8; ++bit) {
@@ -101,7 +101,7 @@ TEST(KeptRecord, isRefusedWhenAnyBitIsAnother) {
     }
 }
 
-TEST(KeptRecord, saysWhatIsWrong) {
+TEST(KeptRecord, reportsWhatIsWrong) {
     const std::string file = Sample();
     EXPECT_EQ(FlawOf(""), "it is no such file");
     EXPECT_EQ(FlawOf("Info\nXResolution"), "it is no such file");

@@ -78,7 +78,7 @@ TEST_F(UnsentTracksTest, areRememberedByTheNextRun) {
     EXPECT_THAT(Tracks().Names(), ElementsAre("b.trk"));
 }
 
-TEST_F(UnsentTracksTest, areWrittenDownAtOnceAndPrivately) {
+TEST_F(UnsentTracksTest, areStoredImmediatelyAndPrivately) {
     UnsentTracks tracks = Tracks();
     tracks.Record("a.trk");
     EXPECT_THAT(Tracks().Names(), ElementsAre("a.trk"));
@@ -88,7 +88,7 @@ TEST_F(UnsentTracksTest, areWrittenDownAtOnceAndPrivately) {
     EXPECT_FALSE(KeptName::IsOne(fs::path(List()).filename().string()));
 }
 
-TEST_F(UnsentTracksTest, leaveNoFileWhenThereAreNone) {
+TEST_F(UnsentTracksTest, leaveNoFileWhenEmpty) {
     UnsentTracks tracks = Tracks();
     EXPECT_FALSE(fs::exists(kept));
     tracks.Clear();
@@ -103,7 +103,7 @@ TEST_F(UnsentTracksTest, leaveNoFileWhenThereAreNone) {
     EXPECT_THAT(FolderTree(kept), IsEmpty());
 }
 
-TEST_F(UnsentTracksTest, areThoseOfOneWorkspace) {
+TEST_F(UnsentTracksTest, belongToOneWorkspace) {
     Tracks().Record("a.trk");
     UnsentTracks others(copies, "./TmpDir Other", "./TmpDir Other/vdk");
     EXPECT_TRUE(others.IsEmpty());
@@ -115,7 +115,7 @@ TEST_F(UnsentTracksTest, areThoseOfOneWorkspace) {
     EXPECT_THAT(same.Names(), ElementsAre("a.trk"));
 }
 
-TEST_F(UnsentTracksTest, areKeptBeforeTheWorkspaceGoes) {
+TEST_F(UnsentTracksTest, areKeptBeforeTheWorkspaceIsRemoved) {
     WriteFile(kTracks + "/a.trk", "saved");
     WriteFile(kTracks + "/b.trk", "of an earlier run");
     WriteFile(kTracks + "/sent.trk", "sent");
@@ -133,7 +133,7 @@ TEST_F(UnsentTracksTest, areKeptBeforeTheWorkspaceGoes) {
 }
 
 /// Whatever the sequence does next must not wait for it.
-TEST_F(UnsentTracksTest, areForgottenAlsoWhereTheyCannotBeKept) {
+TEST_F(UnsentTracksTest, areDroppedEvenWhenTheyCannotBeKept) {
     UnsentTracks tracks = Tracks();
     WriteFile(kTracks + "/a.trk", "saved");
     tracks.Record("a.trk");
@@ -147,7 +147,7 @@ TEST_F(UnsentTracksTest, areForgottenAlsoWhereTheyCannotBeKept) {
                                                HasSubstr("Not a directory"))));
 }
 
-TEST_F(UnsentTracksTest, areStillInMemoryWhereTheyCannotBeWrittenDown) {
+TEST_F(UnsentTracksTest, stayInMemoryWhenTheyCannotBeStored) {
     WriteFile("file", "");
     KeptCopies nowhere(folder.Path("file/kept"));
     UnsentTracks tracks(nowhere, kWorkspace, kTracks);
@@ -172,7 +172,7 @@ TEST_F(UnsentTracksTest, keepTheOldListOnAFullDisk) {
     EXPECT_THAT(FolderTree(kept), SizeIs(1));
 }
 
-TEST_F(UnsentTracksTest, cannotBeWrittenDownInAReadOnlyFolder) {
+TEST_F(UnsentTracksTest, cannotBeStoredInAReadOnlyFolder) {
     fs::create_directory("kept");
     fs::permissions("kept", fs::perms::owner_read | fs::perms::owner_exec);
     KeptCopies readOnly(folder.Path("kept"));
@@ -206,12 +206,12 @@ class DamagedListTest : public UnsentTracksTest {
     std::string content;
 };
 
-TEST_F(DamagedListTest, isIgnoredWhenCutAtAnyByte) {
+TEST_F(DamagedListTest, isIgnoredWhenTruncatedAtAnyByte) {
     for (std::size_t size = 0; size < content.size(); ++size)
         ExpectIgnored(content.substr(0, size));
 }
 
-TEST_F(DamagedListTest, isIgnoredWhenAnyByteIsAnother) {
+TEST_F(DamagedListTest, isIgnoredWhenAnyByteIsChanged) {
     for (std::size_t at = 0; at < content.size(); ++at) {
         std::string flipped = content;
         flipped[at] = static_cast<char>(~flipped[at]);
@@ -219,7 +219,7 @@ TEST_F(DamagedListTest, isIgnoredWhenAnyByteIsAnother) {
     }
 }
 
-TEST_F(DamagedListTest, isIgnoredWhenItIsAnothers) {
+TEST_F(DamagedListTest, isIgnoredWhenItBelongsToAnother) {
     UnsentTracks others(copies, "./TmpDir Other", "./TmpDir Other/vdk");
     const std::string mine = List();
     others.Record("b.trk");
@@ -232,14 +232,14 @@ TEST_F(DamagedListTest, isIgnoredWhenItIsAnothers) {
     ExpectIgnored("precious notes", "it is no such file");
 }
 
-TEST_F(DamagedListTest, isReplacedByTheNextTrack) {
+TEST_F(DamagedListTest, isReplacedWithTheNextTrack) {
     WriteFile(List(), "nothing of ours");
     UnsentTracks tracks = Tracks();
     tracks.Record("b.trk");
     EXPECT_THAT(Tracks().Names(), ElementsAre("b.trk"));
 }
 
-TEST_F(DamagedListTest, isIgnoredWhenItIsNoFile) {
+TEST_F(DamagedListTest, isIgnoredWhenItIsNotAFile) {
     const std::string list = List();
     fs::remove(list);
     fs::create_directory(list);
