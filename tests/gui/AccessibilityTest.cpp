@@ -11,7 +11,7 @@ namespace {
 
 using ::testing::HasSubstr;
 
-/// What a screen reader finds in the real window.
+/// The names and descriptions that a screen reader finds in the real window.
 class Accessibility : public WindowTest {
   protected:
     using Visit = std::function<void(QAccessibleInterface& element)>;

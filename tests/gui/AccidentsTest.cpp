@@ -6,7 +6,7 @@
 
 namespace {
 
-/// What a hand does by mistake, with an edit on the canvas that no file has.
+/// Accidental input, with an unsaved edit on the canvas.
 class Accidents : public SourceWorkflows {
   protected:
     void openEditedTrack() {
@@ -47,7 +47,7 @@ TEST_F(Accidents, wheelOverOperationListRunsNoOperation) {
 }
 
 TEST_F(Accidents, wheelOverSourceListKeepsBackupOpen) {
-    startServer(); // so that there is another source
+    startServer(); // gives a second source
     openEditedTrack();
     ASSERT_EQ(items("comboBox_sensor").size(), 2U);
     turnWheelOver("comboBox_sensor");

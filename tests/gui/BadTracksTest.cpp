@@ -36,8 +36,8 @@ std::vector<std::string> LinesOf(const std::string& text) {
     return lines;
 }
 
-/// Files that are no good track are loaded through the real operation. The window has a good track open
-/// before, and goes on working with it, or with the next one.
+/// Damaged tracks are loaded by the real operation. The window has a valid track open
+/// before, and continues to work with it, or with the next one.
 class BadTracks : public WindowTest {
   protected:
     void SetUp() override {
@@ -75,7 +75,7 @@ class BadTracks : public WindowTest {
         return boxes[0].text.toStdString();
     }
 
-    /// After a failure before the picture was replaced, the old one is still there to work on.
+    /// After a failure before the picture is replaced, the old one can still be edited.
     void expectOldTrackUsable() {
         EXPECT_EQ(canvas().pixmap(Qt::ReturnByValue).size(), QSize(40, 20));
         ASSERT_THAT(paths(), SizeIs(1));
@@ -106,20 +106,20 @@ TEST_F(BadTracks, reportsTextFileTruncatedAtAnyLine) {
             all.begin(), all.end(), [&start](const std::string& line) { return line.rfind(start, 0) == 0; });
         return static_cast<std::size_t>(found - all.begin());
     };
-    const std::size_t mapHead = lineWith("YX");
-    const std::size_t mapEnd = mapHead + 1 + static_cast<std::size_t>(track.height);
-    const std::size_t anchorHead = lineWith("Anchor");
-    const std::size_t pathHead = lineWith("Segment");
+    const std::size_t mapHeader = lineWith("YX");
+    const std::size_t mapEnd = mapHeader + 1 + static_cast<std::size_t>(track.height);
+    const std::size_t anchorHeader = lineWith("Anchor");
+    const std::size_t pathHeader = lineWith("Segment");
     std::string content;
     for (std::size_t kept = 0; kept < all.size(); ++kept) {
         const std::string box = loadContent(content);
-        if (kept <= mapHead)
+        if (kept <= mapHeader)
             EXPECT_EQ(box, kNoInfo) << kept;
         else if (kept < mapEnd)
             EXPECT_EQ(box, kNoMap) << kept;
-        else if (kept == anchorHead + 1 || kept == anchorHead + 2)
-            EXPECT_EQ(box, kNoInfo) << kept; // an anchor announced and not there
-        else if (kept <= pathHead)
+        else if (kept == anchorHeader + 1 || kept == anchorHeader + 2)
+            EXPECT_EQ(box, kNoInfo) << kept; // an announced anchor that is missing
+        else if (kept <= pathHeader)
             EXPECT_EQ(box, kNoPaths) << kept;
         else
             EXPECT_EQ(box, "") << kept;
@@ -250,16 +250,16 @@ TEST_F(BadTracks, loadsLineOfTenMegabytes) {
 }
 
 TEST_F(BadTracks, reportsMissingFileAndFolder) {
-    makeBackup(folder.Path("x.osbak"), {{"gone.trk", ""}, {"keep.trk", text}});
+    makeBackup(folder.Path("x.osbak"), {{"missing.trk", ""}, {"keep.trk", text}});
     loadBackup(folder.Path("x.osbak"));
-    fs::remove(kTracks + "gone.trk");
+    fs::remove(kTracks + "missing.trk");
     for (int turn = 0; turn < 2; ++turn) { // first missing, then a folder
-        choose("comboBox_file", "gone.trk");
+        choose("comboBox_file", "missing.trk");
         (void)log.Lines();
         operate("Load");
         expectErrorBox(kNoInfo);
         EXPECT_THAT(log.Lines(), Contains("ERROR: Could not find file (" + kTracks + "gone.trk)"));
-        fs::create_directories(kTracks + "gone.trk");
+        fs::create_directories(kTracks + "missing.trk");
     }
     choose("comboBox_file", "keep.trk");
     operate("Load");

@@ -76,7 +76,7 @@ TEST_F(CanvasFiles, eachLoadedPathNeedsADoubleClickBeforeANewOneCanBeDrawn) {
     EXPECT_EQ(Document().finishedCount(), 0);
     mouse.Press({30, 200});
     EXPECT_EQ(Paths().size(), 2U);
-    mouse.Release({30, 200}); // and meanwhile a release far from the last path's end extends that path
+    mouse.Release({30, 200}); // until then a release far from the last path's end extends that path
     EXPECT_EQ(Paths().at(1).points.size(), 2U);
     mouse.DoubleClick({30, 200});
     EXPECT_EQ(Document().finishedCount(), 1);
@@ -141,7 +141,7 @@ TEST_F(CanvasFiles, copiesBinaryOriginalWithNewPaths) {
     ASSERT_EQ(CreateBinaryConverter()->ReadPath("copy.trk", read), 0);
     ASSERT_EQ(read.size(), 2U);
     EXPECT_EQ(read[0].lengths, (std::vector<int>{77, 21}));
-    // All before the path sections is the original's: header, 3 x 2 heights, anchor.
+    // Everything before the path sections comes from the original: header, 3 x 2 heights, anchor.
     EXPECT_EQ(FileContent("copy.trk").substr(0, 68 + 12 + 28),
               FileContent("binary.trk").substr(0, 68 + 12 + 28));
 }
@@ -203,40 +203,40 @@ TEST_F(CanvasFiles, openTextTrackTruncatedBeforeItsPathsFailsAndKeepsTarget) {
     EXPECT_EQ(FileContent("target.trk"), "precious");
 }
 
-/// What was not opened here need never have had paths.
+/// A file that was not opened here may never have had paths.
 TEST_F(CanvasFiles, savesOtherTextTrackWithoutPathsWithTheCanvasPaths) {
     LoadText();
-    Save("text.trk", "whole.trk");
+    Save("text.trk", "complete.trk");
     WriteFile("map.trk", kTextTrack.substr(0, kTextTrack.find("Segment\n")));
     Save("map.trk", "saved.trk");
-    EXPECT_EQ(FileContent("saved.trk"), FileContent("whole.trk"));
+    EXPECT_EQ(FileContent("saved.trk"), FileContent("complete.trk"));
     EXPECT_NE(window.canvas->loadPaths(QStringLiteral("map.trk")), 0);
     Save("map.trk", "no paths.trk");
     EXPECT_NE(FileContent("no paths.trk"), "");
 }
 
-/// The paths come from the canvas, so nothing is lost with those of the file.
+/// The paths come from the canvas, so those of the file are not needed.
 TEST_F(CanvasFiles, savesTextOriginalTruncatedWithinItsPathsCompletely) {
     LoadText();
-    Save("text.trk", "whole.trk");
+    Save("text.trk", "complete.trk");
     for (std::size_t kept = kTextTrack.find("Segment\n") + 7; kept < kTextTrack.size(); ++kept) {
         WriteFile("cut.trk", kTextTrack.substr(0, kept));
         Save("cut.trk", "saved.trk");
-        EXPECT_EQ(FileContent("saved.trk"), FileContent("whole.trk")) << kept;
+        EXPECT_EQ(FileContent("saved.trk"), FileContent("complete.trk")) << kept;
     }
 }
 
-/// Whatever can be opened can be saved, also a map that no "End" line closes.
+/// Every track that can be opened can be saved, even with a map without an "End" line.
 TEST_F(CanvasFiles, savesTextOriginalThatEndsWithItsMapCompletely) {
     LoadText();
-    Save("text.trk", "whole.trk");
+    Save("text.trk", "complete.trk");
     const std::size_t map = kTextTrack.find("YX");
     const std::size_t mapEnd = kTextTrack.find("End", map);
     const std::string info = kTextTrack.substr(0, map);
-    const std::string behind = kTextTrack.substr(mapEnd + std::string("End\n").size());
-    WriteFile("open.trk", info + behind + kTextTrack.substr(map, mapEnd - map));
+    const std::string rest = kTextTrack.substr(mapEnd + std::string("End\n").size());
+    WriteFile("open.trk", info + rest + kTextTrack.substr(map, mapEnd - map));
     Save("open.trk", "saved.trk");
-    EXPECT_EQ(FileContent("saved.trk"), FileContent("whole.trk"));
+    EXPECT_EQ(FileContent("saved.trk"), FileContent("complete.trk"));
 }
 
 TEST_F(CanvasFiles, textOriginalWithTooFewRowsFailsAndKeepsTarget) {

@@ -183,7 +183,7 @@ TEST_F(CanvasKeysTest, nKeySelectsNextSegmentAndUpdatesSpinBoxes) {
     click("checkBox_batchSetting");
     canvas().setFocus();
     key(Qt::Key_N);
-    EXPECT_EQ(chosen(), std::pair(1, 1)) << "in batch mode there is none to choose";
+    EXPECT_EQ(chosen(), std::pair(1, 1)) << "batch mode has no segment to select";
 }
 
 TEST_F(CanvasKeysTest, fieldsShowTheSelectedSegmentAfterAnEdit) {
@@ -196,7 +196,7 @@ TEST_F(CanvasKeysTest, fieldsShowTheSelectedSegmentAfterAnEdit) {
     key(Qt::Key_Escape);
     mouse().Move({400.0, 30.0});
     key(Qt::Key_Insert);
-    EXPECT_EQ(paths().at(0).lengths, (std::vector<int>{100, 100, 102})) << "the chosen one is halved";
+    EXPECT_EQ(paths().at(0).lengths, (std::vector<int>{100, 100, 102})) << "the selected segment is halved";
 }
 
 TEST_F(CanvasKeysTest, keysDoNothingWhileTheButtonIsDown) {
@@ -253,7 +253,7 @@ TEST_F(CanvasKeysTest, addKeyAddsAPointAtTheCursorOrTheViewCentre) {
     EXPECT_EQ(point(1, 1), normalised(middle.x(), middle.y()));
 }
 
-/// What a save writes after work on a fresh copy of the track.
+/// The file that a save writes after edits on a fresh copy of the track.
 class SameWork : public OperatingTest {
   protected:
     std::string saved() {

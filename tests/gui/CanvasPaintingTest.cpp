@@ -25,7 +25,7 @@ int Count(const QImage& picture, QRgb colour) {
     return Count(picture, colour, picture.rect());
 }
 
-/// The smallest rectangle round all pixels of one colour.
+/// The smallest rectangle around all pixels of one colour.
 QRect Extent(const QImage& picture, QRgb colour) {
     QRect extent;
     for (int y = 0; y < picture.height(); ++y)
@@ -37,7 +37,7 @@ QRect Extent(const QImage& picture, QRgb colour) {
 
 class CanvasPainting : public CanvasTest {
   protected:
-    /// Two points far apart, closed, and no segment chosen.
+    /// Two distant points, closed, and no segment selected.
     void DrawLevelLine() {
         mouse.Draw({{50, 100}, {250, 100}});
         window.canvas->setCurrentPath(9);
@@ -75,14 +75,14 @@ TEST_F(CanvasPainting, paintsEverySegmentOfEveryPath) {
     EXPECT_EQ(Count(picture, kBlue, QRect(100, 40, 1, 20)), 2);
     EXPECT_EQ(Count(picture, kBlue, QRect(140, 100, 20, 1)), 2);
     EXPECT_EQ(Count(picture, kBlue, QRect(250, 40, 1, 20)), 2);
-    // None joins the paths.
+    // No line joins the paths.
     EXPECT_EQ(Count(picture, kBlue, QRect(170, 0, 1, 300)), 0);
 }
 
 TEST_F(CanvasPainting, pointIsAGreenSquareOfFivePixels) {
     DrawLevelLine();
     const QImage picture = window.Picture();
-    // The toolkit's painter may give a square whose edges fall between pixels one column or row more.
+    // QPainter may paint a square whose edges are between pixels one column or row larger.
     for (const int x : {50, 250}) {
         EXPECT_EQ(Count(picture, kGreen, QRect(x - 2, 98, 5, 5)), 25);
         EXPECT_EQ(Count(picture, kGreen, QRect(x - 3, 97, 7, 7)),
@@ -234,7 +234,7 @@ TEST_F(CanvasPainting, labelShowsWidgetPixelsAtAnyScale) {
     painter.drawText(500, 200, QStringLiteral("500,200"));
     painter.end();
     for (int y = 195; y < 200; ++y)
-        for (int x = 500; x < 505; ++x) // inside the grip, where the ground is green in both
+        for (int x = 500; x < 505; ++x) // inside the grip, where the background is green in both
             ASSERT_EQ(picture.pixel(x, y), expected.pixel(x, y)) << x << ' ' << y;
 }
 
@@ -269,11 +269,11 @@ TEST_F(CanvasPainting, bandsCoverPointsAndGripButNotCorners) {
         EXPECT_EQ(picture.pixel(x, 70), kWhite) << x;
     for (const int x : {101, 151, 202, 252}) // from 101 to 151 and from 202 to 252
         EXPECT_EQ(picture.pixel(x, 70), kWhite) << x;
-    for (const int x : {276, 376}) // two pixels behind the corner, from 77 to 127
+    for (const int x : {276, 376}) // two pixels after the corner, from 77 to 127
         EXPECT_EQ(picture.pixel(x, 90), kWhite) << x;
     EXPECT_EQ(picture.pixel(126, 100), kWhite); // the second path's first point
     EXPECT_EQ(picture.pixel(126, 50), kGreen);  // a corner, on a side of the band of the second path
-    EXPECT_EQ(picture.pixel(151, 50), kGreen);  // and the other way round
+    EXPECT_EQ(picture.pixel(151, 50), kGreen);  // and vice versa
     mouse.Move({126, 100});
     const QImage hovered = window.Picture();
     EXPECT_EQ(hovered.pixel(122, 103), kGreen);

@@ -26,12 +26,12 @@ class CanvasRefining : public CanvasTest {
     CanvasRefining() {
         window.canvas->setPixmap(map);
         window.Resize({300, 250});
-        window.resize(600, 500); // the platform gives back as many device pixels as the window has pixels
+        window.resize(600, 500); // the platform returns one device pixel for each pixel of the window
     }
 
     void SetUp() override { ASSERT_TRUE(QTest::qWaitForWindowExposed(&window)); }
 
-    /// What stands on the screen where the canvas is, as far as it was painted.
+    /// The canvas as painted on the screen so far.
     [[nodiscard]] QImage Screen() const {
         const QRect place(QPoint(0, 0), window.canvas->size());
         const QPixmap shown =
@@ -46,7 +46,7 @@ class CanvasRefining : public CanvasTest {
         ASSERT_TRUE(QTest::qWaitFor([this] { return !window.canvas->isRefining(); }));
     }
 
-    /// What a canvas with the map and these paths looks like that was never disturbed.
+    /// The picture of an undisturbed canvas with the map and these paths.
     [[nodiscard]] static QImage Undisturbed(const QPixmap& map, const std::vector<QPointF>& points) {
         CanvasWindow other;
         other.ShowImage({300, 250});
@@ -75,7 +75,7 @@ TEST_F(CanvasRefining, refinesTheCompleteMapInSteps) {
     const QImage fine = FineMap();
     window.canvas->repaint();
     ASSERT_TRUE(window.canvas->isRefining());
-    EXPECT_NE(Screen(), fine); // it would be no test if all were averaged at once
+    EXPECT_NE(Screen(), fine); // or the test proves nothing: the first paint averaged everything
     AwaitTheFineMap();
     EXPECT_EQ(Screen().size(), fine.size());
     EXPECT_EQ(Screen(), fine);
@@ -106,7 +106,7 @@ TEST_F(CanvasRefining, dragDuringRefiningIsShownAndEndsWithTheSamePicture) {
         ASSERT_EQ(PixelAt(step), QColor(0, 255, 0)) << step.x();
         ASSERT_EQ(PixelAt((step + QPoint(60, 60)) / 2), QColor(255, 0, 0)) << step.x();
     }
-    EXPECT_GT(meanwhile, 1); // it would be no test if the map were fine at once
+    EXPECT_GT(meanwhile, 1); // or the test proves nothing: the first paint was fine
     mouse.Release(steps.back());
     mouse.Move({20, 20});
     AwaitTheFineMap();

@@ -21,7 +21,7 @@ QImage Noise(const QSize& size, unsigned seed) {
     return image;
 }
 
-/// Collects what a widget is asked to repaint.
+/// Collects the regions that a widget repaints.
 class PaintedRegion : public QObject {
   public:
     explicit PaintedRegion(QWidget* widget) { widget->installEventFilter(this); }
@@ -48,7 +48,7 @@ QImage PlainLabel(const QPixmap& pixmap, const QSize& size) {
     return label.grab().toImage().convertToFormat(QImage::Format_RGB32);
 }
 
-/// What `part` of a widget paints when asked for it alone.
+/// The picture of `part` of a widget when only that is painted.
 QImage Part(QWidget* widget, const QRect& part) {
     return widget->grab(part).toImage().convertToFormat(QImage::Format_RGB32);
 }
@@ -56,7 +56,7 @@ QImage Part(QWidget* widget, const QRect& part) {
 using CanvasRepaint = CanvasTest;
 
 TEST_F(CanvasRepaint, repaintChangesOnlyItsRegion) {
-    window.resize(600, 500); // larger than any canvas the operator makes
+    window.resize(600, 500); // larger than any canvas of the random operator
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     window.canvas->setPixmap(QPixmap::fromImage(Noise({400, 300}, 1)));
     PaintedRegion painted(window.canvas);
@@ -81,7 +81,7 @@ TEST_F(CanvasRepaint, repaintChangesOnlyItsRegion) {
         ASSERT_EQ(screen, full) << step;
         partial += region.boundingRect().size() != full.size() ? 1 : 0;
     }
-    EXPECT_GT(partial, 200); // it would be no test if everything were repainted each time
+    EXPECT_GT(partial, 200); // or the test proves nothing: everything is repainted each time
 }
 
 TEST_F(CanvasRepaint, partialRepaintEqualsFullRepaint) {
@@ -185,14 +185,14 @@ TEST_F(CanvasRepaint, dragWithTheRulerShownRepaintsOnlyNearby) {
 }
 
 TEST_F(CanvasRepaint, pointDraggedFarIsPaintedAtItsNewPosition) {
-    window.ShowImage({400, 3000}); // painted in several strips, each of which looks for what reaches into it
+    window.ShowImage({400, 3000}); // painted in several strips, each of which finds what overlaps it
     mouse.Draw({{100, 100}, {200, 120}});
     (void)window.Picture();
     mouse.Move(At(0, 1));
     mouse.Press(At(0, 1));
     mouse.Move({300, 2900});
     mouse.Release({300, 2900});
-    mouse.Move({20, 1500}); // the grip goes, the dot stays
+    mouse.Move({20, 1500}); // the grip is removed, the dot stays
     EXPECT_EQ(Part(window.canvas, {290, 2890, 20, 20}).pixelColor(10, 10), QColor(0, 255, 0));
 }
 
@@ -240,7 +240,7 @@ TEST_F(CanvasRepaint, largeMapAtASmallScaleIsRefinedToAPlainLabels) {
     QTRY_VERIFY(!window.canvas->isRefining());
     EXPECT_TRUE(painted.Take().boundingRect().contains(QRect(0, 240, 300, 10)));
     EXPECT_EQ(window.Picture(), final);
-    EXPECT_FALSE(window.canvas->isRefining()); // what was averaged is kept
+    EXPECT_FALSE(window.canvas->isRefining()); // the averaged part is kept
 }
 
 TEST_F(CanvasRepaint, visiblePartOfALargeMapIsAveragedOnce) {
@@ -271,13 +271,13 @@ TEST_F(CanvasRepaint, scrollingShowsTheSamePixels) {
     area.resize(200, 150);
     area.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&area));
-    const QImage whole = PlainLabel(pixmap, {800, 600});
+    const QImage full = PlainLabel(pixmap, {800, 600});
     std::mt19937 random(8);
     for (int step = 0; step < 60; ++step) {
         window.canvas->move(-int(random() % 600), -int(random() % 450));
         QApplication::processEvents();
         const QRect seen = window.canvas->visibleRegion().boundingRect();
-        ASSERT_EQ(Part(window.canvas, seen), whole.copy(seen)) << step;
+        ASSERT_EQ(Part(window.canvas, seen), full.copy(seen)) << step;
     }
     area.takeWidget()->setParent(window.central);
 }

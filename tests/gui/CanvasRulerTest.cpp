@@ -27,7 +27,7 @@ void ExpectSameMarks(const RulerMarks& one, const RulerMarks& other) {
     }
 }
 
-/// The marks held are those of computing them all.
+/// The marks equal a complete computation.
 void ExpectMarksUpToDate(const std::vector<TrackPath>& paths, const QSize& image) {
     for (const TrackPath& path : paths) {
         const auto expected = RulerMarksBuilder(image).MarksOfPath(path);

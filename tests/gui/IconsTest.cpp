@@ -9,7 +9,7 @@ QString Named(const char* name) {
     return QStringLiteral(":/icon/icon/") + QString::fromLatin1(name);
 }
 
-/// How many pixels of the picture can be seen well.
+/// The number of clearly visible pixels.
 int ColouredPixels(const QImage& picture) {
     int count = 0;
     for (int row = 0; row < picture.height(); ++row)

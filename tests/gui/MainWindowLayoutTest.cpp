@@ -25,14 +25,14 @@ namespace {
 
 using ::testing::ElementsAre;
 
-/// A widget of the form: its name, class and the name of the widget it is a child of.
+/// A widget of the form: its name, its class and its parent's name.
 struct Row {
     const char* name;
     const char* type;
     const char* parent;
 };
 
-// The viewport is the scroll area's own; the canvas stands in it.
+// The viewport belongs to the scroll area and contains the canvas.
 const std::vector<Row> kTree = {
     {"centralwidget", "QWidget", "MainWindow"},
     {"statusBar", "QStatusBar", "MainWindow"},
@@ -80,7 +80,7 @@ const std::vector<Row> kTree = {
     {"comboBox_lineType", "QComboBox", "centralwidget"},
 };
 
-/// One place of the control column, by the names of what stands there from left to right; a spacer is
+/// One row of the control column: the names of its items from left to right; a spacer is
 /// "<horizontal>" or "<vertical>".
 std::vector<std::string> NamesIn(QLayoutItem* item) {
     if (item->widget() != nullptr)
@@ -216,10 +216,10 @@ TEST_F(MainWindowLayout, controlColumnHasItsNamedLayouts) {
         EXPECT_STREQ(layout(name).metaObject()->className(), "QHBoxLayout") << name;
     }
     for (const int place : {0, 2}) {
-        QLayoutItem& beside = *layout("horizontalLayout").itemAt(place);
-        EXPECT_EQ(beside.sizeHint(), QSize(40, 20)) << place;
-        EXPECT_EQ(beside.spacerItem()->sizePolicy().horizontalPolicy(), QSizePolicy::Expanding) << place;
-        EXPECT_EQ(beside.spacerItem()->sizePolicy().verticalPolicy(), QSizePolicy::Minimum) << place;
+        QLayoutItem& spacer = *layout("horizontalLayout").itemAt(place);
+        EXPECT_EQ(spacer.sizeHint(), QSize(40, 20)) << place;
+        EXPECT_EQ(spacer.spacerItem()->sizePolicy().horizontalPolicy(), QSizePolicy::Expanding) << place;
+        EXPECT_EQ(spacer.spacerItem()->sizePolicy().verticalPolicy(), QSizePolicy::Minimum) << place;
     }
     QLayoutItem& bottom = *layout("_2").itemAt(17);
     EXPECT_EQ(bottom.sizeHint(), QSize(20, 40));
@@ -492,7 +492,7 @@ TEST_F(MainWindowLayout, growingTheWindowMainlyGrowsTheCanvas) {
 TEST_F(MainWindowLayout, resizeSetsTheScrollAreasSizeAgain) {
     auto& area = find<QScrollArea>("scrollArea");
     const QSize before = area.size();
-    area.setAttribute(Qt::WA_Resized, false); // set whenever a widget is told its size
+    area.setAttribute(Qt::WA_Resized, false); // set whenever a widget's size is set
     QResizeEvent event(window->size(), window->size());
     QApplication::sendEvent(window.get(), &event);
     EXPECT_TRUE(area.testAttribute(Qt::WA_Resized));

@@ -13,7 +13,7 @@ namespace {
 constexpr QRgb kGround = 0xff102030U;
 constexpr QRgb kInk = 0xff40f050U;
 constexpr std::array kRatios = {1.0, 1.25, 1.5, 1.75, 2.0, 3.0};
-/// The middle of a picture of kSide x kSide pixels.
+/// The centre of a picture of kSide x kSide pixels.
 constexpr int kSide = 96;
 const QPoint kMiddle(48, 48);
 
@@ -77,7 +77,7 @@ TEST_F(PixelBoardLines, longOnesEqualQPainters) {
     for (int count = 0; count < 200; ++count) {
         const QPoint from(across(random), down(random));
         QPoint to(across(random), down(random));
-        if (count % 4 == 1) // nearly level, nearly upright
+        if (count % 4 == 1) // nearly horizontal, nearly vertical
             to.setY(std::min(from.y() + count % 3, kHeight - 5));
         if (count % 4 == 2)
             to.setX(std::min(from.x() + count % 3, kWidth - 5));
@@ -126,11 +126,11 @@ TEST_F(PixelBoardLines, areClippedToThePart) {
     for (int dy = -20; dy <= 20; dy += 5)
         for (int dx = -20; dx <= 20; dx += 5) {
             const QPoint to = kMiddle + QPoint(dx, dy);
-            const QImage whole = LineTo(to);
+            const QImage full = LineTo(to);
             for (const QPoint& corner : {QPoint(40, 40), QPoint(20, 40), QPoint(47, 25), QPoint(0, 0)}) {
                 const QRect place(corner, part);
                 ASSERT_EQ(Drawn(place, [&](PixelBoard& board) { board.Line(kMiddle, to, kInk); }),
-                          whole.copy(place))
+                          full.copy(place))
                     << dx << ' ' << dy;
             }
         }
@@ -143,7 +143,7 @@ TEST_F(PixelBoardLines, farOutsideThePartAreNotDrawn) {
                       Paper());
 }
 
-/// Dots far enough from each other, so that each has its own pixels; QPainter clips what leaves a picture at
+/// Dots far enough from each other that their pixels do not overlap; QPainter clips what leaves a picture at
 /// its left.
 std::vector<QPoint> DotsFrom(int firstColumn, const QSize& size, int row) {
     constexpr int kApart = 16;

@@ -34,7 +34,7 @@ class ReadOutsTest : public OperatingTest {
     std::string height() { return text("label_height"); }
     std::string lengths() { return text("label_drawnLength"); }
 
-    /// The raw value that a cell has by what is shown over it; none for no measurement.
+    /// The raw value of a cell according to the display; none without a measurement.
     std::optional<long> shownRaw(const independent::Track& track) {
         if (height() == "no measurement")
             return std::nullopt;
@@ -42,7 +42,7 @@ class ReadOutsTest : public OperatingTest {
         return std::lround((std::stod(height()) - track.zOffset) / track.zResolution);
     }
 
-    /// Moves over every cell, its corners among them, and compares what is shown with the track.
+    /// Moves over every cell, corners included, and compares the display with the track.
     void expectHeightsOf(const independent::Track& track) {
         for (int row = 0; row < track.height; ++row)
             for (int column = 0; column < track.width; ++column) {
@@ -87,7 +87,7 @@ TEST_F(ReadOutsTest, showTheCursorPosition) {
     mouse().Move({319.0, 119.0});
     EXPECT_EQ(position(), "x 29.938, y 27.438");
     mouse().Move({-4.0, 20.0});
-    EXPECT_EQ(position(), "") << "beside the map";
+    EXPECT_EQ(position(), "") << "outside the map";
     EXPECT_EQ(height(), "");
 }
 
@@ -123,7 +123,7 @@ TEST_F(ReadOutsTest, followTheTrackThroughASave) {
     loadExternal(folder.Path("text.trk"));
     showPercent(400);
     std::filesystem::create_directories(kTracks);
-    operate("Save"); // which makes a binary track of it, with raw heights cut off towards zero
+    operate("Save"); // converts it to a binary track with raw heights truncated toward zero
     ASSERT_EQ(status(), "Save successfully.");
     expectHeightsOf(independent::ReadBinary(FileContent(kTracks + "text.trk")));
 }
@@ -161,7 +161,7 @@ TEST_F(ReadOutsTest, showLengthsWhileAPointIsDragged) {
     EXPECT_EQ(lengths(), "");
     key(Qt::Key_Right, Qt::ShiftModifier); // ten cells of 0.5, but the margin is before
     EXPECT_EQ(lengths(), "segment 9.375, path 14.375");
-    EXPECT_EQ(position(), "x 29.375, y 23.750") << "of the point that was moved";
+    EXPECT_EQ(position(), "x 29.375, y 23.750") << "of the moved point";
 }
 
 TEST_F(ReadOutsTest, ctrlCCopiesThePosition) {

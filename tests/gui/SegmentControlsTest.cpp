@@ -72,7 +72,7 @@ TEST_F(SegmentControls, sliderShowsTheScaleInPercent) {
 
 TEST_F(SegmentControls, sliderStretchesTheCanvasAlongTheCoarserAxis) {
     independent::Track wide = SmallTrack(PathAcross(0, 2, 0.5, 100));
-    load(wide); // 40 x 20 cells, twice as far apart along X
+    load(wide); // 40 x 20 cells, twice the distance along X
     setSlider(20);
     EXPECT_EQ(canvas().size(), QSize(80, 20));
     setSlider(7); // 0.35: 28 wide, 7 high
@@ -158,7 +158,7 @@ TEST_F(SegmentControls, rulerButtonHidesAndRebuildsTheMarks) {
     click("pushButton_getRuler");
     EXPECT_EQ(text("pushButton_getRuler"), "Hide Ruler");
     EXPECT_TRUE(window->rulerShown());
-    // 80 corrected pixels across, points a fifth apart: 16 pixels, a tick at 0, 4, 8 and 12.
+    // 80 corrected pixels across, points at a distance of a fifth: 16 pixels, a tick at 0, 4, 8 and 12.
     EXPECT_EQ(ticks(0, 0), 4U);
 }
 
@@ -262,7 +262,7 @@ TEST_F(SegmentControls, acceptsThatTheSelectedPathWasRemoved) {
     EXPECT_THAT(paths()[0].lengths, ElementsAre(100, 101, 102, 103));
 }
 
-// The numbers walk back in one step: on a stack of 1 MiB a step for each number typed would not end well.
+// The numbers are corrected in one step: a recursion for each number would overflow a stack of 1 MiB.
 TEST_F(SegmentControls, tenThousandBecomesTheLastOnASmallStack) {
     load(SmallTrack(PathAcross(0, 2, 0.5, 100)));
     rlimit stack{};
@@ -275,7 +275,7 @@ TEST_F(SegmentControls, tenThousandBecomesTheLastOnASmallStack) {
         QApplication::clipboard()->setText(QStringLiteral("10000"));
         box.setFocus();
         box.selectAll();
-        QTest::keyClick(&box, Qt::Key_V, Qt::ControlModifier); // all five figures at once
+        QTest::keyClick(&box, Qt::Key_V, Qt::ControlModifier); // all five digits in one change
         EXPECT_EQ(box.value(), 1) << name;
         EXPECT_LE(changes.size(), 4) << name;
     }
@@ -331,7 +331,7 @@ TEST_F(SegmentControls, batchSettingRebuildsAllMarksImmediately) {
     type("lineEdit_lineLength", "7");
     ASSERT_THAT(paths()[0].rulerMarks, SizeIs(3));
     ASSERT_THAT(paths()[1].rulerMarks, SizeIs(2));
-    // The first tick of a level segment stands upright, 7 corrected pixels of 20 long.
+    // The first tick of a horizontal segment is vertical, 7 of 20 corrected pixels long.
     for (const TrackPath& path : paths()) {
         const RulerMarks& marks = path.rulerMarks[0];
         EXPECT_NEAR(std::abs(marks.tickStarts[0].y() - marks.tickEnds[0].y()), 7.0 / 20, 1e-9);

@@ -1,6 +1,6 @@
-// What becomes of a connection when its end fails, which server a connection goes to, and what becomes of the
-// window when looking for servers fails. The linker puts the functions of this file in the places of the real
-// ones, for this program alone (see --wrap in CMakeLists.txt).
+// Connections whose disconnect fails, the server that a connection uses, and the
+// window when discovery fails. The linker replaces the real functions by those of this file,
+// for this program only (see --wrap in CMakeLists.txt).
 
 #include "OrdinaryUser.h"
 #include "SourceWorkflows.h"
@@ -25,9 +25,9 @@ void RealDiscovery(ServerList&) __asm__(
 
 namespace {
 
-/// Done whenever a connection is ended.
+/// Called whenever a connection is ended.
 std::function<void()> onDisconnect;
-/// Done whenever servers are looked for.
+/// Called on every discovery.
 std::function<void()> onDiscovery;
 
 } // namespace
@@ -233,8 +233,8 @@ TEST_F(SourceConnections, showsTheWaitCursorDuringEveryLongStep) {
         const QCursor* cursor = QGuiApplication::overrideCursor();
         waits.push_back(cursor != nullptr && cursor->shape() == Qt::WaitCursor);
     });
-    connectToServer();          // connecting, and unpacking what came
-    click("toolButton_upload"); // packing; what follows is the worker's
+    connectToServer();          // connects and unpacks the backup
+    click("toolButton_upload"); // packs; the rest is done by the worker
     awaitWorker();
     ASSERT_EQ(waits.size(), 4U);
     EXPECT_THAT(std::vector<bool>(waits.begin(), waits.end() - 1), Each(true));
@@ -249,7 +249,7 @@ TEST_F(SourceConnections, showsTheWaitCursorDuringEveryLongStep) {
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
 }
 
-/// Notes what the status bar says whenever it is painted.
+/// Records the status bar's text whenever it is painted.
 class PaintedMessages : public QObject {
   public:
     explicit PaintedMessages(QStatusBar& bar) : bar(bar) { bar.installEventFilter(this); }

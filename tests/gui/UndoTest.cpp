@@ -31,7 +31,7 @@ class Undo : public WindowTest {
     }
 
     void key(Qt::Key key, Qt::KeyboardModifiers modifiers) {
-        QApplication::setActiveWindow(window.get()); // a dialog may have been it
+        QApplication::setActiveWindow(window.get()); // a dialog may have been active
         QTest::keyClick(window.get(), key, modifiers);
     }
     void undo() { key(Qt::Key_Z, Qt::ControlModifier); }
@@ -140,9 +140,9 @@ TEST_F(Undo, focusedFieldUndoesItsOwnTypingFirst) {
         QTest::keyClick(&field, Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(text("lineEdit_lineLength"), "100");
     EXPECT_EQ(paths()[0].lengths[0], 100);
-    EXPECT_EQ(paths()[0].points[1].x(), dragged.x()) << "the field had something to take back";
+    EXPECT_EQ(paths()[0].points[1].x(), dragged.x()) << "the field could undo its typing";
     QTest::keyClick(&field, Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_NE(paths()[0].points[1].x(), dragged.x()) << "now it is the document's turn";
+    EXPECT_NE(paths()[0].points[1].x(), dragged.x()) << "now the document undoes";
     QTest::keyClick(&field, Qt::Key_Y, Qt::ControlModifier);
 }
 
@@ -169,7 +169,7 @@ TEST_F(Undo, doesNothingWhileTheButtonIsDown) {
     EXPECT_EQ(paths()[0].points[1].x(), other.x());
     mouse().Release(point - QPoint(30, 0));
     undo();
-    EXPECT_EQ(at(0, 2), point) << "the whole drag";
+    EXPECT_EQ(at(0, 2), point) << "the complete drag";
     EXPECT_EQ(paths()[0].points[1].x(), other.x());
 }
 
@@ -224,7 +224,7 @@ TEST_F(Undo, limitsTheSpinBoxesToExistingSegments) {
     undo();
     EXPECT_EQ(find<QSpinBox>("spinBox_pathId").value(), 1);
     EXPECT_EQ(canvas().currentPath(), 0);
-    EXPECT_EQ(text("lineEdit_lineLength"), "100") << "the parameter of the segment that is chosen now";
+    EXPECT_EQ(text("lineEdit_lineLength"), "100") << "the parameter of the newly selected segment";
     EXPECT_EQ(text("lineEdit_lineWidth"), "110");
 }
 

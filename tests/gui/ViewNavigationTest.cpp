@@ -14,7 +14,7 @@ class ViewNavigationTest : public OperatingTest {
         scrollTo(700, 900);
     }
 
-    /// That the point is shown at the place, to the pixel.
+    /// Checks that the point is shown at the place, to the pixel.
     void expectShownAt(const QPointF& expected, const QPoint& inView) {
         EXPECT_LE(std::abs(expected.x() * canvas().width() + canvas().x() - inView.x()), 0.5);
         EXPECT_LE(std::abs(expected.y() * canvas().height() + canvas().y() - inView.y()), 0.5);
@@ -38,7 +38,7 @@ TEST_F(ViewNavigationTest, highResolutionWheelIsSummedToFullSteps) {
         turnWheel({100, 100}, kNotch / 4);
     EXPECT_EQ(slider().value(), 41);
     turnWheel({100, 100}, -kNotch / 2);
-    EXPECT_EQ(slider().value(), 41) << "the other way round begins anew";
+    EXPECT_EQ(slider().value(), 41) << "the opposite direction starts again";
     turnWheel({100, 100}, -kNotch / 2);
     EXPECT_EQ(slider().value(), 40);
 }
@@ -136,7 +136,7 @@ TEST_F(ViewNavigationTest, middleButtonPansTheView) {
     mouse().Press(start, Qt::MiddleButton);
     mouse().Move(start + QPoint(30, -20));
     EXPECT_EQ(canvas().pos(), before + QPoint(30, -20));
-    // The canvas went along: on it the cursor is at the start again, and moves on from there.
+    // The canvas moved too: on it the cursor is at the start again, and moves from there.
     mouse().Move(start + QPoint(5, 6));
     EXPECT_EQ(canvas().pos(), before + QPoint(35, -14));
     mouse().Release(start, Qt::MiddleButton);
@@ -203,7 +203,7 @@ TEST_F(ViewNavigationTest, pressAfterZoomingDragsOnlyAPointUnderTheCursor) {
     const QPoint grip = at(0, 0);
     mouse().Move(grip);
     ASSERT_FALSE(canvas().editingState().dragPoint.isNull());
-    key(Qt::Key_0, Qt::ControlModifier); // the view is another, the cursor where it was
+    key(Qt::Key_0, Qt::ControlModifier); // the view has changed, the cursor has not
     const QPointF before = point(0, 0);
     const QPoint cursor = canvas().cursorPlace().value_or(QPointF()).toPoint();
     mouse().Press(cursor);

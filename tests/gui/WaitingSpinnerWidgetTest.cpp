@@ -19,7 +19,7 @@ constexpr int kBars = 20;
 constexpr int kFadingSteps = 16; // the ceiling of 19 × 80 %
 constexpr double kFloor = kPi / 100.0;
 
-/// A ring to compare a picture with: what a bar looks like is worked out here from its geometry alone.
+/// A ring to compare a picture with: each bar is computed here from its geometry alone.
 struct Ring {
     int innerRadius;
     int lineLength;
@@ -28,13 +28,13 @@ struct Ring {
     [[nodiscard]] int side() const { return 2 * (innerRadius + lineLength); }
 
     [[nodiscard]] double opacity(int bar) const {
-        const int behind = (leader - bar + kBars) % kBars;
-        if (behind > kFadingSteps)
+        const int steps = (leader - bar + kBars) % kBars;
+        if (steps > kFadingSteps)
             return kFloor;
-        return 1.0 - behind * (1.0 - kFloor) / 17.0;
+        return 1.0 - steps * (1.0 - kFloor) / 17.0;
     }
 
-    /// Whether a point lies in the bar: corner radii of 100 % make the rectangle of lineLength × 2 an
+    /// Whether a point is in the bar: corner radii of 100 % make the rectangle of lineLength × 2 an
     /// ellipse.
     [[nodiscard]] bool covers(int bar, double x, double y) const {
         const double angle = 2.0 * kPi * bar / kBars;
@@ -67,7 +67,7 @@ double Opacity(const QImage& picture, int column, int row) {
     return qAlpha(picture.pixel(column, row)) / 255.0;
 }
 
-/// The opacity of every bar: what its sector of the picture holds, as a share of what the leader's holds.
+/// The opacity of every bar: that of its sector of the picture, divided by that of the leader's.
 std::vector<double> BarOpacities(const QImage& picture, const Ring& ring) {
     std::vector<double> sums(kBars);
     const double centre = ring.side() / 2.0;
@@ -78,10 +78,10 @@ std::vector<double> BarOpacities(const QImage& picture, const Ring& ring) {
             sums[static_cast<std::size_t>(sector)] += Opacity(picture, column, row);
         }
     }
-    const double whole = sums[static_cast<std::size_t>(ring.leader)];
-    EXPECT_NEAR(whole, kPi * ring.lineLength / 2.0, 0.08 * kPi * ring.lineLength / 2.0);
+    const double leaderSum = sums[static_cast<std::size_t>(ring.leader)];
+    EXPECT_NEAR(leaderSum, kPi * ring.lineLength / 2.0, 0.08 * kPi * ring.lineLength / 2.0);
     for (double& sum : sums)
-        sum /= whole;
+        sum /= leaderSum;
     return sums;
 }
 
@@ -317,7 +317,7 @@ TEST_F(WaitingSpinnerWidgetTest, leaderIsOpaqueAndFarBarsHaveTheMinimumOpacity) 
     EXPECT_EQ(opacityOfBar(0), 8);         // 0.0314 × 255
     EXPECT_NEAR(opacityOfBar(15), 226, 5); // two steps: (1 − 2 × 0.96858 / 17) × 255 = 225.9
     const QImage upright = [&] {
-        turn(*spinner, 8); // bar 5, which stands upright, leads
+        turn(*spinner, 8); // bar 5, which is vertical, leads
         return Picture(*spinner);
     }();
     EXPECT_NEAR(qAlpha(upright.pixel(39, 70)), 255, 5);
