@@ -38,7 +38,7 @@ TEST_F(PathKeys, addsPointsAsClicksDo) {
     ASSERT_EQ(Paths().size(), 2U);
     EXPECT_EQ(Point(0, 2), Place(150, 150));
     EXPECT_EQ(document.finishedCount(), 2);
-    EXPECT_FALSE(editor.AddPoint(kScale, {152, 50})) << "there is a point, which stays where it is";
+    EXPECT_FALSE(editor.AddPoint(kScale, {152, 50})) << "a point exists and does not move";
     EXPECT_EQ(Point(0, 1), Place(150, 50));
     EXPECT_TRUE(editor.AddPoint(kScale, {350, 250}));
     EXPECT_EQ(Paths().size(), 3U);
@@ -60,8 +60,8 @@ TEST_F(PathKeys, movesThePointUnderTheCursorByTenthsOfAnImagePixel) {
     EXPECT_EQ(Point(0, 1), Place(151, 40));
     EXPECT_TRUE(Nudge(-1, 0));
     EXPECT_DOUBLE_EQ(Point(0, 1).x(), 150.9 / 400);
-    EXPECT_EQ(document.undoDepth(), steps + 3) << "each a step of its own";
-    EXPECT_EQ(editor.State().dragPoint, Point(0, 1)) << "the grip goes with it";
+    EXPECT_EQ(document.undoDepth(), steps + 3) << "one step each";
+    EXPECT_EQ(editor.State().dragPoint, Point(0, 1)) << "the grip is removed too";
     document.undo();
     document.undo();
     EXPECT_EQ(Point(0, 1), Place(151, 50));
@@ -86,7 +86,7 @@ TEST_F(PathKeys, movedPointStopsAtTheMouseMargin) {
 }
 
 TEST_F(PathKeys, pointInTheMarginMovesInwardsOnly) {
-    editor.AddPoint(kScale, {3, 100}); // of which the first is where the button went down
+    editor.AddPoint(kScale, {3, 100}); // its first point is at the press position
     document.closeAllPaths();
     editor.LetGo();
     while (editor.ChoosePoint(1) && editor.TouchedPoint() != PointIndex{2, 0}) {
@@ -103,7 +103,7 @@ TEST_F(PathKeys, removesTheTouchedPointOrItsPathOfFewerThanThree) {
     EXPECT_TRUE(editor.RemoveTouched());
     EXPECT_EQ(Paths().at(0).points.size(), 2U);
     EXPECT_EQ(Point(0, 1), Place(150, 150));
-    EXPECT_FALSE(editor.RemoveTouched()) << "none is touched any more";
+    EXPECT_FALSE(editor.RemoveTouched()) << "no point is touched any more";
     editor.Hover(kScale, {200, 200});
     EXPECT_TRUE(editor.RemoveTouched());
     EXPECT_EQ(Paths().size(), 1U);
@@ -175,7 +175,7 @@ TEST_F(PathKeys, cancelledRubberBandAddsNoPoint) {
     EXPECT_FALSE(editor.Release(kScale, {100, 250}));
     EXPECT_EQ(Paths().back().points.size(), 1U);
     editor.Press(kScale, {100, 250});
-    EXPECT_TRUE(editor.Release(kScale, {100, 250})) << "the next click works as ever";
+    EXPECT_TRUE(editor.Release(kScale, {100, 250})) << "the next click works normally";
 }
 
 TEST_F(PathKeys, resetsTheTouchedPointWhenIndexesShift) {

@@ -22,7 +22,7 @@ using testing::StartsWith;
 /// Saves text tracks whose heights a binary track may not hold.
 class SavingHeights : public testing::Test {
   protected:
-    /// Saves a text track with these heights, five a row, in place and beside it.
+    /// Saves a text track with these heights, five a row, in place and as a copy.
     void ExpectRefused(const std::vector<double>& heights, double zResolution, const std::string& reason) {
         WriteFile("a.trk", TextTrack(heights, zResolution));
         WriteFile("b.trk", "old");

@@ -58,13 +58,13 @@ TEST(RulerMarks, bandIsWidthAlongAndLengthAcross) {
 }
 
 TEST(RulerMarks, ticksAreStrictlyBeforeTheSegmentsEnd) {
-    // Ticks at 0 and 101; one at 202 would stand on the end.
+    // Ticks at 0 and 101; one at 202 would be on the end.
     EXPECT_EQ(kBuilder.MarksOfPath(PathOf({{100, 300}, {302, 300}})).at(0).bands.size(), 2U);
     EXPECT_EQ(kBuilder.MarksOfPath(PathOf({{100, 300}, {303, 300}})).at(0).bands.size(), 3U);
 }
 
 TEST(RulerMarks, spacingContinuesAroundCorners) {
-    // 200 long: ticks at 0 and 101, the third would stand 2 behind the corner.
+    // 200 long: ticks at 0 and 101, the third would be 2 after the corner.
     const auto marks = kBuilder.MarksOfPath(PathOf({{100, 300}, {300, 300}, {300, 500}}));
     ASSERT_EQ(marks.size(), 2U);
     ASSERT_EQ(marks[1].tickStarts.size(), 2U);
@@ -74,13 +74,13 @@ TEST(RulerMarks, spacingContinuesAroundCorners) {
 }
 
 TEST(RulerMarks, offsetIsTruncatedAtEachCorner) {
-    // 200.25 long: the third tick stands 1.75 behind the corner, which counts as 1.
+    // 200.25 long: the third tick is 1.75 after the corner, which is truncated to 1.
     const auto marks = kBuilder.MarksOfPath(PathOf({{100, 300}, {300.25, 300}, {300.25, 500}}));
     ExpectAt(marks.at(1).tickStarts.at(0), 250.25, 301);
 }
 
 TEST(RulerMarks, segmentShorterThanTheOffsetHasNoTickAndCarriesTheRestOver) {
-    // 201 long: the next tick stands 1 behind the first corner... and the second segment is 1 long: none in
+    // 201 long: the next tick is 1 after the first corner, and the second segment is 1 long: none in
     // it.
     const auto marks = kBuilder.MarksOfPath(PathOf({{100, 300}, {301, 300}, {302, 300}, {402, 300}}));
     ASSERT_EQ(marks.size(), 3U);
@@ -109,7 +109,7 @@ TEST(RulerMarks, eachSegmentUsesItsOwnParameters) {
     path.widths = {10, 30, 999};
     path.spaces = {49, 24, 999};
     const auto marks = kBuilder.MarksOfPath(path);
-    ASSERT_EQ(marks.at(0).bands.size(), 4U); // 0, 50, 100, 150; the next would stand on the corner
+    ASSERT_EQ(marks.at(0).bands.size(), 4U); // 0, 50, 100, 150; the next would be on the corner
     ASSERT_EQ(marks.at(1).bands.size(), 8U); // 0, 25 ... 175
     ExpectAt(marks[0].bands[0][0], 95, 310);
     ExpectAt(marks[1].bands[0][0], 270, 285);
@@ -179,7 +179,7 @@ TEST(RulerMarks, pathOfOnePointHasNone) {
     EXPECT_TRUE(kBuilder.MarksOfPath(PathOf({})).empty());
 }
 
-/// The same marks from another side: a unit vector along the segment and its normal.
+/// The same marks computed in another way: by a unit vector along the segment and its normal.
 void ExpectMarksOf(const TrackPath& path, const std::vector<RulerMarks>& marks, std::complex<double> image) {
     const auto place = [&](const QPointF& point) {
         return std::complex<double>(point.x() * image.real(), point.y() * image.imag());
@@ -191,7 +191,7 @@ void ExpectMarksOf(const TrackPath& path, const std::vector<RulerMarks>& marks, 
         const std::complex<double> along = place(path.points[j + 1]) - from;
         const double length = std::abs(along);
         const std::complex<double> unit = along / length;
-        // The tick's first end lies to the left of the picture, or below when the segment is level.
+        // The tick's first end is to the left in the picture, or below when the segment is horizontal.
         std::complex<double> normal = unit * std::complex<double>(0.0, 1.0);
         if (normal.real() > 0.0 || (normal.real() == 0.0 && normal.imag() < 0.0))
             normal = -normal;

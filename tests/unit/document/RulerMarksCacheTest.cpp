@@ -6,7 +6,7 @@ namespace {
 
 constexpr QSize kImage(200'000, 10);
 
-/// A level path of one segment that asks for so many ticks.
+/// A horizontal path of one segment with this number of ticks.
 TrackPath PathOfTicks(int ticks) {
     TrackPath path;
     path.points = {{0.0, 0.5}, {static_cast<double>(ticks) / kImage.width(), 0.5}};

@@ -27,7 +27,7 @@ TrackContent Content(std::vector<TrackPath> paths) {
     return content;
 }
 
-/// All that a step has to restore.
+/// The complete state that a step must restore.
 struct State {
     int finishedCount = 0;
     std::vector<std::vector<std::pair<double, double>>> points;
@@ -60,7 +60,7 @@ class TrackDocumentTest : public ::testing::Test {
     }
     [[nodiscard]] const std::vector<TrackPath>& Paths() const { return document.paths(); }
 
-    /// That one step back restores what was before `edit`, and one step forth what was after it.
+    /// Checks that undo restores the state before `edit`, and redo the state after it.
     template<typename Edit>
     void ExpectOneStep(Edit edit) {
         const State before = StateOf(document);
@@ -136,7 +136,7 @@ TEST_F(TrackDocumentTest, removingAPointOfFewerThanThreeRemovesItsPathAndClosesE
     document.removePoint({1, 1});
     EXPECT_EQ(Paths().at(1).points, (std::vector<QPointF>{{0.3, 0.3}, {0.5, 0.4}}));
     EXPECT_THAT(Paths()[1].lengths, ElementsAre(20, 20));
-    EXPECT_EQ(document.finishedCount(), 0) << "the path goes on without the point";
+    EXPECT_EQ(document.finishedCount(), 0) << "the path continues without the point";
     document.removePoint({0, 0});
     ASSERT_EQ(Paths().size(), 2U);
     EXPECT_THAT(Paths()[0].lengths, ElementsAre(20, 20));
@@ -287,10 +287,10 @@ TEST_F(TrackDocumentTest, gestureThatEndsWhereItBeganIsNoStep) {
     document.undo();
     const bool modified = document.isModified();
     document.endGesture();
-    document.setParameter({0, 0}, SegmentParameter::Length, 100); // what it was
+    document.setParameter({0, 0}, SegmentParameter::Length, 100); // the previous value
     document.setParameterEverywhere(SegmentParameter::Length, 100);
     document.movePoint({0, 0}, {0.1, 0.1});
-    EXPECT_TRUE(document.canRedo()) << "nothing was changed, so nothing that was undone is lost";
+    EXPECT_TRUE(document.canRedo()) << "nothing was changed, so redo stays possible";
     document.movePoint({0, 0}, {0.5, 0.5});
     document.movePoint({0, 0}, {0.1, 0.1});
     EXPECT_EQ(document.isModified(), modified);
@@ -332,7 +332,7 @@ TEST_F(TrackDocumentTest, savingMakesTheCurrentStateUnmodified) {
     document.setParameter({0, 0}, SegmentParameter::Length, 7);
     document.setSaved();
     EXPECT_FALSE(document.isModified());
-    document.setParameter({0, 0}, SegmentParameter::Length, 75); // typed on after the save
+    document.setParameter({0, 0}, SegmentParameter::Length, 75); // typing continues after the save
     EXPECT_TRUE(document.isModified());
     document.undo();
     EXPECT_FALSE(document.isModified());
@@ -425,7 +425,7 @@ TEST_F(TrackDocumentTest, marksFollowEveryStepBackAndForth) {
     document.movePoint({0, 1}, {0.7, 0.2});
     document.setParameter({1, 0}, SegmentParameter::Space, 11);
     Draw({{0.3, 0.5}, {0.9, 0.6}, {0.1, 0.7}});
-    document.computeRulerMarks({400, 300}); // from here on they have something to follow from
+    document.computeRulerMarks({400, 300}); // from here on the marks are updated
     document.splitSegment({0, 0}, {0.4, 0.2});
     document.removePoint({2, 0});
     document.computeRulerMarks({400, 300});
@@ -463,7 +463,7 @@ TEST_F(TrackDocumentTest, historyHoldsAThousandSteps) {
         document.undo();
     EXPECT_EQ(undone, 1000);
     EXPECT_EQ(Paths().size(), 5U);
-    EXPECT_TRUE(document.isModified()) << "the state before the first step cannot be come back to";
+    EXPECT_TRUE(document.isModified()) << "the state before the first step cannot be restored";
 }
 
 TEST_F(TrackDocumentTest, undoWithManyPointsRestoresThemAll) {

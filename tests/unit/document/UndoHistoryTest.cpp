@@ -31,7 +31,7 @@ TEST(UndoHistory, dropsTheOldestStepsBeyondTheMemoryLimit) {
     int undone = 0;
     for (; history.CanUndo(); ++undone)
         history.Undo();
-    EXPECT_EQ(undone, 2); // a third one's bytes and those of the steps themselves are more than the limit
+    EXPECT_EQ(undone, 2); // a third one's bytes plus those of the steps themselves exceed the limit
     EXPECT_EQ(paths.Count(), 2);
     history.Undo();
     EXPECT_EQ(paths.Count(), 2);

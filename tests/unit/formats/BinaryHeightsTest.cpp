@@ -15,7 +15,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-/// A temporary folder and what every test needs.
+/// A temporary folder and the helpers of every test.
 class BinaryHeights : public testing::Test {
   protected:
     int ReadHeights(const std::string& content) {

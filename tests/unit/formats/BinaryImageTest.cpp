@@ -24,7 +24,7 @@ using testing::IsEmpty;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-/// The colour that a height has in the picture.
+/// The colour of a height in the picture.
 QColor ColourOf(double height, double low, double high) {
     const auto [red, green, blue] = independent::RampColour(height, low, high);
     return {red, green, blue};
@@ -139,7 +139,7 @@ TEST_F(BinaryImage, usesTheGivenInformationsHeights) {
 
 TEST_F(BinaryImage, reportsAnImageTooLargeForMemory) {
     Track track;
-    track.width = 800'000'000; // three bytes each are more than a line of pixels may have
+    track.width = 800'000'000; // at three bytes each, more than a line of pixels may have
     track.height = 1;
     const std::string head = BinaryFile(track).substr(0, 68);
     WriteFile("a.trk", head);
@@ -165,7 +165,7 @@ TEST_F(BinaryImage, needsARangeAboveZero) {
         EXPECT_EQ(Read(track, low, high), 1);
         EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Invalid depth range for pixel retrieval from CSV"));
     }
-    EXPECT_EQ(image.width(), 2) << "the picture before stays";
+    EXPECT_EQ(image.width(), 2) << "the previous picture stays";
 }
 
 TEST_F(BinaryImage, isMadeForInfiniteRangesAndScales) {
@@ -213,19 +213,19 @@ TEST_F(BinaryImage, reportsAMapTruncatedAnywhere) {
 }
 
 TEST_F(BinaryImage, reportsImpossibleDimensionsWithoutALargeAllocation) {
-    constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int32_t kMaxInt32 = std::numeric_limits<std::int32_t>::max();
     Track track = SampleTrack();
     for (const auto& [width, height] :
          std::vector<std::pair<std::int32_t, std::int32_t>>{{0, 0},
                                                             {0, 3},
                                                             {5, 0},
-                                                            {kLargest, 0},
+                                                            {kMaxInt32, 0},
                                                             {-1, 3},
                                                             {5, -1},
                                                             {-5, -3},
-                                                            {kLargest, 1},
-                                                            {1, kLargest},
-                                                            {kLargest, kLargest},
+                                                            {kMaxInt32, 1},
+                                                            {1, kMaxInt32},
+                                                            {kMaxInt32, kMaxInt32},
                                                             {65536, 65536}}) {
         SCOPED_TRACE(std::to_string(width) + " x " + std::to_string(height));
         track.width = width;

@@ -29,7 +29,7 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr std::size_t kHeaderSize = 68;
 
-/// A temporary folder and what every test needs.
+/// A temporary folder and the helpers of every test.
 class BinaryInfo : public testing::Test {
   protected:
     /// Reads the information of a file with this content.
@@ -151,7 +151,7 @@ TEST_F(BinaryInfo, rangeIncludesHeightsBetweenTooLargeOnes) {
     EXPECT_EQ(Read(BinaryFile(RowOf({-20000, -10, 10}, 1e305, 0))), 0);
     EXPECT_EQ(info.minHeight, -10 * 1e305);
     EXPECT_EQ(info.maxHeight, 10 * 1e305);
-    // A cell without measurement would have a height here that is not too large.
+    // Read as a height, the value for "not measured" would be in range here.
     EXPECT_EQ(Read(BinaryFile(RowOf({kNoMeasurement, -20000, -19000, 32767}, 5e303, 1e308))), 0);
     EXPECT_EQ(info.minHeight, -20000 * 5e303 + 1e308);
     EXPECT_EQ(info.maxHeight, -19000 * 5e303 + 1e308);
@@ -191,7 +191,7 @@ TEST_F(BinaryInfo, reportsAMissingFile) {
     std::filesystem::create_directory("folder.trk");
     EXPECT_EQ(converter.ReadInfo("folder.trk", info), 1);
     ASSERT_EQ(mkfifo("pipe.trk", 0600), 0);
-    EXPECT_EQ(converter.ReadInfo("pipe.trk", info), 1) << "and nobody waits for a writer";
+    EXPECT_EQ(converter.ReadInfo("pipe.trk", info), 1) << "without waiting for a writer";
     EXPECT_EQ(Read(""), 1);
     EXPECT_THAT(log.Lines(),
                 ElementsAre("ERROR: Could not find file (mis %s sing.trk)",
@@ -271,18 +271,18 @@ TEST_F(BinaryInfo, needsNoBlockAfterTheMapButAnAnchorMustBeComplete) {
 }
 
 TEST_F(BinaryInfo, reportsImpossibleDimensionsWithoutALargeAllocation) {
-    constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int32_t kMaxInt32 = std::numeric_limits<std::int32_t>::max();
     Track track = SampleTrack();
     for (const auto& [width, height] :
          std::vector<std::pair<std::int32_t, std::int32_t>>{{-1, 3},
                                                             {5, -1},
                                                             {-1, -1},
                                                             {-5, -3},
-                                                            {kLargest, 1},
-                                                            {1, kLargest},
-                                                            {kLargest, kLargest},
+                                                            {kMaxInt32, 1},
+                                                            {1, kMaxInt32},
+                                                            {kMaxInt32, kMaxInt32},
                                                             {65536, 65536},
-                                                            {-kLargest - 1, -kLargest - 1},
+                                                            {-kMaxInt32 - 1, -kMaxInt32 - 1},
                                                             {46341, 46341},
                                                             {5, 100}}) {
         SCOPED_TRACE(std::to_string(width) + " x " + std::to_string(height));
@@ -312,10 +312,10 @@ TEST_F(BinaryInfo, negativeDimensionFailsWithAnEmptyRange) {
 }
 
 TEST_F(BinaryInfo, mapWithoutCellsHasAnEmptyRange) {
-    constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int32_t kMaxInt32 = std::numeric_limits<std::int32_t>::max();
     Track track;
     for (const auto& [width, height] : std::vector<std::pair<std::int32_t, std::int32_t>>{
-             {0, 0}, {0, 3}, {3, 0}, {kLargest, 0}, {0, kLargest}}) {
+             {0, 0}, {0, 3}, {3, 0}, {kMaxInt32, 0}, {0, kMaxInt32}}) {
         track.width = width;
         track.height = height;
         EXPECT_EQ(Read(BinaryFile(track)), 0);

@@ -22,7 +22,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr auto kTagged = "ERROR: [ReadPathFromBin] (EXCEPTION) ";
-constexpr std::size_t kCountOffset = 4; // behind a block's tag
+constexpr std::size_t kCountOffset = 4; // after a block's tag
 
 void SetCount(std::string& block, std::int32_t count) {
     for (std::size_t i = 0; i < 4; ++i)
@@ -107,11 +107,10 @@ TEST_F(BinaryPath, areEmptyInAFileWithoutTheirBlock) {
     const std::string head = BinaryHead(track);
     const std::string anchor = BinaryAnchor(track);
     const std::string rulers = BinaryRulers(track);
-    for (const std::string& behind :
-         {std::string(), anchor, rulers, anchor + rulers, anchor + anchor + rulers, std::string("Q\0\0\0", 4),
-          anchor + std::string("S\1\0\0", 4)}) {
+    for (const std::string& rest : {std::string(), anchor, rulers, anchor + rulers, anchor + anchor + rulers,
+                                    std::string("Q\0\0\0", 4), anchor + std::string("S\1\0\0", 4)}) {
         paths.resize(3);
-        EXPECT_EQ(Read(head + behind), 0);
+        EXPECT_EQ(Read(head + rest), 0);
         EXPECT_THAT(paths, IsEmpty());
     }
     EXPECT_THAT(log.Lines(), IsEmpty());
@@ -204,10 +203,10 @@ TEST_F(BinaryPath, failForAnotherVersion) {
 }
 
 TEST_F(BinaryPath, failAfterAMapLargerThanTheFile) {
-    constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int32_t kMaxInt32 = std::numeric_limits<std::int32_t>::max();
     Track track = TrackWithPaths();
     for (const auto& [width, height] : std::vector<std::pair<std::int32_t, std::int32_t>>{
-             {-1, 3}, {5, -1}, {-5, -3}, {kLargest, kLargest}, {65536, 65536}}) {
+             {-1, 3}, {5, -1}, {-5, -3}, {kMaxInt32, kMaxInt32}, {65536, 65536}}) {
         track.width = width;
         track.height = height;
         EXPECT_EQ(Read(BinaryFile(track)), 1);

@@ -26,7 +26,7 @@ constexpr std::size_t kHeaderSize = 68;
 constexpr int kOriginalNotReadable = 1;
 constexpr int kTargetNotWritable = 2;
 
-/// A track with cells enough for several reads and writes, whose rows do not end where those do.
+/// A track with enough cells for several reads and writes, whose rows do not end at their bounds.
 Track LargeTrack() {
     Track track = TrackWithPaths();
     track.width = 401;
@@ -116,7 +116,7 @@ TEST_F(BinaryWrite, writesNothingBetweenHeaderAndAnchorWithoutCells) {
 TEST_F(BinaryWrite, takesTheMapsSizeOnlyFromItsDimensions) {
     const Track track = SampleTrack();
     std::vector<std::int16_t> cells = track.cells;
-    cells.resize(25, 99); // the buffer may be larger than the map, and its reported size another again
+    cells.resize(25, 99); // the buffer may be larger than the map, and its reported size different again
     for (const std::int64_t size : {std::int64_t{0}, std::int64_t{25}, std::int64_t{-1}}) {
         EXPECT_EQ(converter.WriteTrack("a.trk", InfoOf(track), cells, size, {}, 1, 0, 0, 1, 1), 0);
         EXPECT_EQ(FileContent("a.trk"), BinaryFile(track));
@@ -152,7 +152,7 @@ TEST_F(BinaryWrite, keepsTheOldFileOnAFullDisk) {
 }
 
 TEST_F(BinaryWrite, logsAFullDisk) {
-    // Larger than what the log's own file takes up, smaller than the track.
+    // Larger than the log's file, smaller than the track.
     const FileSizeLimit full(120);
     EXPECT_EQ(Write("a.trk", SampleTrack(), {}), kTargetNotWritable);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Could not write file (a.trk)"));
@@ -206,7 +206,7 @@ TEST_F(BinaryUpdate, copiesALargeMap) {
     EXPECT_TRUE(Updated(BinaryFile(original), SamplePaths()) == BinaryFile(LargeTrack()));
 }
 
-/// Maps are copied in pieces of 65,536 cells.
+/// Maps are copied in chunks of 65,536 cells.
 TEST_F(BinaryUpdate, copiesMapsThatDoNotFillTheLastChunk) {
     for (const int cells : {1, 2, 65'535, 65'536, 65'537, 131'073}) {
         Track track = SampleTrack();
@@ -260,9 +260,9 @@ TEST_F(BinaryUpdate, readsBackWithoutAnAnchor) {
     const Track track = TrackWithPaths();
     const std::string head = BinaryHead(track);
     const std::string blocks = BinaryRulers(track) + BinarySegments(track);
-    for (const std::string& behind :
+    for (const std::string& rest :
          {std::string(), blocks, BinarySegments(track), std::string("Q\0\0\0more", 8)}) {
-        EXPECT_EQ(Updated(head + behind, SamplePaths()), head + blocks);
+        EXPECT_EQ(Updated(head + rest, SamplePaths()), head + blocks);
         std::vector<TrackPath> paths;
         EXPECT_EQ(converter.ReadPath("target.trk", paths), 0);
         ExpectSamePaths(paths, WithoutMarks(SamplePaths()));
@@ -330,10 +330,10 @@ TEST_F(BinaryUpdate, truncatedOriginalFailsAndKeepsTheTarget) {
 }
 
 TEST_F(BinaryUpdate, failsForImpossibleDimensions) {
-    constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int32_t kMaxInt32 = std::numeric_limits<std::int32_t>::max();
     Track track = SampleTrack();
     for (const auto& [width, height] : std::vector<std::pair<std::int32_t, std::int32_t>>{
-             {-1, 3}, {5, -1}, {-5, -3}, {kLargest, 1}, {kLargest, kLargest}, {65536, 65536}}) {
+             {-1, 3}, {5, -1}, {-5, -3}, {kMaxInt32, 1}, {kMaxInt32, kMaxInt32}, {65536, 65536}}) {
         track.width = width;
         track.height = height;
         WriteFile("a.trk", BinaryFile(track));

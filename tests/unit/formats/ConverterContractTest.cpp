@@ -20,7 +20,7 @@ using independent::Track;
 using testing::Contains;
 using testing::ElementsAre;
 
-/// One encoding: how the independent writer makes a file of it and the independent reader takes it.
+/// One encoding: its independent writer and its independent reader.
 struct Encoding {
     const char* name;
     std::string (*write)(const Track&);
@@ -32,8 +32,8 @@ void PrintTo(const Encoding& encoding, std::ostream* stream) {
     *stream << encoding.name;
 }
 
-/// What every converter must do alike, run for each of them; the converter is the one that the file's own
-/// first line chooses.
+/// The behaviour that all converters share, run for each of them; the converter is chosen by the file's
+/// first line.
 class ConverterContract : public testing::TestWithParam<Encoding> {
   protected:
     int Update(const std::string& original, const std::string& target, const std::vector<TrackPath>& paths) {
@@ -157,8 +157,8 @@ TEST(RealTracks, holdTheSameCellsInBothEncodings) {
     ASSERT_EQ(text.heights.size(), binary.cells.size());
     for (std::size_t i = 0; i < text.heights.size(); ++i) {
         ASSERT_EQ(text.heights[i].has_value(), binary.cells[i] != independent::kNoMeasurement) << i;
-        // Text heights are rounded to two decimals, and raw values are truncated: less than one raw step
-        // apart.
+        // Text heights are rounded to two decimals, and raw values are truncated: they differ by less than
+        // one raw step.
         if (text.heights[i]) {
             ASSERT_NEAR(*text.heights[i], binary.cells[i] * binary.zResolution + binary.zOffset,
                         binary.zResolution + 0.005)
@@ -223,7 +223,7 @@ TEST_P(ConverterContract, keepsTheOldFileOnAFullDisk) {
     for (int kibibytes = 4; kibibytes <= 64; kibibytes += 4) {
         const SmallDisk disk(kibibytes);
         if (!disk.IsMounted())
-            GTEST_SKIP() << "this user may not mount a disk";
+            GTEST_SKIP() << "this user cannot mount a disk";
         WriteFile("disk/b.trk", "old");
         EXPECT_EQ(Update("a.trk", "disk/b.trk", many), 2) << kibibytes;
         EXPECT_EQ(FileContent("disk/b.trk"), "old") << kibibytes;

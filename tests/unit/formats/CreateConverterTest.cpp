@@ -21,10 +21,10 @@ namespace {
 
 using testing::ElementsAre;
 
-/// The place of an operation among the interface's, as a call finds it.
+/// The index of an operation in the interface's virtual table.
 template<typename Operation>
 std::ptrdiff_t SlotOf(Operation operation) {
-    std::array<std::ptrdiff_t, 2> parts{}; // one more than the operation's offset, and how far `this` moves
+    std::array<std::ptrdiff_t, 2> parts{}; // the operation's offset plus one, and the adjustment of `this`
     static_assert(sizeof operation == sizeof parts);
     std::memcpy(parts.data(), &operation, sizeof operation);
     return (parts[0] - 1) / static_cast<std::ptrdiff_t>(sizeof(void*));
@@ -148,7 +148,7 @@ TEST(ConverterInterface, hasNeitherDataNorAVirtualDestructor) {
 
 TEST(ConverterInterface, hasItsOperationsInTheirOrder) {
 #ifndef __x86_64__
-    GTEST_SKIP() << "pointers to operations are laid out in another way here";
+    GTEST_SKIP() << "another layout of member pointers";
 #endif
     EXPECT_EQ(SlotOf(&Converter::ReadInfo), 0);
     EXPECT_EQ(SlotOf(&Converter::ReadImage), 1);

@@ -21,7 +21,7 @@ bool nextAllocationFails = false;
 
 } // namespace
 
-// In place of the library's: the allocation after the flag is set gets no memory.
+// Replaces the library's: the first allocation after the flag is set gets no memory.
 void* operator new(std::size_t size) {
     if (std::exchange(nextAllocationFails, false))
         throw std::bad_alloc();
@@ -42,7 +42,7 @@ namespace {
 
 using testing::ElementsAre;
 
-// A number that the C library reads, from a copy too long to do without an allocation.
+// A number that the C library reads from a copy, which is too long to need no allocation.
 const std::string kLongNumber = "+1.00000000000000000000";
 
 class CsvStepsMemory : public testing::Test {

@@ -36,7 +36,7 @@ TEST(HeightColours, coverHeightsOutsideTheTable) {
 
 TEST(HeightColours, paintUnmeasuredCellsBlack) {
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
-    const HeightColours colours(HeightRamp(-2.0, -1.0)); // on which 0 is white
+    const HeightColours colours(HeightRamp(-2.0, -1.0)); // where 0 is white
     EXPECT_EQ(colours.ColourOf(0.0), (Colour{255, 255, 255}));
     for (const double height : {kInfinity, -kInfinity, std::numeric_limits<double>::quiet_NaN()})
         EXPECT_EQ(colours.ColourOf(height), (Colour{0, 0, 0})) << height;

@@ -80,7 +80,7 @@ TEST_F(HeightProbeTest, readsTextHeightsBeyondRawValues) {
 }
 
 TEST_F(HeightProbeTest, readsTheRowsAsShown) {
-    // Empty lines, quotes, a carriage return, a short row, a height that is none; and a second map behind.
+    // Empty lines, quotes, a carriage return, a short row, a NaN height; and a second map after it.
     Open("Info\nheader\n1,1,1,0,0,0,3,3\nYX,0,1,2\n\n0,\"1\",2,3\r\n\n1,4\n2,,nan,6\nEnd\nYX,0,1,2\n0,7,7,"
          "7\nEnd\n");
     EXPECT_EQ(probe.At(0, 0).height, 1);

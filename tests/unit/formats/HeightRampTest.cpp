@@ -9,7 +9,7 @@ namespace {
 
 using Colour = HeightRamp::Colour;
 
-/// The ramp's table of bands, written out once more.
+/// The ramp's table of bands, written independently.
 Colour ExpectedColour(double v) {
     const auto byte = [](double value) { return static_cast<std::uint8_t>(value); };
     if (v < 0)

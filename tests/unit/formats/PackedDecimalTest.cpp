@@ -10,7 +10,7 @@ namespace {
 
 using Parts = std::optional<std::pair<std::int32_t, std::uint32_t>>;
 
-/// The digits and the digits behind the point, when the field is taken whole and only then.
+/// The digits and the number of decimals, only when the complete field is read.
 Parts PartsOf(const std::string& field, std::uint32_t pattern) {
     const std::string text = field + ",12345678";
     PackedDecimal decimal{77, pattern};

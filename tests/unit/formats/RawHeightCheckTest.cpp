@@ -60,7 +60,7 @@ TEST(RawHeightCheck, acceptsHeightsOfWhichSomeBecomeEqual) {
     EXPECT_THAT(FailureOf({10, 5, 9}, 0, 10), IsEmpty());
 }
 
-/// Such a map is as flat as it was.
+/// The map was flat before, too.
 TEST(RawHeightCheck, acceptsASingleHeight) {
     EXPECT_THAT(FailureOf({5, 5, 5}, 0, 10), IsEmpty());
     EXPECT_THAT(FailureOf({0.0, -0.0}, 0, 10), IsEmpty());

@@ -110,9 +110,9 @@ TEST_F(ReadTextHeightMap, reportsAMissingHeightMap) {
 }
 
 TEST_F(ReadTextHeightMap, allocatesNothingForImpossibleDimensions) {
-    constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int32_t kMaxInt32 = std::numeric_limits<std::int32_t>::max();
     for (const auto& [width, height] :
-         {std::pair{0, 2}, {3, 0}, {-1, 2}, {3, -1}, {kLargest, kLargest}, {65'536, 65'536}}) {
+         {std::pair{0, 2}, {3, 0}, {-1, 2}, {3, -1}, {kMaxInt32, kMaxInt32}, {65'536, 65'536}}) {
         info.width = width;
         info.height = height;
         EXPECT_EQ(Read(SmallTrack()), 1);
@@ -163,7 +163,7 @@ TEST_F(ReadTextHeightMap, logsTheTokenizersErrorsLikeTheImage) {
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: [ReadImageFromCsv] (EXCEPTION) unknown escape sequence"));
 }
 
-/// The same files, read to be stored in raw values alone.
+/// The same files, read for storage as raw values.
 class ReadTextHeightMapToStore : public ReadTextHeightMap {
   protected:
     int ReadToStore(const std::string& content) {
@@ -210,7 +210,7 @@ TEST_F(ReadTextHeightMapToStore, refusesHeightsBeyondSixteenBits) {
                                          "is beyond 16 bits"));
 }
 
-/// Reading alone stays as tolerant as it was.
+/// Plain reading stays tolerant.
 TEST_F(ReadTextHeightMapToStore, refusesHeightsThatPlainReadingAccepts) {
     EXPECT_EQ(ReadRowsToStore("0,1,40000,2\n1,1,1,1\n", 1.0), 1);
     EXPECT_EQ(ConvertCSV().ReadHeightMap("a.trk", info, heights, size), 0);

@@ -62,7 +62,7 @@ TEST_F(ReadTextImage, paintsEachHeightByTheRamp) {
 TEST_F(ReadTextImage, paintsEmptyCellsBlackAndReadsOthersAsNumbers) {
     EXPECT_EQ(ReadRow(", ,x,\"\",-0", 5, -1.0, 1.0), 0);
     EXPECT_EQ(image.pixel(0, 0), kBlack);
-    EXPECT_EQ(image.pixel(1, 0), qRgb(128, 255, 0)); // 0 lies at 896, half way
+    EXPECT_EQ(image.pixel(1, 0), qRgb(128, 255, 0)); // 0 is at 896, half way
     EXPECT_EQ(image.pixel(2, 0), qRgb(128, 255, 0));
     EXPECT_EQ(image.pixel(3, 0), kBlack);
     EXPECT_EQ(image.pixel(4, 0), qRgb(128, 255, 0));
@@ -160,14 +160,14 @@ TEST_F(ReadTextImage, logsTheTokenizersErrors) {
 }
 
 TEST_F(ReadTextImage, makesNoImageLargerThanTheFileAllows) {
-    constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int32_t kMaxInt32 = std::numeric_limits<std::int32_t>::max();
     for (const auto& [width, height] : {std::pair{0, 2},
                                         {3, 0},
                                         {-1, 2},
                                         {3, -1},
-                                        {kLargest, kLargest},
-                                        {kLargest, 2},
-                                        {3, kLargest},
+                                        {kMaxInt32, kMaxInt32},
+                                        {kMaxInt32, 2},
+                                        {3, kMaxInt32},
                                         {65'536, 65'536},
                                         {-65'536, -65'536}}) {
         info = InfoOfSize(width, height);

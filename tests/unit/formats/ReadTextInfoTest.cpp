@@ -250,7 +250,7 @@ TEST_F(ReadTextInfo, namesTheFileThatItCannotOpen) {
 TEST_F(ReadTextInfo, reportsAFileWithoutPermission) {
     WriteFile("a.trk", SmallTrack());
     ASSERT_EQ(chmod("a.trk", 0), 0);
-    const bool isSuperuser = geteuid() == 0; // whom permissions do not bind
+    const bool isSuperuser = geteuid() == 0; // permissions do not apply to root
     if (isSuperuser) {
         ASSERT_EQ(seteuid(65'534), 0);
     }
@@ -289,7 +289,7 @@ TEST_F(ReadTextInfo, refusesDimensionsLargerThanTheFile) {
 }
 
 TEST_F(ReadTextInfo, refusesMoreRowsThanTheFileHasBytes) {
-    const std::string bytes = std::to_string(SmallTrack().size() + 2); // three digits in the place of one
+    const std::string bytes = std::to_string(SmallTrack().size() + 2); // three digits instead of one
     ASSERT_EQ(bytes.size(), 3U);
     EXPECT_EQ(ReadWith("-5,3,2", "-5,3," + bytes), 0);
     EXPECT_EQ(info.rowPositions.size(), SmallTrack().size() + 2);

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// What a reader says against this work; empty when nothing.
+/// The failure message of a reader during this work; empty on success.
 template<typename Work>
 std::string Refusal(Work&& work) {
     try {

@@ -132,8 +132,8 @@ TEST_F(BlockingControllerTest, failedRestoreDoesNotSetTheReplayMode) {
 
 TEST_F(BlockingControllerTest, failureToReadTheModeAgainSetsNothing) {
     server.replayModeAfterRestore = true;
-    server.failAt("GetReplayMode", Failure(-998, "gone"), 2);
-    ExpectOneRestore(-998, "gone");
+    server.failAt("GetReplayMode", Failure(-998, "stopped"), 2);
+    ExpectOneRestore(-998, "stopped");
     EXPECT_THAT(server.calls, ElementsAre("GetReplayMode", "Restore a.osbak", "GetReplayMode"));
 }
 
@@ -168,7 +168,7 @@ TEST_F(BlockingControllerTest, nextOperationWorksAfterAFailure) {
     EXPECT_EQ(backups[1].Status(), 1);
 }
 
-/// The window's side: signals of its own, as queued connections carry them to the worker and back.
+/// The window's side: signals that queued connections carry to the worker and back.
 class Window : public QObject {
     Q_OBJECT
 
@@ -190,7 +190,7 @@ class Window : public QObject {
 TEST(BlockingControllerThread, resultsReturnFromTheWorkerThread) {
     FakeServer server;
     OstraSdkClient client;
-    auto* const controller = new BlockingController(&client, nullptr); // deleted by its thread's end
+    auto* const controller = new BlockingController(&client, nullptr); // deleted when its thread ends
     QThread worker;
     controller->moveToThread(&worker);
     QObject::connect(&worker, &QThread::finished, controller, &QObject::deleteLater);

@@ -28,7 +28,7 @@ constexpr const char* kInfo = "GET /system/info";
 constexpr const char* kArchive = "POST /system/commands/archive";
 constexpr const char* kRestore = "POST /system/commands/restore";
 
-/// A server that answers everything well.
+/// A server that answers every request successfully.
 std::map<std::string, ScriptedReply> WillingReplies() {
     return {{"/system/info", JsonReply(DiscoveryAnswer(1, "127.0.0.1", 3600))},
             {"/system/commands/archive", DataReply("the archive")},
@@ -43,7 +43,7 @@ std::map<std::string, ScriptedReply> WillingExcept(const std::string& path, cons
     return replies;
 }
 
-/// A port of loopback where nobody listens.
+/// A loopback port without a listener.
 unsigned int ClosedPort() {
     return LoopbackSocket().Port();
 }
@@ -207,7 +207,7 @@ TEST(OstraSdkClient, namesItsOwnSourceInEveryFailure) {
         EXPECT_GT(e.Line(), 0) << e.what();
         lines.insert(e.Line());
     }
-    EXPECT_EQ(lines.size(), failures.size()) << "each failure has a line of its own";
+    EXPECT_EQ(lines.size(), failures.size()) << "each failure has its own line";
 }
 
 // Backup
@@ -258,9 +258,9 @@ TEST(OstraSdkClient, keepsTheOldBackupWhenTheDiskIsFull) {
     OstraSdkClient client;
     client.Connect("127.0.0.1", server.Port());
     WriteFile("Ostra.osbak", "old");
-    for (const rlim_t room : std::initializer_list<rlim_t>{0, 1, 4096, 65536, 199'999}) {
-        SCOPED_TRACE(room);
-        const FileSizeLimit limit(room);
+    for (const rlim_t maxSize : std::initializer_list<rlim_t>{0, 1, 4096, 65536, 199'999}) {
+        SCOPED_TRACE(maxSize);
+        const FileSizeLimit limit(maxSize);
         ExpectThrown([&] { client.Backup("Ostra.osbak"); }, -997, "OstraSdkClient::Backup",
                      "Failed to open the file - Ostra.osbak");
         EXPECT_EQ(FileContent("Ostra.osbak"), "old");
@@ -342,11 +342,11 @@ TEST(OstraSdkClient, failsTheBackupShorterThanItsDeclaredLength) {
 
 TEST(OstraSdkClient, failsTheBackupTruncatedAtAnyTenth) {
     const TemporaryFolder folder;
-    const ScriptedReply whole = DataReply(std::string(1'000'000, 'a'));
+    const ScriptedReply complete = DataReply(std::string(1'000'000, 'a'));
     for (std::uint64_t tenth = 0; tenth < 10; ++tenth) {
         SCOPED_TRACE(tenth);
-        ScriptedReply cut = whole;
-        cut.cutAfter = whole.bytes.size() * tenth / 10;
+        ScriptedReply cut = complete;
+        cut.cutAfter = complete.bytes.size() * tenth / 10;
         const ScriptedServer server(WillingExcept("/system/commands/archive", cut));
         OstraSdkClient client;
         client.Connect("127.0.0.1", server.Port());

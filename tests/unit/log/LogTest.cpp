@@ -122,7 +122,7 @@ TEST_F(LogTest, isUsableWhereAnyStatementIs) {
     EXPECT_EQ(written(), "14:03:07.000 INFO: then\n");
 }
 
-/// Takes whole lines as the log's policy does.
+/// Collects complete lines like the log's policy.
 struct Collector {
     static std::vector<std::string>& Lines() {
         static std::vector<std::string> lines;
@@ -141,7 +141,7 @@ TEST_F(LogTest, lineIsWrittenInOneCallAtDestruction) {
     EXPECT_THAT(Collector::Lines(), ::testing::ElementsAre("14:03:07.000 INFO: in pieces\n"));
 }
 
-/// Has no memory for the line.
+/// Fails to allocate memory for the line.
 struct Forgetful {
     static void Write(const std::string&) { throw std::bad_alloc(); }
 };

@@ -17,7 +17,7 @@ class NowTimeTest : public ::testing::Test {
 };
 
 TEST_F(NowTimeTest, countStartsWithTheFirstGoodStamp) {
-    EXPECT_EQ(after(0), "14:03:07.000"); // 700 had the failed stamp before it started the count
+    EXPECT_EQ(after(0), "14:03:07.000"); // the failed stamp, 700 ms earlier, did not start the count
 }
 
 TEST_F(NowTimeTest, fractionIsTheTimeSinceTheFirstStamp) {
@@ -29,7 +29,7 @@ TEST_F(NowTimeTest, fractionIsTheTimeSinceTheFirstStamp) {
 }
 
 TEST_F(NowTimeTest, countContinuesWhenTheTicksWrapAround) {
-    EXPECT_EQ(after(0x100), "14:03:07.256"); // the ticks stand at 0
+    EXPECT_EQ(after(0x100), "14:03:07.256"); // the ticks are 0
     EXPECT_EQ(after(0x123), "14:03:07.291");
 }
 
@@ -37,7 +37,7 @@ TEST_F(NowTimeTest, fractionBecomesNegativeAfterHalfTheRange) {
     EXPECT_EQ(after(2147483647U), "14:03:07.647");
     EXPECT_EQ(after(2147483648U), "14:03:07.-648");
     EXPECT_EQ(after(4294967284U), "14:03:07.-12");
-    EXPECT_EQ(after(4294967291U), "14:03:07.-05"); // padded to three characters, the sign among them
+    EXPECT_EQ(after(4294967291U), "14:03:07.-05"); // padded to three characters, sign included
     EXPECT_EQ(after(4294966296U), "14:03:07.000");
 }
 

@@ -13,7 +13,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-// The linker puts these functions in the place of the system's (see --wrap in CMakeLists.txt).
+// The linker replaces the system's functions by these (see --wrap in CMakeLists.txt).
 int ScriptedSync(int descriptor) __asm__("__wrap_fsync");
 int RealSync(int descriptor) __asm__("__real_fsync");
 ssize_t ShortWrite(int descriptor, const void* data, std::size_t size) __asm__("__wrap_write");
@@ -25,11 +25,11 @@ namespace {
 
 bool modesAreRefused = false;
 
-/// What the next calls fail with, the last one first; 0 for none.
+/// The errors of the next calls, the last one first; 0 for none.
 std::vector<int> syncFailures;
 
-/// No write takes more bytes than this, and every other one is interrupted; 0 for writes as they are.
-std::size_t mostBytesWritten = 0;
+/// The maximum size of a write, of which every other one is interrupted; 0 for normal writes.
+std::size_t maxBytesWritten = 0;
 int writes = 0;
 
 } // namespace
@@ -42,13 +42,13 @@ int RefusedMode(int descriptor, mode_t mode) {
 }
 
 ssize_t ShortWrite(int descriptor, const void* data, std::size_t size) {
-    if (mostBytesWritten == 0)
+    if (maxBytesWritten == 0)
         return RealWrite(descriptor, data, size);
     if (++writes % 2 == 0) {
         errno = EINTR;
         return -1;
     }
-    return RealWrite(descriptor, data, std::min(size, mostBytesWritten));
+    return RealWrite(descriptor, data, std::min(size, maxBytesWritten));
 }
 
 int ScriptedSync(int descriptor) {
@@ -111,11 +111,11 @@ TEST(AtomicFile, isCompleteAfterPartialWrites) {
     for (int i = 0; i < 30'000; ++i)
         content += std::to_string(i);
     AtomicFile file("a");
-    mostBytesWritten = 777;
+    maxBytesWritten = 777;
     file.Write(content);
     file.Write("the end");
     const bool done = file.Commit();
-    mostBytesWritten = 0;
+    maxBytesWritten = 0;
     EXPECT_TRUE(done);
     EXPECT_TRUE(FileContent("a") == content + "the end");
 }
@@ -160,7 +160,7 @@ TEST(AtomicFile, keepsTheOwnerAndGroupOfTheFileItReplaces) {
     const TemporaryFolder folder;
     WriteFile("a.trk", "old");
     if (chown("a.trk", 12345, 54321) != 0)
-        GTEST_SKIP() << "this user may not give files away";
+        GTEST_SKIP() << "this user cannot change owners";
     ASSERT_EQ(chmod("a.trk", 0640), 0);
     Replace("a.trk");
     EXPECT_EQ(StateOf("a.trk").st_uid, 12345U);
@@ -172,11 +172,11 @@ TEST(AtomicFile, keepsTheGroupWhereOnlyThatIsAllowed) {
     const TemporaryFolder folder;
     WriteFile("a.trk", "old");
     if (chown("a.trk", 12345, 0) != 0)
-        GTEST_SKIP() << "this user may not give files away";
+        GTEST_SKIP() << "this user cannot change owners";
     ASSERT_EQ(chmod(".", 02777), 0); // new files get the folder's group
     ASSERT_EQ(chmod("a.trk", 0666), 0);
     {
-        const OrdinaryUser user("."); // in the administrator's group still
+        const OrdinaryUser user("."); // still in root's group
         ASSERT_TRUE(user.IsReady());
         Replace("a.trk");
     }
@@ -189,7 +189,7 @@ TEST(AtomicFile, givesANewGroupOnlyThePermissionsOfOthers) {
     for (const auto& [before, after] : {std::pair{0666U, 0666U}, {0676U, 0666U}, {0646U, 0646U}}) {
         WriteFile("a.trk", "old");
         if (chown("a.trk", 12345, 54321) != 0)
-            GTEST_SKIP() << "this user may not give files away";
+            GTEST_SKIP() << "this user cannot change owners";
         ASSERT_EQ(chmod("a.trk", before), 0);
         {
             const OrdinaryUser user(".");
@@ -201,7 +201,7 @@ TEST(AtomicFile, givesANewGroupOnlyThePermissionsOfOthers) {
     }
 }
 
-/// Why a file is not replaced when its first sync, its own, and the second, its folder's, fail with these.
+/// Why a file is not replaced when the sync of the file and that of its folder fail with these.
 std::error_code FailureOf(int fileFailure, int folderFailure) {
     WriteFile("a.trk", "old");
     syncFailures = {folderFailure, fileFailure};
@@ -261,7 +261,7 @@ TEST(AtomicFile, doesNotSetPermissionsThatAreAlreadyRight) {
     modesAreRefused = true;
     const bool doneAgain = !FailureOf(0, 0);
     modesAreRefused = false;
-    EXPECT_FALSE(doneAgain) << "it would be closed to those it was open to";
+    EXPECT_FALSE(doneAgain) << "others would lose their access";
     EXPECT_EQ(FileContent("a.trk"), "old");
     EXPECT_EQ(EntriesHere(), 1U);
 }

@@ -33,7 +33,7 @@ TEST(ReplaceAtomically, keepsTheOwnerAndTheGroupOfTheTarget) {
     WriteFile("target", "old");
     WriteFile("from", "new");
     if (chown("target", 12345, 54321) != 0)
-        GTEST_SKIP() << "this user may not give files away";
+        GTEST_SKIP() << "this user cannot change owners";
     fs::permissions("target", fs::perms::owner_read | fs::perms::owner_write);
     EXPECT_EQ(ReplaceAtomically("from", "target"), kDone);
     EXPECT_EQ(FileContent("target"), "new");
@@ -47,7 +47,7 @@ TEST(ReplaceAtomically, keepsTheOwnerAndTheGroupOfTheTarget) {
     EXPECT_EQ(ReplaceAtomically("from", "target"), kDone);
     ASSERT_EQ(stat("target", &state), 0);
     EXPECT_EQ(state.st_gid, 54321U);
-    EXPECT_EQ(ReplaceAtomically("gone", "target"), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(ReplaceAtomically("missing", "target"), std::errc::no_such_file_or_directory);
     EXPECT_EQ(FileContent("target"), "other group alone");
 }
 
@@ -57,11 +57,11 @@ TEST(ReplaceAtomically, refusesAnythingButAFile) {
     EXPECT_EQ(ReplaceAtomically("from", "missing"), std::errc::no_such_file_or_directory);
     fs::create_directory("folder");
     EXPECT_EQ(ReplaceAtomically("from", "folder"), std::errc::not_supported);
-    EXPECT_EQ(ReplaceAtomically("gone", "from"), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(ReplaceAtomically("missing", "from"), std::errc::no_such_file_or_directory);
     EXPECT_EQ(FileContent("from"), "new");
 }
 
-/// Larger than a piece, and than what is copied at once.
+/// Larger than a chunk and than the amount of one copy call.
 std::string ManyBytes() {
     std::string bytes;
     for (unsigned i = 0; i < 300'000; ++i)
@@ -80,8 +80,8 @@ TEST(CopyAtomically, copiesEveryByte) {
     }
 }
 
-/// Files that say they are empty, and are not, are read to their end; such a copy is not the file that was
-/// announced.
+/// Files that report size 0 and are not empty are read to their end; such a copy is not the announced
+/// file.
 TEST(CopyAtomically, refusesAFileOfAnotherSize) {
     const TemporaryFolder folder;
     WriteFile("to", "old");

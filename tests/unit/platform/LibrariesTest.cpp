@@ -1,4 +1,4 @@
-// The starts of the two libraries that the program asks for first.
+// The entry points of the two libraries, which the program calls first.
 
 #include "cinder/VeApiLib.h"
 #include "cinder/bCdLib.h"

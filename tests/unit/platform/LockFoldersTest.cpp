@@ -80,7 +80,7 @@ TEST_F(LockFoldersTest, omitARuntimeFolderThatOthersMayEnter) {
     EXPECT_THAT(Opened(), ElementsAre("shared/" + name));
 }
 
-/// Whatever others put under the user's name there.
+/// For anything that others put under the user's name.
 TEST_F(LockFoldersTest, useAnotherNameWhereTheirsIsTaken) {
     const std::string taken = "shared/" + name;
     const std::vector<std::function<void()>> obstacles = {
@@ -142,7 +142,7 @@ TEST_F(TakeLockTest, locksInEveryFolder) {
         EXPECT_EQ(FileLock(place, "a.lock").Result(), FileLock::State::HeldByAnother);
 }
 
-/// The runtime folder may come and go between two starts.
+/// The runtime folder may appear and disappear between two starts.
 TEST_F(TakeLockTest, failsWhenAnotherHoldsOneOfTheFolders) {
     std::vector<FileLock> locks;
     EXPECT_EQ(TakeLock(OpenLockFolders(roots), "a.lock", locks), FileLock::State::Taken);
@@ -168,7 +168,7 @@ TEST_F(TakeLockTest, skipsAFolderThatCannotHoldTheLockFile) {
     EXPECT_EQ(TakeLock({}, "a.lock", locks), FileLock::State::Failed);
 }
 
-/// All start where each has to make a folder under a name of its own.
+/// All start where each must make a folder with a new name.
 TEST_F(TakeLockTest, succeedsForExactlyOneOfManySimultaneousCallers) {
     WriteFile("shared/" + name, "in the way");
     constexpr int kProcesses = 20;

@@ -21,7 +21,7 @@ using namespace std::chrono_literals;
 
 constexpr std::int64_t kTimeout = 10'000;
 
-/// "serial@address:port" of each server found when discovery is sent to `targets`.
+/// "serial@address:port" of each server found by a discovery of `targets`.
 std::vector<std::string> Found(const std::string& targets, std::int64_t timeout = kTimeout) {
     setenv("OSTRA_DISCOVERY", targets.c_str(), 1);
     VeDiscoveryClient client;

@@ -34,7 +34,7 @@ VeRestClient ClientOf(unsigned int port) {
     return {address, port};
 }
 
-/// What one GET gives.
+/// The value of one GET.
 VeJson Get(unsigned int port, std::int64_t timeout = kPlenty) {
     return ClientOf(port).Read("/a", VeJson(), VeJson()).GetResponse(timeout).Payload();
 }
@@ -44,14 +44,14 @@ int StatusOf(const ScriptedReply& reply) {
     return ThrownBy([&] { Get(server.Port()); }).Status();
 }
 
-/// A reply that says exactly this.
+/// A reply of exactly these bytes.
 ScriptedReply Raw(const std::string& bytes) {
     ScriptedReply reply;
     reply.bytes = bytes;
     return reply;
 }
 
-/// Checks that a call fails with a time-out, and when.
+/// Checks that a call fails with a time-out, at the right time.
 void ExpectTimeout(const std::function<void()>& call, std::chrono::milliseconds timeout) {
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(ThrownBy(call).Status(), bERROR_TIMEOUT);
@@ -110,10 +110,10 @@ TEST(VeTransaction, sendsNoBodyForTheEmptyValue) {
     EXPECT_EQ(server.Requests().at(1).Field("Content-Length"), "0");
 }
 
-/// A reply in one chunk of 7 bytes with these lines behind it.
-std::string Chunked(const std::string& announced, const std::string& body, const std::string& behind) {
+/// A reply in one chunk of 7 bytes, followed by these lines.
+std::string Chunked(const std::string& announced, const std::string& body, const std::string& trailer) {
     return "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nTransfer-Encoding: chunked\r\n" + announced +
-           "\r\n7\r\n" + body + "\r\n0\r\n" + behind + "\r\n";
+           "\r\n7\r\n" + body + "\r\n0\r\n" + trailer + "\r\n";
 }
 
 /// The same with a length.
@@ -122,7 +122,7 @@ std::string Sized(const std::string& fields, const std::string& body) {
            body;
 }
 
-// Of {"a":1}, and of no other body used here.
+// The digest of {"a":1}, and of no other body used here.
 const std::string kDigestLine = "Content-Digest: " + ContentDigest(0xCFF7D56AU) + "\r\n";
 const std::string kAnnounced = "Trailer: Content-Digest\r\n";
 
@@ -225,9 +225,9 @@ TEST(VeTransaction, readsAChunkedReply) {
 }
 
 TEST(VeTransaction, failsForATruncatedReply) {
-    const ScriptedReply whole = DataReply("abcdefgh");
-    for (std::uint64_t size = 0; size < whole.bytes.size(); ++size) {
-        ScriptedReply cut = whole;
+    const ScriptedReply complete = DataReply("abcdefgh");
+    for (std::uint64_t size = 0; size < complete.bytes.size(); ++size) {
+        ScriptedReply cut = complete;
         cut.cutAfter = size;
         EXPECT_EQ(StatusOf(cut), bERROR_CONNECTION) << size;
     }
@@ -350,10 +350,10 @@ TEST(VeTransaction, keepsItsTimeoutWithAServerThatSendsSlowly) {
 }
 
 TEST(VeTransaction, keepsItsTimeoutWithAServerThatStopsHalfWay) {
-    const ScriptedReply whole = DataReply(std::string(1'000'000, 'x'));
+    const ScriptedReply complete = DataReply(std::string(1'000'000, 'x'));
     for (const std::uint64_t tenth : {1U, 5U, 9U}) {
-        ScriptedReply half = whole;
-        half.cutAfter = whole.bytes.size() * tenth / 10;
+        ScriptedReply half = complete;
+        half.cutAfter = complete.bytes.size() * tenth / 10;
         half.closes = false;
         const ScriptedServer server(half);
         ExpectTimeout([&] { Get(server.Port(), kShort); }, 300ms);
@@ -371,7 +371,7 @@ TEST(VeTransaction, keepsItsTimeoutWithAServerThatNeverStopsSending) {
 }
 
 TEST(VeTransaction, keepsItsTimeoutWithAServerThatDoesNotReadTheRequest) {
-    const LoopbackSocket listener; // the request fills the buffers on the way, and no more
+    const LoopbackSocket listener; // the request only fills the buffers
     listener.Listen(1);
     VeJson body;
     body.Set("data", VeJson::Bytes(50'000'000, 'x'));
@@ -379,7 +379,7 @@ TEST(VeTransaction, keepsItsTimeoutWithAServerThatDoesNotReadTheRequest) {
 }
 
 TEST(VeTransaction, keepsItsTimeoutWhileConnecting) {
-    const LoopbackSocket listener; // a queue that is full answers no further connection
+    const LoopbackSocket listener; // a full queue answers no further connection
     listener.Listen(0);
     std::vector<int> waiting;
     for (int i = 0; i < 3; ++i) {

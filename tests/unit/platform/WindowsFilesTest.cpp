@@ -13,7 +13,7 @@
 
 #include <windows.h>
 
-// Each test works in a fresh folder that it names by a full path, with calls of its own to see what is on the
+// Each test works in a fresh folder with a full path, and uses system calls to check what is on the
 // disk.
 
 namespace {
@@ -29,7 +29,7 @@ std::wstring Wide(const std::string& text) {
     return wide;
 }
 
-/// As the system takes it at any length.
+/// The form that the system accepts at any length.
 std::wstring Long(std::string path) {
     for (char& letter : path)
         if (letter == '/')
@@ -87,7 +87,7 @@ class WindowsFiles : public ::testing::Test {
         std::string path;
         for (const wchar_t letter : std::wstring(place, size))
             path +=
-                letter == L'\\' ? '/' : static_cast<char>(letter); // a temporary folder of letters in ASCII
+                letter == L'\\' ? '/' : static_cast<char>(letter); // a temporary folder with an ASCII name
         folder = path + "corvane b\u00fchne \u6e2c " + std::to_string(GetCurrentProcessId());
         ASSERT_TRUE(CreateDirectoryW(Long(folder).c_str(), nullptr)) << folder;
     }
@@ -137,7 +137,7 @@ TEST_F(WindowsFiles, markedAsReadOnlyStayUnchanged) {
 
 TEST_F(WindowsFiles, openInAnotherProgramStayUnchanged) {
     Put(In("track.trk"), "old");
-    // As a program opens a file that it wants nobody else to change.
+    // As a program opens a file that no other may change.
     const HANDLE other = Open(In("track.trk"), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
     EXPECT_FALSE(Save(In("track.trk"), "new"));
     EXPECT_EQ(ContentOf(In("track.trk")), "old");
@@ -261,7 +261,7 @@ TEST_F(WindowsFiles, throughALinkAreNeitherRemovedNorReached) {
     Put(In("outside/file"), "x");
     if (CreateSymbolicLinkW(Long(In("tree/link")).c_str(), Long(In("outside")).c_str(),
                             SYMBOLIC_LINK_FLAG_DIRECTORY) == FALSE)
-        GTEST_SKIP() << "this user may make no links: " << GetLastError();
+        GTEST_SKIP() << "this user cannot make links: " << GetLastError();
     EXPECT_FALSE(FolderHandle(In("tree"), FolderHandle::Links::Followed).OpenFolder("link").IsOpen());
     EXPECT_FALSE(FolderHandle(In("tree/link"), FolderHandle::Links::Refused).IsOpen());
     EXPECT_EQ(bDirectory_Delete(In("tree").c_str()), bOK);

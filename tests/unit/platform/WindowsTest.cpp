@@ -26,7 +26,7 @@ class MutexTest : public ::testing::Test {
         ::setenv("CORVANE_INSTANCE", instance.c_str(), 1);
     }
 
-    /// Runs `work` in a process of its own, which then holds what it has until it is killed.
+    /// Runs `work` in a separate process, which then keeps its resources until it is killed.
     template<typename Work>
     static pid_t holdInChild(Work work) {
         int ready[2];
@@ -136,7 +136,7 @@ TEST_F(MutexTest, exactlyOneOfFiftyConcurrentCallersCreatesIt) {
             continue;
         ::close(start[1]);
         char byte = 0;
-        if (::read(start[0], &byte, 1) != 0) // until all are there
+        if (::read(start[0], &byte, 1) != 0) // until all are ready
             ::_exit(1);
         const HANDLE mutex = CreateMutexW(nullptr, FALSE, L"corvane");
         byte = mutex == nullptr ? 'f' : GetLastError() == ERROR_ALREADY_EXISTS ? 'e' : 'm';
@@ -162,7 +162,7 @@ TEST_F(MutexTest, childProcessesDoNotInheritIt) {
         ::execl("/bin/sleep", "sleep", "60", nullptr);
         ::_exit(1);
     }
-    // The child lets go of it by becoming another program; that it has is seen from its command line.
+    // The child releases it by exec; the new command line shows that it has.
     const std::string commandLine = "/proc/" + std::to_string(child) + "/comm";
     while (FileContent(commandLine) != "sleep\n")
         ::usleep(1000);
@@ -229,7 +229,7 @@ TEST_F(MutexTest, instanceFolderThatOthersMayEnterIsRefused) {
     }
 }
 
-/// Its files have a name of their own in the user's own places, and are removed afterwards.
+/// Its files have a unique name in the user's real folders and are removed afterwards.
 TEST_F(MutexTest, isPerUserForAnyRuntimeDirectory) {
     const std::string name = "corvane-test-" + std::to_string(::getpid());
     const std::wstring wide(name.begin(), name.end());
@@ -299,12 +299,12 @@ TEST(TickCountTest, isMonotonic) {
     EXPECT_LE(ticks - before, after - before);
 }
 
-/// The hours of a place where it is afternoon.
+/// A time zone where it is afternoon.
 TEST(TimeFormatTest, formatsTwentyFourHoursOfLocalTime) {
     const std::time_t now = std::time(nullptr);
     std::tm world{};
     gmtime_r(&now, &world);
-    const int east = 13 - world.tm_hour; // so that the hour there is 13, or 14 when it strikes meanwhile
+    const int east = 13 - world.tm_hour; // the hour there is 13, or 14 if it changes during the test
     ::setenv("TZ", ("Place" + std::to_string(-east)).c_str(), 1);
     ::tzset();
     char text[200];

@@ -118,7 +118,7 @@ TEST(Directory, isNotListedWhenItCannotBeRead) {
 }
 
 TEST(ArrayList, staysUnchangedWhenMemoryIsOut) {
-    FailingAllocator allocator(3); // the object, room for one item, then the text of the item
+    FailingAllocator allocator(3); // the object, the capacity for one item, then the item's string
     bArrayList* made = nullptr;
     ASSERT_EQ(bArrayList_Construct(&made, bString_TYPE, 1, &allocator), bOK);
     EXPECT_EQ(made->Add(std::string(100, 'x')), bERROR_MEMORY);

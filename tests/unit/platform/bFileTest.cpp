@@ -17,26 +17,26 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-// The linker puts this function in the place of the system's (see --wrap in CMakeLists.txt).
+// The linker replaces the system's function by this one (see --wrap in CMakeLists.txt).
 ssize_t ShortRead(int descriptor, void* data, std::size_t size) __asm__("__wrap_read");
 ssize_t RealRead(int descriptor, void* data, std::size_t size) __asm__("__real_read");
 
 namespace {
 
-/// No read gives more bytes than this, and every other one is interrupted; 0 for reads as they are.
-std::size_t mostBytesRead = 0;
+/// The maximum size of a read, of which every other one is interrupted; 0 for normal reads.
+std::size_t maxBytesRead = 0;
 int reads = 0;
 
 } // namespace
 
 ssize_t ShortRead(int descriptor, void* data, std::size_t size) {
-    if (mostBytesRead == 0)
+    if (maxBytesRead == 0)
         return RealRead(descriptor, data, size);
     if (++reads % 2 == 0) {
         errno = EINTR;
         return -1;
     }
-    return RealRead(descriptor, data, std::min(size, mostBytesRead));
+    return RealRead(descriptor, data, std::min(size, maxBytesRead));
 }
 
 namespace {
@@ -92,9 +92,9 @@ TEST(File, isReadCompletelyInPartialReads) {
     const auto file = Open("file", bFile_READ);
     std::string data(20, '?');
     std::size_t count = 0;
-    mostBytesRead = 3;
+    maxBytesRead = 3;
     const bStatus status = file->Read(data.data(), 8, &count);
-    mostBytesRead = 0;
+    maxBytesRead = 0;
     EXPECT_EQ(status, bOK);
     EXPECT_EQ(count, 8U);
     EXPECT_EQ(data, "abcdefgh????????????");
@@ -226,10 +226,10 @@ TEST(File, allocatesNoWriteBufferForReading) {
 
 TEST(File, readsFromASequentialSource) {
     int calls = 0;
-    const auto source = [&calls](char* room, std::size_t capacity, std::string_view* block) {
+    const auto source = [&calls](char* buffer, std::size_t capacity, std::string_view* block) {
         EXPECT_EQ(capacity, 4U);
-        room[0] = static_cast<char>('a' + calls);
-        *block = {room, calls < 2 ? 1U : 0U};
+        buffer[0] = static_cast<char>('a' + calls);
+        *block = {buffer, calls < 2 ? 1U : 0U};
         return calls++ < 3 ? bOK : bERROR_FORMAT;
     };
     bFile* file = nullptr;
@@ -241,16 +241,16 @@ TEST(File, readsFromASequentialSource) {
     FileFacts facts;
     EXPECT_EQ(file->Ask(&facts), bOK);
     EXPECT_EQ(facts, (FileFacts{.size = 2}));
-    EXPECT_EQ(file->Skip(1), 0) << "it is read over instead";
-    std::array<char, 4> room{};
+    EXPECT_EQ(file->Skip(1), 0) << "the caller must read it instead";
+    std::array<char, 4> buffer{};
     std::string_view block;
     for (const char* const expected : {"a", "b", ""}) {
-        EXPECT_EQ(file->ReadBlock(room.data(), room.size(), &block), bOK);
+        EXPECT_EQ(file->ReadBlock(buffer.data(), buffer.size(), &block), bOK);
         EXPECT_EQ(block, expected);
     }
-    EXPECT_EQ(file->ReadBlock(room.data(), room.size(), &block), bERROR_FORMAT);
+    EXPECT_EQ(file->ReadBlock(buffer.data(), buffer.size(), &block), bERROR_FORMAT);
     std::size_t count = 1;
-    EXPECT_EQ(file->Read(room.data(), room.size(), &count), bERROR_FILE);
+    EXPECT_EQ(file->Read(buffer.data(), buffer.size(), &count), bERROR_FILE);
     EXPECT_EQ(count, 0U);
     EXPECT_EQ(bFile_Commit(file), bERROR_FILE);
 }

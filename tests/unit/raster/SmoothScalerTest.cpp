@@ -29,7 +29,7 @@ int LargestDifference(const QImage& one, const QImage& other) {
     return largest;
 }
 
-/// A random part of the scaled image against the same part of the toolkit's whole one.
+/// The difference of a random part of the scaled image from the same part of Qt's complete one.
 int DifferenceAt(const QImage& source, const QSize& target, std::mt19937& random) {
     const QImage whole = source.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     QRect part(static_cast<int>(random() % static_cast<unsigned>(target.width())),

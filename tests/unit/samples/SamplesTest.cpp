@@ -85,7 +85,7 @@ TEST_F(SamplesTest, pathsAreInsideThePartInBothCoordinateSystems) {
     EXPECT_TRUE(binary(MachinedPart(Kind::Groove, 300, 200, 3), false).segments.empty());
 }
 
-/// The mean raw height of the measured cells around a place that is given in shares of the picture.
+/// The mean raw height of the measured cells around a place, given as fractions of the picture's size.
 double MeanAround(const independent::Track& track, double x, double y) {
     double sum = 0;
     int count = 0;
@@ -122,7 +122,8 @@ TEST_F(SamplesTest, partHasHolesShadowsNoiseAndABoss) {
     const double boss = MeanAround(track, 0.21, 0.70);
     const double plate = MeanAround(track, 0.40, 0.85);
     EXPECT_NEAR(boss - plate, 300.0, 60.0);
-    // the camera on the right does not see behind the boss: its radius is 7.3 mm in a width of 99.9 mm
+    // the boss hides what is behind it from the camera on the right: its radius is 7.3 mm in a width of 99.9
+    // mm
     EXPECT_EQ(MeanAround(track, 0.21 - 0.073 - 0.006, 0.70), -32768.0);
     EXPECT_GT(MeanAround(track, 0.21 + 0.073 + 0.015, 0.70), plate - 60);
     const double table = MeanAround(track, 0.5, 0.99);

@@ -17,7 +17,7 @@ using OstraSdk::CborReader;
 using OstraSdk::VeJson;
 using namespace std::string_literals;
 
-/// A body that comes in pieces of a size.
+/// A body that arrives in pieces of a fixed size.
 class Pieces final : public OstraSdk::ByteSource {
   public:
     Pieces(std::string bytes, std::size_t pieceSize) : bytes(std::move(bytes)), pieceSize(pieceSize) {}
@@ -234,7 +234,7 @@ TEST(CborReader, readsAtMostSixtyFourLevels) {
 
 TEST(CborReader, limitsEverythingButByteStrings) {
     constexpr std::size_t kMiB = std::size_t{1024} * 1024;
-    const std::string text = MapOf("\x7A" + "\x00\x10\x00\x00"s); // a text of 1 MiB
+    const std::string text = MapOf("\x7A" + "\x00\x10\x00\x00"s); // a string of 1 MiB
     EXPECT_EQ(StatusOf(text + std::string(kMiB, 'a')), bERROR_LIMIT);
     EXPECT_EQ(StatusOf("\x9A" + "\x00\x20\x00\x00"s + std::string(2 * kMiB, '\x01')), bERROR_LIMIT);
     EXPECT_EQ(StatusOf("\x99\x03\xE9" + std::string(1001, '\x40')), bERROR_LIMIT);

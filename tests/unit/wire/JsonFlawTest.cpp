@@ -45,7 +45,7 @@ TEST(JsonFlaw, acceptsKeysThatOnlyLookAlike) {
     }
 }
 
-// The toolkit's parser takes the two keys for one.
+// Qt's parser treats the two keys as equal.
 TEST(JsonFlaw, reportsZeroByteInKey) {
     using std::string_literals::operator""s;
     EXPECT_EQ(FlawOf("{\"a\0b\":1,\"a\0c\":2}"s), JsonFlaw::ZeroInKey);
@@ -61,7 +61,7 @@ TEST(JsonFlaw, reportsTooDeepNesting) {
     EXPECT_EQ(FlawOf(std::string(100'000, '[')), JsonFlaw::TooDeep);
 }
 
-// Such a text is left to the parser, which says what is wrong with it.
+// The parser reports what is wrong with such a text.
 TEST(JsonFlaw, leavesMalformedTextToTheParser) {
     for (const char* const text :
          {"}", "]]", ":", "{:", "{:}", "\"", "\"\\", "{\"a", "{\"a\\", "{\"a\\\"",

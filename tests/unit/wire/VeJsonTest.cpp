@@ -13,7 +13,7 @@ namespace {
 
 using OstraSdk::VeJson;
 
-/// A text of `depth` arrays in each other.
+/// JSON text with `depth` nested arrays.
 std::string Nested(std::size_t depth) {
     return std::string(depth, '[') + std::string(depth, ']');
 }
