@@ -258,7 +258,7 @@ TEST_F(BadTracks, reportsMissingFileAndFolder) {
         (void)log.Lines();
         operate("Load");
         expectErrorBox(kNoInfo);
-        EXPECT_THAT(log.Lines(), Contains("ERROR: Could not find file (" + kTracks + "gone.trk)"));
+        EXPECT_THAT(log.Lines(), Contains("ERROR: Could not find file (" + kTracks + "missing.trk)"));
         fs::create_directories(kTracks + "missing.trk");
     }
     choose("comboBox_file", "keep.trk");
