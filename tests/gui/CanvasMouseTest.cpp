@@ -170,7 +170,7 @@ TEST_F(CanvasMouse, doesNotArmAPointExactlyFivePixelsAway) {
 }
 
 TEST_F(CanvasMouse, clampsTheCursorBeforeTheSearch) {
-    mouse.Press({3, 150}); // the first point may lie in the margin
+    mouse.Press({3, 150}); // the first point may be in the margin
     mouse.Release({200, 150});
     mouse.Move({3, 150}); // the cursor counts as (10, 150)
     EXPECT_TRUE(State().dragPoint.isNull());

@@ -50,10 +50,10 @@ class CanvasRefining : public CanvasTest {
     [[nodiscard]] static QImage Undisturbed(const QPixmap& map, const std::vector<QPointF>& points) {
         CanvasWindow other;
         other.ShowImage({300, 250});
-        Mouse hand(other.canvas);
-        hand.Draw(points);
+        Mouse otherMouse(other.canvas);
+        otherMouse.Draw(points);
         other.canvas->setPixmap(map);
-        hand.Move({20, 20});
+        otherMouse.Move({20, 20});
         (void)other.Picture();
         EXPECT_TRUE(QTest::qWaitFor([&other] { return !other.canvas->isRefining(); }));
         return other.Picture();

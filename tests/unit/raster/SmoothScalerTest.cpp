@@ -17,7 +17,7 @@ QImage Noise(const QSize& size, unsigned seed) {
     return image;
 }
 
-int LargestDifference(const QImage& one, const QImage& other) {
+int MaxDifference(const QImage& one, const QImage& other) {
     int largest = 0;
     for (int y = 0; y < one.height(); ++y)
         for (int x = 0; x < one.width(); ++x) {
@@ -31,13 +31,13 @@ int LargestDifference(const QImage& one, const QImage& other) {
 
 /// The difference of a random part of the scaled image from the same part of Qt's complete one.
 int DifferenceAt(const QImage& source, const QSize& target, std::mt19937& random) {
-    const QImage whole = source.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    const QImage full = source.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     QRect part(static_cast<int>(random() % static_cast<unsigned>(target.width())),
                static_cast<int>(random() % static_cast<unsigned>(target.height())), 90, 70);
     part = part.intersected(QRect(QPoint(0, 0), target));
     QImage rendered(part.size() + QSize(3, 2), QImage::Format_RGB32);
     SmoothScaler(source, target).Render(part, rendered, {3, 2});
-    return LargestDifference(rendered.copy(QRect(QPoint(3, 2), part.size())), whole.copy(part));
+    return MaxDifference(rendered.copy(QRect(QPoint(3, 2), part.size())), full.copy(part));
 }
 
 TEST(SmoothScaler, partsEqualTheWholePictureAtEveryViewScale) {

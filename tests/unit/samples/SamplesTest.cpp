@@ -122,8 +122,7 @@ TEST_F(SamplesTest, partHasHolesShadowsNoiseAndABoss) {
     const double boss = MeanAround(track, 0.21, 0.70);
     const double plate = MeanAround(track, 0.40, 0.85);
     EXPECT_NEAR(boss - plate, 300.0, 60.0);
-    // the boss hides what is behind it from the camera on the right: its radius is 7.3 mm in a width of 99.9
-    // mm
+    // the boss hides its far side from the right camera: its radius is 7.3 mm in a width of 99.9 mm
     EXPECT_EQ(MeanAround(track, 0.21 - 0.073 - 0.006, 0.70), -32768.0);
     EXPECT_GT(MeanAround(track, 0.21 + 0.073 + 0.015, 0.70), plate - 60);
     const double table = MeanAround(track, 0.5, 0.99);

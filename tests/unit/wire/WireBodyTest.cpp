@@ -9,10 +9,10 @@ using namespace std::string_literals;
 using OstraSdk::WireBody;
 
 std::string Together(const WireBody& body) {
-    std::string whole;
+    std::string bytes;
     for (const std::string_view part : body.Parts())
-        whole += part;
-    return whole;
+        bytes += part;
+    return bytes;
 }
 
 TEST(WireBody, isEmptyForTheEmptyValue) {
