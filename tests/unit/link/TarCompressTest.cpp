@@ -1,4 +1,4 @@
-#include "link/FileUtils.h"
+#include "ArchiveOutcome.h"
 
 #include "FailingAllocator.h"
 #include "FileSizeLimit.h"
@@ -6,9 +6,6 @@
 #include "LogCapture.h"
 #include "OrdinaryUser.h"
 #include "RunTool.h"
-#include "TemporaryFolder.h"
-#include "basalt/Exception.h"
-#include "basalt/bStatus.h"
 
 #include <gmock/gmock.h>
 
@@ -24,17 +21,9 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::IsSupersetOf;
 
-/// How packing ends: status, message and function of its failure, or "packed".
 std::string Packing(const std::string& source, const std::string& archive,
                     bAlloc allocator = bAlloc_Application()) {
-    try {
-        TarCompress(source, archive, allocator);
-        return "packed";
-    } catch (const Ve::Exception& failure) {
-        EXPECT_NE(failure.Line(), 0);
-        EXPECT_THAT(failure.File(), testing::HasSubstr("FileUtils.cpp"));
-        return std::to_string(failure.Status()) + " " + failure.what() + " in " + failure.Function();
-    }
+    return OutcomeOf([&] { TarCompress(source, archive, allocator); }, "packed");
 }
 
 std::string Failure(bStatus status, const std::string& message) {
@@ -125,7 +114,7 @@ TEST(TarCompress, reportsAnArchiveThatCannotBeOpened) {
 TEST(TarCompress, namesTheStepAtWhichMemoryRanOut) {
     const TemporaryFolder folder;
     MakeTree();
-    WriteFile("tree/" + std::string(100, 'n'), "a name that needs memory of its own");
+    WriteFile("tree/" + std::string(100, 'n'), "a name that needs its own memory");
     fs::create_directory("tree/" + std::string(100, 'd'));
     WriteFile("out.tar", "old");
     std::set<std::string> failures;
@@ -196,27 +185,28 @@ TEST(TarCompress, keepsTheOldArchiveWhenAFileCannotBeRead) {
     ASSERT_EQ(chmod("tree/a/b/c.trk", 0), 0);
     EXPECT_EQ(Packing("tree", "out.tar"), Failure(bERROR_FILE, "Failed to write tree/a/b/c.trk"));
     EXPECT_EQ(FileContent("out.tar"), "old");
-    EXPECT_EQ(FolderTree(".").size(), 9U); // the tree and the old archive: nothing else stays behind
+    EXPECT_EQ(FolderTree(".").size(), 9U); // the tree and the old archive: nothing else is left over
 }
 
 TEST(TarCompress, keepsTheOldArchiveWhenTheDiskIsFull) {
     const TemporaryFolder folder;
     MakeTree();
     WriteFile("out.tar", "old");
-    constexpr rlim_t kWhole = 107'008;
+    constexpr rlim_t kArchiveSize = 107'008;
     constexpr rlim_t kLastBuffer = 1536; // the entry of "empty" and the end mark
     std::set<std::string> failures;
-    for (const rlim_t room : {rlim_t{0}, rlim_t{512}, rlim_t{60'000}, kWhole - kLastBuffer - 1,
-                              kWhole - kLastBuffer, kWhole - kLastBuffer + 1, kWhole - 512, kWhole - 1}) {
-        const FileSizeLimit limit(room);
+    for (const rlim_t maxSize :
+         {rlim_t{0}, rlim_t{512}, rlim_t{60'000}, kArchiveSize - kLastBuffer - 1, kArchiveSize - kLastBuffer,
+          kArchiveSize - kLastBuffer + 1, kArchiveSize - 512, kArchiveSize - 1}) {
+        const FileSizeLimit limit(maxSize);
         failures.insert(Packing("tree", "out.tar"));
-        EXPECT_EQ(FileContent("out.tar"), "old") << room;
+        EXPECT_EQ(FileContent("out.tar"), "old") << maxSize;
     }
     EXPECT_THAT(failures, testing::ElementsAre(Failure(bERROR_FILE, "Failed to write out.tar"),
                                                Failure(bERROR_FILE, "Failed to write tree/a/b/c.trk")));
-    const FileSizeLimit enough(kWhole);
+    const FileSizeLimit enough(kArchiveSize);
     EXPECT_EQ(Packing("tree", "out.tar"), "packed");
-    EXPECT_EQ(fs::file_size("out.tar"), kWhole);
+    EXPECT_EQ(fs::file_size("out.tar"), kArchiveSize);
 }
 
 TEST(TarCompress, takesLittleMemoryForALargeFile) {
