@@ -1,11 +1,11 @@
 #include "workflow/KeptCopies.h"
 
 #include "FileSizeLimit.h"
+#include "FixedTime.h"
 #include "FolderTree.h"
 #include "LogCapture.h"
 #include "OrdinaryUser.h"
 #include "TemporaryFolder.h"
-#include "TimeZone.h"
 #include "workflow/KeptFolder.h"
 
 #include <gmock/gmock.h>
@@ -33,16 +33,13 @@ using testing::StartsWith;
 
 using Tree = std::map<std::string, std::string>;
 
-constexpr std::time_t kTime = 1795356192; ///< 2026-11-22 14:03:12 in UTC
-const std::string kStamp = "2026-11-22 14.03.12 ";
-
 class KeptCopiesTest : public testing::Test {
   protected:
     KeptCopies Copies(std::size_t most = 50, std::uint64_t bytes = 1'000'000) {
         return {kept, {most, bytes}, [this] { return now; }};
     }
 
-    /// Keeps a file of this content, one second after the one before.
+    /// Keeps a file of this content, one second after the previous one.
     std::string Keep(KeptCopies& copies, const std::string& name, const std::string& content) {
         ++now;
         WriteFile(name, content);
@@ -50,7 +47,7 @@ class KeptCopiesTest : public testing::Test {
         return copy ? fs::path(*copy).filename().string() : "not kept";
     }
 
-    /// That nothing can be kept in this folder, and that the log says so, with this reason.
+    /// Checks that nothing can be kept in this folder, and that the log gives this reason.
     void ExpectFailureIn(const std::string& folder, const std::string& reason) {
         fs::remove("a.trk"); // it may be another user's
         WriteFile("a.trk", "content");
@@ -246,7 +243,7 @@ TEST_F(KeptCopiesTest, areLimitedInSize) {
     const std::string second = Keep(copies, "a.trk", "four");
     const std::string third = Keep(copies, "a.trk", "sixsix");
     EXPECT_EQ(FolderTree(kept), (Tree{{second, "four"}, {third, "sixsix"}}));
-    // The oldest go first, also where a newer one alone would make place enough.
+    // The oldest are removed first, even where removing a newer one alone would free enough space.
     const std::string fourth = Keep(copies, "a.trk", "fives");
     EXPECT_EQ(FolderTree(kept), (Tree{{fourth, "fives"}}));
 }
@@ -273,7 +270,7 @@ TEST_F(KeptCopiesTest, stayWhenTheClockWasSetBack) {
 TEST_F(KeptCopiesTest, areRemovedInOrderWithinASecond) {
     KeptCopies copies = Copies(2);
     for (int i = 0; i < 12; ++i) {
-        --now; // which Keep moves on
+        --now; // Keep advances it
         Keep(copies, "a.trk", std::to_string(i));
     }
     std::vector<std::string> contents;

@@ -1,10 +1,10 @@
 #include "workflow/TextOriginal.h"
 
+#include "FixedTime.h"
 #include "FolderTree.h"
 #include "LogCapture.h"
 #include "SmallTrack.h"
 #include "TemporaryFolder.h"
-#include "TimeZone.h"
 #include "workflow/KeptCopies.h"
 
 #include <gtest/gtest.h>

@@ -1,11 +1,11 @@
 #include "workflow/UnsentTracks.h"
 
 #include "FileSizeLimit.h"
+#include "FixedTime.h"
 #include "FolderTree.h"
 #include "LogCapture.h"
 #include "OrdinaryUser.h"
 #include "TemporaryFolder.h"
-#include "TimeZone.h"
 #include "workflow/KeptCopies.h"
 
 #include <gmock/gmock.h>
@@ -26,8 +26,6 @@ using testing::StartsWith;
 
 using Tree = std::map<std::string, std::string>;
 
-constexpr std::time_t kTime = 1795356192; ///< 2026-11-22 14:03:12 in UTC
-const std::string kStamp = "2026-11-22 14.03.12 ";
 const std::string kWorkspace = "./TmpDir Osws";
 const std::string kTracks = kWorkspace + "/vdk/Größe";
 
@@ -35,7 +33,7 @@ class UnsentTracksTest : public testing::Test {
   protected:
     UnsentTracksTest() { fs::create_directories(kTracks); }
 
-    /// Those that a new run starts with.
+    /// The unsent tracks at the start of a new run.
     UnsentTracks Tracks() { return {copies, kWorkspace, kTracks}; }
 
     /// The names of the lists that exist.
@@ -47,7 +45,7 @@ class UnsentTracksTest : public testing::Test {
         return names;
     }
 
-    /// The one list there is.
+    /// The only list.
     [[nodiscard]] std::string List() const {
         const std::vector<std::string> names = Lists();
         EXPECT_THAT(names, SizeIs(1));
@@ -110,7 +108,7 @@ TEST_F(UnsentTracksTest, belongToOneWorkspace) {
     others.Record("b.trk");
     EXPECT_THAT(Lists(), SizeIs(2));
     EXPECT_THAT(Tracks().Names(), ElementsAre("a.trk"));
-    // However its folder is named.
+    // Independent of the spelling of its folder.
     const UnsentTracks same(copies, folder.Path("TmpDir Other/../TmpDir Osws"), kTracks);
     EXPECT_THAT(same.Names(), ElementsAre("a.trk"));
 }
@@ -122,7 +120,7 @@ TEST_F(UnsentTracksTest, areKeptBeforeTheWorkspaceIsRemoved) {
     fs::create_directory(kTracks + "/folder.trk");
     Tracks().Record("b.trk");
     UnsentTracks tracks = Tracks();
-    for (const char* const name : {"a.trk", "gone.trk", "folder.trk"})
+    for (const char* const name : {"a.trk", "missing.trk", "folder.trk"})
         tracks.Record(name);
     tracks.Keep();
     EXPECT_TRUE(tracks.IsEmpty());
@@ -132,7 +130,7 @@ TEST_F(UnsentTracksTest, areKeptBeforeTheWorkspaceIsRemoved) {
     EXPECT_TRUE(Tracks().IsEmpty());
 }
 
-/// Whatever the sequence does next must not wait for it.
+/// The following steps of the sequence must not depend on it.
 TEST_F(UnsentTracksTest, areDroppedEvenWhenTheyCannotBeKept) {
     UnsentTracks tracks = Tracks();
     WriteFile(kTracks + "/a.trk", "saved");
@@ -247,7 +245,7 @@ TEST_F(DamagedListTest, isIgnoredWhenItIsNotAFile) {
     EXPECT_THAT(log.Lines(), ElementsAre(HasSubstr("Is a directory")));
 }
 
-/// A sound list whose names would lead out of the track folder.
+/// A valid list whose names would lead out of the track folder.
 TEST_F(DamagedListTest, isIgnoredWhenItHoldsPaths) {
     for (const std::string& name : {std::string(), std::string("."), std::string(".."),
                                     std::string("../a.trk"), std::string("a\0b", 3)}) {
