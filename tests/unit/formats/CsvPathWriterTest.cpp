@@ -36,6 +36,20 @@ const std::string kNoPaths =
 
 using CsvUpdate = UpdateTest<ConvertCSV>;
 
+/// A path of two points with one tick of the ruler.
+TrackPath PathOfOneTick(const std::vector<QPointF>& points) {
+    TrackPath path;
+    path.points = points;
+    path.methods = {1, 2};
+    path.lengths = {100, 101};
+    path.widths = {50, 51};
+    path.spaces = {99, 98};
+    path.rulerMarks.resize(1);
+    path.rulerMarks[0].tickStarts = {{0.5, 0.25}};
+    path.rulerMarks[0].tickEnds = {{0.75, 1}};
+    return path;
+}
+
 TEST_F(CsvUpdate, equalsTheIndependentWriterByteForByte) {
     Track original = SampleTrack();
     SetRecords(original, {SamplePaths()[1]}, {9, 8, 7, 6, 5});
@@ -45,15 +59,7 @@ TEST_F(CsvUpdate, equalsTheIndependentWriterByteForByte) {
 }
 
 TEST_F(CsvUpdate, writesTheDocumentedPathLines) {
-    TrackPath path;
-    path.points = {{0.25, 0.4}, {0.65, 0.4}};
-    path.methods = {1, 2};
-    path.lengths = {100, 101};
-    path.widths = {50, 51};
-    path.spaces = {99, 98};
-    path.rulerMarks.resize(1);
-    path.rulerMarks[0].tickStarts = {{0.5, 0.25}};
-    path.rulerMarks[0].tickEnds = {{0.75, 1}};
+    const TrackPath path = PathOfOneTick({{0.25, 0.4}, {0.65, 0.4}});
     WriteFile("a.trk", "");
     EXPECT_EQ(converter.UpdatePath("a.trk", "b.trk", {path}, 0.25, 10, 20, 100, 1000), 0);
     EXPECT_EQ(FileContent("b.trk"),
@@ -169,7 +175,7 @@ TEST_F(CsvUpdate, writesAnyNumberLikeAStream) {
                 kZeroAnchor + kNoPaths.substr(0, kNoPaths.size() - 4) + expected + "End\n");
 }
 
-/// Numbers as they are written in much of Europe.
+/// A locale with a decimal comma, as in much of Europe.
 class CommaNumbers : public std::numpunct<char> {
   protected:
     [[nodiscard]] char do_decimal_point() const override { return ','; }
@@ -180,7 +186,7 @@ class CommaNumbers : public std::numpunct<char> {
 TEST_F(CsvUpdate, writesADecimalPointInAnyLocale) {
     const std::string before = std::setlocale(LC_ALL, nullptr);
     for (const char* name : {"de_DE.UTF-8", "fr_FR.UTF-8"})
-        std::setlocale(LC_ALL, name); // where the system has one
+        std::setlocale(LC_ALL, name); // if the system has it
     const std::locale old = std::locale::global(std::locale(std::locale::classic(), new CommaNumbers));
     const std::string target = Updated(TextFile(SampleTrack()), SamplePaths());
     std::locale::global(old);
@@ -268,15 +274,7 @@ TEST_F(CsvUpdate, neverWritesACompleteTrack) {
 using CsvPathsAlone = UpdateTest<ConvertCSV>;
 
 TEST_F(CsvPathsAlone, equalTheSegmentSection) {
-    TrackPath path;
-    path.points = {{0.5, 0.1}, {1.0 / 3.0, 12345678.75}};
-    path.methods = {1, 2};
-    path.lengths = {100, 101};
-    path.widths = {50, 51};
-    path.spaces = {99, 98};
-    path.rulerMarks.resize(1);
-    path.rulerMarks[0].tickStarts = {{0.5, 0.25}};
-    path.rulerMarks[0].tickEnds = {{0.75, 1}};
+    const TrackPath path = PathOfOneTick({{0.5, 0.1}, {1.0 / 3.0, 12345678.75}});
     EXPECT_EQ(WriteCsvPathsAlone("a.csv", {path}), 0);
     EXPECT_EQ(FileContent("a.csv"),
               "Segment\nTrack,Segment,X,Y,RelativeX,RelativeY,Method,Length,Width,Space\n"
