@@ -40,7 +40,7 @@ void CheckSameRange(const TrackInfo& info, const independent::Track& track) {
 } // namespace
 
 // Any bytes, read as a binary track by all four operations; where a plain reader can read the file as well,
-// both must have found the same.
+// both must find the same.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const FuzzFolder folder;
     const int freeDescriptor = FreeDescriptor();
@@ -49,7 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     ConvertBIN converter;
     TrackInfo info;
-    info.width = -1; // stays where the file is of another version
+    info.width = -1; // stays so for a file of another version
     const int infoResult = converter.ReadInfo(file, info);
     const bool hasInfo = infoResult == 0 && info.width >= 0;
     if (hasInfo) {

@@ -11,7 +11,7 @@ namespace {
 constexpr std::size_t kHeaderSize = 68;
 
 /// The header and the map of the original, as the target must begin.
-std::string HeadOf(const std::string& original) {
+std::string HeaderAndMapOf(const std::string& original) {
     std::int32_t width = 0;
     std::int32_t height = 0;
     std::memcpy(&width, original.data() + 60, sizeof width);
@@ -24,13 +24,13 @@ void CheckTarget(const PathUpdate& update) {
     const std::string& original = update.original;
     const std::string& target = update.target;
     const std::vector<TrackPath>& paths = update.paths;
-    Check(original.size() >= kHeaderSize && target.starts_with(HeadOf(original)),
+    Check(original.size() >= kHeaderSize && target.starts_with(HeaderAndMapOf(original)),
           "header and map are copied byte for byte");
     std::vector<TrackPath> read;
     Check(ConvertBIN().ReadPath("target.trk", read) == 0, "the paths can be read back");
     CheckSamePaths(read, paths);
-    // The independent reader takes whole files only: with the usual first bytes and an anchor.
-    if (!target.starts_with("Track  ") || target[7] != '\0' || target[HeadOf(original).size()] != 'A')
+    // The independent reader accepts complete files only: with the usual first bytes and an anchor.
+    if (!target.starts_with("Track  ") || target[7] != '\0' || target[HeaderAndMapOf(original).size()] != 'A')
         return;
     try {
         CheckSameRecords(independent::ReadBinary(target).segments, paths);
@@ -41,7 +41,7 @@ void CheckTarget(const PathUpdate& update) {
 
 } // namespace
 
-// New paths into any bytes that are taken for a binary track.
+// Writes new paths into any bytes, read as a binary track.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     ConvertBIN converter;
     const PathUpdate update = UpdateAnyPaths(converter, data, size);

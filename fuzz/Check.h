@@ -2,7 +2,7 @@
 
 #include <string>
 
-/// Stops the fuzzer with the input at hand kept as a finding, and says which promise was broken.
+/// Stops the fuzzer, which then stores the current input as a finding, and prints which promise was broken.
 [[noreturn]] void Broken(const std::string& promise);
 
 /// Stops the fuzzer unless the promise holds.

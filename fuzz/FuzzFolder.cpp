@@ -19,7 +19,7 @@ FuzzFolder::FuzzFolder() {
     const fs::path memory = "/dev/shm";
     const fs::path parent = fs::is_directory(memory, failure) ? memory : fs::temp_directory_path();
     path = (parent / ("corvane-fuzz-" + std::to_string(getpid()))).string();
-    fs::remove_all(path, failure); // an earlier process of this number did not end well
+    fs::remove_all(path, failure); // left over by an earlier process with this number
     Check(mkdir(path.c_str(), 0700) == 0, "a folder for the fuzzer can be made");
     fs::current_path(path);
     Output2FILE::Target() = std::fopen("/dev/null", "w");
@@ -37,7 +37,7 @@ Tree TreeOf(const std::string& folder) {
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
         struct stat status {};
         if (lstat(entry.path().c_str(), &status) != 0)
-            Broken("what is in a folder can be looked at");
+            Broken("every entry of a folder can be inspected");
         const std::string permissions = std::to_string(status.st_mode & kPermissionBits);
         std::string& what = tree[entry.path().lexically_relative(folder).string()];
         if (S_ISREG(status.st_mode))

@@ -6,8 +6,8 @@
 #include <string>
 
 /// A folder in memory in which one fuzzer works, from its start to the end of the process: it is the working
-/// directory, nothing else is in it at first, and the log of the editor goes nowhere. Its name ends with the
-/// number of the process, so that who started that one can remove what a finding leaves.
+/// directory, is empty at first, and the editor's log is discarded. Its name ends with the
+/// number of the process, so that the caller can remove what is left over after a finding.
 class FuzzFolder {
   public:
     FuzzFolder();
@@ -22,7 +22,7 @@ class FuzzFolder {
     std::string path;
 };
 
-/// What one name in a folder stands for: "file PERMISSIONS CONTENT", "folder PERMISSIONS", "link TARGET" or
+/// One entry of a folder: "file PERMISSIONS CONTENT", "folder PERMISSIONS", "link TARGET" or
 /// "other".
 using Tree = std::map<std::string, std::string>;
 
@@ -33,8 +33,8 @@ Tree TreeOf(const std::string& folder);
 void Store(const std::string& path, const void* bytes, std::size_t size);
 void Store(const std::string& path, const std::string& content);
 
-/// The whole content of a file; empty when it cannot be read.
+/// The complete content of a file; empty when it cannot be read.
 std::string ContentOf(const std::string& path);
 
-/// The lowest descriptor number that is free: an input must not raise it.
+/// The lowest free descriptor number; it rises when an input leaks a descriptor.
 int FreeDescriptor();

@@ -5,7 +5,7 @@
 
 namespace {
 
-/// Usual coordinates, or any bits at all.
+/// Usual coordinates or arbitrary bits.
 double TakeDouble(InputBytes& input) {
     constexpr double kSteps = 256;
     if (input.TakeBool())

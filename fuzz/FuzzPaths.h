@@ -7,8 +7,8 @@
 #include <vector>
 
 /// A few paths with any coordinates and parameters, with ruler marks on some segments; the lists are parallel
-/// as those of the canvas always are.
+/// as in the canvas.
 std::vector<TrackPath> TakePaths(InputBytes& input);
 
-/// Any factors.
+/// Arbitrary factors.
 WorldTransform TakeTransform(InputBytes& input);

@@ -15,14 +15,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int kRoom = 16 * 1024 * 1024;
+constexpr int kBufferSize = 16 * 1024 * 1024;
 constexpr const char* kLog = "check.log";
 
 std::unique_ptr<Workspace> FreshWorkspace() {
     fs::create_directories("served/space/vdk/ContourPath");
     Store("served/space/vdk/ContourPath/one.trk", "a track");
-    Store("served/canary", "alive");
-    Store("canary", "alive");
+    Store("served/canary", "intact");
+    Store("canary", "intact");
     return std::make_unique<Workspace>("served/space", 0);
 }
 
@@ -35,13 +35,13 @@ ServerOptions Options() {
     return options;
 }
 
-/// Both ends, with room for a whole conversation.
+/// Both ends, with buffers for a complete conversation.
 std::array<int, 2> Pair() {
     std::array<int, 2> ends{};
     Check(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) == 0, "a pair of sockets is made");
     for (const int end : ends) {
-        if (setsockopt(end, SOL_SOCKET, SO_SNDBUFFORCE, &kRoom, sizeof kRoom) != 0)
-            setsockopt(end, SOL_SOCKET, SO_SNDBUF, &kRoom, sizeof kRoom);
+        if (setsockopt(end, SOL_SOCKET, SO_SNDBUFFORCE, &kBufferSize, sizeof kBufferSize) != 0)
+            setsockopt(end, SOL_SOCKET, SO_SNDBUF, &kBufferSize, sizeof kBufferSize);
     }
     return ends;
 }
@@ -54,7 +54,7 @@ std::string ReadAll(int end) {
     return all;
 }
 
-/// The verbs of the requests that the log names, in their order.
+/// The verbs of the logged requests, in order.
 std::vector<std::string> Verbs(const std::string& log) {
     std::vector<std::string> verbs;
     std::istringstream lines(log);
@@ -77,7 +77,7 @@ FuzzedServer::FuzzedServer()
       sensor{options, identity, access, *workspace, replay, faults, log},
       router(sensor),
       first(Served()),
-      beside(Beside()) {
+      outside(Outside()) {
 }
 
 std::vector<FuzzedServer::Reply> FuzzedServer::Talk(const std::string& request) {
@@ -95,7 +95,7 @@ std::vector<FuzzedServer::Reply> FuzzedServer::Talk(const std::string& request) 
         replies.push_back(std::move(reply));
     }
     Check(stream.AtEnd(), "each reply answers one request");
-    Check(Beside() == beside, "nothing beside the workspace is touched or left behind");
+    Check(Outside() == outside, "nothing outside the workspace is touched or left over");
     Check(FreeDescriptor() <= freeDescriptor, "every file is closed");
     return replies;
 }
@@ -115,7 +115,7 @@ std::string FuzzedServer::Answers(const std::string& request) {
     return answers;
 }
 
-Tree FuzzedServer::Beside() {
+Tree FuzzedServer::Outside() {
     Tree outside;
     for (auto& [name, what] : TreeOf(".")) {
         if (!name.starts_with("served/space/") && !name.starts_with("check"))

@@ -16,27 +16,27 @@
 #include <vector>
 
 /// The server's own request handling over a small workspace, without a network: a connection is a pair of
-/// sockets that holds all that the client says before the server reads the first byte.
+/// sockets that buffers everything the client sends before the server reads the first byte.
 class FuzzedServer {
   public:
     using Reply = ReplyStream::Reply;
 
     FuzzedServer();
 
-    /// Sends these bytes, ends the sending side and gives every reply. Checks on the way that the replies are
-    /// well-formed, that none blames the server, and that nothing beside the workspace has changed.
+    /// Sends these bytes, shuts down the sending side and returns every reply. Checks that the replies are
+    /// well-formed, that none is a server error (5xx), and that nothing outside the workspace has changed.
     std::vector<Reply> Talk(const std::string& request);
 
-    /// Whether the workspace is as it was at first.
+    /// Whether the workspace is in its initial state.
     [[nodiscard]] bool IsAsAtFirst() const { return Served() == first; }
-    /// What the workspace holds.
+    /// The content of the workspace.
     [[nodiscard]] static Tree Served() { return TreeOf("served/space"); }
-    /// Makes the workspace what it was at first.
+    /// Restores the initial workspace.
     void Reset() const;
 
   private:
     [[nodiscard]] std::string Answers(const std::string& request);
-    [[nodiscard]] static Tree Beside();
+    [[nodiscard]] static Tree Outside();
 
     FuzzFolder folder;
     ServerOptions options;
@@ -49,5 +49,5 @@ class FuzzedServer {
     Sensor sensor;
     Router router;
     Tree first;
-    Tree beside;
+    Tree outside;
 };

@@ -5,8 +5,8 @@
 #include <string>
 #include <type_traits>
 
-/// Takes numbers from the end of an input, last byte first, so that what is left at its front is a file.
-/// Where nothing is left, every number is 0.
+/// Takes numbers from the end of an input, last byte first; the bytes left at its front are a file.
+/// At the end every number is 0.
 class InputBytes final {
   public:
     /// The bytes are not copied: they outlive this object.
@@ -21,8 +21,8 @@ class InputBytes final {
         return static_cast<Integer>(value);
     }
 
-    /// From `least` to `most`, which are less than 256 apart.
-    [[nodiscard]] int TakeInRange(int least, int most) { return least + TakeByte() % (most - least + 1); }
+    /// From `min` to `max`, which differ by less than 256.
+    [[nodiscard]] int TakeInRange(int min, int max) { return min + TakeByte() % (max - min + 1); }
 
     [[nodiscard]] bool TakeBool() { return (TakeByte() & 1U) != 0; }
 

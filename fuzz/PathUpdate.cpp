@@ -19,9 +19,9 @@ PathUpdate UpdateAnyPaths(Converter& converter, const std::uint8_t* data, std::s
     update.result = converter.UpdatePath("original.trk", "target.trk", update.paths, t.widthScale, t.xOffset,
                                          t.yOffset, t.xScale, t.yScale);
     update.target = ContentOf("target.trk");
-    Check(update.result == 0 || update.target == "old", "a failure leaves the target as it was");
+    Check(update.result == 0 || update.target == "old", "a failure leaves the target unchanged");
     Check(ContentOf("original.trk") == update.original, "the original is left alone");
-    Check(TreeOf(".").size() == 2, "nothing else is left behind");
+    Check(TreeOf(".").size() == 2, "no other files are left over");
     Check(FreeDescriptor() <= freeDescriptor, "every file is closed");
     return update;
 }

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-/// What came of writing new paths into any bytes that are taken for a track.
+/// The outcome of writing new paths into any bytes, read as a track.
 struct PathUpdate {
     std::vector<TrackPath> paths;
     std::string original;
@@ -15,7 +15,7 @@ struct PathUpdate {
     std::string target; ///< the content of "target.trk" when it was written
 };
 
-/// Takes the paths from the input's end and what they are written into from its front, and lets a converter
-/// update "original.trk" to "target.trk". Checks what holds for every encoding: a failure leaves the target
-/// as it was, the original is left alone, nothing else is left behind, every file is closed.
+/// Takes the paths from the input's end and the original from its front, and lets a converter
+/// update "original.trk" to "target.trk". Checks the rules of every encoding: a failure leaves the target
+/// unchanged, the original is not modified, no other files are left over, every file is closed.
 PathUpdate UpdateAnyPaths(Converter& converter, const std::uint8_t* data, std::size_t size);

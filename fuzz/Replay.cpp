@@ -1,4 +1,4 @@
-// Gives a fuzzer's function every file of its corpus, in a program that any compiler builds: the test suite
+// Runs a fuzzer's function on every file of its corpus, in a program that any compiler builds: the test suite
 // replays all named inputs without a fuzzing engine.
 
 #include <algorithm>

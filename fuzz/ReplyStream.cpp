@@ -18,12 +18,12 @@ std::size_t Number(std::string_view text, int base, const char* promise) {
 }
 
 /// The value of a field, by its name as this server writes it; empty when it is missing.
-std::string_view Field(std::string_view head, const std::string& name) {
+std::string_view Field(std::string_view header, const std::string& name) {
     const std::string mark = "\r\n" + name + ": ";
-    const std::size_t at = head.find(mark);
+    const std::size_t at = header.find(mark);
     if (at == std::string_view::npos)
         return {};
-    const std::string_view value = head.substr(at + mark.size());
+    const std::string_view value = header.substr(at + mark.size());
     return value.substr(0, value.find(kLineEnd));
 }
 
@@ -34,37 +34,37 @@ ReplyStream::Reply ReplyStream::Take(std::string_view verb) {
     constexpr unsigned kGoOn = 100;
     constexpr int kDecimal = 10;
     Reply reply;
-    std::string_view head;
+    std::string_view header;
     do {
-        head = TakeHead();
-        Check(head.starts_with(kVersion), "a reply starts with the version");
+        header = TakeHeader();
+        Check(header.starts_with(kVersion), "a reply starts with the version");
         reply.status =
-            static_cast<unsigned>(Number(head.substr(kVersion.size()), kDecimal, "a reply tells its status"));
+            static_cast<unsigned>(Number(header.substr(kVersion.size()), kDecimal, "a reply has a status"));
     } while (reply.status == kGoOn);
     if (verb == "HEAD")
         return reply;
-    if (Field(head, "Transfer-Encoding") == "chunked")
+    if (Field(header, "Transfer-Encoding") == "chunked")
         reply.body = TakeChunks();
     else
-        reply.body = TakeBytes(Number(Field(head, "Content-Length"), kDecimal, "a reply tells its length"));
+        reply.body = TakeBytes(Number(Field(header, "Content-Length"), kDecimal, "a reply has a length"));
     return reply;
 }
 
-std::string_view ReplyStream::TakeHead() {
-    return TakeUntil("\r\n\r\n", "a reply has a whole head");
+std::string_view ReplyStream::TakeHeader() {
+    return TakeUntil("\r\n\r\n", "a reply has a complete header");
 }
 
 std::string ReplyStream::TakeChunks() {
     constexpr int kHexadecimal = 16;
     std::string body;
-    while (const std::size_t size = Number(TakeUntil(kLineEnd, "a chunk tells its size"), kHexadecimal,
-                                           "a chunk tells its size")) {
+    while (const std::size_t size =
+               Number(TakeUntil(kLineEnd, "a chunk has a size"), kHexadecimal, "a chunk has a size")) {
         body += TakeBytes(size);
-        Check(TakeUntil(kLineEnd, "a chunk ends").empty(), "a chunk is as long as it tells");
+        Check(TakeUntil(kLineEnd, "a chunk ends").empty(), "a chunk is as long as its size");
     }
     Crc32c checksum;
     checksum.Take(body.data(), body.size());
-    const std::string trailer = "\r\n" + std::string(TakeHead());
+    const std::string trailer = "\r\n" + std::string(TakeHeader());
     Check(CheckContentDigest(Field(trailer, kContentDigest), checksum.Value()) == DigestCheck::Equal,
           "a body in chunks is followed by its digest");
     return body;
@@ -79,7 +79,7 @@ std::string_view ReplyStream::TakeUntil(std::string_view mark, const char* promi
 }
 
 std::string_view ReplyStream::TakeBytes(std::size_t count) {
-    Check(left.size() >= count, "a reply is sent whole");
+    Check(left.size() >= count, "a reply is sent completely");
     const std::string_view taken = left.substr(0, count);
     left.remove_prefix(count);
     return taken;

@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-/// What the server sent over one connection, taken apart reply by reply. Checks that each is well-formed and
-/// whole: a body is as long as its head tells, or comes in chunks with the digest of what they hold behind.
+/// The bytes that the server sent over one connection, split into replies. Checks that each is well-formed
+/// and complete: a body has its header's length, or comes in chunks followed by the digest of their content.
 class ReplyStream {
   public:
     struct Reply {
@@ -12,19 +12,19 @@ class ReplyStream {
         std::string body;
     };
 
-    /// @param bytes all of it; they have to outlive this object
+    /// @param bytes must outlive this object
     explicit ReplyStream(std::string_view bytes) : left(bytes) {}
 
     [[nodiscard]] bool AtEnd() const { return left.empty(); }
 
-    /// The final reply to the next request; any "go on" before it is passed over.
-    /// @param verb that request's: a reply to "HEAD" has no body, whatever its head tells
+    /// The final reply to the next request; any "100 Continue" before it is skipped.
+    /// @param verb of that request: a reply to "HEAD" has no body, whatever its header says
     Reply Take(std::string_view verb);
 
   private:
-    std::string_view TakeHead();
+    std::string_view TakeHeader();
     std::string TakeChunks();
-    /// Everything before the next `mark`, which is passed over.
+    /// Everything before the next `mark`, which is skipped.
     std::string_view TakeUntil(std::string_view mark, const char* promise);
     std::string_view TakeBytes(std::size_t count);
 

@@ -17,7 +17,7 @@ using OstraSdk::VeJson;
 
 constexpr std::uint64_t kMaxReply = std::uint64_t{4} << 30U;
 
-/// A connection over which these bytes come in pieces of a size.
+/// A connection that delivers these bytes in pieces of a fixed size.
 class Arrival final : public OstraSdk::InputStream {
   public:
     Arrival(const std::uint8_t* data, std::size_t size, std::size_t pieceSize)
@@ -80,7 +80,7 @@ std::optional<VeJson> ReceivedOrRefused(const std::uint8_t* data, std::size_t si
     }
 }
 
-/// How two values are compared: a JSON text has doubles alone, and no place for those that are not finite.
+/// How two values are compared: JSON text has only doubles, and none that are not finite.
 enum class Exactness { Bits, Text };
 
 bool Same(const VeJson& one, const VeJson& other, Exactness exactness);
@@ -151,7 +151,7 @@ int DepthOf(const VeJson& json) {
     return deepest + 1;
 }
 
-/// Sends a value as this program would and takes it back.
+/// Sends a value as this program would and reads it back.
 void CheckRoundTrip(const VeJson& json) {
     const OstraSdk::WireBody body(json);
     Held held(body.Parts());
@@ -163,7 +163,7 @@ void CheckRoundTrip(const VeJson& json) {
 
 } // namespace
 
-// Any bytes as what a server sends, the head included.
+// Any bytes as a server's reply, header included.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     constexpr std::size_t kAtOnce = std::size_t{64} * 1024;
     const std::optional<VeJson> json = ReceivedOrRefused(data, size, kAtOnce);

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-// Any bytes as what a client sends over one connection: one request or several.
+// Any bytes as a client's input over one connection: one request or several.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static FuzzedServer server;
     const auto replies = server.Talk(std::string(reinterpret_cast<const char*>(data), size));
@@ -14,6 +14,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         });
     if (mayHaveRestored && !server.IsAsAtFirst())
         server.Reset();
-    Check(server.IsAsAtFirst(), "a workspace that was not restored is as it was");
+    Check(server.IsAsAtFirst(), "a workspace that was not restored is unchanged");
     return 0;
 }

@@ -38,12 +38,12 @@ std::string Backup(const std::string& workspace) {
            TarFile("workspaces/Workspace.osws", workspace) + TarEnd();
 }
 
-/// What the server gives back is what it serves.
+/// Checks that the server's backup holds the workspace that it serves.
 void CheckBackup(FuzzedServer& server, const Tree& served) {
-    constexpr std::size_t kDataHead = 15;
+    constexpr std::size_t kDataHeaderSize = 15;
     const auto replies = server.Talk(Request("/system/commands/archive", "\xa1" + std::string(kContents)));
     Check(replies.size() == 1 && replies[0].status == 200, "a restored workspace can be backed up");
-    Store("check.osbak", replies[0].body.substr(kDataHead));
+    Store("check.osbak", replies[0].body.substr(kDataHeaderSize));
     try {
         UnpackFolderStrictly("check.osbak", "check", bAlloc_Application());
         UnpackFolderStrictly("check/workspaces/Workspace.osws", "check.osws", bAlloc_Application());
@@ -70,7 +70,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto replies = server.Talk(RestoreRequest(archive));
     Check(replies.size() == 1, "a request has one reply");
     if (replies[0].status != 200) {
-        Check(server.IsAsAtFirst(), "a workspace that was not restored is as it was");
+        Check(server.IsAsAtFirst(), "a workspace that was not restored is unchanged");
         return 0;
     }
     const Tree served = FuzzedServer::Served();

@@ -1,5 +1,5 @@
 // Changes archives as a plain mutator would, but mostly puts the headers' checksums right afterwards: without
-// that nearly every change ends at the first wrong checksum.
+// that nearly every change would end at the first wrong checksum.
 
 #include <algorithm>
 #include <cstdint>
@@ -31,13 +31,13 @@ void PutChecksumRight(std::uint8_t* block) {
     std::memcpy(block + kChecksum, digits, kChecksumSize - 1);
 }
 
-/// One change that archives are known to suffer from: another type, a block twice, a block lost.
+/// One typical damage of an archive: another type, a duplicated block, a lost block.
 std::size_t ChangeBlocks(std::uint8_t* data, std::size_t size, std::size_t maxSize,
                          std::minstd_rand& random) {
     static constexpr char kTypes[] = "0123456759xgLKSNDMVA\0\0";
     const std::size_t blocks = size / kBlock;
     std::uint8_t* const block = data + random() % blocks * kBlock;
-    const std::size_t behind = static_cast<std::size_t>(data + size - block);
+    const std::size_t following = static_cast<std::size_t>(data + size - block);
     switch (random() % 3) {
     case 0:
         block[kType] = static_cast<std::uint8_t>(kTypes[random() % (sizeof kTypes - 1)]);
@@ -45,10 +45,10 @@ std::size_t ChangeBlocks(std::uint8_t* data, std::size_t size, std::size_t maxSi
     case 1:
         if (size + kBlock > maxSize)
             return size;
-        std::memmove(block + kBlock, block, behind);
+        std::memmove(block + kBlock, block, following);
         return size + kBlock;
     default:
-        std::memmove(block, block + kBlock, behind - kBlock);
+        std::memmove(block, block + kBlock, following - kBlock);
         return size - kBlock;
     }
 }

@@ -13,12 +13,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// What must not be touched, in places that hostile names lead to, and the links that they might go through.
+/// Files that must not be touched, where hostile names lead to, and the links that they might go through.
 void LayOut() {
-    for (const char* const folder : {"stage", "stage/target", "stage/beside"})
+    for (const char* const folder : {"stage", "stage/target", "stage/sibling"})
         fs::create_directory(folder);
-    for (const char* const file : {"canary", "stage/canary", "stage/beside/canary"})
-        Store(file, "alive");
+    for (const char* const file : {"canary", "stage/canary", "stage/sibling/canary"})
+        Store(file, "intact");
     fs::create_symlink("../canary", "stage/link");
 }
 
@@ -79,7 +79,7 @@ bool UnpacksStrictly(const std::string& archive, const std::string& target) {
 
 } // namespace
 
-// Any bytes as an archive: unpacked, unpacked strictly, and what came out packed and unpacked again.
+// Any bytes as an archive: unpacked, unpacked strictly, and the result packed and unpacked again.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const FuzzFolder folder;
     static const bool laidOut = (LayOut(), true);

@@ -5,8 +5,8 @@
 
 #include <QImage>
 
-// Any bytes, read as a text track by all four operations in the order in which the window calls them; what
-// could be read is then saved the way a text track is saved.
+// Any bytes, read as a text track by all four operations in the order in which the window calls them;
+// a track that could be read is then saved as the editor saves a text track.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const FuzzFolder folder;
     const int freeDescriptor = FreeDescriptor();
@@ -36,7 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (hasHeights) {
         Check(heights.size() == static_cast<std::size_t>(info.width) * static_cast<std::size_t>(info.height),
               "the map has a cell for each pixel");
-        Check(heightsSize == std::int64_t{info.width} * info.width, "the size is told as it always was");
+        Check(heightsSize == std::int64_t{info.width} * info.width, "the reported size is width x width");
     }
     std::vector<TrackPath> paths;
     static_cast<void>(converter.ReadPath(file, paths));

@@ -9,13 +9,13 @@
 
 namespace {
 
-/// The lines before the first one that heads a ruler section, as they must be copied.
+/// The lines before the first header of a ruler section, as they must be copied.
 struct Copied {
     std::string text;
-    bool hasSegments = false; ///< an old path section is among them, which is found before the new one
+    bool hasSegments = false; ///< they include an old path section, which is found before the new one
 };
 
-/// Nothing where a line has a quote or an escape, whose rules are not repeated here.
+/// Nothing when a line has a quote or an escape, whose rules are not implemented here.
 std::optional<Copied> CopiedFrom(const std::string& original) {
     if (original.find_first_of("\"\\") != std::string::npos)
         return std::nullopt;
@@ -41,7 +41,7 @@ double AsWritten(double number) {
     return std::strtod(text, nullptr);
 }
 
-/// The paths as six digits keep them.
+/// The paths rounded to six digits.
 std::vector<TrackPath> AsWritten(std::vector<TrackPath> paths) {
     for (TrackPath& path : paths) {
         path.rulerMarks.clear();
@@ -62,7 +62,7 @@ void CheckTarget(const Copied& copied, const PathUpdate& update) {
 
 } // namespace
 
-// New paths into any bytes that are taken for a text track.
+// Writes new paths into any bytes, read as a text track.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     ConvertCSV converter;
     const PathUpdate update = UpdateAnyPaths(converter, data, size);

@@ -14,8 +14,8 @@
 
 namespace {
 
-/// A colour of the ramp from black by blue, cyan, green, yellow, red and magenta to white: along each piece
-/// one channel moves while the other two are at an end.
+/// A colour of the ramp black, blue, cyan, green, yellow, red, magenta, white: along each band
+/// one channel changes while the other two are 0 or 255.
 bool IsOnTheRamp(int red, int green, int blue) {
     const auto isEnd = [](int channel) { return channel == 0 || channel == 255; };
     const int moving = (isEnd(red) ? 0 : 1) + (isEnd(green) ? 0 : 1) + (isEnd(blue) ? 0 : 1);
@@ -67,20 +67,20 @@ void CheckRange(double lowest, double highest, double emptyLowest, double emptyH
 void CheckImage(const QImage& image, const TrackInfo& info) {
     Check(image.width() == info.width && image.height() == info.height, "the image is as large as the map");
     Check(image.format() == QImage::Format_RGB888, "the image has 24 bits a pixel");
-    constexpr int kMostRows = 64;
-    for (int y = 0; y < std::min(image.height(), kMostRows); ++y) {
+    constexpr int kMaxChecked = 64;
+    for (int y = 0; y < std::min(image.height(), kMaxChecked); ++y) {
         const unsigned char* pixel = image.constScanLine(y);
-        for (int x = 0; x < std::min(image.width(), kMostRows); ++x, pixel += 3)
+        for (int x = 0; x < std::min(image.width(), kMaxChecked); ++x, pixel += 3)
             Check(IsOnTheRamp(pixel[0], pixel[1], pixel[2]), "every pixel has a colour of the ramp");
     }
 }
 
 void CheckSamePaths(const std::vector<TrackPath>& found, const std::vector<TrackPath>& expected) {
-    Check(found.size() == expected.size(), "as many paths are read back as were written");
+    Check(found.size() == expected.size(), "all written paths are read back");
     for (std::size_t i = 0; i < found.size(); ++i) {
         const TrackPath& one = found[i];
         const TrackPath& other = expected[i];
-        Check(one.points.size() == other.points.size(), "as many points are read back as were written");
+        Check(one.points.size() == other.points.size(), "all written points are read back");
         for (std::size_t j = 0; j < one.points.size(); ++j)
             Check(SameBits(one.points[j].x(), other.points[j].x()) &&
                       SameBits(one.points[j].y(), other.points[j].y()),
@@ -112,13 +112,13 @@ void CheckRoundTrip(const TrackInfo& info, const HeightMap& heights, const std::
           "what was read can be written");
     TrackInfo info2;
     Check(binary->ReadInfo("round.trk", info2) == 0 && SameInfo(info2, info),
-          "the information is read back as it was written");
+          "the information reads back as written");
     std::vector<TrackPath> paths2;
     Check(binary->ReadPath("round.trk", paths2) == 0, "the paths can be read back");
     CheckSamePaths(paths2, paths);
     try {
         const independent::Track track = independent::ReadBinary(ContentOf("round.trk"));
-        Check(track.cells == heights, "the map is read back as it was written");
+        Check(track.cells == heights, "the map reads back as written");
         CheckSameRecords(track.segments, paths);
     } catch (const std::runtime_error& failure) {
         Broken(std::string("what was written is well-formed: ") + failure.what());

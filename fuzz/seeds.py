@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Writes fuzz/corpus: what each fuzzer starts from (small complete inputs of each format, and a real track cut down), and
-every input that once broke a promise, by its name ("regression-...").
+"""Writes fuzz/corpus: the initial inputs of each fuzzer (small complete inputs of each format, and a reduced real track),
+and every input that once broke a promise, by its name ("regression-...").
 
     fuzz/seeds.py [FOLDER]
 """
@@ -22,7 +22,7 @@ def put(target, name, content):
 
 
 def put_track(encoding, name, track):
-    """One to read, and the same one to write paths into."""
+    """A track to read, and the same track to write paths into."""
     put(encoding + "_reader", name, track)
     put(encoding + "_update", name, track + paths_to_write())
 
@@ -38,7 +38,7 @@ def text_track():
 
 
 def real_text_track(columns=6, rows=4):
-    """The first cells of the real surface, with its own head and paths."""
+    """The first cells of the real surface, with its own header and paths."""
     lines = (DATA / "fault.trk").read_text().splitlines()
     at = next(i for i, line in enumerate(lines) if line.startswith("YX"))
     info = lines[at - 1].split(",")
@@ -62,16 +62,16 @@ def binary_track(version=1, magic=b"Track  \0", blocks="ARS"):
 
 
 def paths_to_write():
-    """Two paths and a transform, as the fuzzers of path updates take them from an input's end: last byte first."""
-    whole = bytes([1])  # a number of one byte follows, in steps of 1/256
+    """Two paths and a transform, as the path update fuzzers read them from an input's end: last byte first."""
+    one_byte = bytes([1])  # a number of one byte follows, in steps of 1/256
     taken = bytes([2])
     for points in (2, 1):
         taken += bytes([points - 1])
         for point in range(points):
-            taken += whole + bytes([40 + point]) + whole + bytes([90])  # x and y
+            taken += one_byte + bytes([40 + point]) + one_byte + bytes([90])  # x and y
             taken += struct.pack("<4i", point % 3, 100, 50, 20)  # method, length, width, space
-        taken += bytes([1]) + bytes([1] + [1, 64] * 4) * (points - 1)  # ruler marks: one tick a segment
-    taken += (whole + bytes([128])) * 5
+        taken += bytes([1]) + bytes([1] + [1, 64] * 4) * (points - 1)  # ruler marks: one tick per segment
+    taken += (one_byte + bytes([128])) * 5
     return taken[::-1]
 
 

@@ -11,7 +11,7 @@ namespace {
 
 using ::testing::HasSubstr;
 
-/// What a screen reader finds in the real window.
+/// The names and descriptions that a screen reader finds in the real window.
 class Accessibility : public WindowTest {
   protected:
     using Visit = std::function<void(QAccessibleInterface& element)>;
@@ -56,7 +56,7 @@ TEST_F(Accessibility, everyControlHasAName) {
     EXPECT_GE(controls, 20);
 }
 
-TEST_F(Accessibility, nothingThatIsSpokenCarriesMarkup) {
+TEST_F(Accessibility, spokenTextsHaveNoMarkup) {
     openWindow();
     loadTrack("<b>bold & more<i>.trk");
     int texts = 0;
@@ -94,7 +94,7 @@ TEST_F(Accessibility, labelsBelongToTheirControls) {
     EXPECT_EQ(nameOf("label_mask"), "Height map");
 }
 
-TEST_F(Accessibility, theCanvasDescribesItself) {
+TEST_F(Accessibility, canvasHasNameAndDescription) {
     openWindow();
     EXPECT_EQ(canvasDescription(), "No track is open.");
     loadTrack("cover.trk");

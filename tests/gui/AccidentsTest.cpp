@@ -6,7 +6,7 @@
 
 namespace {
 
-/// What a hand does by mistake, with an edit on the canvas that no file has.
+/// Accidental input, with an unsaved edit on the canvas.
 class Accidents : public SourceWorkflows {
   protected:
     void openEditedTrack() {
@@ -40,21 +40,21 @@ class Accidents : public SourceWorkflows {
     }
 };
 
-TEST_F(Accidents, theWheelOverTheOperationsRunsNone) {
+TEST_F(Accidents, wheelOverOperationListRunsNoOperation) {
     openEditedTrack();
     turnWheelOver("comboBox_operation");
     expectNothingHappened();
 }
 
-TEST_F(Accidents, theWheelOverTheSourcesKeepsTheBackupOpen) {
-    startServer(); // so that there is another source
+TEST_F(Accidents, wheelOverSourceListKeepsBackupOpen) {
+    startServer(); // gives a second source
     openEditedTrack();
     ASSERT_EQ(items("comboBox_sensor").size(), 2U);
     turnWheelOver("comboBox_sensor");
     expectNothingHappened();
 }
 
-TEST_F(Accidents, theWheelOverFilesAndNumbersChoosesNone) {
+TEST_F(Accidents, wheelOverFileListAndSpinBoxesChangesNothing) {
     openEditedTrack();
     typeNumber("spinBox_segmentId", "2");
     for (const char* const control : {"comboBox_file", "spinBox_pathId", "spinBox_segmentId"})
@@ -67,7 +67,7 @@ TEST_F(Accidents, theWheelOverFilesAndNumbersChoosesNone) {
 
 class AccidentalKeys : public Accidents, public ::testing::WithParamInterface<Qt::Key> {};
 
-TEST_P(AccidentalKeys, onTheClosedOperationsOpenTheListInsteadOfChoosing) {
+TEST_P(AccidentalKeys, openTheClosedOperationListInsteadOfChoosing) {
     openEditedTrack();
     auto& list = find<QComboBox>("comboBox_operation");
     list.setFocus();
@@ -84,7 +84,7 @@ INSTANTIATE_TEST_SUITE_P(Each, AccidentalKeys,
                                            Qt::Key_PageDown, Qt::Key_Home),
                          [](const auto& key) { return QKeySequence(key.param).toString().toStdString(); });
 
-TEST_F(Accidents, keysThatChooseNothingDoNotOpenTheOperations) {
+TEST_F(Accidents, keysThatChooseNothingLeaveOperationListClosed) {
     openEditedTrack();
     auto& list = find<QComboBox>("comboBox_operation");
     list.setFocus();
@@ -94,7 +94,7 @@ TEST_F(Accidents, keysThatChooseNothingDoNotOpenTheOperations) {
     expectNothingHappened();
 }
 
-TEST_F(Accidents, afterAnOperationTheNextKeyIsNotTheListsAnyMore) {
+TEST_F(Accidents, operationMovesFocusFromListToCanvas) {
     openEditedTrack();
     choose("comboBox_operation", "Save");
     EXPECT_TRUE(canvas().hasFocus());

@@ -36,8 +36,8 @@ std::vector<std::string> LinesOf(const std::string& text) {
     return lines;
 }
 
-/// Files that are no good track are loaded through the real operation. The window has a good track open
-/// before, and goes on working with it, or with the next one.
+/// Damaged tracks are loaded by the real operation. The window has a valid track open
+/// before, and continues to work with it, or with the next one.
 class BadTracks : public WindowTest {
   protected:
     void SetUp() override {
@@ -75,7 +75,7 @@ class BadTracks : public WindowTest {
         return boxes[0].text.toStdString();
     }
 
-    /// After a failure before the picture was replaced, the old one is still there to work on.
+    /// After a failure before the picture is replaced, the old one can still be edited.
     void expectOldTrackUsable() {
         EXPECT_EQ(canvas().pixmap(Qt::ReturnByValue).size(), QSize(40, 20));
         ASSERT_THAT(paths(), SizeIs(1));
@@ -92,34 +92,34 @@ class BadTracks : public WindowTest {
     std::vector<std::string> lines; ///< of the log, from the last load
 };
 
-TEST_F(BadTracks, anEmptyFile) {
+TEST_F(BadTracks, reportsEmptyFile) {
     EXPECT_EQ(loadContent(""), kNoInfo);
     EXPECT_THAT(lines, Contains("ERROR: No height map data"));
     expectOldTrackUsable();
     loadGood();
 }
 
-TEST_F(BadTracks, aTextFileCutAtEveryLine) {
+TEST_F(BadTracks, reportsTextFileTruncatedAtAnyLine) {
     const std::vector<std::string> all = LinesOf(text);
     const auto lineWith = [&all](const std::string& start) {
         const auto found = std::find_if(
             all.begin(), all.end(), [&start](const std::string& line) { return line.rfind(start, 0) == 0; });
         return static_cast<std::size_t>(found - all.begin());
     };
-    const std::size_t mapHead = lineWith("YX");
-    const std::size_t mapEnd = mapHead + 1 + static_cast<std::size_t>(track.height);
-    const std::size_t anchorHead = lineWith("Anchor");
-    const std::size_t pathHead = lineWith("Segment");
+    const std::size_t mapHeader = lineWith("YX");
+    const std::size_t mapEnd = mapHeader + 1 + static_cast<std::size_t>(track.height);
+    const std::size_t anchorHeader = lineWith("Anchor");
+    const std::size_t pathHeader = lineWith("Segment");
     std::string content;
     for (std::size_t kept = 0; kept < all.size(); ++kept) {
         const std::string box = loadContent(content);
-        if (kept <= mapHead)
+        if (kept <= mapHeader)
             EXPECT_EQ(box, kNoInfo) << kept;
         else if (kept < mapEnd)
             EXPECT_EQ(box, kNoMap) << kept;
-        else if (kept == anchorHead + 1 || kept == anchorHead + 2)
-            EXPECT_EQ(box, kNoInfo) << kept; // an anchor announced and not there
-        else if (kept <= pathHead)
+        else if (kept == anchorHeader + 1 || kept == anchorHeader + 2)
+            EXPECT_EQ(box, kNoInfo) << kept; // an announced anchor that is missing
+        else if (kept <= pathHeader)
             EXPECT_EQ(box, kNoPaths) << kept;
         else
             EXPECT_EQ(box, "") << kept;
@@ -128,7 +128,7 @@ TEST_F(BadTracks, aTextFileCutAtEveryLine) {
     loadGood();
 }
 
-TEST_F(BadTracks, aBinaryFileCutAnywhere) {
+TEST_F(BadTracks, reportsTruncatedBinaryFile) {
     constexpr std::size_t kHeader = 68;
     for (std::size_t kept = 0; kept < kHeader; ++kept)
         EXPECT_EQ(loadContent(binary.substr(0, kept)), kNoInfo) << kept;
@@ -142,7 +142,7 @@ TEST_F(BadTracks, aBinaryFileCutAnywhere) {
     loadGood();
 }
 
-TEST_F(BadTracks, infoLinesOfSevenAndNineFields) {
+TEST_F(BadTracks, reportsInfoLinesOfSevenAndNineFields) {
     EXPECT_EQ(loadContent(Replaced(text, ",40,20\n", ",40\n")), kNoInfo);
     EXPECT_THAT(lines, Contains("ERROR: Invalid item count=7 for height map info extraction"));
     EXPECT_EQ(loadContent(Replaced(text, ",40,20\n", ",40,20,1\n")), kNoInfo);
@@ -150,7 +150,7 @@ TEST_F(BadTracks, infoLinesOfSevenAndNineFields) {
     expectOldTrackUsable();
 }
 
-TEST_F(BadTracks, aMapHeaderOneValueShortOrLong) {
+TEST_F(BadTracks, reportsMapHeaderOneValueShortOrLong) {
     EXPECT_EQ(loadContent(Replaced(text, ",40,20\n", ",41,20\n")), kNoInfo);
     EXPECT_THAT(lines, Contains(HasSubstr(" for column world positions")));
     EXPECT_EQ(loadContent(Replaced(text, ",40,20\n", ",39,20\n")), kNoInfo);
@@ -158,14 +158,14 @@ TEST_F(BadTracks, aMapHeaderOneValueShortOrLong) {
     expectOldTrackUsable();
 }
 
-TEST_F(BadTracks, badEscapesAndOpenQuotes) {
+TEST_F(BadTracks, reportsBadEscapesAndOpenQuotes) {
     EXPECT_EQ(loadContent(Replaced(text, "YX,", "YX\\q,")), kNoInfo);
     EXPECT_THAT(lines, Contains(HasSubstr("[ReadInfoFromCsv] (EXCEPTION) ")));
     EXPECT_THAT(loadContent(Replaced(text, "YX,", "\"YX,")), kNoInfo);
     expectOldTrackUsable();
 }
 
-TEST_F(BadTracks, impossibleSizesInText) {
+TEST_F(BadTracks, reportsImpossibleSizesInText) {
     for (const char* sizes : {"0,20", "40,0", "-1,20", "40,-1", "2147483647,20", "40,2147483647",
                               "2147483647,2147483647", "65536,65536"})
         EXPECT_THAT(loadContent(Replaced(text, ",40,20\n", "," + std::string(sizes) + "\n")),
@@ -175,7 +175,7 @@ TEST_F(BadTracks, impossibleSizesInText) {
     loadGood();
 }
 
-TEST_F(BadTracks, impossibleSizesInABinaryFile) {
+TEST_F(BadTracks, reportsImpossibleSizesInBinaryFile) {
     constexpr std::size_t kWidthPlace = 60;
     for (const std::int32_t width : {0, -1, 2147483647, 65536})
         for (const std::int32_t height : {0, -1, 2147483647, 65536}) {
@@ -188,7 +188,7 @@ TEST_F(BadTracks, impossibleSizesInABinaryFile) {
     loadGood();
 }
 
-TEST_F(BadTracks, aMapOfEqualHeights) {
+TEST_F(BadTracks, reportsMapOfEqualHeights) {
     independent::Track flat = track;
     flat.heights.assign(flat.heights.size(), 3.0);
     flat.cells.assign(flat.cells.size(), 12);
@@ -200,7 +200,7 @@ TEST_F(BadTracks, aMapOfEqualHeights) {
     expectOldTrackUsable();
 }
 
-TEST_F(BadTracks, heightsThatAreNotFiniteAreNoMeasurement) {
+TEST_F(BadTracks, nonFiniteHeightsCountAsUnmeasured) {
     std::string content = text;
     const std::string row = LinesOf(text)[4]; // the first row of the map
     content = Replaced(content, row, Replaced(row, ",1,2,3,", ",nan,inf,-1e400,"));
@@ -212,14 +212,14 @@ TEST_F(BadTracks, heightsThatAreNotFiniteAreNoMeasurement) {
         EXPECT_EQ(shown.pixelColor(column, 0), QColor(0, 0, 0)) << column;
 }
 
-TEST_F(BadTracks, aFileOfAnotherVersionHasNothingInIt) {
+TEST_F(BadTracks, otherVersionLoadsNothing) {
     std::string content = binary;
     content[8] = 2;
     EXPECT_EQ(loadContent(content), kNoMap);
     expectOldTrackUsable();
 }
 
-TEST_F(BadTracks, aMagicWithTheMarkElsewhereLoads) {
+TEST_F(BadTracks, magicWordAtAnyOffsetLoads) {
     std::string content = binary;
     content.replace(0, 8, "xxTracyy");
     EXPECT_EQ(loadContent(content), "");
@@ -228,7 +228,7 @@ TEST_F(BadTracks, aMagicWithTheMarkElsewhereLoads) {
     EXPECT_EQ(loadContent(content), "");
 }
 
-TEST_F(BadTracks, morePathRecordsAnnouncedThanTheFileHolds) {
+TEST_F(BadTracks, reportsMissingPathRecords) {
     const std::size_t count = independent::BinaryHead(track).size() +
                               independent::BinaryAnchor(track).size() +
                               independent::BinaryRulers(track).size() + 4;
@@ -240,7 +240,7 @@ TEST_F(BadTracks, morePathRecordsAnnouncedThanTheFileHolds) {
     loadGood();
 }
 
-TEST_F(BadTracks, tenMegabytesInOneLine) {
+TEST_F(BadTracks, loadsLineOfTenMegabytes) {
     constexpr std::size_t kLong = std::size_t{10} * 1024 * 1024;
     EXPECT_EQ(loadContent(std::string(kLong, 'x')), kNoInfo);
     EXPECT_EQ(loadContent(std::string(kLong, ',')), kNoInfo);
@@ -249,24 +249,24 @@ TEST_F(BadTracks, tenMegabytesInOneLine) {
     loadGood();
 }
 
-TEST_F(BadTracks, aFileOfTheWorkspaceThatIsMissingOrAFolder) {
-    makeBackup(folder.Path("x.osbak"), {{"gone.trk", ""}, {"keep.trk", text}});
+TEST_F(BadTracks, reportsMissingFileAndFolder) {
+    makeBackup(folder.Path("x.osbak"), {{"missing.trk", ""}, {"keep.trk", text}});
     loadBackup(folder.Path("x.osbak"));
-    fs::remove(kTracks + "gone.trk");
+    fs::remove(kTracks + "missing.trk");
     for (int turn = 0; turn < 2; ++turn) { // first missing, then a folder
-        choose("comboBox_file", "gone.trk");
+        choose("comboBox_file", "missing.trk");
         (void)log.Lines();
         operate("Load");
         expectErrorBox(kNoInfo);
-        EXPECT_THAT(log.Lines(), Contains("ERROR: Could not find file (" + kTracks + "gone.trk)"));
-        fs::create_directories(kTracks + "gone.trk");
+        EXPECT_THAT(log.Lines(), Contains("ERROR: Could not find file (" + kTracks + "missing.trk)"));
+        fs::create_directories(kTracks + "missing.trk");
     }
     choose("comboBox_file", "keep.trk");
     operate("Load");
     EXPECT_EQ(status(), "Load successfully.");
 }
 
-TEST_F(BadTracks, oddNamesStandAsTheyAreInTheLog) {
+TEST_F(BadTracks, oddNamesAreLoggedUnchanged) {
     const std::string odd = folder.Path("a %s%n 'q' <b>ß 日本.trk");
     WriteFile(odd, "x");
     EXPECT_EQ(load(odd), kNoInfo);

@@ -65,18 +65,18 @@ void ExpectTextTracksPaths(const std::vector<TrackPath>& paths) {
     EXPECT_EQ(paths[1].spaces, (std::vector<int>{33}));
 }
 
-TEST_F(CanvasFiles, loadsTheFilesPathsWithoutMarks) {
+TEST_F(CanvasFiles, loadsPathsWithoutMarks) {
     LoadText();
     ExpectTextTracksPaths(Paths());
     EXPECT_TRUE(Paths().at(0).rulerMarks.empty());
 }
 
-TEST_F(CanvasFiles, loadedPathsTakeADoubleClickEachBeforeANewOneCanBeDrawn) {
+TEST_F(CanvasFiles, eachLoadedPathNeedsADoubleClickBeforeANewOneCanBeDrawn) {
     LoadText();
     EXPECT_EQ(Document().finishedCount(), 0);
     mouse.Press({30, 200});
     EXPECT_EQ(Paths().size(), 2U);
-    mouse.Release({30, 200}); // and meanwhile a release far from the last path's end extends that path
+    mouse.Release({30, 200}); // until then a release far from the last path's end extends that path
     EXPECT_EQ(Paths().at(1).points.size(), 2U);
     mouse.DoubleClick({30, 200});
     EXPECT_EQ(Document().finishedCount(), 1);
@@ -87,14 +87,14 @@ TEST_F(CanvasFiles, loadedPathsTakeADoubleClickEachBeforeANewOneCanBeDrawn) {
     EXPECT_EQ(Paths().size(), 3U);
 }
 
-TEST_F(CanvasFiles, loadingReplacesThePathsHeld) {
+TEST_F(CanvasFiles, loadingReplacesPaths) {
     mouse.Draw({{50, 50}, {150, 50}});
     window.canvas->resetPaths();
     LoadText();
     ExpectTextTracksPaths(Paths());
 }
 
-TEST_F(CanvasFiles, aFileWithoutPathsIsAFailureThatLeavesNone) {
+TEST_F(CanvasFiles, loadingFileWithoutPathsFailsAndClearsPaths) {
     WriteFile("bare.trk", kTextTrack.substr(0, kTextTrack.find("Segment")));
     EXPECT_EQ(window.canvas->loadPaths(QStringLiteral("bare.trk")), 1);
     EXPECT_TRUE(Paths().empty());
@@ -102,7 +102,7 @@ TEST_F(CanvasFiles, aFileWithoutPathsIsAFailureThatLeavesNone) {
     EXPECT_TRUE(Paths().empty());
 }
 
-TEST_F(CanvasFiles, aFailedLoadLeavesListsAsLongAsThePoints) {
+TEST_F(CanvasFiles, failedLoadKeepsListsAsLongAsThePoints) {
     for (std::size_t length = kTextTrack.find("0,0,0,0"); length < kTextTrack.size(); ++length) {
         WriteFile("cut.trk", kTextTrack.substr(0, length));
         window.canvas->loadPaths(QStringLiteral("cut.trk"));
@@ -115,7 +115,7 @@ TEST_F(CanvasFiles, aFailedLoadLeavesListsAsLongAsThePoints) {
     }
 }
 
-TEST_F(CanvasFiles, aTextOriginalIsSavedAsABinaryTrack) {
+TEST_F(CanvasFiles, savesTextOriginalAsBinaryTrack) {
     LoadText();
     Save("text.trk", "saved.trk");
     EXPECT_EQ(FileContent("saved.trk").substr(0, 8), std::string("Track  \0", 8));
@@ -130,7 +130,7 @@ TEST_F(CanvasFiles, aTextOriginalIsSavedAsABinaryTrack) {
     ExpectTextTracksPaths(Paths());
 }
 
-TEST_F(CanvasFiles, aBinaryOriginalIsCopiedWithTheNewPaths) {
+TEST_F(CanvasFiles, copiesBinaryOriginalWithNewPaths) {
     LoadText();
     Save("text.trk", "binary.trk");
     window.canvas->resetPaths();
@@ -141,12 +141,12 @@ TEST_F(CanvasFiles, aBinaryOriginalIsCopiedWithTheNewPaths) {
     ASSERT_EQ(CreateBinaryConverter()->ReadPath("copy.trk", read), 0);
     ASSERT_EQ(read.size(), 2U);
     EXPECT_EQ(read[0].lengths, (std::vector<int>{77, 21}));
-    // All before the path sections is the original's: header, 3 x 2 heights, anchor.
+    // Everything before the path sections comes from the original: header, 3 x 2 heights, anchor.
     EXPECT_EQ(FileContent("copy.trk").substr(0, 68 + 12 + 28),
               FileContent("binary.trk").substr(0, 68 + 12 + 28));
 }
 
-TEST_F(CanvasFiles, aSavedTrackHasAllOfTheOriginalAndThePathsInWorldUnits) {
+TEST_F(CanvasFiles, savedTrackHoldsTheOriginalAndPathsInWorldUnits) {
     independent::Track track = SmallTrack(PathAcross(0, 3, 0.5, 100));
     track.anchor = {1.5, -2.25, 30};
     WriteFile("text.trk", independent::TextFile(track));
@@ -166,7 +166,7 @@ TEST_F(CanvasFiles, aSavedTrackHasAllOfTheOriginalAndThePathsInWorldUnits) {
     }
 }
 
-TEST_F(CanvasFiles, theLogTellsWhichEncodingsASaveReadsAndWrites) {
+TEST_F(CanvasFiles, logNamesTheEncodingsReadAndWritten) {
     LoadText();
     LogCapture log;
     Save("text.trk", "saved.trk");
@@ -176,13 +176,13 @@ TEST_F(CanvasFiles, theLogTellsWhichEncodingsASaveReadsAndWrites) {
     EXPECT_THAT(log.Lines(), testing::ElementsAre("INFO: Creating ConvertBIN."));
 }
 
-TEST_F(CanvasFiles, aFileNameMayHoldAnyLetters) {
+TEST_F(CanvasFiles, savesUnderNonAsciiNames) {
     LoadText();
     Save("text.trk", folder.Path("größe %s \"x\".trk"));
     EXPECT_FALSE(FileContent(folder.Path("größe %s \"x\".trk")).empty());
 }
 
-TEST_F(CanvasFiles, anOriginalThatCannotBeReadIsAnErrorAndTheTargetStays) {
+TEST_F(CanvasFiles, unreadableOriginalFailsAndKeepsTarget) {
     WriteFile("target.trk", "precious");
     EXPECT_EQ(ErrorOf("missing.trk", "target.trk"), "Failed to read the original file.");
     WriteFile("empty.trk", "");
@@ -192,7 +192,7 @@ TEST_F(CanvasFiles, anOriginalThatCannotBeReadIsAnErrorAndTheTargetStays) {
     EXPECT_EQ(FileContent("target.trk"), "precious");
 }
 
-TEST_F(CanvasFiles, anOpenedTextTrackCutAnywhereBeforeItsPathsIsAnErrorAndTheTargetStays) {
+TEST_F(CanvasFiles, openTextTrackTruncatedBeforeItsPathsFailsAndKeepsTarget) {
     LoadText();
     WriteFile("target.trk", "precious");
     const std::size_t paths = kTextTrack.find("Segment\n") + std::string("Segment").size();
@@ -203,43 +203,43 @@ TEST_F(CanvasFiles, anOpenedTextTrackCutAnywhereBeforeItsPathsIsAnErrorAndTheTar
     EXPECT_EQ(FileContent("target.trk"), "precious");
 }
 
-/// What was not opened here need never have had paths.
-TEST_F(CanvasFiles, anotherTextTrackWithoutPathsIsSavedWithThoseOfTheCanvas) {
+/// A file that was not opened here may never have had paths.
+TEST_F(CanvasFiles, savesOtherTextTrackWithoutPathsWithTheCanvasPaths) {
     LoadText();
-    Save("text.trk", "whole.trk");
+    Save("text.trk", "complete.trk");
     WriteFile("map.trk", kTextTrack.substr(0, kTextTrack.find("Segment\n")));
     Save("map.trk", "saved.trk");
-    EXPECT_EQ(FileContent("saved.trk"), FileContent("whole.trk"));
+    EXPECT_EQ(FileContent("saved.trk"), FileContent("complete.trk"));
     EXPECT_NE(window.canvas->loadPaths(QStringLiteral("map.trk")), 0);
     Save("map.trk", "no paths.trk");
     EXPECT_NE(FileContent("no paths.trk"), "");
 }
 
-/// The paths come from the canvas, so nothing is lost with those of the file.
-TEST_F(CanvasFiles, aTextOriginalCutWithinItsPathsIsSavedWhole) {
+/// The paths come from the canvas, so those of the file are not needed.
+TEST_F(CanvasFiles, savesTextOriginalTruncatedWithinItsPathsCompletely) {
     LoadText();
-    Save("text.trk", "whole.trk");
+    Save("text.trk", "complete.trk");
     for (std::size_t kept = kTextTrack.find("Segment\n") + 7; kept < kTextTrack.size(); ++kept) {
         WriteFile("cut.trk", kTextTrack.substr(0, kept));
         Save("cut.trk", "saved.trk");
-        EXPECT_EQ(FileContent("saved.trk"), FileContent("whole.trk")) << kept;
+        EXPECT_EQ(FileContent("saved.trk"), FileContent("complete.trk")) << kept;
     }
 }
 
-/// Whatever can be opened can be saved, also a map that no "End" line closes.
-TEST_F(CanvasFiles, aTextOriginalWhoseMapEndsWithTheFileIsSavedWhole) {
+/// Every track that can be opened can be saved, even with a map without an "End" line.
+TEST_F(CanvasFiles, savesTextOriginalThatEndsWithItsMapCompletely) {
     LoadText();
-    Save("text.trk", "whole.trk");
+    Save("text.trk", "complete.trk");
     const std::size_t map = kTextTrack.find("YX");
     const std::size_t mapEnd = kTextTrack.find("End", map);
     const std::string info = kTextTrack.substr(0, map);
-    const std::string behind = kTextTrack.substr(mapEnd + std::string("End\n").size());
-    WriteFile("open.trk", info + behind + kTextTrack.substr(map, mapEnd - map));
+    const std::string rest = kTextTrack.substr(mapEnd + std::string("End\n").size());
+    WriteFile("open.trk", info + rest + kTextTrack.substr(map, mapEnd - map));
     Save("open.trk", "saved.trk");
-    EXPECT_EQ(FileContent("saved.trk"), FileContent("whole.trk"));
+    EXPECT_EQ(FileContent("saved.trk"), FileContent("complete.trk"));
 }
 
-TEST_F(CanvasFiles, aTextOriginalWithTooFewRowsIsAnErrorAndTheTargetStays) {
+TEST_F(CanvasFiles, textOriginalWithTooFewRowsFailsAndKeepsTarget) {
     LoadText();
     WriteFile("target.trk", "precious");
     std::string lacking = kTextTrack;
@@ -249,7 +249,7 @@ TEST_F(CanvasFiles, aTextOriginalWithTooFewRowsIsAnErrorAndTheTargetStays) {
     EXPECT_EQ(FileContent("target.trk"), "precious");
 }
 
-TEST_F(CanvasFiles, aTargetThatCannotBeWrittenIsAnError) {
+TEST_F(CanvasFiles, unwritableTargetFails) {
     LoadText();
     EXPECT_EQ(ErrorOf("text.trk", "no folder/saved.trk"), "Failed to read the target file.");
     Save("text.trk", "binary.trk");
@@ -258,7 +258,7 @@ TEST_F(CanvasFiles, aTargetThatCannotBeWrittenIsAnError) {
     EXPECT_EQ(ErrorOf("binary.trk", "folder.trk"), "Failed to read the target file.");
 }
 
-TEST_F(CanvasFiles, savingChangesNoPath) {
+TEST_F(CanvasFiles, savingLeavesPathsUnchanged) {
     LoadText();
     Save("text.trk", "saved.trk");
     ExpectTextTracksPaths(Paths());

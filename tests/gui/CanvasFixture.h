@@ -42,7 +42,7 @@ class CanvasWindow : public QWidget, public RulerOwner {
         canvas->computeRulerMarks(imageSize.width(), imageSize.height());
     }
 
-    /// The canvas as it paints itself, all of it.
+    /// The complete canvas as it paints itself.
     [[nodiscard]] QImage Picture() const {
         return canvas->grab().toImage().convertToFormat(QImage::Format_RGB32);
     }
@@ -77,7 +77,7 @@ class Mouse {
         Click(at);
         modifiers = Qt::NoModifier;
     }
-    /// All that a window system sends for a double click.
+    /// All events that a window system sends for a double click.
     void DoubleClick(const QPointF& at, Qt::MouseButton button = Qt::LeftButton) {
         Click(at, button);
         down |= button;

@@ -6,7 +6,7 @@ namespace {
 
 using CanvasKeysTest = OperatingTest;
 
-TEST_F(CanvasKeysTest, arrowsMoveThePointUnderTheCursorByPixelsOfTheMap) {
+TEST_F(CanvasKeysTest, arrowsMoveThePointUnderTheCursorByMapPixels) {
     mouse().Move(at(0, 1));
     const QPointF before = point(0, 1);
     key(Qt::Key_Right);
@@ -19,7 +19,7 @@ TEST_F(CanvasKeysTest, arrowsMoveThePointUnderTheCursorByPixelsOfTheMap) {
     EXPECT_DOUBLE_EQ(point(0, 1).y(), before.y() + 0.9 / 300);
 }
 
-TEST_F(CanvasKeysTest, eachKeyIsOneStepThatIsTakenBackExactly) {
+TEST_F(CanvasKeysTest, eachKeyIsOneUndoStep) {
     mouse().Move(at(0, 1));
     const QPointF before = point(0, 1);
     const int steps = document().undoDepth();
@@ -32,7 +32,7 @@ TEST_F(CanvasKeysTest, eachKeyIsOneStepThatIsTakenBackExactly) {
     EXPECT_EQ(document().undoDepth(), steps);
 }
 
-TEST_F(CanvasKeysTest, thePointDraggedLastStaysTheOneThatArrowsMove) {
+TEST_F(CanvasKeysTest, arrowsMoveThePointDraggedLast) {
     mouse().Move(at(0, 1));
     mouse().Press(at(0, 1));
     const QPoint to = at(0, 1) + QPoint(16, 12);
@@ -44,7 +44,7 @@ TEST_F(CanvasKeysTest, thePointDraggedLastStaysTheOneThatArrowsMove) {
     EXPECT_DOUBLE_EQ(point(0, 1).x(), dragged.x() + 1.0 / 400);
 }
 
-TEST_F(CanvasKeysTest, withoutAPointArrowsScroll) {
+TEST_F(CanvasKeysTest, arrowsScrollWithoutAPoint) {
     showPercent(300);
     scrollTo(300, 200);
     mouse().Move({310.0, 210.0});
@@ -56,7 +56,7 @@ TEST_F(CanvasKeysTest, withoutAPointArrowsScroll) {
     EXPECT_EQ(document().undoDepth(), steps);
 }
 
-TEST_F(CanvasKeysTest, aMovedPointIsScrolledIntoTheView) {
+TEST_F(CanvasKeysTest, scrollsAMovedPointIntoView) {
     showPercent(400);
     scrollTo(0, 0);
     key(Qt::Key_P);
@@ -80,7 +80,7 @@ TEST_F(CanvasKeysTest, deleteRemovesThePointUnderTheCursor) {
     EXPECT_EQ(paths().at(0).lengths, (std::vector<int>{100, 101, 102}));
 }
 
-TEST_F(CanvasKeysTest, insertPutsAPointOnTheSegmentUnderTheCursor) {
+TEST_F(CanvasKeysTest, insertAddsAPointToTheSegmentUnderTheCursor) {
     const QPoint middle = (at(0, 1) + at(0, 2)) / 2;
     mouse().Move(middle + QPoint(0, 3));
     key(Qt::Key_Insert);
@@ -94,7 +94,7 @@ TEST_F(CanvasKeysTest, insertPutsAPointOnTheSegmentUnderTheCursor) {
     EXPECT_EQ(paths()[0].points.size(), 3U);
 }
 
-TEST_F(CanvasKeysTest, ctrlClickPutsAPointOnTheSegmentAndNothingElse) {
+TEST_F(CanvasKeysTest, ctrlClickOnASegmentOnlyAddsAPointToIt) {
     mouse().Click({60.0, 60.0}); // a path is open
     const QPoint middle = (at(0, 0) + at(0, 1)) / 2;
     const int steps = document().undoDepth();
@@ -106,19 +106,19 @@ TEST_F(CanvasKeysTest, ctrlClickPutsAPointOnTheSegmentAndNothingElse) {
     EXPECT_EQ(document().finishedCount(), 1) << "the open path stays open";
 }
 
-TEST_F(CanvasKeysTest, ctrlClickBesideTheSegmentsIsAClick) {
+TEST_F(CanvasKeysTest, ctrlClickOffTheSegmentsIsAPlainClick) {
     QTest::mouseClick(&canvas(), Qt::LeftButton, Qt::ControlModifier, QPoint(60, 60));
     EXPECT_EQ(paths().size(), 2U);
 }
 
-TEST_F(CanvasKeysTest, backspaceIsDeleteLast) {
+TEST_F(CanvasKeysTest, backspaceDeletesTheLastPoint) {
     key(Qt::Key_Backspace);
     EXPECT_EQ(paths().at(0).points.size(), 2U);
     key(Qt::Key_Backspace);
     EXPECT_TRUE(paths().empty());
 }
 
-TEST_F(CanvasKeysTest, enterClosesEveryOpenPathInOneStep) {
+TEST_F(CanvasKeysTest, enterClosesAllOpenPathsInOneUndoStep) {
     loadExternal(folder.Path("a.trk"));
     ASSERT_EQ(document().finishedCount(), 0) << "a loaded path is open";
     canvas().setFocus();
@@ -131,7 +131,7 @@ TEST_F(CanvasKeysTest, enterClosesEveryOpenPathInOneStep) {
     EXPECT_EQ(document().finishedCount(), 2);
 }
 
-TEST_F(CanvasKeysTest, escapePutsADraggedPointBackAndLeavesNoStep) {
+TEST_F(CanvasKeysTest, escapePutsADraggedPointBackWithoutAnUndoStep) {
     const QPointF before = point(0, 1);
     const int steps = document().undoDepth();
     mouse().Move(at(0, 1));
@@ -148,7 +148,7 @@ TEST_F(CanvasKeysTest, escapePutsADraggedPointBackAndLeavesNoStep) {
     EXPECT_EQ(document().undoDepth(), steps);
 }
 
-TEST_F(CanvasKeysTest, escapeGivesUpTheRubberBand) {
+TEST_F(CanvasKeysTest, escapeCancelsTheRubberBand) {
     mouse().Press({60.0, 60.0});
     mouse().Move({200.0, 60.0});
     ASSERT_FALSE(canvas().editingState().rubberPoint.isNull());
@@ -158,7 +158,7 @@ TEST_F(CanvasKeysTest, escapeGivesUpTheRubberBand) {
     EXPECT_EQ(paths().at(1).points.size(), 1U);
 }
 
-TEST_F(CanvasKeysTest, nChoosesSegmentsOfAllPathsAndTheNumbersFollow) {
+TEST_F(CanvasKeysTest, nKeySelectsNextSegmentAndUpdatesSpinBoxes) {
     drawPath({{0.1, 0.1}, {0.2, 0.1}});
     canvas().setFocus();
     const auto chosen = [this] {
@@ -183,10 +183,10 @@ TEST_F(CanvasKeysTest, nChoosesSegmentsOfAllPathsAndTheNumbersFollow) {
     click("checkBox_batchSetting");
     canvas().setFocus();
     key(Qt::Key_N);
-    EXPECT_EQ(chosen(), std::pair(1, 1)) << "in batch mode there is none to choose";
+    EXPECT_EQ(chosen(), std::pair(1, 1)) << "batch mode has no segment to select";
 }
 
-TEST_F(CanvasKeysTest, theFieldsShowTheSegmentThatHasTheNumberAfterAnEdit) {
+TEST_F(CanvasKeysTest, fieldsShowTheSelectedSegmentAfterAnEdit) {
     key(Qt::Key_N);
     ASSERT_EQ(text("lineEdit_lineLength"), "101");
     mouse().Move(at(0, 1));
@@ -196,10 +196,10 @@ TEST_F(CanvasKeysTest, theFieldsShowTheSegmentThatHasTheNumberAfterAnEdit) {
     key(Qt::Key_Escape);
     mouse().Move({400.0, 30.0});
     key(Qt::Key_Insert);
-    EXPECT_EQ(paths().at(0).lengths, (std::vector<int>{100, 100, 102})) << "the chosen one is halved";
+    EXPECT_EQ(paths().at(0).lengths, (std::vector<int>{100, 100, 102})) << "the selected segment is halved";
 }
 
-TEST_F(CanvasKeysTest, whileTheButtonIsDownKeysDoNothing) {
+TEST_F(CanvasKeysTest, keysDoNothingWhileTheButtonIsDown) {
     mouse().Move(at(0, 1));
     mouse().Press(at(0, 1));
     const auto before = paths().at(0).points;
@@ -212,7 +212,7 @@ TEST_F(CanvasKeysTest, whileTheButtonIsDownKeysDoNothing) {
     mouse().Release(at(0, 1));
 }
 
-TEST_F(CanvasKeysTest, keysOfAFieldAreTheFields) {
+TEST_F(CanvasKeysTest, keysTypedInAFieldGoToTheField) {
     type("lineEdit_lineLength", "123");
     auto& field = find<QLineEdit>("lineEdit_lineLength");
     QTest::keyClick(&field, Qt::Key_Backspace);
@@ -221,7 +221,7 @@ TEST_F(CanvasKeysTest, keysOfAFieldAreTheFields) {
     EXPECT_EQ(paths().at(0).points.size(), 3U);
 }
 
-TEST_F(CanvasKeysTest, withoutATrackKeysDoNothing) {
+TEST_F(CanvasKeysTest, keysDoNothingWithoutATrack) {
     closeWindow();
     openWindow();
     QApplication::setActiveWindow(window.get());
@@ -233,13 +233,13 @@ TEST_F(CanvasKeysTest, withoutATrackKeysDoNothing) {
     expectNoBox();
 }
 
-TEST_F(CanvasKeysTest, f6LeadsFromAFieldToTheCanvas) {
+TEST_F(CanvasKeysTest, f6MovesFocusFromAFieldToTheCanvas) {
     find<QLineEdit>("lineEdit_lineLength").setFocus();
     QTest::keyClick(&find<QLineEdit>("lineEdit_lineLength"), Qt::Key_F6);
     EXPECT_EQ(QApplication::focusWidget(), &canvas());
 }
 
-TEST_F(CanvasKeysTest, addPutsAPointWhereTheCursorIsOrInTheMiddleOfTheView) {
+TEST_F(CanvasKeysTest, addKeyAddsAPointAtTheCursorOrTheViewCentre) {
     mouse().Move({60.0, 60.0});
     key(Qt::Key_A);
     ASSERT_EQ(paths().size(), 2U);
@@ -253,7 +253,7 @@ TEST_F(CanvasKeysTest, addPutsAPointWhereTheCursorIsOrInTheMiddleOfTheView) {
     EXPECT_EQ(point(1, 1), normalised(middle.x(), middle.y()));
 }
 
-/// What a save writes after work on a fresh copy of the track.
+/// The file that a save writes after edits on a fresh copy of the track.
 class SameWork : public OperatingTest {
   protected:
     std::string saved() {
@@ -267,7 +267,7 @@ class SameWork : public OperatingTest {
     }
 };
 
-TEST_F(SameWork, byMouseAndByKeysEndsInEqualFiles) {
+TEST_F(SameWork, byMouseAndByKeysGivesEqualFiles) {
     // A point dragged, one inserted, one removed, and a path of two points drawn and closed.
     const QPoint start = at(0, 1);
     mouse().Move(start);

@@ -21,7 +21,7 @@ TEST_F(CanvasMouse, ignoresEverythingWithoutAnImage) {
     EXPECT_TRUE(State().rubberPoint.isNull());
 }
 
-TEST_F(CanvasMouse, eachHandlerIgnoresEventsOnceTheImageIsGone) {
+TEST_F(CanvasMouse, eachHandlerIgnoresEventsAfterTheImageWasRemoved) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Click({50, 200});
     mouse.Move({150, 50});
@@ -34,7 +34,7 @@ TEST_F(CanvasMouse, eachHandlerIgnoresEventsOnceTheImageIsGone) {
     EXPECT_EQ(At(0, 1), QPointF(150, 50));
 }
 
-TEST_F(CanvasMouse, aClickWithoutMovingMakesAnOpenPathOfOnePoint) {
+TEST_F(CanvasMouse, clickWithoutMovingStartsAPathOfOnePoint) {
     QTest::mouseClick(window.canvas, Qt::LeftButton, {}, {120, 80});
     ASSERT_EQ(Paths().size(), 1U);
     EXPECT_EQ(Paths()[0].points.size(), 1U);
@@ -42,7 +42,7 @@ TEST_F(CanvasMouse, aClickWithoutMovingMakesAnOpenPathOfOnePoint) {
     EXPECT_EQ(Document().finishedCount(), 0);
 }
 
-TEST_F(CanvasMouse, aReleaseAtExactlyFivePixelsAddsNothing) {
+TEST_F(CanvasMouse, releaseExactlyFivePixelsAwayAddsNothing) {
     mouse.Press({120, 80});
     mouse.Release({125, 80});
     EXPECT_EQ(Paths().at(0).points.size(), 1U);
@@ -50,7 +50,7 @@ TEST_F(CanvasMouse, aReleaseAtExactlyFivePixelsAddsNothing) {
     EXPECT_EQ(Paths().at(0).points.size(), 1U);
 }
 
-TEST_F(CanvasMouse, aReleaseMoreThanFivePixelsAwayAddsAPoint) {
+TEST_F(CanvasMouse, releaseMoreThanFivePixelsAwayAddsAPoint) {
     mouse.Press({120, 80});
     mouse.Release({126, 80});
     ASSERT_EQ(Paths().at(0).points.size(), 2U);
@@ -80,7 +80,7 @@ TEST_F(CanvasMouse, onlyTheLeftButtonActs) {
     EXPECT_TRUE(State().rubberPoint.isNull());
 }
 
-TEST_F(CanvasMouse, theFirstPointIsTakenWhereTheButtonWentDown) {
+TEST_F(CanvasMouse, firstPointIsAtThePressPosition) {
     mouse.Press({3, 297});
     EXPECT_EQ(At(0, 0), QPointF(3, 297));
 }
@@ -93,13 +93,13 @@ TEST_F(CanvasMouse, laterPointsAreClampedToTheMargin) {
     EXPECT_EQ(At(0, 2), QPointF(390, 10));
 }
 
-TEST_F(CanvasMouse, theReleaseDistanceIsMeasuredFromTheClampedPosition) {
+TEST_F(CanvasMouse, releaseDistanceIsMeasuredFromTheClampedPosition) {
     mouse.Press({10, 150});
     mouse.Release({2, 150});
     EXPECT_EQ(Paths().at(0).points.size(), 1U);
 }
 
-TEST_F(CanvasMouse, onACanvasNarrowerThanTheMarginsEveryLaterPointIsAtTen) {
+TEST_F(CanvasMouse, clampsLaterPointsToTenOnACanvasNarrowerThanTheMargins) {
     window.ShowImage({15, 15});
     mouse.Press({1, 1});
     mouse.Release({14, 14});
@@ -108,13 +108,13 @@ TEST_F(CanvasMouse, onACanvasNarrowerThanTheMarginsEveryLaterPointIsAtTen) {
     EXPECT_NEAR(At(0, 1).y(), 10.0, 1e-9);
 }
 
-TEST_F(CanvasMouse, aPressWhileAPathIsOpenStartsNone) {
+TEST_F(CanvasMouse, pressWhileAPathIsOpenStartsNoOther) {
     mouse.Click({50, 50});
     mouse.Press({150, 50});
     EXPECT_EQ(Paths().size(), 1U);
 }
 
-TEST_F(CanvasMouse, aDoubleClickClosesThePath) {
+TEST_F(CanvasMouse, doubleClickClosesThePath) {
     mouse.Draw({{50, 50}, {150, 50}});
     EXPECT_EQ(Document().finishedCount(), 1);
     ASSERT_EQ(Paths().size(), 1U);
@@ -124,21 +124,21 @@ TEST_F(CanvasMouse, aDoubleClickClosesThePath) {
     EXPECT_EQ(Paths().size(), 2U);
 }
 
-TEST_F(CanvasMouse, aDoubleClickWithoutAnOpenPathChangesNothing) {
+TEST_F(CanvasMouse, doubleClickWithoutAnOpenPathChangesNothing) {
     mouse.Draw({{50, 50}, {150, 50}});
     QTest::mouseDClick(window.canvas, Qt::LeftButton, {}, {150, 50});
     EXPECT_EQ(Document().finishedCount(), 1);
     EXPECT_EQ(Paths().size(), 1U);
 }
 
-TEST_F(CanvasMouse, aReleaseFarFromAClosedPathsLastPointExtendsIt) {
+TEST_F(CanvasMouse, releaseFarFromAClosedPathsLastPointExtendsIt) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Release({150, 150});
     EXPECT_EQ(Paths().at(0).points.size(), 3U);
     EXPECT_EQ(Document().finishedCount(), 1);
 }
 
-TEST_F(CanvasMouse, aReleaseWithoutPathsDoesNothing) {
+TEST_F(CanvasMouse, releaseWithoutPathsDoesNothing) {
     mouse.Release({150, 150});
     EXPECT_TRUE(Paths().empty());
 }
@@ -153,7 +153,7 @@ TEST_F(CanvasMouse, holdingTheButtonStretchesTheRubberBand) {
     EXPECT_TRUE(State().rubberPoint.isNull());
 }
 
-TEST_F(CanvasMouse, aPointNearerThanFivePixelsIsArmed) {
+TEST_F(CanvasMouse, armsAPointNearerThanFivePixels) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Move({154.99, 50});
     EXPECT_EQ(State().hoverPath, 0);
@@ -161,7 +161,7 @@ TEST_F(CanvasMouse, aPointNearerThanFivePixelsIsArmed) {
     EXPECT_EQ(State().dragPoint, Paths()[0].points[1]);
 }
 
-TEST_F(CanvasMouse, aPointExactlyFivePixelsAwayIsNotArmed) {
+TEST_F(CanvasMouse, doesNotArmAPointExactlyFivePixelsAway) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Move({150, 50});
     mouse.Move({155, 50});
@@ -169,14 +169,14 @@ TEST_F(CanvasMouse, aPointExactlyFivePixelsAwayIsNotArmed) {
     EXPECT_EQ(State().hoverPoint, 0);
 }
 
-TEST_F(CanvasMouse, theCursorIsClampedBeforeTheSearch) {
-    mouse.Press({3, 150}); // the first point may lie in the margin
+TEST_F(CanvasMouse, clampsTheCursorBeforeTheSearch) {
+    mouse.Press({3, 150}); // the first point may be in the margin
     mouse.Release({200, 150});
     mouse.Move({3, 150}); // the cursor counts as (10, 150)
     EXPECT_TRUE(State().dragPoint.isNull());
 }
 
-TEST_F(CanvasMouse, aPressOnAnArmedPointCreatesNothing) {
+TEST_F(CanvasMouse, pressOnAnArmedPointAddsNothing) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Move({151, 51});
     mouse.Press({151, 51});
@@ -184,7 +184,7 @@ TEST_F(CanvasMouse, aPressOnAnArmedPointCreatesNothing) {
     EXPECT_EQ(At(0, 1), QPointF(150, 50));
 }
 
-TEST_F(CanvasMouse, aDragMovesThePointUnderTheCursor) {
+TEST_F(CanvasMouse, dragMovesThePointUnderTheCursor) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Move({151, 51});
     mouse.Press({151, 51});
@@ -198,7 +198,7 @@ TEST_F(CanvasMouse, aDragMovesThePointUnderTheCursor) {
     EXPECT_EQ(Paths()[0].points.size(), 2U);
 }
 
-TEST_F(CanvasMouse, aDraggedPointStaysInsideTheMargin) {
+TEST_F(CanvasMouse, draggedPointStaysInsideTheMargin) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Move({150, 50});
     mouse.Press({150, 50});
@@ -208,7 +208,7 @@ TEST_F(CanvasMouse, aDraggedPointStaysInsideTheMargin) {
     EXPECT_EQ(At(0, 1), QPointF(390, 290));
 }
 
-TEST_F(CanvasMouse, theDragPointStaysUntilTheNextMoveWithoutAButton) {
+TEST_F(CanvasMouse, pointStaysArmedUntilTheNextMoveWithoutAButton) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Move({150, 50});
     mouse.Press({150, 50});
@@ -219,7 +219,7 @@ TEST_F(CanvasMouse, theDragPointStaysUntilTheNextMoveWithoutAButton) {
     EXPECT_EQ(State().hoverPoint, 0);
 }
 
-TEST_F(CanvasMouse, ofTwoPointsAtOnePlaceTheEarlierPathsIsDragged) {
+TEST_F(CanvasMouse, dragsTheEarlierPathsPointOfTwoAtOnePlace) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Move({250, 250});
     mouse.Draw({{50, 200}, {200, 200}});
@@ -235,7 +235,7 @@ TEST_F(CanvasMouse, ofTwoPointsAtOnePlaceTheEarlierPathsIsDragged) {
     EXPECT_EQ(At(1, 1), QPointF(150, 50));
 }
 
-TEST_F(CanvasMouse, aPointCanBeDraggedWhileAPathIsOpen) {
+TEST_F(CanvasMouse, dragsAPointWhileAPathIsOpen) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Move({250, 250});
     mouse.Click({250, 250});
@@ -249,7 +249,7 @@ TEST_F(CanvasMouse, aPointCanBeDraggedWhileAPathIsOpen) {
     EXPECT_EQ(Paths()[1].points.size(), 1U);
 }
 
-TEST_F(CanvasMouse, pointsAreKeptWhenTheCanvasIsResized) {
+TEST_F(CanvasMouse, resizingTheCanvasKeepsPoints) {
     mouse.Draw({{100, 75}, {200, 150}});
     window.Resize({800, 600});
     EXPECT_EQ(At(0, 1), QPointF(400, 300));
@@ -269,7 +269,7 @@ TEST_F(CanvasMouse, deleteLastOnTwoPointsRemovesThePathAndOnThreeLeavesTwo) {
     EXPECT_EQ(Document().finishedCount(), 1);
 }
 
-TEST_F(CanvasMouse, clearAllForgetsEveryPathAndTheState) {
+TEST_F(CanvasMouse, clearAllResetsPathsAndState) {
     mouse.Draw({{50, 50}, {150, 50}});
     window.canvas->setCurrentPath(2);
     window.canvas->setCurrentSegment(3);
@@ -280,7 +280,7 @@ TEST_F(CanvasMouse, clearAllForgetsEveryPathAndTheState) {
     EXPECT_EQ(window.canvas->currentSegment(), 0);
 }
 
-TEST_F(CanvasMouse, anAddedPointRefreshesAShownRuler) {
+TEST_F(CanvasMouse, addingAPointRefreshesAShownRuler) {
     window.shown = true;
     mouse.Press({50, 50});
     EXPECT_EQ(window.refreshes, 0);
@@ -291,7 +291,7 @@ TEST_F(CanvasMouse, anAddedPointRefreshesAShownRuler) {
     EXPECT_EQ(Paths().at(0).rulerMarks.size(), 1U);
 }
 
-TEST_F(CanvasMouse, everyDragStepRefreshesAShownRulerAndItsReleaseDoesNot) {
+TEST_F(CanvasMouse, dragMovesRefreshAShownRulerButTheReleaseDoesNot) {
     window.shown = true;
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Move({150, 50});
@@ -304,7 +304,7 @@ TEST_F(CanvasMouse, everyDragStepRefreshesAShownRulerAndItsReleaseDoesNot) {
     EXPECT_EQ(window.refreshes, 2);
 }
 
-TEST_F(CanvasMouse, aHiddenRulerIsNotRefreshed) {
+TEST_F(CanvasMouse, hiddenRulerIsNotRefreshed) {
     mouse.Draw({{50, 50}, {150, 50}});
     mouse.Move({150, 50});
     mouse.Press({150, 50});
@@ -314,7 +314,7 @@ TEST_F(CanvasMouse, aHiddenRulerIsNotRefreshed) {
     EXPECT_TRUE(Paths().at(0).rulerMarks.empty());
 }
 
-TEST_F(CanvasMouse, theWindowIsTakenAtConstruction) {
+TEST_F(CanvasMouse, findsTheWindowAtConstruction) {
     QScrollArea area;
     area.setWidget(window.canvas);
     window.shown = true;

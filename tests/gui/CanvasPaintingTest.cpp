@@ -25,7 +25,7 @@ int Count(const QImage& picture, QRgb colour) {
     return Count(picture, colour, picture.rect());
 }
 
-/// The smallest rectangle round all pixels of one colour.
+/// The smallest rectangle around all pixels of one colour.
 QRect Extent(const QImage& picture, QRgb colour) {
     QRect extent;
     for (int y = 0; y < picture.height(); ++y)
@@ -37,7 +37,7 @@ QRect Extent(const QImage& picture, QRgb colour) {
 
 class CanvasPainting : public CanvasTest {
   protected:
-    /// Two points far apart, closed, and no segment chosen.
+    /// Two distant points, closed, and no segment selected.
     void DrawLevelLine() {
         mouse.Draw({{50, 100}, {250, 100}});
         window.canvas->setCurrentPath(9);
@@ -45,7 +45,7 @@ class CanvasPainting : public CanvasTest {
     }
 };
 
-TEST_F(CanvasPainting, nothingWithoutAnImage) {
+TEST_F(CanvasPainting, paintsNothingWithoutAnImage) {
     DrawLevelLine();
     window.canvas->setText(QStringLiteral("A label would show this, and its frame."));
     window.canvas->setFrameShape(QFrame::Box);
@@ -55,18 +55,18 @@ TEST_F(CanvasPainting, nothingWithoutAnImage) {
     EXPECT_EQ(Count(paper, qRgb(7, 8, 9)), 400 * 300);
 }
 
-TEST_F(CanvasPainting, theImageFillsTheCanvas) {
+TEST_F(CanvasPainting, imageFillsTheCanvas) {
     EXPECT_EQ(Count(window.Picture(), kGrey), 400 * 300);
 }
 
-TEST_F(CanvasPainting, aSegmentIsABlueLineTwoPixelsWide) {
+TEST_F(CanvasPainting, segmentIsABlueLineTwoPixelsWide) {
     DrawLevelLine();
     const QImage picture = window.Picture();
     EXPECT_EQ(Count(picture, kBlue, QRect(150, 0, 1, 300)), 2);
     EXPECT_EQ(Count(picture, kBlue, QRect(100, 99, 100, 2)), 200);
 }
 
-TEST_F(CanvasPainting, everySegmentOfEveryPathIsPainted) {
+TEST_F(CanvasPainting, paintsEverySegmentOfEveryPath) {
     mouse.Draw({{50, 50}, {150, 50}, {150, 150}});
     mouse.Move({250, 250});
     mouse.Draw({{200, 50}, {300, 50}});
@@ -75,14 +75,14 @@ TEST_F(CanvasPainting, everySegmentOfEveryPathIsPainted) {
     EXPECT_EQ(Count(picture, kBlue, QRect(100, 40, 1, 20)), 2);
     EXPECT_EQ(Count(picture, kBlue, QRect(140, 100, 20, 1)), 2);
     EXPECT_EQ(Count(picture, kBlue, QRect(250, 40, 1, 20)), 2);
-    // None joins the paths.
+    // No line joins the paths.
     EXPECT_EQ(Count(picture, kBlue, QRect(170, 0, 1, 300)), 0);
 }
 
-TEST_F(CanvasPainting, aPointIsAGreenSquareOfFivePixels) {
+TEST_F(CanvasPainting, pointIsAGreenSquareOfFivePixels) {
     DrawLevelLine();
     const QImage picture = window.Picture();
-    // The toolkit's painter may give a square whose edges fall between pixels one column or row more.
+    // QPainter may paint a square whose edges are between pixels one column or row larger.
     for (const int x : {50, 250}) {
         EXPECT_EQ(Count(picture, kGreen, QRect(x - 2, 98, 5, 5)), 25);
         EXPECT_EQ(Count(picture, kGreen, QRect(x - 3, 97, 7, 7)),
@@ -91,13 +91,13 @@ TEST_F(CanvasPainting, aPointIsAGreenSquareOfFivePixels) {
     }
 }
 
-TEST_F(CanvasPainting, pointsLieOverTheLines) {
+TEST_F(CanvasPainting, pointsCoverLines) {
     DrawLevelLine();
     EXPECT_EQ(window.Picture().pixel(50, 100), kGreen);
     EXPECT_EQ(window.Picture().pixel(52, 100), kGreen);
 }
 
-TEST_F(CanvasPainting, aPathOfOnePointIsADotWithoutALine) {
+TEST_F(CanvasPainting, pathOfOnePointIsADotWithoutALine) {
     mouse.Click({120, 80});
     const QImage picture = window.Picture();
     EXPECT_EQ(Count(picture, kGreen), 25);
@@ -105,7 +105,7 @@ TEST_F(CanvasPainting, aPathOfOnePointIsADotWithoutALine) {
     EXPECT_EQ(Count(picture, kRed), 0);
 }
 
-TEST_F(CanvasPainting, theRubberBandIsARedLineFromTheLastPoint) {
+TEST_F(CanvasPainting, rubberBandIsARedLineFromTheLastPoint) {
     mouse.Press({50, 100});
     mouse.Move({250, 100});
     const QImage picture = window.Picture();
@@ -116,7 +116,7 @@ TEST_F(CanvasPainting, theRubberBandIsARedLineFromTheLastPoint) {
     EXPECT_EQ(Count(window.Picture(), kRed), 0);
 }
 
-TEST_F(CanvasPainting, theRubberBandReachesHalfItsWidthBeyondTheCursor) {
+TEST_F(CanvasPainting, rubberBandExtendsHalfItsWidthBeyondTheCursor) {
     mouse.Press({50, 100});
     mouse.Move({250, 100});
     const QImage picture = window.Picture();
@@ -124,7 +124,7 @@ TEST_F(CanvasPainting, theRubberBandReachesHalfItsWidthBeyondTheCursor) {
     EXPECT_EQ(picture.pixel(251, 100), kGrey);
 }
 
-TEST_F(CanvasPainting, theRubberBandLiesOverTheLinesAndUnderThePoints) {
+TEST_F(CanvasPainting, rubberBandCoversLinesButNotPoints) {
     mouse.Click({50, 100});
     mouse.Click({250, 100});
     window.canvas->setCurrentPath(9);
@@ -137,7 +137,7 @@ TEST_F(CanvasPainting, theRubberBandLiesOverTheLinesAndUnderThePoints) {
     EXPECT_EQ(picture.pixel(249, 100), kGreen);
 }
 
-TEST_F(CanvasPainting, pointsLieOverTheChosenSegment) {
+TEST_F(CanvasPainting, pointsCoverTheSelectedSegment) {
     mouse.Draw({{50, 100}, {250, 100}});
     mouse.Move({390, 290});
     const QImage picture = window.Picture();
@@ -146,7 +146,7 @@ TEST_F(CanvasPainting, pointsLieOverTheChosenSegment) {
     EXPECT_EQ(picture.pixel(249, 100), kGreen);
 }
 
-TEST_F(CanvasPainting, theChosenSegmentIsRedOverItsBlueLine) {
+TEST_F(CanvasPainting, selectedSegmentIsRedOverItsBlueLine) {
     mouse.Draw({{50, 50}, {150, 50}, {150, 150}});
     window.canvas->setCurrentPath(0);
     window.canvas->setCurrentSegment(1);
@@ -156,7 +156,7 @@ TEST_F(CanvasPainting, theChosenSegmentIsRedOverItsBlueLine) {
     EXPECT_EQ(Count(picture, kBlue, QRect(100, 40, 1, 20)), 2);
 }
 
-TEST_F(CanvasPainting, aChosenSegmentThatIsGoneIsNotHighlighted) {
+TEST_F(CanvasPainting, doesNotHighlightARemovedSegment) {
     mouse.Draw({{50, 50}, {150, 50}, {150, 150}});
     window.canvas->setCurrentSegment(1);
     window.canvas->deleteLast();
@@ -167,7 +167,7 @@ TEST_F(CanvasPainting, aChosenSegmentThatIsGoneIsNotHighlighted) {
     EXPECT_EQ(Count(window.Picture(), kRed), 0);
 }
 
-TEST_F(CanvasPainting, thePointUnderTheCursorIsAGreenSquareOfTenPixels) {
+TEST_F(CanvasPainting, pointUnderTheCursorIsAGreenSquareOfTenPixels) {
     DrawLevelLine();
     mouse.Move({250, 100});
     const QImage picture = window.Picture();
@@ -178,7 +178,7 @@ TEST_F(CanvasPainting, thePointUnderTheCursorIsAGreenSquareOfTenPixels) {
     EXPECT_TRUE(grip.contains(50, 100));
 }
 
-TEST_F(CanvasPainting, theLabelStartsAtThePointOnItsBaseline) {
+TEST_F(CanvasPainting, labelBaselineStartsAtThePoint) {
     DrawLevelLine();
     mouse.Move({250, 100});
     const QFontMetrics metrics(window.canvas->font());
@@ -191,7 +191,7 @@ TEST_F(CanvasPainting, theLabelStartsAtThePointOnItsBaseline) {
     EXPECT_NEAR(red.top(), expected.top(), 2);
 }
 
-TEST_F(CanvasPainting, theLabelHoldsBothNumbersInTheWidgetsFontAndLiesOverTheGrip) {
+TEST_F(CanvasPainting, labelShowsBothCoordinatesInTheWidgetsFontOverTheGrip) {
     DrawLevelLine();
     QFont font = window.canvas->font();
     font.setPixelSize(29);
@@ -207,7 +207,7 @@ TEST_F(CanvasPainting, theLabelHoldsBothNumbersInTheWidgetsFontAndLiesOverTheGri
     EXPECT_EQ(window.Picture(), expected);
 }
 
-TEST_F(CanvasPainting, theLabelNearTheRightEdgeStartsFortyPixelsFurtherLeft) {
+TEST_F(CanvasPainting, labelNearTheRightEdgeStartsFortyPixelsFurtherLeft) {
     mouse.Draw({{50, 100}, {359, 100}});
     window.canvas->setCurrentPath(9);
     mouse.Move({359, 100}); // 41 pixels from the edge
@@ -221,7 +221,7 @@ TEST_F(CanvasPainting, theLabelNearTheRightEdgeStartsFortyPixelsFurtherLeft) {
     EXPECT_NEAR(Extent(window.Picture(), kRed).left(), 320, 4);
 }
 
-TEST_F(CanvasPainting, theLabelTellsWidgetPixelsAtAnyScale) {
+TEST_F(CanvasPainting, labelShowsWidgetPixelsAtAnyScale) {
     DrawLevelLine();
     window.Resize({800, 600});
     mouse.Move({500, 200});
@@ -234,7 +234,7 @@ TEST_F(CanvasPainting, theLabelTellsWidgetPixelsAtAnyScale) {
     painter.drawText(500, 200, QStringLiteral("500,200"));
     painter.end();
     for (int y = 195; y < 200; ++y)
-        for (int x = 500; x < 505; ++x) // inside the grip, where the ground is green in both
+        for (int x = 500; x < 505; ++x) // inside the grip, where the background is green in both
             ASSERT_EQ(picture.pixel(x, y), expected.pixel(x, y)) << x << ' ' << y;
 }
 
@@ -252,13 +252,13 @@ TEST_F(CanvasPainting, bandsAreWhiteOutlinesWithGreenCorners) {
     EXPECT_EQ(Count(picture, kWhite, QRect(140, 60, 1, 35)), 0); // not filled
 }
 
-TEST_F(CanvasPainting, ticksThemselvesAreNotPainted) {
+TEST_F(CanvasPainting, ticksAreNotPainted) {
     window.shown = true;
     DrawLevelLine();
     EXPECT_EQ(window.Picture().pixel(151, 70), kGrey);
 }
 
-TEST_F(CanvasPainting, everyBandOfEverySegmentIsPaintedOverPointsAndGripAndUnderAllCorners) {
+TEST_F(CanvasPainting, bandsCoverPointsAndGripButNotCorners) {
     window.shown = true;
     DrawLevelLine(); // bands from 25 to 75 and from 126 to 176, between 50 and 150
     mouse.Draw({{126, 100}, {326, 100}, {326, 250}});
@@ -269,24 +269,24 @@ TEST_F(CanvasPainting, everyBandOfEverySegmentIsPaintedOverPointsAndGripAndUnder
         EXPECT_EQ(picture.pixel(x, 70), kWhite) << x;
     for (const int x : {101, 151, 202, 252}) // from 101 to 151 and from 202 to 252
         EXPECT_EQ(picture.pixel(x, 70), kWhite) << x;
-    for (const int x : {276, 376}) // two pixels behind the corner, from 77 to 127
+    for (const int x : {276, 376}) // two pixels after the corner, from 77 to 127
         EXPECT_EQ(picture.pixel(x, 90), kWhite) << x;
     EXPECT_EQ(picture.pixel(126, 100), kWhite); // the second path's first point
     EXPECT_EQ(picture.pixel(126, 50), kGreen);  // a corner, on a side of the band of the second path
-    EXPECT_EQ(picture.pixel(151, 50), kGreen);  // and the other way round
+    EXPECT_EQ(picture.pixel(151, 50), kGreen);  // and vice versa
     mouse.Move({126, 100});
     const QImage hovered = window.Picture();
     EXPECT_EQ(hovered.pixel(122, 103), kGreen);
     EXPECT_EQ(hovered.pixel(126, 103), kWhite);
 }
 
-TEST_F(CanvasPainting, bandsLieOverThePaths) {
+TEST_F(CanvasPainting, bandsCoverPaths) {
     window.shown = true;
     DrawLevelLine();
     EXPECT_EQ(window.Picture().pixel(126, 100), kWhite);
 }
 
-TEST_F(CanvasPainting, aHiddenRulerIsNotPaintedThoughItsMarksAreCached) {
+TEST_F(CanvasPainting, hiddenRulerWithCachedMarksIsNotPainted) {
     window.shown = true;
     DrawLevelLine();
     window.shown = false;
@@ -294,7 +294,7 @@ TEST_F(CanvasPainting, aHiddenRulerIsNotPaintedThoughItsMarksAreCached) {
     EXPECT_EQ(Count(window.Picture(), kWhite), 0);
 }
 
-TEST_F(CanvasPainting, clearedMarksLeaveNothingBehind) {
+TEST_F(CanvasPainting, clearedMarksAreErased) {
     window.shown = true;
     DrawLevelLine();
     window.canvas->clearRulerMarks();
@@ -311,7 +311,7 @@ TEST_F(CanvasPainting, followsTheViewScale) {
     EXPECT_EQ(picture.pixel(500, 200), kGreen);
 }
 
-TEST_F(CanvasPainting, pointsBeyondAnyCanvasDoNoHarm) {
+TEST_F(CanvasPainting, acceptsPointsFarOutsideTheCanvas) {
     mouse.Draw({{50, 100}, {250, 100}});
     window.Resize({16'000'000, 2});
     window.Resize({400, 300});

@@ -26,12 +26,12 @@ class CanvasRefining : public CanvasTest {
     CanvasRefining() {
         window.canvas->setPixmap(map);
         window.Resize({300, 250});
-        window.resize(600, 500); // the platform gives back as many device pixels as the window has pixels
+        window.resize(600, 500); // the platform returns one device pixel for each pixel of the window
     }
 
     void SetUp() override { ASSERT_TRUE(QTest::qWaitForWindowExposed(&window)); }
 
-    /// What stands on the screen where the canvas is, as far as it was painted.
+    /// The canvas as painted on the screen so far.
     [[nodiscard]] QImage Screen() const {
         const QRect place(QPoint(0, 0), window.canvas->size());
         const QPixmap shown =
@@ -46,14 +46,14 @@ class CanvasRefining : public CanvasTest {
         ASSERT_TRUE(QTest::qWaitFor([this] { return !window.canvas->isRefining(); }));
     }
 
-    /// What a canvas with the map and these paths looks like that was never disturbed.
+    /// The picture of an undisturbed canvas with the map and these paths.
     [[nodiscard]] static QImage Undisturbed(const QPixmap& map, const std::vector<QPointF>& points) {
         CanvasWindow other;
         other.ShowImage({300, 250});
-        Mouse hand(other.canvas);
-        hand.Draw(points);
+        Mouse otherMouse(other.canvas);
+        otherMouse.Draw(points);
         other.canvas->setPixmap(map);
-        hand.Move({20, 20});
+        otherMouse.Move({20, 20});
         (void)other.Picture();
         EXPECT_TRUE(QTest::qWaitFor([&other] { return !other.canvas->isRefining(); }));
         return other.Picture();
@@ -71,17 +71,17 @@ class CanvasRefining : public CanvasTest {
     const QPixmap map = LargeNoise();
 };
 
-TEST_F(CanvasRefining, paintsTheWholeMapFineBitByBit) {
+TEST_F(CanvasRefining, refinesTheCompleteMapInSteps) {
     const QImage fine = FineMap();
     window.canvas->repaint();
     ASSERT_TRUE(window.canvas->isRefining());
-    EXPECT_NE(Screen(), fine); // it would be no test if all were averaged at once
+    EXPECT_NE(Screen(), fine); // or the test proves nothing: the first paint averaged everything
     AwaitTheFineMap();
     EXPECT_EQ(Screen().size(), fine.size());
     EXPECT_EQ(Screen(), fine);
 }
 
-TEST_F(CanvasRefining, aGrabbedPictureIsFineAtOnceAndTheScreenBecomesSo) {
+TEST_F(CanvasRefining, grabIsFineImmediatelyAndTheScreenFollows) {
     const QImage fine = FineMap();
     window.canvas->repaint();
     ASSERT_TRUE(window.canvas->isRefining());
@@ -92,7 +92,7 @@ TEST_F(CanvasRefining, aGrabbedPictureIsFineAtOnceAndTheScreenBecomesSo) {
     EXPECT_EQ(Screen(), fine);
 }
 
-TEST_F(CanvasRefining, showsEveryStepOfADragMeanwhileAndEndsWithTheSamePicture) {
+TEST_F(CanvasRefining, dragDuringRefiningIsShownAndEndsWithTheSamePicture) {
     mouse.Draw({{60, 60}, {150, 60}, {150, 200}});
     window.canvas->repaint();
     mouse.Move({150, 60});
@@ -106,7 +106,7 @@ TEST_F(CanvasRefining, showsEveryStepOfADragMeanwhileAndEndsWithTheSamePicture) 
         ASSERT_EQ(PixelAt(step), QColor(0, 255, 0)) << step.x();
         ASSERT_EQ(PixelAt((step + QPoint(60, 60)) / 2), QColor(255, 0, 0)) << step.x();
     }
-    EXPECT_GT(meanwhile, 1); // it would be no test if the map were fine at once
+    EXPECT_GT(meanwhile, 1); // or the test proves nothing: the first paint was fine
     mouse.Release(steps.back());
     mouse.Move({20, 20});
     AwaitTheFineMap();
@@ -114,7 +114,7 @@ TEST_F(CanvasRefining, showsEveryStepOfADragMeanwhileAndEndsWithTheSamePicture) 
     EXPECT_EQ(Screen(), Undisturbed(map, {{60, 60}, steps.back(), {150, 200}}));
 }
 
-TEST_F(CanvasRefining, aDragOverTheFineMapLeavesItFine) {
+TEST_F(CanvasRefining, dragOverTheFineMapKeepsItFine) {
     mouse.Draw({{60, 60}, {150, 60}, {150, 200}});
     window.canvas->repaint();
     AwaitTheFineMap();
@@ -131,7 +131,7 @@ TEST_F(CanvasRefining, aDragOverTheFineMapLeavesItFine) {
     EXPECT_EQ(Screen(), Undisturbed(map, {{60, 60}, {228, 177}, {150, 200}}));
 }
 
-TEST_F(CanvasRefining, restsWhileItIsHiddenAndGoesOnWhenItIsSeen) {
+TEST_F(CanvasRefining, pausesWhileHiddenAndResumesWhenShown) {
     window.canvas->repaint();
     ASSERT_TRUE(window.canvas->isRefining());
     window.canvas->hide();
@@ -143,7 +143,7 @@ TEST_F(CanvasRefining, restsWhileItIsHiddenAndGoesOnWhenItIsSeen) {
     EXPECT_FALSE(window.canvas->isRefining());
 }
 
-TEST_F(CanvasRefining, endsWithTheImage) {
+TEST_F(CanvasRefining, stopsWhenTheImageIsRemoved) {
     window.canvas->repaint();
     ASSERT_TRUE(window.canvas->isRefining());
     window.canvas->clear();

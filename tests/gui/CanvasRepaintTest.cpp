@@ -21,7 +21,7 @@ QImage Noise(const QSize& size, unsigned seed) {
     return image;
 }
 
-/// Collects what a widget is asked to repaint.
+/// Collects the regions that a widget repaints.
 class PaintedRegion : public QObject {
   public:
     explicit PaintedRegion(QWidget* widget) { widget->installEventFilter(this); }
@@ -48,15 +48,15 @@ QImage PlainLabel(const QPixmap& pixmap, const QSize& size) {
     return label.grab().toImage().convertToFormat(QImage::Format_RGB32);
 }
 
-/// What `part` of a widget paints when asked for it alone.
+/// The picture of `part` of a widget when only that is painted.
 QImage Part(QWidget* widget, const QRect& part) {
     return widget->grab(part).toImage().convertToFormat(QImage::Format_RGB32);
 }
 
 using CanvasRepaint = CanvasTest;
 
-TEST_F(CanvasRepaint, onlyWhatIsRepaintedChanges) {
-    window.resize(600, 500); // larger than any canvas the operator makes
+TEST_F(CanvasRepaint, repaintChangesOnlyItsRegion) {
+    window.resize(600, 500); // larger than any canvas of the random operator
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     window.canvas->setPixmap(QPixmap::fromImage(Noise({400, 300}, 1)));
     PaintedRegion painted(window.canvas);
@@ -81,10 +81,10 @@ TEST_F(CanvasRepaint, onlyWhatIsRepaintedChanges) {
         ASSERT_EQ(screen, full) << step;
         partial += region.boundingRect().size() != full.size() ? 1 : 0;
     }
-    EXPECT_GT(partial, 200); // it would be no test if everything were repainted each time
+    EXPECT_GT(partial, 200); // or the test proves nothing: everything is repainted each time
 }
 
-TEST_F(CanvasRepaint, aPartIsPaintedAsTheWholeIs) {
+TEST_F(CanvasRepaint, partialRepaintEqualsFullRepaint) {
     window.canvas->setPixmap(QPixmap::fromImage(Noise({400, 300}, 2)));
     window.shown = true;
     RandomOperator robot(window, 6);
@@ -101,7 +101,7 @@ TEST_F(CanvasRepaint, aPartIsPaintedAsTheWholeIs) {
     }
 }
 
-TEST_F(CanvasRepaint, anotherChosenPathOrSegmentIsPaintedAtOnce) {
+TEST_F(CanvasRepaint, selectingAPathOrSegmentRepaints) {
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     mouse.Draw({{50, 100}, {150, 100}, {250, 100}});
     mouse.Move({250, 250});
@@ -129,7 +129,7 @@ TEST_F(CanvasRepaint, clearingAllRepaintsAndResettingForALoadDoesNot) {
     EXPECT_TRUE(painted.Take().contains(window.canvas->rect()));
 }
 
-TEST_F(CanvasRepaint, loadedPathsArePaintedAtOnce) {
+TEST_F(CanvasRepaint, loadingPathsRepaints) {
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     const TemporaryFolder folder;
     WriteFile("track.trk",
@@ -140,7 +140,7 @@ TEST_F(CanvasRepaint, loadedPathsArePaintedAtOnce) {
     EXPECT_TRUE(painted.Take().contains(QRect(100, 149, 100, 2)));
 }
 
-TEST_F(CanvasRepaint, theImageOfADisabledCanvasIsThatOfADisabledLabel) {
+TEST_F(CanvasRepaint, disabledCanvasPaintsTheImageLikeADisabledLabel) {
     const QPixmap pixmap = QPixmap::fromImage(Noise({400, 300}, 12));
     window.canvas->setPixmap(pixmap);
     window.canvas->setEnabled(false);
@@ -153,7 +153,7 @@ TEST_F(CanvasRepaint, theImageOfADisabledCanvasIsThatOfADisabledLabel) {
     EXPECT_NE(window.Picture(), PlainLabel(pixmap, {400, 300}));
 }
 
-TEST_F(CanvasRepaint, aRulerShownAfterItsMarksWereComputedIsPainted) {
+TEST_F(CanvasRepaint, showingARulerWithComputedMarksPaintsIt) {
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     mouse.Draw({{50, 100}, {250, 100}});
     window.refreshRuler(); // as before a save, with the ruler hidden
@@ -165,7 +165,7 @@ TEST_F(CanvasRepaint, aRulerShownAfterItsMarksWereComputedIsPainted) {
     EXPECT_TRUE(painted.Take().contains(QPoint(126, 100)));
 }
 
-TEST_F(CanvasRepaint, aDragWithTheRulerShownRepaintsOnlyItsNeighbourhood) {
+TEST_F(CanvasRepaint, dragWithTheRulerShownRepaintsOnlyNearby) {
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     window.shown = true;
     mouse.Draw({{50, 50}, {60, 60}});
@@ -184,19 +184,19 @@ TEST_F(CanvasRepaint, aDragWithTheRulerShownRepaintsOnlyItsNeighbourhood) {
     EXPECT_FALSE(region.intersects(QRect(0, 0, 200, 150)));
 }
 
-TEST_F(CanvasRepaint, aPointDraggedFarAwayIsPaintedThere) {
-    window.ShowImage({400, 3000}); // painted in several strips, each of which looks for what reaches into it
+TEST_F(CanvasRepaint, pointDraggedFarIsPaintedAtItsNewPosition) {
+    window.ShowImage({400, 3000}); // painted in several strips, each of which finds what overlaps it
     mouse.Draw({{100, 100}, {200, 120}});
     (void)window.Picture();
     mouse.Move(At(0, 1));
     mouse.Press(At(0, 1));
     mouse.Move({300, 2900});
     mouse.Release({300, 2900});
-    mouse.Move({20, 1500}); // the grip goes, the dot stays
+    mouse.Move({20, 1500}); // the grip is removed, the dot stays
     EXPECT_EQ(Part(window.canvas, {290, 2890, 20, 20}).pixelColor(10, 10), QColor(0, 255, 0));
 }
 
-TEST_F(CanvasRepaint, pathsLoadedInPlaceOfOthersArePaintedWhereTheyAre) {
+TEST_F(CanvasRepaint, replacedPathsArePaintedAtTheirPositions) {
     const TemporaryFolder folder;
     WriteFile("other.trk",
               "Segment\nheader\n0,0,0,0,0.25,0.9,1,100,50,100\n0,1,0,0,0.5,0.95,1,100,50,100\nEnd\n");
@@ -208,7 +208,7 @@ TEST_F(CanvasRepaint, pathsLoadedInPlaceOfOthersArePaintedWhereTheyAre) {
     EXPECT_EQ(Part(window.canvas, {190, 2840, 20, 20}).pixelColor(10, 10), QColor(0, 255, 0));
 }
 
-TEST_F(CanvasRepaint, theImageIsThatOfAPlainLabelAtEveryViewScale) {
+TEST_F(CanvasRepaint, imageEqualsAPlainLabelsAtEveryViewScale) {
     const QPixmap pixmap = QPixmap::fromImage(Noise({203, 149}, 3));
     window.canvas->setPixmap(pixmap);
     for (int step = 1; step <= 80; ++step) {
@@ -218,7 +218,7 @@ TEST_F(CanvasRepaint, theImageIsThatOfAPlainLabelAtEveryViewScale) {
     }
 }
 
-TEST_F(CanvasRepaint, theImageIsThatOfAPlainLabelWhenOneAxisIsStretched) {
+TEST_F(CanvasRepaint, imageEqualsAPlainLabelsWithOneAxisStretched) {
     const QPixmap pixmap = QPixmap::fromImage(Noise({203, 149}, 4));
     window.canvas->setPixmap(pixmap);
     for (const QSize size : {QSize(300, 100), QSize(120, 380)}) {
@@ -227,7 +227,7 @@ TEST_F(CanvasRepaint, theImageIsThatOfAPlainLabelWhenOneAxisIsStretched) {
     }
 }
 
-TEST_F(CanvasRepaint, aLargeMapAtASmallScaleIsRefinedToThatOfAPlainLabel) {
+TEST_F(CanvasRepaint, largeMapAtASmallScaleIsRefinedToAPlainLabels) {
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     const QPixmap pixmap = QPixmap::fromImage(Noise({5000, 5000}, 10));
     window.canvas->setPixmap(pixmap);
@@ -240,10 +240,10 @@ TEST_F(CanvasRepaint, aLargeMapAtASmallScaleIsRefinedToThatOfAPlainLabel) {
     QTRY_VERIFY(!window.canvas->isRefining());
     EXPECT_TRUE(painted.Take().boundingRect().contains(QRect(0, 240, 300, 10)));
     EXPECT_EQ(window.Picture(), final);
-    EXPECT_FALSE(window.canvas->isRefining()); // what was averaged is kept
+    EXPECT_FALSE(window.canvas->isRefining()); // the averaged part is kept
 }
 
-TEST_F(CanvasRepaint, aScreenFullOfALargeMapIsAveragedOnce) {
+TEST_F(CanvasRepaint, visiblePartOfALargeMapIsAveragedOnce) {
     const QSize screen(2600, 1500);
     window.resize(screen);
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
@@ -256,7 +256,7 @@ TEST_F(CanvasRepaint, aScreenFullOfALargeMapIsAveragedOnce) {
     EXPECT_FALSE(window.canvas->isRefining());
 }
 
-TEST_F(CanvasRepaint, aNewImageIsShownAtOnce) {
+TEST_F(CanvasRepaint, newImageIsShownImmediately) {
     ASSERT_EQ(window.Picture().pixel(100, 100), qRgb(90, 90, 90));
     window.ShowImage({400, 300}, QColor(200, 10, 20));
     EXPECT_EQ(window.Picture().pixel(100, 100), qRgb(200, 10, 20));
@@ -271,18 +271,18 @@ TEST_F(CanvasRepaint, scrollingShowsTheSamePixels) {
     area.resize(200, 150);
     area.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&area));
-    const QImage whole = PlainLabel(pixmap, {800, 600});
+    const QImage full = PlainLabel(pixmap, {800, 600});
     std::mt19937 random(8);
     for (int step = 0; step < 60; ++step) {
         window.canvas->move(-int(random() % 600), -int(random() % 450));
         QApplication::processEvents();
         const QRect seen = window.canvas->visibleRegion().boundingRect();
-        ASSERT_EQ(Part(window.canvas, seen), whole.copy(seen)) << step;
+        ASSERT_EQ(Part(window.canvas, seen), full.copy(seen)) << step;
     }
     area.takeWidget()->setParent(window.central);
 }
 
-TEST_F(CanvasRepaint, twoDevicePixelsAPixelGiveTheFullResolution) {
+TEST_F(CanvasRepaint, deviceRatioOfTwoGivesTheFullResolution) {
     const QPixmap pixmap = QPixmap::fromImage(Noise({400, 300}, 9));
     window.canvas->setPixmap(pixmap);
     mouse.Draw({{50, 100}, {250, 100}});
@@ -302,7 +302,7 @@ TEST_F(CanvasRepaint, twoDevicePixelsAPixelGiveTheFullResolution) {
     EXPECT_EQ(picture.pixel(104, 204), qRgb(0, 255, 0));
 }
 
-TEST_F(CanvasRepaint, aCanvasOfAnySizePaintsInPieces) {
+TEST_F(CanvasRepaint, paintsACanvasOfAnySizeInPieces) {
     window.Resize({3000, 2500});
     mouse.Draw({{50, 2400}, {2900, 2400}});
     const QImage picture = window.Picture();

@@ -27,7 +27,7 @@ void ExpectSameMarks(const RulerMarks& one, const RulerMarks& other) {
     }
 }
 
-/// The marks held are those of computing them all.
+/// The marks equal a complete computation.
 void ExpectMarksUpToDate(const std::vector<TrackPath>& paths, const QSize& image) {
     for (const TrackPath& path : paths) {
         const auto expected = RulerMarksBuilder(image).MarksOfPath(path);
@@ -48,7 +48,7 @@ TEST_F(CanvasRuler, computesTheMarksOfEveryPath) {
     ExpectMarksUpToDate(Paths(), {400, 300});
 }
 
-TEST_F(CanvasRuler, clearEmptiesTheMarksOfEveryPathAndComputingBringsThemBack) {
+TEST_F(CanvasRuler, clearingRemovesAllMarksAndComputingRestoresThem) {
     mouse.Draw({{50, 50}, {150, 50}});
     window.canvas->computeRulerMarks(400, 300);
     window.canvas->clearRulerMarks();
@@ -57,14 +57,14 @@ TEST_F(CanvasRuler, clearEmptiesTheMarksOfEveryPathAndComputingBringsThemBack) {
     ExpectMarksUpToDate(Paths(), {400, 300});
 }
 
-TEST_F(CanvasRuler, anotherImageSizeChangesEveryMark) {
+TEST_F(CanvasRuler, newImageSizeChangesEveryMark) {
     mouse.Draw({{50, 50}, {150, 50}, {150, 150}});
     window.canvas->computeRulerMarks(400, 300);
     window.canvas->computeRulerMarks(800, 900);
     ExpectMarksUpToDate(Paths(), {800, 900});
 }
 
-TEST_F(CanvasRuler, aParameterChangesTheMarksOnTheNextRefresh) {
+TEST_F(CanvasRuler, parameterChangesTheMarksOnTheNextRefresh) {
     mouse.Draw({{50, 50}, {350, 50}, {350, 250}});
     window.canvas->computeRulerMarks(400, 300);
     window.canvas->setSegmentParameter(SegmentParameter::Space, 20);
@@ -76,7 +76,7 @@ TEST_F(CanvasRuler, aParameterChangesTheMarksOnTheNextRefresh) {
     ExpectMarksUpToDate(Paths(), {400, 300});
 }
 
-TEST_F(CanvasRuler, deleteLastLeavesTheMarksToTheNextRefresh) {
+TEST_F(CanvasRuler, deleteLastKeepsTheMarksUntilTheNextRefresh) {
     mouse.Draw({{50, 50}, {150, 50}, {150, 150}});
     window.canvas->computeRulerMarks(400, 300);
     window.canvas->deleteLast();
@@ -85,7 +85,7 @@ TEST_F(CanvasRuler, deleteLastLeavesTheMarksToTheNextRefresh) {
     ExpectMarksUpToDate(Paths(), {400, 300});
 }
 
-TEST_F(CanvasRuler, withoutPathsOrAnImageSizeNothingHappens) {
+TEST_F(CanvasRuler, doesNothingWithoutPathsOrAnImageSize) {
     window.canvas->computeRulerMarks(400, 300);
     mouse.Draw({{50, 50}, {150, 50}});
     window.canvas->computeRulerMarks(0, 0);
@@ -93,7 +93,7 @@ TEST_F(CanvasRuler, withoutPathsOrAnImageSizeNothingHappens) {
         EXPECT_TRUE(marks.bands.empty());
 }
 
-TEST_F(CanvasRuler, randomEditsGiveTheMarksOfComputingThemAll) {
+TEST_F(CanvasRuler, marksAfterRandomEditsEqualAFullComputation) {
     RandomOperator robot(window, 3);
     for (int step = 0; step < 2000; ++step) {
         robot.Act();

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr int kLookInterval = 5; // milliseconds
+constexpr int kPollInterval = 5; // milliseconds
 
 QString Shown(const QMessageBox& box) {
     const auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
@@ -29,13 +29,13 @@ QString Shown(const QMessageBox& box) {
 } // namespace
 
 DialogAnswers::DialogAnswers() {
-    lookLater();
+    pollLater();
 }
 
-// A timer of its own each time: an answer may open the next dialog, whose event loop stands within the
+// A new timer each time: an answer may open the next dialog, whose event loop runs inside the
 // answer, and a timer does not fire again while it is being served.
-void DialogAnswers::lookLater() {
-    QTimer::singleShot(kLookInterval, this, &DialogAnswers::look);
+void DialogAnswers::pollLater() {
+    QTimer::singleShot(kPollInterval, this, &DialogAnswers::poll);
 }
 
 std::vector<SeenBox> DialogAnswers::takeBoxes() {
@@ -46,8 +46,8 @@ std::vector<SeenFileDialog> DialogAnswers::takeFileDialogs() {
     return std::exchange(fileDialogs, {});
 }
 
-void DialogAnswers::look() {
-    lookLater();
+void DialogAnswers::poll() {
+    pollLater();
     QWidget* const modal = QApplication::activeModalWidget();
     if (modal == answered)
         return;
@@ -74,7 +74,7 @@ void DialogAnswers::answer(QFileDialog& dialog) {
     if (!names.empty())
         names.pop_front();
     auto* const field = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-    QApplication::setActiveWindow(&dialog); // as a desktop does: keys are not for what had the focus before
+    QApplication::setActiveWindow(&dialog); // as a desktop does: keys go to the dialog
     field->setFocus();
     if (name.isEmpty()) {
         QTest::keyClick(field, Qt::Key_Escape);

@@ -15,10 +15,10 @@
 struct SeenBox {
     QString title;
     QString text;
-    QString shownText; ///< what the box's label makes of it: the text itself unless it takes it for markup
+    QString shownText; ///< the text that the box's label shows: differs when it is interpreted as markup
     QMessageBox::Icon icon = QMessageBox::NoIcon;
     QMessageBox::StandardButtons buttons = QMessageBox::NoButton;
-    QString underneath; ///< what `note` answered while the box stood
+    QString underneath; ///< the result of `note` while the box was open
 };
 
 /// A file dialog as the operator saw it.
@@ -29,8 +29,8 @@ struct SeenFileDialog {
     bool saves = false;
 };
 
-/// Sits in front of the modal dialogs while it lives: presses the button of a message box, types the prepared
-/// name into a file dialog, and remembers what it saw.
+/// Answers the modal dialogs while it lives: presses the button of a message box, types the prepared
+/// name into a file dialog, and records each dialog.
 class DialogAnswers final : public QObject {
     Q_OBJECT
 
@@ -40,23 +40,23 @@ class DialogAnswers final : public QObject {
     /// The next file dialog gets this name; an empty one cancels it. Without a prepared name it is cancelled.
     void typeFileName(const QString& name) { names.push_back(name); }
 
-    /// Takes back the names that no dialog asked for.
+    /// Drops the prepared names that no dialog used.
     void forgetFileNames() { names.clear(); }
 
-    /// Called while each message box stands; its answer is kept with the box.
+    /// Called while each message box is open; its result is recorded with the box.
     std::function<QString()> note;
 
-    /// What was seen since the last call.
+    /// The dialogs since the last call.
     std::vector<SeenBox> takeBoxes();
     std::vector<SeenFileDialog> takeFileDialogs();
 
   private:
-    void lookLater();
-    void look();
+    void pollLater();
+    void poll();
     void answer(QMessageBox& box);
     void answer(class QFileDialog& dialog);
 
-    QPointer<QWidget> answered; ///< the dialog at hand has its answer
+    QPointer<QWidget> answered; ///< the current dialog, already answered
     std::deque<QString> names;
     std::vector<SeenBox> boxes;
     std::vector<SeenFileDialog> fileDialogs;

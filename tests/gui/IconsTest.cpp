@@ -9,7 +9,7 @@ QString Named(const char* name) {
     return QStringLiteral(":/icon/icon/") + QString::fromLatin1(name);
 }
 
-/// How many pixels of the picture can be seen well.
+/// The number of clearly visible pixels.
 int ColouredPixels(const QImage& picture) {
     int count = 0;
     for (int row = 0; row < picture.height(); ++row)
@@ -18,7 +18,7 @@ int ColouredPixels(const QImage& picture) {
     return count;
 }
 
-TEST(Icons, windowIconHasEverySizeThatDesktopsShow) {
+TEST(Icons, windowIconHasEverySizeThatDesktopsUse) {
     const QIcon icon(Named("app.ico"));
     ASSERT_FALSE(icon.isNull());
     for (const int side : {16, 24, 32, 48, 64, 128, 256}) {
@@ -52,7 +52,7 @@ TEST(Icons, refreshShowsAtTheSizesOfAllStyles) {
     }
 }
 
-TEST(Icons, finerScreensFindFinerPictures) {
+TEST(Icons, highDpiScreensGetHighResolutionIcons) {
     for (const char* const name : {"refresh", "upload"}) {
         const int side = QImage(Named(name) + QStringLiteral(".png")).width();
         ASSERT_GT(side, 0) << name;

@@ -45,7 +45,7 @@ std::pair<int, int> Extremes(const QImage& picture) {
     return {darkest, lightest};
 }
 
-TEST_F(Legibility, theFileNameIsDarkOnWhiteOnADarkDesktop) {
+TEST_F(Legibility, fileNameIsDarkOnWhiteOnADarkDesktop) {
     const DarkDesktop dark;
     WriteFile(folder.Path("cover.trk"), independent::BinaryFile(SmallTrack(PathAcross(0, 3, 0.5, 100))));
     openWindow();
@@ -55,7 +55,7 @@ TEST_F(Legibility, theFileNameIsDarkOnWhiteOnADarkDesktop) {
     EXPECT_GT(lightest, 240);
 }
 
-TEST_F(Legibility, theBusySignIsLightOnADarkDesktop) {
+TEST_F(Legibility, busyIndicatorIsLightOnADarkDesktop) {
     const DarkDesktop dark;
     openWindow();
     auto* const spinner = window->findChild<WaitingSpinnerWidget*>();
@@ -65,7 +65,7 @@ TEST_F(Legibility, theBusySignIsLightOnADarkDesktop) {
     EXPECT_GT(Extremes(picture).second, 200);
 }
 
-TEST_F(Legibility, aVeryLongNameLeavesTheOpenListHalfAScreenWide) {
+TEST_F(Legibility, veryLongNameWidensTheOpenListToHalfAScreenAtMost) {
     makeBackup(folder.Path("long.osbak"), {{std::string(200, 'W') + ".trk",
                                             independent::BinaryFile(SmallTrack(PathAcross(0, 3, 0.5, 1)))}});
     openWindow();
@@ -77,7 +77,7 @@ TEST_F(Legibility, aVeryLongNameLeavesTheOpenListHalfAScreenWide) {
     EXPECT_GE(list.view()->window()->width(), list.width());
 }
 
-TEST_F(Legibility, aVeryLongNameWidensNeitherTheListNorTheWindow) {
+TEST_F(Legibility, veryLongNameWidensNeitherTheListNorTheWindow) {
     openWindow();
     const QSize small = window->minimumSizeHint();
     const int list = find<QComboBox>("comboBox_file").sizeHint().width();

@@ -25,14 +25,14 @@ namespace {
 
 using ::testing::ElementsAre;
 
-/// A widget of the form: its name, class and the name of the widget it is a child of.
+/// A widget of the form: its name, its class and its parent's name.
 struct Row {
     const char* name;
     const char* type;
     const char* parent;
 };
 
-// The viewport is the scroll area's own; the canvas stands in it.
+// The viewport belongs to the scroll area and contains the canvas.
 const std::vector<Row> kTree = {
     {"centralwidget", "QWidget", "MainWindow"},
     {"statusBar", "QStatusBar", "MainWindow"},
@@ -80,7 +80,7 @@ const std::vector<Row> kTree = {
     {"comboBox_lineType", "QComboBox", "centralwidget"},
 };
 
-/// One place of the control column, by the names of what stands there from left to right; a spacer is
+/// One row of the control column: the names of its items from left to right; a spacer is
 /// "<horizontal>" or "<vertical>".
 std::vector<std::string> NamesIn(QLayoutItem* item) {
     if (item->widget() != nullptr)
@@ -120,7 +120,7 @@ TEST_F(MainWindowLayout, hasEveryWidgetWithItsClassAndParent) {
     }
 }
 
-TEST_F(MainWindowLayout, hasNoOtherNamedWidgetOfItsOwn) {
+TEST_F(MainWindowLayout, hasNoOtherNamedWidgets) {
     const QList<QWidget*> direct =
         find<QWidget>("centralwidget").findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
     std::size_t expected = 0;
@@ -130,7 +130,7 @@ TEST_F(MainWindowLayout, hasNoOtherNamedWidgetOfItsOwn) {
     EXPECT_EQ(window->findChild<QWidget*>(QStringLiteral("scrollAreaWidgetContents")), nullptr);
 }
 
-TEST_F(MainWindowLayout, sizesAndPolicies) {
+TEST_F(MainWindowLayout, hasSizesAndPolicies) {
     EXPECT_EQ(window->objectName(), QStringLiteral("MainWindow"));
     EXPECT_FALSE(window->isModal());
     EXPECT_TRUE(window->isEnabled());
@@ -158,7 +158,7 @@ TEST_F(MainWindowLayout, sizesAndPolicies) {
     }
 }
 
-TEST_F(MainWindowLayout, isBuilt845By571) {
+TEST_F(MainWindowLayout, startsAt845By571) {
     const MainWindow fresh;
     EXPECT_EQ(fresh.size(), QSize(845, 571));
 }
@@ -176,7 +176,7 @@ TEST_F(MainWindowLayout, iconsComeFromTheResources) {
     }
 }
 
-TEST_F(MainWindowLayout, controlColumnInOrder) {
+TEST_F(MainWindowLayout, controlColumnIsInOrder) {
     const std::vector<std::vector<std::string>> expected = {
         {"splitter"},
         {"pushButton_sensor"},
@@ -206,7 +206,7 @@ TEST_F(MainWindowLayout, controlColumnInOrder) {
     EXPECT_EQ(found, expected);
 }
 
-TEST_F(MainWindowLayout, layoutsOfTheControlColumnAreThoseNamed) {
+TEST_F(MainWindowLayout, controlColumnHasItsNamedLayouts) {
     const std::vector<std::pair<int, const char*>> rows = {
         {4, "horizontalLayout"},    {6, "horizontalLayout_4"},  {7, "horizontalLayout_5"},
         {9, "horizontalLayout_6"},  {13, "horizontalLayout_7"}, {14, "horizontalLayout_8"},
@@ -216,10 +216,10 @@ TEST_F(MainWindowLayout, layoutsOfTheControlColumnAreThoseNamed) {
         EXPECT_STREQ(layout(name).metaObject()->className(), "QHBoxLayout") << name;
     }
     for (const int place : {0, 2}) {
-        QLayoutItem& beside = *layout("horizontalLayout").itemAt(place);
-        EXPECT_EQ(beside.sizeHint(), QSize(40, 20)) << place;
-        EXPECT_EQ(beside.spacerItem()->sizePolicy().horizontalPolicy(), QSizePolicy::Expanding) << place;
-        EXPECT_EQ(beside.spacerItem()->sizePolicy().verticalPolicy(), QSizePolicy::Minimum) << place;
+        QLayoutItem& spacer = *layout("horizontalLayout").itemAt(place);
+        EXPECT_EQ(spacer.sizeHint(), QSize(40, 20)) << place;
+        EXPECT_EQ(spacer.spacerItem()->sizePolicy().horizontalPolicy(), QSizePolicy::Expanding) << place;
+        EXPECT_EQ(spacer.spacerItem()->sizePolicy().verticalPolicy(), QSizePolicy::Minimum) << place;
     }
     QLayoutItem& bottom = *layout("_2").itemAt(17);
     EXPECT_EQ(bottom.sizeHint(), QSize(20, 40));
@@ -227,7 +227,7 @@ TEST_F(MainWindowLayout, layoutsOfTheControlColumnAreThoseNamed) {
     EXPECT_EQ(bottom.spacerItem()->sizePolicy().verticalPolicy(), QSizePolicy::Expanding);
 }
 
-TEST_F(MainWindowLayout, stretchAndAlignment) {
+TEST_F(MainWindowLayout, hasStretchAndAlignment) {
     const auto& grid = dynamic_cast<QGridLayout&>(layout("gridLayout"));
     EXPECT_EQ(grid.columnStretch(0), 1);
     EXPECT_EQ(grid.columnStretch(1), 0);
@@ -247,7 +247,7 @@ TEST_F(MainWindowLayout, stretchAndAlignment) {
     EXPECT_EQ(layout("horizontalLayout_8").itemAt(1)->alignment(), Qt::Alignment());
 }
 
-TEST_F(MainWindowLayout, gridsAndForms) {
+TEST_F(MainWindowLayout, hasGridsAndForms) {
     const auto& grid = dynamic_cast<QGridLayout&>(layout("gridLayout"));
     EXPECT_EQ(find<QWidget>("centralwidget").layout(), &grid);
     EXPECT_EQ(grid.itemAtPosition(0, 0)->layout(), &layout("_2"));
@@ -276,7 +276,7 @@ TEST_F(MainWindowLayout, gridsAndForms) {
     EXPECT_EQ(splitter.count(), 2);
 }
 
-TEST_F(MainWindowLayout, texts) {
+TEST_F(MainWindowLayout, hasTexts) {
     const std::vector<std::pair<const char*, const char*>> texts = {
         {"label_mask", ""},
         {"label_sensorIP", "Source:"},
@@ -309,7 +309,7 @@ TEST_F(MainWindowLayout, texts) {
               std::vector<std::string>({"Normal", "Load", "Save", "Save As", "Delete", "Refresh"}));
 }
 
-TEST_F(MainWindowLayout, everyTextIsTranslatedInTheWindowsContext) {
+TEST_F(MainWindowLayout, translatesEveryTextInTheWindowsContext) {
     struct Marking : QTranslator {
         [[nodiscard]] QString translate(const char* context, const char* source, const char*,
                                         int) const override {
@@ -333,7 +333,7 @@ TEST_F(MainWindowLayout, everyTextIsTranslatedInTheWindowsContext) {
     EXPECT_EQ(sources->itemText(sources->count() - 1), QStringLiteral("~Backup File"));
 }
 
-TEST_F(MainWindowLayout, tabOrder) {
+TEST_F(MainWindowLayout, hasTabOrder) {
     const std::vector<std::string> expected = {"pushButton_sensor",     "lineEdit_heightMin",
                                                "lineEdit_heightMax",    "horizontalSlider_resizeImage",
                                                "pushButton_deleteLast", "pushButton_deleteAll",
@@ -352,7 +352,7 @@ TEST_F(MainWindowLayout, tabOrder) {
     EXPECT_EQ(found, expected);
 }
 
-TEST_F(MainWindowLayout, tabKeyWalksThatOrder) {
+TEST_F(MainWindowLayout, tabKeyFollowsTheTabOrder) {
     find<QPushButton>("pushButton_sensor").setFocus();
     std::vector<std::string> visited;
     for (int step = 0; step < 12; ++step) {
@@ -400,7 +400,7 @@ TEST_F(MainWindowLayout, signalsAndSlotsKeepTheirOrder) {
             << found[static_cast<std::size_t>(index - meta.methodOffset())];
 }
 
-TEST_F(MainWindowLayout, initialStates) {
+TEST_F(MainWindowLayout, hasInitialStates) {
     EXPECT_FALSE(find<QComboBox>("comboBox_operation").isEnabled());
     for (const Row& row : kTree)
         EXPECT_EQ(find<QWidget>(row.name).isEnabled(), std::string(row.name) != "comboBox_operation")
@@ -433,18 +433,18 @@ TEST_F(MainWindowLayout, initialStates) {
     }
 }
 
-TEST_F(MainWindowLayout, canvasStandsInTheScrollArea) {
+TEST_F(MainWindowLayout, canvasIsInTheScrollArea) {
     EXPECT_EQ(find<QScrollArea>("scrollArea").widget(), &canvas());
     EXPECT_FALSE(find<QScrollArea>("scrollArea").widgetResizable());
     EXPECT_TRUE(canvas().hasScaledContents());
     EXPECT_TRUE(canvas().hasMouseTracking());
 }
 
-TEST_F(MainWindowLayout, firstLogLineTellsTheStart) {
+TEST_F(MainWindowLayout, firstLogLineReportsTheStart) {
     EXPECT_THAT(log.Lines(), ElementsAre("INFO: Starting Corvane."));
 }
 
-TEST_F(MainWindowLayout, withoutAServerOnlyTheBackupFileIsOfferedAndTheControlsSaySo) {
+TEST_F(MainWindowLayout, offersOnlyTheBackupFileWithoutAServer) {
     EXPECT_EQ(items("comboBox_sensor"), std::vector<std::string>({"Backup File"}));
     EXPECT_EQ(items("comboBox_file"), std::vector<std::string>({"External"}));
     EXPECT_TRUE(find<QPushButton>("pushButton_sensor").isEnabled());
@@ -452,7 +452,7 @@ TEST_F(MainWindowLayout, withoutAServerOnlyTheBackupFileIsOfferedAndTheControlsS
     EXPECT_EQ(find<QToolButton>("toolButton_upload").toolTip(), QStringLiteral("Save to Backup File"));
 }
 
-TEST_F(MainWindowLayout, validatorsRefuseWhatIsOutOfRange) {
+TEST_F(MainWindowLayout, validatorsRefuseValuesOutOfRange) {
     const auto acceptable = [this](const char* field, const char* number) {
         type(field, number);
         return find<QLineEdit>(field).hasAcceptableInput();
@@ -480,7 +480,7 @@ TEST_F(MainWindowLayout, lettersAndGroupSeparatorsCannotBeTyped) {
     EXPECT_EQ(text("lineEdit_lineLength"), "1000");
 }
 
-TEST_F(MainWindowLayout, growingTheWindowGivesTheRoomToTheCanvasMostly) {
+TEST_F(MainWindowLayout, growingTheWindowMainlyGrowsTheCanvas) {
     const int before = find<QScrollArea>("scrollArea").width();
     const int columnBefore = find<QWidget>("groupBox").width();
     window->resize(window->width() + 550, window->height());
@@ -489,17 +489,17 @@ TEST_F(MainWindowLayout, growingTheWindowGivesTheRoomToTheCanvasMostly) {
     EXPECT_GT(grown, 9 * (find<QWidget>("groupBox").width() - columnBefore));
 }
 
-TEST_F(MainWindowLayout, aResizeAssertsTheScrollAreasOwnSizeAgain) {
+TEST_F(MainWindowLayout, resizeSetsTheScrollAreasSizeAgain) {
     auto& area = find<QScrollArea>("scrollArea");
     const QSize before = area.size();
-    area.setAttribute(Qt::WA_Resized, false); // set whenever a widget is told its size
+    area.setAttribute(Qt::WA_Resized, false); // set whenever a widget's size is set
     QResizeEvent event(window->size(), window->size());
     QApplication::sendEvent(window.get(), &event);
     EXPECT_TRUE(area.testAttribute(Qt::WA_Resized));
     EXPECT_EQ(area.size(), before);
 }
 
-TEST_F(MainWindowLayout, closingWithoutLeftoversDeletesAndReportsNothing) {
+TEST_F(MainWindowLayout, closingWithoutWorkingFilesDeletesAndReportsNothing) {
     WriteFile(folder.Path("keep.txt"), "kept");
     closeWindow();
     EXPECT_EQ(FileContent(folder.Path("keep.txt")), "kept");

@@ -30,7 +30,7 @@ class OperatingTest : public WindowTest {
         showPercent(100);
         scrollTo(0, 0);
         mouse().DoubleClick(at(0, 2));
-        mouse().Move({400.0, 30.0}); // over nothing
+        mouse().Move({400.0, 30.0}); // not over a point
     }
 
     [[nodiscard]] TrackDocument& document() { return canvas().document(); }
@@ -53,7 +53,7 @@ class OperatingTest : public WindowTest {
     QPointF normalised(double x, double y) { return {x / canvas().width(), y / canvas().height()}; }
 
     void key(int code, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        QApplication::setActiveWindow(window.get()); // a dialog may have been it
+        QApplication::setActiveWindow(window.get()); // a dialog may have been active
         QTest::keyClick(&canvas(), static_cast<Qt::Key>(code), modifiers);
     }
     void undo() { key(Qt::Key_Z, Qt::ControlModifier); }

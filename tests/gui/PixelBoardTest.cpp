@@ -13,7 +13,7 @@ namespace {
 constexpr QRgb kGround = 0xff102030U;
 constexpr QRgb kInk = 0xff40f050U;
 constexpr std::array kRatios = {1.0, 1.25, 1.5, 1.75, 2.0, 3.0};
-/// The middle of a picture of kSide x kSide pixels.
+/// The centre of a picture of kSide x kSide pixels.
 constexpr int kSide = 96;
 const QPoint kMiddle(48, 48);
 
@@ -58,7 +58,7 @@ class PixelBoardTest : public ::testing::Test {
 using PixelBoardLines = PixelBoardTest;
 using PixelBoardDots = PixelBoardTest;
 
-TEST_F(PixelBoardLines, shortOnesAreThoseOfQPainter) {
+TEST_F(PixelBoardLines, shortOnesEqualQPainters) {
     for (int dy = -20; dy <= 20; ++dy)
         for (int dx = -20; dx <= 20; ++dx) {
             const QPoint to = kMiddle + QPoint(dx, dy);
@@ -68,7 +68,7 @@ TEST_F(PixelBoardLines, shortOnesAreThoseOfQPainter) {
         }
 }
 
-TEST_F(PixelBoardLines, longOnesAreThoseOfQPainter) {
+TEST_F(PixelBoardLines, longOnesEqualQPainters) {
     constexpr int kWidth = 1100;
     constexpr int kHeight = 700;
     std::mt19937 random(7);
@@ -77,7 +77,7 @@ TEST_F(PixelBoardLines, longOnesAreThoseOfQPainter) {
     for (int count = 0; count < 200; ++count) {
         const QPoint from(across(random), down(random));
         QPoint to(across(random), down(random));
-        if (count % 4 == 1) // nearly level, nearly upright
+        if (count % 4 == 1) // nearly horizontal, nearly vertical
             to.setY(std::min(from.y() + count % 3, kHeight - 5));
         if (count % 4 == 2)
             to.setX(std::min(from.x() + count % 3, kWidth - 5));
@@ -88,7 +88,7 @@ TEST_F(PixelBoardLines, longOnesAreThoseOfQPainter) {
     }
 }
 
-TEST_F(PixelBoardLines, onScaledDesktopsAreThoseOfQPainter) {
+TEST_F(PixelBoardLines, onScaledDesktopsEqualQPainters) {
     constexpr int kWidth = 700;
     constexpr int kHeight = 500;
     std::mt19937 random(8);
@@ -110,7 +110,7 @@ TEST_F(PixelBoardLines, onScaledDesktopsAreThoseOfQPainter) {
         }
 }
 
-TEST_F(PixelBoardLines, areTheSamePixelsWhereverTheyStart) {
+TEST_F(PixelBoardLines, haveTheSamePixelsWhereverTheyStart) {
     for (int dy = -ShapeCache::kMaxDelta - 4; dy <= ShapeCache::kMaxDelta + 4; dy += 4)
         for (int dx = -ShapeCache::kMaxDelta - 4; dx <= ShapeCache::kMaxDelta + 4; ++dx) {
             const QPoint start(1'000'048, 30'048);
@@ -121,16 +121,16 @@ TEST_F(PixelBoardLines, areTheSamePixelsWhereverTheyStart) {
         }
 }
 
-TEST_F(PixelBoardLines, areCutAtTheBordersOfThePart) {
+TEST_F(PixelBoardLines, areClippedToThePart) {
     const QSize part(23, 19);
     for (int dy = -20; dy <= 20; dy += 5)
         for (int dx = -20; dx <= 20; dx += 5) {
             const QPoint to = kMiddle + QPoint(dx, dy);
-            const QImage whole = LineTo(to);
+            const QImage full = LineTo(to);
             for (const QPoint& corner : {QPoint(40, 40), QPoint(20, 40), QPoint(47, 25), QPoint(0, 0)}) {
                 const QRect place(corner, part);
                 ASSERT_EQ(Drawn(place, [&](PixelBoard& board) { board.Line(kMiddle, to, kInk); }),
-                          whole.copy(place))
+                          full.copy(place))
                     << dx << ' ' << dy;
             }
         }
@@ -143,7 +143,7 @@ TEST_F(PixelBoardLines, farOutsideThePartAreNotDrawn) {
                       Paper());
 }
 
-/// Dots far enough from each other, so that each has its own pixels; QPainter clips what leaves a picture at
+/// Dots far enough from each other that their pixels do not overlap; QPainter clips what leaves a picture at
 /// its left.
 std::vector<QPoint> DotsFrom(int firstColumn, const QSize& size, int row) {
     constexpr int kApart = 16;
@@ -153,7 +153,7 @@ std::vector<QPoint> DotsFrom(int firstColumn, const QSize& size, int row) {
     return dots;
 }
 
-TEST_F(PixelBoardDots, areThoseOfQPainterAtEveryColumnAndRow) {
+TEST_F(PixelBoardDots, equalQPaintersAtEveryColumnAndRow) {
     const QSize size(2200, 120);
     for (int row = 0; row < size.height(); ++row) {
         const std::vector<QPoint> dots = DotsFrom(3 + row % 16, size, row);
@@ -171,7 +171,7 @@ TEST_F(PixelBoardDots, areThoseOfQPainterAtEveryColumnAndRow) {
     }
 }
 
-TEST_F(PixelBoardDots, lowInATallPictureAreThoseOfQPainter) {
+TEST_F(PixelBoardDots, lowInATallPictureEqualQPainters) {
     const QSize size(64, 9000);
     const auto forEachDot = [&](const std::function<void(const QPoint&)>& draw) {
         for (int row = 8; row < size.height(); row += 9)
@@ -183,7 +183,7 @@ TEST_F(PixelBoardDots, lowInATallPictureAreThoseOfQPainter) {
                 [&](QPainter& painter) { forEachDot([&](const QPoint& dot) { painter.drawPoint(dot); }); }));
 }
 
-TEST_F(PixelBoardDots, ofAnyWidthAndScaleAreThoseOfQPainter) {
+TEST_F(PixelBoardDots, ofAnyWidthAndScaleEqualQPainters) {
     const QSize size(700, 300);
     for (const double ratio : kRatios)
         for (const double width : {5.0, 10.0})
@@ -205,7 +205,7 @@ TEST_F(PixelBoardDots, ofAnyWidthAndScaleAreThoseOfQPainter) {
             }
 }
 
-TEST_F(PixelBoardDots, areCutAtTheBordersOfThePart) {
+TEST_F(PixelBoardDots, areClippedToThePart) {
     for (int y = 20; y <= 60; ++y)
         for (int x = 20; x <= 60; ++x) {
             const auto draw = [&](PixelBoard& board) { board.Dot(QPoint(x, y), kInk); };

@@ -4,8 +4,8 @@
 
 #include <random>
 
-/// A seeded operator: draws, drags, gives up, inserts, deletes, by mouse and by keys, sets parameters, takes
-/// steps back, hides and shows the ruler, zooms.
+/// A seeded operator: draws, drags, cancels, inserts, deletes, by mouse and by keys, sets parameters, undoes
+/// steps, hides and shows the ruler, zooms.
 class RandomOperator {
   public:
     RandomOperator(CanvasWindow& window, unsigned seed)

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// All that a step has to restore, number by number.
+/// The complete state that a step must restore, number by number.
 struct Snapshot {
     int finishedCount = 0;
     std::vector<std::vector<std::pair<double, double>>> points;
@@ -24,7 +24,7 @@ struct Snapshot {
     friend bool operator==(const Snapshot&, const Snapshot&) = default;
 };
 
-/// Records what the paths are after each step, by the number of steps before it.
+/// Records the paths after each step, by the number of steps before it.
 class StepRecorder {
   public:
     explicit StepRecorder(TrackDocument& watched) : document(watched) {
@@ -32,7 +32,7 @@ class StepRecorder {
         QObject::connect(&document, &TrackDocument::modifiedChanged, &context, [this] { Record(); });
     }
 
-    /// That taking back every step, and making each again, gives what was recorded.
+    /// Checks that undoing and redoing every step gives the recorded paths.
     void ExpectTheSameBackAndForth() {
         QObject::disconnect(&document, nullptr, &context, nullptr);
         for (; document.canUndo(); document.undo())
@@ -49,7 +49,7 @@ class StepRecorder {
         const auto depth = static_cast<std::size_t>(document.undoDepth());
         states.erase(states.begin() + static_cast<std::ptrdiff_t>(std::min(depth, states.size())),
                      states.end());
-        ASSERT_EQ(states.size(), depth) << "a step was not seen";
+        ASSERT_EQ(states.size(), depth) << "a step was not shown";
         states.emplace_back(document);
     }
     void ExpectRecorded() {
@@ -63,7 +63,7 @@ class StepRecorder {
     std::vector<Snapshot> states;
 };
 
-/// What a file holds of the paths when its units are those of the canvas.
+/// The paths as a file holds them when its units are those of the canvas.
 std::vector<independent::Segment> Records(const std::vector<TrackPath>& paths) {
     std::vector<independent::Segment> records;
     for (std::size_t path = 0; path < paths.size(); ++path)
@@ -76,15 +76,16 @@ std::vector<independent::Segment> Records(const std::vector<TrackPath>& paths) {
     return records;
 }
 
-/// 14 rounds of up to 900 edits, since 1,000 steps are kept; each round begins where the one before ended.
-TEST(RandomUndo, tenThousandEditsGoBackAndForthBitForBit) {
+/// 14 rounds of up to 900 edits, since 1,000 steps are kept; each round starts from the previous one's
+/// result.
+TEST(RandomUndo, undoesAndRedoesTenThousandEditsExactly) {
     CanvasWindow window;
     window.shown = true;
     RandomOperator someone(window, 4711);
     TrackDocument& document = window.canvas->document();
     std::size_t edits = 0;
     for (int round = 0; round < 14; ++round) {
-        window.canvas->loadPaths({}); // a file that is not there: no paths, and the history begins anew
+        window.canvas->loadPaths({}); // a missing file: no paths and an empty history
         window.canvas->resetPaths();
         StepRecorder recorder(document);
         for (int edit = 0; edit < 900 && document.undoDepth() < UndoHistory::kMaxSteps - 20; ++edit, ++edits)
@@ -96,7 +97,7 @@ TEST(RandomUndo, tenThousandEditsGoBackAndForthBitForBit) {
     EXPECT_GE(edits, 10'000U);
 }
 
-TEST(RandomUndo, whatIsSavedAfterBackAndForthReadsBackEqual) {
+TEST(RandomUndo, trackSavedAfterUndoAndRedoReadsBackEqual) {
     const TemporaryFolder folder;
     const std::string track = folder.Path("a.trk");
     WriteFile(track, independent::BinaryFile(SmallTrack(PathAcross(0, 3, 0.5, 100))));

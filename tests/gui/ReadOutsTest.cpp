@@ -34,7 +34,7 @@ class ReadOutsTest : public OperatingTest {
     std::string height() { return text("label_height"); }
     std::string lengths() { return text("label_drawnLength"); }
 
-    /// The raw value that a cell has by what is shown over it; none for no measurement.
+    /// The raw value of a cell according to the display; none without a measurement.
     std::optional<long> shownRaw(const independent::Track& track) {
         if (height() == "no measurement")
             return std::nullopt;
@@ -42,7 +42,7 @@ class ReadOutsTest : public OperatingTest {
         return std::lround((std::stod(height()) - track.zOffset) / track.zResolution);
     }
 
-    /// Moves over every cell, its corners among them, and compares what is shown with the track.
+    /// Moves over every cell, corners included, and compares the display with the track.
     void expectHeightsOf(const independent::Track& track) {
         for (int row = 0; row < track.height; ++row)
             for (int column = 0; column < track.width; ++column) {
@@ -62,7 +62,7 @@ class ReadOutsTest : public OperatingTest {
     }
 };
 
-TEST_F(ReadOutsTest, arePermanentAndOfFixedWidthAndTakeNoFocus) {
+TEST_F(ReadOutsTest, arePermanentOfFixedWidthAndWithoutFocus) {
     std::vector<int> places;
     for (const char* const name : {"label_position", "label_height", "label_drawnLength", "label_state"})
         places.push_back(find<QLabel>(name).mapTo(window.get(), QPoint()).x());
@@ -77,7 +77,7 @@ TEST_F(ReadOutsTest, arePermanentAndOfFixedWidthAndTakeNoFocus) {
     EXPECT_LE(window->minimumSizeHint().width(), 845);
 }
 
-TEST_F(ReadOutsTest, sayWhereTheCursorIs) {
+TEST_F(ReadOutsTest, showTheCursorPosition) {
     // 40 x 30 cells of 0.5 x 0.25 from (10, 20), shown 320 x 120 pixels at 400 %.
     ASSERT_EQ(canvas().size(), QSize(320, 120));
     mouse().Move({80.0, 30.0});
@@ -87,15 +87,15 @@ TEST_F(ReadOutsTest, sayWhereTheCursorIs) {
     mouse().Move({319.0, 119.0});
     EXPECT_EQ(position(), "x 29.938, y 27.438");
     mouse().Move({-4.0, 20.0});
-    EXPECT_EQ(position(), "") << "beside the map";
+    EXPECT_EQ(position(), "") << "outside the map";
     EXPECT_EQ(height(), "");
 }
 
-TEST_F(ReadOutsTest, heightsOfABinaryTrackAreExactToTheRawUnit) {
+TEST_F(ReadOutsTest, showExactRawHeightsOfABinaryTrack) {
     expectHeightsOf(ReadTrack());
 }
 
-TEST_F(ReadOutsTest, heightsOfATextTrackAreExactToTheRawUnit) {
+TEST_F(ReadOutsTest, showExactRawHeightsOfATextTrack) {
     WriteFile(folder.Path("text.trk"), independent::TextFile(ReadTrack()));
     loadExternal(folder.Path("text.trk"));
     showPercent(400);
@@ -104,7 +104,7 @@ TEST_F(ReadOutsTest, heightsOfATextTrackAreExactToTheRawUnit) {
     expectHeightsOf(ReadTrack());
 }
 
-TEST_F(ReadOutsTest, heightsBeyondSixteenBitsAreShownAsTheyAre) {
+TEST_F(ReadOutsTest, showHeightsBeyondSixteenBits) {
     WriteFile(folder.Path("text.trk"), "Info\nheader\n1,1,0.001,0,0,0,2,2\nYX,0,1\n0,123456.789,-40000.125\n"
                                        "1,,5\nEnd\nSegment\nheader\nEnd\n");
     loadExternal(folder.Path("text.trk"));
@@ -123,19 +123,19 @@ TEST_F(ReadOutsTest, followTheTrackThroughASave) {
     loadExternal(folder.Path("text.trk"));
     showPercent(400);
     std::filesystem::create_directories(kTracks);
-    operate("Save"); // which makes a binary track of it, with raw heights cut off towards zero
+    operate("Save"); // converts it to a binary track with raw heights truncated toward zero
     ASSERT_EQ(status(), "Save successfully.");
     expectHeightsOf(independent::ReadBinary(FileContent(kTracks + "text.trk")));
 }
 
-TEST_F(ReadOutsTest, aFileThatAnotherProgramChangedHasNoHeights) {
+TEST_F(ReadOutsTest, showNoHeightsOfAFileThatAnotherProgramChanged) {
     WriteFile(folder.Path("a.trk"), "something else");
     mouse().Move({100.0, 70.0});
     EXPECT_NE(position(), "");
     EXPECT_EQ(height(), "");
 }
 
-TEST_F(ReadOutsTest, sayLengthsWhileAPathIsDrawn) {
+TEST_F(ReadOutsTest, showLengthsWhileAPathIsDrawn) {
     EXPECT_EQ(lengths(), "");
     // The canvas is 320 x 120 pixels for 20 x 7.5 world units: 16 pixels a unit.
     mouse().Press({32.0, 32.0});
@@ -149,7 +149,7 @@ TEST_F(ReadOutsTest, sayLengthsWhileAPathIsDrawn) {
     EXPECT_EQ(lengths(), "") << "the path is closed";
 }
 
-TEST_F(ReadOutsTest, sayLengthsWhileAPointIsDragged) {
+TEST_F(ReadOutsTest, showLengthsWhileAPointIsDragged) {
     // Points at x = 80, 160, 240 in the middle: 5 units from each other.
     mouse().Move(at(0, 2));
     EXPECT_EQ(lengths(), "");
@@ -161,7 +161,7 @@ TEST_F(ReadOutsTest, sayLengthsWhileAPointIsDragged) {
     EXPECT_EQ(lengths(), "");
     key(Qt::Key_Right, Qt::ShiftModifier); // ten cells of 0.5, but the margin is before
     EXPECT_EQ(lengths(), "segment 9.375, path 14.375");
-    EXPECT_EQ(position(), "x 29.375, y 23.750") << "of the point that was moved";
+    EXPECT_EQ(position(), "x 29.375, y 23.750") << "of the moved point";
 }
 
 TEST_F(ReadOutsTest, ctrlCCopiesThePosition) {

@@ -72,7 +72,7 @@ TEST_F(SegmentControls, sliderShowsTheScaleInPercent) {
 
 TEST_F(SegmentControls, sliderStretchesTheCanvasAlongTheCoarserAxis) {
     independent::Track wide = SmallTrack(PathAcross(0, 2, 0.5, 100));
-    load(wide); // 40 x 20 cells, twice as far apart along X
+    load(wide); // 40 x 20 cells, twice the distance along X
     setSlider(20);
     EXPECT_EQ(canvas().size(), QSize(80, 20));
     setSlider(7); // 0.35: 28 wide, 7 high
@@ -87,7 +87,7 @@ TEST_F(SegmentControls, sliderStretchesTheCanvasAlongTheCoarserAxis) {
     EXPECT_EQ(canvas().size(), QSize(6, 5));
 }
 
-TEST_F(SegmentControls, sliderLeavesAnEmptyCanvasAlone) {
+TEST_F(SegmentControls, sliderIgnoresAnEmptyCanvas) {
     const QSize before = canvas().size();
     setSlider(60);
     EXPECT_EQ(canvas().size(), before);
@@ -101,7 +101,7 @@ TEST_F(SegmentControls, scalingKeepsThePaths) {
     EXPECT_EQ(paths()[0].points, before);
 }
 
-TEST_F(SegmentControls, deleteLastTakesAPointAndRefreshesAShownRuler) {
+TEST_F(SegmentControls, deleteLastRemovesAPointAndRefreshesAShownRuler) {
     loadTwoPaths();
     click("pushButton_deleteLast");
     EXPECT_THAT(paths()[1].points, SizeIs(2));
@@ -112,7 +112,7 @@ TEST_F(SegmentControls, deleteLastTakesAPointAndRefreshesAShownRuler) {
     EXPECT_THAT(paths()[0].rulerMarks, IsEmpty());
 }
 
-TEST_F(SegmentControls, deleteLastLeavesTheShownParameters) {
+TEST_F(SegmentControls, deleteLastKeepsTheShownParameters) {
     loadTwoPaths();
     typeNumber("spinBox_pathId", "2");
     const std::vector<std::string> before = shownParameters();
@@ -135,7 +135,7 @@ TEST_F(SegmentControls, deleteAllResetsTheControlsAndRemovesThePaths) {
     EXPECT_EQ(canvas().currentSegment(), 0);
 }
 
-TEST_F(SegmentControls, deleteButtonsWithoutATrackChangeNothingNotEvenTheControls) {
+TEST_F(SegmentControls, deleteButtonsWithoutATrackChangeNothing) {
     type("lineEdit_lineLength", "77");
     type("lineEdit_lineWidth", "78");
     type("lineEdit_lineSpace", "79");
@@ -158,7 +158,7 @@ TEST_F(SegmentControls, rulerButtonHidesAndRebuildsTheMarks) {
     click("pushButton_getRuler");
     EXPECT_EQ(text("pushButton_getRuler"), "Hide Ruler");
     EXPECT_TRUE(window->rulerShown());
-    // 80 corrected pixels across, points a fifth apart: 16 pixels, a tick at 0, 4, 8 and 12.
+    // 80 corrected pixels across, points at a distance of a fifth: 16 pixels, a tick at 0, 4, 8 and 12.
     EXPECT_EQ(ticks(0, 0), 4U);
 }
 
@@ -179,7 +179,7 @@ TEST_F(SegmentControls, rulerIsMeasuredInTheCorrectedImage) {
     EXPECT_EQ(ticks(0, 0), 3U);
 }
 
-TEST_F(SegmentControls, batchSettingDisablesTheChoiceOfTheSegment) {
+TEST_F(SegmentControls, batchSettingDisablesSegmentSelection) {
     click("checkBox_batchSetting");
     for (const char* name : {"label_path", "spinBox_pathId", "label_segment", "spinBox_segmentId"})
         EXPECT_FALSE(find<QWidget>(name).isEnabled()) << name;
@@ -188,7 +188,7 @@ TEST_F(SegmentControls, batchSettingDisablesTheChoiceOfTheSegment) {
         EXPECT_TRUE(find<QWidget>(name).isEnabled()) << name;
 }
 
-TEST_F(SegmentControls, aTrackBeyondTheLastEndsAtTheLast) {
+TEST_F(SegmentControls, pathNumberBeyondTheLastBecomesTheLast) {
     loadTwoPaths();
     typeNumber("spinBox_pathId", "3");
     EXPECT_EQ(number("spinBox_pathId"), 2);
@@ -196,7 +196,7 @@ TEST_F(SegmentControls, aTrackBeyondTheLastEndsAtTheLast) {
     EXPECT_THAT(shownParameters(), ElementsAre("200", "210", "220"));
 }
 
-TEST_F(SegmentControls, aSegmentBeyondTheLastEndsAtTheLast) {
+TEST_F(SegmentControls, segmentNumberBeyondTheLastBecomesTheLast) {
     loadTwoPaths();
     typeNumber("spinBox_segmentId", "4");
     EXPECT_EQ(number("spinBox_segmentId"), 3);
@@ -204,7 +204,7 @@ TEST_F(SegmentControls, aSegmentBeyondTheLastEndsAtTheLast) {
     EXPECT_THAT(shownParameters(), ElementsAre("102", "112", "122"));
 }
 
-TEST_F(SegmentControls, choosingATrackChoosesItsFirstSegment) {
+TEST_F(SegmentControls, selectingAPathSelectsItsFirstSegment) {
     loadTwoPaths();
     typeNumber("spinBox_segmentId", "3");
     typeNumber("spinBox_pathId", "2");
@@ -233,7 +233,7 @@ TEST_F(SegmentControls, withoutPathsBothBoxesFallBackToOne) {
     EXPECT_EQ(number("spinBox_segmentId"), 1);
 }
 
-TEST_F(SegmentControls, aPathOfOnePointHasNoSegmentToChoose) {
+TEST_F(SegmentControls, pathOfOnePointHasNoSegmentToSelect) {
     loadTwoPaths();
     typeNumber("spinBox_segmentId", "3");
     for (int closed = 0; closed < 2; ++closed) // loaded paths are closed one by one
@@ -248,7 +248,7 @@ TEST_F(SegmentControls, aPathOfOnePointHasNoSegmentToChoose) {
     EXPECT_FALSE(canvas().segmentExists(0, 0));
 }
 
-TEST_F(SegmentControls, theChosenTrackMayHaveGone) {
+TEST_F(SegmentControls, acceptsThatTheSelectedPathWasRemoved) {
     loadTwoPaths();
     typeNumber("spinBox_pathId", "2");
     typeNumber("spinBox_segmentId", "2");
@@ -262,8 +262,8 @@ TEST_F(SegmentControls, theChosenTrackMayHaveGone) {
     EXPECT_THAT(paths()[0].lengths, ElementsAre(100, 101, 102, 103));
 }
 
-// The numbers walk back in one step: on a stack of 1 MiB a step for each number typed would not end well.
-TEST_F(SegmentControls, tenThousandEndsAtTheLastOnASmallStack) {
+// The numbers are corrected in one step: a recursion for each number would overflow a stack of 1 MiB.
+TEST_F(SegmentControls, tenThousandBecomesTheLastOnASmallStack) {
     load(SmallTrack(PathAcross(0, 2, 0.5, 100)));
     rlimit stack{};
     ASSERT_EQ(getrlimit(RLIMIT_STACK, &stack), 0);
@@ -275,13 +275,13 @@ TEST_F(SegmentControls, tenThousandEndsAtTheLastOnASmallStack) {
         QApplication::clipboard()->setText(QStringLiteral("10000"));
         box.setFocus();
         box.selectAll();
-        QTest::keyClick(&box, Qt::Key_V, Qt::ControlModifier); // all five figures at once
+        QTest::keyClick(&box, Qt::Key_V, Qt::ControlModifier); // all five digits in one change
         EXPECT_EQ(box.value(), 1) << name;
         EXPECT_LE(changes.size(), 4) << name;
     }
 }
 
-TEST_F(SegmentControls, typingSetsTheChosenSegmentFigureByFigure) {
+TEST_F(SegmentControls, typingSetsTheSelectedSegmentDigitByDigit) {
     loadTwoPaths();
     typeNumber("spinBox_segmentId", "2");
     type("lineEdit_lineLength", "75");
@@ -295,7 +295,7 @@ TEST_F(SegmentControls, typingSetsTheChosenSegmentFigureByFigure) {
     EXPECT_EQ(paths()[0].lengths[1], 7);
 }
 
-TEST_F(SegmentControls, aTextIsADecimalNumberAndCountsAsZeroWhenItIsNone) {
+TEST_F(SegmentControls, fieldTextThatIsNoNumberCountsAsZero) {
     loadTwoPaths();
     type("lineEdit_lineLength", "");
     EXPECT_EQ(paths()[0].lengths[0], 0);
@@ -324,14 +324,14 @@ TEST_F(SegmentControls, batchSettingReachesEveryPointOfEveryPath) {
     }
 }
 
-TEST_F(SegmentControls, batchSettingRebuildsAllMarksAtOnce) {
+TEST_F(SegmentControls, batchSettingRebuildsAllMarksImmediately) {
     loadTwoPaths();
     canvas().clearRulerMarks();
     click("checkBox_batchSetting");
     type("lineEdit_lineLength", "7");
     ASSERT_THAT(paths()[0].rulerMarks, SizeIs(3));
     ASSERT_THAT(paths()[1].rulerMarks, SizeIs(2));
-    // The first tick of a level segment stands upright, 7 corrected pixels of 20 long.
+    // The first tick of a horizontal segment is vertical, 7 of 20 corrected pixels long.
     for (const TrackPath& path : paths()) {
         const RulerMarks& marks = path.rulerMarks[0];
         EXPECT_NEAR(std::abs(marks.tickStarts[0].y() - marks.tickEnds[0].y()), 7.0 / 20, 1e-9);
@@ -364,7 +364,7 @@ TEST_F(SegmentControls, typingRefreshesAShownRulerAndAMethodDoesNot) {
     EXPECT_THAT(paths()[1].methods, Each(2));
 }
 
-TEST_F(SegmentControls, showingASegmentInBatchModeChangesNoOther) {
+TEST_F(SegmentControls, showingASegmentInBatchModeChangesNothing) {
     click("checkBox_batchSetting");
     loadTwoPaths();
     EXPECT_THAT(shownParameters(), ElementsAre("100", "110", "120"));
@@ -372,7 +372,7 @@ TEST_F(SegmentControls, showingASegmentInBatchModeChangesNoOther) {
     EXPECT_THAT(paths()[1].widths, ElementsAre(210, 211, 212));
 }
 
-TEST_F(SegmentControls, theMethodOfTheChosenSegmentIsShown) {
+TEST_F(SegmentControls, showsTheMethodOfTheSelectedSegment) {
     std::vector<independent::Segment> segments = PathAcross(0, 3, 0.5, 100);
     segments[0].method = 2;
     auto& methods = find<QComboBox>("comboBox_lineType");
@@ -387,7 +387,7 @@ TEST_F(SegmentControls, theMethodOfTheChosenSegmentIsShown) {
     EXPECT_EQ(methods.currentIndex(), 0);
 }
 
-TEST_F(SegmentControls, aMethodThatIsNotOfferedIsKept) {
+TEST_F(SegmentControls, keepsAMethodThatIsNotListed) {
     load(SmallTrack({{0, 0, 0, 0, 0.2, 0.5, 5, 10, 10, 10}, {0, 1, 0, 0, 0.8, 0.5, 5, 10, 10, 10}}));
     EXPECT_THAT(paths()[0].methods, Each(5));
     typeNumber("spinBox_segmentId", "1");

@@ -1,6 +1,6 @@
-// What becomes of a connection when its end fails, which server a connection goes to, and what becomes of the
-// window when looking for servers fails. The linker puts the functions of this file in the places of the real
-// ones, for this program alone (see --wrap in CMakeLists.txt).
+// Connections whose disconnect fails, the server that a connection uses, and the
+// window when discovery fails. The linker replaces the real functions by those of this file,
+// for this program only (see --wrap in CMakeLists.txt).
 
 #include "OrdinaryUser.h"
 #include "SourceWorkflows.h"
@@ -25,9 +25,9 @@ void RealDiscovery(ServerList&) __asm__(
 
 namespace {
 
-/// Done whenever a connection is ended.
+/// Called whenever a connection is ended.
 std::function<void()> onDisconnect;
-/// Done whenever servers are looked for.
+/// Called on every discovery.
 std::function<void()> onDiscovery;
 
 } // namespace
@@ -71,7 +71,7 @@ class SourceConnections : public SourceWorkflows {
     }
 };
 
-TEST_F(SourceConnections, aFailedDiscoveryIsLoggedThenShownAndCanBeDoneAgain) {
+TEST_F(SourceConnections, failedDiscoveryIsLoggedThenShownAndCanBeRepeated) {
     onDiscovery = [] {
         throw Ve::Exception(__LINE__, __FILE__, bERROR_REQUEST, "Discovery", "%s", "No <b>%d</b> servers.");
     };
@@ -92,14 +92,14 @@ TEST_F(SourceConnections, aFailedDiscoveryIsLoggedThenShownAndCanBeDoneAgain) {
     EXPECT_TRUE(enabled("pushButton_sensor"));
 }
 
-TEST_F(SourceConnections, aFailureOfAnotherKindWhileServersAreLookedForEndsTheConstruction) {
+TEST_F(SourceConnections, otherExceptionDuringDiscoveryEndsTheConstruction) {
     onDiscovery = [] { throw std::runtime_error("The test wants it so."); };
     EXPECT_THROW({ const MainWindow fresh; }, std::runtime_error);
     EXPECT_THAT(log.Lines(), ElementsAre("INFO: Starting Corvane."));
     expectNoBox();
 }
 
-TEST_F(SourceConnections, closingTheWindowDisconnectsBeforeItRemovesTheWorkingFiles) {
+TEST_F(SourceConnections, closingDisconnectsBeforeRemovingTheWorkingFiles) {
     openConnected();
     int calls = 0;
     onDisconnect = [&calls] {
@@ -112,7 +112,7 @@ TEST_F(SourceConnections, closingTheWindowDisconnectsBeforeItRemovesTheWorkingFi
     EXPECT_FALSE(fs::exists("Ostra.osbak"));
 }
 
-TEST_F(SourceConnections, closingTheWindowDisconnectsOnlyWhatTheButtonCallsConnected) {
+TEST_F(SourceConnections, closingDisconnectsOnlyWhenTheButtonSaysConnected) {
     startServer({"--fault-status", "500", "--fault-path", "/system/commands/archive"});
     openWindow();
     click("pushButton_sensor");
@@ -124,7 +124,7 @@ TEST_F(SourceConnections, closingTheWindowDisconnectsOnlyWhatTheButtonCallsConne
     EXPECT_EQ(calls, 0);
 }
 
-TEST_F(SourceConnections, aFailureToDisconnectOnClosingIsLoggedAndTheFilesGoAllTheSame) {
+TEST_F(SourceConnections, failedDisconnectOnClosingIsLoggedAndTheFilesAreRemovedAnyway) {
     openConnected();
     failToDisconnect();
     (void)log.Lines();
@@ -136,7 +136,7 @@ TEST_F(SourceConnections, aFailureToDisconnectOnClosingIsLoggedAndTheFilesGoAllT
     expectNoBox();
 }
 
-TEST_F(SourceConnections, aWorkingFolderThatCannotBeRemovedIsLoggedAndTheOthersGo) {
+TEST_F(SourceConnections, unremovableWorkingFolderIsLoggedAndTheOthersAreRemoved) {
     openConnected();
     (void)log.Lines();
     const fs::path closed = "TmpDirBackup/closed";
@@ -153,7 +153,7 @@ TEST_F(SourceConnections, aWorkingFolderThatCannotBeRemovedIsLoggedAndTheOthersG
     expectNoBox();
 }
 
-TEST_F(SourceConnections, aFailureToDisconnectLeavesTheServerOpen) {
+TEST_F(SourceConnections, failedDisconnectLeavesTheServerOpen) {
     openConnected();
     loadAndEdit("b.trk");
     failToDisconnect();
@@ -170,7 +170,7 @@ TEST_F(SourceConnections, aFailureToDisconnectLeavesTheServerOpen) {
     EXPECT_EQ(status(), "Disconnect successfully.");
 }
 
-TEST_F(SourceConnections, aResetThatCannotDisconnectDisablesTheButtonAndStopsThere) {
+TEST_F(SourceConnections, resetThatCannotDisconnectDisablesTheButtonAndStops) {
     openConnected();
     loadAndEdit("b.trk");
     failToDisconnect();
@@ -182,7 +182,7 @@ TEST_F(SourceConnections, aResetThatCannotDisconnectDisablesTheButtonAndStopsThe
     EXPECT_FALSE(enabled("comboBox_sensor"));
 }
 
-TEST_F(SourceConnections, anotherSourceThatCannotDisconnectTheOldOneStopsThere) {
+TEST_F(SourceConnections, sourceChangeThatCannotDisconnectStops) {
     openConnected();
     find<QComboBox>("comboBox_sensor").setEnabled(true);
     failToDisconnect();
@@ -194,7 +194,7 @@ TEST_F(SourceConnections, anotherSourceThatCannotDisconnectTheOldOneStopsThere) 
     EXPECT_TRUE(enabled("comboBox_operation"));
 }
 
-TEST_F(SourceConnections, theChosenServerIsConnectedByItsOwnAddressAndPort) {
+TEST_F(SourceConnections, connectsToTheSelectedServersAddressAndPort) {
     startServer();
     std::filesystem::copy(folder.Path("station"), folder.Path("station two"),
                           std::filesystem::copy_options::recursive);
@@ -213,7 +213,7 @@ TEST_F(SourceConnections, theChosenServerIsConnectedByItsOwnAddressAndPort) {
     EXPECT_THAT(passedOver.Calls(), Not(Contains("POST /system/commands/archive")));
 }
 
-TEST_F(SourceConnections, disconnectingLeavesWhatIsShownOfATrackThatFailedToLoad) {
+TEST_F(SourceConnections, disconnectingKeepsThePictureOfATrackThatFailedToLoad) {
     openConnected();
     loadAndEdit("b.trk");
     WriteFile(kTracks + "b.trk", independent::TextMap(track)); // no paths in it
@@ -225,7 +225,7 @@ TEST_F(SourceConnections, disconnectingLeavesWhatIsShownOfATrackThatFailedToLoad
     EXPECT_EQ(text("lineEdit_heightMax"), "43.75");
 }
 
-TEST_F(SourceConnections, theCursorAsksToWaitDuringEveryLongStep) {
+TEST_F(SourceConnections, showsTheWaitCursorDuringEveryLongStep) {
     startServer();
     openWindow();
     std::vector<bool> waits;
@@ -233,8 +233,8 @@ TEST_F(SourceConnections, theCursorAsksToWaitDuringEveryLongStep) {
         const QCursor* cursor = QGuiApplication::overrideCursor();
         waits.push_back(cursor != nullptr && cursor->shape() == Qt::WaitCursor);
     });
-    connectToServer();          // connecting, and unpacking what came
-    click("toolButton_upload"); // packing; what follows is the worker's
+    connectToServer();          // connects and unpacks the backup
+    click("toolButton_upload"); // packs; the rest is done by the worker
     awaitWorker();
     ASSERT_EQ(waits.size(), 4U);
     EXPECT_THAT(std::vector<bool>(waits.begin(), waits.end() - 1), Each(true));
@@ -249,7 +249,7 @@ TEST_F(SourceConnections, theCursorAsksToWaitDuringEveryLongStep) {
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
 }
 
-/// Notes what the status bar says whenever it is painted.
+/// Records the status bar's text whenever it is painted.
 class PaintedMessages : public QObject {
   public:
     explicit PaintedMessages(QStatusBar& bar) : bar(bar) { bar.installEventFilter(this); }
@@ -264,7 +264,7 @@ class PaintedMessages : public QObject {
     QStatusBar& bar;
 };
 
-TEST_F(SourceConnections, theStepAtHandIsSeenBeforeTheWorkBegins) {
+TEST_F(SourceConnections, showsTheCurrentStepBeforeItsWorkBegins) {
     openWindow();
     makeBackup(folder.Path("x.osbak"), {{"b.trk", ""}});
     loadBackup(folder.Path("x.osbak"));

@@ -40,7 +40,7 @@ class SourceWorkflows : public WindowTest {
         ASSERT_EQ(text("pushButton_sensor"), "Disconnect Sensor");
     }
 
-    /// With a server that runs, and the window connected to it.
+    /// Starts a server and opens the window connected to it.
     void openConnected() {
         startServer();
         openWindowAndListen();
@@ -74,5 +74,5 @@ class SourceWorkflows : public WindowTest {
 
     const independent::Track track = SmallTrack(PathAcross(0, 3, 0.5, 100));
     std::optional<OstraServerProcess> server;
-    std::vector<std::string> messages; ///< all that the status bar showed
+    std::vector<std::string> messages; ///< every message of the status bar
 };

@@ -31,7 +31,7 @@ class Undo : public WindowTest {
     }
 
     void key(Qt::Key key, Qt::KeyboardModifiers modifiers) {
-        QApplication::setActiveWindow(window.get()); // a dialog may have been it
+        QApplication::setActiveWindow(window.get()); // a dialog may have been active
         QTest::keyClick(window.get(), key, modifiers);
     }
     void undo() { key(Qt::Key_Z, Qt::ControlModifier); }
@@ -49,7 +49,7 @@ class Undo : public WindowTest {
     std::optional<Mouse> canvasMouse;
 };
 
-TEST_F(Undo, takesBackADragAsOneStepAndMakesItAgain) {
+TEST_F(Undo, undoesAndRedoesADragAsOneStep) {
     const QPointF before = paths()[0].points[1];
     drag(at(0, 1), at(0, 1) + QPoint(20, 15));
     const QPointF after = paths()[0].points[1];
@@ -64,7 +64,7 @@ TEST_F(Undo, takesBackADragAsOneStepAndMakesItAgain) {
     EXPECT_EQ(paths()[0].points[1].y(), after.y());
 }
 
-TEST_F(Undo, takesBackDrawingStepByStep) {
+TEST_F(Undo, undoesDrawingStepByStep) {
     drawPath({{0.2, 0.2}, {0.4, 0.2}});
     ASSERT_EQ(paths().size(), 2U);
     undo();
@@ -79,7 +79,7 @@ TEST_F(Undo, takesBackDrawingStepByStep) {
     EXPECT_EQ(document().finishedCount(), 2);
 }
 
-TEST_F(Undo, takesBackTheDeleteButtons) {
+TEST_F(Undo, undoesTheDeleteButtons) {
     click("pushButton_deleteLast");
     ASSERT_EQ(paths()[0].points.size(), 2U);
     click("pushButton_deleteLast");
@@ -97,7 +97,7 @@ TEST_F(Undo, takesBackTheDeleteButtons) {
     EXPECT_EQ(document().finishedCount(), 1);
 }
 
-TEST_F(Undo, takesBackABatchSettingAsOneStep) {
+TEST_F(Undo, undoesABatchSettingAsOneStep) {
     click("checkBox_batchSetting");
     type("lineEdit_lineSpace", "77");
     ASSERT_EQ(paths()[0].spaces, (std::vector<int>{77, 77, 77}));
@@ -108,7 +108,7 @@ TEST_F(Undo, takesBackABatchSettingAsOneStep) {
     EXPECT_EQ(paths()[0].spaces, (std::vector<int>{77, 77, 77}));
 }
 
-TEST_F(Undo, takesBackWhatWasTypedIntoAFieldAsOneStepAndShowsIt) {
+TEST_F(Undo, undoesTypingInAFieldAsOneStepAndShowsIt) {
     type("lineEdit_lineLength", "345");
     ASSERT_EQ(paths()[0].lengths[0], 345);
     canvas().setFocus();
@@ -131,7 +131,7 @@ TEST_F(Undo, leavingAFieldEndsTheStep) {
     EXPECT_EQ(paths()[0].lengths[0], 100);
 }
 
-TEST_F(Undo, aFieldWithTheFocusTakesBackItsOwnTypingFirst) {
+TEST_F(Undo, focusedFieldUndoesItsOwnTypingFirst) {
     drag(at(0, 1), at(0, 1) + QPoint(20, 15));
     const QPointF dragged = paths()[0].points[1];
     auto& field = find<QLineEdit>("lineEdit_lineLength");
@@ -140,13 +140,13 @@ TEST_F(Undo, aFieldWithTheFocusTakesBackItsOwnTypingFirst) {
         QTest::keyClick(&field, Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(text("lineEdit_lineLength"), "100");
     EXPECT_EQ(paths()[0].lengths[0], 100);
-    EXPECT_EQ(paths()[0].points[1].x(), dragged.x()) << "the field had something to take back";
+    EXPECT_EQ(paths()[0].points[1].x(), dragged.x()) << "the field could undo its typing";
     QTest::keyClick(&field, Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_NE(paths()[0].points[1].x(), dragged.x()) << "now it is the document's turn";
+    EXPECT_NE(paths()[0].points[1].x(), dragged.x()) << "now the document undoes";
     QTest::keyClick(&field, Qt::Key_Y, Qt::ControlModifier);
 }
 
-TEST_F(Undo, aSpinBoxWithTheFocusLetsTheDocumentTakeItsTurn) {
+TEST_F(Undo, focusedSpinBoxLeavesUndoToTheDocument) {
     const QPointF before = paths()[0].points[1];
     drag(at(0, 1), at(0, 1) + QPoint(20, 15));
     auto& box = find<QSpinBox>("spinBox_segmentId");
@@ -169,11 +169,11 @@ TEST_F(Undo, doesNothingWhileTheButtonIsDown) {
     EXPECT_EQ(paths()[0].points[1].x(), other.x());
     mouse().Release(point - QPoint(30, 0));
     undo();
-    EXPECT_EQ(at(0, 2), point) << "the whole drag";
+    EXPECT_EQ(at(0, 2), point) << "the complete drag";
     EXPECT_EQ(paths()[0].points[1].x(), other.x());
 }
 
-TEST_F(Undo, aMoveWithTwoButtonsHeldDragsOn) {
+TEST_F(Undo, moveWithTwoButtonsHeldContinuesTheDrag) {
     const QPoint point = at(0, 1);
     mouse().Move(point);
     mouse().Press(point);
@@ -186,7 +186,7 @@ TEST_F(Undo, aMoveWithTwoButtonsHeldDragsOn) {
     EXPECT_EQ(at(0, 1), point);
 }
 
-TEST_F(Undo, forgetsThePointUnderTheCursorAndTheRubberBand) {
+TEST_F(Undo, resetsThePointUnderTheCursorAndTheRubberBand) {
     drag(at(0, 1), at(0, 1) + QPoint(20, 15));
     ASSERT_FALSE(canvas().editingState().dragPoint.isNull());
     undo();
@@ -209,7 +209,7 @@ TEST_F(Undo, keepsTheViewAndItsScale) {
     EXPECT_EQ(text("label_scale"), "Scale:300%");
 }
 
-TEST_F(Undo, bringsTheSpinBoxesWithinWhatExists) {
+TEST_F(Undo, limitsTheSpinBoxesToExistingSegments) {
     drawPath({{0.2, 0.2}, {0.4, 0.2}, {0.4, 0.7}});
     typeNumber("spinBox_pathId", "2");
     typeNumber("spinBox_segmentId", "2");
@@ -224,7 +224,7 @@ TEST_F(Undo, bringsTheSpinBoxesWithinWhatExists) {
     undo();
     EXPECT_EQ(find<QSpinBox>("spinBox_pathId").value(), 1);
     EXPECT_EQ(canvas().currentPath(), 0);
-    EXPECT_EQ(text("lineEdit_lineLength"), "100") << "the parameter of the segment that is chosen now";
+    EXPECT_EQ(text("lineEdit_lineLength"), "100") << "the parameter of the newly selected segment";
     EXPECT_EQ(text("lineEdit_lineWidth"), "110");
 }
 
@@ -248,7 +248,7 @@ TEST_F(Undo, isEmptyAfterALoad) {
     EXPECT_FALSE(document().canRedo());
 }
 
-TEST_F(Undo, savingUnmodifiesAndSavingACopyDoesNot) {
+TEST_F(Undo, savingClearsTheModifiedMarkAndSavingACopyDoesNot) {
     const auto state = [this] { return text("label_state"); };
     EXPECT_EQ(state(), "");
     click("pushButton_deleteLast");

@@ -14,14 +14,14 @@ class ViewNavigationTest : public OperatingTest {
         scrollTo(700, 900);
     }
 
-    /// That the point is shown at the place, to the pixel.
+    /// Checks that the point is shown at the place, to the pixel.
     void expectShownAt(const QPointF& expected, const QPoint& inView) {
         EXPECT_LE(std::abs(expected.x() * canvas().width() + canvas().x() - inView.x()), 0.5);
         EXPECT_LE(std::abs(expected.y() * canvas().height() + canvas().y() - inView.y()), 0.5);
     }
 };
 
-TEST_F(ViewNavigationTest, theWheelWithCtrlZoomsByOneStepAtTheCursor) {
+TEST_F(ViewNavigationTest, ctrlWheelZoomsByOneStepAtTheCursor) {
     const QPoint place(123, 77);
     const QPointF shown = shownAt(place);
     turnWheel(place, kNotch);
@@ -33,17 +33,17 @@ TEST_F(ViewNavigationTest, theWheelWithCtrlZoomsByOneStepAtTheCursor) {
     expectShownAt(shown, place);
 }
 
-TEST_F(ViewNavigationTest, aFineWheelIsCountedToWholeSteps) {
+TEST_F(ViewNavigationTest, highResolutionWheelIsSummedToFullSteps) {
     for (int part = 0; part < 7; ++part)
         turnWheel({100, 100}, kNotch / 4);
     EXPECT_EQ(slider().value(), 41);
     turnWheel({100, 100}, -kNotch / 2);
-    EXPECT_EQ(slider().value(), 41) << "the other way round begins anew";
+    EXPECT_EQ(slider().value(), 41) << "the opposite direction starts again";
     turnWheel({100, 100}, -kNotch / 2);
     EXPECT_EQ(slider().value(), 40);
 }
 
-TEST_F(ViewNavigationTest, theWheelAloneScrolls) {
+TEST_F(ViewNavigationTest, wheelAloneScrolls) {
     QWidget* const view = area().viewport();
     QWheelEvent event(QPoint(100, 100), view->mapToGlobal(QPoint(100, 100)), QPoint(), QPoint(0, -kNotch),
                       Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
@@ -52,7 +52,7 @@ TEST_F(ViewNavigationTest, theWheelAloneScrolls) {
     EXPECT_GT(area().verticalScrollBar()->value(), 900);
 }
 
-TEST_F(ViewNavigationTest, aHundredTimesInAndOutReturns) {
+TEST_F(ViewNavigationTest, zoomingInAndOutAHundredTimesReturns) {
     const QPoint place(211, 93);
     const QPoint before = canvas().pos();
     for (int time = 0; time < 100; ++time) {
@@ -88,7 +88,7 @@ TEST_F(ViewNavigationTest, keysZoomAtTheCursor) {
     expectShownAt(shown, place);
 }
 
-TEST_F(ViewNavigationTest, keysOnAControlZoomAsWell) {
+TEST_F(ViewNavigationTest, keysZoomWhileAControlHasTheFocus) {
     auto& field = find<QLineEdit>("lineEdit_lineLength");
     field.setFocus();
     QTest::keyClick(&field, Qt::Key_Plus, Qt::ControlModifier);
@@ -96,7 +96,7 @@ TEST_F(ViewNavigationTest, keysOnAControlZoomAsWell) {
     EXPECT_EQ(text("lineEdit_lineLength"), "100");
 }
 
-TEST_F(ViewNavigationTest, ctrlZeroFitsAsLoadingDoes) {
+TEST_F(ViewNavigationTest, ctrlZeroFitsLikeALoad) {
     const int fitting = [this] {
         const double across = double(area().width()) / 1000;
         const double down = double(area().height()) / 1500;
@@ -108,7 +108,7 @@ TEST_F(ViewNavigationTest, ctrlZeroFitsAsLoadingDoes) {
     EXPECT_EQ(slider().value(), fitting);
 }
 
-TEST_F(ViewNavigationTest, theSliderKeepsTheMiddleOfTheView) {
+TEST_F(ViewNavigationTest, sliderKeepsTheViewCentre) {
     const QPoint middle = area().viewport()->rect().center();
     const QPointF shown = shownAt(middle);
     slider().setValue(47);
@@ -120,7 +120,7 @@ TEST_F(ViewNavigationTest, theSliderKeepsTheMiddleOfTheView) {
     expectShownAt(shown, middle);
 }
 
-TEST_F(ViewNavigationTest, whatIsScrolledMeanwhileIsTheNewPlace) {
+TEST_F(ViewNavigationTest, zoomAfterScrollingKeepsTheNewPlace) {
     const QPoint place(211, 93);
     turnWheel(place, kNotch);
     scrollTo(500, 700);
@@ -129,14 +129,14 @@ TEST_F(ViewNavigationTest, whatIsScrolledMeanwhileIsTheNewPlace) {
     expectShownAt(shown, place);
 }
 
-TEST_F(ViewNavigationTest, theMiddleButtonDragsTheView) {
+TEST_F(ViewNavigationTest, middleButtonPansTheView) {
     const QPoint before = canvas().pos();
     const QPoint start(900, 1100);
     mouse().Move(start);
     mouse().Press(start, Qt::MiddleButton);
     mouse().Move(start + QPoint(30, -20));
     EXPECT_EQ(canvas().pos(), before + QPoint(30, -20));
-    // The canvas went along: on it the cursor is at the start again, and moves on from there.
+    // The canvas moved too: on it the cursor is at the start again, and moves from there.
     mouse().Move(start + QPoint(5, 6));
     EXPECT_EQ(canvas().pos(), before + QPoint(35, -14));
     mouse().Release(start, Qt::MiddleButton);
@@ -145,7 +145,7 @@ TEST_F(ViewNavigationTest, theMiddleButtonDragsTheView) {
     EXPECT_EQ(paths().size(), 1U);
 }
 
-TEST_F(ViewNavigationTest, spaceWithTheLeftButtonDragsTheViewAndDrawsNothing) {
+TEST_F(ViewNavigationTest, spaceWithTheLeftButtonPansTheViewAndDrawsNothing) {
     const QPoint before = canvas().pos();
     const QPoint start(900, 1100);
     QTest::keyPress(&canvas(), Qt::Key_Space);
@@ -162,7 +162,7 @@ TEST_F(ViewNavigationTest, spaceWithTheLeftButtonDragsTheViewAndDrawsNothing) {
     EXPECT_EQ(paths().size(), 2U) << "without Space the button draws again";
 }
 
-TEST_F(ViewNavigationTest, theViewIsDraggedWithAPathHalfDrawn) {
+TEST_F(ViewNavigationTest, pansTheViewWhileAPathIsDrawn) {
     mouse().Click({900.0, 1100.0});
     mouse().Click({950.0, 1100.0});
     mouse().Press({900.0, 1000.0}, Qt::MiddleButton);
@@ -174,7 +174,7 @@ TEST_F(ViewNavigationTest, theViewIsDraggedWithAPathHalfDrawn) {
     EXPECT_EQ(paths().at(1).points.size(), 3U);
 }
 
-TEST_F(ViewNavigationTest, aButtonThatGoesDownDuringAPanDrawsNothing) {
+TEST_F(ViewNavigationTest, buttonPressedDuringAPanDrawsNothing) {
     mouse().Press({900.0, 1000.0}, Qt::MiddleButton);
     mouse().Press({900.0, 1000.0}, Qt::LeftButton);
     mouse().Release({900.0, 1000.0}, Qt::MiddleButton);
@@ -183,7 +183,7 @@ TEST_F(ViewNavigationTest, aButtonThatGoesDownDuringAPanDrawsNothing) {
     EXPECT_EQ(paths()[0].points.size(), 3U);
 }
 
-TEST_F(ViewNavigationTest, whileAPointIsDraggedTheViewStays) {
+TEST_F(ViewNavigationTest, viewStaysWhileAPointIsDragged) {
     scrollTo(0, 0);
     mouse().Move(at(0, 0));
     mouse().Press(at(0, 0));
@@ -198,12 +198,12 @@ TEST_F(ViewNavigationTest, whileAPointIsDraggedTheViewStays) {
     mouse().Release(at(0, 0));
 }
 
-TEST_F(ViewNavigationTest, aPressAfterZoomingDragsNoPointThatIsNotUnderTheCursor) {
+TEST_F(ViewNavigationTest, pressAfterZoomingDragsOnlyAPointUnderTheCursor) {
     scrollTo(0, 1100);
     const QPoint grip = at(0, 0);
     mouse().Move(grip);
     ASSERT_FALSE(canvas().editingState().dragPoint.isNull());
-    key(Qt::Key_0, Qt::ControlModifier); // the view is another, the cursor where it was
+    key(Qt::Key_0, Qt::ControlModifier); // the view has changed, the cursor has not
     const QPointF before = point(0, 0);
     const QPoint cursor = canvas().cursorPlace().value_or(QPointF()).toPoint();
     mouse().Press(cursor);
@@ -211,7 +211,7 @@ TEST_F(ViewNavigationTest, aPressAfterZoomingDragsNoPointThatIsNotUnderTheCursor
     EXPECT_EQ(point(0, 0), before);
 }
 
-TEST_F(ViewNavigationTest, rightToLeftKeepsThePlaceToo) {
+TEST_F(ViewNavigationTest, zoomKeepsThePlaceInRightToLeftLayouts) {
     window->setLayoutDirection(Qt::RightToLeft);
     QApplication::processEvents();
     scrollTo(700, 900);

@@ -19,7 +19,7 @@ constexpr int kBars = 20;
 constexpr int kFadingSteps = 16; // the ceiling of 19 × 80 %
 constexpr double kFloor = kPi / 100.0;
 
-/// A ring to compare a picture with: what a bar looks like is worked out here from its geometry alone.
+/// A ring to compare a picture with: each bar is computed here from its geometry alone.
 struct Ring {
     int innerRadius;
     int lineLength;
@@ -28,13 +28,13 @@ struct Ring {
     [[nodiscard]] int side() const { return 2 * (innerRadius + lineLength); }
 
     [[nodiscard]] double opacity(int bar) const {
-        const int behind = (leader - bar + kBars) % kBars;
-        if (behind > kFadingSteps)
+        const int steps = (leader - bar + kBars) % kBars;
+        if (steps > kFadingSteps)
             return kFloor;
-        return 1.0 - behind * (1.0 - kFloor) / 17.0;
+        return 1.0 - steps * (1.0 - kFloor) / 17.0;
     }
 
-    /// Whether a point lies in the bar: corner radii of 100 % make the rectangle of lineLength × 2 an
+    /// Whether a point is in the bar: corner radii of 100 % make the rectangle of lineLength × 2 an
     /// ellipse.
     [[nodiscard]] bool covers(int bar, double x, double y) const {
         const double angle = 2.0 * kPi * bar / kBars;
@@ -67,7 +67,7 @@ double Opacity(const QImage& picture, int column, int row) {
     return qAlpha(picture.pixel(column, row)) / 255.0;
 }
 
-/// The opacity of every bar: what its sector of the picture holds, as a share of what the leader's holds.
+/// The opacity of every bar: that of its sector of the picture, divided by that of the leader's.
 std::vector<double> BarOpacities(const QImage& picture, const Ring& ring) {
     std::vector<double> sums(kBars);
     const double centre = ring.side() / 2.0;
@@ -78,10 +78,10 @@ std::vector<double> BarOpacities(const QImage& picture, const Ring& ring) {
             sums[static_cast<std::size_t>(sector)] += Opacity(picture, column, row);
         }
     }
-    const double whole = sums[static_cast<std::size_t>(ring.leader)];
-    EXPECT_NEAR(whole, kPi * ring.lineLength / 2.0, 0.08 * kPi * ring.lineLength / 2.0);
+    const double leaderSum = sums[static_cast<std::size_t>(ring.leader)];
+    EXPECT_NEAR(leaderSum, kPi * ring.lineLength / 2.0, 0.08 * kPi * ring.lineLength / 2.0);
     for (double& sum : sums)
-        sum /= whole;
+        sum /= leaderSum;
     return sums;
 }
 
@@ -120,7 +120,7 @@ class WaitingSpinnerWidgetTest : public ::testing::Test {
     QWidget parent;
 };
 
-TEST_F(WaitingSpinnerWidgetTest, slotsStandInTheirOrder) {
+TEST_F(WaitingSpinnerWidgetTest, slotsAreInOrder) {
     const QMetaObject& meta = WaitingSpinnerWidget::staticMetaObject;
     ASSERT_EQ(meta.methodCount() - meta.methodOffset(), 3);
     const char* const names[] = {"start()", "stop()", "rotate()"};
@@ -143,7 +143,7 @@ TEST_F(WaitingSpinnerWidgetTest, isBuiltHiddenFramelessAndTranslucent) {
     EXPECT_TRUE(parent.isEnabled());
 }
 
-TEST_F(WaitingSpinnerWidgetTest, takesTheModalityItIsGiven) {
+TEST_F(WaitingSpinnerWidgetTest, hasTheGivenModality) {
     const WaitingSpinnerWidget modal(Qt::ApplicationModal, nullptr, false, false);
     const WaitingSpinnerWidget free(Qt::NonModal, nullptr, false, false);
     EXPECT_EQ(modal.windowModality(), Qt::ApplicationModal);
@@ -209,7 +209,7 @@ TEST_F(WaitingSpinnerWidgetTest, worksWithoutAParent) {
     EXPECT_TRUE(spinner.isHidden());
 }
 
-TEST_F(WaitingSpinnerWidgetTest, aCloseEventIsIgnored) {
+TEST_F(WaitingSpinnerWidgetTest, closeEventIsIgnored) {
     const auto spinner = make();
     spinner->start();
     EXPECT_FALSE(spinner->close());
@@ -233,7 +233,7 @@ TEST_F(WaitingSpinnerWidgetTest, stopWhileStoppedKeepsTheLeadingBar) {
     ExpectPicture(Picture(*spinner), {10, 10, 3});
 }
 
-TEST_F(WaitingSpinnerWidgetTest, startWhileSpinningGoesOnFromTheSameBar) {
+TEST_F(WaitingSpinnerWidgetTest, startWhileSpinningContinuesFromTheSameBar) {
     const auto spinner = make();
     spinner->start();
     turn(*spinner, 5);
@@ -280,7 +280,7 @@ TEST_F(WaitingSpinnerWidgetTest, everyStepIsPainted) {
     }
 }
 
-TEST_F(WaitingSpinnerWidgetTest, pictureShowsTheTrailBehindEveryLeader) {
+TEST_F(WaitingSpinnerWidgetTest, pictureShowsTheTrailOfEveryLeader) {
     const auto spinner = make();
     for (int leader = 0; leader < kBars; ++leader) {
         SCOPED_TRACE(leader);
@@ -290,7 +290,7 @@ TEST_F(WaitingSpinnerWidgetTest, pictureShowsTheTrailBehindEveryLeader) {
     ExpectPicture(Picture(*spinner), {10, 10, 0});
 }
 
-TEST_F(WaitingSpinnerWidgetTest, pictureOfTheWindowsOwnSize) {
+TEST_F(WaitingSpinnerWidgetTest, pictureHasTheWindowsOwnSize) {
     const auto spinner = make();
     spinner->setInnerRadius(20);
     spinner->setLineLength(20);
@@ -303,7 +303,7 @@ TEST_F(WaitingSpinnerWidgetTest, pictureOfTheWindowsOwnSize) {
     }
 }
 
-TEST_F(WaitingSpinnerWidgetTest, leaderIsOpaqueAndFarBarsAreAtTheFloor) {
+TEST_F(WaitingSpinnerWidgetTest, leaderIsOpaqueAndFarBarsHaveTheMinimumOpacity) {
     const auto spinner = make();
     spinner->setInnerRadius(20);
     spinner->setLineLength(20);
@@ -317,7 +317,7 @@ TEST_F(WaitingSpinnerWidgetTest, leaderIsOpaqueAndFarBarsAreAtTheFloor) {
     EXPECT_EQ(opacityOfBar(0), 8);         // 0.0314 × 255
     EXPECT_NEAR(opacityOfBar(15), 226, 5); // two steps: (1 − 2 × 0.96858 / 17) × 255 = 225.9
     const QImage upright = [&] {
-        turn(*spinner, 8); // bar 5, which stands upright, leads
+        turn(*spinner, 8); // bar 5, which is vertical, leads
         return Picture(*spinner);
     }();
     EXPECT_NEAR(qAlpha(upright.pixel(39, 70)), 255, 5);
@@ -331,14 +331,14 @@ TEST_F(WaitingSpinnerWidgetTest, middleAndCornersAreTransparent) {
         EXPECT_EQ(qAlpha(picture.pixel(place)), 0);
 }
 
-TEST_F(WaitingSpinnerWidgetTest, standsOverTheMiddleOfItsParent) {
+TEST_F(WaitingSpinnerWidgetTest, isCentredOverItsParent) {
     const auto spinner = make();
     spinner->start();
     // 100 + 301 / 2 − 20 = 230.5, cut to 230; 60 + 100 − 20 = 140
     EXPECT_EQ(spinner->pos(), QPoint(parent.x() + 130, parent.y() + 80));
 }
 
-TEST_F(WaitingSpinnerWidgetTest, cutsItsPlaceTowardZero) {
+TEST_F(WaitingSpinnerWidgetTest, truncatesItsPositionTowardZero) {
     const auto spinner = make();
     parent.resize(101, 61);
     parent.move(-200, -150);

@@ -93,7 +93,7 @@ void WindowTest::loadExternal(const std::string& path) {
     operate("Load");
 }
 
-// Operations are open to the operator once a source is; the tests that need none have it their way.
+// The user can choose operations only with an open source; this enables them for tests without one.
 void WindowTest::operate(const std::string& operation) {
     find<QComboBox>("comboBox_operation").setEnabled(true);
     choose("comboBox_operation", operation);

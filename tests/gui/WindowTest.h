@@ -17,15 +17,15 @@
 #include <map>
 #include <memory>
 
-/// The real window in a working folder of its own, driven by mouse and keys.
+/// The real window in a temporary working folder, driven by mouse and keys.
 class WindowTest : public ::testing::Test {
   protected:
     WindowTest();
     ~WindowTest() override;
-    /// The window goes before anything that a test gave it to call.
+    /// Destroys the window before anything that a test gave it to call.
     void TearDown() override;
 
-    /// Makes and shows the window; the size leaves the scroll area room.
+    /// Makes and shows the window, large enough for a usable scroll area.
     void openWindow();
     void closeWindow() { window.reset(); }
 
@@ -38,10 +38,10 @@ class WindowTest : public ::testing::Test {
     }
 
     QMaskWidget& canvas() { return find<QMaskWidget>("label_mask"); }
-    /// The canvas's state, open to the test.
+    /// The canvas's paths.
     const std::vector<TrackPath>& paths() { return canvas().paths(); }
 
-    /// Picks an item with the keyboard, as far as it can be picked.
+    /// Selects an item with the keyboard, if it is enabled.
     void choose(const char* combo, const std::string& item);
     std::vector<std::string> items(const char* combo);
     void click(const char* button);
@@ -61,15 +61,16 @@ class WindowTest : public ::testing::Test {
 
     /// Loads a track by "External" and the file dialog.
     void loadExternal(const std::string& path);
-    /// Chooses an operation whatever the state of the source.
+    /// Chooses an operation in any state of the source.
     void operate(const std::string& operation);
 
     /// Makes a backup whose workspace holds these files (name below "vdk/ContourPath", content).
     void makeBackup(const std::string& backup, const std::map<std::string, std::string>& tracks);
-    /// Opens it with "Load Backup" and the file dialog.
+    /// Opens a backup with "Load Backup" and the file dialog.
     void loadBackup(const std::string& backup);
 
-    /// That exactly one critical "Error" box with an Ok button showed this text, and clears the record.
+    /// Checks that exactly one critical "Error" box with an Ok button showed this text, and clears the
+    /// record.
     void expectErrorBox(const std::string& text);
     void expectNoBox() { EXPECT_TRUE(answers.takeBoxes().empty()); }
 
@@ -79,5 +80,5 @@ class WindowTest : public ::testing::Test {
     std::unique_ptr<MainWindow> window;
 };
 
-/// The folder that the open workspace's tracks lie in.
+/// The folder of the open workspace's tracks.
 inline const std::string kTracks = "./TmpDirOsws/vdk/ContourPath/";

@@ -5,10 +5,10 @@
 
 namespace {
 
-/// The whole job by keys that go to whatever has the focus, as a keyboard's do.
+/// The complete job by keys, which go to the widget with the focus, as a keyboard's do.
 class WithoutMouse : public SourceWorkflows {
   protected:
-    /// What a key goes to. A list that was open is not the active window any more, as on a desktop.
+    /// The widget that receives keys. A list that was open is no longer the active window, as on a desktop.
     QWidget* focused() {
         if (QApplication::activeWindow() != window.get())
             QApplication::setActiveWindow(window.get());
@@ -28,7 +28,7 @@ class WithoutMouse : public SourceWorkflows {
         ASSERT_EQ(focused(), wanted) << control;
     }
 
-    /// Opens the list that has the focus and takes an item of it.
+    /// Opens the list that has the focus and selects one of its items.
     void take(const char* control, const std::string& item) {
         goTo(control);
         choose(control, item);
@@ -41,7 +41,7 @@ class WithoutMouse : public SourceWorkflows {
     }
 };
 
-TEST_F(WithoutMouse, theWholeJobCanBeDone) {
+TEST_F(WithoutMouse, completesTheJob) {
     startServer();
     openWindowAndListen();
     QApplication::setActiveWindow(window.get());
@@ -58,8 +58,8 @@ TEST_F(WithoutMouse, theWholeJobCanBeDone) {
     ASSERT_EQ(status(), "Load successfully.");
     ASSERT_EQ(focused(), &canvas()) << "the next keys edit";
 
-    // The loaded path of three points is closed; its second point leaves the middle, where another path
-    // begins.
+    // The loaded path of three points is closed; its second point moves away from the centre, where another
+    // path begins.
     press(Qt::Key_Return);
     press(Qt::Key_P);
     press(Qt::Key_P);
@@ -74,7 +74,7 @@ TEST_F(WithoutMouse, theWholeJobCanBeDone) {
     ASSERT_EQ(paths().at(1).points.size(), 2U);
     EXPECT_EQ(canvas().document().finishedCount(), 2);
 
-    // A point of the first path goes, and its only segment gets one in its middle.
+    // A point of the first path is removed, and its only segment gets one in its middle.
     press(Qt::Key_Escape);
     press(Qt::Key_P);
     press(Qt::Key_P);
@@ -84,7 +84,7 @@ TEST_F(WithoutMouse, theWholeJobCanBeDone) {
     ASSERT_EQ(paths().at(0).points.size(), 3U);
     EXPECT_EQ(paths()[0].points[1], (paths()[0].points[0] + paths()[0].points[2]) / 2);
 
-    // Parameters of the second path's segment, a look at another scale, one step back and forth.
+    // Parameters of the second path's segment, another scale, one undo and one redo.
     press(Qt::Key_N);
     press(Qt::Key_N);
     EXPECT_EQ(find<QSpinBox>("spinBox_pathId").value(), 2);

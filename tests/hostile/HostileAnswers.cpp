@@ -2,7 +2,7 @@
 
 namespace {
 
-/// A well-formed answer with one member in place of its own.
+/// A well-formed answer with one member replaced.
 std::string With(const std::string& member, const std::string& value) {
     const auto field = [&](const std::string& name, const std::string& own) {
         return "\"" + name + "\":" + (name == member ? value : own);
@@ -19,7 +19,7 @@ std::string Nested(std::size_t depth) {
 } // namespace
 
 std::vector<HostileAnswer> HostileAnswers() {
-    constexpr std::size_t kLargest = 65'507;
+    constexpr std::size_t kMaxDatagramSize = 65'507;
     std::string random;
     for (unsigned i = 0, state = 1; i < 1000; ++i, state = state * 1664525U + 1013904223U)
         random += static_cast<char>(state >> 24U);
@@ -29,8 +29,8 @@ std::vector<HostileAnswer> HostileAnswers() {
         {"one-byte", "{"},
         {"zeros", std::string(100, '\0')},
         {"random-bytes", random},
-        {"the-largest-datagram", std::string(kLargest, '{')},
-        {"the-largest-datagram-of-blanks", std::string(kLargest, ' ')},
+        {"the-largest-datagram", std::string(kMaxDatagramSize, '{')},
+        {"the-largest-datagram-of-blanks", std::string(kMaxDatagramSize, ' ')},
         {"list", "[" + good + "]"},
         {"number", "1"},
         {"text", "\"x\""},
@@ -69,7 +69,7 @@ std::vector<HostileAnswer> HostileAnswers() {
         {"address-beyond-255", With("Address", "\"127.0.0.256\"")},
         {"address-negative", With("Address", "\"127.0.0.-1\"")},
         {"address-with-blanks", With("Address", "\" 127.0.0.1\"")},
-        {"address-with-something-behind", With("Address", "\"127.0.0.1x\"")},
+        {"address-with-a-suffix", With("Address", "\"127.0.0.1x\"")},
         {"address-with-a-zero-byte", With("Address", "\"127.0.0.1\\u0000x\"")},
         {"address-of-letters", With("Address", "\"localhost\"")},
         {"address-of-another-family", With("Address", "\"::1\"")},

@@ -9,12 +9,12 @@
 struct HostileArchive {
     std::string name;
     std::string content;
-    /// The message of the failure, the target standing as "@"; empty when unpacking ends well.
+    /// The message of the failure, with "@" for the target; empty when unpacking succeeds.
     std::string message;
-    /// What stands in the target afterwards; folders end in "/".
+    /// The content of the target afterwards; folders end in "/".
     std::map<std::string, std::string> leaves;
-    /// Whether it ends as an archive must; the server restores no other.
-    bool whole = true;
+    /// Whether it is a complete archive; the server restores no other.
+    bool complete = true;
 };
 
 std::vector<HostileArchive> HostileArchives();

@@ -20,12 +20,12 @@ std::string Read(const std::string& name) {
     return "Failed to read item - " + name;
 }
 
-/// The file that stands before each defect: it is kept.
+/// The file before each defect: it is kept.
 std::string First() {
     return TarFile("first", "1");
 }
 
-/// The file that stands behind a defect that is passed over.
+/// The file after a defect that is skipped.
 std::string Last() {
     return TarFile("last", "2") + TarEnd();
 }
@@ -33,18 +33,18 @@ std::string Last() {
 const Leaves kFirst = {{"first", "1"}};
 const Leaves kBoth = {{"first", "1"}, {"last", "2"}};
 
-/// Refused with a message; what stood before stays.
+/// Refused with a message; the entries before it are kept.
 HostileArchive Refused(const std::string& name, const std::string& entries, const std::string& message) {
     return {name, First() + entries + Last(), message, kFirst, false};
 }
 
-/// Without the entry, or the part of it, that is passed over.
+/// Unpacked without the skipped entry or part of an entry.
 HostileArchive Unpacked(const std::string& name, const std::string& entries, Leaves more = {}) {
     more.insert(kBoth.begin(), kBoth.end());
     return {name, First() + entries + Last(), "", more, true};
 }
 
-/// Ends quietly where the damage is, and is not whole.
+/// Ends silently at the damage and is not complete.
 HostileArchive Damaged(const std::string& name, const std::string& rest) {
     return {name, First() + rest, "", kFirst, false};
 }
@@ -69,7 +69,7 @@ std::string Sized(const std::string& name, long long size) {
     return TarBlocks(entry);
 }
 
-/// The old GNU form: one piece of data in a file of a length that the header tells.
+/// The old GNU form: one piece of data in a file whose length is in the header.
 std::string OldSparse(const std::string& realSizeOctal) {
     TarBlockEntry entry;
     entry.name = "hole";
@@ -86,7 +86,7 @@ std::string OldSparse(const std::string& realSizeOctal) {
     return WithTarChecksum(blocks);
 }
 
-/// The pax form 1.0: the map of the pieces leads the data.
+/// The pax form 1.0: the map of the pieces precedes the data.
 std::string PaxSparse(const std::string& name, const std::string& realSize, const std::string& map) {
     std::string data = map;
     data.resize((data.size() + kBlock - 1) / kBlock * kBlock, '\0');
@@ -121,7 +121,7 @@ void AddWaysOut(std::vector<HostileArchive>& archives) {
     file("absolute-name-with-two-slashes", "//evil");
     file("absolute-name-of-a-working-file", "/tmp/temp.trk");
     file("one-level-up", "../evil");
-    file("one-level-up-behind-a-dot", "./../evil");
+    file("one-level-up-after-a-dot", "./../evil");
     file("two-levels-up-from-a-folder", "a/../../evil");
     file("up-at-the-end", "a/..");
     file("up-alone", "..");
@@ -175,7 +175,7 @@ void AddLinks(std::vector<HostileArchive>& archives) {
     archives.push_back(Unpacked("hard-link-out", TarLink("l", '1', "../canary")));
     archives.push_back(Unpacked("hard-link-to-an-absolute-place", TarLink("l", '1', "/etc/passwd")));
     archives.push_back(Unpacked("hard-link-inside", TarLink("l", '1', "first"), {{"l", "1"}}));
-    // The link is passed over, so that what lies behind it lies in a folder of that name.
+    // The link is skipped, so the entry below it goes into a folder of that name.
     archives.push_back(Unpacked("file-through-a-link", TarLink("l", '2', "..") + TarFile("l/evil", "x"),
                                 {{"l/", ""}, {"l/evil", "x"}}));
     archives.push_back(Unpacked("folder-in-place-of-a-link",
@@ -282,12 +282,12 @@ void AddDamage(std::vector<HostileArchive>& archives) {
     archives.push_back({"text", std::string(2000, 't'), "", {}, false});
     archives.push_back({"zeros-alone", TarEnd(), "", {}, true});
     archives.push_back({"one-block-of-zeros", std::string(kBlock, '\0'), "", {}, false});
-    TarBlockEntry spoilt;
-    spoilt.name = "s";
-    spoilt.content = "x";
-    spoilt.spoiltChecksum = true;
-    archives.push_back({"first-checksum-wrong", TarBlocks(spoilt) + Last(), "", {}, false});
-    archives.push_back(Damaged("checksum-wrong", TarBlocks(spoilt) + Last()));
+    TarBlockEntry damaged;
+    damaged.name = "s";
+    damaged.content = "x";
+    damaged.wrongChecksum = true;
+    archives.push_back({"first-checksum-wrong", TarBlocks(damaged) + Last(), "", {}, false});
+    archives.push_back(Damaged("checksum-wrong", TarBlocks(damaged) + Last()));
     archives.push_back(Damaged("garbage-between-entries", std::string(kBlock, 'g') + Last()));
     archives.push_back(Damaged("no-end-mark", ""));
     archives.push_back(Damaged("half-an-end-mark", std::string(kBlock, '\0')));
@@ -298,7 +298,7 @@ void AddDamage(std::vector<HostileArchive>& archives) {
     archives.push_back(
         Damaged("long-name-cut", TarGnuLongName(std::string(300, 'n')).substr(0, kBlock + 100)));
     archives.push_back(Damaged("long-name-without-an-entry", TarGnuLongName("name")));
-    archives.push_back(Damaged("long-name-that-lies-about-its-size", [] {
+    archives.push_back(Damaged("long-name-with-a-false-size", [] {
         TarBlockEntry entry;
         entry.name = "././@LongLink";
         entry.type = 'L';

@@ -37,7 +37,7 @@ bool UnpacksStrictly(const std::string& archive) {
     }
 }
 
-/// The message with the target in its place.
+/// The message with the target's path for "@".
 std::string Expected(std::string message) {
     const std::size_t at = message.find("@/");
     return at == std::string::npos ? message : message.replace(at, 1, kTarget);
@@ -63,12 +63,12 @@ void ExpectOrdinary(const std::string& folder) {
     }
 }
 
-TEST(HostileArchives, stayInTheirTargetAndLeaveWhatTheirDefectAllows) {
+TEST(HostileArchives, unpackOnlyInsideTheTargetUpToTheirDefect) {
     const TemporaryFolder folder;
     const LogCapture log;
-    fs::create_directories("stage/beside");
-    for (const char* const canary : {"canary", "evil", "stage/canary", "stage/evil", "stage/beside/canary"})
-        WriteFile(canary, "alive");
+    fs::create_directories("stage/sibling");
+    for (const char* const canary : {"canary", "evil", "stage/canary", "stage/evil", "stage/sibling/canary"})
+        WriteFile(canary, "intact");
     const auto outside = Outside();
     for (const HostileArchive& archive : HostileArchives()) {
         SCOPED_TRACE(archive.name);
@@ -76,7 +76,7 @@ TEST(HostileArchives, stayInTheirTargetAndLeaveWhatTheirDefectAllows) {
         EXPECT_EQ(Unpacking("in.tar"), Expected(archive.message));
         EXPECT_EQ(FolderTree(kTarget), archive.leaves);
         ExpectOrdinary(kTarget);
-        EXPECT_EQ(UnpacksStrictly("in.tar"), archive.whole);
+        EXPECT_EQ(UnpacksStrictly("in.tar"), archive.complete);
         EXPECT_EQ(Outside(), outside);
     }
 }

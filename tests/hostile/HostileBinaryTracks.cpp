@@ -16,7 +16,7 @@ const std::string kPathFailed = "[ReadPathFromBin] (EXCEPTION) ";
 const std::string kNoRange = "Invalid depth range for pixel retrieval from CSV";
 const std::string kNoTextMap = "No height map data";
 
-// Where fields stand in the file.
+// Offsets of the fields in the file.
 constexpr std::size_t kVersion = 8;
 constexpr std::size_t kZResolution = 28;
 constexpr std::size_t kZOffset = 52;
@@ -30,7 +30,7 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
 
 /// 3 x 2 cells, an anchor, one ruler and a path of two points.
-Track Whole() {
+Track CompleteTrack() {
     Track track;
     track.zResolution = 0.5;
     track.zOffset = -5;
@@ -43,14 +43,14 @@ Track Whole() {
     return track;
 }
 
-std::string AtomicFile() {
-    return independent::BinaryFile(Whole());
+std::string CompleteFile() {
+    return independent::BinaryFile(CompleteTrack());
 }
 
-/// The whole file with the bytes of a number at one place.
+/// The complete file with the bytes of a number at one place.
 template<typename Number>
 std::string With(std::size_t place, Number number) {
-    std::string file = AtomicFile();
+    std::string file = CompleteFile();
     std::memcpy(file.data() + place, &number, sizeof number);
     return file;
 }
@@ -86,11 +86,11 @@ HostileTrack NoPaths(const std::string& name, const std::string& content) {
 }
 
 void AddCutHeaders(std::vector<HostileTrack>& tracks) {
-    const std::string whole = AtomicFile();
+    const std::string complete = CompleteFile();
     for (std::size_t size = 0; size < kHeaderSize; size += 4) {
-        HostileTrack track = NoInfo("header-cut-at-byte-" + std::to_string(size), whole.substr(0, size),
+        HostileTrack track = NoInfo("header-cut-at-byte-" + std::to_string(size), complete.substr(0, size),
                                     kInfoFailed, kPathFailed);
-        if (size == 0) { // nothing is left that tells a binary file
+        if (size == 0) { // nothing is left to identify a binary file
             track.info = Outcome::Fails(kNoTextMap);
             track.map = Outcome::Unasked();
             track.paths = Outcome::FailsSilently();
@@ -102,8 +102,8 @@ void AddCutHeaders(std::vector<HostileTrack>& tracks) {
 }
 
 void AddCutBlocks(std::vector<HostileTrack>& tracks) {
-    const std::string whole = AtomicFile();
-    const auto cut = [&](std::size_t size) { return whole.substr(0, size); };
+    const std::string complete = CompleteFile();
+    const auto cut = [&](std::size_t size) { return complete.substr(0, size); };
     tracks.push_back(NoInfo("no-map", cut(kHeaderSize), kInfoFailed, kPathFailed));
     tracks.push_back(NoInfo("map-cut-in-the-first-row", cut(kHeaderSize + 3), kInfoFailed, kPathFailed));
     tracks.push_back(NoInfo("map-cut-between-rows", cut(kHeaderSize + 6), kInfoFailed, kPathFailed));
@@ -127,15 +127,15 @@ void AddCutBlocks(std::vector<HostileTrack>& tracks) {
 }
 
 void AddMagics(std::vector<HostileTrack>& tracks) {
-    const auto magic = [](const std::string& bytes) { return bytes + AtomicFile().substr(bytes.size()); };
+    const auto magic = [](const std::string& bytes) { return bytes + CompleteFile().substr(bytes.size()); };
     tracks.push_back(Loads("magic-in-the-middle", magic("xxTracxx")));
     tracks.push_back(Loads("magic-without-its-zero", magic("Track   ")));
-    // The word stands in the first line, but not in the first eight bytes.
-    tracks.push_back(NoInfo("magic-behind-its-place", magic("xxxxxxTrac"), kNotFound, kNotFound));
+    // The word is in the first line, but not in the first eight bytes.
+    tracks.push_back(NoInfo("magic-after-its-place", magic("xxxxxxTrac"), kNotFound, kNotFound));
     HostileTrack track = NoInfo("magic-in-lower-case", magic("track  "), kNoTextMap, "");
     track.map = Outcome::Unasked();
     tracks.push_back(track);
-    track.name = "magic-behind-a-line-feed";
+    track.name = "magic-after-a-line-feed";
     track.content = magic("\nTrack ");
     tracks.push_back(track);
     track.name = "magic-of-three-letters";
@@ -153,18 +153,18 @@ void AddSizes(std::vector<HostileTrack>& tracks) {
         std::int32_t width;
         std::int32_t height;
     };
-    constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
-    constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
+    constexpr std::int32_t kMaxInt32 = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int32_t kMinInt32 = std::numeric_limits<std::int32_t>::min();
     for (const Size& size :
          {Size{"negative-width", -1, 2}, Size{"negative-height", 3, -1}, Size{"both-negative", -3, -2},
-          Size{"the-least-sizes", kLeast, kLeast}, Size{"the-largest-sizes", kMost, kMost},
-          Size{"the-largest-width", kMost, 1}, Size{"the-largest-height", 1, kMost},
+          Size{"the-smallest-sizes", kMinInt32, kMinInt32}, Size{"the-largest-sizes", kMaxInt32, kMaxInt32},
+          Size{"the-largest-width", kMaxInt32, 1}, Size{"the-largest-height", 1, kMaxInt32},
           Size{"product-of-32-bits-is-0", 65536, 65536}, Size{"product-of-32-bits-is-8", 715827884, 6},
           Size{"bytes-of-32-bits-are-0", 65536, 32768}, Size{"a-row-too-many", 3, 200},
           Size{"a-column-too-many", 200, 2}, Size{"gigabytes", 40000, 40000}})
         tracks.push_back(NoInfo(size.name, WithSize(size.width, size.height), kInfoFailed, kPathFailed));
-    // Without cells there is no picture, and the cells of the file are where a block should stand.
-    const std::string noCells = AtomicFile().erase(kHeaderSize, kCells);
+    // Without cells there is no picture, and the cells of the file are where a block should be.
+    const std::string noCells = CompleteFile().erase(kHeaderSize, kCells);
     const auto empty = [&](std::int32_t width, std::int32_t height) {
         std::string file = noCells;
         std::memcpy(file.data() + kWidth, &width, sizeof width);
@@ -174,11 +174,11 @@ void AddSizes(std::vector<HostileTrack>& tracks) {
     tracks.push_back(NoImage("no-columns", empty(0, 2), kNoRange));
     tracks.push_back(NoImage("no-rows", empty(3, 0), kNoRange));
     tracks.push_back(NoImage("no-cells", empty(0, 0), kNoRange));
-    tracks.push_back(NoImage("no-columns-and-the-most-rows", empty(0, kMost), kNoRange));
+    tracks.push_back(NoImage("no-columns-and-the-largest-height", empty(0, kMaxInt32), kNoRange));
 }
 
 void AddHeights(std::vector<HostileTrack>& tracks) {
-    Track track = Whole();
+    Track track = CompleteTrack();
     track.cells.assign(6, 7);
     tracks.push_back(NoImage("every-cell-equal", independent::BinaryFile(track), kNoRange));
     track.cells.assign(6, independent::kNoMeasurement);
@@ -197,9 +197,10 @@ void AddHeights(std::vector<HostileTrack>& tracks) {
 }
 
 void AddRecords(std::vector<HostileTrack>& tracks) {
-    const std::string head = independent::BinaryHead(Whole()) + independent::BinaryAnchor(Whole());
-    const std::string rulers = independent::BinaryRulers(Whole());
-    const std::string segments = independent::BinarySegments(Whole());
+    const std::string head =
+        independent::BinaryHead(CompleteTrack()) + independent::BinaryAnchor(CompleteTrack());
+    const std::string rulers = independent::BinaryRulers(CompleteTrack());
+    const std::string segments = independent::BinarySegments(CompleteTrack());
     const std::string records = segments.substr(8);
     const auto segmentCount = [&](std::int32_t count) {
         return head + rulers + Number(83) + Number(count) + records;
@@ -212,37 +213,38 @@ void AddRecords(std::vector<HostileTrack>& tracks) {
     for (const std::int32_t count : {1000, 2147483647, -1, -2147483647 - 1, 38347923})
         tracks.push_back(NoPaths("ruler-count-" + std::to_string(count), rulerCount(count)));
     tracks.push_back(Loads("fewer-segments-counted", segmentCount(1)));
-    // What follows the records is no tag that has a meaning: there are no paths.
+    // The records are followed by an unknown tag: there are no paths.
     tracks.push_back(Loads("ruler-count-0-before-a-ruler", rulerCount(0)));
     tracks.push_back(Loads("segments-before-rulers", head + segments + rulers));
     tracks.push_back(
-        Loads("segments-without-anchor-and-rulers", independent::BinaryHead(Whole()) + segments));
+        Loads("segments-without-anchor-and-rulers", independent::BinaryHead(CompleteTrack()) + segments));
     tracks.push_back(Loads("rulers-twice", head + rulers + rulers + segments));
     tracks.push_back(Loads("segments-twice", head + rulers + segments + segments));
-    tracks.push_back(Loads("anchor-twice", head + independent::BinaryAnchor(Whole()) + rulers + segments));
+    tracks.push_back(
+        Loads("anchor-twice", head + independent::BinaryAnchor(CompleteTrack()) + rulers + segments));
     tracks.push_back(Loads("unknown-tag", head + Number('Z') + segments));
     tracks.push_back(Loads("tags-of-the-other-byte-order", head + Number(0x52000000) + segments));
-    tracks.push_back(Loads("a-megabyte-behind-the-blocks", AtomicFile() + std::string(1 << 20, 'x')));
-    Track track = Whole();
+    tracks.push_back(Loads("a-megabyte-after-the-blocks", CompleteFile() + std::string(1 << 20, 'x')));
+    Track track = CompleteTrack();
     for (const std::int32_t first : {1, -1, 2147483647}) {
         track.segments[0].path = first;
         tracks.push_back(
             NoPaths("first-point-in-path-" + std::to_string(first), independent::BinaryFile(track)));
     }
-    track = Whole();
+    track = CompleteTrack();
     track.segments[1].path = 5;
     tracks.push_back(Loads("path-numbers-with-a-gap", independent::BinaryFile(track)));
-    track = Whole();
+    track = CompleteTrack();
     track.segments[0].relativeX = kNoNumber;
     track.segments[1].relativeY = -kInfinity;
     tracks.push_back(Loads("points-that-are-no-numbers", independent::BinaryFile(track)));
     track.segments[0].relativeX = 1e308;
     track.segments[1].relativeY = -1e308;
     tracks.push_back(Loads("points-far-away", independent::BinaryFile(track)));
-    track = Whole();
+    track = CompleteTrack();
     for (auto& segment : track.segments)
         segment.method = segment.length = segment.width = segment.space = -2147483647 - 1;
-    tracks.push_back(Loads("the-least-parameters", independent::BinaryFile(track)));
+    tracks.push_back(Loads("the-smallest-parameters", independent::BinaryFile(track)));
     for (auto& segment : track.segments)
         segment.method = segment.length = segment.width = segment.space = 2147483647;
     tracks.push_back(Loads("the-largest-parameters", independent::BinaryFile(track)));

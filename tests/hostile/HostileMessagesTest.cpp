@@ -19,7 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// What a backup from the client says; empty when it succeeds.
+/// The message of the client's failed backup; empty when it succeeds.
 std::string Backup(OstraSdkClient& client) {
     try {
         client.Backup("backup.osbak");
@@ -29,7 +29,7 @@ std::string Backup(OstraSdkClient& client) {
     }
 }
 
-TEST(HostileReplies, areRefusedAndTheNextOneIsTaken) {
+TEST(HostileReplies, areRefusedAndTheNextOneIsAccepted) {
     const TemporaryFolder folder;
     std::string bytes;
     ScriptedServer server([&bytes](const ScriptedRequest& request) {
@@ -47,9 +47,9 @@ TEST(HostileReplies, areRefusedAndTheNextOneIsTaken) {
         EXPECT_EQ(Backup(client), "-998 Failed to call the Backup request.");
         EXPECT_FALSE(fs::exists("backup.osbak"));
     }
-    bytes = DataReply("whole").bytes;
+    bytes = DataReply("complete").bytes;
     EXPECT_EQ(Backup(client), "");
-    EXPECT_EQ(FileContent("backup.osbak"), "whole");
+    EXPECT_EQ(FileContent("backup.osbak"), "complete");
 }
 
 std::map<std::string, std::string> Files(const std::string& folder) {
@@ -63,7 +63,7 @@ TEST(HostileRequests, areRefusedAndChangeNothing) {
     const TemporaryFolder folder;
     fs::create_directories("served/space/vdk/ContourPath");
     WriteFile("served/space/vdk/ContourPath/a.trk", "a track");
-    WriteFile("served/canary", "alive");
+    WriteFile("served/canary", "intact");
     const OstraServerProcess server(folder.Path("served/space"));
     const auto files = Files("served");
     for (const HostileRequest& request : HostileRequests()) {
@@ -79,7 +79,7 @@ TEST(HostileRequests, areRefusedAndChangeNothing) {
     EXPECT_EQ(RawHttp::Request(server.ControlPort(), "GET", "/replay/playback").body, "{\"enabled\":false}");
 }
 
-// An HTTP parser that asserts too much about how the last chunk arrives would end the program.
+// An HTTP parser with wrong assertions about the arrival of the last chunk would end the program.
 const std::string kEmptyChunks =
     "Content-Type: application/json\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n\r\n";
 constexpr std::chrono::milliseconds kBetweenBytes(3);

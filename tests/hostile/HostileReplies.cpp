@@ -11,7 +11,7 @@ std::string Reply(const std::string& type, const std::string& body, const std::s
            "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
 }
 
-/// A reply whose fields are all given.
+/// A reply with all its header fields given.
 std::string Raw(const std::string& fields, const std::string& body) {
     return "HTTP/1.1 200 OK\r\nContent-Type: application/cbor\r\n" + fields + "\r\n" + body;
 }
@@ -23,13 +23,13 @@ std::string Data(const std::string& value) {
            value;
 }
 
-void AddHeads(std::vector<HostileReply>& replies) {
+void AddHeaders(std::vector<HostileReply>& replies) {
     const std::string good = Data("\x43xyz");
     replies.push_back({"nothing", ""});
     replies.push_back({"one-byte", "H"});
     replies.push_back({"garbage", std::string(1000, '\xff')});
     replies.push_back({"zeros", std::string(1000, '\0')});
-    replies.push_back({"head-cut", "HTTP/1.1 200 OK\r\nContent-Le"});
+    replies.push_back({"header-cut", "HTTP/1.1 200 OK\r\nContent-Le"});
     replies.push_back({"another-protocol", "SSH-2.0-server\r\n"});
     replies.push_back({"another-version", "HTTP/9.9 200 OK\r\nContent-Length: 2\r\n\r\n{}"});
     replies.push_back({"status-of-two-digits", "HTTP/1.1 20 OK\r\nContent-Length: 2\r\n\r\n{}"});
@@ -37,8 +37,8 @@ void AddHeads(std::vector<HostileReply>& replies) {
     for (const char* const status :
          {"201 Created", "301 Moved", "400 Bad", "404 Not Found", "500 Broken", "503 Busy", "999 Odd"})
         replies.push_back({"status-" + std::string(status).substr(0, 3), Reply(kCbor, good, status)});
-    replies.push_back({"head-of-a-megabyte", "HTTP/1.1 200 OK\r\nX: " + std::string(1 << 20, 'x') +
-                                                 "\r\nContent-Length: 2\r\n\r\n{}"});
+    replies.push_back({"header-of-a-megabyte", "HTTP/1.1 200 OK\r\nX: " + std::string(1 << 20, 'x') +
+                                                   "\r\nContent-Length: 2\r\n\r\n{}"});
     replies.push_back({"field-without-a-colon", "HTTP/1.1 200 OK\r\nnonsense\r\n\r\n"});
     replies.push_back(
         {"zero-byte-in-a-field", "HTTP/1.1 200 OK\r\nX: a" + std::string(1, '\0') + "\r\n\r\n"});
@@ -123,7 +123,7 @@ void AddBinaries(std::vector<HostileReply>& replies) {
     cbor("break-alone", "\xff");
     cbor("tagged-bytes", Data("\xc0\x43xyz"));
     cbor("reserved-length", Data("\x5c"));
-    cbor("something-behind", Data("\x43xyz") + std::string(1, '\0'));
+    cbor("bytes-after-the-value", Data("\x43xyz") + std::string(1, '\0'));
     cbor("nested-100000-deep", Data(std::string(100'000, '\x81')));
     cbor("key-that-is-no-utf-8", "\xa1\x64\xff\xfe\xfd\xfc\x43xyz");
     cbor("integer-beyond-63-bits", "\xa1\x61x\x1b" + std::string(8, '\xff'));
@@ -140,7 +140,7 @@ void AddBinaries(std::vector<HostileReply>& replies) {
 
 std::vector<HostileReply> HostileReplies() {
     std::vector<HostileReply> replies;
-    AddHeads(replies);
+    AddHeaders(replies);
     AddTexts(replies);
     AddBinaries(replies);
     return replies;

@@ -41,7 +41,7 @@ std::string RestoreOf(const std::string& archive) {
                    Bytes(archive));
 }
 
-/// What follows the information in a backup.
+/// The part of a backup after the information.
 std::string Wrapped(const std::string& workspace) {
     return TarFolder("workspaces") + TarFile("workspaces/Workspace.osws", workspace) + TarEnd();
 }
@@ -54,7 +54,7 @@ std::string Tracks() {
     return TarFolder("vdk") + TarFolder("vdk/ContourPath");
 }
 
-void AddHeads(std::vector<HostileRequest>& requests) {
+void AddHeaders(std::vector<HostileRequest>& requests) {
     requests.push_back({"garbage", std::string(100, '\xff') + "\r\n\r\n", 400});
     requests.push_back({"zeros", std::string(100, '\0') + "\r\n\r\n", 400});
     requests.push_back({"no-version", "GET /system/info\r\n\r\n", 400});
@@ -62,15 +62,15 @@ void AddHeads(std::vector<HostileRequest>& requests) {
     requests.push_back({"another-version", "GET /system/info HTTP/3.0\r\n\r\n", 400});
     requests.push_back({"blank-path", "GET  HTTP/1.1\r\n\r\n", 400});
     requests.push_back({"control-character-in-the-path", "GET /a\x01 HTTP/1.1\r\n\r\n", 400});
-    requests.push_back({"head-cut", "GET /system/info HTTP/1.1\r\nHost", 400});
-    requests.push_back({"head-of-a-megabyte",
+    requests.push_back({"header-cut", "GET /system/info HTTP/1.1\r\nHost", 400});
+    requests.push_back({"header-of-a-megabyte",
                         "GET /system/info HTTP/1.1\r\nX: " + std::string(1 << 20, 'x') + "\r\n\r\n", 400});
     requests.push_back({"field-without-a-colon", "GET /system/info HTTP/1.1\r\nnonsense\r\n\r\n", 400});
     requests.push_back({"path-with-dots", Request("GET", "/system/../replay/playback", ""), 404});
     requests.push_back({"path-to-a-file", Request("GET", "/etc/passwd", ""), 404});
     requests.push_back({"path-with-a-slash-at-its-end", Request("GET", "/system/info/", ""), 404});
     requests.push_back({"path-with-a-question", Request("GET", "/system/info?x=1", ""), 404});
-    requests.push_back({"path-of-a-whole-address", Request("GET", "http://x/system/info", ""), 404});
+    requests.push_back({"path-of-an-absolute-address", Request("GET", "http://x/system/info", ""), 404});
     requests.push_back({"path-of-7000-letters", Request("GET", "/" + std::string(7000, 'p'), ""), 404});
     requests.push_back({"verb-that-does-not-fit", Request("GET", kArchive, ""), 405});
     requests.push_back({"verb-delete", Request("DELETE", kReplay, ""), 405});
@@ -139,7 +139,7 @@ void AddBinaries(std::vector<HostileRequest>& requests) {
     restore("with-a-map-of-all-ones", "\xbb" + std::string(8, '\xff'));
     restore("with-a-list-of-all-ones", "\xa1\x61x\x9b" + std::string(8, '\xff'));
     restore("with-a-key-that-is-a-number", "\xa1\x01\x02");
-    restore("with-something-behind", "\xa2" + kCborContents + data + Bytes("x") + "z");
+    restore("with-bytes-after-the-value", "\xa2" + kCborContents + data + Bytes("x") + "z");
     restore("nested-100000-deep", "\xa1\x61x" + std::string(100'000, '\x81'));
     restore("of-nested-tags", "\xa1\x61x" + std::string(1000, '\xc1') + "\x01");
 }
@@ -177,17 +177,17 @@ void AddArchives(std::vector<HostileRequest>& requests) {
     workspace("with-a-file-in-place-of-the-tracks",
               TarFolder("vdk") + TarFile("vdk/ContourPath", "x") + TarEnd());
     workspace("cut", (Tracks() + TarFile("vdk/ContourPath/a.trk", std::string(2000, 'x'))).substr(0, 2600));
-    TarBlockEntry lie;
-    lie.name = "big";
-    lie.size = 1LL << 40;
-    workspace("with-a-file-of-a-terabyte", Tracks() + TarBlocks(lie) + TarEnd());
+    TarBlockEntry large;
+    large.name = "big";
+    large.size = 1LL << 40;
+    workspace("with-a-file-of-a-terabyte", Tracks() + TarBlocks(large) + TarEnd());
 }
 
 } // namespace
 
 std::vector<HostileRequest> HostileRequests() {
     std::vector<HostileRequest> requests;
-    AddHeads(requests);
+    AddHeaders(requests);
     AddTexts(requests);
     AddBinaries(requests);
     AddArchives(requests);

@@ -13,7 +13,7 @@ const std::string kNoRange = "Invalid depth range for pixel retrieval from CSV";
 const std::string kEmptyLine = "Invalid image conversion row (empty)";
 const std::string kEmptyInfo = "Cannot retrieve height map info from empty item vector";
 
-/// A whole text track of 3 x 2 cells and one path of two points; every line is there once.
+/// A complete text track of 3 x 2 cells and one path of two points; every line is unique.
 const std::string kTrack = "Info\n"
                            "XResolution,YResolution,ZResolution,XOffset,YOffset,ZOffset,Width,Height\n"
                            "0.1,0.1,0.01,0,0,-5,3,2\n"
@@ -34,7 +34,7 @@ const std::string kTrack = "Info\n"
 const std::string kInfoLine = "0.1,0.1,0.01,0,0,-5,3,2";
 const std::string kFirstPoint = "0,0,12.5,3.2,0.25,0.4,1,100,50,100";
 
-/// The whole track with one place changed.
+/// The complete track with one place changed.
 std::string With(std::string_view place, const std::string& change) {
     std::string track = kTrack;
     const std::size_t at = track.find(place);
@@ -69,7 +69,7 @@ HostileTrack Loads(const std::string& name, const std::string& content) {
     return {name, content, Outcome::Good(), Outcome::Good(), Outcome::Good(), Outcome::Good()};
 }
 
-/// The information cannot be read; the paths, which need none, are as `paths` says.
+/// The information cannot be read; the paths, which do not need it, have the outcome `paths`.
 HostileTrack NoInfo(const std::string& name, const std::string& content, const std::string& line,
                     const Outcome& paths = Outcome::Good()) {
     return {name, content, Outcome::Fails(line), Outcome::Unasked(), Outcome::Unasked(), paths};
@@ -84,7 +84,7 @@ HostileTrack NoPaths(const std::string& name, const std::string& content, const 
     return {name, content, Outcome::Good(), Outcome::Good(), Outcome::Good(), paths};
 }
 
-/// Cut behind each of its lines, from none to all but the last.
+/// Cut after each of its lines, from none to all but the last.
 void AddCutTracks(std::vector<HostileTrack>& tracks) {
     constexpr std::size_t kLines = 16;
     for (std::size_t lines = 0; lines < kLines; ++lines) {
@@ -174,7 +174,7 @@ void AddInfos(std::vector<HostileTrack>& tracks) {
         tracks.push_back(NoInfo(std::string("width-") + width,
                                 WithInfo("0.1,0.1,0.01,0,0,-5," + std::string(width) + ",2"),
                                 "Invalid item count=4 for column world positions"));
-    // The C library reads it by way of a 64-bit number whose upper half is lost.
+    // The C library reads it as a 64-bit number and drops the upper half.
     tracks.push_back(Loads("width-4294967299", WithInfo("0.1,0.1,0.01,0,0,-5,4294967299,2")));
     tracks.push_back(NoInfo("height-0", WithInfo("0.1,0.1,0.01,0,0,-5,3,0"), "Invalid row=0 "));
     tracks.push_back(NoInfo("height-1", WithInfo("0.1,0.1,0.01,0,0,-5,3,1"), "Invalid row=1 "));
@@ -233,9 +233,9 @@ void AddMaps(std::vector<HostileTrack>& tracks) {
     tracks.push_back(Loads("a-hexadecimal-cell", With("1.27", "0x1p4")));
     tracks.push_back(Loads("a-cell-with-a-decimal-comma", With("1.25,,1.30", "1,25")));
     tracks.push_back(Loads("cells-of-blanks", With("1.27,1.29,1.31", " ,\t, ")));
-    tracks.push_back(NoInfo("another-width-behind-the-map", kTrack + "Info\nh\n0.1,0.1,0.01,0,0,-5,4,2\n",
+    tracks.push_back(NoInfo("another-width-after-the-map", kTrack + "Info\nh\n0.1,0.1,0.01,0,0,-5,4,2\n",
                             "Invalid item count=4 for column world positions"));
-    tracks.push_back(NoInfo("another-height-behind-the-map", kTrack + "Info\nh\n0.1,0.1,0.01,0,0,-5,3,3\n",
+    tracks.push_back(NoInfo("another-height-after-the-map", kTrack + "Info\nh\n0.1,0.1,0.01,0,0,-5,3,3\n",
                             "Invalid item count=4 for column world positions"));
     tracks.push_back(NoInfo("a-second-map-of-another-size", kTrack + "YX,1,2\n1,1,1\nEnd\n",
                             "Invalid item count=3 for column world positions"));

@@ -3,23 +3,23 @@
 #include <string>
 #include <vector>
 
-/// What one operation does with a hostile file: its result, and how its ERROR line begins.
+/// The outcome of one operation on a hostile file: its result, and the start of its ERROR line.
 struct Outcome {
     int result = 0;
     std::string line; ///< empty: there is no ERROR line
     bool asked = true;
 
-    /// The operation succeeds without a word.
+    /// The operation succeeds without an ERROR line.
     static Outcome Good() { return {}; }
-    /// The operation fails and says why.
+    /// The operation fails with an ERROR line.
     static Outcome Fails(const std::string& line) { return {1, line}; }
-    /// The operation fails without a line of its own.
+    /// The operation fails without an ERROR line.
     static Outcome FailsSilently() { return {1, ""}; }
-    /// Nobody asks any more: an operation before it has failed. Whatever it answers, it must answer.
+    /// The operation is not needed: an earlier one has failed. It must return with any result.
     static Outcome Unasked() { return {0, "", false}; }
 };
 
-/// A track file with one defect, named after it, and what must happen when it is read. The window shows what
+/// A track file with one defect, named after it, and the required outcome of reading it. The window's message
 /// follows from the outcomes: the first operation that fails ends the loading with its own message.
 struct HostileTrack {
     std::string name;

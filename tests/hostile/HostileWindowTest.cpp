@@ -21,11 +21,11 @@ namespace fs = std::filesystem;
 const std::string kBackupFolder = "./TmpDirBackup";
 const std::string kWorkspaceFolder = "./TmpDirOsws";
 
-/// The hostile tables through the real window, by its own operations: what the operator is told, and that
-/// what comes next works.
+/// The hostile tables through the real window and its operations: the message to the operator, and that
+/// the next operation works.
 class HostileWindow : public WindowTest {
   protected:
-    /// The working folder lies below others, so that ways out of it lead to a place that is looked at.
+    /// The working folder is inside others, so that paths out of it lead to a place that the test checks.
     void SetUp() override {
         fs::create_directories("stage/desk");
         fs::current_path("stage/desk");
@@ -33,7 +33,7 @@ class HostileWindow : public WindowTest {
         find<QComboBox>("comboBox_operation").setEnabled(true);
     }
 
-    /// The texts of the boxes that were shown since the last time.
+    /// The texts of the boxes that were shown since the last call.
     std::vector<std::string> boxes() {
         std::vector<std::string> texts;
         for (const SeenBox& box : answers.takeBoxes()) {
@@ -44,7 +44,7 @@ class HostileWindow : public WindowTest {
         return texts;
     }
 
-    /// That one box showed this message behind the name of a status.
+    /// Checks that one box showed this message after the name of a status.
     void expectFailure(const std::string& message) {
         const std::vector<std::string> texts = boxes();
         ASSERT_EQ(texts.size(), 1U);
@@ -97,7 +97,7 @@ class HostileWindow : public WindowTest {
                 found.spaces.at(point)};
     }
 
-    /// What a hostile track did to the window stays behind: the next good one is shown as if it were the
+    /// A hostile track has no later effect on the window: the next valid one is shown as if it were the
     /// first.
     void expectNextTrackLoads() {
         fine = !fine;
@@ -127,7 +127,7 @@ class HostileWindow : public WindowTest {
         }
     }
 
-    /// Everything but what the window works in.
+    /// Everything but the window's working folders.
     std::map<std::string, std::string> outside() {
         std::map<std::string, std::string> tree = FolderTree(folder.Path("."));
         std::erase_if(tree, [](const auto& entry) {
@@ -143,7 +143,7 @@ class HostileWindow : public WindowTest {
         loadBackup(fs::absolute("hostile.osbak"));
     }
 
-    /// Nothing of a backup that was not unpacked whole can be saved anywhere.
+    /// A backup that was not unpacked completely cannot be saved anywhere.
     void expectNotOpen() {
         EXPECT_EQ(status(), "");
         click("toolButton_upload");
@@ -157,7 +157,7 @@ class HostileWindow : public WindowTest {
         EXPECT_THAT(items("comboBox_file"), ElementsAre("good.trk", "External"));
     }
 
-    /// A whole backup with this workspace in it.
+    /// A complete backup with this workspace in it.
     static std::string BackupOf(const std::string& workspace) {
         return TarFile("info.json", "{}") + TarFolder("workspaces") +
                TarFile("workspaces/Workspace.osws", workspace) + TarEnd();
@@ -171,21 +171,21 @@ class HostileWindow : public WindowTest {
     bool fine = false;
 };
 
-/// The message of an archive's failure, the folder in its place.
+/// The message of an archive's failure, with the folder's path for "@".
 std::string MessageOf(const HostileArchive& archive, const std::string& target) {
     const std::size_t at = archive.message.find("@/");
     return at == std::string::npos ? archive.message : std::string(archive.message).replace(at, 1, target);
 }
 
-TEST_F(HostileWindow, tellsWhatIsWrongWithATextTrackAndLoadsTheNext) {
+TEST_F(HostileWindow, reportsADamagedTextTrackAndLoadsTheNext) {
     walk(HostileTextTracks());
 }
 
-TEST_F(HostileWindow, tellsWhatIsWrongWithABinaryTrackAndLoadsTheNext) {
+TEST_F(HostileWindow, reportsADamagedBinaryTrackAndLoadsTheNext) {
     walk(HostileBinaryTracks());
 }
 
-TEST_F(HostileWindow, unpacksAHostileBackupNoFurtherThanItsDefectAllows) {
+TEST_F(HostileWindow, unpacksAHostileBackupUpToItsDefect) {
     const auto before = outside();
     for (const HostileArchive& archive : HostileArchives()) {
         SCOPED_TRACE(archive.name);
@@ -201,7 +201,7 @@ TEST_F(HostileWindow, unpacksAHostileBackupNoFurtherThanItsDefectAllows) {
     }
 }
 
-TEST_F(HostileWindow, unpacksAHostileWorkspaceNoFurtherThanItsDefectAllows) {
+TEST_F(HostileWindow, unpacksAHostileWorkspaceUpToItsDefect) {
     const auto before = outside();
     for (const HostileArchive& archive : HostileArchives()) {
         SCOPED_TRACE(archive.name);

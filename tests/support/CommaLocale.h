@@ -2,8 +2,8 @@
 
 #include <string>
 
-/// Makes the process's locale one that writes one and a half as "1,5", as on a German desktop, while the
-/// object lives. The locale is built for the purpose, so that it is there on every system.
+/// Sets a process locale that writes one and a half as "1,5", as on a German desktop, while the
+/// object lives. The locale is built by the test, so every system has it.
 class CommaLocale {
   public:
     /// @throws std::runtime_error when the locale cannot be built
@@ -12,7 +12,7 @@ class CommaLocale {
     CommaLocale& operator=(const CommaLocale&) = delete;
     ~CommaLocale();
 
-    /// Switches to the comma locale, as it is after construction.
+    /// Switches to the comma locale, which is also set by the constructor.
     void Enter() const;
 
     /// Switches to the C locale.

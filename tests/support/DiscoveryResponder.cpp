@@ -37,11 +37,11 @@ std::vector<std::string> DiscoveryResponder::Questions() const {
 }
 
 void DiscoveryResponder::Serve() {
-    constexpr int kLookAgain = 20;
+    constexpr int kPollInterval = 20;
     std::string question(65536, '\0');
     pollfd wait{descriptor, POLLIN, 0};
     while (!stopping) {
-        if (poll(&wait, 1, kLookAgain) <= 0)
+        if (poll(&wait, 1, kPollInterval) <= 0)
             continue;
         sockaddr_in from{};
         socklen_t length = sizeof(from);

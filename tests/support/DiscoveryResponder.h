@@ -17,7 +17,7 @@ class DiscoveryResponder {
     DiscoveryResponder& operator=(const DiscoveryResponder&) = delete;
     ~DiscoveryResponder();
 
-    /// As OSTRA_DISCOVERY takes it: "127.0.0.1:" and the port.
+    /// A value for OSTRA_DISCOVERY: "127.0.0.1:" and the port.
     [[nodiscard]] std::string Target() const;
     [[nodiscard]] std::vector<std::string> Questions() const;
 

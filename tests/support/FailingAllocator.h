@@ -8,7 +8,7 @@ class FailingAllocator final : public std::pmr::memory_resource {
   public:
     explicit FailingAllocator(int failing) : failing(failing) {}
     [[nodiscard]] int Allocations() const { return allocations; }
-    /// Allocations that were not given back.
+    /// Allocations that were not freed.
     [[nodiscard]] int Living() const { return living; }
 
   private:

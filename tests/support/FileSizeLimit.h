@@ -6,7 +6,7 @@
 #include <sys/resource.h>
 
 /// While the object lives, no file can grow beyond a size: writing then fails as it does on a full disk,
-/// without a file system of its own.
+/// without a separate file system.
 class FileSizeLimit {
   public:
     explicit FileSizeLimit(rlim_t bytes) : handler(std::signal(SIGXFSZ, SIG_IGN)) {

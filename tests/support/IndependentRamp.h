@@ -6,8 +6,8 @@
 
 namespace independent {
 
-/// Red, green and blue of a height in the picture: the ramp's colours where its seven bands meet, between
-/// which it is straight.
+/// Red, green and blue of a height in the picture: linear between the ramp's colours at the
+/// bounds of its seven bands.
 inline std::array<int, 3> RampColour(double height, double low, double high) {
     constexpr std::array<std::array<int, 3>, 8> kStarts = {{{0, 0, 0},
                                                             {0, 0, 255},

@@ -13,10 +13,10 @@ namespace {
 constexpr std::string_view kTag("Track  \0", 8);
 
 [[noreturn]] void Malformed(const std::string& what) {
-    throw std::runtime_error("not a whole track file: " + what);
+    throw std::runtime_error("not a complete track file: " + what);
 }
 
-// Bytes stand least significant first, and are put together by arithmetic.
+// Bytes are least significant first, and are combined by arithmetic.
 
 void PutBits(std::string& bytes, std::uint64_t bits, int count) {
     for (int i = 0; i < count; ++i)
@@ -79,7 +79,7 @@ void RequireNumbered(const Track& track) {
         point = starts ? 0 : point + 1;
         if (path < 0 || segment.path != path || segment.point != point)
             Malformed("point " + std::to_string(segment.point) + " of path " + std::to_string(segment.path) +
-                      " stands in a wrong place");
+                      " is in a wrong place");
     }
 }
 
@@ -177,14 +177,14 @@ Track ReadBinary(const std::string& content) {
         track.segments.push_back(segment);
     }
     if (!bytes.AtEnd())
-        Malformed("bytes behind the last block");
+        Malformed("bytes after the last block");
     RequireNumbered(track);
     return track;
 }
 
 namespace {
 
-/// Joins what it is given by commas and ends the line.
+/// Joins its arguments by commas and ends the line.
 class Row {
   public:
     Row& Add(const std::string& field) {
@@ -214,7 +214,7 @@ Fields FieldsOf(const std::string& line) {
     return fields;
 }
 
-/// A number that takes up the whole field, by the classic locale.
+/// A number that fills the field, in the classic locale.
 double Number(const std::string& field) {
     std::istringstream stream(field);
     stream.imbue(std::locale::classic());
@@ -242,7 +242,7 @@ class Lines {
         return {};
     }
 
-    /// The fields of the next line, which must be there and have so many.
+    /// The fields of the next line, which must exist and have this number of fields.
     Fields Next(std::size_t count) {
         Fields fields = Next();
         if (fields.size() != count)

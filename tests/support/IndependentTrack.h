@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-/// A second, small writer and reader of both encodings of track files, made from the description of the
-/// format and sharing no code with the editor: what the two agree on is what the description says. Everything
-/// is plain data, with the numbers as they stand in a file.
+/// A second, small writer and reader of both encodings of track files, written from the description of the
+/// format without code of the editor: where the two agree, they agree with the description. Everything
+/// is plain data, with the numbers as in a file.
 namespace independent {
 
 /// One tick line of the ruler; `x1` to `y2` in file coordinates, `width` times the writer's width scale.
@@ -69,10 +69,10 @@ struct Track {
 /// The raw value of a cell without a measurement.
 constexpr std::int16_t kNoMeasurement = -32768;
 
-/// A whole binary file: header, cells, anchor, rulers, segments.
+/// A complete binary file: header, cells, anchor, rulers, segments.
 std::string BinaryFile(const Track& track);
 
-/// The first part of a binary file, up to and with the cells; what follows are the blocks.
+/// The first part of a binary file: header and cells. The blocks follow it.
 std::string BinaryHead(const Track& track);
 
 /// Single blocks of a binary file, tag included.
@@ -80,24 +80,24 @@ std::string BinaryAnchor(const Track& track);
 std::string BinaryRulers(const Track& track);
 std::string BinarySegments(const Track& track);
 
-/// A whole text file with all sections in the usual order.
+/// A complete text file with all sections in the usual order.
 std::string TextFile(const Track& track);
 
 /// The sections of a text file.
 std::string TextMap(const Track& track);
 std::string TextAnchor(const Track& track);
-/// The ruler and the segment section, as they are written behind everything else.
+/// The ruler and the segment section, as they are written at the end.
 std::string TextPaths(const Track& track);
 
 /// A number as text files hold it: general format, 6 significant digits.
 std::string TextNumber(double number);
 
-/// Reads a binary file. @throws std::runtime_error for anything but a whole, well-formed file with all three
-/// blocks and nothing behind them, whose records are numbered as they stand.
+/// Reads a binary file. @throws std::runtime_error for anything but a complete, well-formed file with all
+/// three blocks and nothing after them, whose records are numbered in order.
 Track ReadBinary(const std::string& bytes);
 
-/// Reads a text file. @throws std::runtime_error for anything but a whole, well-formed file with an info
-/// section and a segment section, whose records are numbered as they stand.
+/// Reads a text file. @throws std::runtime_error for anything but a complete, well-formed file with an info
+/// section and a segment section, whose records are numbered in order.
 Track ReadText(const std::string& bytes);
 
 } // namespace independent

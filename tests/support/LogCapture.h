@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-/// Takes the log lines written while the object lives; the log's target is set back with it.
+/// Captures the log lines written while the object lives; its end restores the log's target.
 class LogCapture {
   public:
     LogCapture();
@@ -13,9 +13,9 @@ class LogCapture {
     ~LogCapture();
 
     /// The lines written since the last call, without their time stamp: "ERROR: No height map data". Without
-    /// those that say which line of a text track an error is about.
+    /// those that name the line of a text track with an error.
     [[nodiscard]] std::vector<std::string> Lines();
-    /// The same with those lines: "INFO: Line 12: \"...\"".
+    /// The same including those lines: "INFO: Line 12: \"...\"".
     [[nodiscard]] std::vector<std::string> LinesWithPlaces();
 
   private:

@@ -3,10 +3,10 @@
 #include <netinet/in.h>
 
 /// A TCP socket at a port of 127.0.0.1 that the system picks. Connections to it are refused until Listen is
-/// called; nobody accepts them then.
+/// called; after that they wait in the queue, and nobody accepts them.
 class LoopbackSocket {
   public:
-    /// @throws std::runtime_error when there is no socket to be had
+    /// @throws std::runtime_error when no socket can be made
     LoopbackSocket();
     LoopbackSocket(const LoopbackSocket&) = delete;
     LoopbackSocket& operator=(const LoopbackSocket&) = delete;

@@ -2,11 +2,11 @@
 
 #include <unistd.h>
 
-/// Makes the process an ordinary user while the object lives, so that permissions count when the tests run as
-/// the system's administrator too.
+/// Makes the process an ordinary user while the object lives, so that permissions apply when the tests run as
+/// root too.
 class OrdinaryUser {
   public:
-    /// @param folder becomes that user's
+    /// @param folder is given to that user
     explicit OrdinaryUser(const char* folder) : before(geteuid()) {
         constexpr uid_t kNobody = 65534;
         ready = before != 0 || (chown(folder, kNobody, kNobody) == 0 && seteuid(kNobody) == 0);

@@ -122,7 +122,7 @@ void OstraServerProcess::Restart() {
 std::vector<std::string> OstraServerProcess::Lines() const {
     std::ifstream file(output);
     std::vector<std::string> lines;
-    // A line still being written has no end yet and is left for the next look.
+    // A line still being written has no end yet and is read the next time.
     for (std::string line; std::getline(file, line) && !file.eof();)
         lines.push_back(line);
     return lines;

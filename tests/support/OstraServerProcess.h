@@ -7,28 +7,28 @@
 
 #include <sys/types.h>
 
-/// The real ostra-server, running in a process of its own on loopback with ports that the system picked.
+/// The real ostra-server, running in a separate process on loopback with ports that the system picked.
 class OstraServerProcess {
   public:
     /// Starts the server and waits until it listens.
     /// @param workspace the folder to serve
     /// @param options further words of the command line
-    /// @throws std::runtime_error when it does not start; what it said is part of the text
+    /// @throws std::runtime_error when it does not start, with the server's output in its message
     explicit OstraServerProcess(const std::string& workspace, std::vector<std::string> options = {});
     OstraServerProcess(const OstraServerProcess&) = delete;
     OstraServerProcess& operator=(const OstraServerProcess&) = delete;
-    /// Kills what still runs.
+    /// Kills the server if it still runs.
     ~OstraServerProcess();
 
     [[nodiscard]] std::uint16_t ControlPort() const { return controlPort; }
     [[nodiscard]] std::uint16_t DiscoveryPort() const { return discoveryPort; }
-    /// "127.0.0.1:port", as the environment variable OSTRA_DISCOVERY takes it.
+    /// "127.0.0.1:port", a value for the environment variable OSTRA_DISCOVERY.
     [[nodiscard]] std::string DiscoveryAddress() const;
     [[nodiscard]] pid_t Pid() const { return pid; }
 
     /// Asks the server to stop (SIGTERM) and waits. @return its exit code; 128 + the signal that ended it
     int Stop();
-    /// Kills the server in the middle of whatever it does, and waits.
+    /// Kills the server in the middle of its work, and waits.
     void Kill();
     /// Starts the server again with the same options, after Stop or Kill. The ports are new ones, and the
     /// list of requests is empty.

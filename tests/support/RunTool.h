@@ -2,5 +2,5 @@
 
 #include <string>
 
-/// Runs a shell command and gives what it prints on both outputs, and "exit N" when it fails.
+/// Runs a shell command and returns its standard output and error, and "exit N" when it fails.
 std::string RunTool(const std::string& command);

@@ -139,7 +139,7 @@ void ScriptedServer::Serve(int connection) {
         Send(connection, reply);
         if (reply.closes)
             shutdown(connection, SHUT_WR);
-        // What the client still sends is read, so that closing does not take the reply away from it.
+        // Reads what the client still sends: closing with unread data would discard the reply.
         std::string rest(kReadSize, '\0');
         while (Wait(connection, POLLIN) && recv(connection, rest.data(), rest.size(), 0) > 0) {
         }
@@ -172,14 +172,14 @@ bool ScriptedServer::Receive(int connection, ScriptedRequest& request) const {
 }
 
 void ScriptedServer::Send(int connection, const ScriptedReply& reply) const {
-    const std::uint64_t whole = std::min(reply.bytes.size() + reply.filler, reply.cutAfter);
+    const std::uint64_t total = std::min(reply.bytes.size() + reply.filler, reply.cutAfter);
     const std::string filler(static_cast<std::size_t>(std::min<std::uint64_t>(reply.filler, reply.pieceSize)),
                              reply.fillerLetter);
-    for (std::uint64_t sent = 0; sent < whole;) {
+    for (std::uint64_t sent = 0; sent < total;) {
         const bool inBytes = sent < reply.bytes.size();
         const char* const data = inBytes ? reply.bytes.data() + sent : filler.data();
         const std::uint64_t at = inBytes ? reply.bytes.size() - sent : filler.size();
-        const std::uint64_t size = std::min({at, whole - sent, std::uint64_t{reply.pieceSize}});
+        const std::uint64_t size = std::min({at, total - sent, std::uint64_t{reply.pieceSize}});
         if (!Pause(reply.pause) || !Wait(connection, POLLOUT))
             return;
         const ssize_t done = send(connection, data, size, MSG_NOSIGNAL | MSG_DONTWAIT);

@@ -20,23 +20,23 @@ struct ScriptedRequest {
     std::string verb;
     std::string path;
     std::string head;           ///< request line and header fields
-    std::string body;           ///< no more of it than kKeptBody bytes
+    std::string body;           ///< at most kKeptBody bytes of it
     std::uint64_t bodySize = 0; ///< bytes of the body that arrived
 
-    /// The value of a header field, named as it was sent; empty when it was not.
+    /// The value of a header field, by its name as sent; empty when it was not sent.
     [[nodiscard]] std::string Field(const std::string& name) const;
 };
 
-/// What a ScriptedServer sends to one connection, and how.
+/// The reply of a ScriptedServer to one connection.
 struct ScriptedReply {
     static constexpr std::uint64_t kNever = std::numeric_limits<std::uint64_t>::max();
 
-    std::string bytes;        ///< the whole reply, its head included
-    std::uint64_t filler = 0; ///< so many of these letters follow
+    std::string bytes;        ///< the complete reply, header included
+    std::uint64_t filler = 0; ///< number of letters that follow
     char fillerLetter = 'x';
-    std::size_t pieceSize = std::size_t{256} * 1024; ///< what is sent at once
+    std::size_t pieceSize = std::size_t{256} * 1024; ///< sent in one call
     std::chrono::milliseconds pause{0};              ///< before each piece
-    std::uint64_t cutAfter = kNever;                 ///< ends the reply after so many bytes
+    std::uint64_t cutAfter = kNever;                 ///< ends the reply after this number of bytes
     bool closes = true; ///< ends the connection after the reply; otherwise keeps it open and silent
 };
 
@@ -46,13 +46,13 @@ ScriptedReply HttpReply(int status, const std::string& contentType, const std::s
 ScriptedReply JsonReply(const std::string& text);
 /// A reply with status 200 and the CBOR map {"data": <bytes>}.
 ScriptedReply DataReply(const std::string& data);
-/// The CBOR map {"data": <bytes>} up to where the bytes start, for a byte string of `size` bytes.
+/// The CBOR map {"data": <bytes>} up to the first byte, for a byte string of `size` bytes.
 std::string CborDataHead(std::uint64_t size);
-/// A reply that accepts the request and then says nothing.
+/// Accepts the request and never replies.
 ScriptedReply SilentReply();
 
 /// A server of the tests: listens on 127.0.0.1 at a port that the system picks, reads one request from each
-/// connection, records it and sends what its script says. Connections are served side by side; everything
+/// connection, records it and sends its script's reply. Connections are served in parallel; everything
 /// ends with the object.
 class ScriptedServer {
   public:
@@ -70,10 +70,10 @@ class ScriptedServer {
 
     [[nodiscard]] unsigned int Port() const { return listener.Port(); }
 
-    /// From now on only the head of a request is read before it is answered.
+    /// From now on only the header of a request is read before it is answered.
     void LeaveBodiesUnread() { readsBodies = false; }
 
-    /// What arrived so far, in the order in which the requests were whole.
+    /// The requests received so far, in the order of their completion.
     [[nodiscard]] std::vector<ScriptedRequest> Requests() const;
     /// Verb and path of each, as in "GET /replay/playback".
     [[nodiscard]] std::vector<std::string> RequestLines() const;
@@ -86,13 +86,13 @@ class ScriptedServer {
     void Send(int connection, const ScriptedReply& reply) const;
     /// False when the server ends before `descriptor` is ready for `events`.
     bool Wait(int descriptor, short events) const;
-    /// False when the server ends meanwhile.
+    /// False when the server ends first.
     bool Pause(std::chrono::milliseconds time) const;
     ScriptedReply Answer(const ScriptedRequest& request);
 
     Script script;
     LoopbackSocket listener;
-    int stopReader = -1; ///< readable once the server is to end
+    int stopReader = -1; ///< readable when the server must end
     int stopWriter = -1;
     std::atomic<bool> readsBodies{true};
     mutable std::mutex guard; ///< of the requests and the script

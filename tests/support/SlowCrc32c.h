@@ -5,7 +5,7 @@
 
 namespace independent {
 
-/// CRC-32C bit by bit, straight from the polynomial.
+/// CRC-32C bit by bit, from the polynomial.
 inline std::uint32_t SlowCrc32c(const std::string& bytes) {
     std::uint32_t state = 0xFFFFFFFFU;
     for (const char letter : bytes) {

@@ -7,8 +7,8 @@ namespace {
 
 constexpr std::size_t kBlock = 512;
 
-void Put(std::string& block, std::size_t offset, std::size_t room, std::string_view text) {
-    block.replace(offset, std::min(room, text.size()), text.substr(0, room));
+void Put(std::string& block, std::size_t offset, std::size_t size, std::string_view text) {
+    block.replace(offset, std::min(size, text.size()), text.substr(0, size));
 }
 
 /// A number as `digits` octal digits and a terminating zero, or in the base-256 form when it is too large.
@@ -32,9 +32,9 @@ std::string Padded(std::string content) {
 
 } // namespace
 
-std::string WithTarChecksum(std::string blocks, unsigned lie) {
+std::string WithTarChecksum(std::string blocks, unsigned error) {
     Put(blocks, 148, 8, "        ");
-    unsigned sum = lie;
+    unsigned sum = error;
     for (std::size_t i = 0; i < kBlock; ++i)
         sum += static_cast<unsigned char>(blocks[i]);
     Put(blocks, 148, 8, Number(sum, 6) + ' ');
@@ -58,7 +58,7 @@ std::string TarBlocks(const TarBlockEntry& entry) {
                                      "00",
                                      8));
     Put(block, 345, 155, entry.prefix);
-    return WithTarChecksum(block, entry.spoiltChecksum ? 1 : 0) + Padded(entry.content);
+    return WithTarChecksum(block, entry.wrongChecksum ? 1 : 0) + Padded(entry.content);
 }
 
 std::string TarFile(const std::string& name, const std::string& content) {
@@ -92,12 +92,12 @@ std::string TarPax(const std::string& records) {
     return TarBlocks(entry);
 }
 
-std::string PaxRecord(std::string_view key, std::string_view value, int lie) {
+std::string PaxRecord(std::string_view key, std::string_view value, int error) {
     const std::size_t rest = key.size() + value.size() + 3; // blank, "=", line feed
     std::size_t length = rest;
     while (length != rest + std::to_string(length).size())
         length = rest + std::to_string(length).size();
-    return std::to_string(static_cast<long long>(length) + lie) + " " + std::string(key) + "=" +
+    return std::to_string(static_cast<long long>(length) + error) + " " + std::string(key) + "=" +
            std::string(value) + "\n";
 }
 

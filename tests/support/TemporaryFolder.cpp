@@ -9,7 +9,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// A new folder that nobody else may enter.
+/// A new folder that only this user may enter.
 std::string MakeFolder() {
     constexpr int kTries = 100;
     const std::u8string place = fs::temp_directory_path().generic_u8string();

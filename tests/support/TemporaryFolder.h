@@ -6,7 +6,7 @@
 /// A path in UTF-8 for the standard library.
 std::filesystem::path Utf8Path(const std::string& path);
 
-/// A fresh folder, with a blank and letters beyond ASCII in its name, that is the working directory while the
+/// A fresh folder, with a blank and non-ASCII letters in its name, that is the working directory while the
 /// object lives and is removed with it.
 class TemporaryFolder {
   public:
@@ -23,7 +23,7 @@ class TemporaryFolder {
     std::filesystem::path before;
 };
 
-/// The whole content of a file; empty when it cannot be read.
+/// The complete content of a file; empty when it cannot be read.
 std::string FileContent(const std::string& path);
 
 /// Creates or replaces a file.

@@ -183,7 +183,7 @@ TEST_F(BackupCommands, verifyAgreesWithTheStrictUnpackingOfHostileWorkspaces) {
             const QString text = problem.toObject().value(QLatin1String("text")).toString();
             isRefused = isRefused || !text.startsWith(QLatin1String("no vdk/ContourPath"));
         }
-        if (!archives[i].whole) {
+        if (!archives[i].complete) {
             EXPECT_TRUE(isRefused);
         }
     }

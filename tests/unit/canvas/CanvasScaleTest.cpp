@@ -26,7 +26,7 @@ TEST(CanvasScale, roundsNegativeHalvesUpwardsToo) {
     EXPECT_EQ(kScale.toWidgetPixels({-0.5 / 200.0, -1.5 / 100.0}), QPoint(0, -1));
 }
 
-TEST(CanvasScale, takesAnyNumber) {
+TEST(CanvasScale, acceptsNanAndInfinity) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double huge = std::numeric_limits<double>::infinity();
     EXPECT_EQ(kScale.toWidgetPixels({nan, nan}), QPoint(0, 0));
@@ -40,11 +40,11 @@ TEST(CanvasScale, keepsPositionsInsideTheMargin) {
     EXPECT_EQ(kScale.ClampToMargin({191.0, 500.0}), QPointF(190.0, 90.0));
 }
 
-TEST(CanvasScale, theLowerBoundWinsOnACanvasTooSmallForBoth) {
+TEST(CanvasScale, lowerBoundWinsOnACanvasTooSmallForBoth) {
     EXPECT_EQ(CanvasScale(QSize(15, 19)).ClampToMargin({12.0, 3.0}), QPointF(10.0, 10.0));
 }
 
-TEST(CanvasScale, aCanvasWithoutAnAreaDividesByOne) {
+TEST(CanvasScale, canvasWithoutAnAreaDividesByOne) {
     EXPECT_EQ(CanvasScale(QSize(0, 0)).toNormalized({3.0, 4.0}), QPointF(3.0, 4.0));
 }
 

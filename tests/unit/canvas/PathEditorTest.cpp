@@ -33,12 +33,12 @@ TEST_F(PathEditorTest, startsIdle) {
     EXPECT_TRUE(Paths().empty());
 }
 
-TEST_F(PathEditorTest, aReleaseWithoutAPathDoesNothing) {
+TEST_F(PathEditorTest, releaseWithoutAPathDoesNothing) {
     EXPECT_FALSE(editor.Release(kScale, {50.0, 50.0}));
     EXPECT_TRUE(Paths().empty());
 }
 
-TEST_F(PathEditorTest, forgetsTheCursor) {
+TEST_F(PathEditorTest, resetsTheCursor) {
     Draw({{50.0, 50.0}, {150.0, 50.0}});
     Draw({{50.0, 150.0}, {150.0, 150.0}, {200.0, 150.0}});
     editor.Drag(kScale, {300.0, 200.0});
@@ -53,7 +53,7 @@ TEST_F(PathEditorTest, forgetsTheCursor) {
     EXPECT_EQ(editor.State().currentPath, 1);
 }
 
-TEST_F(PathEditorTest, resetForgetsTheChosenSegmentToo) {
+TEST_F(PathEditorTest, resetClearsTheSelectedSegmentToo) {
     Draw({{50.0, 50.0}, {150.0, 50.0}});
     editor.Drag(kScale, {300.0, 200.0});
     editor.SetCurrentPath(3);
@@ -64,7 +64,7 @@ TEST_F(PathEditorTest, resetForgetsTheChosenSegmentToo) {
     EXPECT_EQ(editor.State().currentSegment, 0);
 }
 
-TEST_F(PathEditorTest, aDragOfAPointThatIsGoneChangesNoPath) {
+TEST_F(PathEditorTest, dragOfARemovedPointChangesNoPath) {
     Draw({{50.0, 50.0}, {150.0, 50.0}});
     editor.Hover(kScale, {150.0, 50.0});
     document.resetPaths();
@@ -73,7 +73,7 @@ TEST_F(PathEditorTest, aDragOfAPointThatIsGoneChangesNoPath) {
     EXPECT_TRUE(Paths().empty());
 }
 
-TEST_F(PathEditorTest, aWholeDragIsOneStep) {
+TEST_F(PathEditorTest, dragIsOneUndoStep) {
     Draw({{50.0, 50.0}, {150.0, 50.0}});
     editor.Hover(kScale, {150.0, 50.0});
     document.endGesture();

@@ -38,14 +38,14 @@ TEST_F(PathKeys, addsPointsAsClicksDo) {
     ASSERT_EQ(Paths().size(), 2U);
     EXPECT_EQ(Point(0, 2), Place(150, 150));
     EXPECT_EQ(document.finishedCount(), 2);
-    EXPECT_FALSE(editor.AddPoint(kScale, {152, 50})) << "there is a point, which stays where it is";
+    EXPECT_FALSE(editor.AddPoint(kScale, {152, 50})) << "a point exists and does not move";
     EXPECT_EQ(Point(0, 1), Place(150, 50));
     EXPECT_TRUE(editor.AddPoint(kScale, {350, 250}));
     EXPECT_EQ(Paths().size(), 3U);
     EXPECT_EQ(editor.TouchedPoint(), (PointIndex{2, 0}));
 }
 
-TEST_F(PathKeys, withoutATouchedPointNothingMoves) {
+TEST_F(PathKeys, movesNothingWithoutATouchedPoint) {
     EXPECT_FALSE(editor.TouchedPoint());
     EXPECT_FALSE(Nudge(10, 0));
     EXPECT_FALSE(editor.RemoveTouched());
@@ -60,8 +60,8 @@ TEST_F(PathKeys, movesThePointUnderTheCursorByTenthsOfAnImagePixel) {
     EXPECT_EQ(Point(0, 1), Place(151, 40));
     EXPECT_TRUE(Nudge(-1, 0));
     EXPECT_DOUBLE_EQ(Point(0, 1).x(), 150.9 / 400);
-    EXPECT_EQ(document.undoDepth(), steps + 3) << "each a step of its own";
-    EXPECT_EQ(editor.State().dragPoint, Point(0, 1)) << "the grip goes with it";
+    EXPECT_EQ(document.undoDepth(), steps + 3) << "one step each";
+    EXPECT_EQ(editor.State().dragPoint, Point(0, 1)) << "the grip is removed too";
     document.undo();
     document.undo();
     EXPECT_EQ(Point(0, 1), Place(151, 50));
@@ -75,7 +75,7 @@ TEST_F(PathKeys, tenTenthsAreExactlyOnePixel) {
     EXPECT_EQ(Point(0, 1).y(), Place(157, 57).y());
 }
 
-TEST_F(PathKeys, aMovedPointStopsAtTheMarginWhereTheMouseStops) {
+TEST_F(PathKeys, movedPointStopsAtTheMouseMargin) {
     editor.Hover(kScale, {150, 50});
     for (int step = 0; step < 10; ++step)
         Nudge(0, -100);
@@ -85,8 +85,8 @@ TEST_F(PathKeys, aMovedPointStopsAtTheMarginWhereTheMouseStops) {
     EXPECT_EQ(Point(0, 1).x(), kScale.toNormalized(kScale.ClampToMargin({400, 0})).x());
 }
 
-TEST_F(PathKeys, aPointInTheMarginGoesNoFurtherOutButBack) {
-    editor.AddPoint(kScale, {3, 100}); // of which the first is where the button went down
+TEST_F(PathKeys, pointInTheMarginMovesInwardsOnly) {
+    editor.AddPoint(kScale, {3, 100}); // its first point is at the press position
     document.closeAllPaths();
     editor.LetGo();
     while (editor.ChoosePoint(1) && editor.TouchedPoint() != PointIndex{2, 0}) {
@@ -98,12 +98,12 @@ TEST_F(PathKeys, aPointInTheMarginGoesNoFurtherOutButBack) {
     EXPECT_EQ(Point(2, 0), Place(4, 100));
 }
 
-TEST_F(PathKeys, removesTheTouchedPointAndAPathOfFewerThanThree) {
+TEST_F(PathKeys, removesTheTouchedPointOrItsPathOfFewerThanThree) {
     editor.Hover(kScale, {150, 50});
     EXPECT_TRUE(editor.RemoveTouched());
     EXPECT_EQ(Paths().at(0).points.size(), 2U);
     EXPECT_EQ(Point(0, 1), Place(150, 150));
-    EXPECT_FALSE(editor.RemoveTouched()) << "none is touched any more";
+    EXPECT_FALSE(editor.RemoveTouched()) << "no point is touched any more";
     editor.Hover(kScale, {200, 200});
     EXPECT_TRUE(editor.RemoveTouched());
     EXPECT_EQ(Paths().size(), 1U);
@@ -118,7 +118,7 @@ TEST_F(PathKeys, splitsTheSegmentUnderTheCursor) {
     EXPECT_EQ(editor.TouchedPoint(), (PointIndex{0, 2}));
 }
 
-TEST_F(PathKeys, withoutACursorTheChosenSegmentIsHalved) {
+TEST_F(PathKeys, halvesTheSelectedSegmentWithoutACursor) {
     editor.SetCurrentPath(1);
     EXPECT_TRUE(editor.SplitSegment(kScale, std::nullopt));
     EXPECT_EQ(Point(1, 1), Place(250, 200));
@@ -126,7 +126,7 @@ TEST_F(PathKeys, withoutACursorTheChosenSegmentIsHalved) {
     EXPECT_FALSE(editor.SplitSegment(kScale, std::nullopt)) << "there is no such segment";
 }
 
-TEST_F(PathKeys, choosesPointAfterPointAndStopsAtTheEnds) {
+TEST_F(PathKeys, selectsPointAfterPointAndStopsAtTheEnds) {
     editor.SetCurrentSegment(1);
     std::vector<PointIndex> visited;
     while (editor.ChoosePoint(1))
@@ -139,7 +139,7 @@ TEST_F(PathKeys, choosesPointAfterPointAndStopsAtTheEnds) {
     EXPECT_EQ(editor.State().dragPoint, Point(0, 0));
 }
 
-TEST_F(PathKeys, aPressWhereTheCursorRestsDoesNotDragAPointThatAKeyChose) {
+TEST_F(PathKeys, pressAtARestingCursorDoesNotDragThePointSelectedByKey) {
     editor.Hover(kScale, {350, 250});
     ASSERT_TRUE(editor.ChoosePoint(1));
     const QPointF chosen = Point(0, 0);
@@ -149,7 +149,7 @@ TEST_F(PathKeys, aPressWhereTheCursorRestsDoesNotDragAPointThatAKeyChose) {
     EXPECT_EQ(Paths().size(), 3U) << "it began a path";
 }
 
-TEST_F(PathKeys, aGivenUpDragLeavesThePointAndNoStep) {
+TEST_F(PathKeys, cancelledDragRestoresThePointWithoutAnUndoStep) {
     editor.Hover(kScale, {150, 50});
     document.endGesture();
     const int steps = document.undoDepth();
@@ -167,7 +167,7 @@ TEST_F(PathKeys, aGivenUpDragLeavesThePointAndNoStep) {
     EXPECT_EQ(Paths().at(1).points.size(), 2U);
 }
 
-TEST_F(PathKeys, aGivenUpRubberBandAddsNoPoint) {
+TEST_F(PathKeys, cancelledRubberBandAddsNoPoint) {
     editor.Press(kScale, {20, 250});
     editor.Drag(kScale, {100, 250});
     EXPECT_FALSE(editor.GiveUpGesture());
@@ -175,10 +175,10 @@ TEST_F(PathKeys, aGivenUpRubberBandAddsNoPoint) {
     EXPECT_FALSE(editor.Release(kScale, {100, 250}));
     EXPECT_EQ(Paths().back().points.size(), 1U);
     editor.Press(kScale, {100, 250});
-    EXPECT_TRUE(editor.Release(kScale, {100, 250})) << "the next click works as ever";
+    EXPECT_TRUE(editor.Release(kScale, {100, 250})) << "the next click works normally";
 }
 
-TEST_F(PathKeys, theTouchedPointIsForgottenWhenItsIndexMayBeAnothers) {
+TEST_F(PathKeys, resetsTheTouchedPointWhenIndexesShift) {
     ASSERT_TRUE(editor.ChoosePoint(1));
     editor.ForgetCursor();
     ASSERT_TRUE(editor.TouchedPoint());

@@ -1,57 +1,53 @@
 #include "canvas/PointFinder.h"
 
+#include "CanvasPaths.h"
+
 #include <gtest/gtest.h>
 
 namespace {
 
 const CanvasScale kScale{QSize(400, 200)};
 
-TrackPath PathOf(const std::vector<QPointF>& pixels) {
-    TrackPath path;
-    for (const QPointF& pixel : pixels)
-        path.points.push_back(kScale.toNormalized(pixel));
-    return path;
-}
-
 TEST(SegmentFinder, findsNothingWhereThereIsNoSegment) {
     EXPECT_FALSE(FindSegment({}, kScale, {10, 10}));
-    EXPECT_FALSE(FindSegment({PathOf({{10, 10}})}, kScale, {10, 10}));
-    EXPECT_FALSE(
-        FindSegment({PathOf({{10, 10}, {100, 10}}), PathOf({{10, 90}, {100, 90}})}, kScale, {50, 50}));
+    EXPECT_FALSE(FindSegment({PathOf(kScale, {{10, 10}})}, kScale, {10, 10}));
+    EXPECT_FALSE(FindSegment({PathOf(kScale, {{10, 10}, {100, 10}}), PathOf(kScale, {{10, 90}, {100, 90}})},
+                             kScale, {50, 50}));
 }
 
-TEST(SegmentFinder, findsThePlaceBelowTheCursor) {
+TEST(SegmentFinder, findsThePositionUnderTheCursor) {
     const auto found = FindSegment(
-        {PathOf({{300, 10}, {310, 10}}), PathOf({{10, 50}, {110, 50}, {110, 150}})}, kScale, {60, 53});
+        {PathOf(kScale, {{300, 10}, {310, 10}}), PathOf(kScale, {{10, 50}, {110, 50}, {110, 150}})}, kScale,
+        {60, 53});
     ASSERT_TRUE(found);
     EXPECT_EQ(found->start, (PointIndex{1, 0}));
     EXPECT_DOUBLE_EQ(found->position.x(), 60.0 / 400);
     EXPECT_DOUBLE_EQ(found->position.y(), 50.0 / 200);
 }
 
-TEST(SegmentFinder, thePlaceIsNearestInPixelsAndNotInNormalisedUnits) {
+TEST(SegmentFinder, findsTheNearestPositionInPixelsNotInNormalisedUnits) {
     // Along the diagonal of a square of pixels, the foot of the perpendicular from (61, 59) is (60, 60).
-    const auto found = FindSegment({PathOf({{10, 10}, {110, 110}})}, kScale, {61, 59});
+    const auto found = FindSegment({PathOf(kScale, {{10, 10}, {110, 110}})}, kScale, {61, 59});
     ASSERT_TRUE(found);
     EXPECT_DOUBLE_EQ(found->position.x(), 60.0 / 400);
     EXPECT_DOUBLE_EQ(found->position.y(), 60.0 / 200);
 }
 
-TEST(SegmentFinder, aSegmentFivePixelsAwayIsNotFound) {
-    const std::vector<TrackPath> paths{PathOf({{10, 50}, {110, 50}})};
+TEST(SegmentFinder, doesNotFindASegmentFivePixelsAway) {
+    const std::vector<TrackPath> paths{PathOf(kScale, {{10, 50}, {110, 50}})};
     EXPECT_FALSE(FindSegment(paths, kScale, {60, 55}));
     EXPECT_TRUE(FindSegment(paths, kScale, {60, 54.9}));
     EXPECT_FALSE(FindSegment(paths, kScale, {116, 50})) << "beyond its end";
 }
 
-TEST(SegmentFinder, theNearestOfSeveralIsFound) {
-    const std::vector<TrackPath> paths{PathOf({{10, 50}, {110, 50}, {110, 54}, {10, 54}})};
+TEST(SegmentFinder, findsTheNearestOfSeveral) {
+    const std::vector<TrackPath> paths{PathOf(kScale, {{10, 50}, {110, 50}, {110, 54}, {10, 54}})};
     EXPECT_EQ(FindSegment(paths, kScale, {60, 53})->start, (PointIndex{0, 2}));
     EXPECT_EQ(FindSegment(paths, kScale, {60, 51})->start, (PointIndex{0, 0}));
 }
 
-TEST(SegmentFinder, aSegmentWithoutLengthIsItsPoint) {
-    const auto found = FindSegment({PathOf({{10, 50}, {10, 50}})}, kScale, {12, 50});
+TEST(SegmentFinder, segmentWithoutLengthIsItsPoint) {
+    const auto found = FindSegment({PathOf(kScale, {{10, 50}, {10, 50}})}, kScale, {12, 50});
     ASSERT_TRUE(found);
     EXPECT_EQ(found->position, kScale.toNormalized({10, 50}));
 }

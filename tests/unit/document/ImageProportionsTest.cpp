@@ -26,12 +26,12 @@ TEST(ImageProportions, roundsHalvesUpwards) {
     EXPECT_EQ(ShownImageSize({1, 1}, 1.0, 2.5), QSize(1, 3));
 }
 
-TEST(ImageProportions, neverWithoutAnArea) {
+TEST(ImageProportions, neverGivesAnEmptySize) {
     EXPECT_EQ(ShownImageSize({300, 200}, 1.0, 1.0, 0.0), QSize(1, 1));
     EXPECT_EQ(ShownImageSize({300, 200}, 1.0, 1.0, -2.0), QSize(1, 1));
 }
 
-TEST(ImageProportions, resolutionsThatGiveNoRatioLeaveTheImageWithAnArea) {
+TEST(ImageProportions, invalidRatioStillGivesAnArea) {
     for (const double x : {0.0, -1.0, 1e300}) {
         for (const double y : {0.0, -1.0, 1e-300}) {
             const QSize size = ShownImageSize({300, 200}, x, y);

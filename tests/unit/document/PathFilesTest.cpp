@@ -22,7 +22,7 @@ using testing::StartsWith;
 /// Saves text tracks whose heights a binary track may not hold.
 class SavingHeights : public testing::Test {
   protected:
-    /// Saves a text track with these heights, five a row, in place and beside it.
+    /// Saves a text track with these heights, five a row, in place and as a copy.
     void ExpectRefused(const std::vector<double>& heights, double zResolution, const std::string& reason) {
         WriteFile("a.trk", TextTrack(heights, zResolution));
         WriteFile("b.trk", "old");
@@ -54,7 +54,7 @@ TEST_F(SavingHeights, isRefusedWithoutAResolution) {
                   "Cannot store row=0 column=0 height=5: ZResolution=0 and ZOffset=0 give it no raw value");
 }
 
-TEST_F(SavingHeights, isRefusedWhenAllWouldBecomeOne) {
+TEST_F(SavingHeights, isRefusedWhenAllWouldBecomeEqual) {
     ExpectRefused({5, 6, 7, 8, 9, 5, 6, 7, 8, 9}, 10.0,
                   "Cannot store row=0 column=1 height=6: with ZResolution=10 all heights become the raw "
                   "value 0");
@@ -65,7 +65,7 @@ TEST_F(SavingHeights, isRefusedBeyondSixteenBits) {
                   "Cannot store row=1 column=1 height=40: its raw value 40000 is beyond 16 bits");
 }
 
-TEST_F(SavingHeights, succeedsWithAResolutionThatHoldsThem) {
+TEST_F(SavingHeights, succeedsWhenTheResolutionFits) {
     WriteFile("a.trk", TextTrack({5, 10, 20, 30, 32, 32.5, 40, 50, 60, 70}, 0.5));
     EXPECT_EQ(Save("a.trk"), SaveResult::Saved);
     EXPECT_THAT(log.Lines(), Not(Contains(StartsWith("ERROR"))));

@@ -25,11 +25,11 @@ TEST(PathLength, isInWorldUnits) {
     EXPECT_DOUBLE_EQ(LengthsAt(0, path, kWorld)->segment, 50) << "the first point starts its segment";
 }
 
-TEST(PathLength, ofOnePointThereIsNone) {
+TEST(PathLength, isZeroForOnePoint) {
     EXPECT_FALSE(LengthsAt(0, PathOf({{0.1, 0.1}}), kWorld));
 }
 
-TEST(PathLength, countsTheSegmentThatIsDrawn) {
+TEST(PathLength, includesTheSegmentBeingDrawn) {
     const DrawnLengths lengths = LengthsTo({0.4, 0.9}, PathOf({{0.0, 0.1}, {0.1, 0.1}}), kWorld);
     EXPECT_DOUBLE_EQ(lengths.segment, 50);
     EXPECT_DOUBLE_EQ(lengths.path, 60);

@@ -36,7 +36,7 @@ void ExpectAt(const QPointF& normalized, double x, double y) {
     EXPECT_NEAR(normalized.y() * kSide, y, 1e-9);
 }
 
-TEST(RulerMarks, aLevelSegmentHasUprightTicksAtEverySpacePlusOne) {
+TEST(RulerMarks, horizontalSegmentHasVerticalTicksAtEverySpacePlusOne) {
     const auto marks = kBuilder.MarksOfPath(PathOf({{100, 300}, {300, 300}}));
     ASSERT_EQ(marks.size(), 1U);
     ASSERT_EQ(marks[0].tickStarts.size(), 2U);
@@ -47,7 +47,7 @@ TEST(RulerMarks, aLevelSegmentHasUprightTicksAtEverySpacePlusOne) {
     ExpectAt(marks[0].tickEnds[1], 201, 250);
 }
 
-TEST(RulerMarks, aBandIsWidthAlongAndLengthAcross) {
+TEST(RulerMarks, bandIsWidthAlongAndLengthAcross) {
     const auto marks = kBuilder.MarksOfPath(PathOf({{100, 300}, {300, 300}}));
     ASSERT_EQ(marks.at(0).bands.size(), 2U);
     const RulerMarks::Band& band = marks[0].bands[0];
@@ -57,14 +57,14 @@ TEST(RulerMarks, aBandIsWidthAlongAndLengthAcross) {
     ExpectAt(band[3], 125, 350);
 }
 
-TEST(RulerMarks, aTickStandsExactlyBeforeTheSegmentsEndOnly) {
-    // Ticks at 0 and 101; one at 202 would stand on the end.
+TEST(RulerMarks, ticksAreStrictlyBeforeTheSegmentsEnd) {
+    // Ticks at 0 and 101; one at 202 would be on the end.
     EXPECT_EQ(kBuilder.MarksOfPath(PathOf({{100, 300}, {302, 300}})).at(0).bands.size(), 2U);
     EXPECT_EQ(kBuilder.MarksOfPath(PathOf({{100, 300}, {303, 300}})).at(0).bands.size(), 3U);
 }
 
-TEST(RulerMarks, spacingContinuesRoundTheCorner) {
-    // 200 long: ticks at 0 and 101, the third would stand 2 behind the corner.
+TEST(RulerMarks, spacingContinuesAroundCorners) {
+    // 200 long: ticks at 0 and 101, the third would be 2 after the corner.
     const auto marks = kBuilder.MarksOfPath(PathOf({{100, 300}, {300, 300}, {300, 500}}));
     ASSERT_EQ(marks.size(), 2U);
     ASSERT_EQ(marks[1].tickStarts.size(), 2U);
@@ -73,14 +73,14 @@ TEST(RulerMarks, spacingContinuesRoundTheCorner) {
     ExpectAt(marks[1].tickStarts[1], 250, 403);
 }
 
-TEST(RulerMarks, theRunningOffsetIsTruncatedAtEachCorner) {
-    // 200.25 long: the third tick stands 1.75 behind the corner, which counts as 1.
+TEST(RulerMarks, offsetIsTruncatedAtEachCorner) {
+    // 200.25 long: the third tick is 1.75 after the corner, which is truncated to 1.
     const auto marks = kBuilder.MarksOfPath(PathOf({{100, 300}, {300.25, 300}, {300.25, 500}}));
     ExpectAt(marks.at(1).tickStarts.at(0), 250.25, 301);
 }
 
-TEST(RulerMarks, aSegmentShorterThanTheOffsetHasNoTickAndHandsOnTheRest) {
-    // 201 long: the next tick stands 1 behind the first corner... and the second segment is 1 long: none in
+TEST(RulerMarks, segmentShorterThanTheOffsetHasNoTickAndCarriesTheRestOver) {
+    // 201 long: the next tick is 1 after the first corner, and the second segment is 1 long: none in
     // it.
     const auto marks = kBuilder.MarksOfPath(PathOf({{100, 300}, {301, 300}, {302, 300}, {402, 300}}));
     ASSERT_EQ(marks.size(), 3U);
@@ -89,7 +89,7 @@ TEST(RulerMarks, aSegmentShorterThanTheOffsetHasNoTickAndHandsOnTheRest) {
     ExpectAt(marks[2].tickStarts[0], 302, 350);
 }
 
-TEST(RulerMarks, ticksOfAFallingSegmentStandUprightOnIt) {
+TEST(RulerMarks, ticksOfAFallingSegmentArePerpendicularToIt) {
     // 3-4-5: half a tick of 50 is 40 across and 30 down.
     const auto marks = kBuilder.MarksOfPath(PathOf({{100, 100}, {400, 500}}));
     ExpectAt(marks.at(0).tickStarts.at(0), 60, 130);
@@ -109,7 +109,7 @@ TEST(RulerMarks, eachSegmentUsesItsOwnParameters) {
     path.widths = {10, 30, 999};
     path.spaces = {49, 24, 999};
     const auto marks = kBuilder.MarksOfPath(path);
-    ASSERT_EQ(marks.at(0).bands.size(), 4U); // 0, 50, 100, 150; the next would stand on the corner
+    ASSERT_EQ(marks.at(0).bands.size(), 4U); // 0, 50, 100, 150; the next would be on the corner
     ASSERT_EQ(marks.at(1).bands.size(), 8U); // 0, 25 ... 175
     ExpectAt(marks[0].bands[0][0], 95, 310);
     ExpectAt(marks[1].bands[0][0], 270, 285);
@@ -124,32 +124,32 @@ TEST(RulerMarks, widthAndHeightAreDividedBackSeparately) {
     EXPECT_NEAR(marks[0].tickStarts[1].y(), 150.0 / 200.0, 1e-12);
 }
 
-TEST(RulerMarks, aStepBelowOneCountsAsOne) {
+TEST(RulerMarks, stepBelowOneCountsAsOne) {
     for (const int space : {0, -1, -100, std::numeric_limits<int>::min()})
         EXPECT_EQ(kBuilder.MarksOfPath(PathOf({{100, 300}, {110, 300}}, {10, 2, space})).at(0).bands.size(),
                   10U)
             << space;
 }
 
-TEST(RulerMarks, theLargestSpaceGivesOneTick) {
+TEST(RulerMarks, maximumSpaceGivesOneTick) {
     const Parameters parameters{10, 2, std::numeric_limits<int>::max()};
     EXPECT_EQ(kBuilder.MarksOfPath(PathOf({{100, 300}, {900, 300}}, parameters)).at(0).bands.size(), 1U);
 }
 
-TEST(RulerMarks, aSegmentNeverGetsMoreThanAHundredThousandTicks) {
+TEST(RulerMarks, segmentHasAtMostAHundredThousandTicks) {
     const auto marks = kBuilder.MarksOfPath(PathOf({{0, 300}, {1e12, 300}, {1e12, 400}}, {10, 2, 0}));
     EXPECT_EQ(marks.at(0).bands.size(), 100'000U);
     EXPECT_EQ(marks.at(1).bands.size(), 100U);
 }
 
-TEST(RulerMarks, aSegmentWithoutLengthHasNoTicksAndKeepsTheOffset) {
+TEST(RulerMarks, segmentWithoutLengthHasNoTicksAndKeepsTheOffset) {
     const auto marks = kBuilder.MarksOfPath(PathOf({{100, 300}, {300, 300}, {300, 300}, {300, 500}}));
     ASSERT_EQ(marks.size(), 3U);
     EXPECT_TRUE(marks[1].bands.empty());
     ExpectAt(marks[2].tickStarts.at(0), 250, 302);
 }
 
-TEST(RulerMarks, pointsThatAreNotFiniteHaveNoTicks) {
+TEST(RulerMarks, nonFinitePointsHaveNoTicks) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double infinite = std::numeric_limits<double>::infinity();
     for (const double value : {nan, infinite, -infinite}) {
@@ -174,12 +174,12 @@ TEST(RulerMarks, everyStoredPointIsFinite) {
     }
 }
 
-TEST(RulerMarks, aPathOfOnePointHasNone) {
+TEST(RulerMarks, pathOfOnePointHasNone) {
     EXPECT_TRUE(kBuilder.MarksOfPath(PathOf({{100, 300}})).empty());
     EXPECT_TRUE(kBuilder.MarksOfPath(PathOf({})).empty());
 }
 
-/// The same marks from another side: a unit vector along the segment and its normal.
+/// The same marks computed in another way: by a unit vector along the segment and its normal.
 void ExpectMarksOf(const TrackPath& path, const std::vector<RulerMarks>& marks, std::complex<double> image) {
     const auto place = [&](const QPointF& point) {
         return std::complex<double>(point.x() * image.real(), point.y() * image.imag());
@@ -191,7 +191,7 @@ void ExpectMarksOf(const TrackPath& path, const std::vector<RulerMarks>& marks, 
         const std::complex<double> along = place(path.points[j + 1]) - from;
         const double length = std::abs(along);
         const std::complex<double> unit = along / length;
-        // The tick's first end lies to the left of the picture, or below when the segment is level.
+        // The tick's first end is to the left in the picture, or below when the segment is horizontal.
         std::complex<double> normal = unit * std::complex<double>(0.0, 1.0);
         if (normal.real() > 0.0 || (normal.real() == 0.0 && normal.imag() < 0.0))
             normal = -normal;
@@ -245,7 +245,7 @@ TEST(RulerTickCount, countsAcrossCornersAndPaths) {
     EXPECT_EQ(kBuilder.TickCount({path, path, path}), 3U);
 }
 
-TEST(RulerTickCount, isThatOfTheMarksOfRandomPaths) {
+TEST(RulerTickCount, equalsTheMarksOfRandomPaths) {
     std::mt19937 random(11);
     std::uniform_real_distribution<double> place(-200.0, 1200.0);
     std::uniform_int_distribution<int> space(-2, 300);
@@ -271,7 +271,7 @@ TEST(RulerTickCount, isNotLimited) {
     EXPECT_EQ(kBuilder.TickCount(many), 3'000'000U);
 }
 
-TEST(RulerTickCount, stopsWhereDoublesNoLongerCount) {
+TEST(RulerTickCount, isUncountableBeyondTheIntegersOfADouble) {
     constexpr double kFar = 4503599627370495.0; // 2^52 - 1
     EXPECT_EQ(CountOf({{0, 0}, {kFar, 0}}, 0), 4503599627370495U);
     EXPECT_EQ(CountOf({{0, 0}, {kFar + 1, 0}}, 0), RulerMarksBuilder::kUncountable);
@@ -285,7 +285,7 @@ TEST(RulerTickCount, stopsWhereDoublesNoLongerCount) {
     EXPECT_EQ(kBuilder.TickCount({half}), 2'099U * 4503599627370495U);
 }
 
-TEST(RulerTickCount, isNoneWhereThereAreNoTicks) {
+TEST(RulerTickCount, isZeroWithoutTicks) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     EXPECT_EQ(CountOf({{100, 300}, {100, 300}}, 0), 0U);
     EXPECT_EQ(CountOf({{nan, 300}, {100, 300}}, 0), 0U);
@@ -295,7 +295,7 @@ TEST(RulerTickCount, isNoneWhereThereAreNoTicks) {
     EXPECT_EQ(RulerMarksBuilder(QSize()).TickCount({PathOf({{0, 0}, {100, 0}})}), 0U);
 }
 
-TEST(RulerTickCount, hasTheTicksThatAreTooFarAwayForMarks) {
+TEST(RulerTickCount, includesTicksTooFarAwayForMarks) {
     const TrackPath path = PathOf({{1e307, 0}, {1e307, 100}});
     EXPECT_TRUE(kBuilder.MarksOfPath(path).at(0).tickStarts.empty());
     EXPECT_EQ(kBuilder.TickCount({path}), 1U);

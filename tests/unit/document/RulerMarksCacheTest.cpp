@@ -6,7 +6,7 @@ namespace {
 
 constexpr QSize kImage(200'000, 10);
 
-/// A level path of one segment that asks for so many ticks.
+/// A horizontal path of one segment with this number of ticks.
 TrackPath PathOfTicks(int ticks) {
     TrackPath path;
     path.points = {{0.0, 0.5}, {static_cast<double>(ticks) / kImage.width(), 0.5}};
@@ -38,7 +38,7 @@ class RulerMarksOfAll : public ::testing::Test {
     RulerMarksCache cache;
 };
 
-TEST_F(RulerMarksOfAll, areTwoMillionTicksAtMost) {
+TEST_F(RulerMarksOfAll, haveAtMostTwoMillionTicks) {
     paths.assign(23, PathOfTicks(100'000));
     paths[0] = PathOfTicks(10);
     Update();
@@ -49,7 +49,7 @@ TEST_F(RulerMarksOfAll, areTwoMillionTicksAtMost) {
     EXPECT_EQ(Ticks(paths), expected);
 }
 
-TEST_F(RulerMarksOfAll, giveTicksThatAreFreeAgainToThoseBehind) {
+TEST_F(RulerMarksOfAll, giveFreedTicksToLaterSegments) {
     paths.assign(22, PathOfTicks(100'000));
     Update();
     ASSERT_EQ(Ticks(paths)[20], 0U);
@@ -60,7 +60,7 @@ TEST_F(RulerMarksOfAll, giveTicksThatAreFreeAgainToThoseBehind) {
     EXPECT_EQ(Ticks(paths)[21], 0U);
 }
 
-TEST_F(RulerMarksOfAll, takeTicksFromThoseBehindWhenOneInFrontNeedsThem) {
+TEST_F(RulerMarksOfAll, takeTicksFromLaterSegmentsForEarlierOnes) {
     paths.assign(21, PathOfTicks(100'000));
     paths[0] = PathOfTicks(10);
     paths[20] = PathOfTicks(50'000);
@@ -72,7 +72,7 @@ TEST_F(RulerMarksOfAll, takeTicksFromThoseBehindWhenOneInFrontNeedsThem) {
     EXPECT_EQ(Ticks(paths)[20], 10'000U);
 }
 
-TEST_F(RulerMarksOfAll, countATickNoMoreWhenItsSegmentIsGone) {
+TEST_F(RulerMarksOfAll, doNotCountTicksOfRemovedSegments) {
     paths.assign(20, PathOfTicks(100'000));
     paths[19] = PathOfTicks(50'000);
     Update();

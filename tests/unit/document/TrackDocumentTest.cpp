@@ -27,7 +27,7 @@ TrackContent Content(std::vector<TrackPath> paths) {
     return content;
 }
 
-/// All that a step has to restore.
+/// The complete state that a step must restore.
 struct State {
     int finishedCount = 0;
     std::vector<std::vector<std::pair<double, double>>> points;
@@ -60,7 +60,7 @@ class TrackDocumentTest : public ::testing::Test {
     }
     [[nodiscard]] const std::vector<TrackPath>& Paths() const { return document.paths(); }
 
-    /// That one step back restores what was before `edit`, and one step forth what was after it.
+    /// Checks that undo restores the state before `edit`, and redo the state after it.
     template<typename Edit>
     void ExpectOneStep(Edit edit) {
         const State before = StateOf(document);
@@ -87,7 +87,7 @@ TEST_F(TrackDocumentTest, startsWithoutATrack) {
     EXPECT_EQ(document.finishedCount(), 0);
 }
 
-TEST_F(TrackDocumentTest, aNewPointGetsTheDefaultParameters) {
+TEST_F(TrackDocumentTest, newPointGetsTheDefaultParameters) {
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     EXPECT_THAT(Paths().at(0).methods, ElementsAre(1, 1));
     EXPECT_THAT(Paths()[0].lengths, ElementsAre(100, 100));
@@ -118,7 +118,7 @@ TEST_F(TrackDocumentTest, deletingTheLastOfThreePointsLeavesTwoAndTheirMarks) {
     EXPECT_EQ(document.finishedCount(), 1);
 }
 
-TEST_F(TrackDocumentTest, deletingAWholePathClosesEveryOther) {
+TEST_F(TrackDocumentTest, deletingAPathClosesEveryOther) {
     document.open(
         Content({Path({{0.1, 0.1}, {0.2, 0.2}}), Path({{0.3, 0.3}, {0.4, 0.4}}), Path({{0.5, 0.5}})}),
         "a.trk", TrackOrigin::External);
@@ -136,7 +136,7 @@ TEST_F(TrackDocumentTest, removingAPointOfFewerThanThreeRemovesItsPathAndClosesE
     document.removePoint({1, 1});
     EXPECT_EQ(Paths().at(1).points, (std::vector<QPointF>{{0.3, 0.3}, {0.5, 0.4}}));
     EXPECT_THAT(Paths()[1].lengths, ElementsAre(20, 20));
-    EXPECT_EQ(document.finishedCount(), 0) << "the path goes on without the point";
+    EXPECT_EQ(document.finishedCount(), 0) << "the path continues without the point";
     document.removePoint({0, 0});
     ASSERT_EQ(Paths().size(), 2U);
     EXPECT_THAT(Paths()[0].lengths, ElementsAre(20, 20));
@@ -173,7 +173,7 @@ TEST_F(TrackDocumentTest, closingAllPathsIsOneStep) {
     EXPECT_EQ(document.finishedCount(), 1);
 }
 
-TEST_F(TrackDocumentTest, aSegmentExistsBetweenTwoPoints) {
+TEST_F(TrackDocumentTest, segmentExistsBetweenTwoPoints) {
     Draw({{0.1, 0.1}, {0.2, 0.1}, {0.2, 0.2}});
     EXPECT_TRUE(document.segmentExists(0, 0));
     EXPECT_TRUE(document.segmentExists(0, 1));
@@ -198,7 +198,7 @@ TEST_F(TrackDocumentTest, eachParameterGoesToItsOwnListAndSegment) {
     EXPECT_EQ(document.parameter({0, 1}, SegmentParameter::Space), 5);
 }
 
-TEST_F(TrackDocumentTest, aParameterOfNoSegmentIsNotSet) {
+TEST_F(TrackDocumentTest, doesNotSetAParameterOfAMissingSegment) {
     EXPECT_FALSE(document.setParameter({0, 0}, SegmentParameter::Length, 3));
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     EXPECT_FALSE(document.setParameter({0, 1}, SegmentParameter::Length, 3));
@@ -207,7 +207,7 @@ TEST_F(TrackDocumentTest, aParameterOfNoSegmentIsNotSet) {
     EXPECT_THAT(Paths()[0].lengths, ElementsAre(100, 100));
 }
 
-TEST_F(TrackDocumentTest, aBatchReachesTheLastPointsToo) {
+TEST_F(TrackDocumentTest, batchReachesTheLastPointsToo) {
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     Draw({{0.1, 0.5}, {0.2, 0.5}, {0.3, 0.5}});
     document.setParameterEverywhere(SegmentParameter::Width, 7);
@@ -256,7 +256,7 @@ TEST_F(TrackDocumentTest, typingInOneFieldForOneSegmentIsOneStep) {
     EXPECT_TRUE(StateOf(document) == before);
 }
 
-TEST_F(TrackDocumentTest, aBatchSettingIsOneStepHoweverItIsTyped) {
+TEST_F(TrackDocumentTest, batchSettingIsOneStepHoweverItIsTyped) {
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     document.setParameter({0, 0}, SegmentParameter::Length, 5);
     const State before = StateOf(document);
@@ -269,7 +269,7 @@ TEST_F(TrackDocumentTest, aBatchSettingIsOneStepHoweverItIsTyped) {
     EXPECT_THAT(Paths()[0].lengths, ElementsAre(75, 75));
 }
 
-TEST_F(TrackDocumentTest, anotherGestureIsAnotherStep) {
+TEST_F(TrackDocumentTest, newGestureIsANewStep) {
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     document.endGesture();
     document.movePoint({0, 0}, {0.3, 0.3});
@@ -281,16 +281,16 @@ TEST_F(TrackDocumentTest, anotherGestureIsAnotherStep) {
     EXPECT_EQ(Paths()[0].points[0].x(), 0.1);
 }
 
-TEST_F(TrackDocumentTest, aGestureThatEndsWhereItBeganIsNoStep) {
+TEST_F(TrackDocumentTest, gestureThatEndsWhereItBeganIsNoStep) {
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     document.deleteAll();
     document.undo();
     const bool modified = document.isModified();
     document.endGesture();
-    document.setParameter({0, 0}, SegmentParameter::Length, 100); // what it was
+    document.setParameter({0, 0}, SegmentParameter::Length, 100); // the previous value
     document.setParameterEverywhere(SegmentParameter::Length, 100);
     document.movePoint({0, 0}, {0.1, 0.1});
-    EXPECT_TRUE(document.canRedo()) << "nothing was changed, so nothing that was undone is lost";
+    EXPECT_TRUE(document.canRedo()) << "nothing was changed, so redo stays possible";
     document.movePoint({0, 0}, {0.5, 0.5});
     document.movePoint({0, 0}, {0.1, 0.1});
     EXPECT_EQ(document.isModified(), modified);
@@ -298,7 +298,7 @@ TEST_F(TrackDocumentTest, aGestureThatEndsWhereItBeganIsNoStep) {
     EXPECT_EQ(document.finishedCount(), 0);
 }
 
-TEST_F(TrackDocumentTest, anEditAfterUndoEndsWhatCouldBeRedone) {
+TEST_F(TrackDocumentTest, editAfterUndoClearsRedo) {
     Draw({{0.1, 0.1}, {0.2, 0.1}});
     document.undo();
     ASSERT_TRUE(document.canRedo());
@@ -309,7 +309,7 @@ TEST_F(TrackDocumentTest, anEditAfterUndoEndsWhatCouldBeRedone) {
     EXPECT_TRUE(StateOf(document) == after);
 }
 
-TEST_F(TrackDocumentTest, undoneIsNotModifiedAndRedoneIs) {
+TEST_F(TrackDocumentTest, undoClearsModifiedAndRedoSetsIt) {
     document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}})}), "a.trk", TrackOrigin::External);
     EXPECT_FALSE(document.isModified());
     document.addPoint({0.3, 0.3});
@@ -320,19 +320,19 @@ TEST_F(TrackDocumentTest, undoneIsNotModifiedAndRedoneIs) {
     EXPECT_TRUE(document.isModified());
 }
 
-TEST_F(TrackDocumentTest, closingAPathModifiesNoFile) {
+TEST_F(TrackDocumentTest, closingAPathDoesNotModifyTheTrack) {
     document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}})}), "a.trk", TrackOrigin::External);
     document.closePath();
     EXPECT_TRUE(document.canUndo());
     EXPECT_FALSE(document.isModified());
 }
 
-TEST_F(TrackDocumentTest, savingMakesThePresentStateTheUnmodifiedOne) {
+TEST_F(TrackDocumentTest, savingMakesTheCurrentStateUnmodified) {
     document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}})}), "a.trk", TrackOrigin::External);
     document.setParameter({0, 0}, SegmentParameter::Length, 7);
     document.setSaved();
     EXPECT_FALSE(document.isModified());
-    document.setParameter({0, 0}, SegmentParameter::Length, 75); // typed on after the save
+    document.setParameter({0, 0}, SegmentParameter::Length, 75); // typing continues after the save
     EXPECT_TRUE(document.isModified());
     document.undo();
     EXPECT_FALSE(document.isModified());
@@ -341,7 +341,7 @@ TEST_F(TrackDocumentTest, savingMakesThePresentStateTheUnmodifiedOne) {
     EXPECT_TRUE(document.isModified());
 }
 
-TEST_F(TrackDocumentTest, openingAndClosingForgetTheSteps) {
+TEST_F(TrackDocumentTest, openingAndClosingClearTheHistory) {
     document.addPath({0.1, 0.1});
     document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}})}), "a.trk", TrackOrigin::Workspace);
     EXPECT_FALSE(document.canUndo());
@@ -358,7 +358,7 @@ TEST_F(TrackDocumentTest, openingAndClosingForgetTheSteps) {
     EXPECT_FALSE(document.isWorkspaceTrack());
 }
 
-TEST_F(TrackDocumentTest, aDetachedTrackIsShownButNotOpen) {
+TEST_F(TrackDocumentTest, detachedTrackIsShownButNotOpen) {
     document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}})}), "a.trk", TrackOrigin::Workspace);
     document.addPoint({0.5, 0.5});
     document.detach();
@@ -368,7 +368,7 @@ TEST_F(TrackDocumentTest, aDetachedTrackIsShownButNotOpen) {
     EXPECT_TRUE(document.canUndo());
 }
 
-TEST_F(TrackDocumentTest, anExternalTrackJoinsTheWorkspace) {
+TEST_F(TrackDocumentTest, addsAnExternalTrackToTheWorkspace) {
     document.open(Content({Path({{0.1, 0.1}, {0.2, 0.2}})}), "/elsewhere/a.trk", TrackOrigin::External);
     EXPECT_TRUE(document.isExternal());
     document.moveToWorkspace("./tracks/a.trk");
@@ -377,7 +377,7 @@ TEST_F(TrackDocumentTest, anExternalTrackJoinsTheWorkspace) {
     EXPECT_EQ(document.file(), "./tracks/a.trk");
 }
 
-TEST_F(TrackDocumentTest, itsWorldIsThatOfItsInformationAndImage) {
+TEST_F(TrackDocumentTest, worldComesFromInformationAndImage) {
     document.open(Content({}), "a.trk", TrackOrigin::External);
     const WorldTransform world = document.worldTransform();
     EXPECT_EQ(world.widthScale, 0.25);
@@ -388,7 +388,7 @@ TEST_F(TrackDocumentTest, itsWorldIsThatOfItsInformationAndImage) {
     EXPECT_EQ(document.shownSize(), QSize(80, 30));
 }
 
-TEST_F(TrackDocumentTest, saysWhatChanged) {
+TEST_F(TrackDocumentTest, reportsWhatChanged) {
     std::vector<std::size_t> kinds;
     QObject::connect(&document, &TrackDocument::pathsChanged,
                      [&](const PathsChange& change) { kinds.push_back(change.index()); });
@@ -407,7 +407,7 @@ TEST_F(TrackDocumentTest, saysWhatChanged) {
     EXPECT_THAT(kinds, ElementsAre(kindOf(PathInserted{}), kindOf(FinishedCountSet{})));
 }
 
-TEST_F(TrackDocumentTest, aMoveSaysWhereThePointWas) {
+TEST_F(TrackDocumentTest, moveReportsThePreviousPosition) {
     Draw({{0.1, 0.2}, {0.3, 0.4}});
     PointMoved seen{};
     QObject::connect(&document, &TrackDocument::pathsChanged, [&](const PathsChange& change) {
@@ -425,7 +425,7 @@ TEST_F(TrackDocumentTest, marksFollowEveryStepBackAndForth) {
     document.movePoint({0, 1}, {0.7, 0.2});
     document.setParameter({1, 0}, SegmentParameter::Space, 11);
     Draw({{0.3, 0.5}, {0.9, 0.6}, {0.1, 0.7}});
-    document.computeRulerMarks({400, 300}); // from here on they have something to follow from
+    document.computeRulerMarks({400, 300}); // from here on the marks are updated
     document.splitSegment({0, 0}, {0.4, 0.2});
     document.removePoint({2, 0});
     document.computeRulerMarks({400, 300});
@@ -454,7 +454,7 @@ TEST_F(TrackDocumentTest, marksFollowEveryStepBackAndForth) {
     }
 }
 
-TEST_F(TrackDocumentTest, theHistoryHoldsAThousandSteps) {
+TEST_F(TrackDocumentTest, historyHoldsAThousandSteps) {
     for (int step = 0; step < UndoHistory::kMaxSteps + 5; ++step) {
         document.addPath({0.5, 0.5});
     }
@@ -463,7 +463,7 @@ TEST_F(TrackDocumentTest, theHistoryHoldsAThousandSteps) {
         document.undo();
     EXPECT_EQ(undone, 1000);
     EXPECT_EQ(Paths().size(), 5U);
-    EXPECT_TRUE(document.isModified()) << "the state before the first step cannot be come back to";
+    EXPECT_TRUE(document.isModified()) << "the state before the first step cannot be restored";
 }
 
 TEST_F(TrackDocumentTest, undoWithManyPointsRestoresThemAll) {

@@ -19,7 +19,7 @@ TrackPath PathOf(std::size_t points) {
 /// Bytes of a path's points and lists.
 constexpr std::size_t kBytesOfAPoint = sizeof(QPointF) + 4 * sizeof(int);
 
-TEST(UndoHistory, forgetsTheOldestStepsThatTakeTooMuchMemory) {
+TEST(UndoHistory, dropsTheOldestStepsBeyondTheMemoryLimit) {
     PathList paths = EmptyList();
     constexpr std::size_t kPoints = 1000;
     UndoHistory history(paths, UndoHistory::kMaxSteps, 3 * kPoints * kBytesOfAPoint);
@@ -31,7 +31,7 @@ TEST(UndoHistory, forgetsTheOldestStepsThatTakeTooMuchMemory) {
     int undone = 0;
     for (; history.CanUndo(); ++undone)
         history.Undo();
-    EXPECT_EQ(undone, 2); // a third one's bytes and those of the steps themselves are more than the limit
+    EXPECT_EQ(undone, 2); // a third one's bytes plus those of the steps themselves exceed the limit
     EXPECT_EQ(paths.Count(), 2);
     history.Undo();
     EXPECT_EQ(paths.Count(), 2);
@@ -41,7 +41,7 @@ TEST(UndoHistory, forgetsTheOldestStepsThatTakeTooMuchMemory) {
     EXPECT_EQ(paths.Count(), 0);
 }
 
-TEST(UndoHistory, aStepThatIsTooLargeAloneCannotBeTakenBack) {
+TEST(UndoHistory, stepLargerThanTheLimitCannotBeUndone) {
     PathList paths = EmptyList();
     UndoHistory history(paths, UndoHistory::kMaxSteps, 100);
     paths.InsertPath(0, PathOf(1000));
@@ -51,7 +51,7 @@ TEST(UndoHistory, aStepThatIsTooLargeAloneCannotBeTakenBack) {
     EXPECT_EQ(history.Bytes(), 0U);
 }
 
-TEST(UndoHistory, doesNotMergeIntoAStepThatItForgot) {
+TEST(UndoHistory, doesNotMergeIntoADroppedStep) {
     PathList paths = EmptyList();
     UndoHistory history(paths, UndoHistory::kMaxSteps, 0);
     paths.InsertPath(0, PathOf(2));
@@ -61,7 +61,7 @@ TEST(UndoHistory, doesNotMergeIntoAStepThatItForgot) {
     EXPECT_FALSE(history.CanUndo());
 }
 
-TEST(UndoHistory, namesEveryContentAnewAndTheSameOneAgain) {
+TEST(UndoHistory, givesEachContentItsOwnRevision) {
     PathList paths = EmptyList();
     UndoHistory history(paths);
     const auto empty = history.CurrentRevision();
@@ -78,7 +78,7 @@ TEST(UndoHistory, namesEveryContentAnewAndTheSameOneAgain) {
     EXPECT_NE(history.CurrentRevision(), empty);
 }
 
-TEST(UndoHistory, clearingKeepsTheNameOfContentThatStays) {
+TEST(UndoHistory, clearingKeepsTheRevisionOfUnchangedContent) {
     PathList paths = EmptyList();
     UndoHistory history(paths);
     history.Push(std::make_unique<AddPathStep>(PathPoint{}));

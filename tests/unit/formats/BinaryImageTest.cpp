@@ -24,7 +24,7 @@ using testing::IsEmpty;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-/// The colour that a height has in the picture.
+/// The colour of a height in the picture.
 QColor ColourOf(double height, double low, double high) {
     const auto [red, green, blue] = independent::RampColour(height, low, high);
     return {red, green, blue};
@@ -73,7 +73,7 @@ TEST_F(BinaryImage, hasTheColourOfEachCell) {
     EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
-TEST_F(BinaryImage, isRightInEveryRowWhateverTheWidth) {
+TEST_F(BinaryImage, isCorrectInEveryRowAtAnyWidth) {
     for (std::int32_t width = 1; width <= 9; ++width) {
         Track track;
         track.width = width;
@@ -85,7 +85,7 @@ TEST_F(BinaryImage, isRightInEveryRowWhateverTheWidth) {
     }
 }
 
-TEST_F(BinaryImage, mayHaveRowsThatAreLongerThanWhatIsReadAtATime) {
+TEST_F(BinaryImage, canHaveRowsLongerThanTheReadBuffer) {
     Track track;
     track.width = 70'001;
     track.height = 3;
@@ -95,7 +95,7 @@ TEST_F(BinaryImage, mayHaveRowsThatAreLongerThanWhatIsReadAtATime) {
     ExpectPicture(image, track, 0, 8190);
 }
 
-TEST_F(BinaryImage, hasTheFormulasColourForAllSamples) {
+TEST_F(BinaryImage, matchesTheFormulaForAllSamples) {
     Track track;
     track.width = 256;
     track.height = 256;
@@ -110,7 +110,7 @@ TEST_F(BinaryImage, hasTheFormulasColourForAllSamples) {
     ExpectPicture(image, track, -65.5, 611);
 }
 
-TEST_F(BinaryImage, ofTheRealSurfaceIsAsTheIndependentReaderSeesIt) {
+TEST_F(BinaryImage, ofTheRealSurfaceEqualsTheIndependentReaders) {
     const Track track = independent::ReadBinary(FileContent(TestData("fault-binary.trk")));
     TrackInfo info;
     ASSERT_EQ(converter.ReadInfo(TestData("fault-binary.trk"), info), 0);
@@ -128,7 +128,7 @@ TEST_F(BinaryImage, ofTheRealSurfaceIsAsTheIndependentReaderSeesIt) {
     ExpectPicture(image, track, low, high);
 }
 
-TEST_F(BinaryImage, hasTheHeightsOfTheInformationThatIsGiven) {
+TEST_F(BinaryImage, usesTheGivenInformationsHeights) {
     const Track track = SampleTrack();
     Track scaled = track;
     scaled.zResolution = 2;
@@ -137,9 +137,9 @@ TEST_F(BinaryImage, hasTheHeightsOfTheInformationThatIsGiven) {
     ExpectPicture(image, scaled, -90, 160);
 }
 
-TEST_F(BinaryImage, thatNobodyCanHoldIsAFailure) {
+TEST_F(BinaryImage, reportsAnImageTooLargeForMemory) {
     Track track;
-    track.width = 800'000'000; // three bytes each are more than a line of pixels may have
+    track.width = 800'000'000; // at three bytes each, more than a line of pixels may have
     track.height = 1;
     const std::string head = BinaryFile(track).substr(0, 68);
     WriteFile("a.trk", head);
@@ -165,10 +165,10 @@ TEST_F(BinaryImage, needsARangeAboveZero) {
         EXPECT_EQ(Read(track, low, high), 1);
         EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Invalid depth range for pixel retrieval from CSV"));
     }
-    EXPECT_EQ(image.width(), 2) << "the picture before stays";
+    EXPECT_EQ(image.width(), 2) << "the previous picture stays";
 }
 
-TEST_F(BinaryImage, ofAnInfiniteRangeOrStrangeScalesIsMadeAllTheSame) {
+TEST_F(BinaryImage, isMadeForInfiniteRangesAndScales) {
     Track track = SampleTrack();
     EXPECT_EQ(Read(track, -kInfinity, 600), 0);
     EXPECT_EQ(Read(track, 600, kInfinity), 0);
@@ -180,21 +180,21 @@ TEST_F(BinaryImage, ofAnInfiniteRangeOrStrangeScalesIsMadeAllTheSame) {
     }
 }
 
-TEST_F(BinaryImage, ofNoTrackIsAFailureWithItsOwnLine) {
+TEST_F(BinaryImage, reportsAFileThatIsNoTrack) {
     EXPECT_EQ(converter.ReadImage("missing.trk", InfoOf(SampleTrack()), 0, 1, image), 1);
     EXPECT_EQ(Read("Info\n", SampleTrack(), 0, 1), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Could not find file (missing.trk)",
                                          "ERROR: Could not find file (a.trk)"));
 }
 
-TEST_F(BinaryImage, ofAnotherVersionIsAFailure) {
+TEST_F(BinaryImage, reportsAnotherVersion) {
     std::string content = BinaryFile(SampleTrack());
     content[8] = 2;
     EXPECT_EQ(Read(content, SampleTrack(), 595, 610), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Wrong file version (2)"));
 }
 
-TEST_F(BinaryImage, ofAMapCutAnywhereIsAFailure) {
+TEST_F(BinaryImage, reportsAMapTruncatedAnywhere) {
     const Track track = SampleTrack();
     const std::string head = BinaryHead(track);
     for (std::size_t size = 0; size < head.size(); ++size) {
@@ -212,20 +212,20 @@ TEST_F(BinaryImage, ofAMapCutAnywhereIsAFailure) {
     EXPECT_EQ(Read(head, track, 595, 610), 0);
 }
 
-TEST_F(BinaryImage, ofImpossibleDimensionsIsAFailureWithoutALargeAllocation) {
-    constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+TEST_F(BinaryImage, reportsImpossibleDimensionsWithoutALargeAllocation) {
+    constexpr std::int32_t kMaxInt32 = std::numeric_limits<std::int32_t>::max();
     Track track = SampleTrack();
     for (const auto& [width, height] :
          std::vector<std::pair<std::int32_t, std::int32_t>>{{0, 0},
                                                             {0, 3},
                                                             {5, 0},
-                                                            {kLargest, 0},
+                                                            {kMaxInt32, 0},
                                                             {-1, 3},
                                                             {5, -1},
                                                             {-5, -3},
-                                                            {kLargest, 1},
-                                                            {1, kLargest},
-                                                            {kLargest, kLargest},
+                                                            {kMaxInt32, 1},
+                                                            {1, kMaxInt32},
+                                                            {kMaxInt32, kMaxInt32},
                                                             {65536, 65536}}) {
         SCOPED_TRACE(std::to_string(width) + " x " + std::to_string(height));
         track.width = width;
@@ -235,7 +235,7 @@ TEST_F(BinaryImage, ofImpossibleDimensionsIsAFailureWithoutALargeAllocation) {
     }
 }
 
-TEST_F(BinaryImage, ofAFileThatChangedSinceItsInformationWasReadIsAFailure) {
+TEST_F(BinaryImage, reportsAFileChangedSinceItsInformationWasRead) {
     Track changed = SampleTrack();
     for (const auto& [width, height] :
          std::vector<std::pair<std::int32_t, std::int32_t>>{{3, 5}, {5, 2}, {4, 3}}) {

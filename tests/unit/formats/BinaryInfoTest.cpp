@@ -29,7 +29,7 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr std::size_t kHeaderSize = 68;
 
-/// A temporary folder and what every test needs.
+/// A temporary folder and the helpers of every test.
 class BinaryInfo : public testing::Test {
   protected:
     /// Reads the information of a file with this content.
@@ -68,13 +68,13 @@ TEST_F(BinaryInfo, holdsTheFieldsOfTheHeader) {
     EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
-TEST_F(BinaryInfo, rangeIsOfScaledSamplesWithoutTheEmptyOnes) {
+TEST_F(BinaryInfo, rangeCoversScaledSamplesWithoutTheEmptyOnes) {
     EXPECT_EQ(Read(BinaryFile(SampleTrack())), 0);
     EXPECT_EQ(info.minHeight, -40 * 0.125 + 600);
     EXPECT_EQ(info.maxHeight, 80 * 0.125 + 600);
 }
 
-TEST_F(BinaryInfo, rangeDoesNotDependOnWhatTheCallerStartsWith) {
+TEST_F(BinaryInfo, rangeIgnoresTheCallersInitialValues) {
     info.minHeight = -1e9;
     info.maxHeight = 1e9;
     EXPECT_EQ(Read(BinaryFile(SampleTrack())), 0);
@@ -82,13 +82,13 @@ TEST_F(BinaryInfo, rangeDoesNotDependOnWhatTheCallerStartsWith) {
     EXPECT_EQ(info.maxHeight, 610);
 }
 
-TEST_F(BinaryInfo, rangeOfAMapWithoutMeasurementsStaysAtItsStart) {
+TEST_F(BinaryInfo, rangeWithoutMeasurementsKeepsItsInitialValues) {
     EXPECT_EQ(Read(BinaryFile(RowOf(std::vector<std::int16_t>(100, kNoMeasurement)))), 0);
     EXPECT_EQ(info.minHeight, 1e38);
     EXPECT_EQ(info.maxHeight, -1e38);
 }
 
-TEST_F(BinaryInfo, rangeTakesTheWholeOfSixteenBits) {
+TEST_F(BinaryInfo, rangeCoversAllSixteenBits) {
     EXPECT_EQ(Read(BinaryFile(RowOf({kNoMeasurement, 32767, kNoMeasurement}))), 0);
     EXPECT_EQ(info.minHeight, 32767);
     EXPECT_EQ(info.maxHeight, 32767);
@@ -97,13 +97,13 @@ TEST_F(BinaryInfo, rangeTakesTheWholeOfSixteenBits) {
     EXPECT_EQ(info.maxHeight, 32767);
 }
 
-TEST_F(BinaryInfo, rangeTurnsRoundWithANegativeResolution) {
+TEST_F(BinaryInfo, rangeIsReversedByANegativeResolution) {
     EXPECT_EQ(Read(BinaryFile(RowOf({1, 2, 3}, -2, 10))), 0);
     EXPECT_EQ(info.minHeight, 4);
     EXPECT_EQ(info.maxHeight, 8);
 }
 
-TEST_F(BinaryInfo, rangeSeesTheExtremesWhereverTheyStand) {
+TEST_F(BinaryInfo, rangeFindsTheExtremesAtAnyPosition) {
     constexpr std::size_t kCells = 67;
     for (std::size_t place = 0; place < kCells; ++place) {
         std::vector<std::int16_t> cells(kCells, 5);
@@ -115,7 +115,7 @@ TEST_F(BinaryInfo, rangeSeesTheExtremesWhereverTheyStand) {
     }
 }
 
-TEST_F(BinaryInfo, rangeSpansMapsLargerThanOneReadAtATime) {
+TEST_F(BinaryInfo, rangeCoversMapsLargerThanTheReadBuffer) {
     Track track;
     track.width = 400;
     track.height = 1000;
@@ -130,7 +130,7 @@ TEST_F(BinaryInfo, rangeSpansMapsLargerThanOneReadAtATime) {
     }
 }
 
-TEST_F(BinaryInfo, heightsThatAreNotFiniteDoNotCount) {
+TEST_F(BinaryInfo, rangeIgnoresNonFiniteHeights) {
     for (const double strange : {kInfinity, -kInfinity, kNaN}) {
         EXPECT_EQ(Read(BinaryFile(RowOf({-1, 0, 1}, strange, 0))), 0);
         EXPECT_EQ(info.minHeight, 1e38);
@@ -144,20 +144,20 @@ TEST_F(BinaryInfo, heightsThatAreNotFiniteDoNotCount) {
     EXPECT_EQ(info.maxHeight, 10 * 1e305);
 }
 
-TEST_F(BinaryInfo, heightsBetweenOnesThatAreTooLargeCount) {
+TEST_F(BinaryInfo, rangeIncludesHeightsBetweenTooLargeOnes) {
     EXPECT_EQ(Read(BinaryFile(RowOf({-10, 10, 30000}, 1e305, 0))), 0);
     EXPECT_EQ(info.minHeight, -10 * 1e305);
     EXPECT_EQ(info.maxHeight, 10 * 1e305);
     EXPECT_EQ(Read(BinaryFile(RowOf({-20000, -10, 10}, 1e305, 0))), 0);
     EXPECT_EQ(info.minHeight, -10 * 1e305);
     EXPECT_EQ(info.maxHeight, 10 * 1e305);
-    // A cell without measurement would have a height here that is not too large.
+    // Read as a height, the value for "not measured" would be in range here.
     EXPECT_EQ(Read(BinaryFile(RowOf({kNoMeasurement, -20000, -19000, 32767}, 5e303, 1e308))), 0);
     EXPECT_EQ(info.minHeight, -20000 * 5e303 + 1e308);
     EXPECT_EQ(info.maxHeight, -19000 * 5e303 + 1e308);
 }
 
-TEST_F(BinaryInfo, keepsTheAnchorAndThePositionsThatItHad) {
+TEST_F(BinaryInfo, keepsTheCallersAnchorAndPositions) {
     info.anchorX = 7;
     info.anchorY = 8;
     info.anchorAngle = 9;
@@ -171,7 +171,7 @@ TEST_F(BinaryInfo, keepsTheAnchorAndThePositionsThatItHad) {
     EXPECT_THAT(info.rowPositions, ElementsAre(3));
 }
 
-TEST_F(BinaryInfo, anotherVersionCountsAsReadWithNothingInIt) {
+TEST_F(BinaryInfo, otherVersionReadsAsEmpty) {
     info.width = 77;
     info.minHeight = 32768;
     for (const char version : {'\0', '\2', '\xFF'}) {
@@ -186,12 +186,12 @@ TEST_F(BinaryInfo, anotherVersionCountsAsReadWithNothingInIt) {
     EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
-TEST_F(BinaryInfo, ofNoFileIsAFailureWithItsOwnLine) {
+TEST_F(BinaryInfo, reportsAMissingFile) {
     EXPECT_EQ(converter.ReadInfo("mis %s sing.trk", info), 1);
     std::filesystem::create_directory("folder.trk");
     EXPECT_EQ(converter.ReadInfo("folder.trk", info), 1);
     ASSERT_EQ(mkfifo("pipe.trk", 0600), 0);
-    EXPECT_EQ(converter.ReadInfo("pipe.trk", info), 1) << "and nobody waits for a writer";
+    EXPECT_EQ(converter.ReadInfo("pipe.trk", info), 1) << "without waiting for a writer";
     EXPECT_EQ(Read(""), 1);
     EXPECT_THAT(log.Lines(),
                 ElementsAre("ERROR: Could not find file (mis %s sing.trk)",
@@ -199,7 +199,7 @@ TEST_F(BinaryInfo, ofNoFileIsAFailureWithItsOwnLine) {
                             "ERROR: Could not find file (pipe.trk)", "ERROR: Could not find file (a.trk)"));
 }
 
-TEST_F(BinaryInfo, ofAnUnreadableFileIsAFailureWithItsOwnLine) {
+TEST_F(BinaryInfo, reportsAnUnreadableFile) {
     WriteFile("a.trk", BinaryFile(SampleTrack()));
     std::filesystem::permissions("a.trk", std::filesystem::perms::none);
     const OrdinaryUser user(".");
@@ -208,7 +208,7 @@ TEST_F(BinaryInfo, ofAnUnreadableFileIsAFailureWithItsOwnLine) {
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Could not find file (a.trk)"));
 }
 
-TEST_F(BinaryInfo, magicMayHoldItsWordAnywhereInEightBytes) {
+TEST_F(BinaryInfo, magicWordMayBeAnywhereInEightBytes) {
     std::string content = BinaryFile(SampleTrack());
     for (const char* magic : {"Tra\0\0\0\0\0", "xTraxxxx", "\0\0\0\0\0Tra", "Tracking"}) {
         content.replace(0, 8, magic, 8);
@@ -222,7 +222,7 @@ TEST_F(BinaryInfo, magicMayHoldItsWordAnywhereInEightBytes) {
     }
 }
 
-TEST_F(BinaryInfo, ofAHeaderCutAtAnyByteFailsAndKeepsTheFieldsBeforeTheCut) {
+TEST_F(BinaryInfo, truncatedHeaderFailsAndKeepsTheFieldsBefore) {
     const std::string content = BinaryFile(SampleTrack());
     for (std::size_t size = 0; size < kHeaderSize; ++size) {
         SCOPED_TRACE("cut at " + std::to_string(size));
@@ -243,7 +243,7 @@ TEST_F(BinaryInfo, ofAHeaderCutAtAnyByteFailsAndKeepsTheFieldsBeforeTheCut) {
     }
 }
 
-TEST_F(BinaryInfo, ofAMapCutShortFailsAndKeepsTheRangeOfTheWholeRows) {
+TEST_F(BinaryInfo, truncatedMapFailsAndKeepsTheRangeOfTheCompleteRows) {
     const std::string content = BinaryFile(SampleTrack());
     for (std::size_t size = kHeaderSize; size < kHeaderSize + 30; ++size) {
         SCOPED_TRACE("cut at " + std::to_string(size));
@@ -257,7 +257,7 @@ TEST_F(BinaryInfo, ofAMapCutShortFailsAndKeepsTheRangeOfTheWholeRows) {
     }
 }
 
-TEST_F(BinaryInfo, needsNoBlockBehindTheMapButAnAnchorMustBeWhole) {
+TEST_F(BinaryInfo, needsNoBlockAfterTheMapButAnAnchorMustBeComplete) {
     const Track track = SampleTrack();
     const std::string head = BinaryHead(track);
     EXPECT_EQ(Read(head), 0);
@@ -270,19 +270,19 @@ TEST_F(BinaryInfo, needsNoBlockBehindTheMapButAnAnchorMustBeWhole) {
         EXPECT_EQ(Read(head + anchor.substr(0, size)), 1) << size;
 }
 
-TEST_F(BinaryInfo, ofImpossibleDimensionsIsAFailureWithoutALargeAllocation) {
-    constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+TEST_F(BinaryInfo, reportsImpossibleDimensionsWithoutALargeAllocation) {
+    constexpr std::int32_t kMaxInt32 = std::numeric_limits<std::int32_t>::max();
     Track track = SampleTrack();
     for (const auto& [width, height] :
          std::vector<std::pair<std::int32_t, std::int32_t>>{{-1, 3},
                                                             {5, -1},
                                                             {-1, -1},
                                                             {-5, -3},
-                                                            {kLargest, 1},
-                                                            {1, kLargest},
-                                                            {kLargest, kLargest},
+                                                            {kMaxInt32, 1},
+                                                            {1, kMaxInt32},
+                                                            {kMaxInt32, kMaxInt32},
                                                             {65536, 65536},
-                                                            {-kLargest - 1, -kLargest - 1},
+                                                            {-kMaxInt32 - 1, -kMaxInt32 - 1},
                                                             {46341, 46341},
                                                             {5, 100}}) {
         SCOPED_TRACE(std::to_string(width) + " x " + std::to_string(height));
@@ -295,7 +295,7 @@ TEST_F(BinaryInfo, ofImpossibleDimensionsIsAFailureWithoutALargeAllocation) {
     }
 }
 
-TEST_F(BinaryInfo, ofANegativeDimensionFailsWithARangeThatIsEmpty) {
+TEST_F(BinaryInfo, negativeDimensionFailsWithAnEmptyRange) {
     Track track = SampleTrack();
     for (const auto& [width, height] :
          std::vector<std::pair<std::int32_t, std::int32_t>>{{-1, 3}, {5, -1}, {-5, -3}}) {
@@ -311,11 +311,11 @@ TEST_F(BinaryInfo, ofANegativeDimensionFailsWithARangeThatIsEmpty) {
     }
 }
 
-TEST_F(BinaryInfo, ofAMapWithoutCellsIsReadWithAnEmptyRange) {
-    constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+TEST_F(BinaryInfo, mapWithoutCellsHasAnEmptyRange) {
+    constexpr std::int32_t kMaxInt32 = std::numeric_limits<std::int32_t>::max();
     Track track;
     for (const auto& [width, height] : std::vector<std::pair<std::int32_t, std::int32_t>>{
-             {0, 0}, {0, 3}, {3, 0}, {kLargest, 0}, {0, kLargest}}) {
+             {0, 0}, {0, 3}, {3, 0}, {kMaxInt32, 0}, {0, kMaxInt32}}) {
         track.width = width;
         track.height = height;
         EXPECT_EQ(Read(BinaryFile(track)), 0);
@@ -326,7 +326,7 @@ TEST_F(BinaryInfo, ofAMapWithoutCellsIsReadWithAnEmptyRange) {
     }
 }
 
-TEST_F(BinaryInfo, heightMapIsNotOffered) {
+TEST_F(BinaryInfo, heightMapIsNotSupported) {
     WriteFile("a.trk", BinaryFile(SampleTrack()));
     std::vector<std::int16_t> heights = {1, 2, 3};
     std::int64_t size = 42;

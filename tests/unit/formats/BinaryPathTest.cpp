@@ -22,7 +22,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr auto kTagged = "ERROR: [ReadPathFromBin] (EXCEPTION) ";
-constexpr std::size_t kCountOffset = 4; // behind a block's tag
+constexpr std::size_t kCountOffset = 4; // after a block's tag
 
 void SetCount(std::string& block, std::int32_t count) {
     for (std::size_t i = 0; i < 4; ++i)
@@ -61,19 +61,19 @@ class BinaryPath : public testing::Test {
     std::vector<TrackPath> paths;
 };
 
-TEST_F(BinaryPath, takesPointsFromTheRelativeCoordinatesAndAllParameters) {
+TEST_F(BinaryPath, readsRelativeCoordinatesAndAllParameters) {
     EXPECT_EQ(Read(BinaryFile(TrackWithPaths())), 0);
     ExpectSamePaths(paths, WithoutMarks(SamplePaths()));
     EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
-TEST_F(BinaryPath, replacesWhatTheListHeld) {
+TEST_F(BinaryPath, replacesTheListsContent) {
     paths.resize(5);
     EXPECT_EQ(Read(BinaryFile(TrackWithPaths())), 0);
     ExpectSamePaths(paths, WithoutMarks(SamplePaths()));
 }
 
-TEST_F(BinaryPath, ofTheRealTrackAreAsTheIndependentReaderSeesThem) {
+TEST_F(BinaryPath, ofTheRealTrackEqualTheIndependentReaders) {
     const Track track = independent::ReadBinary(FileContent(TestData("fault-binary.trk")));
     ASSERT_EQ(converter.ReadPath(TestData("fault-binary.trk"), paths), 0);
     Track again = track;
@@ -91,7 +91,7 @@ TEST_F(BinaryPath, ofTheRealTrackAreAsTheIndependentReaderSeesThem) {
     EXPECT_THAT(Sizes(), ElementsAre(4U, 3U));
 }
 
-TEST_F(BinaryPath, areFoundWhateverBlockIsMissingBeforeThem) {
+TEST_F(BinaryPath, areFoundWithoutTheBlocksBeforeThem) {
     const Track track = TrackWithPaths();
     const std::string head = BinaryHead(track);
     const std::string segments = BinarySegments(track);
@@ -102,22 +102,21 @@ TEST_F(BinaryPath, areFoundWhateverBlockIsMissingBeforeThem) {
     EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
-TEST_F(BinaryPath, areNoneInAFileWithoutTheirBlock) {
+TEST_F(BinaryPath, areEmptyInAFileWithoutTheirBlock) {
     const Track track = TrackWithPaths();
     const std::string head = BinaryHead(track);
     const std::string anchor = BinaryAnchor(track);
     const std::string rulers = BinaryRulers(track);
-    for (const std::string& behind :
-         {std::string(), anchor, rulers, anchor + rulers, anchor + anchor + rulers, std::string("Q\0\0\0", 4),
-          anchor + std::string("S\1\0\0", 4)}) {
+    for (const std::string& rest : {std::string(), anchor, rulers, anchor + rulers, anchor + anchor + rulers,
+                                    std::string("Q\0\0\0", 4), anchor + std::string("S\1\0\0", 4)}) {
         paths.resize(3);
-        EXPECT_EQ(Read(head + behind), 0);
+        EXPECT_EQ(Read(head + rest), 0);
         EXPECT_THAT(paths, IsEmpty());
     }
     EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
-TEST_F(BinaryPath, cutAnywhereFailWithThePointsBeforeTheCut) {
+TEST_F(BinaryPath, failWhenTruncatedAndKeepThePointsBefore) {
     const Track track = TrackWithPaths();
     const std::size_t head = BinaryHead(track).size();
     const std::size_t anchorEnd = head + BinaryAnchor(track).size();
@@ -135,7 +134,7 @@ TEST_F(BinaryPath, cutAnywhereFailWithThePointsBeforeTheCut) {
     }
 }
 
-TEST_F(BinaryPath, areKeptWhenTheCountPromisesMoreThanTheFileHolds) {
+TEST_F(BinaryPath, areKeptWhenTheCountExceedsTheFile) {
     const Track track = TrackWithPaths();
     std::string segments = BinarySegments(track);
     for (const std::int32_t count : {5, 1'000'000, std::numeric_limits<std::int32_t>::max()}) {
@@ -161,7 +160,7 @@ TEST_F(BinaryPath, failForANegativeCount) {
     }
 }
 
-TEST_F(BinaryPath, failForMoreRulersThanTheFileHolds) {
+TEST_F(BinaryPath, failForMoreRulersThanTheFileContains) {
     const Track track = TrackWithPaths();
     std::string rulers = BinaryRulers(track);
     SetCount(rulers, std::numeric_limits<std::int32_t>::max());
@@ -169,7 +168,7 @@ TEST_F(BinaryPath, failForMoreRulersThanTheFileHolds) {
     EXPECT_THAT(log.Lines(), ElementsAre(HasSubstr(kTagged)));
 }
 
-TEST_F(BinaryPath, startOnlyWhereThePathNumberIsTheCountSoFar) {
+TEST_F(BinaryPath, startOnlyWhereThePathNumberEqualsTheCountSoFar) {
     EXPECT_EQ(ReadNumbered({0, 0, 1, 1}), 0);
     EXPECT_THAT(Sizes(), ElementsAre(2U, 2U));
     EXPECT_EQ(ReadNumbered({0, 2}), 0);
@@ -186,7 +185,7 @@ TEST_F(BinaryPath, failWhenTheFirstPointStartsNoPath) {
     }
 }
 
-TEST_F(BinaryPath, ofNoTrackFailAndLeaveTheList) {
+TEST_F(BinaryPath, failForAFileThatIsNoTrackAndKeepTheList) {
     paths.resize(2);
     EXPECT_EQ(converter.ReadPath("missing.trk", paths), 1);
     EXPECT_EQ(Read("Segment\n"), 1);
@@ -195,7 +194,7 @@ TEST_F(BinaryPath, ofNoTrackFailAndLeaveTheList) {
                                          "ERROR: Could not find file (a.trk)"));
 }
 
-TEST_F(BinaryPath, ofAnotherVersionFail) {
+TEST_F(BinaryPath, failForAnotherVersion) {
     std::string content = BinaryFile(TrackWithPaths());
     content[8] = 2;
     EXPECT_EQ(Read(content), 1);
@@ -203,11 +202,11 @@ TEST_F(BinaryPath, ofAnotherVersionFail) {
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Wrong file version (2)"));
 }
 
-TEST_F(BinaryPath, behindAMapThatTheFileCannotHoldFail) {
-    constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+TEST_F(BinaryPath, failAfterAMapLargerThanTheFile) {
+    constexpr std::int32_t kMaxInt32 = std::numeric_limits<std::int32_t>::max();
     Track track = TrackWithPaths();
     for (const auto& [width, height] : std::vector<std::pair<std::int32_t, std::int32_t>>{
-             {-1, 3}, {5, -1}, {-5, -3}, {kLargest, kLargest}, {65536, 65536}}) {
+             {-1, 3}, {5, -1}, {-5, -3}, {kMaxInt32, kMaxInt32}, {65536, 65536}}) {
         track.width = width;
         track.height = height;
         EXPECT_EQ(Read(BinaryFile(track)), 1);

@@ -26,7 +26,7 @@ constexpr std::size_t kHeaderSize = 68;
 constexpr int kOriginalNotReadable = 1;
 constexpr int kTargetNotWritable = 2;
 
-/// A track with cells enough for several reads and writes, whose rows do not end where those do.
+/// A track with enough cells for several reads and writes, whose rows do not end at their bounds.
 Track LargeTrack() {
     Track track = TrackWithPaths();
     track.width = 401;
@@ -73,7 +73,7 @@ TEST_F(BinaryWrite, hasItsFieldsAtTheirOffsets) {
     EXPECT_EQ(content.substr(126), std::string("R\0\0\0\0\0\0\0S\0\0\0\0\0\0\0", 16));
 }
 
-TEST_F(BinaryWrite, ofPathsWithoutMarksCountsNoRulers) {
+TEST_F(BinaryWrite, countsNoRulersForPathsWithoutMarks) {
     Track track = SampleTrack();
     const std::vector<TrackPath> paths = WithoutMarks(SamplePaths());
     SetRecords(track, paths, SampleTransform());
@@ -83,7 +83,7 @@ TEST_F(BinaryWrite, ofPathsWithoutMarksCountsNoRulers) {
     EXPECT_EQ(FileContent("a.trk"), BinaryFile(track));
 }
 
-TEST_F(BinaryWrite, numbersTheRulersOfAllPathsThroughout) {
+TEST_F(BinaryWrite, numbersTheRulersOfAllPathsConsecutively) {
     const std::vector<TrackPath> paths = {SamplePaths()[0], SamplePaths()[1], SamplePaths()[0]};
     Track track = SampleTrack();
     SetRecords(track, paths, SampleTransform());
@@ -104,7 +104,7 @@ TEST_F(BinaryWrite, countsATickByItsStart) {
     EXPECT_EQ(FileContent("a.trk"), BinaryFile(track));
 }
 
-TEST_F(BinaryWrite, ofAMapWithoutCellsHasNothingBetweenHeaderAndAnchor) {
+TEST_F(BinaryWrite, writesNothingBetweenHeaderAndAnchorWithoutCells) {
     Track track = TrackWithPaths();
     track.width = 0;
     track.cells.clear();
@@ -113,17 +113,17 @@ TEST_F(BinaryWrite, ofAMapWithoutCellsHasNothingBetweenHeaderAndAnchor) {
     EXPECT_EQ(FileContent("a.trk").substr(kHeaderSize, 1), "A");
 }
 
-TEST_F(BinaryWrite, takesTheMapsSizeFromItsDimensionsAlone) {
+TEST_F(BinaryWrite, takesTheMapsSizeOnlyFromItsDimensions) {
     const Track track = SampleTrack();
     std::vector<std::int16_t> cells = track.cells;
-    cells.resize(25, 99); // the buffer may be larger than the map, and its reported size another again
+    cells.resize(25, 99); // the buffer may be larger than the map, and its reported size different again
     for (const std::int64_t size : {std::int64_t{0}, std::int64_t{25}, std::int64_t{-1}}) {
         EXPECT_EQ(converter.WriteTrack("a.trk", InfoOf(track), cells, size, {}, 1, 0, 0, 1, 1), 0);
         EXPECT_EQ(FileContent("a.trk"), BinaryFile(track));
     }
 }
 
-TEST_F(BinaryWrite, keepsTheBitsOfNumbersThatAreNotFinite) {
+TEST_F(BinaryWrite, keepsTheBitsOfNonFiniteNumbers) {
     Track track = SampleTrack();
     track.anchor = {std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN(), -0.0};
     track.zResolution = -std::numeric_limits<double>::quiet_NaN();
@@ -131,14 +131,14 @@ TEST_F(BinaryWrite, keepsTheBitsOfNumbersThatAreNotFinite) {
     EXPECT_EQ(FileContent("a.trk"), BinaryFile(track));
 }
 
-TEST_F(BinaryWrite, reachesNoTargetInAMissingFolder) {
+TEST_F(BinaryWrite, failsForATargetInAMissingFolder) {
     EXPECT_EQ(Write("missing/a.trk", SampleTrack(), {}), kTargetNotWritable);
     std::filesystem::create_directory("folder.trk");
     EXPECT_EQ(Write("folder.trk", SampleTrack(), {}), kTargetNotWritable);
     EXPECT_THAT(NamesHere(), ElementsAre("folder.trk"));
 }
 
-TEST_F(BinaryWrite, onAFullDiskLeavesTheOldFile) {
+TEST_F(BinaryWrite, keepsTheOldFileOnAFullDisk) {
     const Track track = LargeTrack();
     const std::size_t size = BinaryFile(track).size();
     WriteFile("a.trk", "old");
@@ -151,14 +151,14 @@ TEST_F(BinaryWrite, onAFullDiskLeavesTheOldFile) {
     EXPECT_EQ(Write("a.trk", track, SamplePaths()), 0);
 }
 
-TEST_F(BinaryWrite, tellsOfAFullDiskInTheLog) {
-    // Larger than what the log's own file takes up, smaller than the track.
+TEST_F(BinaryWrite, logsAFullDisk) {
+    // Larger than the log's file, smaller than the track.
     const FileSizeLimit full(120);
     EXPECT_EQ(Write("a.trk", SampleTrack(), {}), kTargetNotWritable);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Could not write file (a.trk)"));
 }
 
-TEST_F(BinaryWrite, ofAMapSmallerThanItsDimensionsLeavesTheOldFile) {
+TEST_F(BinaryWrite, keepsTheOldFileForAMapSmallerThanItsDimensions) {
     Track track = SampleTrack();
     track.cells.pop_back();
     WriteFile("a.trk", "old");
@@ -177,7 +177,7 @@ TEST_F(BinaryWrite, ofAMapSmallerThanItsDimensionsLeavesTheOldFile) {
     EXPECT_THAT(NamesHere(), ElementsAre("a.trk"));
 }
 
-TEST_F(BinaryWrite, ofPathsWhoseListsAreNotParallelLeavesTheOldFile) {
+TEST_F(BinaryWrite, keepsTheOldFileForListsOfUnequalLengths) {
     WriteFile("a.trk", "old");
     for (std::vector<int> TrackPath::*list :
          {&TrackPath::methods, &TrackPath::lengths, &TrackPath::widths, &TrackPath::spaces}) {
@@ -206,8 +206,8 @@ TEST_F(BinaryUpdate, copiesALargeMap) {
     EXPECT_TRUE(Updated(BinaryFile(original), SamplePaths()) == BinaryFile(LargeTrack()));
 }
 
-/// Maps are copied in pieces of 65,536 cells.
-TEST_F(BinaryUpdate, copiesMapsThatDoNotFillTheirLastPiece) {
+/// Maps are copied in chunks of 65,536 cells.
+TEST_F(BinaryUpdate, copiesMapsThatDoNotFillTheLastChunk) {
     for (const int cells : {1, 2, 65'535, 65'536, 65'537, 131'073}) {
         Track track = SampleTrack();
         track.width = cells;
@@ -221,7 +221,7 @@ TEST_F(BinaryUpdate, copiesMapsThatDoNotFillTheirLastPiece) {
     }
 }
 
-TEST_F(BinaryUpdate, ofTheRealTrackIsAsTheIndependentWriterMakesIt) {
+TEST_F(BinaryUpdate, equalsTheIndependentWriterForTheRealTrack) {
     const std::string content = FileContent(TestData("fault-binary.trk"));
     Track expected = independent::ReadBinary(content);
     EXPECT_EQ(BinaryFile(expected), content);
@@ -229,17 +229,17 @@ TEST_F(BinaryUpdate, ofTheRealTrackIsAsTheIndependentWriterMakesIt) {
     EXPECT_TRUE(Updated(content, SamplePaths()) == BinaryFile(expected));
 }
 
-TEST_F(BinaryUpdate, ofNoPathsWritesCountsOfZero) {
+TEST_F(BinaryUpdate, writesCountsOfZeroWithoutPaths) {
     EXPECT_EQ(Updated(BinaryFile(TrackWithPaths()), {}), BinaryFile(SampleTrack()));
 }
 
-TEST_F(BinaryUpdate, mayHaveTheOriginalAsItsTarget) {
+TEST_F(BinaryUpdate, canOverwriteTheOriginal) {
     WriteFile("a.trk", BinaryFile(SampleTrack()));
     EXPECT_EQ(Update("a.trk", "a.trk", SamplePaths()), 0);
     EXPECT_EQ(FileContent("a.trk"), BinaryFile(TrackWithPaths()));
 }
 
-TEST_F(BinaryUpdate, copiesTheMagicAsItStands) {
+TEST_F(BinaryUpdate, copiesTheMagicUnchanged) {
     for (const char* magic : {"xxxxxTra", "Tracking", "\0Tra\0\xFF\n\r"}) {
         const std::string first(magic, 8);
         const std::string updated = Updated(BinaryFile(SampleTrack()).replace(0, 8, first), SamplePaths());
@@ -247,7 +247,7 @@ TEST_F(BinaryUpdate, copiesTheMagicAsItStands) {
     }
 }
 
-TEST_F(BinaryUpdate, dropsOldBlocksHoweverDamagedTheyAre) {
+TEST_F(BinaryUpdate, dropsOldBlocksEvenWhenDamaged) {
     const Track track = TrackWithPaths();
     const std::string start = BinaryHead(track) + BinaryAnchor(track);
     const std::string blocks = BinaryRulers(track) + BinarySegments(track);
@@ -256,20 +256,20 @@ TEST_F(BinaryUpdate, dropsOldBlocksHoweverDamagedTheyAre) {
     EXPECT_EQ(Updated(start + "anything else", SamplePaths()), start + blocks);
 }
 
-TEST_F(BinaryUpdate, withoutAnAnchorWritesWhatReadsBack) {
+TEST_F(BinaryUpdate, readsBackWithoutAnAnchor) {
     const Track track = TrackWithPaths();
     const std::string head = BinaryHead(track);
     const std::string blocks = BinaryRulers(track) + BinarySegments(track);
-    for (const std::string& behind :
+    for (const std::string& rest :
          {std::string(), blocks, BinarySegments(track), std::string("Q\0\0\0more", 8)}) {
-        EXPECT_EQ(Updated(head + behind, SamplePaths()), head + blocks);
+        EXPECT_EQ(Updated(head + rest, SamplePaths()), head + blocks);
         std::vector<TrackPath> paths;
         EXPECT_EQ(converter.ReadPath("target.trk", paths), 0);
         ExpectSamePaths(paths, WithoutMarks(SamplePaths()));
     }
 }
 
-TEST_F(BinaryUpdate, ofAnotherVersionFailsWithItsOwnLine) {
+TEST_F(BinaryUpdate, reportsAnotherVersion) {
     for (const char version : {'\0', '\2', '\x63'}) {
         WriteFile("a.trk", BinaryFile(SampleTrack()).replace(8, 1, 1, version));
         WriteFile("b.trk", "old");
@@ -280,7 +280,7 @@ TEST_F(BinaryUpdate, ofAnotherVersionFailsWithItsOwnLine) {
     EXPECT_THAT(NamesHere(), ElementsAre("a.trk", "b.trk"));
 }
 
-TEST_F(BinaryUpdate, ofNoTrackFailsWithItsOwnLine) {
+TEST_F(BinaryUpdate, reportsAFileThatIsNoTrack) {
     std::filesystem::create_directory("folder.trk");
     WriteFile("text.trk", "Info\nno track at all\n");
     WriteFile("short.trk", "Track");
@@ -294,14 +294,14 @@ TEST_F(BinaryUpdate, ofNoTrackFailsWithItsOwnLine) {
     EXPECT_THAT(NamesHere(), ElementsAre("folder.trk", "short.trk", "text.trk"));
 }
 
-TEST_F(BinaryUpdate, reachesNoTargetInAMissingFolder) {
+TEST_F(BinaryUpdate, failsForATargetInAMissingFolder) {
     WriteFile("a.trk", BinaryFile(SampleTrack()));
     EXPECT_EQ(Update("a.trk", "missing/b.trk", SamplePaths()), kTargetNotWritable);
     std::filesystem::create_directory("folder.trk");
     EXPECT_EQ(Update("a.trk", "folder.trk", SamplePaths()), kTargetNotWritable);
 }
 
-TEST_F(BinaryUpdate, doesNotWriteAFileThatIsNotToBeWritten) {
+TEST_F(BinaryUpdate, doesNotWriteAReadOnlyFile) {
     WriteFile("a.trk", BinaryFile(SampleTrack()));
     WriteFile("b.trk", "old");
     std::filesystem::permissions("b.trk", std::filesystem::perms::owner_read);
@@ -313,7 +313,7 @@ TEST_F(BinaryUpdate, doesNotWriteAFileThatIsNotToBeWritten) {
     EXPECT_EQ(FileContent("b.trk"), "old");
 }
 
-TEST_F(BinaryUpdate, ofAnOriginalCutBeforeItsBlocksFailsAndLeavesTheTarget) {
+TEST_F(BinaryUpdate, truncatedOriginalFailsAndKeepsTheTarget) {
     const Track track = TrackWithPaths();
     const std::string head = BinaryHead(track);
     const std::string start = head + BinaryAnchor(track);
@@ -329,11 +329,11 @@ TEST_F(BinaryUpdate, ofAnOriginalCutBeforeItsBlocksFailsAndLeavesTheTarget) {
     EXPECT_THAT(NamesHere(), ElementsAre("a.trk", "b.trk"));
 }
 
-TEST_F(BinaryUpdate, ofImpossibleDimensionsFails) {
-    constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+TEST_F(BinaryUpdate, failsForImpossibleDimensions) {
+    constexpr std::int32_t kMaxInt32 = std::numeric_limits<std::int32_t>::max();
     Track track = SampleTrack();
     for (const auto& [width, height] : std::vector<std::pair<std::int32_t, std::int32_t>>{
-             {-1, 3}, {5, -1}, {-5, -3}, {kLargest, 1}, {kLargest, kLargest}, {65536, 65536}}) {
+             {-1, 3}, {5, -1}, {-5, -3}, {kMaxInt32, 1}, {kMaxInt32, kMaxInt32}, {65536, 65536}}) {
         track.width = width;
         track.height = height;
         WriteFile("a.trk", BinaryFile(track));
@@ -347,7 +347,7 @@ TEST_F(BinaryUpdate, ofImpossibleDimensionsFails) {
     }
 }
 
-TEST_F(BinaryUpdate, onAFullDiskLeavesTheOldFile) {
+TEST_F(BinaryUpdate, keepsTheOldFileOnAFullDisk) {
     const std::string original = BinaryFile(LargeTrack());
     WriteFile("a.trk", original);
     for (const std::size_t limit :

@@ -20,7 +20,7 @@ using independent::Track;
 using testing::Contains;
 using testing::ElementsAre;
 
-/// One encoding: how the independent writer makes a file of it and the independent reader takes it.
+/// One encoding: its independent writer and its independent reader.
 struct Encoding {
     const char* name;
     std::string (*write)(const Track&);
@@ -32,8 +32,8 @@ void PrintTo(const Encoding& encoding, std::ostream* stream) {
     *stream << encoding.name;
 }
 
-/// What every converter must do alike, run for each of them; the converter is the one that the file's own
-/// first line chooses.
+/// The behaviour that all converters share, run for each of them; the converter is chosen by the file's
+/// first line.
 class ConverterContract : public testing::TestWithParam<Encoding> {
   protected:
     int Update(const std::string& original, const std::string& target, const std::vector<TrackPath>& paths) {
@@ -69,7 +69,7 @@ TEST_P(ConverterContract, writesRecordsThatTheIndependentReaderFinds) {
     EXPECT_EQ(found.anchor, expected.anchor);
 }
 
-TEST_P(ConverterContract, leavesInformationAndImageAsTheyWere) {
+TEST_P(ConverterContract, keepsInformationAndImage) {
     WriteFile("a.trk", GetParam().write(SampleTrack()));
     ASSERT_EQ(Update("a.trk", "b.trk", SamplePaths()), 0);
     for (const char* name : {"a.trk", "b.trk"}) {
@@ -100,7 +100,7 @@ TEST_P(ConverterContract, needsARangeAboveZero) {
     EXPECT_THAT(log.Lines(), Contains("ERROR: Invalid depth range for pixel retrieval from CSV"));
 }
 
-TEST_P(ConverterContract, tellsAMissingOriginalFromATargetThatCannotBe) {
+TEST_P(ConverterContract, distinguishesAMissingOriginalFromAnUnwritableTarget) {
     WriteFile("a.trk", GetParam().write(SampleTrack()));
     const auto converter = CreateConverter("a.trk");
     EXPECT_EQ(converter->UpdatePath("missing.trk", "b.trk", {}, 1, 0, 0, 1, 1), 1);
@@ -118,7 +118,7 @@ TEST_P(ConverterContract, updatesAFileInPlace) {
     EXPECT_THAT(NamesHere(), ElementsAre("a.trk"));
 }
 
-TEST_P(ConverterContract, seesTheSameSurfaceInTheRealTrack) {
+TEST_P(ConverterContract, readsTheSameSurfaceFromTheRealTrack) {
     const std::string path = TestData(GetParam().realTrack);
     TrackInfo info;
     info.minHeight = 32768;
@@ -157,8 +157,8 @@ TEST(RealTracks, holdTheSameCellsInBothEncodings) {
     ASSERT_EQ(text.heights.size(), binary.cells.size());
     for (std::size_t i = 0; i < text.heights.size(); ++i) {
         ASSERT_EQ(text.heights[i].has_value(), binary.cells[i] != independent::kNoMeasurement) << i;
-        // Text heights are rounded to two decimals, and raw values are truncated: less than one raw step
-        // apart.
+        // Text heights are rounded to two decimals, and raw values are truncated: they differ by less than
+        // one raw step.
         if (text.heights[i]) {
             ASSERT_NEAR(*text.heights[i], binary.cells[i] * binary.zResolution + binary.zOffset,
                         binary.zResolution + 0.005)
@@ -168,7 +168,7 @@ TEST(RealTracks, holdTheSameCellsInBothEncodings) {
     EXPECT_EQ(text.segments.size(), binary.segments.size());
 }
 
-TEST(RealTracks, givePicturesThatDifferByARawStepAtMost) {
+TEST(RealTracks, givePicturesThatDifferByAtMostARawStep) {
     QImage images[2];
     const char* names[2] = {"fault.trk", "fault-binary.trk"};
     for (int i = 0; i < 2; ++i) {
@@ -217,13 +217,13 @@ class SmallDisk {
     bool mounted = false;
 };
 
-TEST_P(ConverterContract, leavesTheOldFileOnAFullDisk) {
+TEST_P(ConverterContract, keepsTheOldFileOnAFullDisk) {
     WriteFile("a.trk", GetParam().write(SampleTrack()));
     std::vector<TrackPath> many(1000, SamplePaths()[0]);
     for (int kibibytes = 4; kibibytes <= 64; kibibytes += 4) {
         const SmallDisk disk(kibibytes);
         if (!disk.IsMounted())
-            GTEST_SKIP() << "this user may not mount a disk";
+            GTEST_SKIP() << "this user cannot mount a disk";
         WriteFile("disk/b.trk", "old");
         EXPECT_EQ(Update("a.trk", "disk/b.trk", many), 2) << kibibytes;
         EXPECT_EQ(FileContent("disk/b.trk"), "old") << kibibytes;

@@ -20,10 +20,10 @@ namespace {
 
 using testing::ElementsAre;
 
-/// The place of an operation among the interface's, as a call finds it.
+/// The index of an operation in the interface's virtual table.
 template<typename Operation>
 std::ptrdiff_t SlotOf(Operation operation) {
-    std::array<std::ptrdiff_t, 2> parts{}; // one more than the operation's offset, and how far `this` moves
+    std::array<std::ptrdiff_t, 2> parts{}; // the operation's offset plus one, and the adjustment of `this`
     static_assert(sizeof operation == sizeof parts);
     std::memcpy(parts.data(), &operation, sizeof operation);
     return (parts[0] - 1) / static_cast<std::ptrdiff_t>(sizeof(void*));
@@ -48,26 +48,26 @@ class CreateConverterTest : public testing::Test {
     LogCapture log;
 };
 
-TEST_F(CreateConverterTest, takesTextForAnEmptyFile) {
+TEST_F(CreateConverterTest, choosesTextForAnEmptyFile) {
     EXPECT_TRUE(IsText(CreatedFor("")));
     EXPECT_THAT(log.Lines(), ElementsAre("INFO: Creating ConvertCSV."));
 }
 
-TEST_F(CreateConverterTest, takesTextForAFirstLineOfThreeBytes) {
+TEST_F(CreateConverterTest, choosesTextForAFirstLineOfThreeBytes) {
     EXPECT_TRUE(IsText(CreatedFor("Tra\nTrack")));
     EXPECT_TRUE(IsText(CreatedFor("Tra")));
 }
 
-TEST_F(CreateConverterTest, takesBinaryForTheWordInsideALongerOne) {
+TEST_F(CreateConverterTest, choosesBinaryForTheWordInsideALongerOne) {
     EXPECT_TRUE(IsBinary(CreatedFor("xxTracyy\nInfo\n")));
     EXPECT_THAT(log.Lines(), ElementsAre("INFO: Creating ConvertBIN."));
 }
 
-TEST_F(CreateConverterTest, takesBinaryForTheFourBytesAlone) {
+TEST_F(CreateConverterTest, choosesBinaryForTheFourBytesAlone) {
     EXPECT_TRUE(IsBinary(CreatedFor("Trac")));
 }
 
-TEST_F(CreateConverterTest, looksAtTheFirstLineOnly) {
+TEST_F(CreateConverterTest, readsOnlyTheFirstLine) {
     EXPECT_TRUE(IsText(CreatedFor("Info\nTrack")));
     EXPECT_TRUE(IsText(CreatedFor("Tr\nac")));
     for (const std::size_t before : {0U, 4090U, 4091U, 4092U, 4095U, 4096U, 10'000U, 1'000'000U}) {
@@ -77,12 +77,12 @@ TEST_F(CreateConverterTest, looksAtTheFirstLineOnly) {
     }
 }
 
-TEST_F(CreateConverterTest, looksAtNoExtension) {
+TEST_F(CreateConverterTest, ignoresTheExtension) {
     WriteFile("a.txt", std::string("Track  \0\1\0\0\0", 12));
     EXPECT_TRUE(IsBinary(CreateConverter("a.txt")));
 }
 
-TEST_F(CreateConverterTest, looksAtRawBytes) {
+TEST_F(CreateConverterTest, comparesRawBytes) {
     EXPECT_TRUE(IsBinary(CreatedFor(std::string("\0\"\\Trac", 7))));
     EXPECT_TRUE(IsText(CreatedFor("TRAC")));
 }
@@ -93,12 +93,12 @@ TEST_F(CreateConverterTest, findsTheWordAnywhereInALongLine) {
     EXPECT_TRUE(IsText(CreatedFor(TenMegabytes('x'))));
 }
 
-TEST_F(CreateConverterTest, takesTextAndSaysSoForAFileThatIsNotThere) {
+TEST_F(CreateConverterTest, choosesTextAndLogsItForAMissingFile) {
     EXPECT_TRUE(IsText(CreateConverter("no such \"file\" %s ü.trk")));
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Could not find file (no such \"file\" %s ü.trk)"));
 }
 
-TEST_F(CreateConverterTest, takesAFolderForAFileThatIsNotThere) {
+TEST_F(CreateConverterTest, treatsAFolderAsAMissingFile) {
     std::filesystem::create_directory("folder");
     EXPECT_TRUE(IsText(CreateConverter("folder")));
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Could not find file (folder)"));
@@ -120,13 +120,13 @@ TEST_F(CreateConverterTest, findsTheRealTracksEncodings) {
     EXPECT_TRUE(IsBinary(CreateConverter(TestData("fault-binary.trk"))));
 }
 
-TEST_F(CreateConverterTest, neverWritesAWholeTextTrack) {
+TEST_F(CreateConverterTest, neverWritesACompleteTextTrack) {
     WriteFile("a.trk", "before");
     EXPECT_EQ(CreateConverter("none")->WriteTrack("a.trk", {}, {}, 0, {}, 1, 0, 0, 1, 1), -1);
     EXPECT_EQ(FileContent("a.trk"), "before");
 }
 
-TEST(EncodingOf, isNoneForWhatCannotBeOpened) {
+TEST(EncodingOf, isUnknownForAFileThatCannotBeOpened) {
     const TemporaryFolder folder;
     LogCapture log;
     std::filesystem::create_directory("folder");
@@ -147,7 +147,7 @@ TEST(ConverterInterface, hasNeitherDataNorAVirtualDestructor) {
 
 TEST(ConverterInterface, hasItsOperationsInTheirOrder) {
 #ifndef __x86_64__
-    GTEST_SKIP() << "pointers to operations are laid out in another way here";
+    GTEST_SKIP() << "another layout of member pointers";
 #endif
     EXPECT_EQ(SlotOf(&Converter::ReadInfo), 0);
     EXPECT_EQ(SlotOf(&Converter::ReadImage), 1);

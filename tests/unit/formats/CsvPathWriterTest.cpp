@@ -36,6 +36,20 @@ const std::string kNoPaths =
 
 using CsvUpdate = UpdateTest<ConvertCSV>;
 
+/// A path of two points with one tick of the ruler.
+TrackPath PathOfOneTick(const std::vector<QPointF>& points) {
+    TrackPath path;
+    path.points = points;
+    path.methods = {1, 2};
+    path.lengths = {100, 101};
+    path.widths = {50, 51};
+    path.spaces = {99, 98};
+    path.rulerMarks.resize(1);
+    path.rulerMarks[0].tickStarts = {{0.5, 0.25}};
+    path.rulerMarks[0].tickEnds = {{0.75, 1}};
+    return path;
+}
+
 TEST_F(CsvUpdate, equalsTheIndependentWriterByteForByte) {
     Track original = SampleTrack();
     SetRecords(original, {SamplePaths()[1]}, {9, 8, 7, 6, 5});
@@ -44,16 +58,8 @@ TEST_F(CsvUpdate, equalsTheIndependentWriterByteForByte) {
     EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
-TEST_F(CsvUpdate, writesTheLinesOfAPathAsTheyAreDescribed) {
-    TrackPath path;
-    path.points = {{0.25, 0.4}, {0.65, 0.4}};
-    path.methods = {1, 2};
-    path.lengths = {100, 101};
-    path.widths = {50, 51};
-    path.spaces = {99, 98};
-    path.rulerMarks.resize(1);
-    path.rulerMarks[0].tickStarts = {{0.5, 0.25}};
-    path.rulerMarks[0].tickEnds = {{0.75, 1}};
+TEST_F(CsvUpdate, writesTheDocumentedPathLines) {
+    const TrackPath path = PathOfOneTick({{0.25, 0.4}, {0.65, 0.4}});
     WriteFile("a.trk", "");
     EXPECT_EQ(converter.UpdatePath("a.trk", "b.trk", {path}, 0.25, 10, 20, 100, 1000), 0);
     EXPECT_EQ(FileContent("b.trk"),
@@ -63,26 +69,26 @@ TEST_F(CsvUpdate, writesTheLinesOfAPathAsTheyAreDescribed) {
                   "0,0,35,420,0.25,0.4,1,100,50,99\n0,1,75,420,0.65,0.4,2,101,51,98\nEnd\n");
 }
 
-TEST_F(CsvUpdate, keepsAnAnchorAndWritesZerosWhereThereIsNone) {
+TEST_F(CsvUpdate, keepsAnAnchorOrWritesZeros) {
     const Track track = TrackWithPaths();
     EXPECT_EQ(Updated(TextMap(track) + TextAnchor(track) + TextPaths(track), {}),
               TextMap(track) + TextAnchor(track) + kNoPaths);
     EXPECT_EQ(Updated(TextMap(track) + TextPaths(track), {}), TextMap(track) + kZeroAnchor + kNoPaths);
 }
 
-TEST_F(CsvUpdate, losesEverythingFromTheFirstRulerLineOn) {
+TEST_F(CsvUpdate, dropsEverythingFromTheFirstRulerLine) {
     const Track track = TrackWithPaths();
     EXPECT_EQ(Updated(TextPaths(track) + TextMap(track) + TextAnchor(track), {}), kZeroAnchor + kNoPaths);
     EXPECT_EQ(Updated("before\nRuler", {}), "before\n" + kZeroAnchor + kNoPaths);
 }
 
-TEST_F(CsvUpdate, copiesAnOriginalWithoutRulersWhole) {
+TEST_F(CsvUpdate, copiesAnOriginalWithoutRulersCompletely) {
     const std::string old = "Segment\nhead\n0,0,1,1,0.1,0.2,1,2,3,4\nEnd\n";
     EXPECT_EQ(Updated(TextMap(SampleTrack()) + old, SamplePaths()),
               TextMap(SampleTrack()) + old + kZeroAnchor + TextPaths(TrackWithPaths()));
 }
 
-TEST_F(CsvUpdate, knowsItsKeywordsAnywhereInTheFirstFieldAlone) {
+TEST_F(CsvUpdate, findsKeywordsAnywhereInTheFirstFieldOnly) {
     EXPECT_EQ(Updated("MyAnchors,1\n", {}), "MyAnchors,1\n" + kNoPaths);
     EXPECT_EQ(Updated("x,Anchor\n", {}), "x,Anchor\n" + kZeroAnchor + kNoPaths);
     EXPECT_EQ(Updated("anchor\nAncho\n", {}), "anchor\nAncho\n" + kZeroAnchor + kNoPaths);
@@ -91,14 +97,14 @@ TEST_F(CsvUpdate, knowsItsKeywordsAnywhereInTheFirstFieldAlone) {
     EXPECT_EQ(Updated("\"a,Ruler\",1\nb\n", {}), kZeroAnchor + kNoPaths);
 }
 
-TEST_F(CsvUpdate, copiesLinesUnchangedWithALineFeedBehindEach) {
+TEST_F(CsvUpdate, copiesLinesUnchangedWithALineFeedAfterEach) {
     EXPECT_EQ(Updated("\n\n a , \"b,c\" ,d\\\\e\n\nlast without a line feed", {}),
               "\n\n a , \"b,c\" ,d\\\\e\n\nlast without a line feed\n" + kZeroAnchor + kNoPaths);
     EXPECT_EQ(Updated("", {}), kZeroAnchor + kNoPaths);
     EXPECT_EQ(Updated("a\r\nb\r\n", {}), "a\nb\n" + kZeroAnchor + kNoPaths);
 }
 
-TEST_F(CsvUpdate, numbersTheRulersOfAllPathsThroughout) {
+TEST_F(CsvUpdate, numbersTheRulersOfAllPathsConsecutively) {
     const std::vector<TrackPath> paths = {SamplePaths()[0], SamplePaths()[1], SamplePaths()[0]};
     Track track = SampleTrack();
     SetRecords(track, paths, SampleTransform());
@@ -107,12 +113,12 @@ TEST_F(CsvUpdate, numbersTheRulersOfAllPathsThroughout) {
     EXPECT_EQ(Updated(TextFile(SampleTrack()), paths), TextFile(track));
 }
 
-TEST_F(CsvUpdate, ofPathsWithoutMarksHasTheTwoHeadLinesOfItsRulers) {
+TEST_F(CsvUpdate, writesTheTwoRulerHeaderLinesWithoutMarks) {
     const std::string target = Updated(TextMap(SampleTrack()), WithoutMarks(SamplePaths()));
     EXPECT_THAT(target, HasSubstr("Ruler\nRuler,Track,Segment,X1,Y1,X2,Y2,Method,Width\nEnd\n\nSegment\n"));
 }
 
-TEST_F(CsvUpdate, ofAPathOfOnePointWritesOneLine) {
+TEST_F(CsvUpdate, writesOneLineForAPathOfOnePoint) {
     EXPECT_THAT(Updated("", {SamplePaths()[1]}), HasSubstr("Space\n0,0,-48,17.5,0.5,0.625,4,7,-8,9\nEnd\n"));
 }
 
@@ -147,7 +153,7 @@ TEST_F(CsvUpdate, writesNumbersWithSixSignificantDigits) {
     EXPECT_THAT(FileContent("b.trk"), HasSubstr("Space\n" + expected + "End\n"));
 }
 
-TEST_F(CsvUpdate, writesAnyNumberAsAStreamDoes) {
+TEST_F(CsvUpdate, writesAnyNumberLikeAStream) {
     std::mt19937_64 random(20); // NOLINT(cert-msc51-cpp): the same numbers in every run
     TrackPath path;
     std::string expected;
@@ -169,7 +175,7 @@ TEST_F(CsvUpdate, writesAnyNumberAsAStreamDoes) {
                 kZeroAnchor + kNoPaths.substr(0, kNoPaths.size() - 4) + expected + "End\n");
 }
 
-/// Numbers as they are written in much of Europe.
+/// A locale with a decimal comma, as in much of Europe.
 class CommaNumbers : public std::numpunct<char> {
   protected:
     [[nodiscard]] char do_decimal_point() const override { return ','; }
@@ -177,10 +183,10 @@ class CommaNumbers : public std::numpunct<char> {
     [[nodiscard]] std::string do_grouping() const override { return "\3"; }
 };
 
-TEST_F(CsvUpdate, writesThePointWhateverTheLocale) {
+TEST_F(CsvUpdate, writesADecimalPointInAnyLocale) {
     const std::string before = std::setlocale(LC_ALL, nullptr);
     for (const char* name : {"de_DE.UTF-8", "fr_FR.UTF-8"})
-        std::setlocale(LC_ALL, name); // where the system has one
+        std::setlocale(LC_ALL, name); // if the system has it
     const std::locale old = std::locale::global(std::locale(std::locale::classic(), new CommaNumbers));
     const std::string target = Updated(TextFile(SampleTrack()), SamplePaths());
     std::locale::global(old);
@@ -188,13 +194,13 @@ TEST_F(CsvUpdate, writesThePointWhateverTheLocale) {
     EXPECT_EQ(target, TextFile(TrackWithPaths()));
 }
 
-TEST_F(CsvUpdate, mayHaveTheOriginalAsItsTarget) {
+TEST_F(CsvUpdate, canOverwriteTheOriginal) {
     WriteFile("a.trk", TextFile(SampleTrack()));
     EXPECT_EQ(Update("a.trk", "a.trk", SamplePaths()), 0);
     EXPECT_EQ(FileContent("a.trk"), TextFile(TrackWithPaths()));
 }
 
-TEST_F(CsvUpdate, ofTheRealTrackKeepsEverythingBeforeItsRulers) {
+TEST_F(CsvUpdate, keepsEverythingBeforeTheRealTracksRulers) {
     const std::string content = FileContent(TestData("fault.trk"));
     Track track;
     SetRecords(track, SamplePaths(), SampleTransform());
@@ -203,7 +209,7 @@ TEST_F(CsvUpdate, ofTheRealTrackKeepsEverythingBeforeItsRulers) {
     EXPECT_EQ(independent::ReadText(updated).segments, track.segments);
 }
 
-TEST_F(CsvUpdate, ofNoFileFailsWithoutALine) {
+TEST_F(CsvUpdate, missingFileFailsWithoutALogLine) {
     std::filesystem::create_directory("folder.trk");
     EXPECT_EQ(Update("missing.trk", "b.trk", {}), kOriginalNotReadable);
     EXPECT_EQ(Update("folder.trk", "b.trk", {}), kOriginalNotReadable);
@@ -212,7 +218,7 @@ TEST_F(CsvUpdate, ofNoFileFailsWithoutALine) {
     EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
-TEST_F(CsvUpdate, reachesNoTargetInAMissingFolder) {
+TEST_F(CsvUpdate, failsForATargetInAMissingFolder) {
     WriteFile("a.trk", TextFile(SampleTrack()));
     EXPECT_EQ(Update("a.trk", "missing/b.trk", {}), kTargetNotWritable);
     EXPECT_THAT(NamesHere(), ElementsAre("a.trk"));
@@ -221,7 +227,7 @@ TEST_F(CsvUpdate, reachesNoTargetInAMissingFolder) {
     EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
-TEST_F(CsvUpdate, ofALineWithABadEscapeFailsAndLeavesTheTarget) {
+TEST_F(CsvUpdate, badEscapeFailsAndKeepsTheTarget) {
     WriteFile("b.trk", "old");
     for (const char* line : {"a\\x,b\n", "a,b\\q\n", "ends with \\"}) {
         WriteFile("a.trk", "Info\n" + std::string(line));
@@ -237,7 +243,7 @@ TEST_F(CsvUpdate, copiesALineOfTenMegabytes) {
     EXPECT_TRUE(Updated(line, {}) == line + kZeroAnchor + kNoPaths);
 }
 
-TEST_F(CsvUpdate, onAFullDiskLeavesTheOldFile) {
+TEST_F(CsvUpdate, keepsTheOldFileOnAFullDisk) {
     const std::string original = TextFile(SampleTrack());
     WriteFile("a.trk", original);
     for (const std::size_t limit : {std::size_t{0}, std::size_t{100}, original.size()}) {
@@ -248,7 +254,7 @@ TEST_F(CsvUpdate, onAFullDiskLeavesTheOldFile) {
     }
 }
 
-TEST_F(CsvUpdate, ofPathsWhoseListsAreNotParallelLeavesTheOldFile) {
+TEST_F(CsvUpdate, keepsTheOldFileForListsOfUnequalLengths) {
     WriteFile("a.trk", "old");
     for (std::vector<int> TrackPath::*list :
          {&TrackPath::methods, &TrackPath::lengths, &TrackPath::widths, &TrackPath::spaces}) {
@@ -259,7 +265,7 @@ TEST_F(CsvUpdate, ofPathsWhoseListsAreNotParallelLeavesTheOldFile) {
     EXPECT_EQ(FileContent("a.trk"), "old");
 }
 
-TEST_F(CsvUpdate, neverWritesAWholeTrack) {
+TEST_F(CsvUpdate, neverWritesACompleteTrack) {
     EXPECT_EQ(
         converter.WriteTrack("a.trk", InfoOf(SampleTrack()), SampleTrack().cells, 25, {}, 1, 0, 0, 1, 1), -1);
     EXPECT_THAT(NamesHere(), IsEmpty());
@@ -267,16 +273,8 @@ TEST_F(CsvUpdate, neverWritesAWholeTrack) {
 
 using CsvPathsAlone = UpdateTest<ConvertCSV>;
 
-TEST_F(CsvPathsAlone, areTheSegmentSection) {
-    TrackPath path;
-    path.points = {{0.5, 0.1}, {1.0 / 3.0, 12345678.75}};
-    path.methods = {1, 2};
-    path.lengths = {100, 101};
-    path.widths = {50, 51};
-    path.spaces = {99, 98};
-    path.rulerMarks.resize(1);
-    path.rulerMarks[0].tickStarts = {{0.5, 0.25}};
-    path.rulerMarks[0].tickEnds = {{0.75, 1}};
+TEST_F(CsvPathsAlone, equalTheSegmentSection) {
+    const TrackPath path = PathOfOneTick({{0.5, 0.1}, {1.0 / 3.0, 12345678.75}});
     EXPECT_EQ(WriteCsvPathsAlone("a.csv", {path}), 0);
     EXPECT_EQ(FileContent("a.csv"),
               "Segment\nTrack,Segment,X,Y,RelativeX,RelativeY,Method,Length,Width,Space\n"
@@ -285,7 +283,7 @@ TEST_F(CsvPathsAlone, areTheSegmentSection) {
               "End\n");
 }
 
-TEST_F(CsvPathsAlone, readBackBitForBit) {
+TEST_F(CsvPathsAlone, readBackExactly) {
     std::mt19937_64 random(3);
     std::uniform_real_distribution<double> place(-1, 2);
     std::vector<TrackPath> paths(5);
@@ -303,7 +301,7 @@ TEST_F(CsvPathsAlone, readBackBitForBit) {
     ExpectSamePaths(read, paths);
 }
 
-TEST_F(CsvPathsAlone, leaveTheTargetWhenItCannotBeWritten) {
+TEST_F(CsvPathsAlone, keepTheTargetWhenItCannotBeWritten) {
     EXPECT_EQ(WriteCsvPathsAlone("missing/a.csv", {}), kTargetNotWritable);
     WriteFile("a.csv", "old");
     const FileSizeLimit full(10);

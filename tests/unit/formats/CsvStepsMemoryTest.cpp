@@ -21,7 +21,7 @@ bool nextAllocationFails = false;
 
 } // namespace
 
-// In place of the library's: the allocation after the flag is set gets no memory.
+// Replaces the library's: the first allocation after the flag is set gets no memory.
 void* operator new(std::size_t size) {
     if (std::exchange(nextAllocationFails, false))
         throw std::bad_alloc();
@@ -42,7 +42,7 @@ namespace {
 
 using testing::ElementsAre;
 
-// A number that the C library reads, from a copy too long to do without an allocation.
+// A number that the C library reads from a copy, which is too long to need no allocation.
 const std::string kLongNumber = "+1.00000000000000000000";
 
 class CsvStepsMemory : public testing::Test {
@@ -61,20 +61,20 @@ class CsvStepsMemory : public testing::Test {
     LogCapture log;
 };
 
-TEST_F(CsvStepsMemory, isMissedInTheInfoLine) {
+TEST_F(CsvStepsMemory, failureIsReportedInTheInfoLine) {
     TrackInfo info;
     ExpectFailure(kLongNumber + ",1,1,0,0,0,2,1", "ERROR: [ExtractInfo] (EXCEPTION) ",
                   [&](const CsvLine& line) { return ExtractInfo(line, info); });
 }
 
-TEST_F(CsvStepsMemory, isMissedInTheHeightMapsHeader) {
+TEST_F(CsvStepsMemory, failureIsReportedInTheHeightMapsHeader) {
     ExpectFailure("YX,1,2", "ERROR: [ExtractYValues] (EXCEPTION) ", [](const CsvLine& line) {
         std::vector<double> positions;
         return ExtractYValues(line, 2, positions);
     });
 }
 
-TEST_F(CsvStepsMemory, isMissedInARowForTheRange) {
+TEST_F(CsvStepsMemory, failureIsReportedInARowForTheRange) {
     std::vector<double> positions(1);
     double low = 0.0;
     double high = 0.0;
@@ -82,14 +82,14 @@ TEST_F(CsvStepsMemory, isMissedInARowForTheRange) {
                   [&](const CsvLine& line) { return FindMinMaxHeight(line, 0, positions, low, high); });
 }
 
-TEST_F(CsvStepsMemory, isMissedInARowForTheImage) {
+TEST_F(CsvStepsMemory, failureIsReportedInARowForTheImage) {
     HeightColours colours{HeightRamp(0, 1)};
     QImage image(1, 1, QImage::Format_RGB888);
     ExpectFailure("0," + kLongNumber, "ERROR: [ExtractRowPixelValues] (EXCEPTION) ",
                   [&](const CsvLine& line) { return ExtractRowPixelValues(line, 0, colours, image); });
 }
 
-TEST_F(CsvStepsMemory, isMissedInARowForTheRawMap) {
+TEST_F(CsvStepsMemory, failureIsReportedInARowForTheRawMap) {
     HeightMap heights(1);
     ExpectFailure("0," + kLongNumber, "ERROR: [ExtractRowPixelData] (EXCEPTION) ",
                   [&](const CsvLine& line) { return ExtractRowPixelData(line, 0, 1, 0.0, 1.0, heights); });

@@ -45,7 +45,7 @@ TEST_F(CsvSteps, refuseALineWithoutFields) {
                                          "ERROR: Cannot retrieve pixel values for row=6 empty item vector"));
 }
 
-TEST_F(CsvSteps, refuseRowsOutside) {
+TEST_F(CsvSteps, refuseRowsOutsideTheMap) {
     std::vector<double> positions(1);
     HeightMap heights(2);
     QImage image(2, 1, QImage::Format_RGB888);
@@ -61,7 +61,7 @@ TEST_F(CsvSteps, refuseRowsOutside) {
     }
 }
 
-TEST_F(CsvSteps, emptyTheColumnPositionsBeforeTheyFillThem) {
+TEST_F(CsvSteps, clearTheColumnPositionsBeforeFillingThem) {
     std::vector<double> positions{9, 9, 9, 9};
     EXPECT_EQ(ExtractYValues(Line("YX,1.5,,x"), 3, positions), 0);
     EXPECT_THAT(positions, ElementsAre(1.5, 0.0, 0.0));
@@ -73,7 +73,7 @@ TEST_F(CsvSteps, keepTheColumnPositionsWhenTheCountIsWrong) {
     EXPECT_THAT(positions, ElementsAre(9));
 }
 
-TEST_F(CsvSteps, readInfoDimensionsAsWholeNumbers) {
+TEST_F(CsvSteps, readInfoDimensionsAsIntegers) {
     TrackInfo info;
     EXPECT_EQ(ExtractInfo(Line("1e-3,-2, 3,+4,x,,12.9,\"7\""), info), 0);
     EXPECT_EQ(info.xResolution, 1e-3);
@@ -86,7 +86,7 @@ TEST_F(CsvSteps, readInfoDimensionsAsWholeNumbers) {
     EXPECT_EQ(info.height, 7);
 }
 
-TEST_F(CsvSteps, widenTheRangeByEveryFieldOfARow) {
+TEST_F(CsvSteps, extendTheRangeByEveryFieldOfARow) {
     std::vector<double> positions(2, -1.0);
     double low = 5.0;
     double high = 5.0;

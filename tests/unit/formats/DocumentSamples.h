@@ -16,27 +16,28 @@ independent::Track SampleTrack();
 /// with 6 significant digits.
 std::vector<TrackPath> SamplePaths();
 
-/// Factors that are all different, so that none can stand in for another.
+/// Factors that are all different, so that none can be mistaken for another.
 WorldTransform SampleTransform();
 
-/// The information that a converter is given for a track.
+/// The information of a track, as a converter gets it.
 TrackInfo InfoOf(const independent::Track& track);
 
-/// Puts the records of paths into a track, by the rule: one ruler a tick, one segment record a point.
+/// Adds the records of paths to a track by the format's rule: one ruler per tick, one segment record per
+/// point.
 void SetRecords(independent::Track& track, const std::vector<TrackPath>& paths,
                 const WorldTransform& transform);
 
 /// The sample track with the sample paths' records.
 independent::Track TrackWithPaths();
 
-/// Has a converter update a file's paths with the sample transform. @return its result
+/// Lets a converter update a file's paths with the sample transform. @return its result
 int UpdateWith(Converter& converter, const std::string& original, const std::string& target,
                const std::vector<TrackPath>& paths);
 
-/// The paths without what a file does not keep.
+/// The paths without the marks, which a file does not keep.
 std::vector<TrackPath> WithoutMarks(std::vector<TrackPath> paths);
 
-/// Whether points and parameters are equal and both are without ruler marks.
+/// Checks that points and parameters are equal and that neither has ruler marks.
 void ExpectSamePaths(const std::vector<TrackPath>& actual, const std::vector<TrackPath>& expected);
 
 /// The names in the working folder, sorted.

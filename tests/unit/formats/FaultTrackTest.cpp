@@ -22,7 +22,7 @@ namespace {
 using testing::IsEmpty;
 using Fields = std::vector<std::string>;
 
-/// The real track as the plainest reader finds it; for a process in the C locale.
+/// The real track as a minimal reader finds it; for a process in the C locale.
 struct PlainTrack {
     Fields info;
     Fields columns;
@@ -80,7 +80,7 @@ double Number(const std::string& field) {
     return std::strtod(field.c_str(), nullptr);
 }
 
-int Whole(const std::string& field) {
+int IntegerOf(const std::string& field) {
     return static_cast<int>(std::strtol(field.c_str(), nullptr, 10));
 }
 
@@ -99,8 +99,8 @@ class FaultTrack : public testing::Test {
         EXPECT_EQ(info.xOffset, Number(plain.info.at(3)));
         EXPECT_EQ(info.yOffset, Number(plain.info.at(4)));
         EXPECT_EQ(info.zOffset, Number(plain.info.at(5)));
-        EXPECT_EQ(info.width, Whole(plain.info.at(6)));
-        EXPECT_EQ(info.height, Whole(plain.info.at(7)));
+        EXPECT_EQ(info.width, IntegerOf(plain.info.at(6)));
+        EXPECT_EQ(info.height, IntegerOf(plain.info.at(7)));
         ASSERT_EQ(info.columnPositions.size(), plain.columns.size() - 1);
         for (std::size_t i = 0; i < info.columnPositions.size(); ++i)
             EXPECT_EQ(info.columnPositions[i], Number(plain.columns[i + 1]));
@@ -128,7 +128,7 @@ class FaultTrack : public testing::Test {
     PlainTrack plain = ReadPlainly(path);
 };
 
-TEST_F(FaultTrack, hasTheInformationThatAPlainReaderFinds) {
+TEST_F(FaultTrack, hasTheInformationOfAnIndependentReader) {
     const TrackInfo info = ReadInfo();
     EXPECT_EQ(info.width, 403);
     EXPECT_EQ(info.height, 344);
@@ -142,7 +142,7 @@ TEST_F(FaultTrack, hasTheInformationThatAPlainReaderFinds) {
     EXPECT_EQ(info.anchorAngle, Number(plain.anchor[2]));
 }
 
-TEST_F(FaultTrack, isPaintedPixelByPixelAsTheFormulaSays) {
+TEST_F(FaultTrack, isPaintedAsTheFormulaSaysInEveryPixel) {
     const TrackInfo info = ReadInfo();
     QImage image;
     ASSERT_EQ(ConvertCSV().ReadImage(path, info, info.minHeight, info.maxHeight, image), 0);
@@ -162,7 +162,7 @@ TEST_F(FaultTrack, isPaintedPixelByPixelAsTheFormulaSays) {
     EXPECT_GT(empty, 0);
 }
 
-TEST_F(FaultTrack, hasTheRawHeightsThatThePlainReaderFinds) {
+TEST_F(FaultTrack, hasTheRawHeightsOfAnIndependentReader) {
     const TrackInfo info = ReadInfo();
     HeightMap heights;
     std::int64_t size = 0;
@@ -178,7 +178,7 @@ TEST_F(FaultTrack, hasTheRawHeightsThatThePlainReaderFinds) {
     EXPECT_EQ(different, 0);
 }
 
-TEST_F(FaultTrack, hasThePathsThatThePlainReaderFinds) {
+TEST_F(FaultTrack, hasThePathsOfAnIndependentReader) {
     std::vector<TrackPath> paths;
     ASSERT_EQ(ConvertCSV().ReadPath(path, paths), 0);
     ASSERT_FALSE(plain.points.empty());
@@ -187,14 +187,14 @@ TEST_F(FaultTrack, hasThePathsThatThePlainReaderFinds) {
         EXPECT_THAT(paths[number].rulerMarks, IsEmpty());
         for (std::size_t point = 0; point < paths[number].points.size(); ++point, ++next) {
             const Fields& fields = plain.points.at(next);
-            EXPECT_EQ(Whole(fields.at(0)), static_cast<int>(number));
-            EXPECT_EQ(Whole(fields.at(1)), static_cast<int>(point));
+            EXPECT_EQ(IntegerOf(fields.at(0)), static_cast<int>(number));
+            EXPECT_EQ(IntegerOf(fields.at(1)), static_cast<int>(point));
             EXPECT_EQ(paths[number].points[point].x(), Number(fields.at(4)));
             EXPECT_EQ(paths[number].points[point].y(), Number(fields.at(5)));
-            EXPECT_EQ(paths[number].methods.at(point), Whole(fields.at(6)));
-            EXPECT_EQ(paths[number].lengths.at(point), Whole(fields.at(7)));
-            EXPECT_EQ(paths[number].widths.at(point), Whole(fields.at(8)));
-            EXPECT_EQ(paths[number].spaces.at(point), Whole(fields.at(9)));
+            EXPECT_EQ(paths[number].methods.at(point), IntegerOf(fields.at(6)));
+            EXPECT_EQ(paths[number].lengths.at(point), IntegerOf(fields.at(7)));
+            EXPECT_EQ(paths[number].widths.at(point), IntegerOf(fields.at(8)));
+            EXPECT_EQ(paths[number].spaces.at(point), IntegerOf(fields.at(9)));
         }
     }
     EXPECT_EQ(next, plain.points.size());
@@ -223,21 +223,21 @@ TEST_F(FaultTrack, isReadTheSameUnderACommaLocale) {
     EXPECT_EQ(paths.at(0).points.at(0).x(), Number(plain.points.at(0).at(4)));
 }
 
-/// The real track cut behind each of its lines: the sections before the cut are read, the cut one has its
+/// The real track cut after each of its lines: the sections before the cut are read, the cut one has its
 /// message.
 TEST(CutTrack, isReadUpToTheCut) {
-    constexpr int kHeader = 4; // the count of lines up to and with the height map's header, and so on
+    constexpr int kHeader = 4; // the number of lines up to and including the height map's header, and so on
     constexpr int kLastRow = kHeader + 344;
     constexpr int kAnchor = kLastRow + 3;
     constexpr int kSegment = kAnchor + 9;
     constexpr int kLastPoint = kSegment + 8;
     const TemporaryFolder folder;
-    const std::string whole = FileContent(TestData("fault.trk"));
+    const std::string complete = FileContent(TestData("fault.trk"));
     LogCapture log;
     ConvertCSV converter;
     int lines = 0;
-    for (std::size_t end = 0; end < whole.size(); end = whole.find('\n', end) + 1, ++lines) {
-        WriteFile("cut.trk", whole.substr(0, end));
+    for (std::size_t end = 0; end < complete.size(); end = complete.find('\n', end) + 1, ++lines) {
+        WriteFile("cut.trk", complete.substr(0, end));
         TrackInfo info = StartInfo();
         const bool infoExpected = lines >= kHeader && lines != kAnchor && lines != kAnchor + 1;
         EXPECT_EQ(converter.ReadInfo("cut.trk", info), infoExpected ? 0 : 1) << lines;

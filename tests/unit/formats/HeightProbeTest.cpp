@@ -72,15 +72,15 @@ TEST_F(HeightProbeTest, readsEveryCellOfATextTrack) {
     ExpectHeightsOf(OddMap());
 }
 
-TEST_F(HeightProbeTest, aTextTrackHasHeightsThatNoRawValueHolds) {
+TEST_F(HeightProbeTest, readsTextHeightsBeyondRawValues) {
     Open("Info\nheader\n1,1,0.001,0,0,0,3,1\nYX,0,1,2\n0,123456.789,-99999.125,1e6\nEnd\n");
     EXPECT_EQ(probe.At(0, 0).height, 123456.789);
     EXPECT_EQ(probe.At(1, 0).height, -99999.125);
     EXPECT_EQ(probe.At(2, 0).height, 1e6);
 }
 
-TEST_F(HeightProbeTest, rowsAreThoseThatAreShown) {
-    // Empty lines, quotes, a carriage return, a short row, a height that is none; and a second map behind.
+TEST_F(HeightProbeTest, readsTheRowsAsShown) {
+    // Empty lines, quotes, a carriage return, a short row, a NaN height; and a second map after it.
     Open("Info\nheader\n1,1,1,0,0,0,3,3\nYX,0,1,2\n\n0,\"1\",2,3\r\n\n1,4\n2,,nan,6\nEnd\nYX,0,1,2\n0,7,7,"
          "7\nEnd\n");
     EXPECT_EQ(probe.At(0, 0).height, 1);
@@ -92,7 +92,7 @@ TEST_F(HeightProbeTest, rowsAreThoseThatAreShown) {
     EXPECT_EQ(probe.At(2, 2).height, 6);
 }
 
-TEST_F(HeightProbeTest, narrowAndWideMapsAreReadAlike) {
+TEST_F(HeightProbeTest, readsNarrowAndWideMaps) {
     for (const auto& [width, height] : {std::pair{1, 20'000}, {3, 5000}, {5000, 3}}) {
         const independent::Track track = SmallTrack({}, width, height);
         Open(independent::TextMap(track));
@@ -105,7 +105,7 @@ TEST_F(HeightProbeTest, narrowAndWideMapsAreReadAlike) {
     }
 }
 
-TEST_F(HeightProbeTest, beforeItsRowIsFoundAHeightIsUnknown) {
+TEST_F(HeightProbeTest, heightIsUnknownBeforeItsRowIsFound) {
     WriteFile("a.trk", independent::TextFile(OddMap()));
     TrackInfo info;
     ASSERT_EQ(CreateConverter("a.trk")->ReadInfo("a.trk", info), 0);
@@ -115,7 +115,7 @@ TEST_F(HeightProbeTest, beforeItsRowIsFoundAHeightIsUnknown) {
     EXPECT_EQ(probe.At(1, 0).kind, Kind::Measured);
 }
 
-TEST_F(HeightProbeTest, cellsThatDoNotExistAreUnknown) {
+TEST_F(HeightProbeTest, cellsOutsideTheMapAreUnknown) {
     Open(independent::BinaryFile(OddMap()));
     for (const auto& [column, row] : {std::pair{-1, 0}, {7, 0}, {0, -1}, {0, 5}})
         EXPECT_EQ(probe.At(column, row).kind, Kind::Unknown) << column << " " << row;
@@ -123,7 +123,7 @@ TEST_F(HeightProbeTest, cellsThatDoNotExistAreUnknown) {
     EXPECT_EQ(probe.At(1, 1).kind, Kind::Unknown);
 }
 
-TEST_F(HeightProbeTest, aFileThatWasChangedHasNoKnownHeights) {
+TEST_F(HeightProbeTest, changedFileHasNoKnownHeights) {
     for (const std::string& content : {independent::BinaryFile(OddMap()), independent::TextFile(OddMap())}) {
         Open(content);
         ASSERT_EQ(probe.At(1, 0).kind, Kind::Measured);
@@ -136,7 +136,7 @@ TEST_F(HeightProbeTest, aFileThatWasChangedHasNoKnownHeights) {
     }
 }
 
-TEST_F(HeightProbeTest, aFileOfAnotherMapHasNoKnownHeights) {
+TEST_F(HeightProbeTest, fileOfAnotherMapHasNoKnownHeights) {
     WriteFile("a.trk", independent::BinaryFile(OddMap()));
     TrackInfo info;
     ASSERT_EQ(CreateConverter("a.trk")->ReadInfo("a.trk", info), 0);

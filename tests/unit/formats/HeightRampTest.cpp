@@ -9,7 +9,7 @@ namespace {
 
 using Colour = HeightRamp::Colour;
 
-/// The ramp's table of bands, written out once more.
+/// The ramp's table of bands, written independently.
 Colour ExpectedColour(double v) {
     const auto byte = [](double value) { return static_cast<std::uint8_t>(value); };
     if (v < 0)
@@ -43,7 +43,7 @@ TEST(HeightRamp, paintsTheLowestHeightBlackAndTheHighestWhite) {
     EXPECT_EQ(ramp.ColourOf(7.25), (Colour{255, 255, 255}));
 }
 
-TEST(HeightRamp, paintsAHeightJustAboveTheLowestAVeryDarkBlue) {
+TEST(HeightRamp, paintsHeightsJustAboveTheLowestVeryDarkBlue) {
     EXPECT_EQ(HeightRamp(0.0, 1.0).ColourOf(1.0 / 1792), (Colour{0, 0, 1}));
 }
 
@@ -69,7 +69,7 @@ TEST(HeightRamp, followsTheFormulaForFractions) {
     }
 }
 
-TEST(HeightRamp, takesAnyValue) {
+TEST(HeightRamp, acceptsAnyValue) {
     const double infinity = std::numeric_limits<double>::infinity();
     const HeightRamp ramp(0.0, 1.0);
     EXPECT_EQ(ramp.ColourOf(infinity), (Colour{255, 255, 255}));

@@ -11,7 +11,7 @@ namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-TEST(HeightRange, isWhatItStartedWithUntilAHeightWidensIt) {
+TEST(HeightRange, keepsItsInitialValuesUntilAHeightExtendsThem) {
     HeightRange range(2.0, 5.0);
     range.Add(PackedDecimal{30, 1});
     range.Add(4.25);
@@ -32,7 +32,7 @@ TEST(HeightRange, comparesHeightsAndNotDigits) {
     EXPECT_EQ(range.Highest(), 9.0);
 }
 
-TEST(HeightRange, passesOverWhatIsNoMeasurement) {
+TEST(HeightRange, skipsUnmeasuredCells) {
     HeightRange range(1.0, 2.0);
     for (const double height : {kInfinity, -kInfinity, std::numeric_limits<double>::quiet_NaN()})
         range.Add(height);
@@ -40,7 +40,7 @@ TEST(HeightRange, passesOverWhatIsNoMeasurement) {
     EXPECT_EQ(range.Highest(), 2.0);
 }
 
-TEST(HeightRange, keepsTheZeroThatCameFirst) {
+TEST(HeightRange, keepsTheSignOfTheFirstZero) {
     HeightRange positive(1.0, 1.0);
     positive.Add(PackedDecimal{0, 2});
     positive.Add(-0.0);
@@ -51,7 +51,7 @@ TEST(HeightRange, keepsTheZeroThatCameFirst) {
     EXPECT_TRUE(std::signbit(negative.Lowest()));
 }
 
-TEST(HeightRange, isThatOfPlainComparisonsForHeightsOfEveryForm) {
+TEST(HeightRange, equalsPlainComparisonsForHeightsOfEveryForm) {
     std::mt19937 random(7);
     for (int round = 0; round < 2000; ++round) {
         double lowest = 3.0;

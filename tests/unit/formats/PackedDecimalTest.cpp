@@ -10,7 +10,7 @@ namespace {
 
 using Parts = std::optional<std::pair<std::int32_t, std::uint32_t>>;
 
-/// The digits and the digits behind the point, when the field is taken whole and only then.
+/// The digits and the number of decimals, only when the complete field is read.
 Parts PartsOf(const std::string& field, std::uint32_t pattern) {
     const std::string text = field + ",12345678";
     PackedDecimal decimal{77, pattern};
@@ -26,7 +26,7 @@ Parts PartsOf(const std::string& field, std::uint32_t pattern) {
 
 class PackedDecimals : public testing::TestWithParam<std::uint32_t> {};
 
-TEST_P(PackedDecimals, areTakenWithTheirDigits) {
+TEST_P(PackedDecimals, areReadWithTheirDigits) {
     const std::pair<const char*, std::pair<std::int32_t, std::uint32_t>> fields[] = {
         {"0", {0, 0}},
         {"7", {7, 0}},
@@ -45,7 +45,7 @@ TEST_P(PackedDecimals, areTakenWithTheirDigits) {
         EXPECT_EQ(PartsOf(field, GetParam()), Parts(parts)) << field;
 }
 
-TEST_P(PackedDecimals, areNothingElse) {
+TEST_P(PackedDecimals, rejectEverythingElse) {
     for (const char* const field :
          {"",      "-",    ".",    "-.",       "--1",      "1-",    "-0",        "-0.00",       "5.",
           "1.2.3", "1..2", "..1",  "+1",       " 1",       "1 ",    "1e5",       "0x1",         "nan",
@@ -62,7 +62,7 @@ TEST(PackedDecimal, isTheNearestDouble) {
     EXPECT_EQ((PackedDecimal{9999999, 0}.Value()), 9999999.0);
 }
 
-TEST(PackedDecimal, isNotSeenWithoutItsComma) {
+TEST(PackedDecimal, isNotReadWithoutAComma) {
     PackedDecimal decimal;
     EXPECT_EQ(PackedDecimal::Read("12.34567", decimal), nullptr);
 }

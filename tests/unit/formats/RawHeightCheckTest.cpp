@@ -22,7 +22,7 @@ std::string FailureOf(const std::vector<double>& heights, double zOffset, double
     return check.Failure();
 }
 
-TEST(RawHeightCheck, acceptsEveryHeightThatHasARawValueOfItsOwn) {
+TEST(RawHeightCheck, acceptsHeightsWithDistinctRawValues) {
     EXPECT_THAT(FailureOf({32767, -32767, 0}, 0, 1), IsEmpty());
     EXPECT_THAT(FailureOf({32767.999, -32767.999}, 0, 1), IsEmpty()); // truncated toward zero
     EXPECT_THAT(FailureOf({-5, 59.999}, -5, 0.002), IsEmpty());
@@ -38,7 +38,7 @@ TEST(RawHeightCheck, namesTheFirstCellBeyondSixteenBits) {
     EXPECT_THAT(FailureOf({1e308}, -1e308, 0.5), HasSubstr("raw value inf is beyond 16 bits"));
 }
 
-TEST(RawHeightCheck, namesTheFirstMeasuredCellWhenNoneHasARawValue) {
+TEST(RawHeightCheck, namesTheFirstMeasuredCellWhenNoneFitsARawValue) {
     EXPECT_EQ(FailureOf({std::nan(""), 7}, 0, 0),
               "Cannot store row=0 column=1 height=7: ZResolution=0 and ZOffset=0 give it no raw value");
     EXPECT_THAT(FailureOf({7}, 0, -0.0), HasSubstr("no raw value"));
@@ -48,26 +48,26 @@ TEST(RawHeightCheck, namesTheFirstMeasuredCellWhenNoneHasARawValue) {
     EXPECT_THAT(FailureOf({7}, std::nan(""), 1), HasSubstr("ZOffset=nan give it no raw value"));
 }
 
-TEST(RawHeightCheck, namesTheFirstOfTheHeightsThatAllBecomeOne) {
+TEST(RawHeightCheck, namesTheFirstCellWhenAllHeightsBecomeEqual) {
     EXPECT_EQ(FailureOf({5, 5, 5.1, 9}, 0, 10),
               "Cannot store row=0 column=2 height=5.1: with ZResolution=10 all heights become the raw "
               "value 0");
     EXPECT_THAT(FailureOf({5, 9}, 5, -10), HasSubstr("column=1"));
 }
 
-TEST(RawHeightCheck, acceptsHeightsOfWhichSomeBecomeOne) {
+TEST(RawHeightCheck, acceptsHeightsOfWhichSomeBecomeEqual) {
     EXPECT_THAT(FailureOf({5, 9, 10}, 0, 10), IsEmpty());
     EXPECT_THAT(FailureOf({10, 5, 9}, 0, 10), IsEmpty());
 }
 
-/// Such a map is as flat as it was.
+/// The map was flat before, too.
 TEST(RawHeightCheck, acceptsASingleHeight) {
     EXPECT_THAT(FailureOf({5, 5, 5}, 0, 10), IsEmpty());
     EXPECT_THAT(FailureOf({0.0, -0.0}, 0, 10), IsEmpty());
     EXPECT_THAT(FailureOf({}, 0, 10), IsEmpty());
 }
 
-TEST(RawHeightCheck, countsNoHeightThatIsNotFinite) {
+TEST(RawHeightCheck, ignoresNonFiniteHeights) {
     EXPECT_THAT(FailureOf({kInfinite, -kInfinite, std::nan("")}, 0, 1), IsEmpty());
     EXPECT_THAT(FailureOf({kInfinite, 5, std::nan("")}, 0, 10), IsEmpty());
 }

@@ -60,7 +60,7 @@ TEST_F(ReadTextHeightMap, reportsItsSizeAsWidthByWidth) {
     EXPECT_EQ(heights.size(), 6U);
 }
 
-TEST_F(ReadTextHeightMap, cutsTowardZero) {
+TEST_F(ReadTextHeightMap, truncatesTowardZero) {
     EXPECT_EQ(ReadRow("2.9,-2.9,0.99,-0.99,3,-3", 6, 0.0, 1.0), 0);
     EXPECT_THAT(heights, ElementsAre(2, -2, 0, 0, 3, -3));
 }
@@ -70,24 +70,24 @@ TEST_F(ReadTextHeightMap, keepsMeasuredCellsMeasured) {
     EXPECT_THAT(heights, ElementsAre(32767, 32767, -32767, -32767, -32767, -32767, 32767, -32767));
 }
 
-TEST_F(ReadTextHeightMap, holdsNoMeasurementForHeightsThatAreNotFinite) {
+TEST_F(ReadTextHeightMap, marksNonFiniteHeightsAsUnmeasured) {
     EXPECT_EQ(ReadRow("nan,inf,-inf,1e400,1", 5, 0.0, 1.0), 0);
     EXPECT_THAT(heights, ElementsAre(-32768, -32768, -32768, -32768, 1));
 }
 
-TEST_F(ReadTextHeightMap, holdsNoMeasurementWithoutAResolution) {
+TEST_F(ReadTextHeightMap, marksAllCellsAsUnmeasuredWithoutAResolution) {
     EXPECT_EQ(ReadRow("1,0,-1,", 4, 0.0, 0.0), 0);
     EXPECT_THAT(heights, ElementsAre(-32768, -32768, -32768, -32768));
     EXPECT_EQ(ReadRow("1,0", 2, std::nan(""), 1.0), 0);
     EXPECT_THAT(heights, ElementsAre(-32768, -32768));
 }
 
-TEST_F(ReadTextHeightMap, takesANegativeResolution) {
+TEST_F(ReadTextHeightMap, acceptsANegativeResolution) {
     EXPECT_EQ(ReadRow("3,5", 2, 1.0, -2.0), 0);
     EXPECT_THAT(heights, ElementsAre(-1, -2));
 }
 
-TEST_F(ReadTextHeightMap, holdsNoMeasurementForMissingCellsAndRows) {
+TEST_F(ReadTextHeightMap, marksMissingCellsAndRowsAsUnmeasured) {
     EXPECT_EQ(ReadWith("10.0,1.25,,1.30\n10.1,1.27,1.29,1.31\n", "10.0,1.25\n"), 0);
     EXPECT_THAT(heights, ElementsAre(50, -32768, -32768, -32768, -32768, -32768));
 }
@@ -97,22 +97,22 @@ TEST_F(ReadTextHeightMap, ignoresCellsBeyondTheWidth) {
     EXPECT_THAT(heights, ElementsAre(50, -32768, 50, 50, 50, 50));
 }
 
-TEST_F(ReadTextHeightMap, refusesARowTooMany) {
+TEST_F(ReadTextHeightMap, refusesAnExtraRow) {
     EXPECT_EQ(ReadWith("1.31\n", "1.31\n10.2,1,2,3\n"), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Invalid row=2 for pixel values retrieval"));
     EXPECT_THAT(heights, ElementsAre(50, -32768, 50, 50, 50, 50));
 }
 
-TEST_F(ReadTextHeightMap, saysWhenThereIsNoHeightMap) {
+TEST_F(ReadTextHeightMap, reportsAMissingHeightMap) {
     EXPECT_EQ(Read("Info\nhead\n1,1,1,0,0,0,3,2\n"), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: No height map data"));
     EXPECT_EQ(size, -7);
 }
 
-TEST_F(ReadTextHeightMap, allocatesNothingThatTheFileCannotHold) {
-    constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+TEST_F(ReadTextHeightMap, allocatesNothingForImpossibleDimensions) {
+    constexpr std::int32_t kMaxInt32 = std::numeric_limits<std::int32_t>::max();
     for (const auto& [width, height] :
-         {std::pair{0, 2}, {3, 0}, {-1, 2}, {3, -1}, {kLargest, kLargest}, {65'536, 65'536}}) {
+         {std::pair{0, 2}, {3, 0}, {-1, 2}, {3, -1}, {kMaxInt32, kMaxInt32}, {65'536, 65'536}}) {
         info.width = width;
         info.height = height;
         EXPECT_EQ(Read(SmallTrack()), 1);
@@ -121,7 +121,7 @@ TEST_F(ReadTextHeightMap, allocatesNothingThatTheFileCannotHold) {
     }
 }
 
-TEST_F(ReadTextHeightMap, letsASmallMapHaveRowsAsShortAsTheyLike) {
+TEST_F(ReadTextHeightMap, acceptsAnyShortRowsInASmallMap) {
     for (const auto& [width, height] : {std::pair{1024, 1024}, {1 << 20, 1}, {1, 1 << 20}}) {
         info.width = width;
         info.height = height;
@@ -139,7 +139,7 @@ TEST_F(ReadTextHeightMap, letsASmallMapHaveRowsAsShortAsTheyLike) {
     }
 }
 
-TEST_F(ReadTextHeightMap, hasNoMoreCellsThanALargeFileHasBytes) {
+TEST_F(ReadTextHeightMap, refusesMoreCellsThanALargeFileHasBytes) {
     constexpr std::int32_t kBytes = 1'500'000;
     std::string track = "YX\n1,1\nEnd\n";
     track.resize(kBytes, '\n');
@@ -153,17 +153,17 @@ TEST_F(ReadTextHeightMap, hasNoMoreCellsThanALargeFileHasBytes) {
     EXPECT_EQ(heights.size(), static_cast<std::size_t>(kBytes));
 }
 
-TEST_F(ReadTextHeightMap, saysWhichFileItCannotOpen) {
+TEST_F(ReadTextHeightMap, namesTheFileThatItCannotOpen) {
     EXPECT_EQ(ConvertCSV().ReadHeightMap("no %s ü.trk", info, heights, size), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Could not find csv file (no %s ü.trk)"));
 }
 
-TEST_F(ReadTextHeightMap, logsTheTokenizersComplaintsLikeTheImage) {
+TEST_F(ReadTextHeightMap, logsTheTokenizersErrorsLikeTheImage) {
     EXPECT_EQ(ReadWith("10.1,", "10.1\\x,"), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: [ReadImageFromCsv] (EXCEPTION) unknown escape sequence"));
 }
 
-/// The same files, read to be stored in raw values alone.
+/// The same files, read for storage as raw values.
 class ReadTextHeightMapToStore : public ReadTextHeightMap {
   protected:
     int ReadToStore(const std::string& content) {
@@ -198,7 +198,7 @@ TEST_F(ReadTextHeightMapToStore, refusesAResolutionOfZero) {
                                          "ZOffset=2.5 give it no raw value"));
 }
 
-TEST_F(ReadTextHeightMapToStore, refusesHeightsThatWouldAllBecomeOne) {
+TEST_F(ReadTextHeightMapToStore, refusesHeightsThatWouldAllBecomeEqual) {
     EXPECT_EQ(ReadRowsToStore("0,5,5,\n1,5,8.25,9\n", 10.0), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Cannot store row=1 column=1 height=8.25: with "
                                          "ZResolution=10 all heights become the raw value 0"));
@@ -210,14 +210,14 @@ TEST_F(ReadTextHeightMapToStore, refusesHeightsBeyondSixteenBits) {
                                          "is beyond 16 bits"));
 }
 
-/// Reading alone stays as tolerant as it was.
-TEST_F(ReadTextHeightMapToStore, refusesWhatReadingStillTakes) {
+/// Plain reading stays tolerant.
+TEST_F(ReadTextHeightMapToStore, refusesHeightsThatPlainReadingAccepts) {
     EXPECT_EQ(ReadRowsToStore("0,1,40000,2\n1,1,1,1\n", 1.0), 1);
     EXPECT_EQ(ConvertCSV().ReadHeightMap("a.trk", info, heights, size), 0);
     EXPECT_THAT(heights, ElementsAre(1, 32767, 2, 1, 1, 1));
 }
 
-TEST_F(ReadTextHeightMapToStore, takesAMapWithoutAnyMeasurement) {
+TEST_F(ReadTextHeightMapToStore, acceptsAMapWithoutMeasurements) {
     EXPECT_EQ(ReadRowsToStore("0,,,\n1,nan,,inf\n", 0.0), 0);
     EXPECT_THAT(log.Lines(), IsEmpty());
 }

@@ -42,7 +42,7 @@ class ReadTextImage : public testing::Test {
     QImage image;
 };
 
-TEST_F(ReadTextImage, hasAPixelForEachCellInTwentyFourBits) {
+TEST_F(ReadTextImage, hasA24BitPixelForEachCell) {
     EXPECT_EQ(Read(SmallTrack()), 0);
     EXPECT_EQ(image.size(), QSize(3, 2));
     EXPECT_EQ(image.format(), QImage::Format_RGB888);
@@ -59,10 +59,10 @@ TEST_F(ReadTextImage, paintsEachHeightByTheRamp) {
     EXPECT_EQ(image.pixel(2, 1), kWhite);            // the highest height
 }
 
-TEST_F(ReadTextImage, takesAnEmptyCellForBlackAndAnyOtherForANumber) {
+TEST_F(ReadTextImage, paintsEmptyCellsBlackAndReadsOthersAsNumbers) {
     EXPECT_EQ(ReadRow(", ,x,\"\",-0", 5, -1.0, 1.0), 0);
     EXPECT_EQ(image.pixel(0, 0), kBlack);
-    EXPECT_EQ(image.pixel(1, 0), qRgb(128, 255, 0)); // 0 lies at 896, half way
+    EXPECT_EQ(image.pixel(1, 0), qRgb(128, 255, 0)); // 0 is at 896, half way
     EXPECT_EQ(image.pixel(2, 0), qRgb(128, 255, 0));
     EXPECT_EQ(image.pixel(3, 0), kBlack);
     EXPECT_EQ(image.pixel(4, 0), qRgb(128, 255, 0));
@@ -85,7 +85,7 @@ TEST_F(ReadTextImage, paintsHeightsBeyondTheRangeBlackOrWhite) {
     EXPECT_EQ(image.pixel(3, 0), kBlack);
 }
 
-TEST_F(ReadTextImage, paintsHeightsThatAreNotFiniteBlack) {
+TEST_F(ReadTextImage, paintsNonFiniteHeightsBlack) {
     EXPECT_EQ(ReadRow("nan,inf,-inf,1e400,1", 5, 0.0, 1.0), 0);
     for (int column = 0; column < 4; ++column)
         EXPECT_EQ(image.pixel(column, 0), kBlack) << column;
@@ -101,7 +101,7 @@ TEST_F(ReadTextImage, paintsTheMissingCellsOfAShortRowBlack) {
     EXPECT_EQ(image.pixel(0, 1), kBlack);
 }
 
-TEST_F(ReadTextImage, refusesARowTooLong) {
+TEST_F(ReadTextImage, refusesATooLongRow) {
     EXPECT_EQ(ReadWith("1.31\n", "1.31,\n"), 1);
     EXPECT_THAT(log.Lines(),
                 ElementsAre("ERROR: Image width=3 does not match pixel value count=4 from csv file"));
@@ -109,18 +109,18 @@ TEST_F(ReadTextImage, refusesARowTooLong) {
     EXPECT_EQ(image.pixel(2, 1), kBlack);
 }
 
-TEST_F(ReadTextImage, refusesARowTooMany) {
+TEST_F(ReadTextImage, refusesAnExtraRow) {
     EXPECT_EQ(ReadWith("1.31\n", "1.31\n10.2,1,2,3\n"), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Invalid row=2 for pixel values retrieval"));
 }
 
-TEST_F(ReadTextImage, saysWhenThereAreTooFewRows) {
+TEST_F(ReadTextImage, reportsTooFewRows) {
     EXPECT_EQ(ReadWith("10.1,1.27,1.29,1.31\n", ""), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Height map data is no enough"));
     EXPECT_EQ(image.pixel(2, 0), qRgb(255, 0, 213));
 }
 
-TEST_F(ReadTextImage, saysWhenThereIsNoHeightMap) {
+TEST_F(ReadTextImage, reportsAMissingHeightMap) {
     EXPECT_EQ(Read("Info\nhead\n1,1,1,0,0,0,3,2\n"), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: No height map data"));
     EXPECT_EQ(Read(""), 1);
@@ -135,7 +135,7 @@ TEST_F(ReadTextImage, refusesARangeThatIsNotAboveZero) {
     }
 }
 
-TEST_F(ReadTextImage, checksTheRowBeforeItsLengthAndThatBeforeTheRange) {
+TEST_F(ReadTextImage, checksRowNumberThenLengthThenRange) {
     info = InfoOfSize(2, 1);
     EXPECT_EQ(Read("YX\n0,1,2,3\n", 1.0, 1.0), 1);
     EXPECT_THAT(log.Lines(),
@@ -148,26 +148,26 @@ TEST_F(ReadTextImage, stopsAtTheEndOfTheHeightMap) {
     EXPECT_EQ(Read(SmallTrack() + "YX,0,0,0\n1,2,3,4\n\\x\n"), 0);
 }
 
-TEST_F(ReadTextImage, saysWhichFileItCannotOpen) {
+TEST_F(ReadTextImage, namesTheFileThatItCannotOpen) {
     EXPECT_EQ(ConvertCSV().ReadImage("no %s ü.trk", info, 0, 1, image), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Could not find csv file (no %s ü.trk)"));
 }
 
-TEST_F(ReadTextImage, logsTheTokenizersComplaints) {
+TEST_F(ReadTextImage, logsTheTokenizersErrors) {
     EXPECT_EQ(ReadWith("10.1,", "10.1\\x,"), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: [ReadImageFromCsv] (EXCEPTION) unknown escape sequence"));
     EXPECT_EQ(image.pixel(2, 0), qRgb(255, 0, 213));
 }
 
-TEST_F(ReadTextImage, makesNoImageThatTheFileCannotHold) {
-    constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+TEST_F(ReadTextImage, makesNoImageLargerThanTheFileAllows) {
+    constexpr std::int32_t kMaxInt32 = std::numeric_limits<std::int32_t>::max();
     for (const auto& [width, height] : {std::pair{0, 2},
                                         {3, 0},
                                         {-1, 2},
                                         {3, -1},
-                                        {kLargest, kLargest},
-                                        {kLargest, 2},
-                                        {3, kLargest},
+                                        {kMaxInt32, kMaxInt32},
+                                        {kMaxInt32, 2},
+                                        {3, kMaxInt32},
                                         {65'536, 65'536},
                                         {-65'536, -65'536}}) {
         info = InfoOfSize(width, height);
@@ -177,7 +177,7 @@ TEST_F(ReadTextImage, makesNoImageThatTheFileCannotHold) {
     }
 }
 
-TEST_F(ReadTextImage, isMadeForASmallMapWhateverTheFileHolds) {
+TEST_F(ReadTextImage, isMadeForASmallMapWithAnyContent) {
     info = InfoOfSize(1 << 20, 1);
     EXPECT_EQ(Read("YX\n1,1\nEnd\n", 0.0, 1.0), 0);
     EXPECT_EQ(image.pixel(0, 0), kWhite);

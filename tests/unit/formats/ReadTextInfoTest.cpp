@@ -54,7 +54,7 @@ TEST_F(ReadTextInfo, fillsEveryField) {
     EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
-TEST_F(ReadTextInfo, keepsTheCallersRangeWhereTheHeightsDoNotWidenIt) {
+TEST_F(ReadTextInfo, keepsTheCallersRangeUnlessHeightsExtendIt) {
     WriteFile("a.trk", SmallTrack());
     info.minHeight = -1.0;
     info.maxHeight = 2.0;
@@ -63,19 +63,19 @@ TEST_F(ReadTextInfo, keepsTheCallersRangeWhereTheHeightsDoNotWidenIt) {
     EXPECT_EQ(info.maxHeight, 2.0);
 }
 
-TEST_F(ReadTextInfo, leavesEmptyCellsOutOfTheRange) {
+TEST_F(ReadTextInfo, rangeIgnoresEmptyCells) {
     EXPECT_EQ(ReadWith("10.1,1.27,1.29,1.31", "10.1,,,"), 0);
     EXPECT_EQ(info.minHeight, 1.25);
     EXPECT_EQ(info.maxHeight, 1.30);
 }
 
-TEST_F(ReadTextInfo, takesNoRangeFromAMapWithoutMeasurements) {
+TEST_F(ReadTextInfo, keepsTheRangeWithoutMeasurements) {
     EXPECT_EQ(Read("Info\nhead\n1,1,1,0,0,0,2,1\nYX,0,1\n0,,\nEnd\n"), 0);
     EXPECT_EQ(info.minHeight, 32768.0);
     EXPECT_EQ(info.maxHeight, -32768.0);
 }
 
-TEST_F(ReadTextInfo, leavesHeightsThatAreNotFiniteOutOfTheRange) {
+TEST_F(ReadTextInfo, rangeIgnoresNonFiniteHeights) {
     for (const char* const odd : {"nan", "-nan", "inf", "-inf", "1e400", "-1e400", "INFINITY"}) {
         EXPECT_EQ(ReadWith("10.1,1.27", std::string("10.1,") + odd), 0);
         EXPECT_EQ(info.minHeight, 1.25) << odd;
@@ -88,7 +88,7 @@ TEST_F(ReadTextInfo, readsAFieldOfBlanksAsZero) {
     EXPECT_EQ(info.minHeight, 0.0);
 }
 
-TEST_F(ReadTextInfo, givesAnAnchorOfZerosToAFileWithoutOne) {
+TEST_F(ReadTextInfo, anchorIsZeroInAFileWithoutOne) {
     WriteFile("a.trk", Replaced(SmallTrack(), "Anchor\nX,Y,Angle\n7.5,-8,90\nEnd\n", ""));
     info.anchorX = info.anchorY = info.anchorAngle = 9.0;
     EXPECT_EQ(ConvertCSV().ReadInfo("a.trk", info), 0);
@@ -104,7 +104,7 @@ TEST_F(ReadTextInfo, findsTheAnchorBeforeTheHeightMapToo) {
     EXPECT_EQ(info.maxHeight, 1.31);
 }
 
-TEST_F(ReadTextInfo, takesNoAnchorFromWithinTheHeightMap) {
+TEST_F(ReadTextInfo, ignoresAnAnchorWithinTheHeightMap) {
     EXPECT_EQ(ReadWith("10.1,1.27,1.29,1.31\n", "Anchor,1,2,3\n"), 0);
     EXPECT_THAT(info.rowPositions, ElementsAre(10.0, 0.0));
     EXPECT_EQ(info.anchorX, 7.5);
@@ -136,7 +136,7 @@ TEST_F(ReadTextInfo, recognisesKeywordsWithinTheFirstField) {
     EXPECT_EQ(info.maxHeight, 1.31);
 }
 
-TEST_F(ReadTextInfo, looksForKeywordsInTheFirstFieldOnly) {
+TEST_F(ReadTextInfo, findsKeywordsInTheFirstFieldOnly) {
     EXPECT_EQ(Read("x,Info\ny,YX\nz,Anchor\n" + SmallTrack()), 0);
     EXPECT_EQ(info.anchorX, 7.5);
 }
@@ -146,7 +146,7 @@ TEST_F(ReadTextInfo, recognisesAQuotedKeyword) {
     EXPECT_EQ(info.maxHeight, 1.31);
 }
 
-TEST_F(ReadTextInfo, dropsTheInfoHeaderLineWhateverItHolds) {
+TEST_F(ReadTextInfo, skipsTheInfoHeaderLineWithAnyContent) {
     for (const char* const header : {"", "End", "YX,1", "Info", "bad \\x escape", "\""}) {
         EXPECT_EQ(
             ReadWith("XResolution,YResolution,ZResolution,XOffset,YOffset,ZOffset,Width,Height", header), 0)
@@ -162,7 +162,7 @@ TEST_F(ReadTextInfo, skipsEmptyLines) {
     EXPECT_EQ(Read("\n\n" + SmallTrack()), 0);
 }
 
-TEST_F(ReadTextInfo, dropsCarriageReturns) {
+TEST_F(ReadTextInfo, ignoresCarriageReturns) {
     std::string track;
     for (const char character : SmallTrack())
         track += character == '\n' ? std::string("\r\n") : std::string(1, character);
@@ -198,7 +198,7 @@ TEST_F(ReadTextInfo, refusesAHeightMapBeforeItsDimensions) {
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Invalid item count=3 for column world positions"));
 }
 
-TEST_F(ReadTextInfo, refusesOtherDimensionsBehindTheHeightMap) {
+TEST_F(ReadTextInfo, refusesOtherDimensionsAfterTheHeightMap) {
     const std::string map = "Info\nhead\n1,1,1,0,0,0,2,1\nYX,0,1\n0,1,2\nEnd\nInfo\nhead\n";
     EXPECT_EQ(Read(map + "1,1,1,0,0,0,2,1\n"), 0);
     for (const char* const other : {"1,1,1,0,0,0,3,1\n", "1,1,1,0,0,0,2,2\n"}) {
@@ -208,7 +208,7 @@ TEST_F(ReadTextInfo, refusesOtherDimensionsBehindTheHeightMap) {
     }
 }
 
-TEST_F(ReadTextInfo, saysWhenThereIsNoHeightMap) {
+TEST_F(ReadTextInfo, reportsAMissingHeightMap) {
     EXPECT_EQ(Read("Info\nhead\n1,1,1,0,0,0,2,1\n"), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: No height map data"));
     EXPECT_EQ(info.width, 2);
@@ -216,21 +216,21 @@ TEST_F(ReadTextInfo, saysWhenThereIsNoHeightMap) {
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: No height map data"));
 }
 
-TEST_F(ReadTextInfo, takesMissingCellsAndRowsForUnmeasured) {
+TEST_F(ReadTextInfo, treatsMissingCellsAndRowsAsUnmeasured) {
     EXPECT_EQ(ReadWith("10.0,1.25,,1.30\n10.1,1.27,1.29,1.31\n", "10.0,1.25\n"), 0);
     EXPECT_THAT(info.rowPositions, ElementsAre(10.0, 0.0));
     EXPECT_EQ(info.minHeight, 1.25);
     EXPECT_EQ(info.maxHeight, 1.25);
 }
 
-TEST_F(ReadTextInfo, refusesARowTooMany) {
+TEST_F(ReadTextInfo, refusesAnExtraRow) {
     EXPECT_EQ(ReadWith("1.31\n", "1.31\n10.2,1,2,3\n"), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Invalid row=2 for pixel values retrieval"));
     EXPECT_EQ(info.minHeight, 1.25);
     EXPECT_THAT(info.rowPositions, ElementsAre(10.0, 10.1));
 }
 
-TEST_F(ReadTextInfo, readsOnBehindTheHeightMap) {
+TEST_F(ReadTextInfo, continuesAfterTheHeightMap) {
     const std::string second = "YX,5,6,7\n20,9,8,7\nEnd\n";
     EXPECT_EQ(Read(SmallTrack() + second), 0);
     EXPECT_THAT(info.columnPositions, ElementsAre(5.0, 6.0, 7.0));
@@ -239,7 +239,7 @@ TEST_F(ReadTextInfo, readsOnBehindTheHeightMap) {
     EXPECT_EQ(info.maxHeight, 9.0);
 }
 
-TEST_F(ReadTextInfo, saysWhichFileItCannotOpen) {
+TEST_F(ReadTextInfo, namesTheFileThatItCannotOpen) {
     EXPECT_EQ(ConvertCSV().ReadInfo("no \"such\" %s ü.trk", info), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Could not find csv file (no \"such\" %s ü.trk)"));
     std::filesystem::create_directory("folder");
@@ -247,10 +247,10 @@ TEST_F(ReadTextInfo, saysWhichFileItCannotOpen) {
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Could not find csv file (folder)"));
 }
 
-TEST_F(ReadTextInfo, saysThatItCannotOpenAFileWithoutPermission) {
+TEST_F(ReadTextInfo, reportsAFileWithoutPermission) {
     WriteFile("a.trk", SmallTrack());
     ASSERT_EQ(chmod("a.trk", 0), 0);
-    const bool isSuperuser = geteuid() == 0; // whom permissions do not bind
+    const bool isSuperuser = geteuid() == 0; // permissions do not apply to root
     if (isSuperuser) {
         ASSERT_EQ(seteuid(65'534), 0);
     }
@@ -261,7 +261,7 @@ TEST_F(ReadTextInfo, saysThatItCannotOpenAFileWithoutPermission) {
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Could not find csv file (a.trk)"));
 }
 
-TEST_F(ReadTextInfo, logsTheTokenizersComplaints) {
+TEST_F(ReadTextInfo, logsTheTokenizersErrors) {
     EXPECT_EQ(ReadWith("10.1,1.27", "10.1,1.27\\x"), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: [ReadInfoFromCsv] (EXCEPTION) unknown escape sequence"));
     EXPECT_EQ(info.minHeight, 1.25);
@@ -269,12 +269,12 @@ TEST_F(ReadTextInfo, logsTheTokenizersComplaints) {
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: [ReadInfoFromCsv] (EXCEPTION) cannot end with escape"));
 }
 
-TEST_F(ReadTextInfo, takesAnOpenQuoteAsOneField) {
+TEST_F(ReadTextInfo, readsAnOpenQuoteAsOneField) {
     EXPECT_EQ(ReadWith("10.1,1.27,1.29,1.31", "10.1,\"1.27,1.29,1.31"), 0);
     EXPECT_EQ(info.maxHeight, 1.30);
 }
 
-TEST_F(ReadTextInfo, refusesDimensionsThatTheFileCannotHold) {
+TEST_F(ReadTextInfo, refusesDimensionsLargerThanTheFile) {
     for (const char* const height : {"-1", "2147483647", "-2147483648", "100000"}) {
         EXPECT_EQ(ReadWith("-5,3,2", std::string("-5,3,") + height), 1);
         EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Height map data is no enough")) << height;
@@ -288,8 +288,8 @@ TEST_F(ReadTextInfo, refusesDimensionsThatTheFileCannotHold) {
     }
 }
 
-TEST_F(ReadTextInfo, hasNoMoreRowsThanItsFileHasBytes) {
-    const std::string bytes = std::to_string(SmallTrack().size() + 2); // three digits in the place of one
+TEST_F(ReadTextInfo, refusesMoreRowsThanTheFileHasBytes) {
+    const std::string bytes = std::to_string(SmallTrack().size() + 2); // three digits instead of one
     ASSERT_EQ(bytes.size(), 3U);
     EXPECT_EQ(ReadWith("-5,3,2", "-5,3," + bytes), 0);
     EXPECT_EQ(info.rowPositions.size(), SmallTrack().size() + 2);
@@ -297,7 +297,7 @@ TEST_F(ReadTextInfo, hasNoMoreRowsThanItsFileHasBytes) {
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Height map data is no enough"));
 }
 
-TEST_F(ReadTextInfo, refusesRowsWhenItsHeightIsZero) {
+TEST_F(ReadTextInfo, refusesRowsWhenTheHeightIsZero) {
     EXPECT_EQ(ReadWith("-5,3,2", "-5,3,0"), 1);
     EXPECT_THAT(log.Lines(), ElementsAre("ERROR: Invalid row=0 for pixel values retrieval"));
 }
@@ -310,7 +310,7 @@ TEST_F(ReadTextInfo, readsALineOfTenMegabytes) {
                 ElementsAre("ERROR: Invalid item count=10000001 for height map info extraction"));
 }
 
-TEST_F(ReadTextInfo, givesUpAtALineWithoutEnd) {
+TEST_F(ReadTextInfo, failsAtALineWithoutEnd) {
     WriteFile("a.trk", "Info\n");
     std::filesystem::resize_file("a.trk", 200U << 20U);
     EXPECT_EQ(ConvertCSV().ReadInfo("a.trk", info), 1);
@@ -318,7 +318,7 @@ TEST_F(ReadTextInfo, givesUpAtALineWithoutEnd) {
                 ElementsAre("ERROR: [ReadInfoFromCsv] (EXCEPTION) A line is longer than 67108864 bytes"));
 }
 
-TEST_F(ReadTextInfo, namesTheLineThatAnErrorIsAbout) {
+TEST_F(ReadTextInfo, namesTheLineOfAnError) {
     EXPECT_EQ(ReadWith("0.1,0.2,0.01,3,4,-5,3,2\n", "0.1,0.2,0.01,3,4,-5,3\n"), 1);
     EXPECT_THAT(log.LinesWithPlaces(),
                 ElementsAre("INFO: Line 3: \"0.1,0.2,0.01,3,4,-5,3\"",
@@ -329,7 +329,7 @@ TEST_F(ReadTextInfo, namesTheLineThatAnErrorIsAbout) {
     EXPECT_EQ(lines[0], "INFO: Line 6: \"10.1,\"open\\x\"");
 }
 
-TEST_F(ReadTextInfo, countsEmptyLinesAndShowsNoMoreThanTheBeginningOfALine) {
+TEST_F(ReadTextInfo, countsEmptyLinesAndShowsOnlyTheStartOfALine) {
     const std::string tooMany = "0.0,0.1,0.2," + std::string(100, '\t');
     EXPECT_EQ(ReadWith("YX,0.0,0.1,0.2\n", "\n\r\nYX," + tooMany + "\n"), 1);
     EXPECT_THAT(log.LinesWithPlaces(),

@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST(SampleRamp, writesThreeBytesForEachSampleAndNoneBeyond) {
+TEST(SampleRamp, writesExactlyThreeBytesForEachSample) {
     const SampleRamp ramp(HeightRamp(0, 1792), {1, 0});
     for (std::size_t count = 0; count <= 13; ++count) {
         std::vector<std::int16_t> samples;
@@ -25,8 +25,8 @@ TEST(SampleRamp, writesThreeBytesForEachSampleAndNoneBeyond) {
 
 TEST(SampleRamp, hasTheOrderRedGreenBlue) {
     const SampleRamp ramp(HeightRamp(0, 1792), {1, 0});
-    // One sample of each band whose three parts all differ or tell the band: yellow to red, and magenta to
-    // white.
+    // One sample of each band whose three channels all differ or identify the band: yellow to red, and
+    // magenta to white.
     const std::vector<std::int16_t> samples = {1034, 1546, 778, 300, 600};
     std::vector<std::uint8_t> pixels(samples.size() * 3);
     ramp.Paint(samples, pixels.data());

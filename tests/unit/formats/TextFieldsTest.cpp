@@ -26,10 +26,9 @@ constexpr int kRandomLines = 1'000'000;
 
 constexpr std::array kKeywords = {"End", "Info", "YX", "Anchor", "Ruler", "Segment"};
 
-/// What is to be known of one line.
+/// The contents of one line.
 struct Reading {
-    std::vector<std::optional<std::uint64_t>>
-        numbers; ///< the bits of each field's double, nothing when empty
+    std::vector<std::optional<std::uint64_t>> numbers; ///< the bits of each field's double, none when empty
     std::vector<int> integers;
     unsigned keywords = 0; ///< a bit for each keyword that the first field contains
     std::string error;
@@ -37,7 +36,7 @@ struct Reading {
     bool operator==(const Reading&) const = default;
 };
 
-/// By the tokenizer, and the C library in the C locale that the process must then be in.
+/// Read by the tokenizer and the C library; the process must be in the C locale.
 Reading PlainReading(const std::string& line) {
     Reading reading;
     try {
@@ -61,8 +60,8 @@ Reading PlainReading(const std::string& line) {
     return reading;
 }
 
-/// Reads the fields as a height map's rows are read: as packed decimals where they are such, each with the
-/// last one as its pattern.
+/// Reads the fields as a height map's rows are read: as packed decimals where possible, each with the
+/// previous one as its pattern.
 void ExpectTheSamePacked(const CsvLine& line, const Reading& reading) {
     PackedDecimal packed;
     std::size_t index = 0;
@@ -79,7 +78,7 @@ void ExpectTheSamePacked(const CsvLine& line, const Reading& reading) {
 }
 
 Reading OurReading(const std::string& text) {
-    const std::vector<char> bytes(text.begin(), text.end()); // with nothing readable behind the end
+    const std::vector<char> bytes(text.begin(), text.end()); // with nothing readable after the end
     Reading reading;
     CsvLine line;
     try {
@@ -256,10 +255,10 @@ const std::vector<std::string>& OddFields() {
 }
 
 std::string Joined(std::initializer_list<std::string_view> parts) {
-    std::string whole;
+    std::string line;
     for (const std::string_view part : parts)
-        whole += part;
-    return whole;
+        line += part;
+    return line;
 }
 
 class LineMaker {
@@ -309,14 +308,14 @@ class LineMaker {
             return Noise();
         const auto& odd = OddFields();
         const std::string& field = odd[static_cast<std::size_t>(Pick(static_cast<int>(odd.size())))];
-        // Bad escapes fail the whole line: let most lines live.
+        // Bad escapes fail the complete line: most lines have none.
         return field.find('\\') != std::string::npos && Pick(4) != 0 ? "1" : field;
     }
 
     std::mt19937 random{20'240'607};
 };
 
-TEST(TextFields, readEveryOddFormLikeTheTokenizerAndTheLibrary) {
+TEST(TextFields, readOddFormsLikeTheTokenizerAndTheLibrary) {
     for (const std::string& field : OddFields()) {
         for (const std::string& line :
              {field, Joined({field, ",1"}), Joined({"1,", field}), Joined({"1,", field, ",2.5,,3.25,4.125,"}),
@@ -356,9 +355,9 @@ TEST(TextFields, readRandomLinesLikeTheTokenizerAndTheLibraryUnderACommaLocale) 
     }
 }
 
-TEST(TextFields, haveAPointUnderACommaLocale) {
+TEST(TextFields, useADecimalPointUnderACommaLocale) {
     const CommaLocale locale;
-    ASSERT_EQ(std::strtod("1,5", nullptr), 1.5) << "the locale does not act";
+    ASSERT_EQ(std::strtod("1,5", nullptr), 1.5) << "the locale is not in effect";
     EXPECT_EQ(ToDouble("1.5"), 1.5);
     EXPECT_EQ(ToDouble(" 1.5"), 1.5);
     EXPECT_EQ(ToDouble("1;5"), 1.0);
@@ -371,7 +370,7 @@ TEST(TextFields, skipLeadingBlanksAndIgnoreTrailingText) {
     EXPECT_EQ(ToInt32("  \t25mm"), 25);
 }
 
-TEST(TextFields, readWhatIsNoNumberAsZero) {
+TEST(TextFields, readNonNumbersAsZero) {
     EXPECT_EQ(ToDouble("height"), 0.0);
     EXPECT_EQ(ToInt32("height"), 0);
     EXPECT_EQ(ToDouble(""), 0.0);
@@ -379,13 +378,13 @@ TEST(TextFields, readWhatIsNoNumberAsZero) {
     EXPECT_EQ(ToInt32("2.9"), 2);
 }
 
-TEST(TextFields, cutIntegersBeyondLongToTheirLowBits) {
+TEST(TextFields, truncateIntegersBeyondLongToTheirLowBits) {
     EXPECT_EQ(ToInt32("4294967299"), 3);
     EXPECT_EQ(ToInt32("99999999999999999999"), -1);
     EXPECT_EQ(ToInt32("-99999999999999999999"), 0);
 }
 
-TEST(TextFields, areNoneInAnEmptyLineOnly) {
+TEST(TextFields, areAbsentOnlyInAnEmptyLine) {
     CsvLine line;
     line.Split("");
     EXPECT_FALSE(line.HasFields());
@@ -406,7 +405,7 @@ TEST(TextFields, areCountedInLinesOfEveryLength) {
     }
 }
 
-TEST(TextFields, keepTheLengthOfTheFirst) {
+TEST(TextFields, keepTheFirstFieldsLength) {
     CsvLine line;
     line.Split("\"a,b\",c");
     EXPECT_EQ(line.First().size(), 3U);

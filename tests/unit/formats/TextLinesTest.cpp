@@ -28,7 +28,7 @@ TEST(TextLines, splitsAtLineFeeds) {
     EXPECT_THAT(LinesOf("a\n\nbc\n"), ElementsAre("a", "", "bc"));
 }
 
-TEST(TextLines, givesTheRestBehindTheLastLineFeed) {
+TEST(TextLines, returnsTheRestAfterTheLastLineFeed) {
     EXPECT_THAT(LinesOf("a\nbc"), ElementsAre("a", "bc"));
 }
 
@@ -36,7 +36,7 @@ TEST(TextLines, hasNoLineInAnEmptyFile) {
     EXPECT_THAT(LinesOf(""), IsEmpty());
 }
 
-TEST(TextLines, saysWhereLinesStartAndGoesBackThere) {
+TEST(TextLines, reportsLineStartsAndSeeksBackToThem) {
     const TemporaryFolder folder;
     WriteFile("a", "a\r\n\nbc\nd");
     TextLines lines("a");
@@ -52,11 +52,11 @@ TEST(TextLines, saysWhereLinesStartAndGoesBackThere) {
     EXPECT_EQ(lines.Position(), 7U);
 }
 
-TEST(TextLines, dropsACarriageReturnBeforeTheLineEndOnly) {
+TEST(TextLines, dropsOnlyACarriageReturnBeforeTheLineEnd) {
     EXPECT_THAT(LinesOf("a\r\n\r\nb\rc\nd\r\r\ne\r"), ElementsAre("a", "", "b\rc", "d\r", "e"));
 }
 
-TEST(TextLines, keepsLinesOfEveryLengthWhole) {
+TEST(TextLines, returnsLinesOfEveryLengthCompletely) {
     std::vector<std::string> expected;
     std::string content;
     for (const std::size_t size :
@@ -67,7 +67,7 @@ TEST(TextLines, keepsLinesOfEveryLengthWhole) {
     EXPECT_EQ(LinesOf(content), expected);
 }
 
-TEST(TextLines, failsAtALineThatIsTooLong) {
+TEST(TextLines, failsAtATooLongLine) {
     const TemporaryFolder folder;
     WriteFile("a", "first\n");
     std::filesystem::resize_file("a", 4 * TextLines::kMaxLineLength);
@@ -77,7 +77,7 @@ TEST(TextLines, failsAtALineThatIsTooLong) {
     EXPECT_THROW(static_cast<void>(lines.Next(line)), std::length_error);
 }
 
-TEST(TextLines, takesTheLongestLineAndNoneThatIsAByteLonger) {
+TEST(TextLines, acceptsTheMaximumLineLengthButNotAByteMore) {
     const std::string longest(TextLines::kMaxLineLength, 'x');
     for (const std::string end : {"", "\nmore\n"}) {
         const TemporaryFolder folder;
@@ -101,7 +101,7 @@ TEST(TextLines, opensRegularFilesOnly) {
     EXPECT_FALSE(TextLines("").IsOpen());
 }
 
-TEST(TextLines, saysWhenTheFileCannotBeReadOn) {
+TEST(TextLines, reportsAReadFailure) {
     // A regular file whose first page cannot be read: the kernel answers with an input/output error.
     TextLines lines("/proc/self/mem");
     ASSERT_TRUE(lines.IsOpen());

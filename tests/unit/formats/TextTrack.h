@@ -10,11 +10,11 @@ std::string SmallTrack();
 /// The text with the first occurrence of `old` replaced. @throws std::logic_error when there is none
 std::string Replaced(std::string text, const std::string& old, const std::string& now);
 
-/// An information block as the window starts a read with: an empty height range.
+/// The information with which the window starts a read: an empty height range.
 TrackInfo StartInfo();
 
-/// The dimensions alone.
+/// Only the dimensions.
 TrackInfo InfoOfSize(std::int32_t width, std::int32_t height);
 
-/// Ten million times the character.
+/// Ten million copies of the character.
 std::string TenMegabytes(char character);

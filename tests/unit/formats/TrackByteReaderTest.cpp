@@ -11,7 +11,7 @@
 
 namespace {
 
-/// What a reader says against this work; empty when nothing.
+/// The failure message of a reader during this work; empty on success.
 template<typename Work>
 std::string Refusal(Work&& work) {
     try {
@@ -22,7 +22,7 @@ std::string Refusal(Work&& work) {
     }
 }
 
-TEST(TrackByteReader, readsNumbersOneBehindTheOther) {
+TEST(TrackByteReader, readsNumbersInSequence) {
     const TemporaryFolder folder;
     WriteFile("a", std::string("\x01\x02\x00\x00\xFF\xFF\xFF\xFFxyz\0\0\0\0\0\0\xF0\x3F", 19));
     TrackByteReader bytes("a");
@@ -37,7 +37,7 @@ TEST(TrackByteReader, readsNumbersOneBehindTheOther) {
     EXPECT_EQ(bytes.Remaining(), 0);
 }
 
-TEST(TrackByteReader, goesNeitherBackNorBeyondTheEnd) {
+TEST(TrackByteReader, seeksNeitherBackNorBeyondTheEnd) {
     const TemporaryFolder folder;
     WriteFile("a", "12345");
     TrackByteReader bytes("a");
@@ -64,7 +64,7 @@ TEST(TrackByteReader, isNotOpenWithoutARegularFile) {
     }
 }
 
-TEST(TrackByteReader, saysWhenAFileHasBecomeShorterMeanwhile) {
+TEST(TrackByteReader, reportsAFileThatHasBecomeShorter) {
     const TemporaryFolder folder;
     WriteFile("a", std::string(100'000, 'x'));
     TrackByteReader bytes("a");

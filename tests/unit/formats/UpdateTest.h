@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-/// Updates the paths of files in a folder of their own, by one of the converters.
+/// Updates the paths of files in a temporary folder, by one of the converters.
 template<typename ConverterOfFormat>
 class UpdateTest : public testing::Test {
   protected:
@@ -17,7 +17,7 @@ class UpdateTest : public testing::Test {
         return UpdateWith(converter, original, target, paths);
     }
 
-    /// Updates a file of this content and returns the target's.
+    /// Updates a file of this content and returns the target's content.
     std::string Updated(const std::string& original, const std::vector<TrackPath>& paths) {
         WriteFile("original.trk", original);
         EXPECT_EQ(Update("original.trk", "target.trk", paths), 0);

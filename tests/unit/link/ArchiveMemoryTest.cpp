@@ -1,50 +1,32 @@
-// What a backup and a restore take of the program's memory beside what it had before.
+// The memory that a backup and a restore take.
 
 #include "link/OstraSdkClient.h"
 
+#include "ProcessMemory.h"
 #include "ScriptedServer.h"
 #include "TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 namespace {
 
 constexpr std::uint64_t kArchiveSize = 200'000'000;
-constexpr std::uint64_t kMost = kArchiveSize * 3 / 2;
+constexpr std::uint64_t kMaxPeak = kArchiveSize * 3 / 2;
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kMemoryTells = false;
-#else
-constexpr bool kMemoryTells = true;
-#endif
-
-std::uint64_t MemoryField(const std::string& name) {
-    std::istringstream status(FileContent("/proc/self/status"));
-    for (std::string word; status >> word;)
-        if (word == name + ":") {
-            std::uint64_t kilobytes = 0;
-            status >> kilobytes;
-            return kilobytes * 1024;
-        }
-    return 0;
-}
-
-/// The peak from here on, less what is in use now.
-class PeakMemory {
-  public:
-    PeakMemory() {
-        std::ofstream("/proc/self/clear_refs") << "5";
-        before = MemoryField("VmRSS");
+class ArchiveMemory : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        if (!kMemoryIsMeasurable)
+            GTEST_SKIP() << "a sanitizer's own memory hides the program's";
     }
-    [[nodiscard]] std::uint64_t Growth() const { return MemoryField("VmHWM") - before; }
-
-  private:
-    std::uint64_t before = 0;
 };
+
+/// The replies of a server that answers everything but an archive request with {}.
+std::map<std::string, ScriptedReply> WithArchive(const ScriptedReply& archive) {
+    return {{"/system/info", JsonReply("{}")}, {"/system/commands/archive", archive}};
+}
 
 /// A reply with {"data": <kArchiveSize letters>} that the server makes while it sends.
 ScriptedReply LargeArchive(const std::string& lengthField) {
@@ -56,32 +38,27 @@ ScriptedReply LargeArchive(const std::string& lengthField) {
 }
 
 void ExpectBackupInBounds(const std::string& lengthField) {
-    if (!kMemoryTells)
-        GTEST_SKIP() << "the sanitizer's own memory hides the program's";
     const TemporaryFolder folder;
-    const ScriptedServer server(std::map<std::string, ScriptedReply>{
-        {"/system/info", JsonReply("{}")}, {"/system/commands/archive", LargeArchive(lengthField)}});
+    const ScriptedServer server(WithArchive(LargeArchive(lengthField)));
     OstraSdkClient client;
     client.Connect("127.0.0.1", server.Port());
     const PeakMemory peak;
     client.Backup("Ostra.osbak");
-    EXPECT_LE(peak.Growth(), kMost);
+    EXPECT_LE(peak.Growth(), kMaxPeak);
     EXPECT_GE(peak.Growth(), kArchiveSize); // or the measurement is broken
     EXPECT_EQ(std::filesystem::file_size("Ostra.osbak"), kArchiveSize);
 }
 
-TEST(ArchiveMemory, aBackupTakesAtMostOneAndAHalfTimesItsSize) {
+TEST_F(ArchiveMemory, backupTakesAtMostOneAndAHalfTimesItsSize) {
     const std::uint64_t body = CborDataHead(0).size() + kArchiveSize;
     ExpectBackupInBounds("Content-Length: " + std::to_string(body) + "\r\n");
 }
 
-TEST(ArchiveMemory, aBackupWithoutADeclaredLengthTakesNoMore) {
+TEST_F(ArchiveMemory, backupWithoutADeclaredLengthTakesNoMore) {
     ExpectBackupInBounds("Connection: close\r\n");
 }
 
-TEST(ArchiveMemory, aRestoreTakesAtMostOneAndAHalfTimesItsSize) {
-    if (!kMemoryTells)
-        GTEST_SKIP() << "the sanitizer's own memory hides the program's";
+TEST_F(ArchiveMemory, restoreTakesAtMostOneAndAHalfTimesItsSize) {
     const TemporaryFolder folder;
     WriteFile("a.osbak", "a");
     std::filesystem::resize_file("a.osbak", kArchiveSize);
@@ -90,20 +67,17 @@ TEST(ArchiveMemory, aRestoreTakesAtMostOneAndAHalfTimesItsSize) {
     client.Connect("127.0.0.1", server.Port());
     const PeakMemory peak;
     client.Restore("a.osbak");
-    EXPECT_LE(peak.Growth(), kMost);
+    EXPECT_LE(peak.Growth(), kMaxPeak);
     EXPECT_GE(peak.Growth(), kArchiveSize); // or the measurement is broken
     EXPECT_GT(server.Requests().at(1).bodySize, kArchiveSize);
 }
 
-TEST(ArchiveMemory, aDeclaredLengthThatDoesNotComeTakesNone) {
-    if (!kMemoryTells)
-        GTEST_SKIP() << "the sanitizer's own memory hides the program's";
+TEST_F(ArchiveMemory, declaredLengthWithoutItsBytesTakesNone) {
     const TemporaryFolder folder;
     ScriptedReply reply;
     reply.bytes = "HTTP/1.1 200 OK\r\nContent-Type: application/cbor\r\nContent-Length: 4000000014\r\n\r\n" +
                   CborDataHead(4'000'000'000) + std::string(100'000, 'x');
-    const ScriptedServer server(std::map<std::string, ScriptedReply>{{"/system/info", JsonReply("{}")},
-                                                                     {"/system/commands/archive", reply}});
+    const ScriptedServer server(WithArchive(reply));
     OstraSdkClient client;
     client.Connect("127.0.0.1", server.Port());
     const PeakMemory peak;
@@ -111,7 +85,7 @@ TEST(ArchiveMemory, aDeclaredLengthThatDoesNotComeTakesNone) {
     EXPECT_LE(peak.Growth(), 20'000'000U);
 }
 
-/// What a server without good intent sends in place of an archive.
+/// The reply of a hostile server in place of an archive.
 ScriptedReply Attack(const std::string& start, char letter) {
     ScriptedReply reply;
     reply.bytes = "HTTP/1.1 200 OK\r\nContent-Type: application/cbor\r\n" + start;
@@ -120,7 +94,7 @@ ScriptedReply Attack(const std::string& start, char letter) {
     return reply;
 }
 
-/// Chunks of one byte each, with an extension that is not too long for itself.
+/// Chunks of one byte each, whose extensions are each within the limit.
 std::string ChunksWithExtensions() {
     std::string chunks;
     for (int i = 0; i < 100; ++i)
@@ -128,10 +102,8 @@ std::string ChunksWithExtensions() {
     return chunks;
 }
 
-TEST(ArchiveMemory, noByteBesideABodyTakesMemoryWithoutABound) {
-    if (!kMemoryTells)
-        GTEST_SKIP() << "the sanitizer's own memory hides the program's";
-    constexpr std::uint64_t kMostGrowth = 4'000'000;
+TEST_F(ArchiveMemory, limitsTheMemoryOfBytesOutsideTheBody) {
+    constexpr std::uint64_t kMaxGrowth = 4'000'000;
     const std::string chunked = "Transfer-Encoding: chunked\r\n\r\n";
     const TemporaryFolder folder;
     for (const auto& [name, attack] :
@@ -140,13 +112,12 @@ TEST(ArchiveMemory, noByteBesideABodyTakesMemoryWithoutABound) {
           std::pair{"an endless chunk size", Attack(chunked, '0')},
           std::pair{"an endless trailer", Attack(chunked + "0\r\nX: ", 'x')},
           std::pair{"chunks with extensions", Attack(chunked + ChunksWithExtensions(), 'x')}}) {
-        const ScriptedServer server(std::map<std::string, ScriptedReply>{
-            {"/system/info", JsonReply("{}")}, {"/system/commands/archive", attack}});
+        const ScriptedServer server(WithArchive(attack));
         OstraSdkClient client;
         client.Connect("127.0.0.1", server.Port());
         const PeakMemory peak;
         EXPECT_THROW(client.Backup("Ostra.osbak"), std::exception) << name;
-        EXPECT_LE(peak.Growth(), kMostGrowth) << name;
+        EXPECT_LE(peak.Growth(), kMaxGrowth) << name;
     }
 }
 

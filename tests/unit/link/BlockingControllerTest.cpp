@@ -54,7 +54,7 @@ class BlockingControllerTest : public ::testing::Test {
     std::vector<Ve::Exception> restores;
 };
 
-TEST_F(BlockingControllerTest, methodsStandInTheirOrder) {
+TEST_F(BlockingControllerTest, methodsAreInOrder) {
     const QMetaObject& meta = BlockingController::staticMetaObject;
     struct Row {
         const char* signature;
@@ -78,17 +78,17 @@ TEST_F(BlockingControllerTest, resultTypeIsRegisteredUnderItsName) {
     EXPECT_EQ(type, qMetaTypeId<Ve::Exception>());
 }
 
-TEST_F(BlockingControllerTest, backupThatWorksReportsStatusOneOnce) {
+TEST_F(BlockingControllerTest, successfulBackupReportsStatusOneOnce) {
     ExpectOneBackup(1, "");
     EXPECT_THAT(server.calls, ElementsAre("Backup a.osbak"));
 }
 
-TEST_F(BlockingControllerTest, backupHandsOnNamesBeyondAscii) {
+TEST_F(BlockingControllerTest, backupAcceptsNonAsciiNames) {
     controller.SlotBackup(QStringLiteral(u"./Über %s.osbak"));
     EXPECT_THAT(server.calls, ElementsAre("Backup ./Über %s.osbak"));
 }
 
-TEST_F(BlockingControllerTest, backupThatFailsReportsItsStatusAndMessageOnce) {
+TEST_F(BlockingControllerTest, failedBackupReportsItsStatusAndMessageOnce) {
     server.failAt("Backup", Failure(-998, "Failed to receive 100% of the backup."));
     ExpectOneBackup(-998, "Failed to receive 100% of the backup.");
 }
@@ -104,7 +104,7 @@ TEST_F(BlockingControllerTest, restoreThatKeepsTheReplayModeSetsNothing) {
     }
 }
 
-TEST_F(BlockingControllerTest, restoreThatChangesTheReplayModeSetsItBack) {
+TEST_F(BlockingControllerTest, restoreThatChangesTheReplayModeResetsIt) {
     for (const bool mode : {false, true}) {
         server = FakeServer();
         restores.clear();
@@ -123,7 +123,7 @@ TEST_F(BlockingControllerTest, failureToReadTheModeFirstSkipsTheRestore) {
     EXPECT_THAT(server.calls, ElementsAre("GetReplayMode"));
 }
 
-TEST_F(BlockingControllerTest, failedRestoreLeavesTheReplayModeAlone) {
+TEST_F(BlockingControllerTest, failedRestoreDoesNotSetTheReplayMode) {
     server.replayModeAfterRestore = true;
     server.failAt("Restore", Failure(-998, "refused"));
     ExpectOneRestore(-998, "refused");
@@ -132,8 +132,8 @@ TEST_F(BlockingControllerTest, failedRestoreLeavesTheReplayModeAlone) {
 
 TEST_F(BlockingControllerTest, failureToReadTheModeAgainSetsNothing) {
     server.replayModeAfterRestore = true;
-    server.failAt("GetReplayMode", Failure(-998, "gone"), 2);
-    ExpectOneRestore(-998, "gone");
+    server.failAt("GetReplayMode", Failure(-998, "stopped"), 2);
+    ExpectOneRestore(-998, "stopped");
     EXPECT_THAT(server.calls, ElementsAre("GetReplayMode", "Restore a.osbak", "GetReplayMode"));
 }
 
@@ -168,7 +168,7 @@ TEST_F(BlockingControllerTest, nextOperationWorksAfterAFailure) {
     EXPECT_EQ(backups[1].Status(), 1);
 }
 
-/// The window's side: signals of its own, as queued connections carry them to the worker and back.
+/// The window's side: signals that queued connections carry to the worker and back.
 class Window : public QObject {
     Q_OBJECT
 
@@ -187,10 +187,10 @@ class Window : public QObject {
     std::vector<Ve::Exception> results;
 };
 
-TEST(BlockingControllerThread, resultsCrossBackFromTheWorkersThread) {
+TEST(BlockingControllerThread, resultsReturnFromTheWorkerThread) {
     FakeServer server;
     OstraSdkClient client;
-    auto* const controller = new BlockingController(&client, nullptr); // deleted by its thread's end
+    auto* const controller = new BlockingController(&client, nullptr); // deleted when its thread ends
     QThread worker;
     controller->moveToThread(&worker);
     QObject::connect(&worker, &QThread::finished, controller, &QObject::deleteLater);

@@ -8,8 +8,8 @@
 
 class QThread;
 
-/// Answers the calls of every OstraSdkClient of a test program in place of a server: FakeOstraSdkClient.cpp
-/// is linked in place of the real client. One object at a time; it is used by one thread at a time.
+/// Answers the calls of every OstraSdkClient of a test program instead of a server: FakeOstraSdkClient.cpp
+/// is linked instead of the real client. One object at a time, used by one thread at a time.
 class FakeServer {
   public:
     FakeServer();
@@ -17,7 +17,7 @@ class FakeServer {
     FakeServer& operator=(FakeServer&& other) = default;
     ~FakeServer();
 
-    /// Lets the `turn`-th call of the operation throw `failure`, once.
+    /// Makes the `turn`-th call of the operation throw `failure`, once.
     template<typename Failure>
     void failAt(const std::string& operation, Failure failure, int turn = 1) {
         failing = operation;
@@ -25,7 +25,7 @@ class FakeServer {
         thrown = std::make_exception_ptr(std::move(failure));
     }
 
-    /// Records the call, with its argument, and throws what it is to throw.
+    /// Records the call with its argument, and throws the prepared failure.
     void take(const std::string& operation, const std::string& argument = {});
 
     std::vector<std::string> calls;

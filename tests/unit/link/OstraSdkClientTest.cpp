@@ -28,7 +28,7 @@ constexpr const char* kInfo = "GET /system/info";
 constexpr const char* kArchive = "POST /system/commands/archive";
 constexpr const char* kRestore = "POST /system/commands/restore";
 
-/// A server that answers everything well.
+/// A server that answers every request successfully.
 std::map<std::string, ScriptedReply> WillingReplies() {
     return {{"/system/info", JsonReply(DiscoveryAnswer(1, "127.0.0.1", 3600))},
             {"/system/commands/archive", DataReply("the archive")},
@@ -43,7 +43,7 @@ std::map<std::string, ScriptedReply> WillingExcept(const std::string& path, cons
     return replies;
 }
 
-/// A port of loopback where nobody listens.
+/// A loopback port without a listener.
 unsigned int ClosedPort() {
     return LoopbackSocket().Port();
 }
@@ -87,14 +87,14 @@ TEST(OstraSdkClient, refusesToConnectToWhatIsNoAddress) {
     EXPECT_FALSE(client.IsConnected());
 }
 
-TEST(OstraSdkClient, tellsTheAddressThatItCouldNotConnectTo) {
+TEST(OstraSdkClient, reportsTheAddressThatItCouldNotConnectTo) {
     OstraSdkClient client;
     ExpectThrown([&] { client.Connect("127.0.0.1", ClosedPort()); }, -990, "OstraSdkClient::Connect",
                  "Failed to connect the OstraServer (127.0.0.1).");
     EXPECT_FALSE(client.IsConnected());
 }
 
-TEST(OstraSdkClient, failsToConnectToAPortThatCannotBe) {
+TEST(OstraSdkClient, failsToConnectToAnImpossiblePort) {
     OstraSdkClient client;
     for (const unsigned int port : {0U, 65536U, 99999U, 4294967295U})
         ExpectThrown([&] { client.Connect("127.0.0.1", port); }, -2, "OstraSdkClient::Connect",
@@ -128,7 +128,7 @@ TEST(OstraSdkClient, isNotConnectedAfterAFailedConnectToAnotherServer) {
     EXPECT_FALSE(client.IsConnected());
 }
 
-TEST(OstraSdkClient, disconnectsTheOldServerBeforeItLooksAtTheNewAddress) {
+TEST(OstraSdkClient, disconnectsTheOldServerBeforeCheckingTheNewAddress) {
     const ScriptedServer server(WillingReplies());
     OstraSdkClient client;
     client.Connect("127.0.0.1", server.Port());
@@ -176,7 +176,7 @@ TEST(OstraSdkClient, staysConnectedToAServerThatHasDiedUntilItDisconnects) {
     EXPECT_FALSE(client.IsConnected());
 }
 
-TEST(OstraSdkClient, failsEveryRequestAtOnceWhenNotConnected) {
+TEST(OstraSdkClient, failsEveryRequestImmediatelyWhenNotConnected) {
     const TemporaryFolder folder;
     OstraSdkClient client;
     constexpr const char* kMessage = "The client hasn't connected to any Ostra Server.";
@@ -207,7 +207,7 @@ TEST(OstraSdkClient, namesItsOwnSourceInEveryFailure) {
         EXPECT_GT(e.Line(), 0) << e.what();
         lines.insert(e.Line());
     }
-    EXPECT_EQ(lines.size(), failures.size()) << "each failure has a line of its own";
+    EXPECT_EQ(lines.size(), failures.size()) << "each failure has its own line";
 }
 
 // Backup
@@ -238,7 +238,7 @@ TEST(OstraSdkClient, writesAnEmptyFileForAnEmptyArchive) {
     EXPECT_EQ(FileContent("Ostra.osbak"), "");
 }
 
-TEST(OstraSdkClient, tellsTheBackupFileThatItCannotWrite) {
+TEST(OstraSdkClient, reportsTheBackupFileThatItCannotWrite) {
     const TemporaryFolder folder;
     const ScriptedServer server(WillingReplies());
     OstraSdkClient client;
@@ -258,9 +258,9 @@ TEST(OstraSdkClient, keepsTheOldBackupWhenTheDiskIsFull) {
     OstraSdkClient client;
     client.Connect("127.0.0.1", server.Port());
     WriteFile("Ostra.osbak", "old");
-    for (const rlim_t room : std::initializer_list<rlim_t>{0, 1, 4096, 65536, 199'999}) {
-        SCOPED_TRACE(room);
-        const FileSizeLimit limit(room);
+    for (const rlim_t maxSize : std::initializer_list<rlim_t>{0, 1, 4096, 65536, 199'999}) {
+        SCOPED_TRACE(maxSize);
+        const FileSizeLimit limit(maxSize);
         ExpectThrown([&] { client.Backup("Ostra.osbak"); }, -997, "OstraSdkClient::Backup",
                      "Failed to open the file - Ostra.osbak");
         EXPECT_EQ(FileContent("Ostra.osbak"), "old");
@@ -325,7 +325,7 @@ TEST(OstraSdkClient, failsTheBackupOfAReplyThatIsNoArchive) {
     }
 }
 
-TEST(OstraSdkClient, failsTheBackupOfADeclaredLengthThatDoesNotCome) {
+TEST(OstraSdkClient, failsTheBackupShorterThanItsDeclaredLength) {
     const TemporaryFolder folder;
     for (const std::string length : {"3000000000", "10000000000", "18446744073709551615",
                                      "18446744073709551616", "-1", "1e3", "12\r\nContent-Length: 13"}) {
@@ -340,13 +340,13 @@ TEST(OstraSdkClient, failsTheBackupOfADeclaredLengthThatDoesNotCome) {
     }
 }
 
-TEST(OstraSdkClient, failsTheBackupThatIsCutAtEveryTenth) {
+TEST(OstraSdkClient, failsTheBackupTruncatedAtAnyTenth) {
     const TemporaryFolder folder;
-    const ScriptedReply whole = DataReply(std::string(1'000'000, 'a'));
+    const ScriptedReply complete = DataReply(std::string(1'000'000, 'a'));
     for (std::uint64_t tenth = 0; tenth < 10; ++tenth) {
         SCOPED_TRACE(tenth);
-        ScriptedReply cut = whole;
-        cut.cutAfter = whole.bytes.size() * tenth / 10;
+        ScriptedReply cut = complete;
+        cut.cutAfter = complete.bytes.size() * tenth / 10;
         const ScriptedServer server(WillingExcept("/system/commands/archive", cut));
         OstraSdkClient client;
         client.Connect("127.0.0.1", server.Port());
@@ -357,7 +357,7 @@ TEST(OstraSdkClient, failsTheBackupThatIsCutAtEveryTenth) {
 
 // Restore
 
-TEST(OstraSdkClient, sendsTheWholeFileToBeRestored) {
+TEST(OstraSdkClient, sendsTheCompleteFileToRestore) {
     const TemporaryFolder folder;
     const ScriptedServer server(WillingReplies());
     OstraSdkClient client;
@@ -415,7 +415,7 @@ TEST(OstraSdkClient, failsTheRestoreThatAServerRefuses) {
     }
 }
 
-TEST(OstraSdkClient, endsTheRestoreAtOnceWhenTheServerRefusesBeforeReadingTheFile) {
+TEST(OstraSdkClient, endsTheRestoreWhenTheServerRefusesBeforeReadingTheFile) {
     const TemporaryFolder folder;
     WriteFile("a.osbak", std::string(30'000'000, 'a'));
     ScriptedReply refusal = HttpReply(413, "application/json", R"({"error":"too large"})");
@@ -504,7 +504,7 @@ TEST(OstraSdkClient, givesUpOnTheReplayModeOfASilentServerAfterThreeSeconds) {
 
 // Reading a file
 
-TEST(ReadFileBuffer, readsAWholeFileInPlaceOfWhatTheBufferHeld) {
+TEST(ReadFileBuffer, replacesTheBufferByTheCompleteFile) {
     const TemporaryFolder folder;
     WriteFile("a", std::string("a\0b\r\n\x1A\xFF", 7));
     std::vector<std::uint8_t> buffer(100, 1);
@@ -512,14 +512,14 @@ TEST(ReadFileBuffer, readsAWholeFileInPlaceOfWhatTheBufferHeld) {
     EXPECT_THAT(buffer, ElementsAre('a', 0, 'b', '\r', '\n', 0x1A, 0xFF));
 }
 
-TEST(ReadFileBuffer, tellsAnEmptyFile) {
+TEST(ReadFileBuffer, reportsAnEmptyFile) {
     const TemporaryFolder folder;
     WriteFile("a", "");
     std::vector<std::uint8_t> buffer;
     ExpectThrown([&] { OstraSdkClient::ReadFileBuffer("a", buffer); }, -997, "ReadFileBuffer", "a is empty.");
 }
 
-TEST(ReadFileBuffer, tellsAFileThatItCannotOpen) {
+TEST(ReadFileBuffer, reportsAFileThatItCannotOpen) {
     const TemporaryFolder folder;
     std::filesystem::create_directory("folder");
     std::vector<std::uint8_t> buffer;
@@ -528,7 +528,7 @@ TEST(ReadFileBuffer, tellsAFileThatItCannotOpen) {
                      "Failed to open " + name + ".");
 }
 
-TEST(ReadFileBuffer, failsForAFileThatNoRequestCanCarry) {
+TEST(ReadFileBuffer, failsForAFileTooLargeForARequest) {
     const TemporaryFolder folder;
     WriteFile("huge", "a");
     std::error_code error;
@@ -544,7 +544,7 @@ TEST(ReadFileBuffer, failsForAFileThatNoRequestCanCarry) {
                             "carries no more than 4 GiB"));
 }
 
-TEST(OstraSdkClient, tellsTheLogWhyItFailed) {
+TEST(OstraSdkClient, logsWhyItFailed) {
     const TemporaryFolder folder;
     const ScriptedServer server(
         WillingExcept("/system/commands/archive",
@@ -574,7 +574,7 @@ TEST(OstraSdkClient, tellsTheLogWhyItFailed) {
 
 // Discovery
 
-TEST(OstraSdkClient, listsTheServersThatAnswerInTheirOrder) {
+TEST(OstraSdkClient, listsServersInTheOrderOfTheirAnswers) {
     const DiscoveryResponder responder(
         {DiscoveryAnswer(2, "10.0.0.9", 3600), DiscoveryAnswer(1, "192.168.100.200", 65535)},
         std::chrono::milliseconds(20));
@@ -588,7 +588,7 @@ TEST(OstraSdkClient, listsTheServersThatAnswerInTheirOrder) {
     EXPECT_EQ(list[1].controlPort, 65535U);
 }
 
-TEST(OstraSdkClient, findsNothingWithoutAnError) {
+TEST(OstraSdkClient, findsNoServerWithoutAnError) {
     setenv("OSTRA_DISCOVERY", "127.0.0.1:9", 1);
     std::vector<OstraServerInfo> list(3);
     OstraSdkClient::DiscoverOstraServers(list);

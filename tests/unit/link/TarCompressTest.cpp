@@ -1,4 +1,4 @@
-#include "link/FileUtils.h"
+#include "ArchiveOutcome.h"
 
 #include "FailingAllocator.h"
 #include "FileSizeLimit.h"
@@ -6,9 +6,6 @@
 #include "LogCapture.h"
 #include "OrdinaryUser.h"
 #include "RunTool.h"
-#include "TemporaryFolder.h"
-#include "basalt/Exception.h"
-#include "basalt/bStatus.h"
 
 #include <gmock/gmock.h>
 
@@ -24,17 +21,9 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::IsSupersetOf;
 
-/// How packing ends: status, message and function of its failure, or "packed".
 std::string Packing(const std::string& source, const std::string& archive,
                     bAlloc allocator = bAlloc_Application()) {
-    try {
-        TarCompress(source, archive, allocator);
-        return "packed";
-    } catch (const Ve::Exception& failure) {
-        EXPECT_NE(failure.Line(), 0);
-        EXPECT_THAT(failure.File(), testing::HasSubstr("FileUtils.cpp"));
-        return std::to_string(failure.Status()) + " " + failure.what() + " in " + failure.Function();
-    }
+    return OutcomeOf([&] { TarCompress(source, archive, allocator); }, "packed");
 }
 
 std::string Failure(bStatus status, const std::string& message) {
@@ -54,14 +43,14 @@ std::string NamesIn(const std::string& archive) {
     return RunTool("tar --quoting-style=literal -tf '" + archive + "'");
 }
 
-TEST(TarCompress, listsADirectorysEntryThenItsFilesThenItsDirectoriesDepthFirst) {
+TEST(TarCompress, packsADirectoryThenItsFilesThenItsDirectories) {
     const TemporaryFolder folder;
     MakeTree();
     EXPECT_EQ(Packing("./tree", "out.tar"), "packed");
     EXPECT_EQ(NamesIn("out.tar"), "top.trk\nzero\na/\na/größe.trk\na/b/\na/b/c.trk\nempty/\n");
 }
 
-TEST(TarCompress, ofAnEmptyDirectoryHasNoEntries) {
+TEST(TarCompress, writesNoEntriesForAnEmptyDirectory) {
     const TemporaryFolder folder;
     fs::create_directory("tree");
     EXPECT_EQ(Packing("tree", "out.tar"), "packed");
@@ -89,7 +78,7 @@ TEST(TarCompress, leavesOutLinksAndSpecialFiles) {
     EXPECT_EQ(NamesIn("out.tar"), "top.trk\nzero\na/\na/größe.trk\na/b/\na/b/c.trk\nempty/\n");
 }
 
-TEST(TarCompress, isReadByGnuTarAndBsdtarByNameAndContent) {
+TEST(TarCompress, isReadByGnuTarAndBsdtar) {
     const TemporaryFolder folder;
     MakeTree();
     const std::string longPart(120, 'l');
@@ -114,7 +103,7 @@ TEST(TarCompress, refusesWhatIsNotADirectory) {
     EXPECT_EQ(FileContent("out.tar"), "old");
 }
 
-TEST(TarCompress, saysWhenTheArchiveCannotBeOpened) {
+TEST(TarCompress, reportsAnArchiveThatCannotBeOpened) {
     const TemporaryFolder folder;
     MakeTree();
     EXPECT_EQ(Packing("tree", "missing/out.tar"),
@@ -125,7 +114,7 @@ TEST(TarCompress, saysWhenTheArchiveCannotBeOpened) {
 TEST(TarCompress, namesTheStepAtWhichMemoryRanOut) {
     const TemporaryFolder folder;
     MakeTree();
-    WriteFile("tree/" + std::string(100, 'n'), "a name that needs memory of its own");
+    WriteFile("tree/" + std::string(100, 'n'), "a name that needs its own memory");
     fs::create_directory("tree/" + std::string(100, 'd'));
     WriteFile("out.tar", "old");
     std::set<std::string> failures;
@@ -148,7 +137,7 @@ TEST(TarCompress, namesTheStepAtWhichMemoryRanOut) {
                               Failure(bERROR_MEMORY, "Failed to list directories in tree")}));
 }
 
-TEST(TarCompress, refusesADirectoryWhoseNameNoReaderHasRoomFor) {
+TEST(TarCompress, refusesATooLongDirectoryName) {
     const TemporaryFolder folder;
     const std::string part(255, 'd');
     fs::create_directories("tree/" + part + "/" + part);
@@ -159,7 +148,7 @@ TEST(TarCompress, refusesADirectoryWhoseNameNoReaderHasRoomFor) {
     EXPECT_EQ(Packing("tree", "out.tar"), Failure(bERROR_TOO_LONG, "Failed to create the replay directory."));
 }
 
-TEST(TarCompress, refusesATreeDeeperThanItWouldBeUnpacked) {
+TEST(TarCompress, refusesATreeTooDeepToUnpack) {
     const TemporaryFolder folder;
     std::string path = "tree";
     for (int i = 0; i < 65; ++i)
@@ -169,7 +158,7 @@ TEST(TarCompress, refusesATreeDeeperThanItWouldBeUnpacked) {
               Failure(bERROR_PARAMETER, "Failed to create the replay directory."));
 }
 
-TEST(TarCompress, refusesAFileWhoseNameWouldNotBeUnpacked) {
+TEST(TarCompress, refusesAFileNameThatWouldNotBeUnpacked) {
     const TemporaryFolder folder;
     fs::create_directory("tree");
     WriteFile("tree/..\\out", "x");
@@ -177,7 +166,7 @@ TEST(TarCompress, refusesAFileWhoseNameWouldNotBeUnpacked) {
     EXPECT_FALSE(fs::exists("out.tar"));
 }
 
-TEST(TarCompress, saysWhichDirectoryCannotBeListed) {
+TEST(TarCompress, namesTheDirectoryThatCannotBeListed) {
     const TemporaryFolder folder;
     const OrdinaryUser user(".");
     ASSERT_TRUE(user.IsReady());
@@ -196,30 +185,31 @@ TEST(TarCompress, keepsTheOldArchiveWhenAFileCannotBeRead) {
     ASSERT_EQ(chmod("tree/a/b/c.trk", 0), 0);
     EXPECT_EQ(Packing("tree", "out.tar"), Failure(bERROR_FILE, "Failed to write tree/a/b/c.trk"));
     EXPECT_EQ(FileContent("out.tar"), "old");
-    EXPECT_EQ(FolderTree(".").size(), 9U); // the tree and the old archive: nothing else stays behind
+    EXPECT_EQ(FolderTree(".").size(), 9U); // the tree and the old archive: nothing else is left over
 }
 
 TEST(TarCompress, keepsTheOldArchiveWhenTheDiskIsFull) {
     const TemporaryFolder folder;
     MakeTree();
     WriteFile("out.tar", "old");
-    constexpr rlim_t kWhole = 107'008;
+    constexpr rlim_t kArchiveSize = 107'008;
     constexpr rlim_t kLastBuffer = 1536; // the entry of "empty" and the end mark
     std::set<std::string> failures;
-    for (const rlim_t room : {rlim_t{0}, rlim_t{512}, rlim_t{60'000}, kWhole - kLastBuffer - 1,
-                              kWhole - kLastBuffer, kWhole - kLastBuffer + 1, kWhole - 512, kWhole - 1}) {
-        const FileSizeLimit limit(room);
+    for (const rlim_t maxSize :
+         {rlim_t{0}, rlim_t{512}, rlim_t{60'000}, kArchiveSize - kLastBuffer - 1, kArchiveSize - kLastBuffer,
+          kArchiveSize - kLastBuffer + 1, kArchiveSize - 512, kArchiveSize - 1}) {
+        const FileSizeLimit limit(maxSize);
         failures.insert(Packing("tree", "out.tar"));
-        EXPECT_EQ(FileContent("out.tar"), "old") << room;
+        EXPECT_EQ(FileContent("out.tar"), "old") << maxSize;
     }
     EXPECT_THAT(failures, testing::ElementsAre(Failure(bERROR_FILE, "Failed to write out.tar"),
                                                Failure(bERROR_FILE, "Failed to write tree/a/b/c.trk")));
-    const FileSizeLimit enough(kWhole);
+    const FileSizeLimit enough(kArchiveSize);
     EXPECT_EQ(Packing("tree", "out.tar"), "packed");
-    EXPECT_EQ(fs::file_size("out.tar"), kWhole);
+    EXPECT_EQ(fs::file_size("out.tar"), kArchiveSize);
 }
 
-TEST(TarCompress, takesALittleMemoryForALargeFile) {
+TEST(TarCompress, takesLittleMemoryForALargeFile) {
     const TemporaryFolder folder;
     fs::create_directory("tree");
     WriteFile("tree/large", "");
@@ -232,7 +222,7 @@ TEST(TarCompress, takesALittleMemoryForALargeFile) {
     EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 16 * 1024) << "kilobytes";
 }
 
-TEST(TarCompress, tellsTheLogWhyItFailed) {
+TEST(TarCompress, logsWhyItFailed) {
     const TemporaryFolder folder;
     fs::create_directory("tree");
     WriteFile("tree/large", std::string(300'000, 'l'));

@@ -1,5 +1,5 @@
-// Failures that the platform's own calls do not have today: the linker puts the functions of this file in
-// their place, for this program alone (see --wrap in CMakeLists.txt).
+// Failures that the platform's calls do not produce today: the linker replaces them by the functions of this
+// file, for this program only (see --wrap in CMakeLists.txt).
 
 #include "link/OstraSdkClient.h"
 
@@ -55,12 +55,12 @@ bool discoveryFails = false;
 bIpAddress systemAddress;
 unsigned systemPort = 0;
 std::int64_t discoveryTimeout = 0;
-/// The waits for a response, each with its time-out.
+/// The time-out of each wait for a response.
 std::vector<std::string> waits;
-/// Throws in place of each wait.
+/// Throws instead of each wait.
 std::function<void()> insteadOfWaiting;
 std::size_t watchedSize = 0;
-/// Done once, when the thread that set it asks for memory of `watchedSize` bytes.
+/// Called once, when the thread that set it allocates `watchedSize` bytes.
 thread_local std::function<void()> onAllocation;
 
 } // namespace
@@ -123,22 +123,22 @@ class UnlikelyFailures : public testing::Test {
     }
 };
 
-constexpr std::size_t kFileSize = 300'007; // unlike any other piece of memory here
+constexpr std::size_t kFileSize = 300'007; // unlike any other allocation here
 
-/// A file that something happens to when its size is known and its bytes are not yet read: the memory for
-/// them is what is asked for in between.
+/// A file that is changed after its size is read and before its bytes are: at the allocation of the memory
+/// for them.
 class ChangingFile : public UnlikelyFailures {
   protected:
     ChangingFile() { WriteFile("a.osbak", content); }
 
-    void Meanwhile(const std::function<void()>& change) {
+    void ChangeDuringTheRead(const std::function<void()>& change) {
         watchedSize = kFileSize;
         onAllocation = change;
     }
     void ExpectNotRead() {
         ExpectThrown([&] { OstraSdkClient::ReadFileBuffer("a.osbak", buffer); }, -997, "ReadFileBuffer",
                      "Failed to open a.osbak.");
-        EXPECT_FALSE(onAllocation) << "nothing has happened meanwhile";
+        EXPECT_FALSE(onAllocation) << "the change was not made";
     }
 
     const TemporaryFolder folder;
@@ -146,27 +146,27 @@ class ChangingFile : public UnlikelyFailures {
     std::vector<std::uint8_t> buffer;
 };
 
-TEST_F(ChangingFile, thatGrowsWhileItIsReadIsNotRead) {
-    Meanwhile([] { std::filesystem::resize_file("a.osbak", kFileSize + 1); });
+TEST_F(ChangingFile, isRefusedWhenItGrowsDuringTheRead) {
+    ChangeDuringTheRead([] { std::filesystem::resize_file("a.osbak", kFileSize + 1); });
     ExpectNotRead();
 }
 
-TEST_F(ChangingFile, thatShrinksWhileItIsReadIsNotRead) {
-    Meanwhile([] { std::filesystem::resize_file("a.osbak", kFileSize - 1); });
+TEST_F(ChangingFile, isRefusedWhenItShrinksDuringTheRead) {
+    ChangeDuringTheRead([] { std::filesystem::resize_file("a.osbak", kFileSize - 1); });
     ExpectNotRead();
     WriteFile("a.osbak", content);
-    Meanwhile([] { std::filesystem::resize_file("a.osbak", 0); });
+    ChangeDuringTheRead([] { std::filesystem::resize_file("a.osbak", 0); });
     buffer = std::vector<std::uint8_t>();
     ExpectNotRead();
 }
 
-TEST_F(ChangingFile, thatIsReplacedWhileItIsReadIsReadAsItWas) {
-    Meanwhile([] {
+TEST_F(ChangingFile, isReadAsItWasWhenReplacedDuringTheRead) {
+    ChangeDuringTheRead([] {
         WriteFile("new", std::string(kFileSize + 5, 'b'));
         std::filesystem::rename("new", "a.osbak");
     });
     OstraSdkClient::ReadFileBuffer("a.osbak", buffer);
-    EXPECT_FALSE(onAllocation) << "nothing has happened meanwhile";
+    EXPECT_FALSE(onAllocation) << "the change was not made";
     EXPECT_TRUE(std::string(buffer.begin(), buffer.end()) == content);
 }
 
@@ -174,19 +174,19 @@ TEST_F(ChangingFile, isNotSentToTheServer) {
     const ScriptedServer server(JsonReply("{}"));
     OstraSdkClient client;
     client.Connect("127.0.0.1", server.Port());
-    Meanwhile([] { std::filesystem::resize_file("a.osbak", kFileSize + 1); });
+    ChangeDuringTheRead([] { std::filesystem::resize_file("a.osbak", kFileSize + 1); });
     ExpectThrown([&] { client.Restore("a.osbak"); }, -997, "ReadFileBuffer", "Failed to open a.osbak.");
     EXPECT_EQ(server.Requests().size(), 1U); // the connection's own
 }
 
-// What only the platform is told is seen by what stands in its place.
-TEST(OstraSdkClient, isBoundToThisMachineAndTheUsualPortAtFirst) {
+// Values that only the platform gets are recorded by the functions that replace it.
+TEST(OstraSdkClient, usesLoopbackAndTheDefaultPortInitially) {
     const OstraSdkClient client;
     EXPECT_EQ(systemAddress, (bIpAddress{{127, 0, 0, 1}}));
     EXPECT_EQ(systemPort, 3600U);
 }
 
-TEST(OstraSdkClient, looksForServersWithATimeOutOfTenThousand) {
+TEST(OstraSdkClient, discoversServersWithATimeoutOfTenThousand) {
     const DiscoveryResponder responder({DiscoveryAnswer(1, "10.0.0.1", 3600)});
     setenv("OSTRA_DISCOVERY", responder.Target().c_str(), 1);
     std::vector<OstraServerInfo> list;
@@ -194,7 +194,7 @@ TEST(OstraSdkClient, looksForServersWithATimeOutOfTenThousand) {
     EXPECT_EQ(discoveryTimeout, 10000);
 }
 
-TEST(OstraSdkClient, waitsForEachResponseAsLongAsItsRequestMayTake) {
+TEST(OstraSdkClient, waitsForEachResponseForItsRequestsTimeout) {
     const TemporaryFolder folder;
     WriteFile("a.osbak", "archive");
     const ScriptedServer server(
@@ -213,13 +213,13 @@ TEST(OstraSdkClient, waitsForEachResponseAsLongAsItsRequestMayTake) {
                                             "GetResponse 3000000", "CheckResponse 3000000"));
 }
 
-TEST_F(UnlikelyFailures, anAddressThatCannotBeParsedStopsTheConstructor) {
+TEST_F(UnlikelyFailures, unparsableAddressStopsTheConstructor) {
     parseFails = true;
     ExpectThrown([] { const OstraSdkClient client; }, -77, "OstraSdkClient::OstraSdkClient",
                  "Failed to parse the ip address.");
 }
 
-TEST_F(UnlikelyFailures, anAddressThatCannotBeParsedStopsTheConnectWithTheParsersStatus) {
+TEST_F(UnlikelyFailures, unparsableAddressStopsTheConnectWithTheParsersStatus) {
     OstraSdkClient client;
     parseFails = true;
     ExpectThrown([&] { client.Connect("127.0.0.1", 1); }, -77, "OstraSdkClient::Connect",
@@ -227,7 +227,7 @@ TEST_F(UnlikelyFailures, anAddressThatCannotBeParsedStopsTheConnectWithTheParser
     EXPECT_EQ(systemPort, 3600U) << "no system is made for that address";
 }
 
-TEST_F(UnlikelyFailures, aFailedDiscoveryIsHandedOnAsItIsAndLeavesNoServers) {
+TEST_F(UnlikelyFailures, failedDiscoveryIsRethrownAndLeavesNoServers) {
     discoveryFails = true;
     std::vector<OstraServerInfo> list(3);
     ExpectThrown([&] { OstraSdkClient::DiscoverOstraServers(list); }, -80,
@@ -235,7 +235,7 @@ TEST_F(UnlikelyFailures, aFailedDiscoveryIsHandedOnAsItIsAndLeavesNoServers) {
     EXPECT_TRUE(list.empty());
 }
 
-TEST_F(UnlikelyFailures, anAddressThatCannotBeFormattedStopsTheDiscovery) {
+TEST_F(UnlikelyFailures, unformattableAddressStopsTheDiscovery) {
     const DiscoveryResponder responder({DiscoveryAnswer(1, "10.0.0.1", 3600)});
     setenv("OSTRA_DISCOVERY", responder.Target().c_str(), 1);
     formatFails = true;
@@ -244,7 +244,7 @@ TEST_F(UnlikelyFailures, anAddressThatCannotBeFormattedStopsTheDiscovery) {
                  "OstraSdkClient::DiscoverOstraServers", "Failed to format the ip address.");
 }
 
-TEST_F(UnlikelyFailures, aFailedDisconnectTellsTheAddress) {
+TEST_F(UnlikelyFailures, failedDisconnectReportsTheAddress) {
     const ScriptedServer server(JsonReply("{}"));
     OstraSdkClient client;
     client.Connect("127.0.0.1", server.Port());
@@ -253,7 +253,7 @@ TEST_F(UnlikelyFailures, aFailedDisconnectTellsTheAddress) {
                  "Failed to disconnect the OstraServer (127.0.0.1)");
 }
 
-TEST_F(UnlikelyFailures, whateverARequestThrowsBecomesItsOwnFailure) {
+TEST_F(UnlikelyFailures, anyExceptionOfARequestBecomesItsOwnFailure) {
     const TemporaryFolder folder;
     WriteFile("a.osbak", "archive");
     const ScriptedServer server(JsonReply("{}"));
@@ -276,7 +276,7 @@ TEST_F(UnlikelyFailures, whateverARequestThrowsBecomesItsOwnFailure) {
     EXPECT_FALSE(std::filesystem::exists("Ostra.osbak"));
 }
 
-TEST_F(UnlikelyFailures, aServerThatCannotBeDisconnectedKeepsTheNextOneFromBeingConnected) {
+TEST_F(UnlikelyFailures, failedDisconnectPreventsTheNextConnect) {
     const ScriptedServer first(JsonReply("{}"));
     const ScriptedServer second(JsonReply("{}"));
     OstraSdkClient client;
@@ -288,7 +288,7 @@ TEST_F(UnlikelyFailures, aServerThatCannotBeDisconnectedKeepsTheNextOneFromBeing
     EXPECT_TRUE(client.IsConnected());
 }
 
-TEST_F(UnlikelyFailures, aFailedDisconnectWhoseAddressCannotBeFormattedTellsThat) {
+TEST_F(UnlikelyFailures, failedDisconnectReportsAnUnformattableAddress) {
     const ScriptedServer server(JsonReply("{}"));
     OstraSdkClient client;
     client.Connect("127.0.0.1", server.Port());

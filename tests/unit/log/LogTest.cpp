@@ -65,25 +65,25 @@ TEST_F(LogTest, tabsCountTheLevelsBeyondDebug) {
                          "14:03:07.000 DEBUG4: \t\t\t\td4\n");
 }
 
-TEST_F(LogTest, failedTimeStampStandsInTheLine) {
+TEST_F(LogTest, failedTimeStampIsShownInTheLine) {
     fakeClock::fails = true;
     LOG_LINE(INFO) << "on";
     fakeClock::fails = false;
     EXPECT_EQ(written(), "Error in NowTime() INFO: on\n");
 }
 
-TEST_F(LogTest, messageIsNeverAFormat) {
+TEST_F(LogTest, messageIsNeverUsedAsAFormat) {
     LOG_LINE(INFO) << "100%s of %n%n %d \"./Ü b.trk\"";
     EXPECT_EQ(written(), "14:03:07.000 INFO: 100%s of %n%n %d \"./Ü b.trk\"\n");
 }
 
-TEST_F(LogTest, longMessageIsWrittenWhole) {
+TEST_F(LogTest, longMessageIsWrittenCompletely) {
     const std::string message(1'000'000, 'x');
     LOG_LINE(INFO) << message;
     EXPECT_EQ(written(), "14:03:07.000 INFO: " + message + "\n");
 }
 
-TEST_F(LogTest, everyLevelIsReportedUnlessSomebodyChangesThat) {
+TEST_F(LogTest, everyLevelIsReportedByDefault) {
     EXPECT_EQ(FILELog::ReportingLevel(), DEBUG4);
 }
 
@@ -105,14 +105,14 @@ TEST_F(LogTest, nothingIsEvaluatedOrWrittenWithoutATarget) {
     EXPECT_EQ(written(), "");
 }
 
-TEST_F(LogTest, eachLineIsFlushedAtOnce) {
+TEST_F(LogTest, eachLineIsFlushedImmediately) {
     LOG_LINE(INFO) << "one";
     EXPECT_EQ(written(), "14:03:07.000 INFO: one\n");
     LOG_LINE(INFO) << "two";
     EXPECT_EQ(written(), "14:03:07.000 INFO: one\n14:03:07.000 INFO: two\n");
 }
 
-TEST_F(LogTest, statementStandsWhereAnyStatementMay) {
+TEST_F(LogTest, isUsableWhereAnyStatementIs) {
     bool reached = false;
     if (written().empty()) {
         LOG_LINE(INFO) << "then";
@@ -122,7 +122,7 @@ TEST_F(LogTest, statementStandsWhereAnyStatementMay) {
     EXPECT_EQ(written(), "14:03:07.000 INFO: then\n");
 }
 
-/// Takes whole lines as the log's policy does.
+/// Collects complete lines like the log's policy.
 struct Collector {
     static std::vector<std::string>& Lines() {
         static std::vector<std::string> lines;
@@ -131,7 +131,7 @@ struct Collector {
     static void Write(const std::string& text) { Lines().push_back(text); }
 };
 
-TEST_F(LogTest, lineLeavesInOneWriteWhenTheObjectEnds) {
+TEST_F(LogTest, lineIsWrittenInOneCallAtDestruction) {
     {
         Log<Collector> log;
         log.Line(INFO) << "in "
@@ -141,12 +141,12 @@ TEST_F(LogTest, lineLeavesInOneWriteWhenTheObjectEnds) {
     EXPECT_THAT(Collector::Lines(), ::testing::ElementsAre("14:03:07.000 INFO: in pieces\n"));
 }
 
-/// Has no memory for the line.
+/// Fails to allocate memory for the line.
 struct Forgetful {
     static void Write(const std::string&) { throw std::bad_alloc(); }
 };
 
-TEST_F(LogTest, lineThatCannotBeWrittenIsLostAndNotTheProgram) {
+TEST_F(LogTest, unwritableLineIsDroppedWithoutEndingTheProgram) {
     EXPECT_NO_THROW({ Log<Forgetful>().Line(ERROR) << "lost"; });
     LOG_LINE(INFO) << "on";
     EXPECT_EQ(written(), "14:03:07.000 INFO: on\n");
@@ -180,7 +180,7 @@ TEST_F(LogTest, linesOfTwoThreadsDoNotMix) {
                       1U);
 }
 
-TEST(LogTarget, isStandardErrorAtFirst) {
+TEST(LogTarget, isStandardErrorInitially) {
     EXPECT_EQ(Output2FILE::Target(), stderr);
 }
 

@@ -1,5 +1,5 @@
-#include "FakeClock.h"
 #include "log/Log.h"
+#include "FakeClock.h"
 
 #include <gmock/gmock.h>
 
@@ -17,7 +17,7 @@ class NowTimeTest : public ::testing::Test {
 };
 
 TEST_F(NowTimeTest, countStartsWithTheFirstGoodStamp) {
-    EXPECT_EQ(after(0), "14:03:07.000"); // 700 had the failed stamp before it started the count
+    EXPECT_EQ(after(0), "14:03:07.000"); // the failed stamp, 700 ms earlier, did not start the count
 }
 
 TEST_F(NowTimeTest, fractionIsTheTimeSinceTheFirstStamp) {
@@ -28,20 +28,20 @@ TEST_F(NowTimeTest, fractionIsTheTimeSinceTheFirstStamp) {
     EXPECT_EQ(after(1500), "14:03:07.500");
 }
 
-TEST_F(NowTimeTest, countGoesOnWhenTheTicksTurnOver) {
-    EXPECT_EQ(after(0x100), "14:03:07.256"); // the ticks stand at 0
+TEST_F(NowTimeTest, countContinuesWhenTheTicksWrapAround) {
+    EXPECT_EQ(after(0x100), "14:03:07.256"); // the ticks are 0
     EXPECT_EQ(after(0x123), "14:03:07.291");
 }
 
-TEST_F(NowTimeTest, fractionTurnsNegativeAfterHalfTheRange) {
+TEST_F(NowTimeTest, fractionBecomesNegativeAfterHalfTheRange) {
     EXPECT_EQ(after(2147483647U), "14:03:07.647");
     EXPECT_EQ(after(2147483648U), "14:03:07.-648");
     EXPECT_EQ(after(4294967284U), "14:03:07.-12");
-    EXPECT_EQ(after(4294967291U), "14:03:07.-05"); // padded to three characters, the sign among them
+    EXPECT_EQ(after(4294967291U), "14:03:07.-05"); // padded to three characters, sign included
     EXPECT_EQ(after(4294966296U), "14:03:07.000");
 }
 
-TEST_F(NowTimeTest, tellsThatTheSystemHasNoTime) {
+TEST_F(NowTimeTest, reportsThatTheSystemHasNoTime) {
     fakeClock::fails = true;
     EXPECT_EQ(NowTime(), "Error in NowTime()");
 }

@@ -13,7 +13,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-// The linker puts these functions in the place of the system's (see --wrap in CMakeLists.txt).
+// The linker replaces the system's functions by these (see --wrap in CMakeLists.txt).
 int ScriptedSync(int descriptor) __asm__("__wrap_fsync");
 int RealSync(int descriptor) __asm__("__real_fsync");
 ssize_t ShortWrite(int descriptor, const void* data, std::size_t size) __asm__("__wrap_write");
@@ -25,11 +25,11 @@ namespace {
 
 bool modesAreRefused = false;
 
-/// What the next calls fail with, the last one first; 0 for none.
+/// The errors of the next calls, the last one first; 0 for none.
 std::vector<int> syncFailures;
 
-/// No write takes more bytes than this, and every other one is interrupted; 0 for writes as they are.
-std::size_t mostBytesWritten = 0;
+/// The maximum size of a write, of which every other one is interrupted; 0 for normal writes.
+std::size_t maxBytesWritten = 0;
 int writes = 0;
 
 } // namespace
@@ -42,13 +42,13 @@ int RefusedMode(int descriptor, mode_t mode) {
 }
 
 ssize_t ShortWrite(int descriptor, const void* data, std::size_t size) {
-    if (mostBytesWritten == 0)
+    if (maxBytesWritten == 0)
         return RealWrite(descriptor, data, size);
     if (++writes % 2 == 0) {
         errno = EINTR;
         return -1;
     }
-    return RealWrite(descriptor, data, std::min(size, mostBytesWritten));
+    return RealWrite(descriptor, data, std::min(size, maxBytesWritten));
 }
 
 int ScriptedSync(int descriptor) {
@@ -80,7 +80,7 @@ TEST(AtomicFile, appearsWithItsContentWhenCommitted) {
     EXPECT_EQ(EntriesHere(), 1U);
 }
 
-TEST(AtomicFile, leavesTheOldFileUntilItIsCommitted) {
+TEST(AtomicFile, keepsTheOldFileUntilCommitted) {
     const TemporaryFolder folder;
     WriteFile("a.trk", "old");
     {
@@ -105,17 +105,17 @@ TEST(AtomicFile, keepsTheOrderOfSmallAndLargeWrites) {
     EXPECT_EQ(FileContent("a"), expected);
 }
 
-TEST(AtomicFile, isWholeWhenTheSystemTakesItInPieces) {
+TEST(AtomicFile, isCompleteAfterPartialWrites) {
     const TemporaryFolder folder;
     std::string content;
     for (int i = 0; i < 30'000; ++i)
         content += std::to_string(i);
     AtomicFile file("a");
-    mostBytesWritten = 777;
+    maxBytesWritten = 777;
     file.Write(content);
     file.Write("the end");
     const bool done = file.Commit();
-    mostBytesWritten = 0;
+    maxBytesWritten = 0;
     EXPECT_TRUE(done);
     EXPECT_TRUE(FileContent("a") == content + "the end");
 }
@@ -156,11 +156,11 @@ void Replace(const char* path) {
     EXPECT_EQ(FileContent(path), "new");
 }
 
-TEST(AtomicFile, staysWithTheOwnerAndTheGroupOfTheFileItReplaces) {
+TEST(AtomicFile, keepsTheOwnerAndGroupOfTheFileItReplaces) {
     const TemporaryFolder folder;
     WriteFile("a.trk", "old");
     if (chown("a.trk", 12345, 54321) != 0)
-        GTEST_SKIP() << "this user may not give files away";
+        GTEST_SKIP() << "this user cannot change owners";
     ASSERT_EQ(chmod("a.trk", 0640), 0);
     Replace("a.trk");
     EXPECT_EQ(StateOf("a.trk").st_uid, 12345U);
@@ -168,15 +168,15 @@ TEST(AtomicFile, staysWithTheOwnerAndTheGroupOfTheFileItReplaces) {
     EXPECT_EQ(StateOf("a.trk").st_mode & 0777U, 0640U);
 }
 
-TEST(AtomicFile, staysWithTheGroupWhereOnlyThatMayBeKept) {
+TEST(AtomicFile, keepsTheGroupWhereOnlyThatIsAllowed) {
     const TemporaryFolder folder;
     WriteFile("a.trk", "old");
     if (chown("a.trk", 12345, 0) != 0)
-        GTEST_SKIP() << "this user may not give files away";
+        GTEST_SKIP() << "this user cannot change owners";
     ASSERT_EQ(chmod(".", 02777), 0); // new files get the folder's group
     ASSERT_EQ(chmod("a.trk", 0666), 0);
     {
-        const OrdinaryUser user("."); // in the administrator's group still
+        const OrdinaryUser user("."); // still in root's group
         ASSERT_TRUE(user.IsReady());
         Replace("a.trk");
     }
@@ -184,12 +184,12 @@ TEST(AtomicFile, staysWithTheGroupWhereOnlyThatMayBeKept) {
     EXPECT_EQ(StateOf("a.trk").st_mode & 0777U, 0666U);
 }
 
-TEST(AtomicFile, givesAnotherGroupNoMoreThanEverybodyHas) {
+TEST(AtomicFile, givesANewGroupOnlyThePermissionsOfOthers) {
     const TemporaryFolder folder;
     for (const auto& [before, after] : {std::pair{0666U, 0666U}, {0676U, 0666U}, {0646U, 0646U}}) {
         WriteFile("a.trk", "old");
         if (chown("a.trk", 12345, 54321) != 0)
-            GTEST_SKIP() << "this user may not give files away";
+            GTEST_SKIP() << "this user cannot change owners";
         ASSERT_EQ(chmod("a.trk", before), 0);
         {
             const OrdinaryUser user(".");
@@ -201,7 +201,7 @@ TEST(AtomicFile, givesAnotherGroupNoMoreThanEverybodyHas) {
     }
 }
 
-/// Why a file is not replaced when its first sync, its own, and the second, its folder's, fail with these.
+/// Why a file is not replaced when the sync of the file and that of its folder fail with these.
 std::error_code FailureOf(int fileFailure, int folderFailure) {
     WriteFile("a.trk", "old");
     syncFailures = {folderFailure, fileFailure};
@@ -213,7 +213,7 @@ std::error_code FailureOf(int fileFailure, int folderFailure) {
     return file.Failure();
 }
 
-TEST(AtomicFile, isNotPutInPlaceBeforeItIsOnTheDisk) {
+TEST(AtomicFile, isSyncedBeforeItIsRenamed) {
     const TemporaryFolder folder;
     for (const int failure : {EIO, ENOSPC, EINVAL}) {
         EXPECT_EQ(FailureOf(failure, 0).value(), failure);
@@ -222,14 +222,14 @@ TEST(AtomicFile, isNotPutInPlaceBeforeItIsOnTheDisk) {
     }
 }
 
-TEST(AtomicFile, saysWhenItsNameMayNotBeOnTheDisk) {
+TEST(AtomicFile, reportsAFailedSyncOfTheFolder) {
     const TemporaryFolder folder;
     EXPECT_EQ(FailureOf(0, EIO).value(), EIO);
     EXPECT_EQ(FileContent("a.trk"), "new");
     EXPECT_EQ(EntriesHere(), 1U);
 }
 
-TEST(AtomicFile, isDoneWhereFoldersAreNotSynced) {
+TEST(AtomicFile, succeedsWhereFoldersCannotBeSynced) {
     const TemporaryFolder folder;
     for (const int failure : {EINVAL, ENOTSUP}) {
         EXPECT_EQ(FailureOf(0, failure), std::error_code());
@@ -237,7 +237,7 @@ TEST(AtomicFile, isDoneWhereFoldersAreNotSynced) {
     }
 }
 
-TEST(AtomicFile, isDoneInAFolderThatMayNotBeListed) {
+TEST(AtomicFile, succeedsInAFolderThatCannotBeListed) {
     const TemporaryFolder folder;
     const OrdinaryUser user(".");
     ASSERT_TRUE(user.IsReady());
@@ -248,7 +248,7 @@ TEST(AtomicFile, isDoneInAFolderThatMayNotBeListed) {
     ASSERT_EQ(chmod("box", 0700), 0);
 }
 
-TEST(AtomicFile, needsNoPermissionsSetThatItHasAnyway) {
+TEST(AtomicFile, doesNotSetPermissionsThatAreAlreadyRight) {
     const TemporaryFolder folder;
     WriteFile("a.trk", "old");
     ASSERT_EQ(chmod("a.trk", 0600), 0);
@@ -261,12 +261,12 @@ TEST(AtomicFile, needsNoPermissionsSetThatItHasAnyway) {
     modesAreRefused = true;
     const bool doneAgain = !FailureOf(0, 0);
     modesAreRefused = false;
-    EXPECT_FALSE(doneAgain) << "it would be closed to those it was open to";
+    EXPECT_FALSE(doneAgain) << "others would lose their access";
     EXPECT_EQ(FileContent("a.trk"), "old");
     EXPECT_EQ(EntriesHere(), 1U);
 }
 
-TEST(AtomicFile, makesTheFileThatALinkLeadsToWithoutItBeingThere) {
+TEST(AtomicFile, createsTheMissingTargetOfALink) {
     const TemporaryFolder folder;
     std::filesystem::create_directory("there");
     std::filesystem::create_symlink("there/second", "first");
@@ -277,7 +277,7 @@ TEST(AtomicFile, makesTheFileThatALinkLeadsToWithoutItBeingThere) {
     EXPECT_EQ(FileContent("there/real.trk"), "new");
 }
 
-TEST(AtomicFile, isNotOpenedThroughARingOfLinksOrTooManyOfThem) {
+TEST(AtomicFile, isNotOpenedThroughCyclicOrTooManyLinks) {
     const TemporaryFolder folder;
     std::filesystem::create_symlink("ring2", "ring1");
     std::filesystem::create_symlink("ring1", "ring2");
@@ -296,7 +296,7 @@ TEST(AtomicFile, isNotOpenedThroughARingOfLinksOrTooManyOfThem) {
     EXPECT_EQ(EntriesHere(), 53U);
 }
 
-TEST(AtomicFile, ofANewNameHasThePermissionsThatTheMaskLeaves) {
+TEST(AtomicFile, newFileHasThePermissionsOfTheMask) {
     const TemporaryFolder folder;
     const mode_t before = umask(027);
     Replace("a.trk");
@@ -304,7 +304,7 @@ TEST(AtomicFile, ofANewNameHasThePermissionsThatTheMaskLeaves) {
     EXPECT_EQ(StateOf("a.trk").st_mode & 07777U, 0640U);
 }
 
-TEST(AtomicFile, takesOverNoPermissionsBeyond0777) {
+TEST(AtomicFile, keepsNoPermissionsBeyond0777) {
     const TemporaryFolder folder;
     WriteFile("a.trk", "old");
     ASSERT_EQ(chmod("a.trk", 04711), 0);
@@ -312,7 +312,7 @@ TEST(AtomicFile, takesOverNoPermissionsBeyond0777) {
     EXPECT_EQ(StateOf("a.trk").st_mode & 07777U, 0711U);
 }
 
-TEST(AtomicFile, isNotOpenedWhereNoFileCanStand) {
+TEST(AtomicFile, isNotOpenedWhereNoFileCanBe) {
     const TemporaryFolder folder;
     std::filesystem::create_directory("folder");
     ASSERT_EQ(mkfifo("fifo", 0600), 0);

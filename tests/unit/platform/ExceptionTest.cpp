@@ -4,7 +4,7 @@
 
 namespace {
 
-TEST(Exception, holdsWhereItWasMadeAndWhatItSays) {
+TEST(Exception, holdsItsOriginAndMessage) {
     const Ve::Exception failure(42, "file.cpp", -984, "Function", "%s is %d of %s", "One", 2, "three");
     EXPECT_EQ(failure.Status(), -984);
     EXPECT_EQ(failure.Line(), 42);
@@ -13,20 +13,20 @@ TEST(Exception, holdsWhereItWasMadeAndWhatItSays) {
     EXPECT_STREQ(failure.what(), "One is 2 of three");
 }
 
-TEST(Exception, takesTextFromOutsideAsItIsAndWhole) {
+TEST(Exception, keepsForeignTextUnchangedAndComplete) {
     const std::string text = std::string(100'000, 'x') + "%s%n ü";
     EXPECT_EQ(Ve::Exception(1, "f", -1, "g", "%s", text.c_str()).what(), text);
     EXPECT_STREQ(Ve::Exception(1, "f", -1, "g", "%s", "").what(), "");
 }
 
-TEST(Exception, isSuccessUnlessItIsToldOtherwise) {
+TEST(Exception, hasTheStatusOfSuccessByDefault) {
     EXPECT_EQ(Ve::Exception().Status(), 1);
     EXPECT_STREQ(Ve::Exception().what(), "");
     EXPECT_EQ(Ve::Exception(-998).Status(), -998);
     EXPECT_STREQ(Ve::Exception(-998).what(), "");
 }
 
-TEST(Exception, isAValue) {
+TEST(Exception, canBeCopied) {
     Ve::Exception copy;
     {
         const Ve::Exception failure(7, "file.cpp", -988, "Function", "Sensor is not connected.");

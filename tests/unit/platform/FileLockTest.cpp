@@ -19,7 +19,7 @@ class FileLockTest : public testing::Test {
     const FolderHandle here{".", FolderHandle::Links::Followed};
 };
 
-TEST_F(FileLockTest, isHeldUntilItsObjectEnds) {
+TEST_F(FileLockTest, isHeldUntilItsObjectIsDestroyed) {
     {
         const FileLock first = Lock();
         EXPECT_EQ(first.Result(), FileLock::State::Taken);
@@ -36,14 +36,14 @@ TEST_F(FileLockTest, isPrivateAndSticky) {
     EXPECT_EQ(state.st_mode, static_cast<mode_t>(S_IFREG | S_ISVTX | 0600));
 }
 
-TEST_F(FileLockTest, isTakenOnTheFileThatHasTheName) {
+TEST_F(FileLockTest, locksTheFileThatNowHasTheName) {
     const FileLock first = Lock();
     std::filesystem::remove("a.lock");
     EXPECT_EQ(Lock().Result(), FileLock::State::Taken);
     EXPECT_TRUE(std::filesystem::exists("a.lock"));
 }
 
-TEST_F(FileLockTest, failsOnWhatIsNoFileOfThisUsers) {
+TEST_F(FileLockTest, failsOnAnythingButAFileOfThisUser) {
     WriteFile("precious", "keep");
     std::filesystem::create_symlink("precious", "a.lock");
     EXPECT_EQ(Lock().Failure(), std::errc::too_many_symbolic_link_levels);

@@ -33,7 +33,7 @@ TEST(ReplaceAtomically, keepsTheOwnerAndTheGroupOfTheTarget) {
     WriteFile("target", "old");
     WriteFile("from", "new");
     if (chown("target", 12345, 54321) != 0)
-        GTEST_SKIP() << "this user may not give files away";
+        GTEST_SKIP() << "this user cannot change owners";
     fs::permissions("target", fs::perms::owner_read | fs::perms::owner_write);
     EXPECT_EQ(ReplaceAtomically("from", "target"), kDone);
     EXPECT_EQ(FileContent("target"), "new");
@@ -47,21 +47,21 @@ TEST(ReplaceAtomically, keepsTheOwnerAndTheGroupOfTheTarget) {
     EXPECT_EQ(ReplaceAtomically("from", "target"), kDone);
     ASSERT_EQ(stat("target", &state), 0);
     EXPECT_EQ(state.st_gid, 54321U);
-    EXPECT_EQ(ReplaceAtomically("gone", "target"), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(ReplaceAtomically("missing", "target"), std::errc::no_such_file_or_directory);
     EXPECT_EQ(FileContent("target"), "other group alone");
 }
 
-TEST(ReplaceAtomically, refusesWhatIsNoFile) {
+TEST(ReplaceAtomically, refusesAnythingButAFile) {
     const TemporaryFolder folder;
     WriteFile("from", "new");
     EXPECT_EQ(ReplaceAtomically("from", "missing"), std::errc::no_such_file_or_directory);
     fs::create_directory("folder");
     EXPECT_EQ(ReplaceAtomically("from", "folder"), std::errc::not_supported);
-    EXPECT_EQ(ReplaceAtomically("gone", "from"), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(ReplaceAtomically("missing", "from"), std::errc::no_such_file_or_directory);
     EXPECT_EQ(FileContent("from"), "new");
 }
 
-/// Larger than a piece, and than what is copied at once.
+/// Larger than a chunk and than the amount of one copy call.
 std::string ManyBytes() {
     std::string bytes;
     for (unsigned i = 0; i < 300'000; ++i)
@@ -80,16 +80,16 @@ TEST(CopyAtomically, copiesEveryByte) {
     }
 }
 
-/// Files that say they are empty, and are not, are read to their end; such a copy is not the file that was
-/// announced.
-TEST(CopyAtomically, refusesAFileWhoseSizeIsAnother) {
+/// Files that report size 0 and are not empty are read to their end; such a copy is not the announced
+/// file.
+TEST(CopyAtomically, refusesAFileOfAnotherSize) {
     const TemporaryFolder folder;
     WriteFile("to", "old");
     EXPECT_EQ(CopyAtomically("/proc/self/status", "to"), std::errc::resource_unavailable_try_again);
     EXPECT_EQ(FileContent("to"), "old");
 }
 
-TEST(CopyAtomically, leavesTheTargetOnAFullDisk) {
+TEST(CopyAtomically, keepsTheTargetOnAFullDisk) {
     const TemporaryFolder folder;
     WriteFile("from", ManyBytes());
     WriteFile("to", "old");
@@ -101,7 +101,7 @@ TEST(CopyAtomically, leavesTheTargetOnAFullDisk) {
     EXPECT_EQ(std::distance(fs::directory_iterator("."), fs::directory_iterator()), 2);
 }
 
-TEST(CopyAtomically, refusesWhatIsNoFile) {
+TEST(CopyAtomically, refusesAnythingButAFile) {
     const TemporaryFolder folder;
     fs::create_directory("folder");
     EXPECT_EQ(CopyAtomically("missing", "to"), std::errc::no_such_file_or_directory);

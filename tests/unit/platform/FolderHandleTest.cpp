@@ -29,7 +29,7 @@ TEST_F(FolderHandleTest, renamesOnlyToAFreeName) {
     EXPECT_EQ(here.RenameToFree("c", "link"), std::errc::file_exists);
 }
 
-TEST_F(FolderHandleTest, removesFilesAndLinksAlone) {
+TEST_F(FolderHandleTest, removesOnlyFilesAndLinks) {
     WriteFile("a", "");
     std::filesystem::create_symlink("a", "link");
     std::filesystem::create_directory("folder");

@@ -26,7 +26,7 @@ Kinds KindsIn(FolderReader reader) {
     return kinds;
 }
 
-TEST(FolderReader, givesEachNameWithItsKind) {
+TEST(FolderReader, returnsEachNameWithItsKind) {
     const TemporaryFolder folder;
     WriteFile(".hidden", "");
     WriteFile("größe", "");
@@ -45,7 +45,7 @@ TEST(FolderReader, givesEachNameWithItsKind) {
     EXPECT_EQ(KindsIn(FolderReader(handle)), (Kinds{{"inside", FileKind::Folder}}));
 }
 
-TEST(FolderReader, saysWhyAFolderCannotBeRead) {
+TEST(FolderReader, reportsWhyAFolderCannotBeRead) {
     const TemporaryFolder folder;
     WriteFile("file", "");
     for (const auto& [path, reason] : {std::pair{"missing", std::errc::no_such_file_or_directory},

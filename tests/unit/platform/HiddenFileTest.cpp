@@ -15,7 +15,7 @@ FolderHandle Here() {
     return {".", FolderHandle::Links::Followed};
 }
 
-TEST(HiddenFile, hasItsNameOnlyWhenItIsKept) {
+TEST(HiddenFile, hasItsNameOnlyAfterKeep) {
     const TemporaryFolder folder;
     const FolderHandle here = Here();
     WriteFile("a", "old");
@@ -34,7 +34,7 @@ TEST(HiddenFile, hasItsNameOnlyWhenItIsKept) {
     EXPECT_EQ(FolderTree("."), (Tree{{"a", "new"}}));
 }
 
-TEST(HiddenFile, isWrittenWhereItsFolderHasGone) {
+TEST(HiddenFile, followsItsRenamedFolder) {
     const TemporaryFolder folder;
     std::filesystem::create_directory("before");
     const FolderHandle opened("before", FolderHandle::Links::Refused);
@@ -45,7 +45,7 @@ TEST(HiddenFile, isWrittenWhereItsFolderHasGone) {
     EXPECT_EQ(FolderTree("."), (Tree{{"after/", ""}, {"after/a", ""}, {"before/", ""}}));
 }
 
-TEST(HiddenFile, saysWhyItsFolderIsNotOpen) {
+TEST(HiddenFile, reportsWhyItsFolderIsNotOpen) {
     const TemporaryFolder folder;
     const FolderHandle missing("missing", FolderHandle::Links::Followed);
     const HiddenFile file(missing, 0644);
@@ -53,7 +53,7 @@ TEST(HiddenFile, saysWhyItsFolderIsNotOpen) {
     EXPECT_EQ(file.Failure(), std::errc::no_such_file_or_directory);
 }
 
-TEST(HiddenFile, leavesNothingWhenItsNameIsTakenMeanwhile) {
+TEST(HiddenFile, leavesNothingWhenItsNameWasTaken) {
     const TemporaryFolder folder;
     const FolderHandle here = Here();
     {

@@ -1,4 +1,4 @@
-// The starts of the two libraries that the program asks for first.
+// The entry points of the two libraries, which the program calls first.
 
 #include "cinder/Libraries.h"
 
@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST(Libraries, areHandedOutOnceForAll) {
+TEST(Libraries, areTheSameForEveryCaller) {
     const VeApiLib* api = nullptr;
     const VeApiLib* sameApi = nullptr;
     EXPECT_EQ(VeApiLib_Construct(&api), bOK);
@@ -21,7 +21,7 @@ TEST(Libraries, areHandedOutOnceForAll) {
     EXPECT_EQ(device, sameDevice);
 }
 
-TEST(Libraries, needAPlaceForTheirHandle) {
+TEST(Libraries, needAPointerForTheirHandle) {
     EXPECT_EQ(VeApiLib_Construct(nullptr), bERROR_FILE);
     EXPECT_EQ(bCdLib_Construct(nullptr), bERROR_FILE);
 }

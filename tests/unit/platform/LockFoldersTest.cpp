@@ -55,7 +55,7 @@ class LockFoldersTest : public testing::Test {
     const LockFolderRoots roots{"runtime", "shared"};
 };
 
-TEST_F(LockFoldersTest, areTheRuntimeFolderAndOneInTheSharedPlace) {
+TEST_F(LockFoldersTest, areTheRuntimeFolderAndASharedOne) {
     MakeRuntimeFolder();
     EXPECT_THAT(Opened(), ElementsAre("runtime/" + user, "shared/" + name));
     EXPECT_THAT(Opened(), ElementsAre("runtime/" + user, "shared/" + name));
@@ -74,14 +74,14 @@ TEST_F(LockFoldersTest, doNotDependOnTheEnvironment) {
     }
 }
 
-TEST_F(LockFoldersTest, leaveOutARuntimeFolderThatOthersMayEnter) {
+TEST_F(LockFoldersTest, omitARuntimeFolderThatOthersMayEnter) {
     MakeRuntimeFolder();
     ::chmod(("runtime/" + user).c_str(), 0710);
     EXPECT_THAT(Opened(), ElementsAre("shared/" + name));
 }
 
-/// Whatever others put under the user's name there.
-TEST_F(LockFoldersTest, haveAnotherNameWhereTheirsIsTaken) {
+/// For anything that others put under the user's name.
+TEST_F(LockFoldersTest, useAnotherNameWhereTheirsIsTaken) {
     const std::string taken = "shared/" + name;
     const std::vector<std::function<void()>> obstacles = {
         [&] { WriteFile(taken, ""); },
@@ -107,20 +107,20 @@ TEST_F(LockFoldersTest, haveAnotherNameWhereTheirsIsTaken) {
     EXPECT_THAT(NamesIn("runtime"), IsEmpty());
 }
 
-TEST_F(LockFoldersTest, areAllOfTheUsersAndNoneOfAnothers) {
+TEST_F(LockFoldersTest, areThisUsersOnly) {
     for (const char* const ending : {"", ".b", ".a", "0", "-x", "x.y"})
         ::mkdir(("shared/" + name + ending).c_str(), 0700);
     EXPECT_THAT(Opened(), ElementsAre("shared/" + name, "shared/" + name + ".a", "shared/" + name + ".b"));
 }
 
-TEST_F(LockFoldersTest, areNoneWhereNoneCanBe) {
+TEST_F(LockFoldersTest, areEmptyWhereNoneCanBeMade) {
     std::filesystem::remove("shared");
     EXPECT_THAT(Opened(), IsEmpty());
     MakeRuntimeFolder();
     EXPECT_THAT(Opened(), ElementsAre("runtime/" + user));
 }
 
-TEST_F(LockFoldersTest, areTheInstancesAlone) {
+TEST_F(LockFoldersTest, areOnlyTheInstancesFolder) {
     MakeRuntimeFolder();
     ::mkdir("instance", 0700);
     ::setenv("CORVANE_INSTANCE", folder.Path("instance").c_str(), 1);
@@ -132,7 +132,7 @@ TEST_F(LockFoldersTest, areTheInstancesAlone) {
 
 class TakeLockTest : public LockFoldersTest {};
 
-TEST_F(TakeLockTest, takesItInEveryFolder) {
+TEST_F(TakeLockTest, locksInEveryFolder) {
     MakeRuntimeFolder();
     const std::vector<FolderHandle> both = OpenLockFolders(roots);
     std::vector<FileLock> locks;
@@ -142,8 +142,8 @@ TEST_F(TakeLockTest, takesItInEveryFolder) {
         EXPECT_EQ(FileLock(place, "a.lock").Result(), FileLock::State::HeldByAnother);
 }
 
-/// The runtime folder may come and go between two starts.
-TEST_F(TakeLockTest, isHeldByAnotherWhoHasOneFolderInCommon) {
+/// The runtime folder may appear and disappear between two starts.
+TEST_F(TakeLockTest, failsWhenAnotherHoldsOneOfTheFolders) {
     std::vector<FileLock> locks;
     EXPECT_EQ(TakeLock(OpenLockFolders(roots), "a.lock", locks), FileLock::State::Taken);
     MakeRuntimeFolder();
@@ -156,7 +156,7 @@ TEST_F(TakeLockTest, isHeldByAnotherWhoHasOneFolderInCommon) {
     EXPECT_EQ(TakeLock(OpenLockFolders(roots), "a.lock", locks), FileLock::State::HeldByAnother);
 }
 
-TEST_F(TakeLockTest, passesOverAFolderThatGivesNoFile) {
+TEST_F(TakeLockTest, skipsAFolderThatCannotHoldTheLockFile) {
     MakeRuntimeFolder();
     ::mkdir(("runtime/" + user + "/a.lock").c_str(), 0700);
     std::vector<FileLock> locks;
@@ -168,8 +168,8 @@ TEST_F(TakeLockTest, passesOverAFolderThatGivesNoFile) {
     EXPECT_EQ(TakeLock({}, "a.lock", locks), FileLock::State::Failed);
 }
 
-/// All start where each has to make a folder under a name of its own.
-TEST_F(TakeLockTest, isTakenByExactlyOneOfManyThatMakeTheirFoldersAtOnce) {
+/// All start where each must make a folder with a new name.
+TEST_F(TakeLockTest, succeedsForExactlyOneOfManySimultaneousCallers) {
     WriteFile("shared/" + name, "in the way");
     constexpr int kProcesses = 20;
     int start[2];

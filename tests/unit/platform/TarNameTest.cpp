@@ -7,13 +7,13 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-TEST(TarName, isNarrowWhenItStaysInside) {
+TEST(TarName, isConfinedWhenItStaysInside) {
     for (const char* const name : {"a", "a/b/c.trk", "./a", ".", "a/", "a//b", "...", "..a/b..", "a b",
                                    "größe", "ab:c", "line\nfeed", "a\\b", ".hidden"})
         EXPECT_TRUE(IsConfinedTarName(name)) << name;
 }
 
-TEST(TarName, isNotNarrowWhenItCouldLeaveTheFolderOnAnySystem) {
+TEST(TarName, isNotConfinedWhenItCouldLeaveTheFolderOnAnySystem) {
     for (const char* const name : {"",      "/",        "/a",        "//a",  "..",    "../a",
                                    "a/..",  "a/../b",   "a/../../b", "./..", "\\a",   "\\\\server\\share",
                                    "..\\a", "a\\..\\b", "a/..\\b",   "C:",   "C:\\a", "C:a",
@@ -21,14 +21,14 @@ TEST(TarName, isNotNarrowWhenItCouldLeaveTheFolderOnAnySystem) {
         EXPECT_FALSE(IsConfinedTarName(name)) << name;
 }
 
-TEST(TarName, knowsEveryDriveAndNothingElseAsOne) {
+TEST(TarName, recognisesExactlyTheDrives) {
     for (const char drive : {'a', 'b', 'z', 'A', 'B', 'Z'})
         EXPECT_FALSE(IsConfinedTarName(std::string(1, drive) + ":x")) << drive;
     for (const char other : {'`', '{', '@', '[', '0', '\xE4'})
         EXPECT_TRUE(IsConfinedTarName(std::string(1, other) + ":x")) << other;
 }
 
-TEST(TarName, isNarrowDownToADepth) {
+TEST(TarName, isConfinedDownToADepth) {
     std::string name;
     for (std::size_t i = 0; i < kMaxTarDepth; ++i)
         name += "a/";
@@ -36,7 +36,7 @@ TEST(TarName, isNarrowDownToADepth) {
     EXPECT_FALSE(IsConfinedTarName(name + "b"));
 }
 
-TEST(TarName, hasTheirPartsWithoutEmptyOnesAndDots) {
+TEST(TarName, hasPartsWithoutEmptyOnesAndDots) {
     EXPECT_THAT(TarNameParts("a/b.c/d"), ElementsAre("a", "b.c", "d"));
     EXPECT_THAT(TarNameParts("./a//b/./"), ElementsAre("a", "b"));
     EXPECT_THAT(TarNameParts("a\\b"), ElementsAre("a\\b"));

@@ -21,7 +21,7 @@ using namespace std::chrono_literals;
 
 constexpr std::int64_t kTimeout = 10'000;
 
-/// "serial@address:port" of each server found when discovery is sent to `targets`.
+/// "serial@address:port" of each server found by a discovery of `targets`.
 std::vector<std::string> Found(const std::string& targets, std::int64_t timeout = kTimeout) {
     setenv("OSTRA_DISCOVERY", targets.c_str(), 1);
     VeDiscoveryClient client;
@@ -49,7 +49,7 @@ std::string AnswerWith(const std::string& before, const std::string& after) {
     return answer.replace(at, before.size(), after);
 }
 
-TEST(VeDiscoveryClient, asksInTheWordsOfTheProtocol) {
+TEST(VeDiscoveryClient, sendsTheProtocolsRequest) {
     const DiscoveryResponder responder({});
     EXPECT_THAT(Found(responder.Target()), IsEmpty());
     EXPECT_THAT(responder.Questions(), ElementsAre(R"({"ostra":"discover","version":1})"));
@@ -70,7 +70,7 @@ TEST(VeDiscoveryClient, keepsOneRecordForEachSerialNumberAndAddress) {
                 ElementsAre("1@10.0.0.1:3600", "1@10.0.0.2:3600", "2@10.0.0.1:3600"));
 }
 
-TEST(VeDiscoveryClient, forgetsWhatAnEarlierCallFound) {
+TEST(VeDiscoveryClient, dropsTheResultsOfAnEarlierCall) {
     VeDiscoveryClient client;
     {
         const DiscoveryResponder responder({DiscoveryAnswer(1, "10.0.0.1", 3600)});
@@ -82,7 +82,7 @@ TEST(VeDiscoveryClient, forgetsWhatAnEarlierCallFound) {
     EXPECT_THAT(client.InstanceList(), IsEmpty());
 }
 
-TEST(VeDiscoveryClient, givesTheWholeRecord) {
+TEST(VeDiscoveryClient, returnsTheCompleteRecord) {
     const auto instance = VeInstance::FromAnswer(DiscoveryAnswer(7, "10.0.0.7", 3600));
     ASSERT_TRUE(instance);
     const OstraSdk::VeJson& record = instance->GetRecord();
@@ -137,7 +137,7 @@ TEST(VeDiscoveryClient, ignoresValuesOfTheWrongTypeOrRange) {
     EXPECT_TRUE(VeInstance::FromAnswer(AnswerWith("7", "7")));
 }
 
-TEST(VeDiscoveryClient, ignoresDatagramsThatAreNoAnswers) {
+TEST(VeDiscoveryClient, ignoresDatagramsThatAreNotAnswers) {
     std::mt19937 random(1); // NOLINT(bugprone-random-generator-seed,cert-msc51-cpp): to be repeatable
     std::string noise(1000, '\0');
     for (char& byte : noise)
@@ -148,7 +148,7 @@ TEST(VeDiscoveryClient, ignoresDatagramsThatAreNoAnswers) {
                 ElementsAre("9@10.0.0.9:3600"));
 }
 
-TEST(VeDiscoveryClient, ignoresAddressesThatAreNoSingleMachines) {
+TEST(VeDiscoveryClient, ignoresAddressesThatAreNotUnicast) {
     EXPECT_THAT(FoundOf({DiscoveryAnswer(1, "0.0.0.0", 3600), DiscoveryAnswer(2, "224.0.0.1", 3600),
                          DiscoveryAnswer(3, "239.255.255.250", 3600), DiscoveryAnswer(4, "240.0.0.1", 3600),
                          DiscoveryAnswer(5, "255.255.255.255", 3600), DiscoveryAnswer(6, "127.0.0.1", 3600),
@@ -156,14 +156,14 @@ TEST(VeDiscoveryClient, ignoresAddressesThatAreNoSingleMachines) {
                 ElementsAre("6@127.0.0.1:3600", "7@223.255.255.1:3600"));
 }
 
-TEST(VeDiscoveryClient, acceptsAnAnswerOfTheLargestSize) {
+TEST(VeDiscoveryClient, acceptsAnAnswerOfTheMaximumSize) {
     std::string answer = DiscoveryAnswer(9, "10.0.0.9", 3600);
     answer.insert(answer.size() - 1, 65507 - answer.size(), ' ');
     ASSERT_EQ(answer.size(), 65507U);
     EXPECT_THAT(FoundOf({answer}), ElementsAre("9@10.0.0.9:3600"));
 }
 
-TEST(VeDiscoveryClient, goesOnWhereATargetCannotBeReached) {
+TEST(VeDiscoveryClient, continuesWhenATargetCannotBeReached) {
     const DiscoveryResponder responder({DiscoveryAnswer(1, "10.0.0.1", 3600)});
     EXPECT_THAT(Found("127.0.0.1:9," + responder.Target()), ElementsAre("1@10.0.0.1:3600"));
 }
@@ -181,7 +181,7 @@ TEST(VeDiscoveryClient, listensForAQuarterOfASecondUpToOneSecond) {
     }
 }
 
-TEST(VeDiscoveryClient, keepsNoMoreThanAThousandRecords) {
+TEST(VeDiscoveryClient, keepsAtMostAThousandRecords) {
     constexpr std::size_t kSent = 1200;
     std::vector<std::string> answers;
     answers.reserve(kSent);
@@ -218,7 +218,7 @@ TEST(DiscoveryTargets, areReplacedByTheEnvironment) {
     EXPECT_THAT(OstraSdk::DiscoveryTargets(), IsEmpty());
 }
 
-TEST(DiscoveryTargets, holdLoopbackAndNoneTwiceWithoutTheEnvironment) {
+TEST(DiscoveryTargets, holdLoopbackAndNoDuplicatesWithoutTheEnvironment) {
     unsetenv("OSTRA_DISCOVERY"); // nothing is sent in this test
     auto targets = OstraSdk::DiscoveryTargets();
     ASSERT_FALSE(targets.empty());

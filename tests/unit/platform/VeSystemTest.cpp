@@ -21,7 +21,7 @@ TEST(VeSystem, sendsNothingUntilItConnects) {
     EXPECT_TRUE(server.Requests().empty());
 }
 
-TEST(VeSystem, isConnectedOnceTheServerTellsAboutItself) {
+TEST(VeSystem, isConnectedAfterTheServersInformation) {
     const ScriptedServer server(JsonReply(R"({"SerialNumber":1})"));
     VeSystem system(kLoopback, server.Port());
     system.Connect();
@@ -31,7 +31,7 @@ TEST(VeSystem, isConnectedOnceTheServerTellsAboutItself) {
     EXPECT_FALSE(system.IsConnected());
 }
 
-TEST(VeSystem, isNotConnectedByAnAnswerThatTellsNothing) {
+TEST(VeSystem, isNotConnectedByAnAnswerWithoutInformation) {
     for (const char* const text : {"[]", "", "1"}) {
         const ScriptedServer server(JsonReply(text));
         VeSystem system(kLoopback, server.Port());

@@ -33,7 +33,7 @@ VeRestClient ClientOf(unsigned int port) {
     return {address, port};
 }
 
-/// What one GET gives.
+/// The value of one GET.
 VeJson Get(unsigned int port, std::int64_t timeout = kPlenty) {
     return ClientOf(port).Read("/a", VeJson(), VeJson()).GetResponse(timeout).Payload();
 }
@@ -43,14 +43,14 @@ int StatusOf(const ScriptedReply& reply) {
     return ThrownBy([&] { Get(server.Port()); }).Status();
 }
 
-/// A reply that says exactly this.
+/// A reply of exactly these bytes.
 ScriptedReply Raw(const std::string& bytes) {
     ScriptedReply reply;
     reply.bytes = bytes;
     return reply;
 }
 
-/// Checks that a call fails with a time-out, and when.
+/// Checks that a call fails with a time-out, at the right time.
 void ExpectTimeout(const std::function<void()>& call, std::chrono::milliseconds timeout) {
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(ThrownBy(call).Status(), bERROR_TIMEOUT);
@@ -71,7 +71,7 @@ TEST(VeTransaction, sendsEachOperationUnderItsVerb) {
     EXPECT_THAT(server.RequestLines(), ElementsAre("POST /call", "GET /read", "PUT /update"));
 }
 
-TEST(VeTransaction, sendsAWholeHttpRequest) {
+TEST(VeTransaction, sendsACompleteHttpRequest) {
     const ScriptedServer server(JsonReply("{}"));
     ClientOf(server.Port()).Call("/a", VeJson::ParseString(R"({"a":1})"), VeJson()).CheckResponse(kPlenty);
     const ScriptedRequest request = server.Requests().at(0);
@@ -83,7 +83,7 @@ TEST(VeTransaction, sendsAWholeHttpRequest) {
     EXPECT_EQ(request.body, R"({"a":1})");
 }
 
-TEST(VeTransaction, tellsTheDigestOfItsBodyAndAsksForTheReplys) {
+TEST(VeTransaction, sendsItsBodysDigestAndRequestsTheReplys) {
     const ScriptedServer server(JsonReply("{}"));
     VeJson body;
     body.Set("data", VeJson::Bytes{'1', '2', '3'});
@@ -109,10 +109,10 @@ TEST(VeTransaction, sendsNoBodyForTheEmptyValue) {
     EXPECT_EQ(server.Requests().at(1).Field("Content-Length"), "0");
 }
 
-/// A reply in one chunk of 7 bytes with these lines behind it.
-std::string Chunked(const std::string& announced, const std::string& body, const std::string& behind) {
+/// A reply in one chunk of 7 bytes, followed by these lines.
+std::string Chunked(const std::string& announced, const std::string& body, const std::string& trailer) {
     return "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nTransfer-Encoding: chunked\r\n" + announced +
-           "\r\n7\r\n" + body + "\r\n0\r\n" + behind + "\r\n";
+           "\r\n7\r\n" + body + "\r\n0\r\n" + trailer + "\r\n";
 }
 
 /// The same with a length.
@@ -121,11 +121,11 @@ std::string Sized(const std::string& fields, const std::string& body) {
            body;
 }
 
-// Of {"a":1}, and of no other body used here.
+// The digest of {"a":1}, and of no other body used here.
 const std::string kDigestLine = "Content-Digest: " + ContentDigest(0xCFF7D56AU) + "\r\n";
 const std::string kAnnounced = "Trailer: Content-Digest\r\n";
 
-TEST(VeTransaction, takesAReplyWhoseDigestFits) {
+TEST(VeTransaction, acceptsAReplyWithTheRightDigest) {
     for (const std::string& bytes :
          {Sized(kDigestLine, R"({"a":1})"), Sized("", R"({"a":1})"),
           Sized("Content-Digest: sha-256=:AA==:\r\n", R"({"a":1})"),
@@ -136,7 +136,7 @@ TEST(VeTransaction, takesAReplyWhoseDigestFits) {
     }
 }
 
-TEST(VeTransaction, refusesAReplyWithAnotherDigest) {
+TEST(VeTransaction, refusesAReplyWithTheWrongDigest) {
     for (const std::string& bytes :
          {Sized(kDigestLine, R"({"a":2})"), Chunked(kAnnounced, R"({"a":2})", kDigestLine),
           Chunked("", R"({"a":2})", kDigestLine),
@@ -145,7 +145,7 @@ TEST(VeTransaction, refusesAReplyWithAnotherDigest) {
         EXPECT_EQ(StatusOf(Raw(bytes)), bERROR_FORMAT) << bytes;
 }
 
-TEST(VeTransaction, refusesAReplyWithoutTheDigestThatItAnnounced) {
+TEST(VeTransaction, refusesAReplyWithoutItsAnnouncedDigest) {
     EXPECT_EQ(StatusOf(Raw(Chunked(kAnnounced, R"({"a":1})", ""))), bERROR_FORMAT);
     EXPECT_EQ(StatusOf(Raw(Chunked(kAnnounced, R"({"a":1})", "Content-Digest: sha-256=:AA==:\r\n"))),
               bERROR_FORMAT);
@@ -187,26 +187,26 @@ TEST(VeTransaction, refusesAnExtraValue) {
 
 // Replies
 
-TEST(VeTransaction, givesTheValueOfAReply) {
+TEST(VeTransaction, returnsTheValueOfAReply) {
     const ScriptedServer text(JsonReply(R"({"a":[1,2]})"));
     EXPECT_TRUE(Get(text.Port()).Has("a"));
     const ScriptedServer bytes(DataReply("abc"));
     EXPECT_EQ(Get(bytes.Port()).At("data").GetBinary(), (VeJson::Bytes{'a', 'b', 'c'}));
 }
 
-TEST(VeTransaction, takesAnEmptyBodyForAnEmptyValue) {
+TEST(VeTransaction, readsAnEmptyBodyAsAnEmptyValue) {
     const ScriptedServer server(HttpReply(200, "application/json", ""));
     EXPECT_TRUE(Get(server.Port()).IsEmpty());
 }
 
-TEST(VeTransaction, readsAReplyThatComesByteByByte) {
+TEST(VeTransaction, readsAReplyThatArrivesByteByByte) {
     ScriptedReply reply = DataReply("abc");
     reply.pieceSize = 1;
     const ScriptedServer server(reply);
     EXPECT_EQ(Get(server.Port()).At("data").GetBinary().size(), 3U);
 }
 
-TEST(VeTransaction, readsAReplyWithoutALengthUpToTheEnd) {
+TEST(VeTransaction, readsAReplyWithoutALengthToTheEnd) {
     const ScriptedServer server(
         Raw("HTTP/1.1 200 OK\r\nContent-Type: application/cbor\r\n\r\n" + CborDataHead(3) + "abc"));
     EXPECT_EQ(Get(server.Port()).At("data").GetBinary().size(), 3U);
@@ -223,16 +223,16 @@ TEST(VeTransaction, readsAChunkedReply) {
     EXPECT_EQ(StatusOf(Raw(head + "-1\r\n{}")), bERROR_CONNECTION);
 }
 
-TEST(VeTransaction, failsForAReplyThatIsCutAnywhere) {
-    const ScriptedReply whole = DataReply("abcdefgh");
-    for (std::uint64_t size = 0; size < whole.bytes.size(); ++size) {
-        ScriptedReply cut = whole;
+TEST(VeTransaction, failsForATruncatedReply) {
+    const ScriptedReply complete = DataReply("abcdefgh");
+    for (std::uint64_t size = 0; size < complete.bytes.size(); ++size) {
+        ScriptedReply cut = complete;
         cut.cutAfter = size;
         EXPECT_EQ(StatusOf(cut), bERROR_CONNECTION) << size;
     }
 }
 
-TEST(VeTransaction, failsForLengthsThatContradictEachOther) {
+TEST(VeTransaction, failsForContradictoryLengths) {
     const std::string start = "HTTP/1.1 200 OK\r\n";
     EXPECT_EQ(StatusOf(Raw(start + "Content-Length: 2\r\nContent-Length: 3\r\n\r\n{} ")), bERROR_CONNECTION);
     EXPECT_EQ(StatusOf(Raw(start + "Content-Length: 2\r\nTransfer-Encoding: chunked\r\n\r\n{}")),
@@ -245,7 +245,7 @@ TEST(VeTransaction, failsForLengthsThatContradictEachOther) {
     EXPECT_EQ(StatusOf(HttpReply(200, "application/cbor", CborDataHead(2) + "abc")), bERROR_FORMAT);
 }
 
-TEST(VeTransaction, failsForALengthBeyondTheLimitAtOnce) {
+TEST(VeTransaction, failsImmediatelyForALengthBeyondTheLimit) {
     ScriptedReply reply = Raw("HTTP/1.1 200 OK\r\nContent-Length: 10000000000\r\n\r\n{}");
     reply.closes = false;
     EXPECT_EQ(StatusOf(reply), bERROR_LIMIT);
@@ -258,13 +258,13 @@ TEST(VeTransaction, failsForATextBeyondItsLimit) {
     EXPECT_EQ(StatusOf(endless), bERROR_LIMIT);
 }
 
-TEST(VeTransaction, failsForAHeadWithoutEnd) {
+TEST(VeTransaction, failsForAHeaderWithoutEnd) {
     ScriptedReply endless = Raw("HTTP/1.1 200 OK\r\nX: ");
     endless.filler = 1ULL << 40U;
     EXPECT_EQ(StatusOf(endless), bERROR_CONNECTION);
 }
 
-TEST(VeTransaction, failsForWhatIsNoHttp) {
+TEST(VeTransaction, failsForAnythingButHttp) {
     for (const std::string bytes : {"", "\r\n", "hello", "HTTP/1.1\r\n\r\n", "HTTP/9.9 200 OK\r\n\r\n{}",
                                     "HTTP/1.1 2000 OK\r\n\r\n{}", "SSH-2.0-x\r\n", "GET / HTTP/1.1\r\n\r\n"})
         EXPECT_EQ(StatusOf(Raw(bytes)), bERROR_CONNECTION) << bytes;
@@ -276,7 +276,7 @@ TEST(VeTransaction, failsForEveryStatusButTwoHundred) {
         EXPECT_EQ(StatusOf(HttpReply(status, "application/json", R"({"a":1})")), bERROR_REFUSED) << status;
 }
 
-TEST(VeTransaction, passesOverWhatTheServerSaysBeforeItsReply) {
+TEST(VeTransaction, skipsInterimResponses) {
     const std::string final = JsonReply(R"({"a":1})").bytes;
     for (const std::string before :
          {"HTTP/1.1 100 Continue\r\n\r\n", "HTTP/1.1 102 Processing\r\nA: b\r\n\r\n",
@@ -291,14 +291,14 @@ TEST(VeTransaction, passesOverWhatTheServerSaysBeforeItsReply) {
     EXPECT_EQ(StatusOf(Raw(endless + final)), bERROR_LIMIT);
 }
 
-TEST(VeTransaction, tellsTheWordsOfAServerThatRefuses) {
+TEST(VeTransaction, reportsTheMessageOfAServerThatRefuses) {
     const ScriptedServer server(HttpReply(422, "application/json", R"({"error":"not %s this one"})"));
     EXPECT_STREQ(ThrownBy([&] { Get(server.Port()); }).what(), "The server answered 422: not %s this one");
     const ScriptedServer silent(HttpReply(500, "text/html", "<html>"));
     EXPECT_STREQ(ThrownBy([&] { Get(silent.Port()); }).what(), "The server answered 500: no reason given");
 }
 
-TEST(VeTransaction, takesTheReplyOfAServerThatDoesNotReadTheRequest) {
+TEST(VeTransaction, acceptsTheReplyOfAServerThatDoesNotReadTheRequest) {
     ScriptedReply reply = HttpReply(413, "application/json", R"({"error":"too large"})");
     reply.closes = false;
     ScriptedServer server(reply);
@@ -313,7 +313,7 @@ TEST(VeTransaction, takesTheReplyOfAServerThatDoesNotReadTheRequest) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, 10s);
 }
 
-TEST(VeTransaction, failsWhenTheServerSucceedsBeforeItHasTheWholeRequest) {
+TEST(VeTransaction, failsWhenTheServerSucceedsBeforeTheCompleteRequest) {
     ScriptedReply reply = JsonReply("{}");
     reply.closes = false;
     ScriptedServer server(reply);
@@ -333,7 +333,7 @@ TEST(VeTransaction, keepsItsTimeoutWithASilentServer) {
     ExpectTimeout([&] { Get(server.Port(), kShort); }, 300ms);
 }
 
-TEST(VeTransaction, keepsItsTimeoutWithAServerThatDrips) {
+TEST(VeTransaction, keepsItsTimeoutWithAServerThatSendsSlowly) {
     ScriptedReply reply = JsonReply("{}");
     reply.pieceSize = 1;
     reply.pause = 30ms;
@@ -349,10 +349,10 @@ TEST(VeTransaction, keepsItsTimeoutWithAServerThatDrips) {
 }
 
 TEST(VeTransaction, keepsItsTimeoutWithAServerThatStopsHalfWay) {
-    const ScriptedReply whole = DataReply(std::string(1'000'000, 'x'));
+    const ScriptedReply complete = DataReply(std::string(1'000'000, 'x'));
     for (const std::uint64_t tenth : {1U, 5U, 9U}) {
-        ScriptedReply half = whole;
-        half.cutAfter = whole.bytes.size() * tenth / 10;
+        ScriptedReply half = complete;
+        half.cutAfter = complete.bytes.size() * tenth / 10;
         half.closes = false;
         const ScriptedServer server(half);
         ExpectTimeout([&] { Get(server.Port(), kShort); }, 300ms);
@@ -370,7 +370,7 @@ TEST(VeTransaction, keepsItsTimeoutWithAServerThatNeverStopsSending) {
 }
 
 TEST(VeTransaction, keepsItsTimeoutWithAServerThatDoesNotReadTheRequest) {
-    const LoopbackSocket listener; // the request fills the buffers on the way, and no more
+    const LoopbackSocket listener; // the request only fills the buffers
     listener.Listen(1);
     VeJson body;
     body.Set("data", VeJson::Bytes(50'000'000, 'x'));
@@ -378,7 +378,7 @@ TEST(VeTransaction, keepsItsTimeoutWithAServerThatDoesNotReadTheRequest) {
 }
 
 TEST(VeTransaction, keepsItsTimeoutWhileConnecting) {
-    const LoopbackSocket listener; // a queue that is full answers no further connection
+    const LoopbackSocket listener; // a full queue answers no further connection
     listener.Listen(0);
     std::vector<int> waiting;
     for (int i = 0; i < 3; ++i) {
@@ -392,14 +392,14 @@ TEST(VeTransaction, keepsItsTimeoutWhileConnecting) {
         close(descriptor);
 }
 
-TEST(VeTransaction, failsAtOnceWithoutTime) {
+TEST(VeTransaction, failsImmediatelyWithoutTime) {
     const ScriptedServer server(SilentReply());
     ExpectTimeout([&] { Get(server.Port(), 0); }, 0ms);
     ExpectTimeout([&] { Get(server.Port(), -1); }, 0ms);
     ExpectTimeout([&] { Get(server.Port(), INT64_MIN); }, 0ms);
 }
 
-TEST(VeTransaction, acceptsTheLongestTimeout) {
+TEST(VeTransaction, acceptsTheMaximumTimeout) {
     const ScriptedServer server(JsonReply("{}"));
     EXPECT_TRUE(Get(server.Port(), INT64_MAX).IsObject());
 }

@@ -12,7 +12,7 @@
 
 #include <windows.h>
 
-// Each test works in a fresh folder that it names by a full path, with calls of its own to see what is on the
+// Each test works in a fresh folder with a full path, and uses system calls to check what is on the
 // disk.
 
 namespace {
@@ -28,7 +28,7 @@ std::wstring Wide(const std::string& text) {
     return wide;
 }
 
-/// As the system takes it at any length.
+/// The form that the system accepts at any length.
 std::wstring Long(std::string path) {
     for (char& letter : path)
         if (letter == '/')
@@ -86,7 +86,7 @@ class WindowsFiles : public ::testing::Test {
         std::string path;
         for (const wchar_t letter : std::wstring(place, size))
             path +=
-                letter == L'\\' ? '/' : static_cast<char>(letter); // a temporary folder of letters in ASCII
+                letter == L'\\' ? '/' : static_cast<char>(letter); // a temporary folder with an ASCII name
         folder = path + "corvane b\u00fchne \u6e2c " + std::to_string(GetCurrentProcessId());
         ASSERT_TRUE(CreateDirectoryW(Long(folder).c_str(), nullptr)) << folder;
     }
@@ -123,7 +123,7 @@ TEST_F(WindowsFiles, areReachedByPathsOfMoreThan260Characters) {
     EXPECT_THAT(NamesIn(path), ElementsAre("track.trk"));
 }
 
-TEST_F(WindowsFiles, markedAsReadOnlyStayAsTheyAre) {
+TEST_F(WindowsFiles, markedAsReadOnlyStayUnchanged) {
     Put(In("track.trk"), "old");
     SetFileAttributesW(Long(In("track.trk")).c_str(), FILE_ATTRIBUTE_READONLY);
     AtomicFile file(In("track.trk"));
@@ -134,9 +134,9 @@ TEST_F(WindowsFiles, markedAsReadOnlyStayAsTheyAre) {
     EXPECT_THAT(NamesIn(folder), ElementsAre("track.trk"));
 }
 
-TEST_F(WindowsFiles, openInAnotherProgramStayAsTheyAre) {
+TEST_F(WindowsFiles, openInAnotherProgramStayUnchanged) {
     Put(In("track.trk"), "old");
-    // As a program opens a file that it wants nobody else to change.
+    // As a program opens a file that no other may change.
     const HANDLE other = Open(In("track.trk"), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
     EXPECT_FALSE(Save(In("track.trk"), "new"));
     EXPECT_EQ(ContentOf(In("track.trk")), "old");
@@ -146,7 +146,7 @@ TEST_F(WindowsFiles, openInAnotherProgramStayAsTheyAre) {
     EXPECT_EQ(ContentOf(In("track.trk")), "new");
 }
 
-TEST_F(WindowsFiles, openedByAnotherProgramDuringTheSavingStayAsTheyAre) {
+TEST_F(WindowsFiles, openedByAnotherProgramWhileSavingStayUnchanged) {
     Put(In("track.trk"), "old");
     AtomicFile file(In("track.trk"));
     file.Write("new");
@@ -158,7 +158,7 @@ TEST_F(WindowsFiles, openedByAnotherProgramDuringTheSavingStayAsTheyAre) {
     EXPECT_THAT(NamesIn(folder), ElementsAre("track.trk"));
 }
 
-TEST_F(WindowsFiles, haveNoNamesThatTheSystemTakesForSomethingElse) {
+TEST_F(WindowsFiles, refuseNamesThatTheSystemReserves) {
     const FolderHandle handle(folder, FolderHandle::Links::Followed);
     for (const char* name : {"CON",         "nul",       "NUL.txt", "com1",  "LPT9.trk",
                              "AUX .trk",    "COM\u00b2", "name.",   "name ", "name:stream",
@@ -214,7 +214,7 @@ TEST_F(WindowsFiles, areRenamedRemovedAndReplacedInTheirFolder) {
     EXPECT_FALSE(handle.Sync());
 }
 
-TEST_F(WindowsFiles, haveTheTimeAndTheMarkThatTheyAreGiven) {
+TEST_F(WindowsFiles, haveTheGivenTimeAndAttribute) {
     const FolderHandle handle(folder, FolderHandle::Links::Followed);
     constexpr std::int64_t kTime = 1'234'567'890;
     {
@@ -233,7 +233,7 @@ TEST_F(WindowsFiles, haveTheTimeAndTheMarkThatTheyAreGiven) {
     EXPECT_EQ(facts.kind, FileKind::Folder);
 }
 
-TEST_F(WindowsFiles, areListedAllOfThem) {
+TEST_F(WindowsFiles, areListedCompletely) {
     std::set<std::string> names;
     for (int i = 0; i < 700; ++i) {
         names.insert("a name of some length for a list of several pieces " + std::to_string(i));
@@ -244,7 +244,7 @@ TEST_F(WindowsFiles, areListedAllOfThem) {
     EXPECT_EQ(NamesIn(folder), names);
 }
 
-TEST_F(WindowsFiles, inATreeAreRemovedReadOnlyOnesToo) {
+TEST_F(WindowsFiles, inATreeAreRemovedEvenWhenReadOnly) {
     ASSERT_EQ(bDirectory_Create(In("tree").c_str()), bOK);
     ASSERT_EQ(bDirectory_Create(In("tree/below").c_str()), bOK);
     Put(In("tree/below/file"), "x");
@@ -254,13 +254,13 @@ TEST_F(WindowsFiles, inATreeAreRemovedReadOnlyOnesToo) {
     EXPECT_EQ(bDirectory_Delete(In("tree").c_str()), bERROR_NOT_FOUND);
 }
 
-TEST_F(WindowsFiles, behindALinkAreNeitherRemovedNorReached) {
+TEST_F(WindowsFiles, throughALinkAreNeitherRemovedNorReached) {
     ASSERT_EQ(bDirectory_Create(In("outside").c_str()), bOK);
     ASSERT_EQ(bDirectory_Create(In("tree").c_str()), bOK);
     Put(In("outside/file"), "x");
     if (CreateSymbolicLinkW(Long(In("tree/link")).c_str(), Long(In("outside")).c_str(),
                             SYMBOLIC_LINK_FLAG_DIRECTORY) == FALSE)
-        GTEST_SKIP() << "this user may make no links: " << GetLastError();
+        GTEST_SKIP() << "this user cannot make links: " << GetLastError();
     EXPECT_FALSE(FolderHandle(In("tree"), FolderHandle::Links::Followed).OpenFolder("link").IsOpen());
     EXPECT_FALSE(FolderHandle(In("tree/link"), FolderHandle::Links::Refused).IsOpen());
     EXPECT_EQ(bDirectory_Delete(In("tree").c_str()), bOK);
@@ -268,7 +268,7 @@ TEST_F(WindowsFiles, behindALinkAreNeitherRemovedNorReached) {
     EXPECT_EQ(ContentOf(In("outside/file")), "x");
 }
 
-TEST_F(WindowsFiles, areLockedByOneAtATime) {
+TEST_F(WindowsFiles, areLockedByOneProcessAtATime) {
     const FolderHandle handle(folder, FolderHandle::Links::Followed);
     {
         const FileLock first(handle, "a.lock");
@@ -279,13 +279,13 @@ TEST_F(WindowsFiles, areLockedByOneAtATime) {
     EXPECT_EQ(FileLock(handle, "CON").Result(), FileLock::State::Failed);
 }
 
-TEST_F(WindowsFiles, thatAreDevicesAreNotRead) {
+TEST_F(WindowsFiles, areNotReadWhenTheyAreDevices) {
     EXPECT_EQ(InputFile("NUL").Failure(), std::errc::not_supported);
     EXPECT_EQ(InputFile(folder.c_str()).Failure(), std::errc::is_a_directory);
     EXPECT_EQ(bFile_Exists("NUL"), 0);
 }
 
-TEST_F(WindowsFiles, havePathsThatAreTakenApart) {
+TEST_F(WindowsFiles, havePathsThatAreSplitCorrectly) {
     EXPECT_EQ(FolderOf("C:/one/two"), "C:/one");
     EXPECT_EQ(FolderOf("C:\\one\\two"), "C:\\one");
     EXPECT_EQ(FolderOf("C:/two"), "C:/");

@@ -26,7 +26,7 @@ class MutexTest : public ::testing::Test {
         ::setenv("CORVANE_INSTANCE", instance.c_str(), 1);
     }
 
-    /// Runs `work` in a process of its own, which then holds what it has until it is killed.
+    /// Runs `work` in a separate process, which then keeps its resources until it is killed.
     template<typename Work>
     static pid_t holdInChild(Work work) {
         int ready[2];
@@ -57,7 +57,7 @@ class MutexTest : public ::testing::Test {
     std::string instance;
 };
 
-TEST_F(MutexTest, firstMakesItAndSecondFindsIt) {
+TEST_F(MutexTest, firstCreatesItAndSecondFindsIt) {
     const HANDLE first = CreateMutexW(nullptr, FALSE, L"corvane");
     ASSERT_NE(first, nullptr);
     EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
@@ -68,7 +68,7 @@ TEST_F(MutexTest, firstMakesItAndSecondFindsIt) {
     EXPECT_EQ(CloseHandle(first), TRUE);
 }
 
-TEST_F(MutexTest, secondHandleClosedLeavesTheMutexToTheFirst) {
+TEST_F(MutexTest, closingTheSecondHandleKeepsTheFirst) {
     const HANDLE first = CreateMutexW(nullptr, FALSE, L"corvane");
     CloseHandle(CreateMutexW(nullptr, FALSE, L"corvane"));
     const HANDLE third = CreateMutexW(nullptr, FALSE, L"corvane");
@@ -77,7 +77,7 @@ TEST_F(MutexTest, secondHandleClosedLeavesTheMutexToTheFirst) {
     CloseHandle(first);
 }
 
-TEST_F(MutexTest, closedOneCanBeMadeAgain) {
+TEST_F(MutexTest, closedOneCanBeCreatedAgain) {
     CloseHandle(CreateMutexW(nullptr, FALSE, L"corvane"));
     const HANDLE again = CreateMutexW(nullptr, FALSE, L"corvane");
     EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
@@ -113,7 +113,7 @@ TEST_F(MutexTest, nullHandleCannotBeClosed) {
     EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
 }
 
-TEST_F(MutexTest, holderThatIsKilledGivesItUpAtOnce) {
+TEST_F(MutexTest, killedHolderReleasesIt) {
     const pid_t child = holdInChild([] { CreateMutexW(nullptr, FALSE, L"corvane"); });
     const HANDLE whileHeld = CreateMutexW(nullptr, FALSE, L"corvane");
     EXPECT_EQ(GetLastError(), ERROR_ALREADY_EXISTS);
@@ -124,7 +124,7 @@ TEST_F(MutexTest, holderThatIsKilledGivesItUpAtOnce) {
     CloseHandle(after);
 }
 
-TEST_F(MutexTest, exactlyOneOfFiftyAtOnceMakesIt) {
+TEST_F(MutexTest, exactlyOneOfFiftyConcurrentCallersCreatesIt) {
     int start[2];
     int results[2];
     ASSERT_EQ(::pipe(start), 0);
@@ -136,7 +136,7 @@ TEST_F(MutexTest, exactlyOneOfFiftyAtOnceMakesIt) {
             continue;
         ::close(start[1]);
         char byte = 0;
-        if (::read(start[0], &byte, 1) != 0) // until all are there
+        if (::read(start[0], &byte, 1) != 0) // until all are ready
             ::_exit(1);
         const HANDLE mutex = CreateMutexW(nullptr, FALSE, L"corvane");
         byte = mutex == nullptr ? 'f' : GetLastError() == ERROR_ALREADY_EXISTS ? 'e' : 'm';
@@ -155,14 +155,14 @@ TEST_F(MutexTest, exactlyOneOfFiftyAtOnceMakesIt) {
     EXPECT_EQ(std::count(answers.begin(), answers.end(), 'e'), 49) << answers;
 }
 
-TEST_F(MutexTest, programsStartedMeanwhileDoNotHoldIt) {
+TEST_F(MutexTest, childProcessesDoNotInheritIt) {
     const HANDLE mutex = CreateMutexW(nullptr, FALSE, L"corvane");
     const pid_t child = ::fork();
     if (child == 0) {
         ::execl("/bin/sleep", "sleep", "60", nullptr);
         ::_exit(1);
     }
-    // The child lets go of it by becoming another program; that it has is seen from its command line.
+    // The child releases it by exec; the new command line shows that it has.
     const std::string commandLine = "/proc/" + std::to_string(child) + "/comm";
     while (FileContent(commandLine) != "sleep\n")
         ::usleep(1000);
@@ -213,7 +213,7 @@ TEST_F(MutexTest, otherInstanceFoldersHaveOtherMutexes) {
     CloseHandle(one);
 }
 
-TEST_F(MutexTest, instanceFolderThatIsNotThisUsersAloneIsRefused) {
+TEST_F(MutexTest, instanceFolderThatOthersMayEnterIsRefused) {
     ASSERT_EQ(::symlink(instance.c_str(), folder.Path("link").c_str()), 0);
     ::mkdir("open", 0700);
     ::chmod("open", 0755);
@@ -229,8 +229,8 @@ TEST_F(MutexTest, instanceFolderThatIsNotThisUsersAloneIsRefused) {
     }
 }
 
-/// Its files have a name of their own in the user's own places, and are removed afterwards.
-TEST_F(MutexTest, holdsForTheUserWhateverTheRuntimeDirectory) {
+/// Its files have a unique name in the user's real folders and are removed afterwards.
+TEST_F(MutexTest, isPerUserForAnyRuntimeDirectory) {
     const std::string name = "corvane-test-" + std::to_string(::getpid());
     const std::wstring wide(name.begin(), name.end());
     ::unsetenv("CORVANE_INSTANCE");
@@ -251,7 +251,7 @@ TEST_F(MutexTest, holdsForTheUserWhateverTheRuntimeDirectory) {
         EXPECT_EQ(::unlinkat(place.Number(), (name + ".lock").c_str(), 0), 0);
 }
 
-TEST(FopenSTest, opensEmptiesAndReportsFailures) {
+TEST(FopenSTest, opensTruncatesAndReportsFailures) {
     const TemporaryFolder folder;
     WriteFile("log", "old");
     std::FILE* file = nullptr;
@@ -268,7 +268,7 @@ TEST(FopenSTest, opensEmptiesAndReportsFailures) {
     EXPECT_EQ(file, nullptr);
 }
 
-TEST(FopenSTest, keepsTheFileFromProgramsStartedMeanwhile) {
+TEST(FopenSTest, childProcessesDoNotInheritTheFile) {
     const TemporaryFolder folder;
     std::FILE* file = nullptr;
     ASSERT_EQ(fopen_s(&file, "log", "w+"), 0);
@@ -287,7 +287,7 @@ TEST(TickCountTest, countsMilliseconds) {
     EXPECT_GE(elapsed, std::chrono::milliseconds(19));
 }
 
-TEST(TickCountTest, isTheTimeThatNobodySets) {
+TEST(TickCountTest, isMonotonic) {
     const auto now = [] {
         timespec time{};
         ::clock_gettime(CLOCK_MONOTONIC, &time);
@@ -299,12 +299,12 @@ TEST(TickCountTest, isTheTimeThatNobodySets) {
     EXPECT_LE(ticks - before, after - before);
 }
 
-/// The hours of a place where it is afternoon.
-TEST(TimeFormatTest, countsTwentyFourHoursOfTheLocalTime) {
+/// A time zone where it is afternoon.
+TEST(TimeFormatTest, formatsTwentyFourHoursOfLocalTime) {
     const std::time_t now = std::time(nullptr);
     std::tm world{};
     gmtime_r(&now, &world);
-    const int east = 13 - world.tm_hour; // so that the hour there is 13, or 14 when it strikes meanwhile
+    const int east = 13 - world.tm_hour; // the hour there is 13, or 14 if it changes during the test
     ::setenv("TZ", ("Place" + std::to_string(-east)).c_str(), 1);
     ::tzset();
     char text[200];
@@ -331,7 +331,7 @@ TEST(TimeFormatTest, writesTheLocalTimeOfNow) {
     EXPECT_TRUE(found) << text;
 }
 
-TEST(TimeFormatTest, refusesWhatItDoesNotKnow) {
+TEST(TimeFormatTest, refusesUnknownFormats) {
     char text[200];
     EXPECT_EQ(GetTimeFormatA(LOCALE_USER_DEFAULT, 0, nullptr, "HH':'mm':'ss", text, 8), 0);
     EXPECT_EQ(GetTimeFormatA(LOCALE_USER_DEFAULT, 0, nullptr, "HH':'mm':'ss", text, 0), 0);

@@ -76,7 +76,7 @@ TEST(Directory, deletesNoFile) {
     EXPECT_EQ(FileContent("file"), "x");
 }
 
-TEST(Directory, thatCannotBeEmptiedIsNotDeleted) {
+TEST(Directory, isNotDeletedWhenItCannotBeEmptied) {
     const TemporaryFolder folder;
     const OrdinaryUser user(".");
     ASSERT_TRUE(user.IsReady());
@@ -110,15 +110,15 @@ TEST(Directory, listsRegularFilesAndRealDirectoriesByName) {
     EXPECT_THAT(list->Items(), IsEmpty());
 }
 
-TEST(Directory, thatCannotBeReadIsNotListed) {
+TEST(Directory, isNotListedWhenItCannotBeRead) {
     const TemporaryFolder folder;
     const auto list = NewList();
     EXPECT_EQ(bDirectory_ListFiles("missing", list.get()), bERROR_FILE);
     EXPECT_EQ(bDirectory_ListDirectories("missing", list.get()), bERROR_FILE);
 }
 
-TEST(ArrayList, staysAsItIsWhenMemoryIsOut) {
-    FailingAllocator allocator(3); // the object, room for one item, then the text of the item
+TEST(ArrayList, staysUnchangedWhenMemoryIsOut) {
+    FailingAllocator allocator(3); // the object, the capacity for one item, then the item's string
     bArrayList* made = nullptr;
     ASSERT_EQ(bArrayList_Construct(&made, bString_TYPE, 1, &allocator), bOK);
     EXPECT_EQ(made->Add(std::string(100, 'x')), bERROR_MEMORY);
@@ -144,7 +144,7 @@ TEST(ArrayList, isNotConstructedWithoutMemoryOrType) {
     EXPECT_EQ(bArrayList_Construct(&list, bString_TYPE, 10, nullptr), bERROR_PARAMETER);
 }
 
-TEST(Object, nullMayBeDestroyed) {
+TEST(Object, acceptsDestroyingNull) {
     EXPECT_EQ(xbObject_DestroyImpl(nullptr), bOK);
 }
 

@@ -17,26 +17,26 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-// The linker puts this function in the place of the system's (see --wrap in CMakeLists.txt).
+// The linker replaces the system's function by this one (see --wrap in CMakeLists.txt).
 ssize_t ShortRead(int descriptor, void* data, std::size_t size) __asm__("__wrap_read");
 ssize_t RealRead(int descriptor, void* data, std::size_t size) __asm__("__real_read");
 
 namespace {
 
-/// No read gives more bytes than this, and every other one is interrupted; 0 for reads as they are.
-std::size_t mostBytesRead = 0;
+/// The maximum size of a read, of which every other one is interrupted; 0 for normal reads.
+std::size_t maxBytesRead = 0;
 int reads = 0;
 
 } // namespace
 
 ssize_t ShortRead(int descriptor, void* data, std::size_t size) {
-    if (mostBytesRead == 0)
+    if (maxBytesRead == 0)
         return RealRead(descriptor, data, size);
     if (++reads % 2 == 0) {
         errno = EINTR;
         return -1;
     }
-    return RealRead(descriptor, data, std::min(size, mostBytesRead));
+    return RealRead(descriptor, data, std::min(size, maxBytesRead));
 }
 
 namespace {
@@ -86,21 +86,21 @@ TEST(File, isReadToItsEnd) {
     EXPECT_EQ(count, 0U);
 }
 
-TEST(File, isReadWholeWhenTheSystemGivesItInPieces) {
+TEST(File, isReadCompletelyInPartialReads) {
     const TemporaryFolder folder;
     WriteFile("file", "abcdefghijklmnopqrstuvwxyz");
     const auto file = Open("file", bFile_READ);
     std::string data(20, '?');
     std::size_t count = 0;
-    mostBytesRead = 3;
+    maxBytesRead = 3;
     const bStatus status = file->Read(data.data(), 8, &count);
-    mostBytesRead = 0;
+    maxBytesRead = 0;
     EXPECT_EQ(status, bOK);
     EXPECT_EQ(count, 8U);
     EXPECT_EQ(data, "abcdefgh????????????");
 }
 
-TEST(File, isNotSkippedBackWhenItHasBecomeShorter) {
+TEST(File, skipsNotBackwardsWhenItHasBecomeShorter) {
     const TemporaryFolder folder;
     WriteFile("file", "abcdefgh");
     const auto file = Open("file", bFile_READ);
@@ -124,7 +124,7 @@ TEST(File, isNotSkippedBeyondItsEnd) {
     EXPECT_EQ(file->Skip(-1), -1);
 }
 
-TEST(File, isOpenedForReadingOnlyWhenItIsRegular) {
+TEST(File, opensOnlyRegularFilesForReading) {
     const TemporaryFolder folder;
     std::filesystem::create_directory("folder");
     ASSERT_EQ(mkfifo("fifo", 0600), 0);
@@ -177,7 +177,7 @@ TEST(File, keepsTheOrderOfSmallAndLargeWritesThroughItsBuffer) {
     EXPECT_EQ(FileContent("file"), expected);
 }
 
-TEST(File, doesNotReplaceTheOldContentWhenTheDiskIsFull) {
+TEST(File, keepsTheOldContentOnAFullDisk) {
     const TemporaryFolder folder;
     WriteFile("file", "old");
     const FileSizeLimit limit(100'000);
@@ -199,7 +199,7 @@ TEST(File, reportsAFullDiskWhileItIsWritten) {
     EXPECT_EQ(file->Write("x", 1), bERROR_FILE);
 }
 
-TEST(File, saysWhenMemoryIsOut) {
+TEST(File, reportsThatMemoryIsOut) {
     const TemporaryFolder folder;
     FailingAllocator none(1);
     bFile* file = nullptr;
@@ -214,7 +214,7 @@ TEST(File, saysWhenMemoryIsOut) {
     EXPECT_TRUE(std::filesystem::is_empty("."));
 }
 
-TEST(File, thatIsReadTakesNoWriteBuffer) {
+TEST(File, allocatesNoWriteBufferForReading) {
     const TemporaryFolder folder;
     WriteFile("file", "abc");
     const auto file = Open("file", bFile_READ);
@@ -224,12 +224,12 @@ TEST(File, thatIsReadTakesNoWriteBuffer) {
     EXPECT_EQ(FileContent("file"), "abc");
 }
 
-TEST(File, mayBeASourceThatGivesItsBytesOneAfterTheOther) {
+TEST(File, readsFromASequentialSource) {
     int calls = 0;
-    const auto source = [&calls](char* room, std::size_t capacity, std::string_view* block) {
+    const auto source = [&calls](char* buffer, std::size_t capacity, std::string_view* block) {
         EXPECT_EQ(capacity, 4U);
-        room[0] = static_cast<char>('a' + calls);
-        *block = {room, calls < 2 ? 1U : 0U};
+        buffer[0] = static_cast<char>('a' + calls);
+        *block = {buffer, calls < 2 ? 1U : 0U};
         return calls++ < 3 ? bOK : bERROR_FORMAT;
     };
     bFile* file = nullptr;
@@ -241,21 +241,21 @@ TEST(File, mayBeASourceThatGivesItsBytesOneAfterTheOther) {
     FileFacts facts;
     EXPECT_EQ(file->Ask(&facts), bOK);
     EXPECT_EQ(facts, (FileFacts{.size = 2}));
-    EXPECT_EQ(file->Skip(1), 0) << "it is read over instead";
-    std::array<char, 4> room{};
+    EXPECT_EQ(file->Skip(1), 0) << "the caller must read it instead";
+    std::array<char, 4> buffer{};
     std::string_view block;
     for (const char* const expected : {"a", "b", ""}) {
-        EXPECT_EQ(file->ReadBlock(room.data(), room.size(), &block), bOK);
+        EXPECT_EQ(file->ReadBlock(buffer.data(), buffer.size(), &block), bOK);
         EXPECT_EQ(block, expected);
     }
-    EXPECT_EQ(file->ReadBlock(room.data(), room.size(), &block), bERROR_FORMAT);
+    EXPECT_EQ(file->ReadBlock(buffer.data(), buffer.size(), &block), bERROR_FORMAT);
     std::size_t count = 1;
-    EXPECT_EQ(file->Read(room.data(), room.size(), &count), bERROR_FILE);
+    EXPECT_EQ(file->Read(buffer.data(), buffer.size(), &count), bERROR_FILE);
     EXPECT_EQ(count, 0U);
     EXPECT_EQ(bFile_Commit(file), bERROR_FILE);
 }
 
-TEST(Status, everyStatusHasANameOfItsOwn) {
+TEST(Status, everyStatusHasADistinctName) {
     std::set<std::string> names;
     const bStatus statuses[] = {bOK,
                                 bERROR_MEMORY,
@@ -284,7 +284,7 @@ TEST(Status, everyStatusHasANameOfItsOwn) {
     EXPECT_STREQ(bStatus_Name(0), "STATUS 0");
 }
 
-TEST(Status, nameLivesWhileOtherThreadsAsk) {
+TEST(Status, nameStaysValidWhileOtherThreadsAsk) {
     const char* const name = bStatus_Name(12345);
     std::thread([] { EXPECT_STREQ(bStatus_Name(777), "STATUS 777"); }).join();
     EXPECT_STREQ(name, "STATUS 12345");

@@ -16,7 +16,7 @@ TEST(IpAddress, readsDottedNumbers) {
     EXPECT_EQ(address, Address(255, 254, 10, 0));
 }
 
-TEST(IpAddress, refusesEverythingElseAndLeavesTheAddressAlone) {
+TEST(IpAddress, refusesEverythingElseAndKeepsTheAddress) {
     const char* const texts[] = {"",          "1",          "1.2.3",      "1.2.3.",    "1.2.3.4.",
                                  ".1.2.3.4",  "1.2.3.4 ",   " 1.2.3.4",   "1.2.3.256", "1.2.3.-1",
                                  "+1.2.3.4",  "01.2.3.4",   "1.2.3.00",   "1..2.3",    "a.b.c.d",
@@ -40,7 +40,7 @@ TEST(IpAddress, isWrittenDottedIntoSixteenCharacters) {
     EXPECT_STREQ(text, "10.0.200.7");
 }
 
-TEST(IpAddress, isNotWrittenIntoLessRoomThanItTakes) {
+TEST(IpAddress, isNotWrittenIntoATooSmallBuffer) {
     char text[] = "untouched.";
     EXPECT_EQ(bIpAddress_Format(Address(1, 2, 3, 4), text, 8), bOK);
     EXPECT_STREQ(text, "1.2.3.4");

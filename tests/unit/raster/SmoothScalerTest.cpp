@@ -17,7 +17,7 @@ QImage Noise(const QSize& size, unsigned seed) {
     return image;
 }
 
-int LargestDifference(const QImage& one, const QImage& other) {
+int MaxDifference(const QImage& one, const QImage& other) {
     int largest = 0;
     for (int y = 0; y < one.height(); ++y)
         for (int x = 0; x < one.width(); ++x) {
@@ -29,18 +29,18 @@ int LargestDifference(const QImage& one, const QImage& other) {
     return largest;
 }
 
-/// A random part of the scaled image against the same part of the toolkit's whole one.
+/// The difference of a random part of the scaled image from the same part of Qt's complete one.
 int DifferenceAt(const QImage& source, const QSize& target, std::mt19937& random) {
-    const QImage whole = source.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    const QImage full = source.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     QRect part(static_cast<int>(random() % static_cast<unsigned>(target.width())),
                static_cast<int>(random() % static_cast<unsigned>(target.height())), 90, 70);
     part = part.intersected(QRect(QPoint(0, 0), target));
     QImage rendered(part.size() + QSize(3, 2), QImage::Format_RGB32);
     SmoothScaler(source, target).Render(part, rendered, {3, 2});
-    return LargestDifference(rendered.copy(QRect(QPoint(3, 2), part.size())), whole.copy(part));
+    return MaxDifference(rendered.copy(QRect(QPoint(3, 2), part.size())), full.copy(part));
 }
 
-TEST(SmoothScaler, givesThePixelsOfTheWholeAtEveryViewScale) {
+TEST(SmoothScaler, partsEqualTheWholePictureAtEveryViewScale) {
     std::mt19937 random(5);
     for (const QSize size : {QSize(397, 301), QSize(200, 120), QSize(31, 400)}) {
         const QImage source = Noise(size, 11);
@@ -51,14 +51,14 @@ TEST(SmoothScaler, givesThePixelsOfTheWholeAtEveryViewScale) {
     }
 }
 
-TEST(SmoothScaler, givesThePixelsOfTheWholeWhenOneAxisGrowsAndTheOtherShrinks) {
+TEST(SmoothScaler, partsEqualTheWholePictureWhenOneAxisGrowsAndTheOtherShrinks) {
     std::mt19937 random(6);
     const QImage source = Noise({300, 200}, 12);
     for (const QSize target : {QSize(450, 130), QSize(211, 390), QSize(300, 37), QSize(40, 200)})
         EXPECT_EQ(DifferenceAt(source, target, random), 0) << target.width() << " x " << target.height();
 }
 
-// Large enough for a thread for each of up to eight processors, with a height that none of these numbers
+// Large enough for a thread on each of up to eight processors, with a height that none of these numbers
 // divides.
 TEST(SmoothScaler, rendersLargePartsAsQtDoes) {
     const QImage source = Noise({2600, 2000}, 14);
@@ -66,11 +66,11 @@ TEST(SmoothScaler, rendersLargePartsAsQtDoes) {
         QImage rendered(target, QImage::Format_RGB32);
         SmoothScaler(source, target).Render(QRect(QPoint(0, 0), target), rendered, {0, 0});
         const QImage expected = source.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-        EXPECT_EQ(LargestDifference(rendered, expected), 0) << target.width() << " x " << target.height();
+        EXPECT_EQ(MaxDifference(rendered, expected), 0) << target.width() << " x " << target.height();
     }
 }
 
-TEST(SmoothScaler, theSameSizeIsTheSourceItself) {
+TEST(SmoothScaler, sameSizeIsTheSourceUnchanged) {
     const QImage source = Noise({50, 40}, 13);
     QImage rendered(50, 40, QImage::Format_RGB32);
     SmoothScaler(source, {50, 40}).Render({0, 0, 50, 40}, rendered, {0, 0});

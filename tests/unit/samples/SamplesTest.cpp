@@ -1,8 +1,8 @@
 #include "IndependentTrack.h"
 #include "TemporaryFolder.h"
+#include "samples/TrackFileWriter.h"
 #include "samples/SampleOptionsReader.h"
 #include "samples/SampleWorkspace.h"
-#include "samples/TrackFileWriter.h"
 
 #include <gmock/gmock.h>
 
@@ -72,7 +72,7 @@ TEST_F(SamplesTest, positionsFollowTheResolution) {
         EXPECT_NEAR(track.rowPositions[static_cast<std::size_t>(row)], 12.5 + row * 1.111, 1e-9);
 }
 
-TEST_F(SamplesTest, pathsStandInsideThePartInBothCoordinateSystems) {
+TEST_F(SamplesTest, pathsAreInsideThePartInBothCoordinateSystems) {
     const independent::Track track = binary(MachinedPart(Kind::Groove, 300, 200, 3));
     ASSERT_EQ(track.segments.size(), 8U);
     for (const independent::Segment& segment : track.segments) {
@@ -84,7 +84,7 @@ TEST_F(SamplesTest, pathsStandInsideThePartInBothCoordinateSystems) {
     EXPECT_TRUE(binary(MachinedPart(Kind::Groove, 300, 200, 3), false).segments.empty());
 }
 
-/// The mean raw height of the measured cells around a place that is given in shares of the picture.
+/// The mean raw height of the measured cells around a place, given as fractions of the picture's size.
 double MeanAround(const independent::Track& track, double x, double y) {
     double sum = 0;
     int count = 0;
@@ -121,7 +121,7 @@ TEST_F(SamplesTest, partHasHolesShadowsNoiseAndABoss) {
     const double boss = MeanAround(track, 0.21, 0.70);
     const double plate = MeanAround(track, 0.40, 0.85);
     EXPECT_NEAR(boss - plate, 300.0, 60.0);
-    // the camera on the right does not see behind the boss: its radius is 7.3 mm in a width of 99.9 mm
+    // the boss hides its far side from the right camera: its radius is 7.3 mm in a width of 99.9 mm
     EXPECT_EQ(MeanAround(track, 0.21 - 0.073 - 0.006, 0.70), -32768.0);
     EXPECT_GT(MeanAround(track, 0.21 + 0.073 + 0.015, 0.70), plate - 60);
     const double table = MeanAround(track, 0.5, 0.99);
@@ -129,7 +129,7 @@ TEST_F(SamplesTest, partHasHolesShadowsNoiseAndABoss) {
     EXPECT_NE(track.cells[60 * 300 + 150], track.cells[62 * 300 + 150]);
 }
 
-TEST_F(SamplesTest, sameSeedGivesTheSameBytesAndAnotherSeedOthers) {
+TEST_F(SamplesTest, sameSeedGivesTheSameBytesAndOtherSeedsDoNot) {
     WriteTrackFile("1", MachinedPart(Kind::Groove, 60, 40, 5), {TrackFormat::Text, true});
     WriteTrackFile("2", MachinedPart(Kind::Groove, 60, 40, 5), {TrackFormat::Text, true});
     WriteTrackFile("3", MachinedPart(Kind::Groove, 60, 40, 6), {TrackFormat::Text, true});
@@ -137,7 +137,7 @@ TEST_F(SamplesTest, sameSeedGivesTheSameBytesAndAnotherSeedOthers) {
     EXPECT_NE(FileContent("1"), FileContent("3"));
 }
 
-TEST_F(SamplesTest, committedTracksAreWhatTheGeneratorMakes) {
+TEST_F(SamplesTest, committedTracksEqualTheGeneratorsOutput) {
     const std::string tracks = std::string(CORVANE_SAMPLES) + "/tracks/";
     const std::pair<const char*, const char*> made[] = {
         {"housing.trk", ""},
@@ -153,7 +153,7 @@ TEST_F(SamplesTest, committedTracksAreWhatTheGeneratorMakes) {
     EXPECT_LT(size, 1'500'000U);
 }
 
-TEST_F(SamplesTest, smallestAndNarrowPartsAreWhole) {
+TEST_F(SamplesTest, smallestAndNarrowPartsAreComplete) {
     for (const auto& [columns, rows] : {std::pair{2, 2}, {2, 500}, {500, 2}}) {
         const independent::Track track = binary(MachinedPart(Kind::Seam, columns, rows, 1));
         EXPECT_EQ(track.width, columns);
@@ -175,7 +175,7 @@ TEST_F(SamplesTest, workspaceHasTheSensorsLayout) {
     EXPECT_EQ(independent::ReadBinary(FileContent("space/vdk/ContourPath/cover.trk")).width, 400);
 }
 
-TEST_F(SamplesTest, programTellsWhatItDoesNotUnderstand) {
+TEST_F(SamplesTest, programReportsUnknownArguments) {
     for (const char* const arguments :
          {"", "paint x", "track", "track x --width 1", "track x --width 100001", "track x --width 3x",
           "track x --seed -1", "track x --format csv", "track x --part lid", "track x --height",
@@ -186,7 +186,7 @@ TEST_F(SamplesTest, programTellsWhatItDoesNotUnderstand) {
     }
 }
 
-TEST_F(SamplesTest, programReportsWhatItCannotWrite) {
+TEST_F(SamplesTest, programReportsAnUnwritableTarget) {
     EXPECT_EQ(run("track no/such/x.trk 2>message"), 1);
     EXPECT_EQ(FileContent("message"), "corvane-samples: cannot write no/such/x.trk\n");
     WriteFile("file", "");

@@ -17,7 +17,7 @@ using OstraSdk::CborReader;
 using OstraSdk::VeJson;
 using namespace std::string_literals;
 
-/// A body that comes in pieces of a size.
+/// A body that arrives in pieces of a fixed size.
 class Pieces final : public OstraSdk::ByteSource {
   public:
     Pieces(std::string bytes, std::size_t pieceSize) : bytes(std::move(bytes)), pieceSize(pieceSize) {}
@@ -76,7 +76,7 @@ TEST(CborReader, readsEveryType) {
     EXPECT_EQ(std::get<VeJson::Array>(json.At("l").Content()).size(), 3U);
 }
 
-TEST(CborReader, readsTheSameHoweverTheBodyIsCut) {
+TEST(CborReader, readsTheSameHoweverTheBodyIsSplit) {
     const std::string large = CborDataHead(10'000) + std::string(10'000, 'x');
     for (const std::size_t size : {1U, 2U, 3U, 7U, 64U, 4096U})
         for (const bool known : {true, false}) {
@@ -85,7 +85,7 @@ TEST(CborReader, readsTheSameHoweverTheBodyIsCut) {
         }
 }
 
-TEST(CborReader, keepsSeveralByteStringsApart) {
+TEST(CborReader, separatesSeveralByteStrings) {
     const VeJson json = Read("\xA3\x61"
                              "a\x41\x01\x61"
                              "b\x40\x61"
@@ -97,7 +97,7 @@ TEST(CborReader, keepsSeveralByteStringsApart) {
     EXPECT_EQ(list.at(1).GetBinary(), VeJson::Bytes{5});
 }
 
-TEST(CborReader, refusesABodyThatIsCutAnywhere) {
+TEST(CborReader, refusesATruncatedBody) {
     EXPECT_TRUE(Read("").IsEmpty());
     for (std::size_t size = 1; size < kEverything.size(); ++size) {
         EXPECT_EQ(StatusOf(kEverything.substr(0, size)), bERROR_FORMAT) << size;
@@ -105,12 +105,12 @@ TEST(CborReader, refusesABodyThatIsCutAnywhere) {
     }
 }
 
-TEST(CborReader, refusesWhatFollowsTheValue) {
+TEST(CborReader, refusesBytesAfterTheValue) {
     EXPECT_EQ(StatusOf(kEverything + "\x01"), bERROR_FORMAT);
     EXPECT_EQ(StatusOf(kEverything + kEverything), bERROR_FORMAT);
 }
 
-TEST(CborReader, refusesALengthBeyondTheBodyBeforeItsBytesCome) {
+TEST(CborReader, refusesALengthBeyondTheBodyBeforeItsBytesArrive) {
     for (const std::uint64_t size : {11ULL, 10'000'000'000ULL, 1ULL << 62U, 1ULL << 63U, ~0ULL}) {
         const std::string head = CborDataHead(size);
         Pieces body(head + std::string(10, 'x'), 1);
@@ -120,7 +120,7 @@ TEST(CborReader, refusesALengthBeyondTheBodyBeforeItsBytesCome) {
     EXPECT_NO_THROW(Read(CborDataHead(10) + std::string(10, 'x')));
 }
 
-TEST(CborReader, givesByteStringsToASinkThatMayLeaveAPartOfThem) {
+TEST(CborReader, passesByteStringsToASinkThatMayReadThemPartly) {
     const std::string body = "\xA3\x61"
                              "a\x43"
                              "123\x61"
@@ -145,7 +145,7 @@ TEST(CborReader, givesByteStringsToASinkThatMayLeaveAPartOfThem) {
     }
 }
 
-TEST(CborReader, refusesALengthThatDoesNotComeWhenTheBodysSizeIsUnknown) {
+TEST(CborReader, refusesAMissingLengthInABodyOfUnknownSize) {
     for (const std::uint64_t size : {4ULL, 10'000'000'000ULL, 1ULL << 62U, 1ULL << 63U, ~0ULL})
         EXPECT_THROW(Read(CborDataHead(size) + "abc", 1000, false), Ve::Exception);
     EXPECT_THROW(Read("\x7B\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF"
@@ -168,7 +168,7 @@ TEST(CborReader, refusesIndefiniteLengths) {
         EXPECT_EQ(StatusOf(body), bERROR_FORMAT);
 }
 
-TEST(CborReader, refusesReservedHeads) {
+TEST(CborReader, refusesReservedHeaders) {
     for (unsigned int first = 0; first < 256; ++first) {
         const std::string body = "\x81" + std::string(1, static_cast<char>(first)) + std::string(20, '\0');
         if ((first & 0x1FU) >= 28) {
@@ -198,12 +198,12 @@ TEST(CborReader, readsIntegersUpToTheirBounds) {
     EXPECT_EQ(Read(MapOf("\x20")).At("a").Get<std::int64_t>(), -1);
 }
 
-TEST(CborReader, readsNumbersThatAreNone) {
+TEST(CborReader, readsNanAndInfinity) {
     EXPECT_TRUE(std::isnan(Read(MapOf("\xF9\x7E\x00"s)).At("a").Get<double>()));
     EXPECT_TRUE(std::isinf(Read(MapOf("\xFA\x7F\x80\x00\x00"s)).At("a").Get<double>()));
 }
 
-TEST(CborReader, refusesAKeyThatStandsTwiceInAMap) {
+TEST(CborReader, refusesARepeatedKey) {
     EXPECT_EQ(StatusOf("\xA2\x61"
                        "a\x41\x01\x61"
                        "a\x42\x02\x03"),
@@ -219,7 +219,7 @@ TEST(CborReader, refusesAKeyThatStandsTwiceInAMap) {
                          "a\x02"));
 }
 
-TEST(CborReader, readsSixtyFourLevelsAndNoMore) {
+TEST(CborReader, readsAtMostSixtyFourLevels) {
     EXPECT_NO_THROW(Read(std::string(63, '\x81') + "\x80"));
     EXPECT_NO_THROW(Read(std::string(64, '\x81') + "\x01"));
     EXPECT_EQ(StatusOf(std::string(65, '\x81') + "\x01"), bERROR_LIMIT);
@@ -232,9 +232,9 @@ TEST(CborReader, readsSixtyFourLevelsAndNoMore) {
     EXPECT_EQ(StatusOf(maps), bERROR_LIMIT);
 }
 
-TEST(CborReader, boundsWhatStandsBesideTheByteStrings) {
+TEST(CborReader, limitsEverythingButByteStrings) {
     constexpr std::size_t kMiB = std::size_t{1024} * 1024;
-    const std::string text = MapOf("\x7A" + "\x00\x10\x00\x00"s); // a text of 1 MiB
+    const std::string text = MapOf("\x7A" + "\x00\x10\x00\x00"s); // a string of 1 MiB
     EXPECT_EQ(StatusOf(text + std::string(kMiB, 'a')), bERROR_LIMIT);
     EXPECT_EQ(StatusOf("\x9A" + "\x00\x20\x00\x00"s + std::string(2 * kMiB, '\x01')), bERROR_LIMIT);
     EXPECT_EQ(StatusOf("\x99\x03\xE9" + std::string(1001, '\x40')), bERROR_LIMIT);

@@ -23,7 +23,7 @@ std::string RandomBytes(std::mt19937& random, std::size_t size) {
     return bytes;
 }
 
-TEST(Crc32c, givesThePublishedChecksums) {
+TEST(Crc32c, matchesThePublishedChecksums) {
     std::string rising(32, '\0');
     std::iota(rising.begin(), rising.end(), '\0');
     EXPECT_EQ(Checksum(""), 0U);
@@ -33,7 +33,7 @@ TEST(Crc32c, givesThePublishedChecksums) {
     EXPECT_EQ(Checksum(rising), 0x46DD794EU);
 }
 
-TEST(Crc32c, isTheChecksumComputedBitByBit) {
+TEST(Crc32c, equalsTheBitwiseChecksum) {
     std::mt19937 random(1);
     std::vector<std::size_t> sizes(300);
     std::iota(sizes.begin(), sizes.end(), 0U);
@@ -67,19 +67,19 @@ TEST(ContentDigest, isWrittenAsFourBytesInBase64) {
     EXPECT_EQ(ContentDigest(0xFFFFFFFFU), "crc32c=://///w==:");
 }
 
-TEST(ContentDigest, ofTheRightBytesIsEqual) {
+TEST(ContentDigest, isEqualForTheRightBytes) {
     EXPECT_EQ(CheckContentDigest("crc32c=:4waSgw==:", 0xE3069283U), DigestCheck::Equal);
     EXPECT_EQ(CheckContentDigest("sha-256=:AA==:, crc32c=:4waSgw==: ", 0xE3069283U), DigestCheck::Equal);
     EXPECT_EQ(CheckContentDigest("\tcrc32c=:4waSgw==:,sha-256=:AA==:", 0xE3069283U), DigestCheck::Equal);
 }
 
-TEST(ContentDigest, ofOtherBytesOrNotUnderstoodIsDifferent) {
+TEST(ContentDigest, isDifferentForOtherBytesOrAnInvalidValue) {
     for (const char* field : {"crc32c=:4waSgg==:", "crc32c=:4waSgw==", "crc32c=", "crc32c=4waSgw==",
                               "crc32c=::", "crc32c=:4waSgw==:;x=1", "sha-256=:AA==:, crc32c=:AAAAAA==:"})
         EXPECT_EQ(CheckContentDigest(field, 0xE3069283U), DigestCheck::Different) << field;
 }
 
-TEST(ContentDigest, ofAnotherAlgorithmTellsNothing) {
+TEST(ContentDigest, isUnknownForAnotherAlgorithm) {
     for (const char* field : {"", " ", ",", ",,", "sha-256=:4waSgw==:", "crc32=:4waSgw==:"})
         EXPECT_EQ(CheckContentDigest(field, 0xE3069283U), DigestCheck::NotGiven) << field;
 }

@@ -12,7 +12,7 @@ JsonFlaw FlawOf(std::string_view text) {
     return FindJsonFlaw(text, kDeepest);
 }
 
-TEST(JsonFlaw, isNoneInATextWithAKeyOnceInEachObject) {
+TEST(JsonFlaw, acceptsAKeyOnceInEachObject) {
     for (const char* const text :
          {"", "{}", "[]", R"({"a":1,"b":2,"A":3,"":4})", R"({"a":{"a":{"a":1}}})", R"([{"a":1},{"a":1}])",
           R"({"a":"a","b":"a"})", R"({"a":[{"a":1},"a","a"],"b":{"a":1}})", R"({"\"":1,"\\":2,"\\\"":3})"}) {
@@ -20,7 +20,7 @@ TEST(JsonFlaw, isNoneInATextWithAKeyOnceInEachObject) {
     }
 }
 
-TEST(JsonFlaw, isAKeyThatStandsTwiceAnywhere) {
+TEST(JsonFlaw, reportsRepeatedKeyAtAnyDepth) {
     for (const char* const text :
          {R"({"a":1,"a":1})", R"({"a" : 1 , "b":2,"a"	:3})", R"({"":1,"":2})", R"([1,{"b":{"a":1,"a":2}}])",
           R"({"a":{"b":1},"a":2})", R"({"a":["a"],"b":{"a":1},"a":2})", R"({"a\"":1,"a\"":2})"}) {
@@ -28,7 +28,7 @@ TEST(JsonFlaw, isAKeyThatStandsTwiceAnywhere) {
     }
 }
 
-TEST(JsonFlaw, isAKeyThatStandsTwiceInDifferentWriting) {
+TEST(JsonFlaw, reportsRepeatedKeyInDifferentEscapes) {
     for (const char* const text :
          {R"({"a":1,"\u0061":2})", R"({"\u004A":1,"\u004a":2})", R"({"\n":1,"\u000a":2})",
           R"({"\b\f\r\t":1,"\u0008\u000c\u000d\u0009":2})", R"({"/":1,"\/":2})",
@@ -37,7 +37,7 @@ TEST(JsonFlaw, isAKeyThatStandsTwiceInDifferentWriting) {
     }
 }
 
-TEST(JsonFlaw, isNoneForKeysThatOnlyLookAlike) {
+TEST(JsonFlaw, acceptsKeysThatOnlyLookAlike) {
     for (const char* const text :
          {R"({"a":1,"\\u0061":2})", R"({"n":1,"\n":2})", R"({"ß":1,"\u00c3\u009f":2})",
           R"({"😀":1,"\ud83d":2,"\ude00":3})", R"({"a":1,"a\u0000":2,"a\u0000b":3})"}) {
@@ -45,15 +45,15 @@ TEST(JsonFlaw, isNoneForKeysThatOnlyLookAlike) {
     }
 }
 
-// The toolkit's parser takes the two keys for one.
-TEST(JsonFlaw, isAZeroByteInAKey) {
+// Qt's parser treats the two keys as equal.
+TEST(JsonFlaw, reportsZeroByteInKey) {
     using std::string_literals::operator""s;
     EXPECT_EQ(FlawOf("{\"a\0b\":1,\"a\0c\":2}"s), JsonFlaw::ZeroInKey);
     EXPECT_EQ(FlawOf("[{\"x\":{\"\0\":{}}}]"s), JsonFlaw::ZeroInKey);
     EXPECT_EQ(FlawOf("{\"a\\u0000b\":1,\"a\\u0000c\":\"x\0y\"}"s), JsonFlaw::None);
 }
 
-TEST(JsonFlaw, isDeeperNestingThanAllowed) {
+TEST(JsonFlaw, reportsTooDeepNesting) {
     EXPECT_EQ(FlawOf(R"([{"a":[]},[[]]])"), JsonFlaw::None);
     EXPECT_EQ(FlawOf(R"(["[[[[{{{{"])"), JsonFlaw::None);
     EXPECT_EQ(FlawOf("[[[["), JsonFlaw::TooDeep);
@@ -61,8 +61,8 @@ TEST(JsonFlaw, isDeeperNestingThanAllowed) {
     EXPECT_EQ(FlawOf(std::string(100'000, '[')), JsonFlaw::TooDeep);
 }
 
-// Such a text is left to the parser, which says what is wrong with it.
-TEST(JsonFlaw, isNoneInWhatEndsOrBreaksEarly) {
+// The parser reports what is wrong with such a text.
+TEST(JsonFlaw, leavesMalformedTextToTheParser) {
     for (const char* const text :
          {"}", "]]", ":", "{:", "{:}", "\"", "\"\\", "{\"a", "{\"a\\", "{\"a\\\"",
           "{\"\\u\":", "{\"\\u00\":", "{\"\\uxyz\":", "{\"\xF0\":", "{\"\xC3\":", "{\"\xFF\":"}) {

@@ -13,7 +13,7 @@ namespace {
 
 using OstraSdk::VeJson;
 
-/// A text of `depth` arrays in each other.
+/// JSON text with `depth` nested arrays.
 std::string Nested(std::size_t depth) {
     return std::string(depth, '[') + std::string(depth, ']');
 }
@@ -22,13 +22,13 @@ int StatusOf(const std::function<void()>& call) {
     return ThrownBy(call).Status();
 }
 
-TEST(VeJson, isEmptyAtFirst) {
+TEST(VeJson, isEmptyInitially) {
     const VeJson json;
     EXPECT_TRUE(json.IsEmpty());
     EXPECT_FALSE(json.IsObject());
 }
 
-TEST(VeJson, readsEveryTypeOfAText) {
+TEST(VeJson, readsEveryType) {
     const VeJson json = VeJson::ParseString(
         R"({"yes":true,"no":false,"int":-12,"big":9007199254740992,"real":0.5,"text":"Größe \u20ac","none":null,)"
         R"("list":[1,[2]],"inner":{"key":"value"}})");
@@ -50,7 +50,7 @@ TEST(VeJson, readsTheBodiesOfTheClient) {
     EXPECT_TRUE(VeJson::ParseString("{\"enabled\": true}").At("enabled").Get<bool>());
 }
 
-TEST(VeJson, refusesAKeyThatStandsTwiceInAnObject) {
+TEST(VeJson, refusesARepeatedKey) {
     for (const char* const text : {R"({"a":1,"a":2})", R"({"a":[],"b":0,"a":{}})", R"({"a":[],"\u0061":{}})",
                                    R"([{"b":{"a":1,"a":1}}])", R"({"":[],"":[]})"}) {
         SCOPED_TRACE(text);
@@ -67,13 +67,13 @@ TEST(VeJson, refusesAZeroByteInAKey) {
     EXPECT_STREQ(refusal.what(), "A key holds a zero byte.");
 }
 
-TEST(VeJson, takesAKeyOnceInEachOfSeveralObjects) {
+TEST(VeJson, acceptsAKeyOnceInEachOfSeveralObjects) {
     const VeJson json = VeJson::ParseString(R"({"a":{"a":{"A":"a\\","b":"a"}},"b":[{"a":1},{"a":2}]})");
     EXPECT_EQ(json.At("a").At("a").At("A").Get<std::string>(), "a\\");
     EXPECT_EQ(std::get<VeJson::Array>(json.At("b").Content()).at(1).At("a").Get<std::int64_t>(), 2);
 }
 
-TEST(VeJson, refusesWhatIsNoJsonText) {
+TEST(VeJson, refusesMalformedText) {
     for (const char* const text :
          {"", " ", "{", "}", "[1,]", "{\"a\"}", "{\"a\":}", "{a:1}", "true", "1", "\"text\"", "{} {}", "{}x",
           "[01]", "[nan]", "\xFF", "{\"a\":\"\xC3\"}", "{\"\\\xC3\xA9\":1}"}) {
@@ -82,14 +82,14 @@ TEST(VeJson, refusesWhatIsNoJsonText) {
     }
 }
 
-TEST(VeJson, refusesATextThatIsCutAnywhere) {
+TEST(VeJson, refusesTruncatedText) {
     const std::string text = R"({"a":[true,{"b":-1.5e3}],"c":"d\n"})";
     EXPECT_NO_THROW(VeJson::ParseString(text));
     for (std::size_t size = 0; size < text.size(); ++size)
         EXPECT_THROW(VeJson::ParseString(text.substr(0, size)), Ve::Exception) << size;
 }
 
-TEST(VeJson, readsSixtyFourLevelsAndNoMore) {
+TEST(VeJson, readsAtMostSixtyFourLevels) {
     EXPECT_NO_THROW(VeJson::ParseString(Nested(63)));
     EXPECT_NO_THROW(VeJson::ParseString(Nested(64)));
     EXPECT_EQ(StatusOf([] { VeJson::ParseString("[" + Nested(63) + ",1,[[" + Nested(63) + "]]]"); }),
@@ -103,13 +103,13 @@ TEST(VeJson, readsSixtyFourLevelsAndNoMore) {
     EXPECT_THROW(VeJson::ParseString(objects), Ve::Exception);
 }
 
-TEST(VeJson, refusesATextBeyondItsLimit) {
+TEST(VeJson, refusesTextBeyondItsLimit) {
     const std::string filler(OstraSdk::kMaxText - 4, 'a');
     EXPECT_NO_THROW(VeJson::ParseString("[\"" + filler + "\"]"));
     EXPECT_EQ(StatusOf([&] { VeJson::ParseString("[\"a" + filler + "\"]"); }), bERROR_LIMIT);
 }
 
-TEST(VeJson, refusesToBeTakenForAnotherType) {
+TEST(VeJson, refusesToBeReadAsAnotherType) {
     const VeJson json =
         VeJson::ParseString(R"({"text":"1","number":1,"real":1.5,"flag":true,"none":null,"list":[]})");
     for (const char* const key : {"text", "number", "real", "none", "list"})
@@ -155,7 +155,7 @@ TEST(VeJson, setsMembersOfEveryType) {
     EXPECT_TRUE(json.At("inner").IsEmpty());
 }
 
-TEST(VeJson, hasNoMembersToSetWhenItIsNoObject) {
+TEST(VeJson, refusesToSetAMemberOfANonObject) {
     VeJson json = VeJson::ParseString("[1]");
     EXPECT_EQ(StatusOf([&] { json.Set("a", 1); }), bERROR_FORMAT);
 }
@@ -171,7 +171,7 @@ TEST(VeJson, holdsBytesThatItsCopiesShare) {
     EXPECT_EQ(copy.At("data").GetBinary(), bytes);
 }
 
-TEST(VeJson, takesBytesOverWithoutCopyingThem) {
+TEST(VeJson, movesBytesWithoutCopyingThem) {
     VeJson::Bytes bytes(1000, 7);
     const std::uint8_t* const place = bytes.data();
     VeJson json;
@@ -179,13 +179,13 @@ TEST(VeJson, takesBytesOverWithoutCopyingThem) {
     EXPECT_EQ(json.At("data").GetBinary().data(), place);
 }
 
-TEST(VeJson, cannotBeWrittenAsATextWithBytesInIt) {
+TEST(VeJson, cannotBeWrittenAsTextWhenItHoldsBytes) {
     VeJson json;
     json.Set("data", VeJson::Bytes{7});
     EXPECT_EQ(StatusOf([&] { OstraSdk::ToJsonText(json); }), bERROR_PARAMETER);
 }
 
-TEST(VeJson, readsAndWritesTheSameInALocaleWithCommas) {
+TEST(VeJson, readsAndWritesTheSameUnderACommaLocale) {
     for (const char* const name : {"de_DE.UTF-8", "fr_FR.UTF-8"})
         if (std::setlocale(LC_ALL, name) != nullptr)
             break;

@@ -9,13 +9,13 @@ using namespace std::string_literals;
 using OstraSdk::WireBody;
 
 std::string Together(const WireBody& body) {
-    std::string whole;
+    std::string bytes;
     for (const std::string_view part : body.Parts())
-        whole += part;
-    return whole;
+        bytes += part;
+    return bytes;
 }
 
-TEST(WireBody, isNoneForTheEmptyValue) {
+TEST(WireBody, isEmptyForTheEmptyValue) {
     const WireBody body{VeJson()};
     EXPECT_EQ(body.ContentType(), "");
     EXPECT_EQ(body.Size(), 0U);
@@ -68,7 +68,7 @@ TEST(WireBody, doesNotCopyTheBytes) {
     EXPECT_TRUE(found);
 }
 
-TEST(WireBody, knowsTheContentTypeOfCbor) {
+TEST(WireBody, recognisesTheContentTypeOfCbor) {
     for (const char* const type :
          {"application/cbor", "Application/CBOR", "application/cbor; a=b", "application/cbor ;a"})
         EXPECT_TRUE(OstraSdk::IsCborType(type)) << type;

@@ -2,11 +2,11 @@
 
 #include "DocumentSamples.h"
 #include "FileSizeLimit.h"
+#include "FixedTime.h"
 #include "FolderTree.h"
 #include "LogCapture.h"
 #include "OrdinaryUser.h"
 #include "TemporaryFolder.h"
-#include "TimeZone.h"
 #include "document/formats/ConvertCSV.h"
 #include "workflow/KeptCopies.h"
 #include "workflow/KeptRecord.h"
@@ -36,11 +36,9 @@ using testing::StartsWith;
 
 using Tree = std::map<std::string, std::string>;
 
-constexpr std::time_t kTime = 1795356192; ///< 2026-11-22 14:03:12 in UTC
-const std::string kStamp = "2026-11-22 14.03.12 ";
 const QSize kMap(5, 3); ///< of the sample track
 
-/// Points that only an exact copy keeps.
+/// Points that only an exact copy preserves.
 std::vector<TrackPath> OddPaths() {
     std::vector<TrackPath> paths = WithoutMarks(SamplePaths());
     paths[0].points[0] = {0.1, -0.0};
@@ -54,7 +52,7 @@ class EditJournalTest : public testing::Test {
   protected:
     EditJournalTest() { WriteFile(track, independent::BinaryFile(SampleTrack())); }
 
-    /// A run that ends without a word, with these paths unsaved.
+    /// A run that crashes with these paths unsaved.
     void Crash(const std::vector<TrackPath>& paths, const QSize& map = kMap) {
         EditJournal(copies).Write(track, map, paths);
     }
@@ -72,7 +70,7 @@ class EditJournalTest : public testing::Test {
         return makes && UpdateWith(*CreateConverter(original), original, target, paths) == 0;
     }
 
-    /// The one journal there is.
+    /// The only journal.
     [[nodiscard]] std::string Journal() const {
         std::vector<std::string> names;
         for (const auto& [name, content] : FolderTree(kept))
@@ -102,7 +100,7 @@ class EditJournalTest : public testing::Test {
     std::vector<TrackPath> madePaths;
 };
 
-TEST_F(EditJournalTest, becomesAWholeTrackAtTheNextStart) {
+TEST_F(EditJournalTest, becomesACompleteTrackAtTheNextStart) {
     Crash(OddPaths());
     EXPECT_THAT(log.Lines(), IsEmpty());
     Recover();
@@ -126,7 +124,7 @@ TEST_F(EditJournalTest, holdsTheLastPathsWritten) {
     ExpectSamePaths(madePaths, OddPaths());
 }
 
-TEST_F(EditJournalTest, isGoneWhenThePathsAreSaved) {
+TEST_F(EditJournalTest, isRemovedWhenThePathsAreSaved) {
     {
         EditJournal journal(copies);
         journal.Discard();
@@ -164,7 +162,7 @@ TEST_F(EditJournalTest, survivesAKill) {
     char byte = 0;
     ASSERT_EQ(read(ready[0], &byte, 1), 1);
     Recover();
-    EXPECT_THAT(made, IsEmpty()) << "of an editor that runs";
+    EXPECT_THAT(made, IsEmpty()) << "of a running editor";
     kill(child, SIGKILL);
     ASSERT_EQ(waitpid(child, nullptr, 0), child);
     Recover();
@@ -198,7 +196,7 @@ TEST_F(EditJournalTest, startsAnewWhereItsFolderWasRemoved) {
     ExpectSamePaths(madePaths, OddPaths());
 }
 
-/// The track may have been saved by another editor since; the copy has what it holds now.
+/// Another editor may have saved the track since; the copy has its current content.
 TEST_F(EditJournalTest, becomesATrackOfTheFileAsItIsNow) {
     Crash(OddPaths());
     independent::Track changed = SampleTrack();
@@ -209,7 +207,7 @@ TEST_F(EditJournalTest, becomesATrackOfTheFileAsItIsNow) {
     EXPECT_EQ(independent::ReadBinary(FolderTree(kept).begin()->second).cells, changed.cells);
 }
 
-TEST_F(EditJournalTest, becomesPathsAloneWhenTheTrackIsGone) {
+TEST_F(EditJournalTest, becomesPathsAloneWhenTheTrackIsMissing) {
     Crash(OddPaths());
     fs::remove(track);
     Recover();
@@ -239,7 +237,7 @@ TEST_F(EditJournalTest, becomesPathsAloneWhenTheMapHasAnotherSize) {
     }
 }
 
-TEST_F(EditJournalTest, becomesPathsAloneWhenNoTrackIsMade) {
+TEST_F(EditJournalTest, becomesPathsAloneWhenNoTrackCanBeMade) {
     Crash(OddPaths());
     makes = false;
     Recover();
@@ -247,7 +245,7 @@ TEST_F(EditJournalTest, becomesPathsAloneWhenNoTrackIsMade) {
     ExpectPathsAlone(OddPaths());
 }
 
-TEST_F(EditJournalTest, staysWhereNothingCanBeKept) {
+TEST_F(EditJournalTest, staysWhenNothingCanBeKept) {
     Crash(OddPaths());
     const Tree before = FolderTree(kept);
     {
@@ -260,14 +258,14 @@ TEST_F(EditJournalTest, staysWhereNothingCanBeKept) {
     EXPECT_THAT(FolderTree(kept), ElementsAre(testing::Key(kStamp + "größe.trk (crash).trk")));
 }
 
-TEST_F(EditJournalTest, canBeOfAPathWithoutPoints) {
+TEST_F(EditJournalTest, canHoldAPathWithoutPoints) {
     Crash({TrackPath(), TrackPath()});
     Recover();
     EXPECT_THAT(madePaths, SizeIs(2));
     EXPECT_TRUE(madePaths[1].points.empty());
 }
 
-TEST_F(EditJournalTest, isNotWrittenWhereTheFolderCannotBe) {
+TEST_F(EditJournalTest, isNotWrittenWhereTheFolderCannotBeMade) {
     WriteFile("file", "");
     KeptCopies nowhere(folder.Path("file/kept"));
     EditJournal(nowhere).Write(track, kMap, OddPaths());
@@ -313,7 +311,7 @@ TEST_F(EditJournalTest, keepsTheOldPathsOnAFullDisk) {
     ExpectSamePaths(madePaths, OddPaths());
 }
 
-/// Processor time, which other programs do not lengthen, and the best of a few.
+/// The best of several measurements of processor time, which other programs do not affect.
 TEST_F(EditJournalTest, isWrittenWithinTwentyMillisecondsForAHundredThousandPoints) {
     TrackPath path;
     path.points.assign(100'000, {0.1, 0.2});
@@ -384,12 +382,12 @@ class DamagedJournalTest : public EditJournalTest {
     std::string content;
 };
 
-TEST_F(DamagedJournalTest, isIgnoredWhenCutAtAnyByte) {
+TEST_F(DamagedJournalTest, isIgnoredWhenTruncatedAtAnyByte) {
     for (std::size_t size = 0; size < content.size(); ++size)
         ASSERT_NO_FATAL_FAILURE(ExpectIgnored(content.substr(0, size))) << size;
 }
 
-TEST_F(DamagedJournalTest, isIgnoredWhenAnyByteIsAnother) {
+TEST_F(DamagedJournalTest, isIgnoredWhenAnyByteIsChanged) {
     for (std::size_t at = 0; at < content.size(); ++at) {
         for (const int change : {0x01, 0x80, 0xFF}) {
             std::string flipped = content;
@@ -399,7 +397,7 @@ TEST_F(DamagedJournalTest, isIgnoredWhenAnyByteIsAnother) {
     }
 }
 
-/// A sound journal of this version, with content that `add` gives to its writer.
+/// A valid journal of this version, with content that `add` gives to its writer.
 template<typename Add>
 std::string JournalOf(std::uint32_t version, Add add) {
     std::string file;

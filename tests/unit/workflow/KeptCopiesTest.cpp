@@ -1,11 +1,11 @@
 #include "workflow/KeptCopies.h"
 
 #include "FileSizeLimit.h"
+#include "FixedTime.h"
 #include "FolderTree.h"
 #include "LogCapture.h"
 #include "OrdinaryUser.h"
 #include "TemporaryFolder.h"
-#include "TimeZone.h"
 #include "workflow/KeptFolder.h"
 
 #include <gmock/gmock.h>
@@ -33,16 +33,13 @@ using testing::StartsWith;
 
 using Tree = std::map<std::string, std::string>;
 
-constexpr std::time_t kTime = 1795356192; ///< 2026-11-22 14:03:12 in UTC
-const std::string kStamp = "2026-11-22 14.03.12 ";
-
 class KeptCopiesTest : public testing::Test {
   protected:
     KeptCopies Copies(std::size_t most = 50, std::uint64_t bytes = 1'000'000) {
         return {kept, {most, bytes}, [this] { return now; }};
     }
 
-    /// Keeps a file of this content, one second after the one before.
+    /// Keeps a file of this content, one second after the previous one.
     std::string Keep(KeptCopies& copies, const std::string& name, const std::string& content) {
         ++now;
         WriteFile(name, content);
@@ -50,7 +47,7 @@ class KeptCopiesTest : public testing::Test {
         return copy ? fs::path(*copy).filename().string() : "not kept";
     }
 
-    /// That nothing can be kept in this folder, and that the log says so, with this reason.
+    /// Checks that nothing can be kept in this folder, and that the log gives this reason.
     void ExpectFailureIn(const std::string& folder, const std::string& reason) {
         fs::remove("a.trk"); // it may be another user's
         WriteFile("a.trk", "content");
@@ -81,7 +78,7 @@ class KeptCopiesTest : public testing::Test {
     std::time_t now = kTime;
 };
 
-TEST_F(KeptCopiesTest, keepAFileAsItIs) {
+TEST_F(KeptCopiesTest, keepAFileUnchanged) {
     const std::string content("Track  \0\r\n\xFF", 11);
     WriteFile("cover.trk", content);
     KeptCopies copies = Copies();
@@ -123,7 +120,7 @@ TEST_F(KeptCopiesTest, areCountedWithinASecond) {
                                       {kStamp + "a.trk (deleted).trk", "content"}}));
 }
 
-TEST_F(KeptCopiesTest, canBeWhatAWriterMakes) {
+TEST_F(KeptCopiesTest, canBeMadeByAWriter) {
     KeptCopies copies = Copies();
     const auto writer = [](const std::string& path) {
         WriteFile(path, "made");
@@ -151,7 +148,7 @@ TEST_F(KeptCopiesTest, areNotMadeByAWriterThatFails) {
     EXPECT_THAT(FolderTree(kept), IsEmpty());
 }
 
-TEST_F(KeptCopiesTest, areNotMadeOfWhatCannotBeRead) {
+TEST_F(KeptCopiesTest, areNotMadeOfAnUnreadableFile) {
     KeptCopies copies = Copies();
     fs::create_directory("folder.trk");
     EXPECT_EQ(copies.KeepFile("missing.trk", KeptReason::Deleted), std::nullopt);
@@ -163,7 +160,7 @@ TEST_F(KeptCopiesTest, areNotMadeOfWhatCannotBeRead) {
     EXPECT_THAT(FolderTree(kept), IsEmpty());
 }
 
-TEST_F(KeptCopiesTest, haveAValidNameWhateverTheOriginals) {
+TEST_F(KeptCopiesTest, haveAValidNameForAnyOriginal) {
     KeptCopies copies = Copies();
     std::vector<std::string> names = {"line\nfeed.trk",
                                       ".hidden.trk",
@@ -231,7 +228,7 @@ TEST_F(KeptCopiesTest, leaveNothingOnAFullDisk) {
     EXPECT_TRUE(copies.KeepFile("a.trk", KeptReason::Deleted));
 }
 
-TEST_F(KeptCopiesTest, stayUpToTheirNumber) {
+TEST_F(KeptCopiesTest, areLimitedInNumber) {
     KeptCopies copies = Copies(3);
     std::vector<std::string> names;
     for (int i = 0; i < 5; ++i)
@@ -240,13 +237,13 @@ TEST_F(KeptCopiesTest, stayUpToTheirNumber) {
     EXPECT_THAT(log.Lines(), testing::Contains("INFO: Removed the kept copy " + names[1]));
 }
 
-TEST_F(KeptCopiesTest, stayUpToTheirSize) {
+TEST_F(KeptCopiesTest, areLimitedInSize) {
     KeptCopies copies = Copies(50, 10);
     Keep(copies, "a.trk", "four");
     const std::string second = Keep(copies, "a.trk", "four");
     const std::string third = Keep(copies, "a.trk", "sixsix");
     EXPECT_EQ(FolderTree(kept), (Tree{{second, "four"}, {third, "sixsix"}}));
-    // The oldest go first, also where a newer one alone would make place enough.
+    // The oldest are removed first, even where removing a newer one alone would free enough space.
     const std::string fourth = Keep(copies, "a.trk", "fives");
     EXPECT_EQ(FolderTree(kept), (Tree{{fourth, "fives"}}));
 }
@@ -270,10 +267,10 @@ TEST_F(KeptCopiesTest, stayWhenTheClockWasSetBack) {
     EXPECT_EQ(FolderTree(kept), (Tree{{second, "1"}, {newest, "2"}}));
 }
 
-TEST_F(KeptCopiesTest, areRemovedInTheirOrderWithinASecond) {
+TEST_F(KeptCopiesTest, areRemovedInOrderWithinASecond) {
     KeptCopies copies = Copies(2);
     for (int i = 0; i < 12; ++i) {
-        --now; // which Keep moves on
+        --now; // Keep advances it
         Keep(copies, "a.trk", std::to_string(i));
     }
     std::vector<std::string> contents;

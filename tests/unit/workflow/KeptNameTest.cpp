@@ -1,6 +1,5 @@
 #include "workflow/KeptName.h"
-
-#include "TimeZone.h"
+#include "FixedTime.h"
 
 #include <gmock/gmock.h>
 
@@ -9,8 +8,6 @@ namespace {
 using testing::EndsWith;
 using testing::StartsWith;
 
-constexpr std::time_t kTime = 1795356192; ///< 2026-11-22 14:03:12 in UTC
-
 class KeptNameTest : public testing::Test {
   protected:
     static std::string TextOf(const std::string& original, KeptReason reason = KeptReason::Unsaved,
@@ -18,7 +15,7 @@ class KeptNameTest : public testing::Test {
         return KeptName(kTime, original, reason).Text(number);
     }
 
-    /// What comes between the time and the reason.
+    /// The part between the time and the reason.
     static std::string OriginalIn(const std::string& original) {
         const std::string text = TextOf(original);
         EXPECT_TRUE(KeptName::IsOne(text)) << text;
@@ -55,7 +52,7 @@ TEST_F(KeptNameTest, canHaveAnotherExtension) {
     EXPECT_EQ(name.Text(), "2026-11-22 14.03.12 cover.trk (crash).csv");
 }
 
-TEST_F(KeptNameTest, takesForAnExtensionOnlyWhatLooksLikeOne) {
+TEST_F(KeptNameTest, recognisesOnlyPlausibleExtensions) {
     for (const char* const original : {"a.", "a.b c", "a.(b)", "a.übel", "a.12345678901234567", "."})
         EXPECT_THAT(TextOf(original), EndsWith("(unsaved)")) << original;
     EXPECT_THAT(TextOf("a.123456789012345"), EndsWith("(unsaved).123456789012345"));
@@ -66,7 +63,7 @@ TEST_F(KeptNameTest, isOneLineOfValidText) {
     EXPECT_EQ(OriginalIn("a\nb\rc\td\x7F\x01.trk"), "a_b_c_d__.trk");
     EXPECT_EQ(OriginalIn(std::string("a\0b.trk", 7)), "a_b.trk");
     EXPECT_EQ(OriginalIn("\xE2\x80\xA8x\xC2\x85.trk"),
-              "_x_.trk"); // a line separator, and a control beyond ASCII
+              "_x_.trk"); // a line separator and a non-ASCII control character
     EXPECT_EQ(OriginalIn("gr\xFF\xFE.trk"), "gr\xEF\xBF\xBD\xEF\xBF\xBD.trk");
     EXPECT_EQ(OriginalIn("cut\xC3"), "cut\xEF\xBF\xBD");
     EXPECT_EQ(OriginalIn("größe 日本 😀 %s \"x\" (unsaved).trk"), "größe 日本 😀 %s \"x\" (unsaved).trk");
@@ -86,12 +83,12 @@ TEST_F(KeptNameTest, cutsLongNamesBetweenCharacters) {
             std::string name(before, 'x');
             while (name.size() + letter.size() <= 251)
                 name += letter;
-            const std::size_t whole = (kLeft - before) / letter.size();
-            EXPECT_EQ(OriginalIn(name + ".trk"), name.substr(0, before + whole * letter.size()));
+            const std::size_t letters = (kLeft - before) / letter.size();
+            EXPECT_EQ(OriginalIn(name + ".trk"), name.substr(0, before + letters * letter.size()));
         }
     }
     EXPECT_EQ(TextOf(plain + ".trk", KeptReason::TextOriginal, 10'000).size(), 255U);
-    // Each byte that is no text becomes three.
+    // Each invalid byte becomes three.
     EXPECT_EQ(OriginalIn(std::string(255, '\xFF')).size(), 225U);
 }
 
@@ -102,7 +99,7 @@ TEST_F(KeptNameTest, isRecognised) {
         EXPECT_TRUE(KeptName::IsOne(name)) << name;
 }
 
-TEST_F(KeptNameTest, isNotMistaken) {
+TEST_F(KeptNameTest, isDistinguishedFromOtherNames) {
     for (const char* const name : {"",
                                    "cover.trk",
                                    "2026-11-22 14.03.12",

@@ -18,7 +18,7 @@ std::vector<QPointF> Points() {
     return {{0.1, -0.0}, {std::nan("7"), std::numeric_limits<double>::infinity()}, {5e-324, 1e308}};
 }
 
-/// The file that `add` makes of a writer.
+/// The file that a writer filled by `add` makes.
 template<typename Add>
 std::string FileOf(Add add) {
     std::string file;
@@ -41,7 +41,7 @@ std::string Sample() {
     });
 }
 
-/// What is wrong with a file; empty when it reads as the sample does.
+/// The error of a file; empty when it reads as the sample.
 std::string FlawOf(const std::string& file, std::uint32_t version = kVersion) {
     try {
         KeptRecordReader record(file, kMagic, version);
@@ -59,7 +59,7 @@ std::string FlawOf(const std::string& file, std::uint32_t version = kVersion) {
     return {};
 }
 
-TEST(KeptRecord, readsBackBitForBit) {
+TEST(KeptRecord, readsBackExactly) {
     EXPECT_EQ(FlawOf(Sample()), "");
 }
 
@@ -83,14 +83,14 @@ TEST(KeptRecord, isWrittenInPieces) {
     record.ExpectEnd();
 }
 
-TEST(KeptRecord, isRefusedWhenCutAtAnyByte) {
+TEST(KeptRecord, isRefusedWhenTruncatedAtAnyByte) {
     const std::string file = Sample();
     for (std::size_t size = 0; size < file.size(); ++size)
         EXPECT_NE(FlawOf(file.substr(0, size)), "") << size;
     EXPECT_NE(FlawOf(file + "x"), "");
 }
 
-TEST(KeptRecord, isRefusedWhenAnyBitIsAnother) {
+TEST(KeptRecord, isRefusedWhenAnyBitIsChanged) {
     const std::string file = Sample();
     for (std::size_t at = 0; at < file.size(); ++at) {
         for (int bit = 0; bit < 8; ++bit) {
@@ -101,7 +101,7 @@ TEST(KeptRecord, isRefusedWhenAnyBitIsAnother) {
     }
 }
 
-TEST(KeptRecord, saysWhatIsWrong) {
+TEST(KeptRecord, reportsWhatIsWrong) {
     const std::string file = Sample();
     EXPECT_EQ(FlawOf(""), "it is no such file");
     EXPECT_EQ(FlawOf("Info\nXResolution"), "it is no such file");
@@ -113,7 +113,7 @@ TEST(KeptRecord, saysWhatIsWrong) {
     EXPECT_EQ(FlawOf(changed), "its checksum is wrong");
 }
 
-/// A record that is sound and holds something else.
+/// A valid record with other content.
 TEST(KeptRecord, isNotReadBeyondItsEnd) {
     const std::string file = FileOf([](KeptRecordWriter& record) {
         record.Add(std::numeric_limits<std::uint64_t>::max());

@@ -1,10 +1,10 @@
 #include "workflow/KeptCopies.h"
 
+#include "FixedTime.h"
 #include "FolderTree.h"
 #include "LogCapture.h"
 #include "SmallTrack.h"
 #include "TemporaryFolder.h"
-#include "TimeZone.h"
 
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@ class TextOriginalTest : public testing::Test {
     KeptCopies copies{kept, {}, [] { return std::time_t{1795356192}; }}; // 2026-11-22 14:03:12
 };
 
-TEST_F(TextOriginalTest, isKeptAsItIs) {
+TEST_F(TextOriginalTest, isKeptUnchanged) {
     const std::string text = independent::TextFile(SmallTrack(PathAcross(0, 3, 0.5, 100)));
     WriteFile("cover.trk", text);
     EXPECT_TRUE(KeepTextOriginal(copies, folder.Path("cover.trk")));

@@ -1,11 +1,11 @@
 #include "workflow/UnsentTracks.h"
 
 #include "FileSizeLimit.h"
+#include "FixedTime.h"
 #include "FolderTree.h"
 #include "LogCapture.h"
 #include "OrdinaryUser.h"
 #include "TemporaryFolder.h"
-#include "TimeZone.h"
 #include "workflow/KeptCopies.h"
 
 #include <gmock/gmock.h>
@@ -26,8 +26,6 @@ using testing::StartsWith;
 
 using Tree = std::map<std::string, std::string>;
 
-constexpr std::time_t kTime = 1795356192; ///< 2026-11-22 14:03:12 in UTC
-const std::string kStamp = "2026-11-22 14.03.12 ";
 const std::string kWorkspace = "./TmpDir Osws";
 const std::string kTracks = kWorkspace + "/vdk/Größe";
 
@@ -35,7 +33,7 @@ class UnsentTracksTest : public testing::Test {
   protected:
     UnsentTracksTest() { fs::create_directories(kTracks); }
 
-    /// Those that a new run starts with.
+    /// The unsent tracks at the start of a new run.
     UnsentTracks Tracks() { return {copies, kWorkspace, kTracks}; }
 
     /// The names of the lists that exist.
@@ -47,7 +45,7 @@ class UnsentTracksTest : public testing::Test {
         return names;
     }
 
-    /// The one list there is.
+    /// The only list.
     [[nodiscard]] std::string List() const {
         const std::vector<std::string> names = Lists();
         EXPECT_THAT(names, SizeIs(1));
@@ -78,7 +76,7 @@ TEST_F(UnsentTracksTest, areRememberedByTheNextRun) {
     EXPECT_THAT(Tracks().Names(), ElementsAre("b.trk"));
 }
 
-TEST_F(UnsentTracksTest, areWrittenDownAtOnceAndPrivately) {
+TEST_F(UnsentTracksTest, areStoredImmediatelyAndPrivately) {
     UnsentTracks tracks = Tracks();
     tracks.Record("a.trk");
     EXPECT_THAT(Tracks().Names(), ElementsAre("a.trk"));
@@ -88,7 +86,7 @@ TEST_F(UnsentTracksTest, areWrittenDownAtOnceAndPrivately) {
     EXPECT_FALSE(KeptName::IsOne(fs::path(List()).filename().string()));
 }
 
-TEST_F(UnsentTracksTest, leaveNoFileWhenThereAreNone) {
+TEST_F(UnsentTracksTest, leaveNoFileWhenEmpty) {
     UnsentTracks tracks = Tracks();
     EXPECT_FALSE(fs::exists(kept));
     tracks.Clear();
@@ -103,26 +101,26 @@ TEST_F(UnsentTracksTest, leaveNoFileWhenThereAreNone) {
     EXPECT_THAT(FolderTree(kept), IsEmpty());
 }
 
-TEST_F(UnsentTracksTest, areThoseOfOneWorkspace) {
+TEST_F(UnsentTracksTest, belongToOneWorkspace) {
     Tracks().Record("a.trk");
     UnsentTracks others(copies, "./TmpDir Other", "./TmpDir Other/vdk");
     EXPECT_TRUE(others.IsEmpty());
     others.Record("b.trk");
     EXPECT_THAT(Lists(), SizeIs(2));
     EXPECT_THAT(Tracks().Names(), ElementsAre("a.trk"));
-    // However its folder is named.
+    // Independent of the spelling of its folder.
     const UnsentTracks same(copies, folder.Path("TmpDir Other/../TmpDir Osws"), kTracks);
     EXPECT_THAT(same.Names(), ElementsAre("a.trk"));
 }
 
-TEST_F(UnsentTracksTest, areKeptBeforeTheWorkspaceGoes) {
+TEST_F(UnsentTracksTest, areKeptBeforeTheWorkspaceIsRemoved) {
     WriteFile(kTracks + "/a.trk", "saved");
     WriteFile(kTracks + "/b.trk", "of an earlier run");
     WriteFile(kTracks + "/sent.trk", "sent");
     fs::create_directory(kTracks + "/folder.trk");
     Tracks().Record("b.trk");
     UnsentTracks tracks = Tracks();
-    for (const char* const name : {"a.trk", "gone.trk", "folder.trk"})
+    for (const char* const name : {"a.trk", "missing.trk", "folder.trk"})
         tracks.Record(name);
     tracks.Keep();
     EXPECT_TRUE(tracks.IsEmpty());
@@ -132,8 +130,8 @@ TEST_F(UnsentTracksTest, areKeptBeforeTheWorkspaceGoes) {
     EXPECT_TRUE(Tracks().IsEmpty());
 }
 
-/// Whatever the sequence does next must not wait for it.
-TEST_F(UnsentTracksTest, areForgottenAlsoWhereTheyCannotBeKept) {
+/// The following steps of the sequence must not depend on it.
+TEST_F(UnsentTracksTest, areDroppedEvenWhenTheyCannotBeKept) {
     UnsentTracks tracks = Tracks();
     WriteFile(kTracks + "/a.trk", "saved");
     tracks.Record("a.trk");
@@ -147,7 +145,7 @@ TEST_F(UnsentTracksTest, areForgottenAlsoWhereTheyCannotBeKept) {
                                                HasSubstr("Not a directory"))));
 }
 
-TEST_F(UnsentTracksTest, areStillInMemoryWhereTheyCannotBeWrittenDown) {
+TEST_F(UnsentTracksTest, stayInMemoryWhenTheyCannotBeStored) {
     WriteFile("file", "");
     KeptCopies nowhere(folder.Path("file/kept"));
     UnsentTracks tracks(nowhere, kWorkspace, kTracks);
@@ -172,7 +170,7 @@ TEST_F(UnsentTracksTest, keepTheOldListOnAFullDisk) {
     EXPECT_THAT(FolderTree(kept), SizeIs(1));
 }
 
-TEST_F(UnsentTracksTest, cannotBeWrittenDownInAReadOnlyFolder) {
+TEST_F(UnsentTracksTest, cannotBeStoredInAReadOnlyFolder) {
     fs::create_directory("kept");
     fs::permissions("kept", fs::perms::owner_read | fs::perms::owner_exec);
     KeptCopies readOnly(folder.Path("kept"));
@@ -206,12 +204,12 @@ class DamagedListTest : public UnsentTracksTest {
     std::string content;
 };
 
-TEST_F(DamagedListTest, isIgnoredWhenCutAtAnyByte) {
+TEST_F(DamagedListTest, isIgnoredWhenTruncatedAtAnyByte) {
     for (std::size_t size = 0; size < content.size(); ++size)
         ExpectIgnored(content.substr(0, size));
 }
 
-TEST_F(DamagedListTest, isIgnoredWhenAnyByteIsAnother) {
+TEST_F(DamagedListTest, isIgnoredWhenAnyByteIsChanged) {
     for (std::size_t at = 0; at < content.size(); ++at) {
         std::string flipped = content;
         flipped[at] = static_cast<char>(~flipped[at]);
@@ -219,7 +217,7 @@ TEST_F(DamagedListTest, isIgnoredWhenAnyByteIsAnother) {
     }
 }
 
-TEST_F(DamagedListTest, isIgnoredWhenItIsAnothers) {
+TEST_F(DamagedListTest, isIgnoredWhenItBelongsToAnother) {
     UnsentTracks others(copies, "./TmpDir Other", "./TmpDir Other/vdk");
     const std::string mine = List();
     others.Record("b.trk");
@@ -232,14 +230,14 @@ TEST_F(DamagedListTest, isIgnoredWhenItIsAnothers) {
     ExpectIgnored("precious notes", "it is no such file");
 }
 
-TEST_F(DamagedListTest, isReplacedByTheNextTrack) {
+TEST_F(DamagedListTest, isReplacedWithTheNextTrack) {
     WriteFile(List(), "nothing of ours");
     UnsentTracks tracks = Tracks();
     tracks.Record("b.trk");
     EXPECT_THAT(Tracks().Names(), ElementsAre("b.trk"));
 }
 
-TEST_F(DamagedListTest, isIgnoredWhenItIsNoFile) {
+TEST_F(DamagedListTest, isIgnoredWhenItIsNotAFile) {
     const std::string list = List();
     fs::remove(list);
     fs::create_directory(list);
@@ -247,7 +245,7 @@ TEST_F(DamagedListTest, isIgnoredWhenItIsNoFile) {
     EXPECT_THAT(log.Lines(), ElementsAre(HasSubstr("Is a directory")));
 }
 
-/// A sound list whose names would lead out of the track folder.
+/// A valid list whose names would lead out of the track folder.
 TEST_F(DamagedListTest, isIgnoredWhenItHoldsPaths) {
     for (const std::string& name : {std::string(), std::string("."), std::string(".."),
                                     std::string("../a.trk"), std::string("a\0b", 3)}) {

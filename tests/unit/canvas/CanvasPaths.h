@@ -1,0 +1,14 @@
+#pragma once
+
+#include "canvas/CanvasScale.h"
+#include "document/formats/TrackPath.h"
+
+#include <vector>
+
+/// A path through points given in canvas pixels.
+inline TrackPath PathOf(const CanvasScale& scale, const std::vector<QPointF>& pixels) {
+    TrackPath path;
+    for (const QPointF& pixel : pixels)
+        path.points.push_back(scale.toNormalized(pixel));
+    return path;
+}
