@@ -221,10 +221,10 @@ def path_rows(bench):
     large = bench.size(10_000, 1000)
     rows.append(Row("alive", f"the longest operation on a canvas of {large} x {large}", bench.ours("blocking", large),
                     0.05))
-    rows.append(Row("wheel", f"a step of the wheel with Ctrl to the complete picture, {large} x {large} from 25 % up",
+    rows.append(Row("wheel", f"a wheel step with Ctrl to the complete picture, wall-clock time, {large} x {large} from 25 % up",
                     bench.ours("wheel", large, figure="wall"), 0.03))
     for encoding, file in (("text", bench.text), ("binary", bench.binary)):
-        rows.append(Row(f"hover-{encoding}", f"the longest move of the mouse over a {encoding} track of {large} x {large}",
+        rows.append(Row(f"hover-{encoding}", f"the longest mouse move over a {encoding} track of {large} x {large}, wall-clock time",
                         bench.ours("hover", figure="wall", data=lambda file=file: [file(large)]), 0.02))
     return rows
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "document/formats/TrackPath.h"
 #include "document/formats/TrackInfo.h"
+#include "document/formats/TrackPath.h"
 
 #include <QPointF>
 

@@ -1,6 +1,5 @@
 #include "basalt/posix/FileState.h"
 
-
 FileFacts FactsOf(const struct stat& state) {
     return {.kind = KindOf(state.st_mode),
             .size = state.st_size,

@@ -1,5 +1,5 @@
-#include "log/Log.h"
 #include "FakeClock.h"
+#include "log/Log.h"
 
 #include <gmock/gmock.h>
 

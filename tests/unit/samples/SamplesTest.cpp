@@ -1,8 +1,8 @@
 #include "IndependentTrack.h"
 #include "TemporaryFolder.h"
-#include "samples/TrackFileWriter.h"
 #include "samples/SampleOptionsReader.h"
 #include "samples/SampleWorkspace.h"
+#include "samples/TrackFileWriter.h"
 
 #include <gmock/gmock.h>
 
