@@ -323,7 +323,7 @@ TEST(VeTransaction, failsWhenTheServerSucceedsBeforeTheCompleteRequest) {
     const Ve::Exception e =
         ThrownBy([&] { ClientOf(server.Port()).Call("/a", body, VeJson()).CheckResponse(kPlenty); });
     EXPECT_EQ(e.Status(), bERROR_CONNECTION);
-    EXPECT_THAT(e.what(), HasSubstr("before it had the whole request"));
+    EXPECT_THAT(e.what(), HasSubstr("before it had the complete request"));
 }
 
 // Time-outs
