@@ -9,3 +9,6 @@
 
 /// Makes writing to a pipe that nobody reads any more a failure of the write, and no end of the process.
 void IgnoreBrokenPipes();
+
+/// Has standard output and error take bytes as they are: a result is the same on every system.
+void KeepBytesOfOutput();
