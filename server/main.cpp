@@ -1,5 +1,6 @@
 #include "basalt/DescriptorLimit.h"
 #include "basalt/Exception.h"
+#include "basalt/ProcessStart.h"
 #include "basalt/StandardStreams.h"
 #include "server/DiscoveryResponder.h"
 #include "server/FaultPlan.h"
@@ -14,7 +15,6 @@
 #include "server/http/Listener.h"
 #include "wire/AccessToken.h"
 
-#include <csignal>
 #include <cstdio>
 #include <exception>
 
@@ -69,7 +69,9 @@ void Serve(const ServerOptions& options) {
     FaultPlan faults(options.faults);
 
     boost::asio::io_context io(1);
-    boost::asio::signal_set stopSignals(io, SIGINT, SIGTERM);
+    boost::asio::signal_set stopSignals(io);
+    for (const int signal : StopSignals())
+        stopSignals.add(signal);
     tcp::acceptor acceptor = Bound("TCP", options.address, options.port,
                                    [&] { return tcp::acceptor(io, tcp::endpoint(address, options.port)); });
     const ServerIdentity identity(options.serialNumber, options.model, acceptor.local_endpoint().port());
@@ -127,6 +129,7 @@ int Run(const QStringList& arguments) {
 int main(int count, char* arguments[]) {
     constexpr int kFailed = 1;
     constexpr int kMisused = 2;
+    KeepBytesOfOutput();
     IgnoreBrokenPipes(); // a log reader that has gone does not end the server
     const QCoreApplication application(count, arguments);
     try {
