@@ -183,6 +183,11 @@ void Tour::Load(const QString& name) {
 }
 
 void Tour::DrawAPath() {
+    // The canvas has the same size on every desktop then, and what is drawn has the same places.
+    Say("show it at 100 %");
+    stage.hand.ControlKey("1");
+    stage.WaitUntil([this] { return stage.TextOf("label_scale") == QStringLiteral("Scale:100%"); },
+                    "the scale is 100 %");
     // A loaded track's paths count as open until they are closed one by one.
     Say("close what is open, then draw a path of four points");
     const std::size_t before = stage.PathsOnCanvas().size();

@@ -1,0 +1,127 @@
+#include "Hand.h"
+
+#include <chrono>
+#include <map>
+#include <stdexcept>
+#include <thread>
+
+#include <windows.h>
+
+/// The system takes input from any process that shows windows.
+struct Hand::Connection {};
+
+namespace {
+
+/// A hand is slower than a program: events come one after the other, so that the window can answer between
+/// them.
+void Pause() {
+    std::this_thread::sleep_for(std::chrono::milliseconds(15));
+}
+
+void SendMouse(DWORD what, LONG across, LONG down) {
+    INPUT input{};
+    input.type = INPUT_MOUSE;
+    input.mi.dx = across;
+    input.mi.dy = down;
+    input.mi.dwFlags = what;
+    SendInput(1, &input, sizeof input);
+    Pause();
+}
+
+/// A pixel in 65536ths of the screen, so that rounding down leads back to it.
+LONG ShareOf(int place, int screen) {
+    constexpr int kWhole = 65536;
+    return (place * kWhole + screen - 1) / screen;
+}
+
+WORD KeyNamed(const std::string& name) {
+    static const std::map<std::string, WORD> kKeys = {
+        {"Return", VK_RETURN}, {"Tab", VK_TAB}, {"Escape", VK_ESCAPE}, {"Down", VK_DOWN}};
+    const auto found = kKeys.find(name);
+    if (found != kKeys.end())
+        return found->second;
+    return LOBYTE(VkKeyScanA(name.at(0)));
+}
+
+} // namespace
+
+Hand::Hand() : connection(std::make_unique<Connection>()) {
+}
+
+Hand::~Hand() = default;
+
+void Hand::MoveTo(const QPoint& place) {
+    const int width = GetSystemMetrics(SM_CXSCREEN);
+    const int height = GetSystemMetrics(SM_CYSCREEN);
+    // A hand comes from somewhere: a pointer that is there already would not be seen to arrive.
+    for (const QPoint& stop : {place + QPoint(2, 2), place})
+        SendMouse(MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE, ShareOf(stop.x(), width),
+                  ShareOf(stop.y(), height));
+}
+
+void Hand::Press() {
+    SendMouse(MOUSEEVENTF_LEFTDOWN, 0, 0);
+}
+
+void Hand::Release() {
+    SendMouse(MOUSEEVENTF_LEFTUP, 0, 0);
+}
+
+void Hand::Click(const QPoint& place) {
+    MoveTo(place);
+    Press();
+    Release();
+}
+
+void Hand::DoubleClick(const QPoint& place) {
+    Click(place);
+    Press();
+    Release();
+}
+
+void Hand::Drag(const QPoint& from, const QPoint& to) {
+    constexpr int kSteps = 8;
+    MoveTo(from);
+    Press();
+    for (int step = 1; step <= kSteps; ++step)
+        MoveTo(from + (to - from) * step / kSteps);
+    Release();
+}
+
+void Hand::Key(const std::string& name) {
+    Stroke(KeyNamed(name));
+}
+
+void Hand::ControlKey(const std::string& name) {
+    Send(VK_CONTROL, true);
+    Key(name);
+    Send(VK_CONTROL, false);
+}
+
+void Hand::Type(const std::string& text) {
+    for (const char letter : text) {
+        const SHORT key = VkKeyScanA(letter);
+        if (key == -1)
+            throw std::runtime_error("The keyboard has no such key.");
+        const bool shifted = (HIBYTE(key) & 1) != 0;
+        if (shifted)
+            Send(VK_SHIFT, true);
+        Stroke(LOBYTE(key));
+        if (shifted)
+            Send(VK_SHIFT, false);
+    }
+}
+
+void Hand::Stroke(unsigned long symbol) {
+    Send(static_cast<unsigned>(symbol), true);
+    Send(static_cast<unsigned>(symbol), false);
+}
+
+void Hand::Send(unsigned int keyCode, bool down) {
+    INPUT input{};
+    input.type = INPUT_KEYBOARD;
+    input.ki.wVk = static_cast<WORD>(keyCode);
+    input.ki.dwFlags = down ? 0 : KEYEVENTF_KEYUP;
+    SendInput(1, &input, sizeof input);
+    Pause();
+}
