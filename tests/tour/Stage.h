@@ -23,6 +23,9 @@ class Stage {
     /// Shows the window and gives it the keyboard: there may be no window manager to do that.
     void Open() const;
 
+    /// Gives the window the keyboard again, which a list that was open may have taken.
+    void Activate() const;
+
     /// Runs a look at the window on the window's thread, also while a dialog is open, and waits for it.
     void Look(const std::function<void()>& look) const;
 

@@ -65,7 +65,7 @@ std::string FirstTrackIn(const std::string& folder) {
 void UnpackWithTar(const std::string& archive, const std::string& folder) {
     std::filesystem::remove_all(folder);
     std::filesystem::create_directories(folder);
-    const std::string command = "tar -xf '" + archive + "' -C '" + folder + "'";
+    const std::string command = "tar -xf \"" + archive + "\" -C \"" + folder + "\"";
     Stage::Expect(std::system(command.c_str()) == 0, "tar reads " + archive);
 }
 
@@ -185,6 +185,7 @@ void Tour::Load(const QString& name) {
 void Tour::DrawAPath() {
     // The canvas has the same size on every desktop then, and what is drawn has the same places.
     Say("show it at 100 %");
+    stage.Activate();
     stage.hand.ControlKey("1");
     stage.WaitUntil([this] { return stage.TextOf("label_scale") == QStringLiteral("Scale:100%"); },
                     "the scale is 100 %");

@@ -28,6 +28,22 @@ void SendMouse(DWORD what, LONG across, LONG down) {
     Pause();
 }
 
+/// An earlier movement may come back to the system late, from a display server under it, and take the pointer
+/// along.
+void AwaitPointer(const QPoint& place, LONG across, LONG down) {
+    constexpr int kTries = 100;
+    constexpr int kQuiet = 4; // pauses in which it stays there
+    int quiet = 0;
+    for (int i = 0; i < kTries && quiet < kQuiet; ++i) {
+        POINT seen{};
+        Pause();
+        GetCursorPos(&seen);
+        quiet = seen.x == place.x() && seen.y == place.y() ? quiet + 1 : 0;
+        if (quiet == 0)
+            SendMouse(MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE, across, down);
+    }
+}
+
 /// A pixel in 65536ths of the screen, so that rounding down leads back to it.
 LONG ShareOf(int place, int screen) {
     constexpr int kWhole = 65536;
@@ -54,9 +70,12 @@ void Hand::MoveTo(const QPoint& place) {
     const int width = GetSystemMetrics(SM_CXSCREEN);
     const int height = GetSystemMetrics(SM_CYSCREEN);
     // A hand comes from somewhere: a pointer that is there already would not be seen to arrive.
-    for (const QPoint& stop : {place + QPoint(2, 2), place})
-        SendMouse(MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE, ShareOf(stop.x(), width),
-                  ShareOf(stop.y(), height));
+    for (const QPoint& stop : {place + QPoint(2, 2), place}) {
+        const LONG across = ShareOf(stop.x(), width);
+        const LONG down = ShareOf(stop.y(), height);
+        SendMouse(MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE, across, down);
+        AwaitPointer(stop, across, down);
+    }
 }
 
 void Hand::Press() {
