@@ -1,4 +1,5 @@
 #include "basalt/Exception.h"
+#include "basalt/ProcessStart.h"
 #include "basalt/SystemCalls.h"
 #include "server/DiscoveryResponder.h"
 #include "server/FaultPlan.h"
@@ -12,7 +13,6 @@
 #include "server/http/Listener.h"
 #include "wire/AccessToken.h"
 
-#include <csignal>
 #include <cstdio>
 #include <exception>
 
@@ -67,7 +67,9 @@ void Serve(const ServerOptions& options) {
     FaultPlan faults(options.faults);
 
     boost::asio::io_context io(1);
-    boost::asio::signal_set stopSignals(io, SIGINT, SIGTERM);
+    boost::asio::signal_set stopSignals(io);
+    for (const int signal : StopSignals())
+        stopSignals.add(signal);
     tcp::acceptor acceptor = Bound("TCP", options.address, options.port,
                                    [&] { return tcp::acceptor(io, tcp::endpoint(address, options.port)); });
     const ServerIdentity identity(options.serialNumber, options.model, acceptor.local_endpoint().port());
@@ -125,6 +127,7 @@ int Run(const QStringList& arguments) {
 int main(int count, char* arguments[]) {
     constexpr int kFailed = 1;
     constexpr int kMisused = 2;
+    KeepBytesOfOutput();
     IgnoreBrokenPipes(); // the end of a process that reads the log must not end the server
     const QCoreApplication application(count, arguments);
     try {

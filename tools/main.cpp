@@ -1,3 +1,5 @@
+#include "basalt/ProcessStart.h"
+#include "basalt/SystemCalls.h"
 #include "log/Log.h"
 #include "tools/commandline/CommandLine.h"
 #include "tools/commands/Commands.h"
@@ -26,9 +28,10 @@ Commands AllCommands() {
 } // namespace
 
 int main(int argc, char** argv) {
+    KeepBytesOfOutput();
     Output2FILE::Target() = nullptr; // the commands report the converters' errors themselves
     QStringList arguments;
-    for (int i = 1; i < argc; ++i)
-        arguments.append(QString::fromUtf8(argv[i])); // file names are in UTF-8, as in the editor
+    for (const std::string& word : CommandLineWords(argc, argv))
+        arguments.append(QString::fromStdString(word)); // file names are in UTF-8, as in the editor
     return CommandLine(AllCommands()).Run(arguments);
 }

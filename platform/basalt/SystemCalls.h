@@ -19,6 +19,9 @@ std::size_t RaiseDescriptorLimit(std::size_t wanted);
 /// Makes a write to a closed pipe fail instead of ending the process.
 void IgnoreBrokenPipes();
 
+/// Makes standard output and error write bytes unchanged, so that output is the same on every system.
+void KeepBytesOfOutput();
+
 /// Reserves capacity for `size` bytes that are about to be filled. Large capacities use large pages: with
 /// small ones, providing hundreds of megabytes takes the system as long as copying them. No memory is used
 /// before its bytes are written.

@@ -100,16 +100,16 @@ void WindowTest::operate(const std::string& operation) {
 }
 
 void WindowTest::makeBackup(const std::string& backup, const std::map<std::string, std::string>& tracks) {
-    const std::filesystem::path made = folder.Path("being made");
-    const std::filesystem::path trackFolder = made / "workspace/vdk/ContourPath";
-    std::filesystem::create_directories(trackFolder);
-    std::filesystem::create_directories(made / "backup/workspaces");
-    WriteFile(made / "backup/info.json", "{}");
+    const std::string made = folder.Path("being made");
+    const std::string trackFolder = made + "/workspace/vdk/ContourPath";
+    std::filesystem::create_directories(Utf8Path(trackFolder));
+    std::filesystem::create_directories(Utf8Path(made + "/backup/workspaces"));
+    WriteFile(made + "/backup/info.json", "{}");
     for (const auto& [name, content] : tracks)
-        WriteFile(trackFolder / name, content);
-    TarCompress(made / "workspace", made / "backup/workspaces/Workspace.osws", bAlloc_Application());
-    TarCompress(made / "backup", backup, bAlloc_Application());
-    std::filesystem::remove_all(made);
+        WriteFile(trackFolder + "/" + name, content);
+    TarCompress(made + "/workspace", made + "/backup/workspaces/Workspace.osws", bAlloc_Application());
+    TarCompress(made + "/backup", backup, bAlloc_Application());
+    std::filesystem::remove_all(Utf8Path(made));
 }
 
 void WindowTest::loadBackup(const std::string& backup) {

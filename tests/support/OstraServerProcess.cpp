@@ -1,26 +1,28 @@
 #include "OstraServerProcess.h"
 
-#include <csignal>
+#include "TemporaryFolder.h"
+
+#include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <random>
 #include <stdexcept>
 #include <thread>
 
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
+namespace fs = std::filesystem;
 
 namespace {
 
 /// A new empty file outside every test's folders.
 std::string NewFile() {
-    std::string path = "/tmp/ostra-server-XXXXXX";
-    const int file = mkstemp(path.data());
-    if (file < 0)
-        throw std::runtime_error("cannot make a file in /tmp");
-    close(file);
-    return path;
+    std::random_device random;
+    const fs::path path =
+        fs::temp_directory_path() / ("ostra-server-" + std::to_string(random()) + std::to_string(random()));
+    if (!std::ofstream(path))
+        throw std::runtime_error("cannot make a file for the server's output");
+    const std::u8string text = path.generic_u8string();
+    return {text.begin(), text.end()};
 }
 
 } // namespace
@@ -34,11 +36,13 @@ OstraServerProcess::OstraServerProcess(const std::string& workspace, std::vector
 
 OstraServerProcess::~OstraServerProcess() {
     Kill();
-    unlink(output.c_str());
+    std::error_code ignored;
+    fs::remove(Utf8Path(output), ignored);
 }
 
 std::string OstraServerProcess::Program() {
-    return OSTRA_SERVER_PROGRAM;
+    const char* const other = std::getenv("CORVANE_SERVER_PROGRAM");
+    return other != nullptr ? other : OSTRA_SERVER_PROGRAM;
 }
 
 std::string OstraServerProcess::DiscoveryAddress() const {
@@ -46,20 +50,7 @@ std::string OstraServerProcess::DiscoveryAddress() const {
 }
 
 void OstraServerProcess::Start() {
-    std::vector<char*> words;
-    for (std::string& word : command)
-        words.push_back(word.data());
-    words.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(), O_WRONLY | O_APPEND, 0600);
-    posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
-    const int failure = posix_spawn(&pid, command.front().c_str(), &actions, nullptr, words.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    if (failure != 0) {
-        pid = -1;
-        throw std::runtime_error("cannot start " + command.front());
-    }
+    process = ChildProcess(command, output);
     AwaitPorts();
 }
 
@@ -67,10 +58,7 @@ void OstraServerProcess::AwaitPorts() {
     constexpr std::chrono::seconds kPatience{60};
     const auto end = std::chrono::steady_clock::now() + kPatience;
     while (AnnouncedPort("discovery ") == 0) {
-        const bool ended = waitpid(pid, nullptr, WNOHANG) == pid;
-        if (ended)
-            pid = -1;
-        if (ended || std::chrono::steady_clock::now() > end) {
+        if (process.HasEnded() || std::chrono::steady_clock::now() > end) {
             Kill();
             std::string said;
             for (const std::string& line : Lines())
@@ -91,36 +79,25 @@ std::uint16_t OstraServerProcess::AnnouncedPort(const std::string& what) const {
     return 0;
 }
 
-int OstraServerProcess::Await() {
-    if (pid < 0)
-        return -1;
-    int status = 0;
-    waitpid(pid, &status, 0);
-    pid = -1;
-    constexpr int kSignalled = 128;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : kSignalled + WTERMSIG(status);
-}
-
 int OstraServerProcess::Stop() {
-    if (pid > 0)
-        kill(pid, SIGTERM);
-    return Await();
+    process.AskToStop();
+    return process.Await();
 }
 
 void OstraServerProcess::Kill() {
-    if (pid > 0)
-        kill(pid, SIGKILL);
-    Await();
+    process.Kill();
 }
 
 void OstraServerProcess::Restart() {
-    if (truncate(output.c_str(), 0) != 0)
+    std::error_code failure;
+    fs::resize_file(Utf8Path(output), 0, failure);
+    if (failure)
         throw std::runtime_error("cannot empty " + output);
     Start();
 }
 
 std::vector<std::string> OstraServerProcess::Lines() const {
-    std::ifstream file(output);
+    std::ifstream file(Utf8Path(output));
     std::vector<std::string> lines;
     // A line still being written has no end yet and is read the next time.
     for (std::string line; std::getline(file, line) && !file.eof();)

@@ -1,11 +1,10 @@
 #pragma once
 
-#include <chrono>
+#include "ChildProcess.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
-
-#include <sys/types.h>
 
 /// The real ostra-server, running in a separate process on loopback with ports that the system picked.
 class OstraServerProcess {
@@ -24,9 +23,9 @@ class OstraServerProcess {
     [[nodiscard]] std::uint16_t DiscoveryPort() const { return discoveryPort; }
     /// "127.0.0.1:port", a value for the environment variable OSTRA_DISCOVERY.
     [[nodiscard]] std::string DiscoveryAddress() const;
-    [[nodiscard]] pid_t Pid() const { return pid; }
+    [[nodiscard]] pid_t Pid() const { return process.Pid(); }
 
-    /// Asks the server to stop (SIGTERM) and waits. @return its exit code; 128 + the signal that ended it
+    /// Asks the server to stop and waits. @return as ChildProcess::Await
     int Stop();
     /// Kills the server in the middle of its work, and waits.
     void Kill();
@@ -40,19 +39,19 @@ class OstraServerProcess {
     /// The same without sizes and statuses: "verb path".
     [[nodiscard]] std::vector<std::string> Calls() const;
 
-    /// The path of the program.
+    /// The path of the program: the one that was built, or the one that the variable CORVANE_SERVER_PROGRAM
+    /// names.
     static std::string Program();
 
   private:
     void Start();
     void AwaitPorts();
-    int Await();
     [[nodiscard]] std::uint16_t AnnouncedPort(const std::string& what) const;
     [[nodiscard]] std::vector<std::string> Lines() const;
 
     std::vector<std::string> command;
     std::string output; ///< the file that standard output and error go to
-    pid_t pid = -1;
+    ChildProcess process;
     std::uint16_t controlPort = 0;
     std::uint16_t discoveryPort = 0;
 };

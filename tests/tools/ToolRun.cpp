@@ -3,6 +3,7 @@
 #include <QJsonDocument>
 #include <QProcess>
 
+#include <cstdlib>
 #include <sstream>
 
 std::vector<std::string> ToolResult::Lines() const {
@@ -21,7 +22,8 @@ std::vector<QJsonObject> ToolResult::Objects() const {
 }
 
 std::string ToolProgram() {
-    return CORVANE_TRACK_PROGRAM;
+    const char* const other = std::getenv("CORVANE_TRACK_PROGRAM");
+    return other != nullptr ? other : CORVANE_TRACK_PROGRAM;
 }
 
 ToolResult RunTrackTool(const std::vector<std::string>& words) {

@@ -39,6 +39,8 @@ Desktop::Desktop(std::string name) : name(std::move(name)) {
 }
 
 void Desktop::Prepare() const {
+    // Dialogs that a system brings with it have no widgets to look for.
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     if (IsScale(name))
         qputenv("QT_SCALE_FACTOR", QByteArray::number(std::stoi(name) / 100.0));

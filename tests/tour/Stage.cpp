@@ -25,8 +25,12 @@ void Stage::Open() const {
     Look([&] {
         window.move(20, 20);
         window.show();
-        window.activateWindow();
     });
+    Activate();
+}
+
+void Stage::Activate() const {
+    Look([&] { window.activateWindow(); });
     WaitUntil([&] { return window.isActiveWindow() && window.windowHandle()->isExposed(); },
               "the window is open");
 }

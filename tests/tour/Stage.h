@@ -23,6 +23,9 @@ class Stage {
     /// Shows the window and gives it the keyboard focus, since there may be no window manager.
     void Open() const;
 
+    /// Gives the window the keyboard focus again, which an open list may have taken.
+    void Activate() const;
+
     /// Runs a function on the GUI thread, also while a dialog is open, and waits for its result.
     void Look(const std::function<void()>& look) const;
 

@@ -65,7 +65,7 @@ std::string FirstTrackIn(const std::string& folder) {
 void UnpackWithTar(const std::string& archive, const std::string& folder) {
     std::filesystem::remove_all(folder);
     std::filesystem::create_directories(folder);
-    const std::string command = "tar -xf '" + archive + "' -C '" + folder + "'";
+    const std::string command = "tar -xf \"" + archive + "\" -C \"" + folder + "\"";
     Stage::Expect(std::system(command.c_str()) == 0, "tar reads " + archive);
 }
 
@@ -183,6 +183,13 @@ void Tour::Load(const QString& name) {
 }
 
 void Tour::DrawAPath() {
+    // At a fixed scale the canvas has the same size on every desktop, and the drawn points the same
+    // positions.
+    Say("show it at 100 %");
+    stage.Activate();
+    stage.user.ControlKey("1");
+    stage.WaitUntil([this] { return stage.TextOf("label_scale") == QStringLiteral("Scale:100%"); },
+                    "the scale is 100 %");
     // The paths of a loaded track are open until each is closed.
     Say("close what is open, then draw a path of four points");
     const std::size_t before = stage.PathsOnCanvas().size();

@@ -2,27 +2,21 @@
 
 #include "log/Log.h"
 
-#include <cstdlib>
 #include <string_view>
 
-CapturedLog::CapturedLog() : before(Output2FILE::Target()), stream(open_memstream(&text, &size)) {
-    Output2FILE::Target() = stream;
+CapturedLog::CapturedLog() : before(Output2FILE::Target()) {
+    Output2FILE::Target() = stream.File();
 }
 
 CapturedLog::~CapturedLog() {
     Output2FILE::Target() = before;
-    if (stream != nullptr)
-        std::fclose(stream);
-    std::free(text); // NOLINT(cppcoreguidelines-no-malloc): open_memstream's buffer
 }
 
 std::string CapturedLog::FirstError() const {
     constexpr std::string_view kLevel = " ERROR: ";
     constexpr std::string_view kTagEnd = " (EXCEPTION) ";
-    if (stream == nullptr)
-        return {};
-    std::fflush(stream);
-    const std::string_view lines(text, size);
+    const std::string text = stream.Text();
+    const std::string_view lines(text);
     const std::size_t level = lines.find(kLevel);
     if (level == std::string_view::npos)
         return {};

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "basalt/MemoryStream.h"
+
 #include <cstdio>
 #include <string>
 
@@ -17,7 +19,5 @@ class CapturedLog final {
 
   private:
     std::FILE* before;
-    char* text = nullptr;
-    std::size_t size = 0;
-    std::FILE* stream;
+    MemoryStream stream;
 };

@@ -40,6 +40,10 @@ void IgnoreBrokenPipes() {
     std::signal(SIGPIPE, SIG_IGN);
 }
 
+/// They always do here.
+void KeepBytesOfOutput() {
+}
+
 void ReserveInLargePages(std::vector<std::uint8_t>& bytes, std::size_t size) {
     constexpr std::size_t kLarge = std::size_t{8} * 1024 * 1024;
     bytes.reserve(size);

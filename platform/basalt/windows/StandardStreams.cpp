@@ -4,6 +4,9 @@
 
 #include <cerrno>
 
+#include <fcntl.h>
+#include <io.h>
+
 std::FILE* OpenToAppend(const std::string& path) {
     const std::optional<std::wstring> wide = LongPathOf(path);
     if (wide)
@@ -14,4 +17,9 @@ std::FILE* OpenToAppend(const std::string& path) {
 
 /// They are failures here anyway.
 void IgnoreBrokenPipes() {
+}
+
+void KeepBytesOfOutput() {
+    for (std::FILE* const stream : {stdout, stderr})
+        _setmode(_fileno(stream), _O_BINARY);
 }
