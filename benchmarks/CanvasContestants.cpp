@@ -282,10 +282,13 @@ Figures Hover(const Arguments& arguments) {
     QStatusBar bar;
     const ReadOuts readOuts(bar, stage.Canvas());
     stage.Canvas().document().open(std::move(content), file, TrackOrigin::External);
+    const QSize seen = stage.Widget().size().boundedTo(stage.View().size());
+    std::uniform_int_distribution column(0, seen.width() - 1);
+    std::uniform_int_distribution row(0, seen.height() - 1);
     std::mt19937 random(7);
     double longest = 0;
     for (int move = 0; move < kMoves; ++move) {
-        const QPointF place(static_cast<double>(random() % 1200), static_cast<double>(random() % 800));
+        const QPointF place(column(random), row(random));
         const double start = ElapsedSeconds();
         stage.MoveMouse(place, Qt::NoButton);
         longest = std::max(longest, ElapsedSeconds() - start);
