@@ -15,7 +15,7 @@ std::string MakeFolder() {
     const std::u8string place = fs::temp_directory_path().generic_u8string();
     std::random_device random;
     for (int i = 0; i < kTries; ++i) {
-        const std::string path =
+        std::string path =
             std::string(place.begin(), place.end()) + "/corvane bühne " + std::to_string(random());
         std::error_code failure;
         if (!fs::create_directory(Utf8Path(path), failure))
