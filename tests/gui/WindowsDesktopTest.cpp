@@ -138,7 +138,7 @@ TEST_F(WindowsDesktop, NamesOutsideTheCodePageAreOpenedAndSaved) {
     WriteFile(folder.Path(odd), independent::BinaryFile(track));
     loadExternal(folder.Path(odd));
     EXPECT_EQ(status(), "Load successfully.");
-    EXPECT_EQ(text("label_fileName"), odd);
+    EXPECT_EQ(text("label_fileName"), "External - " + odd);
     type("lineEdit_lineLength", "33");
     saveAs(folder.Path("копия " + odd));
     EXPECT_EQ(status(), "Save As successfully.");

@@ -346,6 +346,7 @@ int UpdatePathTo(const std::string& original, const std::string& target, const s
         [&out](std::span<const std::int16_t> samples) { out.Write(samples.data(), samples.size_bytes()); });
     CopyAnchor(bytes, out);
     WriteBinaryPathBlocks(out, paths, transform);
+    bytes.Close(); // it may be the target
     return CommitTarget(file, target);
 }
 

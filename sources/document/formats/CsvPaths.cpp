@@ -169,6 +169,7 @@ int WriteCsvPaths(const std::string& original, const std::string& target, const 
         return kTargetNotWritable;
     if (!CopyUpToRulers(lines, file))
         file.Write("Anchor\nX,Y,Angle\n0,0,0\nEnd\n\n");
+    lines.Close(); // it may be the target
     PathSections sections(file, transform);
     sections.WriteRulerSection(paths);
     sections.WriteSegmentSection(paths, kSignificantDigits);

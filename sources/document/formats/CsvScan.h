@@ -41,6 +41,9 @@ class TextLines {
     /// @throws std::runtime_error when the file cannot be read on
     [[nodiscard]] bool Next(std::string_view& line);
 
+    /// Closes the file, so that it can be replaced on every system. Nothing is read afterwards.
+    void Close() { file = InputFile(); }
+
   private:
     bool Refill();
     std::string_view TakeLine(std::size_t length, std::size_t lineEnd);

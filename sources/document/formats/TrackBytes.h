@@ -42,6 +42,9 @@ class TrackByteReader {
     /// Skips bytes. @throws std::runtime_error when there are fewer, or `count` is negative.
     void Skip(std::int64_t count);
 
+    /// Closes the file, so that it can be replaced on every system. Nothing is read afterwards.
+    void Close() { file = InputFile(); }
+
   private:
     void RequireRemaining(std::int64_t count) const;
     std::size_t TakeBuffered(char* to, std::size_t count);
