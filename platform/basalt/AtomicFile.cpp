@@ -44,7 +44,7 @@ AtomicFile::AtomicFile(const std::string& path, std::size_t bufferSize, std::pmr
 }
 
 void AtomicFile::Open(bool exists) {
-    buffer.reserve(bufferSize); // before the file exists, which a lack of memory would leave behind
+    buffer.reserve(bufferSize); // before the file is created, so that a lack of memory leaves no file
     folder = FolderHandle(FolderOf(target), FolderHandle::Links::Followed);
     // A file that replaces another is private until it has the other's permissions.
     file.emplace(folder, exists ? 0600U : 0666U);

@@ -76,8 +76,8 @@ bool FileOwnership::GiveTo(const std::string& path) const {
 }
 
 bool MayWrite(const std::string& path) {
-    // Opening asks for the list of rights, and for another program that holds the file. The mark is asked for
-    // by itself: an administrator's right to restore files goes over it.
+    // Opening the file checks the access list, and whether another program holds it. The read-only attribute
+    // is checked separately: an administrator's right to restore files overrides it.
     const FileDescriptor file(NumberOf(OpenAt(path, GENERIC_WRITE, 0)));
     FileFacts facts;
     return file.IsOpen() && AskHandle(HandleOf(file.Number()), &facts) && (facts.permissions & kWriting) != 0;

@@ -2,7 +2,7 @@
 
 #include "basalt/windows/WideText.h"
 
-// The locale has no part in it: libarchive is told the character set of the archive and given wide names.
+// Independent of the locale: libarchive is given the character set of the archive, and wide names.
 
 namespace {
 
