@@ -25,14 +25,6 @@ bOwned<bFile> OpenOver(bFile::Source source, std::uint64_t size) {
     return bOwned<bFile>(file);
 }
 
-/// The name without empty parts and ".".
-std::string PlainName(const std::string& name) {
-    std::string plain;
-    for (const std::string& part : TarNameParts(name))
-        plain += (plain.empty() ? "" : "/") + part;
-    return plain;
-}
-
 /// Whether the archive caused a failure: its names may not be valid in the file system.
 bool IsCausedByArchive(const std::error_code& cause) {
     for (const std::errc nameError :
@@ -128,7 +120,7 @@ void RestoredBackup::ReadEntries(OstraSdk::ByteString& bytes) {
         if (bTar_LinkTarget(tar) != nullptr)
             Refuse("The archive holds links or special files.");
         if (kind == bTar_FILE)
-            ReadEntry(PlainName(name.data()), size);
+            ReadEntry(PlainTarName(name.data()), size);
     }
     if (status != bERROR_END)
         Refuse("The archive is damaged.");

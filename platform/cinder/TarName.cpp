@@ -35,6 +35,13 @@ std::vector<std::string> TarNameParts(std::string_view name) {
     return Split(name, "/");
 }
 
+std::string PlainTarName(std::string_view name) {
+    std::string plain;
+    for (const std::string& part : TarNameParts(name))
+        plain += (plain.empty() ? "" : "/") + part;
+    return plain;
+}
+
 std::string PrintableTarName(std::string_view name) {
     std::string printable(name);
     std::replace_if(

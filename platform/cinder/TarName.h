@@ -17,6 +17,9 @@ bool IsConfinedTarName(std::string_view name);
 /// The parts of a name between its slashes, without empty ones and ".".
 std::vector<std::string> TarNameParts(std::string_view name);
 
+/// The name by which entries are compared: its parts with a single slash between them.
+std::string PlainTarName(std::string_view name);
+
 /// A name fit for a message on one line: control characters become "?".
 std::string PrintableTarName(std::string_view name);
 

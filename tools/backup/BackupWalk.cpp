@@ -9,13 +9,6 @@
 
 namespace {
 
-std::string PlainName(const std::string& name) {
-    std::string plain;
-    for (const std::string& part : TarNameParts(name))
-        plain += (plain.empty() ? "" : "/") + part;
-    return plain;
-}
-
 std::string ReasonFor(bStatus status) {
     switch (status) {
     case bERROR_FORMAT:
@@ -52,7 +45,7 @@ class Walk {
         std::int64_t size = 0;
         bStatus status = bOK;
         while ((status = bTar_BeginRead(tar.get(), name.data(), name.size(), &kind, &size)) == bOK) {
-            const std::string plain = PlainName(name.data());
+            const std::string plain = PlainTarName(name.data());
             last = PrintableTarName(plain);
             Take({isWorkspace, plain, kind != bTar_FILE, size, bTar_Facts(tar.get()).permissions,
                   IsConfinedTarName(name.data()) && !plain.empty(), Original(plain)});
@@ -70,7 +63,7 @@ class Walk {
         const char* const target = bTar_LinkTarget(tar.get());
         if (target == nullptr)
             return {};
-        const std::string plain = PlainName(target);
+        const std::string plain = PlainTarName(target);
         const auto link = links.find(plain);
         return links[entry] = link == links.end() ? plain : link->second;
     }

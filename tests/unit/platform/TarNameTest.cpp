@@ -44,6 +44,13 @@ TEST(TarName, hasPartsWithoutEmptyOnesAndDots) {
     EXPECT_THAT(TarNameParts(""), IsEmpty());
 }
 
+TEST(TarName, isComparedWithoutEmptyPartsAndDots) {
+    EXPECT_EQ(PlainTarName("workspaces/Workspace.osws"), "workspaces/Workspace.osws");
+    EXPECT_EQ(PlainTarName("./workspaces//./Workspace.osws/"), "workspaces/Workspace.osws");
+    EXPECT_EQ(PlainTarName("a\\b"), "a\\b");
+    EXPECT_EQ(PlainTarName("./"), "");
+}
+
 TEST(TarName, showsControlCharactersInMessagesAsQuestionMarks) {
     EXPECT_EQ(PrintableTarName("\x01\x1F \x7E\x7F\x80"), "?? ~?\x80");
     EXPECT_EQ(PrintableTarName("a\nb\x1b[2J\x7f\tö"), "a?b?[2J??ö");
