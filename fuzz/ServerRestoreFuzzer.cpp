@@ -20,16 +20,16 @@ std::string Big(std::uint64_t number) {
     return bytes;
 }
 
-std::string Request(const std::string& path, const std::string& body) {
+std::string RequestTo(const std::string& path, const std::string& body) {
     return "POST " + path + " HTTP/1.1\r\nHost: x\r\nContent-Type: application/cbor\r\nContent-Length: " +
            std::to_string(body.size()) + "\r\n\r\n" + body;
 }
 
 std::string RestoreRequest(const std::string& archive) {
-    return Request("/system/commands/restore", "\xa2" + std::string(kContents) +
-                                                   "\x64"
-                                                   "data\x5b" +
-                                                   Big(archive.size()) + archive);
+    return RequestTo("/system/commands/restore", "\xa2" + std::string(kContents) +
+                                                     "\x64"
+                                                     "data\x5b" +
+                                                     Big(archive.size()) + archive);
 }
 
 /// A backup around a workspace archive.
@@ -41,7 +41,7 @@ std::string Backup(const std::string& workspace) {
 /// Checks that the server's backup holds the workspace that it serves.
 void CheckBackup(FuzzedServer& server, const Tree& served) {
     constexpr std::size_t kDataHeaderSize = 15;
-    const auto replies = server.Talk(Request("/system/commands/archive", "\xa1" + std::string(kContents)));
+    const auto replies = server.Talk(RequestTo("/system/commands/archive", "\xa1" + std::string(kContents)));
     Check(replies.size() == 1 && replies[0].status == 200, "a restored workspace can be backed up");
     Store("check.osbak", replies[0].body.substr(kDataHeaderSize));
     try {

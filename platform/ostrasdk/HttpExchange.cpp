@@ -37,7 +37,7 @@ http::verb BeastVerb(HttpVerb verb) {
     }
 }
 
-asio::ip::tcp::endpoint Endpoint(const HttpRequest& request) {
+asio::ip::tcp::endpoint EndpointOf(const HttpRequest& request) {
     return {asio::ip::address_v4(request.address.octets), static_cast<std::uint16_t>(request.port)};
 }
 
@@ -51,7 +51,7 @@ std::string DigestOf(const WireBody& body) {
 
 std::string Head(const HttpRequest& request, const WireBody& body) {
     std::ostringstream host;
-    host << Endpoint(request);
+    host << EndpointOf(request);
     http::request<http::empty_body> head(BeastVerb(request.verb), request.path, 11);
     head.set(http::field::host, host.str());
     head.set(http::field::connection, "close");
@@ -113,7 +113,7 @@ void HttpExchange::Connect(Clock::time_point end) {
         return std::chrono::duration_cast<std::chrono::microseconds>(end - Clock::now());
     };
     stream.ExpireAfter(std::min<std::chrono::microseconds>(left(), kConnectTimeout));
-    const TimedStream::Error failure = stream.Connect(context, Endpoint(request));
+    const TimedStream::Error failure = stream.Connect(context, EndpointOf(request));
     if (failure == asio::error::timed_out)
         throw Ve::Exception(__LINE__, __FILE__, bERROR_TIMEOUT, kFunction,
                             "The server could not be reached in time.");

@@ -17,10 +17,10 @@ namespace {
 constexpr int kNoBackupFileLine = 853;
 constexpr int kNotConnectedLine = 867;
 
-constexpr const char* kSourceFile = "mainwindow";
+constexpr const char* kSourceFailureFile = "mainwindow";
 
 Ve::Exception NothingToUpload(int line, const char* message) {
-    return {line, kSourceFile, bERROR_FILE, "MainWindow::on_toolButton_upload_clicked", "%s", message};
+    return {line, kSourceFailureFile, bERROR_FILE, "MainWindow::on_toolButton_upload_clicked", "%s", message};
 }
 
 /// The strings are translated in the window's context.
@@ -151,7 +151,7 @@ void SourceWorkflow::Unpack() {
 void SourceWorkflow::Connect() {
     const auto chosen = static_cast<std::size_t>(view.chosenSourceIndex());
     if (chosen >= servers.size())
-        throw Ve::Exception(__LINE__, kSourceFile, bERROR_NOT_CONNECTED,
+        throw Ve::Exception(__LINE__, kSourceFailureFile, bERROR_NOT_CONNECTED,
                             "MainWindow::on_pushButton_sensor_clicked", "Please select a sensor server.");
     const WaitCursor waiting;
     client.Connect(servers[chosen].address, servers[chosen].controlPort);

@@ -21,7 +21,7 @@ namespace {
 
 // The line numbers that failures are reported with. They are known from existing reports, and stay when the
 // code around them moves.
-constexpr const char* kSourceFile = "mainwindow";
+constexpr const char* kTrackFailureFile = "mainwindow";
 constexpr int kInfoFailureLine = 489;
 constexpr int kHeightMapFailureLine = 495;
 constexpr int kPathFailureLine = 513;
@@ -34,7 +34,7 @@ constexpr double kMaxHeightStart = -32768.0;
 const QString kTemporaryTrack = QStringLiteral("temp.trk");
 
 Ve::Exception LoadFailure(int line, const char* message) {
-    return {line, kSourceFile, bERROR_TRACK, "MainWindow::LoadTrack", "%s", message};
+    return {line, kTrackFailureFile, bERROR_TRACK, "MainWindow::LoadTrack", "%s", message};
 }
 
 /// Whether two paths lead to one existing file.
@@ -186,7 +186,7 @@ void TrackOperations::SaveInPlace(const QString& track) {
     document.save(track.toStdString(), kTemporaryTrack.toStdString(), document.worldTransform());
     protection.KeepTextOriginal(track.toStdString());
     if (ReplaceAtomically(kTemporaryTrack.toStdString(), track.toStdString()))
-        throw Ve::Exception(__LINE__, kSourceFile, bERROR_TRACK, "MainWindow::SaveTrack",
+        throw Ve::Exception(__LINE__, kTrackFailureFile, bERROR_TRACK, "MainWindow::SaveTrack",
                             "Failed to read the target file.");
 }
 
@@ -196,7 +196,7 @@ bool TrackOperations::Delete() {
     protection.KeepDeleted(path);
     const bStatus status = bFile_Delete(path.c_str());
     if (status != bOK)
-        throw Ve::Exception(kDeleteFailureLine, kSourceFile, status,
+        throw Ve::Exception(kDeleteFailureLine, kTrackFailureFile, status,
                             "MainWindow::on_comboBox_operation_currentIndexChanged", "Failed to delete %s",
                             path.c_str());
     protection.Unsent().Forget(trackFiles.value(chosen).toStdString());

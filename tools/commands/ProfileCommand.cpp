@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int kMaxSide = 8192;
+constexpr int kMaxPlotSide = 8192;
 constexpr QSize kDefaultSize(800, 400);
 
 /// The index of the path with this number.
@@ -61,7 +61,7 @@ ExitCode ProfileCommand::Run(const Arguments& arguments) const {
     const std::int64_t number =
         arguments.Integer("path", 1, std::numeric_limits<std::int32_t>::max()).value_or(1);
     const std::optional<double> step = arguments.Number("step", std::numeric_limits<double>::min(), 1e300);
-    const QSize size = arguments.Size("size", kMaxSide).value_or(kDefaultSize);
+    const QSize size = arguments.Size("size", kMaxPlotSide).value_or(kDefaultSize);
     const std::optional<std::string> target = arguments.Text("output");
     const std::optional<std::string> picture = arguments.Text("plot");
 

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int kMaxSide = 32767;
+constexpr int kMaxPictureSide = 32767;
 constexpr std::int64_t kMaxPixels = std::int64_t{1} << 27; ///< half a gigabyte
 
 QSize ScaledSize(const TrackInfo& info, double scale) {
@@ -26,11 +26,11 @@ QSize FittingSize(const TrackInfo& info, const QSize& frame) {
 
 QSize PictureSize(const TrackInfo& info, const Arguments& arguments) {
     const std::optional<double> percent = arguments.Number("scale", 0.1, 10'000);
-    const std::optional<QSize> frame = arguments.Size("size", kMaxSide);
+    const std::optional<QSize> frame = arguments.Size("size", kMaxPictureSide);
     if (percent && frame)
         throw Failure(ExitCode::Misused, "--scale and --size cannot be combined");
     const QSize size = frame ? FittingSize(info, *frame) : ScaledSize(info, percent.value_or(100) / 100);
-    if (size.width() > kMaxSide || size.height() > kMaxSide ||
+    if (size.width() > kMaxPictureSide || size.height() > kMaxPictureSide ||
         std::int64_t{size.width()} * size.height() > kMaxPixels)
         throw Failure(ExitCode::Misused, "a picture of " + std::to_string(size.width()) + " x " +
                                              std::to_string(size.height()) +

@@ -21,9 +21,9 @@ constexpr std::array<std::string_view, kColumns> kNames = {
     "Track", "Segment", "X", "Y", "RelativeX", "RelativeY", "Method", "Length", "Width", "Space"};
 
 /// Reads one file.
-class Reader {
+class CsvPathsReader {
   public:
-    Reader(const std::string& file, const WorldTransform& world, Coordinates coordinates)
+    CsvPathsReader(const std::string& file, const WorldTransform& world, Coordinates coordinates)
         : file(file), world(world), coordinates(coordinates), lines(file) {}
 
     std::vector<TrackPath> Read() {
@@ -170,5 +170,5 @@ std::string PathsAsCsv(const std::vector<TrackPath>& paths, const WorldTransform
 std::vector<TrackPath> PathsFromCsv(const std::string& file, const WorldTransform& world,
                                     Coordinates coordinates) {
     RequireFile(file);
-    return Reader(file, world, coordinates).Read();
+    return CsvPathsReader(file, world, coordinates).Read();
 }

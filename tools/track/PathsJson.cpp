@@ -58,9 +58,9 @@ QJsonObject FeatureOf(const TrackPath& path, int index, const WorldTransform& wo
 }
 
 /// Reads the features of one file.
-class Reader {
+class JsonPathsReader {
   public:
-    Reader(const std::string& file, const WorldTransform& world) : file(file), world(world) {}
+    JsonPathsReader(const std::string& file, const WorldTransform& world) : file(file), world(world) {}
 
     std::vector<TrackPath> Read() {
         std::vector<TrackPath> paths;
@@ -151,5 +151,5 @@ std::string PathsAsJson(const std::vector<TrackPath>& paths, const WorldTransfor
 
 std::vector<TrackPath> PathsFromJson(const std::string& file, const WorldTransform& world) {
     RequireFile(file);
-    return Reader(file, world).Read();
+    return JsonPathsReader(file, world).Read();
 }
