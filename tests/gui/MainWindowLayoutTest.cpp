@@ -82,14 +82,14 @@ const std::vector<Row> kTree = {
 
 /// One row of the control column: the names of its items from left to right; a spacer is
 /// "<horizontal>" or "<vertical>".
-std::vector<std::string> NamesIn(QLayoutItem* item) {
+std::vector<std::string> WidgetNamesIn(QLayoutItem* item) {
     if (item->widget() != nullptr)
         return {item->widget()->objectName().toStdString()};
     if (item->spacerItem() != nullptr)
         return {item->expandingDirections() == Qt::Horizontal ? "<horizontal>" : "<vertical>"};
     std::vector<std::string> names;
     for (int index = 0; index < item->layout()->count(); ++index)
-        for (const std::string& name : NamesIn(item->layout()->itemAt(index)))
+        for (const std::string& name : WidgetNamesIn(item->layout()->itemAt(index)))
             names.push_back(name);
     return names;
 }
@@ -202,7 +202,7 @@ TEST_F(MainWindowLayout, controlColumnIsInOrder) {
     EXPECT_EQ(column.sizeConstraint(), QLayout::SetDefaultConstraint);
     std::vector<std::vector<std::string>> found;
     for (int index = 0; index < column.count(); ++index)
-        found.push_back(NamesIn(column.itemAt(index)));
+        found.push_back(WidgetNamesIn(column.itemAt(index)));
     EXPECT_EQ(found, expected);
 }
 

@@ -23,13 +23,13 @@ using testing::HasSubstr;
 
 const std::string kOuterName = "workspaces/Workspace.osws";
 
-std::string Track() {
+std::string TrackContent() {
     return BinaryFile(SmallTrack(PathAcross(0, 3, 0.25, 50)));
 }
 
 std::string Workspace(const std::string& more = "") {
     return TarFolder("vdk") + TarFile("vdk/settings.json", "{}") + TarFolder("vdk/ContourPath") +
-           TarFile("vdk/ContourPath/part.trk", Track()) + TarFolder("vdk/empty") + more + TarEnd();
+           TarFile("vdk/ContourPath/part.trk", TrackContent()) + TarFolder("vdk/empty") + more + TarEnd();
 }
 
 std::string Backup(const std::string& workspace, const std::string& more = "") {
@@ -75,7 +75,7 @@ TEST_F(BackupCommands, listsTheEntriesOfTheBackupAndItsWorkspace) {
     const ToolResult result = RunTrackTool({"list", "a.osbak"});
     EXPECT_EQ(result.code, 0) << result.errors;
     const std::string workspace = std::to_string(Workspace().size());
-    const std::string track = std::to_string(Track().size());
+    const std::string track = std::to_string(TrackContent().size());
     const auto right = [](const std::string& size) { return std::string(12 - size.size(), ' ') + size; };
     EXPECT_THAT(result.Lines(),
                 ElementsAre(right("15") + "  info.json", right("") + "  workspaces/",
@@ -139,13 +139,13 @@ TEST_F(BackupCommands, verifyFindsWhatTheEditorCannotUse) {
 }
 
 TEST_F(BackupCommands, verifyReportsErrorsOfTracksWithTheirPlace) {
-    std::string version = Track();
+    std::string version = TrackContent();
     version[8] = 2;
-    EXPECT_THAT(
-        ProblemsOf(Backup(Workspace(
-            TarFile("vdk/ContourPath/old.trk", version) + TarFile("vdk/ContourPath/odd.trk", Track() + "x") +
-            TarFile("vdk/ContourPath/notes.txt", "Info") + TarFile("vdk/elsewhere.trk", "Info")))),
-        ElementsAre("b.osbak: vdk/ContourPath/old.trk: byte 8: version 2, whose layout is unknown"));
+    EXPECT_THAT(ProblemsOf(Backup(Workspace(TarFile("vdk/ContourPath/old.trk", version) +
+                                            TarFile("vdk/ContourPath/odd.trk", TrackContent() + "x") +
+                                            TarFile("vdk/ContourPath/notes.txt", "Info") +
+                                            TarFile("vdk/elsewhere.trk", "Info")))),
+                ElementsAre("b.osbak: vdk/ContourPath/old.trk: byte 8: version 2, whose layout is unknown"));
     EXPECT_THAT(ProblemsOf(Backup(Workspace(TarFile("vdk/ContourPath/text.trk", "YX,1\n")))),
                 testing::Contains("b.osbak: vdk/ContourPath/text.trk: line 2: no section with paths"));
     std::string points = "Segment\nheader\n";
@@ -192,13 +192,13 @@ TEST_F(BackupCommands, verifyAgreesWithTheStrictUnpackingOfHostileWorkspaces) {
 
 TEST_F(BackupCommands, extractsATrackByItsNameAlone) {
     EXPECT_EQ(RunTrackTool({"extract", "a.osbak", "part.trk"}).errors, "");
-    EXPECT_EQ(FileContent("part.trk"), Track());
+    EXPECT_EQ(FileContent("part.trk"), TrackContent());
     EXPECT_EQ(RunTrackTool({"extract", "a.osbak", "part.trk", "-o", "other.trk"}).errors, "");
-    EXPECT_EQ(FileContent("other.trk"), Track());
+    EXPECT_EQ(FileContent("other.trk"), TrackContent());
     fs::create_directory("here");
     EXPECT_EQ(RunTrackTool({"extract", "a.osbak", "part.trk", "vdk/settings.json", "-o", "here"}).errors, "");
     EXPECT_EQ(FolderTree("here"),
-              (std::map<std::string, std::string>{{"part.trk", Track()}, {"settings.json", "{}"}}));
+              (std::map<std::string, std::string>{{"part.trk", TrackContent()}, {"settings.json", "{}"}}));
 }
 
 TEST_F(BackupCommands, extractsEntriesBeforeTheDamage) {
@@ -206,16 +206,17 @@ TEST_F(BackupCommands, extractsEntriesBeforeTheDamage) {
     const ToolResult result = RunTrackTool({"extract", "cut.osbak", "part.trk"});
     EXPECT_EQ(result.code, 0);
     EXPECT_THAT(result.errors, HasSubstr("warning: cut.osbak: "));
-    EXPECT_EQ(FileContent("part.trk"), Track());
+    EXPECT_EQ(FileContent("part.trk"), TrackContent());
 }
 
 TEST_F(BackupCommands, extractsTheCompleteWorkspace) {
     EXPECT_EQ(RunTrackTool({"extract", "a.osbak", "--all", "-o", "new"}).errors, "");
-    EXPECT_EQ(FolderTree("new"), (std::map<std::string, std::string>{{"vdk/", ""},
-                                                                     {"vdk/settings.json", "{}"},
-                                                                     {"vdk/ContourPath/", ""},
-                                                                     {"vdk/ContourPath/part.trk", Track()},
-                                                                     {"vdk/empty/", ""}}));
+    EXPECT_EQ(FolderTree("new"),
+              (std::map<std::string, std::string>{{"vdk/", ""},
+                                                  {"vdk/settings.json", "{}"},
+                                                  {"vdk/ContourPath/", ""},
+                                                  {"vdk/ContourPath/part.trk", TrackContent()},
+                                                  {"vdk/empty/", ""}}));
     EXPECT_THAT(NamesHere(), testing::UnorderedElementsAre("a.osbak", "new"));
 }
 
@@ -270,17 +271,17 @@ TEST_F(BackupCommands, replaceWritesAnotherBackupAndAddsFiles) {
 
 TEST_F(BackupCommands, replaceRefusesATrackThatTheEditorCannotOpen) {
     const std::string before = FileContent("a.osbak");
-    WriteFile("bad.trk", Track().substr(0, 100));
+    WriteFile("bad.trk", TrackContent().substr(0, 100));
     const ToolResult result = RunTrackTool({"replace", "a.osbak", "part.trk", "bad.trk"});
     EXPECT_EQ(result.code, 3);
     EXPECT_THAT(result.errors, HasSubstr("bad.trk: a height map of 40 x 20 cells takes 1600 bytes"));
     EXPECT_EQ(FileContent("a.osbak"), before);
     EXPECT_EQ(RunTrackTool({"replace", "--force", "a.osbak", "part.trk", "bad.trk"}).code, 0);
-    EXPECT_EQ(Unpacked("a.osbak").at("vdk/ContourPath/part.trk"), Track().substr(0, 100));
+    EXPECT_EQ(Unpacked("a.osbak").at("vdk/ContourPath/part.trk"), TrackContent().substr(0, 100));
 }
 
 TEST_F(BackupCommands, replaceLeavesADamagedBackupUnchanged) {
-    WriteFile("new.trk", Track());
+    WriteFile("new.trk", TrackContent());
     const std::string complete = FileContent("a.osbak");
     for (const std::string& content :
          {complete.substr(0, complete.size() - 1024), complete.substr(0, 3000),

@@ -31,7 +31,7 @@ class CheckCommand : public testing::Test {
     TemporaryFolder folder;
 };
 
-Track Sample() {
+Track CheckedTrack() {
     Track track = SmallTrack(PathAcross(0, 3, 0.25, 50));
     track.rulers = {{0, 0, 1, 1, 2, 3, 4, 1, 50}};
     return track;
@@ -39,7 +39,7 @@ Track Sample() {
 
 /// The sample as text with one line, counted from 1, replaced; nothing for an empty one.
 std::string WithLine(int number, const std::string& line) {
-    std::string text = TextFile(Sample());
+    std::string text = TextFile(CheckedTrack());
     std::size_t at = 0;
     for (int i = 1; i < number; ++i)
         at = text.find('\n', at) + 1;
@@ -49,7 +49,7 @@ std::string WithLine(int number, const std::string& line) {
 
 /// The number of the line that starts with this text.
 int LineOf(const std::string& start) {
-    const std::string text = TextFile(Sample());
+    const std::string text = TextFile(CheckedTrack());
     const std::size_t at = text.find("\n" + start) + 1;
     return 1 +
            static_cast<int>(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
@@ -57,7 +57,7 @@ int LineOf(const std::string& start) {
 
 template<typename Number>
 std::string With(std::size_t place, Number number) {
-    std::string content = BinaryFile(Sample());
+    std::string content = BinaryFile(CheckedTrack());
     std::memcpy(content.data() + place, &number, sizeof number);
     return content;
 }
@@ -89,8 +89,8 @@ TEST_F(CheckCommand, findsErrorsInExactlyThoseHostileTracksThatTheEditorRefuses)
 }
 
 TEST_F(CheckCommand, acceptsGoodTracks) {
-    WriteFile("binary.trk", BinaryFile(Sample()));
-    WriteFile("text.trk", TextFile(Sample()));
+    WriteFile("binary.trk", BinaryFile(CheckedTrack()));
+    WriteFile("text.trk", TextFile(CheckedTrack()));
     const std::string samples = std::string(CORVANE_SAMPLES) + "/tracks/";
     const ToolResult result =
         RunTrackTool({"check", "--strict", "binary.trk", "text.trk", TestData("fault.trk"),
@@ -162,7 +162,7 @@ TEST_F(CheckCommand, reportsTheProblemsOfABinaryTrackWithTheirOffsets) {
                                 ": warning: Track 3 neither continues Track 0 nor starts the next: the point "
                                 "is read as one of Track 0",
                             "a.trk: good, with 1 warning"));
-    const std::string complete = BinaryFile(Sample());
+    const std::string complete = BinaryFile(CheckedTrack());
     EXPECT_THAT(LinesOf(complete + "abc"),
                 ElementsAre(at + std::to_string(complete.size()) +
                                 ": warning: 3 bytes after the last block, which are not read",
@@ -172,7 +172,7 @@ TEST_F(CheckCommand, reportsTheProblemsOfABinaryTrackWithTheirOffsets) {
 }
 
 TEST_F(CheckCommand, endsWith1ForWarningsOnlyIfStrict) {
-    WriteFile("a.trk", BinaryFile(Sample()) + "abc");
+    WriteFile("a.trk", BinaryFile(CheckedTrack()) + "abc");
     EXPECT_EQ(RunTrackTool({"check", "a.trk"}).code, 0);
     EXPECT_EQ(RunTrackTool({"check", "--strict", "a.trk"}).code, 1);
 }

@@ -13,13 +13,13 @@ using independent::Track;
 using testing::ElementsAre;
 
 /// 40 x 20 cells of 0.5 x 0.25 from 10, 20 on, with a path of three points.
-Track Sample() {
+Track Original() {
     return SmallTrack(PathAcross(0, 3, 0.25, 50));
 }
 
 class DiffCommand : public testing::Test {
   protected:
-    DiffCommand() { WriteFile("a.trk", BinaryFile(Sample())); }
+    DiffCommand() { WriteFile("a.trk", BinaryFile(Original())); }
 
     /// The lines of a comparison of the sample with another track, which must differ.
     static std::vector<std::string> Differences(const Track& other) {
@@ -33,7 +33,7 @@ class DiffCommand : public testing::Test {
 };
 
 TEST_F(DiffCommand, findsNoDifferenceInEqualTracksOfAnyEncoding) {
-    Track rounded = Sample();
+    Track rounded = Original();
     rounded.rulers = {{0, 0, 0, 1, 2, 3, 4, 1, 5}}; // normally follows from the paths
     rounded.heights[3] = *rounded.heights[3] + 0.2; // a binary track has steps of 0.25
     WriteFile("text.trk", TextFile(rounded));
@@ -41,14 +41,14 @@ TEST_F(DiffCommand, findsNoDifferenceInEqualTracksOfAnyEncoding) {
     EXPECT_EQ(result.output, "no differences\n");
     EXPECT_EQ(result.code, 0);
     EXPECT_EQ(RunTrackTool({"diff", "a.trk", "a.trk"}).code, 0);
-    WriteFile("other.trk", TextFile(Sample()));
+    WriteFile("other.trk", TextFile(Original()));
     EXPECT_THAT(RunTrackTool({"diff", "other.trk", "text.trk"}).Lines(),
                 ElementsAre("heights", "  1 cells differ, by 0.2 at most (row 0, column 3)",
                             "  rows 0 to 0, columns 3 to 3"));
 }
 
 TEST_F(DiffCommand, reportsDifferentInformation) {
-    Track other = Sample();
+    Track other = Original();
     other.xOffset = 11;
     other.anchor[2] = 45;
     for (independent::Segment& point : other.segments)
@@ -59,7 +59,7 @@ TEST_F(DiffCommand, reportsDifferentInformation) {
 }
 
 TEST_F(DiffCommand, reportsDifferentHeights) {
-    Track other = Sample();
+    Track other = Original();
     other.cells[2 * 40 + 5] += 4;
     other.cells[3 * 40 + 9] -= 6;
     other.cells[3 * 40 + 10] += 6; // as large as the one before
@@ -93,7 +93,7 @@ TEST_F(DiffCommand, reportsDifferentPointsAndPaths) {
 }
 
 TEST_F(DiffCommand, toleratesSmallDifferences) {
-    Track other = Sample();
+    Track other = Original();
     other.cells[5] += 2; // 0.5
     other.segments[1].relativeY += 0.5 / 5;
     WriteFile("b.trk", BinaryFile(other));
@@ -103,7 +103,7 @@ TEST_F(DiffCommand, toleratesSmallDifferences) {
 }
 
 TEST_F(DiffCommand, printsJson) {
-    Track other = Sample();
+    Track other = Original();
     other.yResolution = 0.5;
     other.cells[45] += 4;
     other.segments.pop_back();

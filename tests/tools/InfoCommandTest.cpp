@@ -16,7 +16,7 @@ using testing::SizeIs;
 using testing::StartsWith;
 
 /// 40 x 20 cells of 0.5 x 0.25; world heights 0 to 39 + 19 x 0.25. Two paths, one cell without measurement.
-Track Sample() {
+Track DescribedTrack() {
     Track track = SmallTrack(PathAcross(0, 3, 0.25, 50));
     track.anchor = {1.5, -2.25, 30};
     track.cells[7] = independent::kNoMeasurement;
@@ -63,8 +63,8 @@ void ExpectSample(const QJsonObject& info) {
 }
 
 TEST_F(InfoCommand, showsTheContentInBothEncodings) {
-    WriteFile("binary.trk", BinaryFile(Sample()));
-    WriteFile("text.trk", TextFile(Sample()));
+    WriteFile("binary.trk", BinaryFile(DescribedTrack()));
+    WriteFile("text.trk", TextFile(DescribedTrack()));
     const QJsonObject binary = InfoOf("binary.trk");
     ExpectSample(binary);
     EXPECT_EQ(binary.value(QLatin1String("encoding")), QStringLiteral("binary"));
@@ -88,7 +88,7 @@ TEST_F(InfoCommand, agreesWithTheIndependentReaderOnRealTracks) {
 }
 
 TEST_F(InfoCommand, printsReadableText) {
-    WriteFile("a.trk", BinaryFile(Sample()));
+    WriteFile("a.trk", BinaryFile(DescribedTrack()));
     EXPECT_THAT(RunTrackTool({"info", "a.trk"}).Lines(),
                 ElementsAre("a.trk", "  Encoding              binary",
                             "  Height map            40 x 20 cells, 799 measured",
@@ -99,22 +99,22 @@ TEST_F(InfoCommand, printsReadableText) {
 }
 
 TEST_F(InfoCommand, reportsATextTrackWithoutPathSection) {
-    const std::string complete = TextFile(Sample());
+    const std::string complete = TextFile(DescribedTrack());
     WriteFile("a.trk", complete.substr(0, complete.find("Ruler")));
     EXPECT_TRUE(InfoOf("a.trk").value(QLatin1String("paths")).isNull());
     EXPECT_THAT(RunTrackTool({"info", "a.trk"}).output, HasSubstr("no section with paths"));
 }
 
 TEST_F(InfoCommand, showsNoHeightsWithoutMeasurements) {
-    Track track = Sample();
+    Track track = DescribedTrack();
     track.cells.assign(track.cells.size(), independent::kNoMeasurement);
     WriteFile("a.trk", BinaryFile(track));
     EXPECT_TRUE(InfoOf("a.trk").value(QLatin1String("minHeight")).isNull());
 }
 
 TEST_F(InfoCommand, continuesAfterAnUnreadableFile) {
-    WriteFile("good.trk", BinaryFile(Sample()));
-    WriteFile("bad.trk", BinaryFile(Sample()).substr(0, 100));
+    WriteFile("good.trk", BinaryFile(DescribedTrack()));
+    WriteFile("bad.trk", BinaryFile(DescribedTrack()).substr(0, 100));
     const ToolResult result = RunTrackTool({"info", "--json", "bad.trk", "missing.trk", ".", "good.trk"});
     EXPECT_EQ(result.code, 3);
     EXPECT_THAT(result.Objects(), SizeIs(1));
@@ -125,7 +125,7 @@ TEST_F(InfoCommand, continuesAfterAnUnreadableFile) {
 }
 
 TEST_F(InfoCommand, refusesAnUnknownVersion) {
-    std::string content = BinaryFile(Sample());
+    std::string content = BinaryFile(DescribedTrack());
     content[8] = 2;
     WriteFile("a.trk", content);
     const ToolResult result = RunTrackTool({"info", "a.trk"});

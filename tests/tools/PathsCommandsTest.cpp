@@ -22,7 +22,7 @@ using testing::HasSubstr;
 const std::string kHeader = "Track,Segment,X,Y,RelativeX,RelativeY,Method,Length,Width,Space\n";
 
 /// 40 x 20 cells of 0.5 x 0.25 from 10, 20 on; two paths.
-Track Sample() {
+Track TwoPathsTrack() {
     std::vector<Segment> segments = PathAcross(0, 3, 0.25, 50);
     for (const Segment& point : PathAcross(1, 2, 1.0 / 3.0, 70))
         segments.push_back(point);
@@ -34,8 +34,8 @@ Track Sample() {
 class PathsCommands : public testing::Test {
   protected:
     PathsCommands() {
-        WriteFile("binary.trk", BinaryFile(Sample()));
-        WriteFile("text.trk", TextFile(Sample()));
+        WriteFile("binary.trk", BinaryFile(TwoPathsTrack()));
+        WriteFile("text.trk", TextFile(TwoPathsTrack()));
     }
 
     /// Imports a list, which must be refused for this reason and leave the track unchanged.
@@ -89,14 +89,14 @@ TEST_F(PathsCommands, exportsEveryPointWithItsWorldPosition) {
 
 TEST_F(PathsCommands, importsItsOwnExportBitForBit) {
     RunTrackTool({"paths", "export", "binary.trk", "-o", "list.csv"});
-    Track other = Sample();
+    Track other = TwoPathsTrack();
     other.segments = SmallTrack(PathAcross(0, 5, 0.75, 20)).segments;
     WriteFile("other.trk", BinaryFile(other));
     EXPECT_EQ(RunTrackTool({"paths", "import", "other.trk", "list.csv"}).errors, "");
     Track written = ReadTrack("other.trk");
     EXPECT_FALSE(written.rulers.empty());
     written.rulers.clear();
-    Track expected = Sample();
+    Track expected = TwoPathsTrack();
     expected.heights.clear(); // not stored in the binary encoding
     expected.columnPositions.clear();
     expected.rowPositions.clear();
@@ -176,12 +176,12 @@ TEST_F(PathsCommands, exportsALineStringPerPathAsJson) {
 
 TEST_F(PathsCommands, importsItsOwnJsonToTheSamePositions) {
     RunTrackTool({"paths", "export", "binary.trk", "-o", "list.json"});
-    Track blank = Sample();
+    Track blank = TwoPathsTrack();
     blank.segments.clear();
     WriteFile("blank.trk", BinaryFile(blank));
     EXPECT_EQ(RunTrackTool({"paths", "import", "blank.trk", "list.json"}).errors, "");
     const Track written = ReadTrack("blank.trk");
-    const Track expected = Sample();
+    const Track expected = TwoPathsTrack();
     ASSERT_EQ(written.segments.size(), expected.segments.size());
     for (std::size_t i = 0; i < expected.segments.size(); ++i) {
         EXPECT_NEAR(written.segments[i].relativeX, expected.segments[i].relativeX, 1e-15);
@@ -211,19 +211,19 @@ TEST_F(PathsCommands, importRequiresATargetForATextTrack) {
     EXPECT_THAT(unnamed.errors, HasSubstr("would become a binary one"));
     EXPECT_EQ(RunTrackTool({"paths", "import", "text.trk", "list.csv", "-o", "new.trk"}).code, 0);
     EXPECT_EQ(FileContent("text.trk"), before);
-    EXPECT_EQ(ReadTrack("new.trk").cells, Sample().cells);
-    EXPECT_EQ(ReadTrack("new.trk").segments, Sample().segments);
+    EXPECT_EQ(ReadTrack("new.trk").cells, TwoPathsTrack().cells);
+    EXPECT_EQ(ReadTrack("new.trk").segments, TwoPathsTrack().segments);
     EXPECT_EQ(RunTrackTool({"paths", "import", "text.trk", "list.csv", "-o", "text.trk"}).code, 0);
-    EXPECT_EQ(ReadTrack("text.trk").segments, Sample().segments);
+    EXPECT_EQ(ReadTrack("text.trk").segments, TwoPathsTrack().segments);
 }
 
 TEST_F(PathsCommands, importAddsAMissingPathSectionToATextTrack) {
-    const std::string complete = TextFile(Sample());
+    const std::string complete = TextFile(TwoPathsTrack());
     WriteFile("blank.trk", complete.substr(0, complete.find("Ruler")));
     RunTrackTool({"paths", "export", "binary.trk", "-o", "list.csv"});
     EXPECT_EQ(RunTrackTool({"paths", "export", "blank.trk"}).code, 3);
     EXPECT_EQ(RunTrackTool({"paths", "import", "blank.trk", "list.csv", "-o", "new.trk"}).errors, "");
-    EXPECT_EQ(ReadTrack("new.trk").segments, Sample().segments);
+    EXPECT_EQ(ReadTrack("new.trk").segments, TwoPathsTrack().segments);
 }
 
 TEST_F(PathsCommands, importRefusesAmbiguousInput) {
@@ -282,12 +282,12 @@ TEST_F(PathsCommands, importRefusesTooManyRulerMarks) {
 TEST_F(PathsCommands, convertsATextTrackToBinary) {
     EXPECT_EQ(RunTrackTool({"convert", "text.trk", "new.trk"}).errors, "");
     const Track written = ReadTrack("new.trk");
-    EXPECT_EQ(written.cells, Sample().cells);
-    EXPECT_EQ(written.anchor, Sample().anchor);
+    EXPECT_EQ(written.cells, TwoPathsTrack().cells);
+    EXPECT_EQ(written.anchor, TwoPathsTrack().anchor);
     EXPECT_EQ(written.xOffset, 10);
     EXPECT_EQ(written.zResolution, 0.25);
-    ASSERT_EQ(written.segments.size(), Sample().segments.size());
-    EXPECT_EQ(written.segments[0], Sample().segments[0]);
+    ASSERT_EQ(written.segments.size(), TwoPathsTrack().segments.size());
+    EXPECT_EQ(written.segments[0], TwoPathsTrack().segments[0]);
     EXPECT_FALSE(written.rulers.empty());
 }
 
@@ -295,13 +295,13 @@ TEST_F(PathsCommands, convertRefusesContentThatWouldBeLost) {
     const ToolResult binary = RunTrackTool({"convert", "binary.trk", "new.trk"});
     EXPECT_EQ(binary.code, 3);
     EXPECT_EQ(binary.errors, "corvane-track convert: binary.trk: already a binary track\n");
-    Track high = Sample();
+    Track high = TwoPathsTrack();
     high.heights[5] = 1e9;
     WriteFile("high.trk", TextFile(high));
     const ToolResult lost = RunTrackTool({"convert", "high.trk", "new.trk"});
     EXPECT_EQ(lost.code, 3);
     EXPECT_THAT(lost.errors, HasSubstr("row=0 column=5"));
-    const std::string complete = TextFile(Sample());
+    const std::string complete = TextFile(TwoPathsTrack());
     WriteFile("blank.trk", complete.substr(0, complete.find("Ruler")));
     EXPECT_EQ(RunTrackTool({"convert", "blank.trk", "new.trk"}).errors,
               "corvane-track convert: blank.trk: no section with paths\n");

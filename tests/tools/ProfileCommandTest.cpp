@@ -18,7 +18,7 @@ using testing::HasSubstr;
 
 /// 40 x 20 cells of 0.5 x 0.25 from 10, 20 on; heights rise by 1 a column and 0.25 a row. A path goes 4 to
 /// the right along row 5, then 2 down along column 12; another one leaves the map.
-Track Sample() {
+Track ProfiledTrack() {
     const auto at = [](int path, int point, double column, double row) {
         return Segment{path, point, 0, 0, column / 40, row / 20, 1, 1, 1, 1};
     };
@@ -50,8 +50,8 @@ std::vector<Crossing> CurveOf(const QImage& plot) {
 class ProfileCommand : public testing::Test {
   protected:
     ProfileCommand() {
-        WriteFile("a.trk", BinaryFile(Sample()));
-        WriteFile("text.trk", TextFile(Sample()));
+        WriteFile("a.trk", BinaryFile(ProfiledTrack()));
+        WriteFile("text.trk", TextFile(ProfiledTrack()));
     }
 
     TemporaryFolder folder;
@@ -95,7 +95,7 @@ TEST_F(ProfileCommand, givesOneHeightForASinglePoint) {
 }
 
 TEST_F(ProfileCommand, givesUnroundedHeightsOfATextTrack) {
-    Track track = Sample();
+    Track track = ProfiledTrack();
     track.heights[5 * 40 + 4] = 5.37; // not a multiple of the Z resolution
     WriteFile("text.trk", TextFile(track));
     EXPECT_EQ(RunTrackTool({"profile", "text.trk", "--step", "4"}).Lines()[1], "0,12.25,21.375,0,4,5,5.37");
@@ -143,11 +143,11 @@ TEST_F(ProfileCommand, refusesPathsWithoutAProfile) {
     const ToolResult step = RunTrackTool({"profile", "a.trk", "--step", "1e-9"});
     EXPECT_EQ(step.code, 2);
     EXPECT_THAT(step.errors, HasSubstr("more than 10 million steps"));
-    Track track = Sample();
+    Track track = ProfiledTrack();
     track.xResolution = 0;
     WriteFile("flat.trk", BinaryFile(track));
     EXPECT_THAT(RunTrackTool({"profile", "flat.trk"}).errors, HasSubstr("choose one with --step"));
-    track = Sample();
+    track = ProfiledTrack();
     track.segments[1].relativeX = 1e308;
     track.segments[2].relativeX = -1e308;
     WriteFile("far.trk", BinaryFile(track));

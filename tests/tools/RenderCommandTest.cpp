@@ -22,7 +22,7 @@ constexpr QRgb kGreen = 0xff00ff00U;
 constexpr QRgb kWhite = 0xffffffffU;
 
 /// 120 x 100 cells whose X resolution is twice the Y resolution, and a path of two points.
-Track Sample() {
+Track RenderedTrack() {
     Track track =
         SmallTrack({{0, 0, 0, 0, 0.25, 0.5, 1, 10, 6, 19}, {0, 1, 0, 0, 0.75, 0.5, 1, 10, 6, 19}}, 120, 100);
     track.cells[3] = independent::kNoMeasurement;
@@ -30,7 +30,7 @@ Track Sample() {
 }
 
 Track SquareSample() {
-    Track track = Sample();
+    Track track = RenderedTrack();
     track.xResolution = track.yResolution;
     return track;
 }
@@ -82,8 +82,9 @@ TEST_F(RenderCommand, showsEachCellInTheColourOfItsHeight) {
 }
 
 TEST_F(RenderCommand, stretchesTheAxisWithTheLargerResolution) {
-    const QImage expected = MapOf(Sample()).scaled(240, 100, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    EXPECT_EQ(CountDifferences(Render(Sample(), {"--no-paths"}), expected), 0);
+    const QImage expected =
+        MapOf(RenderedTrack()).scaled(240, 100, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    EXPECT_EQ(CountDifferences(Render(RenderedTrack(), {"--no-paths"}), expected), 0);
 }
 
 TEST_F(RenderCommand, scalesSmoothly) {
@@ -97,14 +98,14 @@ TEST_F(RenderCommand, scalesSmoothly) {
 }
 
 TEST_F(RenderCommand, fitsIntoASize) {
-    EXPECT_EQ(Render(Sample(), {"--size", "480x480"}).size(), QSize(480, 200));
-    EXPECT_EQ(Render(Sample(), {"--size", "1000x50"}).size(), QSize(120, 50));
-    EXPECT_EQ(Render(Sample(), {"--size", "1x1"}).size(), QSize(1, 1));
+    EXPECT_EQ(Render(RenderedTrack(), {"--size", "480x480"}).size(), QSize(480, 200));
+    EXPECT_EQ(Render(RenderedTrack(), {"--size", "1000x50"}).size(), QSize(120, 50));
+    EXPECT_EQ(Render(RenderedTrack(), {"--size", "1x1"}).size(), QSize(1, 1));
 }
 
 TEST_F(RenderCommand, drawsPathsAsTheCanvasDoes) {
-    const QImage map = Render(Sample(), {"--no-paths"});
-    const QImage picture = Render(Sample(), {"--no-ruler"});
+    const QImage map = Render(RenderedTrack(), {"--no-paths"});
+    const QImage picture = Render(RenderedTrack(), {"--no-ruler"});
     // From 60 to 180 of 240 pixels, at 50 of 100.
     QImage expected = map;
     QPainter painter(&expected);
@@ -118,7 +119,7 @@ TEST_F(RenderCommand, drawsPathsAsTheCanvasDoes) {
 }
 
 TEST_F(RenderCommand, drawsTheBandsOfTheRuler) {
-    const QImage picture = Render(Sample(), {});
+    const QImage picture = Render(RenderedTrack(), {});
     // Ticks at 0, 20, ... 100 of the 120 pixels between the points, with bands of 6 x 10 pixels around them.
     for (int x = 60; x < 180; x += 20) {
         for (const int side : {-3, 3})
@@ -131,8 +132,8 @@ TEST_F(RenderCommand, drawsTheBandsOfTheRuler) {
 }
 
 TEST_F(RenderCommand, showsATextTrackLikeABinaryOne) {
-    const QImage binary = Render(Sample(), {});
-    Track text = Sample();
+    const QImage binary = Render(RenderedTrack(), {});
+    Track text = RenderedTrack();
     text.heights[3].reset();
     WriteFile("b.trk", TextFile(text));
     EXPECT_EQ(RunTrackTool({"render", "b.trk", "b.png"}).code, 0);
@@ -141,7 +142,7 @@ TEST_F(RenderCommand, showsATextTrackLikeABinaryOne) {
 }
 
 TEST_F(RenderCommand, refusesAPictureThatIsTooLarge) {
-    WriteFile("a.trk", BinaryFile(Sample()));
+    WriteFile("a.trk", BinaryFile(RenderedTrack()));
     const ToolResult wide = RunTrackTool({"render", "a.trk", "a.png", "--scale", "10000"});
     EXPECT_EQ(wide.code, 2);
     EXPECT_THAT(wide.errors, HasSubstr("a picture of 24000 x 10000 pixels"));
@@ -153,12 +154,12 @@ TEST_F(RenderCommand, refusesAPictureThatIsTooLarge) {
 }
 
 TEST_F(RenderCommand, reportsUnreadableAndUnwritableFiles) {
-    Track flat = Sample();
+    Track flat = RenderedTrack();
     flat.cells.assign(flat.cells.size(), 7);
     WriteFile("flat.trk", BinaryFile(flat));
     EXPECT_EQ(RunTrackTool({"render", "flat.trk", "a.png"}).errors,
               "corvane-track render: flat.trk: Invalid depth range for pixel retrieval from CSV\n");
-    WriteFile("a.trk", BinaryFile(Sample()));
+    WriteFile("a.trk", BinaryFile(RenderedTrack()));
     const ToolResult result = RunTrackTool({"render", "a.trk", "missing/a.png"});
     EXPECT_EQ(result.code, 4);
     EXPECT_EQ(result.errors, "corvane-track render: missing/a.png: No such file or directory\n");

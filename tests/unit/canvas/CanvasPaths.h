@@ -5,6 +5,9 @@
 
 #include <vector>
 
+/// The canvas of the editor's tests.
+inline const CanvasScale kScale{QSize(400, 300)};
+
 /// A path through points given in canvas pixels.
 inline TrackPath PathOf(const CanvasScale& scale, const std::vector<QPointF>& pixels) {
     TrackPath path;

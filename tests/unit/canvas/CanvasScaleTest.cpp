@@ -6,38 +6,38 @@
 
 namespace {
 
-const CanvasScale kScale{QSize(200, 100)};
+const CanvasScale kSmallScale{QSize(200, 100)};
 
 TEST(CanvasScale, normalizesByTheCanvasSize) {
-    const QPointF point = kScale.toNormalized({50.0, 25.0});
+    const QPointF point = kSmallScale.toNormalized({50.0, 25.0});
     EXPECT_EQ(point.x(), 0.25);
     EXPECT_EQ(point.y(), 0.25);
 }
 
 TEST(CanvasScale, roundsToTheNearestPixel) {
-    EXPECT_EQ(kScale.toWidgetPixels({0.502, 0.494}), QPoint(100, 49));
+    EXPECT_EQ(kSmallScale.toWidgetPixels({0.502, 0.494}), QPoint(100, 49));
 }
 
 TEST(CanvasScale, roundsHalvesUpwards) {
-    EXPECT_EQ(kScale.toWidgetPixels({0.5 / 200.0, 1.5 / 100.0}), QPoint(1, 2));
+    EXPECT_EQ(kSmallScale.toWidgetPixels({0.5 / 200.0, 1.5 / 100.0}), QPoint(1, 2));
 }
 
 TEST(CanvasScale, roundsNegativeHalvesUpwardsToo) {
-    EXPECT_EQ(kScale.toWidgetPixels({-0.5 / 200.0, -1.5 / 100.0}), QPoint(0, -1));
+    EXPECT_EQ(kSmallScale.toWidgetPixels({-0.5 / 200.0, -1.5 / 100.0}), QPoint(0, -1));
 }
 
 TEST(CanvasScale, acceptsNanAndInfinity) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double huge = std::numeric_limits<double>::infinity();
-    EXPECT_EQ(kScale.toWidgetPixels({nan, nan}), QPoint(0, 0));
-    EXPECT_GT(kScale.toWidgetPixels({huge, 1e300}).x(), 1 << 24);
-    EXPECT_LT(kScale.toWidgetPixels({0.0, -huge}).y(), -(1 << 24));
+    EXPECT_EQ(kSmallScale.toWidgetPixels({nan, nan}), QPoint(0, 0));
+    EXPECT_GT(kSmallScale.toWidgetPixels({huge, 1e300}).x(), 1 << 24);
+    EXPECT_LT(kSmallScale.toWidgetPixels({0.0, -huge}).y(), -(1 << 24));
 }
 
 TEST(CanvasScale, keepsPositionsInsideTheMargin) {
-    EXPECT_EQ(kScale.ClampToMargin({50.0, 50.0}), QPointF(50.0, 50.0));
-    EXPECT_EQ(kScale.ClampToMargin({9.0, -3.0}), QPointF(10.0, 10.0));
-    EXPECT_EQ(kScale.ClampToMargin({191.0, 500.0}), QPointF(190.0, 90.0));
+    EXPECT_EQ(kSmallScale.ClampToMargin({50.0, 50.0}), QPointF(50.0, 50.0));
+    EXPECT_EQ(kSmallScale.ClampToMargin({9.0, -3.0}), QPointF(10.0, 10.0));
+    EXPECT_EQ(kSmallScale.ClampToMargin({191.0, 500.0}), QPointF(190.0, 90.0));
 }
 
 TEST(CanvasScale, lowerBoundWinsOnACanvasTooSmallForBoth) {

@@ -1,10 +1,10 @@
 #include "canvas/PathEditor.h"
 
+#include "CanvasPaths.h"
+
 #include <gtest/gtest.h>
 
 namespace {
-
-const CanvasScale kScale{QSize(400, 300)};
 
 class PathEditorTest : public ::testing::Test {
   protected:

@@ -1,10 +1,11 @@
 #include "canvas/PathEditor.h"
 
+#include "CanvasPaths.h"
+
 #include <gtest/gtest.h>
 
 namespace {
 
-const CanvasScale kScale{QSize(400, 300)};
 const QSize kImage{400, 300}; // shown at 100 %
 
 /// Two closed paths, of three and of two points, edited without the mouse.

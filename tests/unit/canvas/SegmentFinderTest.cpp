@@ -6,19 +6,20 @@
 
 namespace {
 
-const CanvasScale kScale{QSize(400, 200)};
+const CanvasScale kWideScale{QSize(400, 200)};
 
 TEST(SegmentFinder, findsNothingWhereThereIsNoSegment) {
-    EXPECT_FALSE(FindSegment({}, kScale, {10, 10}));
-    EXPECT_FALSE(FindSegment({PathOf(kScale, {{10, 10}})}, kScale, {10, 10}));
-    EXPECT_FALSE(FindSegment({PathOf(kScale, {{10, 10}, {100, 10}}), PathOf(kScale, {{10, 90}, {100, 90}})},
-                             kScale, {50, 50}));
+    EXPECT_FALSE(FindSegment({}, kWideScale, {10, 10}));
+    EXPECT_FALSE(FindSegment({PathOf(kWideScale, {{10, 10}})}, kWideScale, {10, 10}));
+    EXPECT_FALSE(
+        FindSegment({PathOf(kWideScale, {{10, 10}, {100, 10}}), PathOf(kWideScale, {{10, 90}, {100, 90}})},
+                    kWideScale, {50, 50}));
 }
 
 TEST(SegmentFinder, findsThePositionUnderTheCursor) {
     const auto found = FindSegment(
-        {PathOf(kScale, {{300, 10}, {310, 10}}), PathOf(kScale, {{10, 50}, {110, 50}, {110, 150}})}, kScale,
-        {60, 53});
+        {PathOf(kWideScale, {{300, 10}, {310, 10}}), PathOf(kWideScale, {{10, 50}, {110, 50}, {110, 150}})},
+        kWideScale, {60, 53});
     ASSERT_TRUE(found);
     EXPECT_EQ(found->start, (PointIndex{1, 0}));
     EXPECT_DOUBLE_EQ(found->position.x(), 60.0 / 400);
@@ -27,29 +28,29 @@ TEST(SegmentFinder, findsThePositionUnderTheCursor) {
 
 TEST(SegmentFinder, findsTheNearestPositionInPixelsNotInNormalisedUnits) {
     // Along the diagonal of a square of pixels, the foot of the perpendicular from (61, 59) is (60, 60).
-    const auto found = FindSegment({PathOf(kScale, {{10, 10}, {110, 110}})}, kScale, {61, 59});
+    const auto found = FindSegment({PathOf(kWideScale, {{10, 10}, {110, 110}})}, kWideScale, {61, 59});
     ASSERT_TRUE(found);
     EXPECT_DOUBLE_EQ(found->position.x(), 60.0 / 400);
     EXPECT_DOUBLE_EQ(found->position.y(), 60.0 / 200);
 }
 
 TEST(SegmentFinder, doesNotFindASegmentFivePixelsAway) {
-    const std::vector<TrackPath> paths{PathOf(kScale, {{10, 50}, {110, 50}})};
-    EXPECT_FALSE(FindSegment(paths, kScale, {60, 55}));
-    EXPECT_TRUE(FindSegment(paths, kScale, {60, 54.9}));
-    EXPECT_FALSE(FindSegment(paths, kScale, {116, 50})) << "beyond its end";
+    const std::vector<TrackPath> paths{PathOf(kWideScale, {{10, 50}, {110, 50}})};
+    EXPECT_FALSE(FindSegment(paths, kWideScale, {60, 55}));
+    EXPECT_TRUE(FindSegment(paths, kWideScale, {60, 54.9}));
+    EXPECT_FALSE(FindSegment(paths, kWideScale, {116, 50})) << "beyond its end";
 }
 
 TEST(SegmentFinder, findsTheNearestOfSeveral) {
-    const std::vector<TrackPath> paths{PathOf(kScale, {{10, 50}, {110, 50}, {110, 54}, {10, 54}})};
-    EXPECT_EQ(FindSegment(paths, kScale, {60, 53})->start, (PointIndex{0, 2}));
-    EXPECT_EQ(FindSegment(paths, kScale, {60, 51})->start, (PointIndex{0, 0}));
+    const std::vector<TrackPath> paths{PathOf(kWideScale, {{10, 50}, {110, 50}, {110, 54}, {10, 54}})};
+    EXPECT_EQ(FindSegment(paths, kWideScale, {60, 53})->start, (PointIndex{0, 2}));
+    EXPECT_EQ(FindSegment(paths, kWideScale, {60, 51})->start, (PointIndex{0, 0}));
 }
 
 TEST(SegmentFinder, segmentWithoutLengthIsItsPoint) {
-    const auto found = FindSegment({PathOf(kScale, {{10, 50}, {10, 50}})}, kScale, {12, 50});
+    const auto found = FindSegment({PathOf(kWideScale, {{10, 50}, {10, 50}})}, kWideScale, {12, 50});
     ASSERT_TRUE(found);
-    EXPECT_EQ(found->position, kScale.toNormalized({10, 50}));
+    EXPECT_EQ(found->position, kWideScale.toNormalized({10, 50}));
 }
 
 } // namespace

@@ -7,7 +7,7 @@ namespace {
 /// A map that is 100 world units wide and 50 high.
 const WorldTransform kWorld{1, 7, 9, 100, 50};
 
-TrackPath PathOf(const std::vector<QPointF>& points) {
+TrackPath PathThrough(const std::vector<QPointF>& points) {
     TrackPath path;
     for (const QPointF& point : points)
         path.AppendPoint({.position = point});
@@ -16,7 +16,7 @@ TrackPath PathOf(const std::vector<QPointF>& points) {
 
 TEST(PathLength, isInWorldUnits) {
     // 30 across and 40 down, then 10 up, in world units.
-    const TrackPath path = PathOf({{0.1, 0.1}, {0.4, 0.9}, {0.4, 0.7}});
+    const TrackPath path = PathThrough({{0.1, 0.1}, {0.4, 0.9}, {0.4, 0.7}});
     const auto lengths = LengthsAt(1, path, kWorld);
     ASSERT_TRUE(lengths);
     EXPECT_DOUBLE_EQ(lengths->segment, 50);
@@ -26,11 +26,11 @@ TEST(PathLength, isInWorldUnits) {
 }
 
 TEST(PathLength, isZeroForOnePoint) {
-    EXPECT_FALSE(LengthsAt(0, PathOf({{0.1, 0.1}}), kWorld));
+    EXPECT_FALSE(LengthsAt(0, PathThrough({{0.1, 0.1}}), kWorld));
 }
 
 TEST(PathLength, includesTheSegmentBeingDrawn) {
-    const DrawnLengths lengths = LengthsTo({0.4, 0.9}, PathOf({{0.0, 0.1}, {0.1, 0.1}}), kWorld);
+    const DrawnLengths lengths = LengthsTo({0.4, 0.9}, PathThrough({{0.0, 0.1}, {0.1, 0.1}}), kWorld);
     EXPECT_DOUBLE_EQ(lengths.segment, 50);
     EXPECT_DOUBLE_EQ(lengths.path, 60);
 }

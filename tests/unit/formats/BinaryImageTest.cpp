@@ -21,9 +21,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
 /// The colour of a height in the picture.
 QColor ColourOf(double height, double low, double high) {
     const auto [red, green, blue] = independent::RampColour(height, low, high);

@@ -23,8 +23,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr std::size_t kHeaderSize = 68;
-constexpr int kOriginalNotReadable = 1;
-constexpr int kTargetNotWritable = 2;
 
 /// A track with enough cells for several reads and writes, whose rows do not end at their bounds.
 Track LargeTrack() {

@@ -26,9 +26,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-constexpr int kOriginalNotReadable = 1;
-constexpr int kTargetNotWritable = 2;
-
 const std::string kZeroAnchor = "Anchor\nX,Y,Angle\n0,0,0\nEnd\n\n";
 const std::string kNoPaths =
     "Ruler\nRuler,Track,Segment,X1,Y1,X2,Y2,Method,Width\nEnd\n\n"

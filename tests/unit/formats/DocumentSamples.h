@@ -5,8 +5,12 @@
 #include "document/formats/TrackInfo.h"
 #include "document/formats/TrackPath.h"
 
+#include <limits>
 #include <string>
 #include <vector>
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 /// A small track of 5 x 3 cells, two of them without measurement, with its text side filled in as well; no
 /// paths.

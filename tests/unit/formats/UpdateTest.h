@@ -13,6 +13,9 @@
 template<typename ConverterOfFormat>
 class UpdateTest : public testing::Test {
   protected:
+    static constexpr int kOriginalNotReadable = 1;
+    static constexpr int kTargetNotWritable = 2;
+
     int Update(const std::string& original, const std::string& target, const std::vector<TrackPath>& paths) {
         return UpdateWith(converter, original, target, paths);
     }
