@@ -49,15 +49,20 @@ if(NOT WIN32)
   add_link_options(-Wl,-z,relro -Wl,-z,now)
 endif()
 
-# corvane_module(<target> FOLDER <path> [QT] SOURCES ... [PUBLIC ...] [PRIVATE ...])
+# corvane_module(<target> FOLDER <path> [QT] [REPLACEABLE] SOURCES ... [PUBLIC ...] [PRIVATE ...])
 # A module: a static library with the headers of one folder, which are included with that folder's path
 # ("canvas/qmaskwidget.h"). A module sees the headers of the modules it names, and of those that these
 # name as PUBLIC; any other include does not compile. PUBLIC is for what its own headers include, PRIVATE for all else.
+# Tests replace functions of a REPLACEABLE module when they are linked: each of its sources stays an object, also where
+# others are compiled together.
 function(corvane_module target)
-  cmake_parse_arguments(MODULE "QT" "FOLDER" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+  cmake_parse_arguments(MODULE "QT;REPLACEABLE" "FOLDER" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
   add_library(${target} STATIC ${MODULE_SOURCES})
   corvane_headers(${target} "${MODULE_FOLDER}")
   target_link_libraries(${target} PUBLIC ${MODULE_PUBLIC} PRIVATE ${MODULE_PRIVATE} corvane_settings)
+  if(MODULE_REPLACEABLE)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD OFF)
+  endif()
   if(MODULE_QT)
     set_target_properties(${target} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
   endif()
