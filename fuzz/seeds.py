@@ -150,6 +150,7 @@ def regressions():
     put("discovery_answer", "regression-keys-that-differ-after-a-zero-byte", b'{"a\0b":1,"a\0c":2,' + answer[1:] % b"")
     put("server_request", "regression-last-chunk-in-single-bytes",
         b"POST /system/commands/archive HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n\r\n")
+    put("server_request", "regression-verb-that-begins-with-a-hash", request(b"#PUT /replay/playback"))
 
 
 def main():

@@ -23,7 +23,8 @@ class RequestLog final {
     RequestLog& operator=(const RequestLog&) = delete;
     ~RequestLog();
 
-    /// @param verb,path as the client sent them, made safe by PlainText; "-" where they never arrived
+    /// @param verb,path as the client sent them, made safe by PlainText, a first "#" of the verb likewise;
+    /// "-" where they never arrived
     /// @param bodySize bytes of the body that were read
     void Note(std::string_view verb, std::string_view path, std::uint64_t bodySize, unsigned status);
 

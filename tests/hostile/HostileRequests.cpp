@@ -76,6 +76,7 @@ void AddHeaders(std::vector<HostileRequest>& requests) {
     requests.push_back({"verb-delete", Request("DELETE", kReplay, ""), 405});
     requests.push_back({"verb-in-lower-case", Request("get", kReplay, ""), 405});
     requests.push_back({"verb-of-its-own", Request("FROB", kReplay, ""), 405});
+    requests.push_back({"verb-that-begins-with-a-hash", Request("#PUT", kReplay, ""), 405});
     requests.push_back({"length-negative", Raw("Content-Length: -1\r\n"), 400});
     requests.push_back({"length-of-letters", Raw("Content-Length: ten\r\n"), 400});
     requests.push_back({"length-beyond-64-bits", Raw("Content-Length: 99999999999999999999\r\n"), 400});

@@ -262,6 +262,12 @@ TEST_F(ServerAnswers, logsTwoHundredCharactersOfAPath) {
     EXPECT_EQ(server.Requests().size(), 2U);
 }
 
+TEST_F(ServerAnswers, logsNoRequestAsARemark) {
+    OstraServerProcess server(Served());
+    RawHttp::Request(server.ControlPort(), "#PUT", kReplayPath);
+    EXPECT_THAT(server.Requests(), testing::ElementsAre("?PUT /replay/playback 0 405"));
+}
+
 TEST_F(ServerAnswers, logsToTheNamedFile) {
     const OstraServerProcess server(Served(), {"--log", folder.Path("requests.log")});
     RawHttp::Request(server.ControlPort(), "GET", "/system/info");
