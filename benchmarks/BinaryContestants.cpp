@@ -66,7 +66,7 @@ double RampDifferences(const SampleRamp& ramp, double low, double high) {
     return differences;
 }
 
-std::size_t Cells(const Arguments& arguments) {
+std::size_t CellCount(const Arguments& arguments) {
     const auto side = static_cast<std::size_t>(NumberAt(arguments, 0));
     return side * side;
 }
@@ -74,7 +74,7 @@ std::size_t Cells(const Arguments& arguments) {
 Figures PaintRamp(const Arguments& arguments) {
     const double low = -100.0;
     const double high = 150.0;
-    std::vector<std::int16_t> samples(Cells(arguments));
+    std::vector<std::int16_t> samples(CellCount(arguments));
     std::mt19937 random(4);
     int height = 0;
     for (std::int16_t& sample : samples) {
@@ -90,7 +90,7 @@ Figures PaintRamp(const Arguments& arguments) {
 }
 
 Figures CopyPixels(const Arguments& arguments) {
-    const std::vector<std::uint8_t> source(Cells(arguments) * kPixelSize, 7);
+    const std::vector<std::uint8_t> source(CellCount(arguments) * kPixelSize, 7);
     std::vector<std::uint8_t> target(source.size());
     return {{"seconds", SecondsOf([&] { std::memcpy(target.data(), source.data(), source.size()); })},
             {"last", static_cast<double>(target.back())}};
