@@ -35,5 +35,5 @@ class ChildProcess {
 
   private:
     pid_t pid = -1;
-    std::intptr_t handle = 0; ///< on Windows: keeps the number from being given to another process
+    [[maybe_unused]] std::intptr_t handle = 0; ///< on Windows: keeps the number from being reused
 };
