@@ -43,7 +43,7 @@ TEST_F(BackupFileWorkflows, opensEditsAndSavesABackupFileInPlace) {
 }
 
 TEST_F(BackupFileWorkflows, realStationsBackupIsOpenedEditedAndPacked) {
-    fs::copy(TestData("station.osbak"), folder.Path("station.osbak"));
+    fs::copy(TestData("station.osbak"), Utf8Path(folder.Path("station.osbak")));
     openWindowAndListen();
     loadBackup(folder.Path("station.osbak"));
     EXPECT_THAT(items("comboBox_file"), ElementsAre("Fault-binary.trk", "fault.trk", "External"));
@@ -84,7 +84,7 @@ TEST_F(BackupFileWorkflows, cancelledLoadBackupChangesNothing) {
 }
 
 TEST_F(BackupFileWorkflows, backupWithoutAWorkspaceIsReportedAfterTheFirstUnpacking) {
-    fs::create_directories(folder.Path("made/workspaces"));
+    fs::create_directories(Utf8Path(folder.Path("made/workspaces")));
     WriteFile(folder.Path("made/info.json"), "{}");
     TarCompress(folder.Path("made"), folder.Path("bare.osbak"), bAlloc_Application());
     openWindowAndListen();
@@ -105,8 +105,8 @@ TEST_F(BackupFileWorkflows, backupWithoutAWorkspaceIsReportedAfterTheFirstUnpack
 }
 
 TEST_F(BackupFileWorkflows, workspaceWithoutTracksGivesAnEmptyList) {
-    fs::create_directories(folder.Path("made/workspaces"));
-    fs::create_directories(folder.Path("ws/other"));
+    fs::create_directories(Utf8Path(folder.Path("made/workspaces")));
+    fs::create_directories(Utf8Path(folder.Path("ws/other")));
     TarCompress(folder.Path("ws"), folder.Path("made/workspaces/Workspace.osws"), bAlloc_Application());
     TarCompress(folder.Path("made"), folder.Path("bare.osbak"), bAlloc_Application());
     openWindowAndListen();

@@ -180,7 +180,7 @@ class KeptNowhere : public KeptWork, public ::testing::WithParamInterface<BadFol
         KeptWork::TearDown();
         std::error_code none;
         if (GetParam() == BadFolder::IsReadOnly)
-            fs::permissions(folder.Path("kept"), fs::perms::owner_all, none);
+            fs::permissions(Utf8Path(folder.Path("kept")), fs::perms::owner_all, none);
     }
 };
 
