@@ -1,3 +1,4 @@
+#include "FolderTree.h"
 #include "SourceWorkflows.h"
 #include "TarBlocks.h"
 #include "link/FileUtils.h"
@@ -30,7 +31,7 @@ TEST_F(BackupFileWorkflows, opensEditsAndSavesABackupFileInPlace) {
     ASSERT_THAT(dialogs, SizeIs(1));
     EXPECT_EQ(dialogs[0].caption, QStringLiteral("Please select a Ostra backup file"));
     EXPECT_EQ(dialogs[0].filters, QStringList(QStringLiteral("Ostra (*.osbak)")));
-    EXPECT_EQ(dialogs[0].folder.toStdString(), fs::current_path().string());
+    EXPECT_EQ(dialogs[0].folder.toStdString(), Utf8Text(fs::current_path()));
     loadAndEdit("b.trk");
     messages.clear();
     click("toolButton_upload");
