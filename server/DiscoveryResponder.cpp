@@ -45,8 +45,8 @@ void DiscoveryResponder::Receive() {
 }
 
 void DiscoveryResponder::Answer(std::size_t size) {
-    // A datagram that fills the buffer may be truncated; no request is that long.
-    if (size == datagram.size() || !IsRequest(datagram.data(), size))
+    constexpr std::size_t kMaxRequestSize = 2047;
+    if (size > kMaxRequestSize || !IsRequest(datagram.data(), size))
         return;
     const std::string answer = OstraSdk::ToJsonText(identity.Members(AddressTowards(sender)));
     boost::system::error_code lost; // like any datagram; the client repeats its request

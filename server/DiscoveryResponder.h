@@ -2,7 +2,7 @@
 
 #include "server/ServerIdentity.h"
 
-#include <array>
+#include <cstddef>
 #include <string>
 
 #include <boost/asio/io_context.hpp>
@@ -28,8 +28,12 @@ class DiscoveryResponder final {
     void Answer(std::size_t size);
     [[nodiscard]] std::string AddressTowards(const boost::asio::ip::udp::endpoint& client) const;
 
+    /// The largest datagram: one that did not fit would fail in the middle of a receive on Windows, and the
+    /// library would end the receive twice.
+    static constexpr std::size_t kMaxDatagramSize = 65507;
+
     boost::asio::ip::udp::socket socket;
     const ServerIdentity& identity;
     boost::asio::ip::udp::endpoint sender;
-    std::array<char, 2048> datagram{};
+    std::string datagram = std::string(kMaxDatagramSize, '\0');
 };

@@ -35,6 +35,8 @@
 constexpr unsigned kOpenFolder = 0777;
 /// Makes one folder. @return file_exists when the name is taken
 [[nodiscard]] std::error_code MakeFolderAt(const std::string& path, unsigned permissions = kOpenFolder);
+/// Makes a folder and those above it that are missing. @return file_exists when its name is taken
+[[nodiscard]] std::error_code MakeFoldersAt(const std::string& path, unsigned permissions = kOpenFolder);
 [[nodiscard]] std::error_code RemoveFileAt(const std::string& path);
 /// Removes a folder with everything in it. Links are removed and never followed, `path` included.
 [[nodiscard]] std::error_code RemoveTreeAt(const std::string& path);

@@ -22,6 +22,9 @@ void IgnoreBrokenPipes();
 /// Makes standard output and error write bytes unchanged, so that output is the same on every system.
 void KeepBytesOfOutput();
 
+/// Whether an output is a terminal; it then also interprets escape sequences, where it can.
+[[nodiscard]] bool IsTerminal(std::FILE* output);
+
 /// Reserves capacity for `size` bytes that are about to be filled. Large capacities use large pages: with
 /// small ones, providing hundreds of megabytes takes the system as long as copying them. No memory is used
 /// before its bytes are written.

@@ -14,18 +14,6 @@ bool IsMissing(const std::error_code& failure) {
     return failure == std::errc::no_such_file_or_directory;
 }
 
-/// Including missing parent folders.
-std::error_code MakePrivate(const std::string& folder) {
-    constexpr unsigned kPrivate = 0700;
-    std::error_code failure = MakeFolderAt(folder, kPrivate);
-    if (const std::string above = FolderOf(folder); IsMissing(failure) && above != folder) {
-        failure = MakePrivate(above);
-        if (!failure || failure == std::errc::file_exists) // another process may have made it meanwhile
-            failure = MakeFolderAt(folder, kPrivate);
-    }
-    return failure;
-}
-
 } // namespace
 
 std::string DefaultKeptFolder() {
@@ -39,7 +27,8 @@ std::string DefaultKeptFolder() {
 FolderHandle OpenKeptFolder(const std::string& path) {
     FolderHandle folder(path, FolderHandle::Links::Followed);
     if (IsMissing(folder.Failure()) && !path.empty()) {
-        const std::error_code failure = MakePrivate(AbsolutePath(path));
+        constexpr unsigned kPrivate = 0700;
+        const std::error_code failure = MakeFoldersAt(AbsolutePath(path), kPrivate);
         folder = FolderHandle(path, FolderHandle::Links::Followed);
         if (failure && !folder.IsOpen())
             throw std::system_error(failure);

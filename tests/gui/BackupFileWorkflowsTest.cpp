@@ -1,3 +1,4 @@
+#include "FolderTree.h"
 #include "SourceWorkflows.h"
 #include "TarBlocks.h"
 #include "link/FileUtils.h"
@@ -30,7 +31,7 @@ TEST_F(BackupFileWorkflows, opensEditsAndSavesABackupFileInPlace) {
     ASSERT_THAT(dialogs, SizeIs(1));
     EXPECT_EQ(dialogs[0].caption, QStringLiteral("Please select a Ostra backup file"));
     EXPECT_EQ(dialogs[0].filters, QStringList(QStringLiteral("Ostra (*.osbak)")));
-    EXPECT_EQ(dialogs[0].folder.toStdString(), fs::current_path().string());
+    EXPECT_EQ(dialogs[0].folder.toStdString(), Utf8Text(fs::current_path()));
     loadAndEdit("b.trk");
     messages.clear();
     click("toolButton_upload");
@@ -43,7 +44,7 @@ TEST_F(BackupFileWorkflows, opensEditsAndSavesABackupFileInPlace) {
 }
 
 TEST_F(BackupFileWorkflows, realStationsBackupIsOpenedEditedAndPacked) {
-    fs::copy(TestData("station.osbak"), folder.Path("station.osbak"));
+    fs::copy(TestData("station.osbak"), Utf8Path(folder.Path("station.osbak")));
     openWindowAndListen();
     loadBackup(folder.Path("station.osbak"));
     EXPECT_THAT(items("comboBox_file"), ElementsAre("Fault-binary.trk", "fault.trk", "External"));
@@ -84,7 +85,7 @@ TEST_F(BackupFileWorkflows, cancelledLoadBackupChangesNothing) {
 }
 
 TEST_F(BackupFileWorkflows, backupWithoutAWorkspaceIsReportedAfterTheFirstUnpacking) {
-    fs::create_directories(folder.Path("made/workspaces"));
+    fs::create_directories(Utf8Path(folder.Path("made/workspaces")));
     WriteFile(folder.Path("made/info.json"), "{}");
     TarCompress(folder.Path("made"), folder.Path("bare.osbak"), bAlloc_Application());
     openWindowAndListen();
@@ -105,8 +106,8 @@ TEST_F(BackupFileWorkflows, backupWithoutAWorkspaceIsReportedAfterTheFirstUnpack
 }
 
 TEST_F(BackupFileWorkflows, workspaceWithoutTracksGivesAnEmptyList) {
-    fs::create_directories(folder.Path("made/workspaces"));
-    fs::create_directories(folder.Path("ws/other"));
+    fs::create_directories(Utf8Path(folder.Path("made/workspaces")));
+    fs::create_directories(Utf8Path(folder.Path("ws/other")));
     TarCompress(folder.Path("ws"), folder.Path("made/workspaces/Workspace.osws"), bAlloc_Application());
     TarCompress(folder.Path("made"), folder.Path("bare.osbak"), bAlloc_Application());
     openWindowAndListen();

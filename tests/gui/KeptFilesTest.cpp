@@ -1,5 +1,6 @@
 #include "KeptWork.h"
 
+#include <cstdlib>
 #include <filesystem>
 
 namespace {
@@ -173,14 +174,14 @@ class KeptNowhere : public KeptWork, public ::testing::WithParamInterface<BadFol
             fs::permissions("kept", fs::perms::owner_read | fs::perms::owner_exec);
         } else {
             WriteFile(folder.Path("no folder"), "");
-            qputenv("CORVANE_KEPT", folder.Path("no folder/kept").c_str());
+            setenv("CORVANE_KEPT", folder.Path("no folder/kept").c_str(), 1);
         }
     }
     void TearDown() override {
         KeptWork::TearDown();
         std::error_code none;
         if (GetParam() == BadFolder::IsReadOnly)
-            fs::permissions(folder.Path("kept"), fs::perms::owner_all, none);
+            fs::permissions(Utf8Path(folder.Path("kept")), fs::perms::owner_all, none);
     }
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FolderTree.h"
 #include "SourceWorkflows.h"
 
 #include <filesystem>
@@ -44,26 +45,26 @@ class KeptWork : public SourceWorkflows {
     std::vector<std::string> kept() {
         std::vector<std::string> names;
         std::error_code none;
-        for (const auto& entry : std::filesystem::directory_iterator(folder.Path("kept"), none))
-            if (const std::string name = entry.path().filename(); name.at(0) != '.')
+        for (const auto& entry : std::filesystem::directory_iterator(Utf8Path(folder.Path("kept")), none))
+            if (const std::string name = Utf8Text(entry.path().filename()); name.at(0) != '.')
                 names.push_back(name.substr(kTimeLength));
         return names;
     }
     /// The path of a kept copy, by its name without the time.
     std::string keptPath(const std::string& name) {
-        for (const auto& entry : std::filesystem::directory_iterator(folder.Path("kept")))
-            if (entry.path().filename().string().substr(kTimeLength) == name)
-                return entry.path();
+        for (const auto& entry : std::filesystem::directory_iterator(Utf8Path(folder.Path("kept"))))
+            if (Utf8Text(entry.path().filename()).substr(kTimeLength) == name)
+                return Utf8Text(entry.path());
         throw std::runtime_error("not kept: " + name);
     }
     /// The edit journals in the folder of kept copies.
-    std::vector<std::filesystem::path> journals() {
-        std::vector<std::filesystem::path> found;
+    std::vector<std::string> journals() {
+        std::vector<std::string> found;
         std::error_code none;
-        for (const auto& entry : std::filesystem::directory_iterator(folder.Path("kept"), none))
-            if (entry.path().filename().string().rfind(".journal-", 0) == 0 &&
-                entry.path().extension() != ".lock")
-                found.push_back(entry.path());
+        for (const auto& entry : std::filesystem::directory_iterator(Utf8Path(folder.Path("kept")), none))
+            if (const std::string name = Utf8Text(entry.path().filename());
+                name.starts_with(".journal-") && !name.ends_with(".lock"))
+                found.push_back(folder.Path("kept/" + name));
         return found;
     }
     int keptLength(const std::string& name) { return firstLength(keptPath(name)); }

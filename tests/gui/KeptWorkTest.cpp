@@ -184,12 +184,12 @@ TEST_F(KeptWork, keepsSavedTracksOfACrashedRunBeforeTheirWorkspaceIsRemoved) {
     // The files before an orderly end are those that a crash would leave.
     const auto everything = fs::copy_options::recursive;
     fs::create_directory("crashed");
-    fs::copy("TmpDirOsws", folder.Path("crashed/TmpDirOsws"), everything);
-    fs::copy("TmpDirBackup", folder.Path("crashed/TmpDirBackup"), everything);
-    fs::copy("kept", folder.Path("crashed/kept"), everything);
+    fs::copy("TmpDirOsws", Utf8Path(folder.Path("crashed/TmpDirOsws")), everything);
+    fs::copy("TmpDirBackup", Utf8Path(folder.Path("crashed/TmpDirBackup")), everything);
+    fs::copy("kept", Utf8Path(folder.Path("crashed/kept")), everything);
     closeWindow();
     fs::remove_all("kept");
-    for (const auto& entry : fs::directory_iterator(folder.Path("crashed")))
+    for (const auto& entry : fs::directory_iterator(Utf8Path(folder.Path("crashed"))))
         fs::rename(entry.path(), entry.path().filename());
     openWindow();
     EXPECT_EQ(state(), "Saved, not sent");
@@ -205,11 +205,11 @@ TEST_F(KeptWork, recoversAnEditAfterACrashFiveSecondsLater) {
     edit("x.trk");
     EXPECT_TRUE(journals().empty());
     ASSERT_TRUE(QTest::qWaitFor([this] { return journals().size() == 1; }, 8000));
-    const fs::path journal = journals().at(0);
+    const std::string journal = journals().at(0);
     const std::string content = FileContent(journal);
     fs::copy("TmpDirOsws", "crashed", fs::copy_options::recursive);
     closeWindow();
-    EXPECT_FALSE(fs::exists(journal)) << "a regular end keeps the edits as a copy instead";
+    EXPECT_FALSE(fs::exists(Utf8Path(journal))) << "a regular end keeps the edits as a copy instead";
     fs::remove_all("kept");
     fs::create_directory("kept");
     fs::permissions("kept", fs::perms::owner_all);
@@ -219,7 +219,7 @@ TEST_F(KeptWork, recoversAnEditAfterACrashFiveSecondsLater) {
     EXPECT_THAT(kept(), ElementsAre("x.trk (crash).trk"));
     EXPECT_EQ(keptLength("x.trk (crash).trk"), 33);
     EXPECT_FALSE(independent::ReadBinary(FileContent(keptPath("x.trk (crash).trk"))).rulers.empty());
-    EXPECT_FALSE(fs::exists(journal));
+    EXPECT_FALSE(fs::exists(Utf8Path(journal)));
 }
 
 TEST_F(KeptWork, savingDiscardsTheJournal) {

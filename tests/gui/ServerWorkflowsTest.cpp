@@ -119,7 +119,7 @@ TEST_F(ServerWorkflows, neverSendsAnotherSourcesWorkspaceToAServerWhoseBackupFai
     expectErrorBox("ERROR_REQUEST - Failed to call the Backup request.");
     click("toolButton_upload");
     expectErrorBox("ERROR_FILE - Please connect to Ostra server or load a backup file firstly.");
-    EXPECT_TRUE(fs::exists(folder.Path("station/vdk/ContourPath/b.trk")));
+    EXPECT_TRUE(fs::exists(Utf8Path(folder.Path("station/vdk/ContourPath/b.trk"))));
     EXPECT_EQ(FileContent(folder.Path("other.osbak")), before);
 }
 
@@ -187,7 +187,7 @@ TEST_F(ServerWorkflows, killedServerIsReportedAndTheConnectionStateStays) {
 }
 
 TEST_F(ServerWorkflows, serverWithoutTheTrackFolderGivesAnEmptyList) {
-    fs::remove_all(folder.Path("station/vdk/ContourPath"));
+    fs::remove_all(Utf8Path(folder.Path("station/vdk/ContourPath")));
     openConnected();
     EXPECT_THAT(items("comboBox_file"), ElementsAre("External"));
     EXPECT_TRUE(enabled("comboBox_operation"));

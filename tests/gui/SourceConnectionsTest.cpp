@@ -196,7 +196,7 @@ TEST_F(SourceConnections, sourceChangeThatCannotDisconnectStops) {
 
 TEST_F(SourceConnections, connectsToTheSelectedServersAddressAndPort) {
     startServer();
-    std::filesystem::copy(folder.Path("station"), folder.Path("station two"),
+    std::filesystem::copy(Utf8Path(folder.Path("station")), Utf8Path(folder.Path("station two")),
                           std::filesystem::copy_options::recursive);
     OstraServerProcess other(folder.Path("station two"), {"--address", "127.0.0.2", "--serial", "100002"});
     qputenv("OSTRA_DISCOVERY",

@@ -13,7 +13,7 @@
 class SourceWorkflows : public WindowTest {
   protected:
     SourceWorkflows() {
-        std::filesystem::create_directories(folder.Path("station/vdk/ContourPath"));
+        std::filesystem::create_directories(Utf8Path(folder.Path("station/vdk/ContourPath")));
         WriteFile(folder.Path("station/vdk/ContourPath/b.trk"), independent::BinaryFile(track));
         WriteFile(folder.Path("station/vdk/settings.json"), "{}");
     }

@@ -5,11 +5,12 @@
 #include <QAbstractItemView>
 #include <QStatusBar>
 
+#include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
 
 WindowTest::WindowTest() {
-    qputenv("CORVANE_KEPT", folder.Path("kept").c_str());
+    setenv("CORVANE_KEPT", folder.Path("kept").c_str(), 1);
 }
 
 WindowTest::~WindowTest() = default;

@@ -12,16 +12,16 @@ namespace {
 /// A new folder that only this user may enter.
 std::string MakeFolder() {
     constexpr int kTries = 100;
-    const std::u8string place = fs::temp_directory_path().generic_u8string();
+    const fs::path place = fs::temp_directory_path();
     std::random_device random;
     for (int i = 0; i < kTries; ++i) {
-        std::string path =
-            std::string(place.begin(), place.end()) + "/corvane bühne " + std::to_string(random());
+        const fs::path path = place / Utf8Path("corvane bühne " + std::to_string(random()));
         std::error_code failure;
-        if (!fs::create_directory(Utf8Path(path), failure))
+        if (!fs::create_directory(path, failure))
             continue;
-        fs::permissions(Utf8Path(path), fs::perms::owner_all, failure);
-        return path;
+        fs::permissions(path, fs::perms::owner_all, failure);
+        const std::u8string text = path.generic_u8string();
+        return {text.begin(), text.end()};
     }
     throw std::runtime_error("no temporary folder could be made");
 }

@@ -2,16 +2,17 @@
 
 #include "tools/commandline/Progress.h"
 
+#include "basalt/SystemCalls.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <optional>
-#include <unistd.h>
 
 ExitCode ForEachFile(const std::string& command, const std::vector<std::string>& files,
                      const std::function<ExitCode(const std::string& file)>& work) {
     ExitCode result = ExitCode::Done;
     std::optional<Progress> progress;
-    if (isatty(STDOUT_FILENO) == 0) // otherwise the printed results show the progress
+    if (!IsTerminal(stdout)) // otherwise the printed results show the progress
         progress.emplace("corvane-track " + command);
     std::int64_t done = 0;
     for (const std::string& file : files) {

@@ -1,8 +1,9 @@
 #include "tools/commandline/Progress.h"
 
+#include "basalt/SystemCalls.h"
+
 #include <algorithm>
 #include <cstdio>
-#include <unistd.h>
 
 namespace {
 
@@ -12,9 +13,7 @@ constexpr std::chrono::milliseconds kInterval{100};
 } // namespace
 
 Progress::Progress(std::string what)
-    : what(std::move(what)),
-      isShown(isatty(STDERR_FILENO) != 0),
-      next(std::chrono::steady_clock::now() + kDelay) {
+    : what(std::move(what)), isShown(IsTerminal(stderr)), next(std::chrono::steady_clock::now() + kDelay) {
 }
 
 void Progress::Begin(std::string part) {

@@ -1,5 +1,7 @@
 #include "tools/commands/Commands.h"
 
+#include "basalt/FilePath.h"
+#include "basalt/bDirectory.h"
 #include "tools/backup/BackupFile.h"
 #include "tools/backup/BackupWalk.h"
 #include "tools/commandline/Output.h"
@@ -7,10 +9,7 @@
 #include <QTemporaryDir>
 
 #include <cstdio>
-#include <filesystem>
 #include <map>
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -19,13 +18,13 @@ using Targets = std::map<std::string, std::string>;
 
 Targets TargetsFor(const std::vector<std::string>& words, const std::string& output) {
     Targets targets;
-    std::error_code ignored;
-    const bool isFolder = fs::is_directory(output, ignored);
+    const bool isFolder = bDirectory_Exists(output.c_str()) != 0;
     if (words.size() > 2 && !isFolder)
         throw Failure(ExitCode::Unwritable, output + ": not a folder, which several files need");
+    const std::string start = output.ends_with('/') ? output : output + "/";
     for (std::size_t i = 1; i < words.size(); ++i) {
         const std::string name = WorkspaceName(words[i]);
-        targets[name] = isFolder ? (fs::path(output) / fs::path(name).filename()).string() : output;
+        targets[name] = isFolder ? start + NameOf(name) : output;
     }
     return targets;
 }
@@ -74,8 +73,8 @@ void ExtractFiles(const std::string& backup, const Targets& targets) {
 }
 
 void ExtractAll(const std::string& backup, const std::string& folder) {
-    std::error_code ignored;
-    if (fs::exists(fs::symlink_status(folder, ignored)))
+    FileFacts facts;
+    if (!AskPathItself(folder, &facts))
         throw Failure(ExitCode::Unwritable, folder + ": exists already");
     const QTemporaryDir scratch(QString::fromStdString(folder) + QStringLiteral("-XXXXXX"));
     if (!scratch.isValid())

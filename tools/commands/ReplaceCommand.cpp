@@ -1,16 +1,14 @@
 #include "tools/commands/Commands.h"
 
 #include "basalt/AtomicFile.h"
+#include "basalt/FilePath.h"
+#include "basalt/bDirectory.h"
 #include "tools/backup/BackupFile.h"
 #include "tools/backup/BackupWalk.h"
 #include "tools/track/LoadedTrack.h"
 #include "tools/track/TrackCheck.h"
 
 #include <QTemporaryDir>
-
-#include <filesystem>
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -25,16 +23,17 @@ void RequireGoodTrack(const std::string& file) {
 
 /// Replaces or adds a file in an unpacked workspace.
 void PutInto(const std::string& workspace, const std::string& name, const std::string& file, bool add) {
-    const fs::path target = fs::path(workspace) / name;
-    if (!add && !fs::is_regular_file(fs::symlink_status(target)))
+    const std::string target = workspace + "/" + name;
+    FileFacts facts;
+    if (!add && (AskPathItself(target, &facts) || facts.kind != FileKind::File))
         throw Failure(ExitCode::Unreadable, "no " + name + " in the workspace; --add puts a new file there");
-    if (fs::is_directory(target))
+    if (bDirectory_Exists(target.c_str()) != 0)
         throw Failure(ExitCode::Unreadable, name + " is a folder in the workspace");
-    std::error_code failure;
-    fs::create_directories(target.parent_path(), failure);
-    if (failure)
-        throw Failure(ExitCode::Unwritable, target.parent_path().string() + ": " + failure.message());
-    if (const std::error_code reason = CopyAtomically(file, target.string()))
+    const std::string above = FolderOf(target);
+    const std::error_code failure = MakeFoldersAt(above);
+    if (failure && failure != std::errc::file_exists)
+        throw Failure(ExitCode::Unwritable, above + ": " + failure.message());
+    if (const std::error_code reason = CopyAtomically(file, target))
         throw Failure(ExitCode::Unwritable, "copying " + file + " into the workspace: " + reason.message());
 }
 

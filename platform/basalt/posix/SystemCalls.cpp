@@ -44,6 +44,10 @@ void IgnoreBrokenPipes() {
 void KeepBytesOfOutput() {
 }
 
+bool IsTerminal(std::FILE* output) {
+    return isatty(fileno(output)) != 0;
+}
+
 void ReserveInLargePages(std::vector<std::uint8_t>& bytes, std::size_t size) {
     constexpr std::size_t kLarge = std::size_t{8} * 1024 * 1024;
     bytes.reserve(size);

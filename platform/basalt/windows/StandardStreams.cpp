@@ -6,6 +6,7 @@
 
 #include <fcntl.h>
 #include <io.h>
+#include <windows.h>
 
 std::FILE* OpenToAppend(const std::string& path) {
     const std::optional<std::wstring> wide = LongPathOf(path);
@@ -22,4 +23,15 @@ void IgnoreBrokenPipes() {
 void KeepBytesOfOutput() {
     for (std::FILE* const stream : {stdout, stderr})
         _setmode(_fileno(stream), _O_BINARY);
+}
+
+/// Other devices, such as the null device, are terminals only to the C library. A console prints escape
+/// sequences as text until it is told to interpret them.
+bool IsTerminal(std::FILE* output) {
+    auto* const handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(output)));
+    DWORD mode = 0;
+    if (GetConsoleMode(handle, &mode) == FALSE)
+        return false;
+    SetConsoleMode(handle, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+    return true;
 }

@@ -22,36 +22,33 @@ CellHeight HeightInRow(const CsvLine& line, int column) {
 } // namespace
 
 TextHeights::TextHeights(std::string path, int columns)
-    : file(std::move(path)),
-      rowsPerStart(std::max(1, kCellsPerStart / columns)),
-      scan(std::make_unique<CsvScan>(file)) {
-    if (!scan->IsOpen())
+    : file(std::move(path)), rowsPerStart(std::max(1, kCellsPerStart / columns)) {
+    CsvScan scan(file);
+    if (!scan.IsOpen())
         throw std::runtime_error("File could not be opened");
-    if (!TakeLine())
-        scan.reset();
+    TakeLine(scan);
 }
 
 bool TextHeights::Prepare(std::chrono::microseconds time) {
+    if (isComplete)
+        return false;
+    CsvScan scan(file);
+    scan.MoveTo(nextLine);
     const auto end = std::chrono::steady_clock::now() + time;
-    while (scan != nullptr && std::chrono::steady_clock::now() < end)
-        if (!TakeLine())
-            scan.reset();
-    return scan != nullptr;
+    do
+        TakeLine(scan);
+    while (!isComplete && std::chrono::steady_clock::now() < end);
+    return !isComplete;
 }
 
 /// The first map of the file is the one that is shown, from the line after its header to its "End".
-bool TextHeights::TakeLine() {
-    const std::uint64_t start = scan->Position();
-    if (!inMap) {
-        const bool more = scan->Next();
-        inMap = more && scan->Line().StartsWith("YX");
-        return more;
-    }
-    if (!scan->NextInSection())
-        return false;
-    if (rowCount++ % rowsPerStart == 0)
+void TextHeights::TakeLine(CsvScan& scan) {
+    const std::uint64_t start = scan.Position();
+    isComplete = inMap ? !scan.NextInSection() : !scan.Next();
+    if (inMap && !isComplete && rowCount++ % rowsPerStart == 0)
         starts.push_back(start);
-    return true;
+    inMap = inMap || (!isComplete && scan.Line().StartsWith("YX"));
+    nextLine = scan.Position();
 }
 
 CellHeight TextHeights::At(int column, int row) const {

@@ -5,12 +5,12 @@
 
 #include <chrono>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
 /// Reads single heights of a text track from its file. It has to know where rows start, which Prepare finds
-/// in short slices of time; it keeps a few bytes for thousands of cells.
+/// in short slices of time; it keeps a few bytes for thousands of cells. The file is open only during a call,
+/// so that a save can replace it on every system.
 class TextHeights {
   public:
     /// @param columns of the height map, at least 1
@@ -26,13 +26,14 @@ class TextHeights {
     [[nodiscard]] CellHeight At(int column, int row) const;
 
   private:
-    /// Skips one line of the file. @return false after the height map's last
-    bool TakeLine();
+    /// Skips one line of the file.
+    void TakeLine(CsvScan& scan);
 
     std::string file;
     int rowsPerStart;
-    std::unique_ptr<CsvScan> scan; ///< null when all rows are found
-    bool inMap = false;
+    bool isComplete = false;           ///< all rows are found
+    bool inMap = false;                ///< the header line of the height map is found
+    std::uint64_t nextLine = 0;        ///< the byte of the file that the search continues at
     int rowCount = 0;                  ///< found so far
     std::vector<std::uint64_t> starts; ///< the byte that every so many rows' first starts at
 };

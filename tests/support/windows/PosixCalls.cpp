@@ -1,5 +1,7 @@
 #include "PosixCalls.h"
 
+#include "TemporaryFolder.h"
+
 #include <cerrno>
 #include <cstring>
 #include <random>
@@ -68,7 +70,7 @@ int seteuid(uid_t /*user*/) {
 }
 
 int setenv(const char* name, const char* value, int /*replace*/) {
-    return _putenv_s(name, value);
+    return _wputenv_s(Utf8Path(name).c_str(), Utf8Path(value).c_str());
 }
 
 int setrlimit(int /*what*/, const rlimit* /*limit*/) {

@@ -21,8 +21,9 @@ bool nextAllocationFails = false;
 
 } // namespace
 
-// Replaces the library's: the first allocation after the flag is set gets no memory.
-void* operator new(std::size_t size) {
+// Replaces the library's: the first allocation after the flag is set gets no memory. Not inlined, as a
+// compiler that inlines only one of a pair reports memory from `new` that is given to `free`.
+[[gnu::noinline]] void* operator new(std::size_t size) {
     if (std::exchange(nextAllocationFails, false))
         throw std::bad_alloc();
     if (void* const memory = std::malloc(size))
@@ -30,11 +31,11 @@ void* operator new(std::size_t size) {
     throw std::bad_alloc();
 }
 
-void operator delete(void* memory) noexcept {
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
     std::free(memory);
 }
 
-void operator delete(void* memory, std::size_t) noexcept {
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);
 }
 

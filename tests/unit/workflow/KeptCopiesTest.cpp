@@ -139,7 +139,7 @@ TEST_F(KeptCopiesTest, areNotMadeByAWriterThatFails) {
         return false;
     };
     const auto throwing = [](const std::string&) -> bool { throw std::runtime_error("no idea"); };
-    const auto removing = [](const std::string& path) { return fs::remove(path); };
+    const auto removing = [](const std::string& path) { return fs::remove(Utf8Path(path)); };
     EXPECT_EQ(copies.KeepWritten("a.trk", KeptReason::Unsaved, failing), std::nullopt);
     EXPECT_EQ(copies.KeepWritten("a.trk", KeptReason::Unsaved, throwing), std::nullopt);
     EXPECT_EQ(copies.KeepWritten("a.trk", KeptReason::Unsaved, removing), std::nullopt);

@@ -31,7 +31,7 @@ const std::string kTracks = kWorkspace + "/vdk/Größe";
 
 class UnsentTracksTest : public testing::Test {
   protected:
-    UnsentTracksTest() { fs::create_directories(kTracks); }
+    UnsentTracksTest() { fs::create_directories(Utf8Path(kTracks)); }
 
     /// The unsent tracks at the start of a new run.
     UnsentTracks Tracks() { return {copies, kWorkspace, kTracks}; }
@@ -88,9 +88,9 @@ TEST_F(UnsentTracksTest, areStoredImmediatelyAndPrivately) {
 
 TEST_F(UnsentTracksTest, leaveNoFileWhenEmpty) {
     UnsentTracks tracks = Tracks();
-    EXPECT_FALSE(fs::exists(kept));
+    EXPECT_FALSE(fs::exists(Utf8Path(kept)));
     tracks.Clear();
-    EXPECT_FALSE(fs::exists(kept));
+    EXPECT_FALSE(fs::exists(Utf8Path(kept)));
     tracks.Record("a.trk");
     tracks.Forget("a.trk");
     EXPECT_THAT(FolderTree(kept), IsEmpty());
@@ -117,7 +117,7 @@ TEST_F(UnsentTracksTest, areKeptBeforeTheWorkspaceIsRemoved) {
     WriteFile(kTracks + "/a.trk", "saved");
     WriteFile(kTracks + "/b.trk", "of an earlier run");
     WriteFile(kTracks + "/sent.trk", "sent");
-    fs::create_directory(kTracks + "/folder.trk");
+    fs::create_directory(Utf8Path(kTracks + "/folder.trk"));
     Tracks().Record("b.trk");
     UnsentTracks tracks = Tracks();
     for (const char* const name : {"a.trk", "missing.trk", "folder.trk"})
@@ -135,7 +135,7 @@ TEST_F(UnsentTracksTest, areDroppedEvenWhenTheyCannotBeKept) {
     UnsentTracks tracks = Tracks();
     WriteFile(kTracks + "/a.trk", "saved");
     tracks.Record("a.trk");
-    fs::remove_all(kept);
+    fs::remove_all(Utf8Path(kept));
     WriteFile(kept, "a file");
     static_cast<void>(log.Lines());
     tracks.Keep();
@@ -239,8 +239,8 @@ TEST_F(DamagedListTest, isReplacedWithTheNextTrack) {
 
 TEST_F(DamagedListTest, isIgnoredWhenItIsNotAFile) {
     const std::string list = List();
-    fs::remove(list);
-    fs::create_directory(list);
+    fs::remove(Utf8Path(list));
+    fs::create_directory(Utf8Path(list));
     EXPECT_TRUE(Tracks().IsEmpty());
     EXPECT_THAT(log.Lines(), ElementsAre(HasSubstr("Is a directory")));
 }
@@ -249,7 +249,7 @@ TEST_F(DamagedListTest, isIgnoredWhenItIsNotAFile) {
 TEST_F(DamagedListTest, isIgnoredWhenItHoldsPaths) {
     for (const std::string& name : {std::string(), std::string("."), std::string(".."),
                                     std::string("../a.trk"), std::string("a\0b", 3)}) {
-        fs::remove_all(kept);
+        fs::remove_all(Utf8Path(kept));
         UnsentTracks tracks = Tracks();
         tracks.Record(name);
         ExpectIgnored(FileContent(List()), "no file name");
