@@ -45,7 +45,7 @@ void DiscoveryResponder::Receive() {
 }
 
 void DiscoveryResponder::Answer(std::size_t size) {
-    constexpr std::size_t kMaxRequestSize = 2047;
+    constexpr std::size_t kMaxRequestSize = 2047; // without parsing more: no request is that long
     if (size > kMaxRequestSize || !IsRequest(datagram.data(), size))
         return;
     const std::string answer = OstraSdk::ToJsonText(identity.Members(AddressTowards(sender)));
