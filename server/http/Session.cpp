@@ -26,13 +26,15 @@ bool Session::BecomeIdle() {
 }
 
 bool Session::CloseIdle() {
-    Phase idle = Phase::Idle;
-    if (phase.compare_exchange_strong(idle, Phase::Finished)) {
-        stream.Stop();
+    Phase now = phase;
+    while (now == Phase::Idle || now == Phase::Answered) { // the one may become the other meanwhile
+        if (!phase.compare_exchange_weak(now, Phase::Finished))
+            continue;
+        if (now == Phase::Idle)
+            stream.Stop();
         return true;
     }
-    Phase answered = Phase::Answered;
-    return phase.compare_exchange_strong(answered, Phase::Finished);
+    return false;
 }
 
 bool Session::ServeOne() {
