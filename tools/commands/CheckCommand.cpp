@@ -9,7 +9,7 @@
 
 namespace {
 
-const char* NameOf(TrackProblem::Severity severity) {
+const char* SeverityName(TrackProblem::Severity severity) {
     return severity == TrackProblem::Severity::Error ? "error" : "warning";
 }
 
@@ -50,12 +50,12 @@ class Report {
     }
 
     [[nodiscard]] std::string Readable(const TrackProblem& problem) const {
-        return file + ": " + problem.Place() + NameOf(problem.severity) + ": " + problem.text + '\n';
+        return file + ": " + problem.Place() + SeverityName(problem.severity) + ": " + problem.text + '\n';
     }
 
     [[nodiscard]] std::string Machine(const TrackProblem& problem) const {
         QJsonObject object = problem.ToJson();
-        object.insert(QStringLiteral("severity"), QLatin1String(NameOf(problem.severity)));
+        object.insert(QStringLiteral("severity"), QLatin1String(SeverityName(problem.severity)));
         return (errors + warnings == 0 ? "" : ",") + Json(object);
     }
 
