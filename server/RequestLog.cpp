@@ -26,7 +26,7 @@ RequestLog::~RequestLog() {
 
 void RequestLog::Note(std::string_view verb, std::string_view path, std::uint64_t bodySize, unsigned status) {
     std::string plainVerb = PlainText(verb);
-    if (plainVerb.starts_with('#')) // HTTP allows it, but the line would be taken for a remark
+    if (plainVerb.starts_with('#')) // HTTP allows it, but the line would look like a remark
         plainVerb.front() = '?';
     const std::lock_guard lock(mutex);
     std::fprintf(file, "%s %s %" PRIu64 " %u\n", plainVerb.c_str(), PlainText(path).c_str(), bodySize,

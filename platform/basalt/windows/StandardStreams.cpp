@@ -26,7 +26,7 @@ void KeepBytesOfOutput() {
 }
 
 /// Other devices, such as the null device, are terminals only to the C library. A console prints escape
-/// sequences as text until it is told to interpret them.
+/// sequences as text unless its mode says otherwise.
 bool IsTerminal(std::FILE* output) {
     auto* const handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(output)));
     DWORD mode = 0;
